@@ -1,0 +1,20 @@
+#include "app/db/dberror.h"
+
+namespace merchantry::db {
+
+std::uint32_t DbError::hresult() const {
+    switch (category_) {
+    case Category::Integrity:
+        return kIntegrityError;
+    case Category::Conflict:
+        return kConflict;
+    case Category::Syntax:
+    case Category::Name:
+    case Category::Unsupported:
+        return kSyntaxError;
+    default:
+        return kGeneralError;
+    }
+}
+
+} // namespace merchantry::db

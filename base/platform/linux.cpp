@@ -1,0 +1,86 @@
+#include "base/platform/platform.h"
+
+#include <array>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace merchantry::platform {
+namespace {
+
+std::filesystem::path homeFolder() {
+    const char* home = std::getenv("HOME");
+    return home != nullptr && *home != '\0' ? std::filesystem::path(home) : std::filesystem::temp_directory_path();
+}
+
+[[noreturn]] void failed(const char* what, const std::filesystem::path& path) {
+    throw std::filesystem::filesystem_error(what, path, std::error_code(errno, std::generic_category()));
+}
+
+} // namespace
+
+Date localTime() {
+    timeval now{};
+    gettimeofday(&now, nullptr);
+    tm parts{};
+    localtime_r(&now.tv_sec, &parts);
+    const auto date = Date::fromParts(parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min,
+                                      parts.tm_sec > 59 ? 59 : parts.tm_sec, static_cast<int>(now.tv_usec / 1000));
+    return date.value_or(Date());
+}
+
+std::string machineName() {
+    std::array<char, 256> name{};
+    if (gethostname(name.data(), name.size() - 1) != 0)
+        return "localhost";
+    return name.data();
+}
+
+std::filesystem::path configurationFolder() {
+    const char* base = std::getenv("XDG_CONFIG_HOME");
+    const std::filesystem::path folder = (base != nullptr && *base != '\0' ? std::filesystem::path(base) : homeFolder() / ".config") / "merchantry";
+    std::filesystem::create_directories(folder);
+    chmod(folder.c_str(), S_IRWXU);
+    return folder;
+}
+
+std::filesystem::path documentsFolder() {
+    const char* folder = std::getenv("XDG_DOCUMENTS_DIR");
+    return folder != nullptr && *folder != '\0' ? std::filesystem::path(folder) : homeFolder() / "Documents";
+}
+
+std::filesystem::path programFolder() {
+    std::error_code error;
+    const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::filesystem::current_path() : path.parent_path();
+}
+
+void replaceFile(const std::filesystem::path& target, const std::string& text, bool ownerOnly) {
+    std::filesystem::path beside = target;
+    beside += ".new";
+    const int file = open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, ownerOnly ? 0600 : 0644);
+    if (file < 0)
+        failed("cannot write", beside);
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t count = write(file, text.data() + done, text.size() - done);
+        if (count < 0) {
+            close(file);
+            unlink(beside.c_str());
+            failed("cannot write", beside);
+        }
+        done += static_cast<std::size_t>(count);
+    }
+    const bool kept = fsync(file) == 0;
+    close(file);
+    if (!kept) {
+        unlink(beside.c_str());
+        failed("cannot write", beside);
+    }
+    std::filesystem::rename(beside, target);
+}
+
+} // namespace merchantry::platform

@@ -1,0 +1,57 @@
+#include "base/numbers.h"
+
+#include "base/currency.h"
+#include "base/decimal.h"
+#include "base/value.h"
+
+#include <gtest/gtest.h>
+
+namespace merchantry {
+namespace {
+
+TEST(Numbers, TakeTheLongestNumericPrefix) {
+    const std::pair<const char*, double> cases[] = {{"12abc", 12}, {"abc", 0},     {"", 0},        {" -4.5 x", -4.5}, {"1 2", 12},
+                                                    {"1e3", 1000}, {"1e", 1},      {"1,234", 1},   {".5", 0.5},       {"-", 0},
+                                                    {"$5", 0},     {"2.5.1", 2.5}, {"1e-2z", 0.01}};
+    for (const auto& [text, number] : cases)
+        EXPECT_DOUBLE_EQ(numericPrefix(text), number) << text;
+}
+
+TEST(Numbers, TellWhetherATextIsANumber) {
+    for (const char* text : {"12", " 12 ", "-1.5", "$1,234.50", "1e5", "($3)", ".5", "5."})
+        EXPECT_TRUE(isNumeric(text)) << text;
+    for (const char* text : {"", " ", "abc", "12a", "1.2.3", "--1", "$", "1e", "."})
+        EXPECT_FALSE(isNumeric(text)) << text;
+}
+
+TEST(Numbers, SixteenBitHalvesGoToEvenAndOverflowIsAnError) {
+    EXPECT_EQ(toInt16(2.5), 2);
+    EXPECT_EQ(toInt16(3.5), 4);
+    EXPECT_EQ(toInt16(-2.5), -2);
+    EXPECT_EQ(toInt16(32767.4), 32767);
+    EXPECT_THROW(toInt16(32767.5), OverflowError);
+    EXPECT_THROW(toInt16(-32769), OverflowError);
+}
+
+TEST(Numbers, ShortestDecimalReadsBack) {
+    EXPECT_EQ(shortestDecimal(0.1), "0.1");
+    EXPECT_EQ(shortestDecimal(2), "2");
+    EXPECT_EQ(shortestDecimal(-12.5), "-12.5");
+    EXPECT_EQ(shortestDecimal(123456789012.25), "123456789012.25");
+}
+
+TEST(Decimals, KeepTheirScaleAndCompareByValue) {
+    const auto number = [](const char* text) { return *Decimal::fromText(text); };
+    EXPECT_EQ(number("1.50").toText(), "1.50");
+    EXPECT_EQ(number("1.50"), number("1.5"));
+    EXPECT_LT(number("-2"), number("-1.99"));
+    EXPECT_EQ(number("1.005").rescaled(2)->toText(), "1.01");
+    EXPECT_EQ(number("-0.5").rescaled(0)->toText(), "-1");
+    EXPECT_EQ(number("0.001").toText(), "0.001");
+    EXPECT_FALSE(number("12345678901234567890123456789012345678").rescaled(1));
+    EXPECT_FALSE(Decimal::fromText("1e5"));
+    EXPECT_FALSE(Decimal::fromText("123456789012345678901234567890123456789"));
+}
+
+} // namespace
+} // namespace merchantry
