@@ -84,7 +84,7 @@ Currency Currency::fromText(std::string_view text) {
     Wide units = 0;
     int decimals = -1;
     bool sawDigit = false;
-    int beyond = 0;        // first digit after the fourth decimal
+    int beyond = 0;          // first digit after the fourth decimal
     bool beyondRest = false; // any non-zero digit behind that
     for (; at < end; ++at) {
         const char c = text[at];

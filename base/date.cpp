@@ -174,13 +174,27 @@ std::optional<Date> Date::fromText(std::string_view text) {
     return fromParts(year, month, day, time.hour, time.minute, time.second, time.ms);
 }
 
-int Date::year() const { return static_cast<int>(calendarDay(ms_).year()); }
-int Date::month() const { return static_cast<int>(static_cast<unsigned>(calendarDay(ms_).month())); }
-int Date::day() const { return static_cast<int>(static_cast<unsigned>(calendarDay(ms_).day())); }
-int Date::hour() const { return static_cast<int>(msOfDay(ms_) / 3'600'000); }
-int Date::minute() const { return static_cast<int>(msOfDay(ms_) / 60'000 % 60); }
-int Date::second() const { return static_cast<int>(msOfDay(ms_) / 1000 % 60); }
-int Date::millisecond() const { return static_cast<int>(msOfDay(ms_) % 1000); }
+int Date::year() const {
+    return static_cast<int>(calendarDay(ms_).year());
+}
+int Date::month() const {
+    return static_cast<int>(static_cast<unsigned>(calendarDay(ms_).month()));
+}
+int Date::day() const {
+    return static_cast<int>(static_cast<unsigned>(calendarDay(ms_).day()));
+}
+int Date::hour() const {
+    return static_cast<int>(msOfDay(ms_) / 3'600'000);
+}
+int Date::minute() const {
+    return static_cast<int>(msOfDay(ms_) / 60'000 % 60);
+}
+int Date::second() const {
+    return static_cast<int>(msOfDay(ms_) / 1000 % 60);
+}
+int Date::millisecond() const {
+    return static_cast<int>(msOfDay(ms_) % 1000);
+}
 
 int Date::dayOfWeek() const {
     const std::int64_t sinceMonday = floorDays(ms_); // 1900-01-01 was a Monday
@@ -192,7 +206,9 @@ int Date::dayOfYear() const {
     return static_cast<int>(floorDays(ms_) - (firstDay - kEpoch).count()) + 1;
 }
 
-Date Date::dateOnly() const { return fromMs(floorDays(ms_) * kMsPerDay); }
+Date Date::dateOnly() const {
+    return fromMs(floorDays(ms_) * kMsPerDay);
+}
 
 std::string Date::toStatementText() const {
     std::array<char, 32> buffer{};
@@ -206,7 +222,8 @@ std::string Date::toShortText() const {
         return text;
     std::array<char, 32> buffer{};
     const int hours = hour();
-    std::snprintf(buffer.data(), buffer.size(), " %d:%02d:%02d %s", hours % 12 == 0 ? 12 : hours % 12, minute(), second(), hours < 12 ? "AM" : "PM");
+    std::snprintf(buffer.data(), buffer.size(), " %d:%02d:%02d %s", hours % 12 == 0 ? 12 : hours % 12, minute(), second(),
+                  hours < 12 ? "AM" : "PM");
     return text + buffer.data();
 }
 

@@ -10,9 +10,7 @@
 namespace merchantry {
 namespace {
 
-template <class... Ts> struct Overloaded : Ts... {
-    using Ts::operator()...;
-};
+template <class... Ts> struct Overloaded : Ts... { using Ts::operator()...; };
 template <class... Ts> Overloaded(Ts...) -> Overloaded<Ts...>;
 
 constexpr std::int64_t kDaysFrom1899 = 2; // 1899-12-30 to 1900-01-01

@@ -39,7 +39,8 @@ public:
     virtual std::int64_t number(int column) const = 0;
 };
 
-// Takes what a batch gives, in order. The session calls it while the batch runs; an exception thrown here stops the batch and passes through.
+// Takes what a batch gives, in order. The session calls it while the batch runs; an exception thrown here stops the batch and passes
+// through.
 class ResultSink {
 public:
     virtual ~ResultSink() = default;

@@ -41,7 +41,8 @@ std::string machineName() {
 
 std::filesystem::path configurationFolder() {
     const char* base = std::getenv("XDG_CONFIG_HOME");
-    const std::filesystem::path folder = (base != nullptr && *base != '\0' ? std::filesystem::path(base) : homeFolder() / ".config") / "merchantry";
+    const std::filesystem::path folder =
+        (base != nullptr && *base != '\0' ? std::filesystem::path(base) : homeFolder() / ".config") / "merchantry";
     std::filesystem::create_directories(folder);
     chmod(folder.c_str(), S_IRWXU);
     return folder;

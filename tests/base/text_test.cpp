@@ -16,7 +16,10 @@ TEST(Text, CountsCharactersNotBytes) {
     EXPECT_EQ(characterCount("a\xC3\xA9\xE2\x82\xAC"), 3U);
     EXPECT_EQ(characters("a\xC3\xA9z", 1, 1), "\xC3\xA9");
     EXPECT_EQ(characterCount("\xFF\xFE"), 2U); // broken bytes count, and end
-    EXPECT_EQ(upperCase("stra\xC3\x9F" "e \xC3\xA9"), "STRA\xC3\x9F" "E \xC3\x89");
+    EXPECT_EQ(upperCase("stra\xC3\x9F"
+                        "e \xC3\xA9"),
+              "STRA\xC3\x9F"
+              "E \xC3\x89");
 }
 
 TEST(Text, MatchesSimplePatterns) {

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "ui/control.h"
+
+namespace merchantry::ui {
+
+// A push button. The caption's "&" stands before its mnemonic.
+class Button : public Control {
+public:
+    Button(Form& form, std::string name, std::string caption) : Control(form, std::move(name)), caption_(std::move(caption)) {}
+    Role role() const override { return Role::Button; }
+    bool takesFocus() const override { return true; }
+
+    const std::string& caption() const { return caption_; }
+    void setCaption(std::string caption) {
+        caption_ = std::move(caption);
+        changed(Aspect::Text);
+    }
+    void press() {
+        if (click)
+            click();
+    }
+
+    bool isDefault = false; // Enter presses it
+    bool isCancel = false;  // Escape presses it
+    bool isDanger = false;  // it destroys something
+    std::function<void()> click;
+
+private:
+    std::string caption_;
+};
+
+// A picture that is clicked like a button, such as the arrows beside a list. `icon` names a drawing of the skin ("arrow-up").
+class Image : public Control {
+public:
+    Image(Form& form, std::string name, std::string iconName, std::string what)
+        : Control(form, std::move(name)), icon(std::move(iconName)) {
+        setToolTip(std::move(what));
+    }
+    Role role() const override { return Role::Image; }
+    bool takesFocus() const override { return static_cast<bool>(click); }
+    void press() {
+        if (click)
+            click();
+    }
+
+    std::string icon;
+    std::function<void()> click;
+};
+
+} // namespace merchantry::ui

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "ui/control.h"
+#include "ui/layout.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace merchantry::ui {
+
+class Button;
+class Desk;
+
+// What draws a form. Attached by the desktop; the screens never see it.
+class FormView {
+public:
+    virtual ~FormView() = default;
+    virtual void controlChanged(Control& control, Aspect aspect) = 0;
+    virtual void formChanged() = 0;  // caption, size, wait state
+    virtual void focusChanged() = 0; // the form's focused control is another one
+};
+
+// A screen: named controls, event procedures, a layout. Made through Desk::form, loaded at its first show (or by ensureLoaded), shown
+// modally or not through the desk, gone after unload. A default instance is made anew after it was unloaded.
+class Form {
+public:
+    Form(Desk& desk, std::string name, std::string caption);
+    virtual ~Form();
+    Form(const Form&) = delete;
+    Form& operator=(const Form&) = delete;
+
+    Desk& desk() const { return desk_; }
+    const std::string& name() const { return name_; }
+    const std::string& caption() const { return caption_; }
+    void setCaption(std::string caption);
+
+    // Runs Form_Load once. Every show does this first; a screen's public operation that touches controls does it before.
+    void ensureLoaded();
+    bool loaded() const { return loaded_; }
+    // Runs Form_Unload, which may refuse, and closes the window. Safe to call from an event of the form: it lives until that is over.
+    void unload();
+    bool closed() const { return closed_; }
+    void hide();
+    bool hidden() const { return hidden_; }
+    bool modal() const { return modal_; }
+    bool minimised() const { return minimised_; }
+
+    const std::vector<Control*>& controls() const { return controls_; }
+    // The control of that name (case does not matter), elements of an array as "cmdExit(1)"; null when there is none.
+    Control* find(const std::string& name) const;
+    const Item& layout() const { return layout_; }
+    // The controls in the order in which Tab visits them: that of the layout.
+    std::vector<Control*> tabOrder() const;
+
+    Control* focused() const { return focused_; }
+    // Moves the focus with every event that this brings: validate and lostFocus of the old control, gotFocus of the new.
+    // False when the old control kept it or the new one cannot take it; null takes it from all.
+    bool focus(Control* control);
+    // To the next control of the tab order that can take it.
+    void focusNext(bool backwards = false);
+
+    // Enter and Escape press these; null for none.
+    Button* defaultButton() const;
+    Button* cancelButton() const;
+
+    Twips width() const { return width_; }
+    Twips height() const { return height_; }
+    // By the screen or the drawing; runs Form_Resize when loaded.
+    void setSize(Twips width, Twips height);
+    bool sizeable() const { return sizeable_; }
+    const std::string& icon() const { return icon_; }
+
+    FormView* view() const { return view_; }
+    void attach(FormView* view) { view_ = view; }
+
+    // A public operation by its name, for scripts: takes its arguments as texts and gives its answer as one. Null when the form offers none such.
+    using Operation = std::function<std::string(const std::vector<std::string>& arguments)>;
+    const Operation* operation(const std::string& name) const;
+
+    // Called by the desk.
+    void shown(bool asModal);
+    void activate();
+
+protected:
+    virtual void Form_Load() {}
+    virtual void Form_Activate() {}
+    virtual void Form_Resize() {}
+    virtual void Form_Unload(bool& /*cancel*/) {}
+
+    // Called by a screen's constructor, after its controls stand.
+    void setLayout(Item layout);
+    void offer(std::string operation, Operation procedure);
+    void setIcon(std::string icon) { icon_ = std::move(icon); }
+    void setFixedSize() { sizeable_ = false; }
+
+private:
+    friend class Control;
+    void add(Control& control);
+    void remove(Control& control);
+
+    Desk& desk_;
+    std::string name_;
+    std::string caption_;
+    std::string icon_;
+    std::vector<Control*> controls_;
+    std::map<std::string, Operation> operations_;
+    Item layout_;
+    Control* focused_ = nullptr;
+    FormView* view_ = nullptr;
+    Twips width_ = 0;
+    Twips height_ = 0;
+    bool sizeable_ = true;
+    bool loaded_ = false;
+    bool closed_ = false;
+    bool hidden_ = false;
+    bool modal_ = false;
+    bool minimised_ = false;
+    bool unloading_ = false;
+};
+
+} // namespace merchantry::ui

@@ -1,0 +1,240 @@
+#include "ui/gestures.h"
+
+#include "base/text.h"
+#include "ui/desk.h"
+#include "ui/form.h"
+
+#include <cctype>
+
+namespace merchantry::ui::gestures {
+namespace {
+
+// The letter behind "&" in a caption, in lower case; 0 when there is none.
+char mnemonic(const std::string& caption) {
+    for (std::size_t at = 0; at + 1 < caption.size(); ++at) {
+        if (caption[at] != '&')
+            continue;
+        if (caption[at + 1] == '&')
+            ++at;
+        else
+            return static_cast<char>(std::tolower(static_cast<unsigned char>(caption[at + 1])));
+    }
+    return '\0';
+}
+
+bool pressMnemonic(Form& form, char letter) {
+    for (Control* control : form.controls()) {
+        if (!control->obstacle().empty())
+            continue;
+        if (auto* button = dynamic_cast<Button*>(control); button != nullptr && mnemonic(button->caption()) == letter)
+            return press(*button).empty();
+        if (auto* box = dynamic_cast<CheckBox*>(control); box != nullptr && mnemonic(box->caption()) == letter)
+            return check(*box, !box->value()).empty();
+        if (auto* option = dynamic_cast<OptionButton*>(control); option != nullptr && mnemonic(option->caption()) == letter)
+            return choose(*option).empty();
+    }
+    return false;
+}
+
+template <class C, class Act> std::string use(C& control, Act act) {
+    if (std::string why = enter(control); !why.empty())
+        return why;
+    act();
+    return "";
+}
+
+} // namespace
+
+std::string obstacle(const Control& control) {
+    if (std::string why = control.obstacle(); !why.empty())
+        return why;
+    const Form& form = control.form();
+    if (form.closed() || form.hidden())
+        return "closed";
+    if (form.desk().covered(form))
+        return "covered by another window";
+    return "";
+}
+
+std::string enter(Control& control) {
+    if (std::string why = obstacle(control); !why.empty())
+        return why;
+    if (!control.takesFocus())
+        return "";
+    return control.form().focus(&control) ? "" : "the focus stays where it is";
+}
+
+std::string type(TextBox& box, const std::string& text) {
+    if (std::string why = enter(box); !why.empty())
+        return why;
+    if (box.locked())
+        return "locked";
+    box.setText(text);
+    return "";
+}
+
+std::string append(TextBox& box, const std::string& text) {
+    if (std::string why = enter(box); !why.empty())
+        return why;
+    if (box.locked())
+        return "locked";
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t start = at;
+        nextCodePoint(text, at);
+        box.setText(box.text() + text.substr(start, at - start));
+    }
+    return "";
+}
+
+std::string type(ComboBox& box, const std::string& text) {
+    if (std::string why = enter(box); !why.empty())
+        return why;
+    if (box.locked())
+        return "locked";
+    if (!box.editable && box.indexOf(text) < 0)
+        return "no such entry";
+    box.setText(text);
+    return "";
+}
+
+std::string press(Button& button) {
+    return use(button, [&] { button.press(); });
+}
+
+std::string press(Label& label) {
+    return use(label, [&] { label.press(); });
+}
+
+std::string press(Image& image) {
+    return use(image, [&] { image.press(); });
+}
+
+std::string press(MenuEntry& entry) {
+    for (const MenuEntry* above = &entry; above != nullptr; above = above->parent())
+        if (std::string why = obstacle(*above); !why.empty())
+            return why;
+    entry.press();
+    return "";
+}
+
+std::string press(Toolbar& bar, const std::string& key) {
+    if (std::string why = obstacle(bar); !why.empty())
+        return why;
+    for (const ToolButton& button : bar.buttons())
+        if (button.key == key) {
+            bar.press(key);
+            return "";
+        }
+    return "no button of that key";
+}
+
+std::string check(CheckBox& box, bool on) {
+    return use(box, [&] { box.setValue(on); });
+}
+
+std::string choose(OptionButton& option) {
+    return use(option, [&] {
+        const bool was = option.value();
+        option.setValue(true);
+        if (was && option.click)
+            option.click();
+    });
+}
+
+std::string pick(ListBox& list, int index) {
+    if (index < 0 || index >= list.count())
+        return "no such entry";
+    return use(list, [&] { list.setListIndex(index); });
+}
+
+std::string pick(ComboBox& list, int index) {
+    if (index < 0 || index >= list.count())
+        return "no such entry";
+    if (list.locked())
+        return "locked";
+    return use(list, [&] { list.setListIndex(index); });
+}
+
+std::string turn(TabSet& tabs, int page) {
+    if (page < 0 || page >= tabs.count())
+        return "no such page";
+    return use(tabs, [&] { tabs.setCurrent(page); });
+}
+
+std::string select(Grid& grid, int row, int column) {
+    if (row < 1 || row > grid.dataRows())
+        return "no such row";
+    return use(grid, [&] { grid.userClick(row, column); });
+}
+
+std::string clickHeading(Grid& grid, int column) {
+    if (column < 0 || column >= grid.columnCount())
+        return "no such column";
+    return use(grid, [&] { grid.userHeader(column); });
+}
+
+std::string doubleClick(Grid& grid, int row, int column) {
+    if (row < 1 || row > grid.dataRows())
+        return "no such row";
+    return use(grid, [&] { grid.userDoubleClick(row, column); });
+}
+
+std::string edit(Grid& grid, int row, int column, const std::string& text) {
+    if (row < 1 || row > grid.dataRows() || column < 0 || column >= grid.columnCount())
+        return "no such cell";
+    if (std::string why = enter(grid); !why.empty())
+        return why;
+    if (!grid.userBeginEdit(row, column))
+        return "";
+    const std::string typed = grid.userEditText(text);
+    if (!grid.userCommit(typed) && grid.editing())
+        grid.userCancelEdit();
+    return "";
+}
+
+bool key(Form& form, const std::string& name) {
+    auto* box = dynamic_cast<TextBox*>(form.focused());
+    if (box != nullptr && box->keyDown) {
+        bool swallow = false;
+        box->keyDown(name, swallow);
+        if (swallow)
+            return true;
+    }
+    if (name == "Tab" || name == "Shift+Tab") {
+        form.focusNext(name != "Tab");
+        return true;
+    }
+    if (name == "Enter") {
+        if (auto* button = dynamic_cast<Button*>(form.focused()))
+            return press(*button).empty();
+        if (auto* grid = dynamic_cast<Grid*>(form.focused()); grid != nullptr && grid->selected() && grid->dblClick) {
+            grid->userDoubleClick(grid->row(), grid->col());
+            return true;
+        }
+        Button* button = form.defaultButton();
+        return button != nullptr && press(*button).empty();
+    }
+    if (name == "Escape") {
+        if (auto* grid = dynamic_cast<Grid*>(form.focused()); grid != nullptr && grid->editing()) {
+            grid->userCancelEdit();
+            return true;
+        }
+        Button* button = form.cancelButton();
+        return button != nullptr && press(*button).empty();
+    }
+    if (name.size() == 5 && name.starts_with("Alt+"))
+        return pressMnemonic(form, static_cast<char>(std::tolower(static_cast<unsigned char>(name[4]))));
+    return false;
+}
+
+std::string close(Form& form) {
+    if (form.desk().covered(form))
+        return "covered by another window";
+    // What was typed into the field that has the focus counts, however the window is closed.
+    if (!form.focus(nullptr))
+        return "the focus stays where it is";
+    form.unload();
+    return "";
+}
+
+} // namespace merchantry::ui::gestures

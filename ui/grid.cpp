@@ -1,0 +1,328 @@
+#include "ui/grid.h"
+
+#include "base/numbers.h"
+#include "base/text.h"
+#include "ui/desk.h"
+#include "ui/form.h"
+
+#include <algorithm>
+
+namespace merchantry::ui {
+namespace {
+
+using Format = GridColumn::Format;
+
+std::string shown(const GridColumn& column, const std::string& raw) {
+    if (column.editor == GridColumn::Editor::Combo)
+        for (const auto& [text, stored] : column.choices)
+            if (sameText(stored, raw))
+                return text;
+    if (column.format == Format::Currency && isNumeric(raw))
+        return Currency::fromText(raw).toDisplay();
+    if (column.format == Format::Date)
+        if (const auto date = Date::fromText(raw))
+            return date->toShortText();
+    return raw;
+}
+
+std::string shown(const GridColumn& column, const Value& value) {
+    if (column.format == Format::Currency && (value.is<Currency>() || value.is<double>() || value.is<Decimal>()))
+        return value.toCurrency().toDisplay();
+    if (value.is<bool>())
+        return column.editor == GridColumn::Editor::Check ? (value.as<bool>() ? "1" : "0") : value.toText();
+    return shown(column, value.toText());
+}
+
+// What the editor's text means for the cell: a combo's choice by its text.
+std::string stored(const GridColumn& column, const std::string& text) {
+    if (column.editor == GridColumn::Editor::Combo)
+        for (const auto& [choice, value] : column.choices)
+            if (sameText(choice, text))
+                return value;
+    return text;
+}
+
+} // namespace
+
+Grid::~Grid() {
+    if (bound_ != nullptr)
+        bound_->stopListening(listener_);
+}
+
+void Grid::setColumns(std::vector<GridColumn> columns) {
+    columns_ = std::move(columns);
+    for (auto& cells : cells_)
+        cells.resize(columns_.size());
+    changed(Aspect::Rows);
+}
+
+void Grid::setColumn(int index, GridColumn column) {
+    if (index >= columnCount())
+        columns_.resize(static_cast<std::size_t>(index) + 1);
+    columns_[static_cast<std::size_t>(index)] = std::move(column);
+    changed(Aspect::Rows);
+}
+
+void Grid::setHidden(int index, bool hidden) {
+    if (index >= columnCount())
+        columns_.resize(static_cast<std::size_t>(index) + 1);
+    columns_[static_cast<std::size_t>(index)].hidden = hidden;
+    changed(Aspect::Rows);
+}
+
+void Grid::bind(Rows* rows) {
+    if (bound_ != nullptr)
+        bound_->stopListening(listener_);
+    bound_ = rows;
+    cells_.clear();
+    colors_.clear();
+    editing_ = false;
+    if (bound_ != nullptr) {
+        listener_ = bound_->listen([this] { refreshed(); });
+        columns_.resize(static_cast<std::size_t>(bound_->columnCount()));
+        for (int i = 0; i < bound_->columnCount(); ++i)
+            if (columns_[static_cast<std::size_t>(i)].heading.empty())
+                columns_[static_cast<std::size_t>(i)].heading = bound_->columnName(i);
+    }
+    row_ = 0;
+    clampCurrent();
+    if (row_ == 0 && dataRows() > 0)
+        row_ = selectedFrom_ = selectedTo_ = 1;
+    changed(Aspect::Rows);
+    if (afterRefresh)
+        afterRefresh();
+}
+
+int Grid::dataRows() const {
+    return bound_ != nullptr ? bound_->rowCount() : static_cast<int>(cells_.size());
+}
+
+std::string Grid::text(int row, int column) const {
+    if (column < 0 || column >= columnCount() || row < 0 || row > dataRows())
+        return "";
+    const GridColumn& shape = columns_[static_cast<std::size_t>(column)];
+    if (row == 0)
+        return shape.heading;
+    if (bound_ == nullptr)
+        return shown(shape, cells_[static_cast<std::size_t>(row) - 1][static_cast<std::size_t>(column)]);
+    return shown(shape, bound_->cell(row - 1, column));
+}
+
+Value Grid::value(int row, int column) const {
+    if (column < 0 || column >= columnCount() || row < 1 || row > dataRows())
+        return {};
+    if (bound_ != nullptr)
+        return bound_->cell(row - 1, column);
+    return cells_[static_cast<std::size_t>(row) - 1][static_cast<std::size_t>(column)];
+}
+
+std::string Grid::rawText(int row, int column) const {
+    return row == 0 ? text(0, column) : value(row, column).toText();
+}
+
+void Grid::setDataRows(int count) {
+    cells_.resize(static_cast<std::size_t>(std::max(count, 0)), std::vector<std::string>(columns_.size()));
+    std::erase_if(colors_, [&](const auto& entry) { return entry.first.first > count; });
+    clampCurrent();
+    changed(Aspect::Rows);
+}
+
+void Grid::setText(int row, int column, const std::string& text) {
+    if (row == 0) {
+        columns_.at(static_cast<std::size_t>(column)).heading = text;
+        changed(Aspect::Rows);
+    } else if (bound_ != nullptr) {
+        bound_->setCell(row - 1, column, text);
+    } else {
+        cells_.at(static_cast<std::size_t>(row) - 1).at(static_cast<std::size_t>(column)) = text;
+        changed(Aspect::Cells);
+    }
+}
+
+void Grid::addRow(const std::vector<std::string>& cells) {
+    if (bound_ != nullptr) {
+        bound_->addRow({cells.begin(), cells.end()});
+        return;
+    }
+    cells_.push_back(cells);
+    cells_.back().resize(columns_.size());
+    changed(Aspect::Rows);
+}
+
+void Grid::removeRow(int row) {
+    if (row < 1 || row > dataRows())
+        return;
+    if (bound_ != nullptr) {
+        bound_->removeRow(row - 1);
+        return;
+    }
+    cells_.erase(cells_.begin() + (row - 1));
+    clampCurrent();
+    changed(Aspect::Rows);
+}
+
+void Grid::setCellColor(int row, int column, Color color) {
+    colors_[{row, column}] = color;
+    changed(Aspect::Cells);
+}
+
+Color Grid::cellColor(int row, int column) const {
+    if (colorOf)
+        if (const Color color = colorOf(row, column); color != Color::None)
+            return color;
+    const auto found = colors_.find({row, column});
+    return found == colors_.end() ? Color::None : found->second;
+}
+
+void Grid::setCurrent(int row, int column) {
+    if (row < 0 || row > dataRows())
+        return;
+    if (row == row_ && column == col_) {
+        selectedFrom_ = selectedTo_ = row;
+        return;
+    }
+    bool cancel = false;
+    if (beforeRowColChange)
+        beforeRowColChange(row_, row, cancel);
+    if (cancel)
+        return;
+    row_ = row;
+    col_ = column;
+    selectedFrom_ = selectedTo_ = row;
+    changed(Aspect::Choice);
+    if (rowColChange)
+        rowColChange();
+}
+
+void Grid::select(int fromRow, int toRow) {
+    setCurrent(fromRow, col_);
+    if (row_ != fromRow)
+        return;
+    selectedFrom_ = std::min(fromRow, toRow);
+    selectedTo_ = std::clamp(std::max(fromRow, toRow), 0, dataRows());
+    changed(Aspect::Choice);
+}
+
+void Grid::showCurrent() {
+    showRow_ = row_;
+    changed(Aspect::Choice);
+}
+
+bool Grid::userSelect(int row, int column) {
+    if (editing_ && !userCommit(editText_))
+        return false;
+    setCurrent(row, column);
+    return row_ == row && col_ == column;
+}
+
+bool Grid::userClick(int row, int column) {
+    if (!userSelect(row, column))
+        return false;
+    if (click)
+        click();
+    return true;
+}
+
+void Grid::userHeader(int column) {
+    if (editing_)
+        userCommit(editText_);
+    setCurrent(std::min(1, dataRows()), column);
+    col_ = column;
+    if (click)
+        click();
+}
+
+void Grid::userDoubleClick(int row, int column) {
+    if (userSelect(row, column) && dblClick)
+        dblClick();
+}
+
+bool Grid::refusesEdit(int row, int column) {
+    if (!editable || row < 1 || row > dataRows() || column < 0 || column >= columnCount())
+        return true;
+    if (bound_ != nullptr && !bound_->canChange())
+        return true;
+    bool cancel = false;
+    if (beforeEdit)
+        beforeEdit(row, column, cancel);
+    return cancel;
+}
+
+bool Grid::userBeginEdit(int row, int column) {
+    if (!userSelect(row, column) || refusesEdit(row, column))
+        return false;
+    editing_ = true;
+    editText_ = columns_[static_cast<std::size_t>(column)].editor == GridColumn::Editor::Text ? rawText(row, column) : text(row, column);
+    changed(Aspect::Choice);
+    return true;
+}
+
+std::string Grid::userEditText(std::string text) {
+    editText_ = std::move(text);
+    if (changeEdit)
+        changeEdit(editText_);
+    return editText_;
+}
+
+bool Grid::userCommit(const std::string& typed) {
+    if (!editing_)
+        return true;
+    const int row = row_;
+    const int column = col_;
+    bool cancel = false;
+    if (validateEdit)
+        validateEdit(row, column, typed, cancel);
+    if (cancel)
+        return false;
+    editing_ = false;
+    editText_.clear();
+    const bool written = write(row, column, typed);
+    changed(Aspect::Cells);
+    if (written && afterEdit)
+        afterEdit(row, column);
+    return written;
+}
+
+void Grid::userCancelEdit() {
+    editing_ = false;
+    editText_.clear();
+    changed(Aspect::Cells);
+}
+
+void Grid::setStatusText(std::string text) {
+    statusText = std::move(text);
+    changed(Aspect::Look);
+}
+
+bool Grid::write(int row, int column, const std::string& typed) {
+    const std::string text = stored(columns_[static_cast<std::size_t>(column)], typed);
+    if (bound_ == nullptr) {
+        cells_[static_cast<std::size_t>(row) - 1][static_cast<std::size_t>(column)] = text;
+        return true;
+    }
+    try {
+        bound_->setCell(row - 1, column, text);
+        return true;
+    } catch (const std::runtime_error& refused) {
+        bool handled = false;
+        if (error)
+            error(refused.what(), handled);
+        if (!handled)
+            form().desk().message({refused.what(), form().caption(), MessageIcon::Exclamation});
+        return false;
+    }
+}
+
+void Grid::refreshed() {
+    clampCurrent();
+    changed(Aspect::Rows);
+}
+
+void Grid::clampCurrent() {
+    const int most = dataRows();
+    row_ = std::min(row_, most);
+    selectedFrom_ = std::min(selectedFrom_, most);
+    selectedTo_ = std::min(selectedTo_, most);
+}
+
+} // namespace merchantry::ui

@@ -1,0 +1,141 @@
+#pragma once
+
+#include "base/rows.h"
+#include "ui/control.h"
+#include "ui/list.h"
+
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace merchantry::ui {
+
+// How a grid shows and edits one column.
+struct GridColumn {
+    enum class Format { Plain, Number, Currency, Date, Flag };
+    enum class Editor { Text, Check, Combo };
+
+    std::string heading;
+    Format format = Format::Plain;
+    Editor editor = Editor::Text;
+    bool hidden = false;
+    bool alignRight = false; // numbers and money stand right in any case
+    bool fixedWidth = false; // codes
+    int characters = 0;      // wished width, 0 for what the content asks
+    std::string mask;        // of the cell's editor
+    // Combo: shown text and stored value of each choice.
+    std::vector<std::pair<std::string, std::string>> choices;
+};
+
+// Columns by rows of cells. Row 0 is the heading, data rows count from 1, columns from 0.
+//
+// Unbound, the grid keeps its own texts. Bound to Rows, it reads them in place and writes every accepted edit through at once; a write that
+// the source refuses runs `error` (without that procedure the refusal is shown to the user) and leaves the cell as it was. Binding takes
+// the column names as headings where a screen gave none, and ends with afterRefresh. The rows must outlive the binding; the grid notices
+// when they change.
+//
+// The user's edit runs: beforeEdit (may refuse), changeEdit at each keystroke, validateEdit (may refuse), the write, afterEdit.
+// A move of the current cell runs beforeRowColChange (may refuse), rowColChange.
+class Grid : public Control {
+public:
+    Grid(Form& form, std::string name) : Control(form, std::move(name)) {}
+    ~Grid() override;
+    Role role() const override { return Role::Grid; }
+    bool takesFocus() const override { return true; }
+
+    // Columns. A screen may set them before or after binding; binding keeps what was set by position.
+    int columnCount() const { return static_cast<int>(columns_.size()); }
+    void setColumns(std::vector<GridColumn> columns);
+    const GridColumn& column(int index) const { return columns_.at(static_cast<std::size_t>(index)); }
+    void setColumn(int index, GridColumn column);
+    void setHidden(int index, bool hidden);
+
+    // Binding. Null unbinds and empties.
+    void bind(Rows* rows);
+    Rows* rows() const { return bound_; }
+
+    // Content. The data rows shown, and the cells as shown and as they are.
+    int dataRows() const;
+    std::string text(int row, int column) const;
+    Value value(int row, int column) const;
+    // What the cell holds, unformatted: "12.5" where text says "$12.50", the stored value where a combo shows its choice.
+    std::string rawText(int row, int column) const;
+
+    // By program. Unbound: the texts themselves; setting a bound cell writes through and throws what the source throws.
+    void setDataRows(int count);
+    void setText(int row, int column, const std::string& text);
+    void addRow(const std::vector<std::string>& cells);
+    void removeRow(int row);
+    void setCellColor(int row, int column, Color color);
+    Color cellColor(int row, int column) const;
+    // Colours that follow from the content, asked when a cell is drawn; goes before setCellColor.
+    std::function<Color(int row, int column)> colorOf;
+
+    // Where the user stands: row 0 is none. Setting it by program runs the same events as the user's move.
+    int row() const { return row_; }
+    int col() const { return col_; }
+    void setCurrent(int row, int column);
+    int firstSelected() const { return selectedFrom_; }
+    int lastSelected() const { return selectedTo_; }
+    void select(int fromRow, int toRow);
+    bool selected() const { return row_ >= 1; }
+    // Scrolls the current row into view.
+    void showCurrent();
+    int firstVisibleWish() const { return showRow_; }
+
+    // What the user does; the drawing and the scripts call these. Each returns false when it was refused.
+    bool userSelect(int row, int column);
+    bool userClick(int row, int column);
+    void userHeader(int column);
+    void userDoubleClick(int row, int column);
+    bool userBeginEdit(int row, int column);
+    // The editor's text changed; gives back what it must show.
+    std::string userEditText(std::string text);
+    bool userCommit(const std::string& text);
+    void userCancelEdit();
+    bool editing() const { return editing_; }
+    const std::string& editText() const { return editText_; }
+    // Whether an edit there would be refused; asks beforeEdit.
+    bool refusesEdit(int row, int column);
+
+    bool editable = true;
+    std::function<void()> click;
+    std::function<void()> dblClick;
+    std::function<void(int row, int column, bool& cancel)> beforeEdit;
+    std::function<void(std::string& text)> changeEdit;
+    std::function<void(int row, int column, const std::string& text, bool& cancel)> validateEdit;
+    std::function<void(int row, int column)> afterEdit;
+    // The source refused a write; the text is its message. Setting handled keeps it from the user.
+    std::function<void(const std::string& message, bool& handled)> error;
+    std::function<void(int oldRow, int newRow, bool& cancel)> beforeRowColChange;
+    std::function<void()> rowColChange;
+    std::function<void()> afterRefresh;
+
+    // Shown below the grid and in the empty grid; the screen says what is listed and what to do next.
+    std::string statusText;
+    std::string emptyText;
+    void setStatusText(std::string text);
+
+private:
+    bool write(int row, int column, const std::string& text);
+    void refreshed();
+    void clampCurrent();
+
+    std::vector<GridColumn> columns_;
+    std::vector<std::vector<std::string>> cells_; // unbound texts, row 1 first
+    Rows* bound_ = nullptr;
+    int listener_ = 0;
+    std::map<std::pair<int, int>, Color> colors_;
+    int row_ = 0;
+    int col_ = 0;
+    int selectedFrom_ = 0;
+    int selectedTo_ = 0;
+    int showRow_ = 0;
+    bool editing_ = false;
+    bool writing_ = false;
+    std::string editText_;
+};
+
+} // namespace merchantry::ui

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "ui/control.h"
+
+#include <string>
+#include <vector>
+
+namespace merchantry::ui {
+
+// A command or a submenu of a form's menu bar. Entries without a parent are the bar itself. A caption "-" is a line.
+class MenuEntry : public Control {
+public:
+    MenuEntry(Form& form, std::string name, std::string caption, MenuEntry* parent = nullptr)
+        : Control(form, std::move(name)), caption_(std::move(caption)), parent_(parent) {
+        if (parent != nullptr)
+            parent->children_.push_back(this);
+    }
+    Role role() const override { return Role::MenuEntry; }
+    const std::string& caption() const { return caption_; }
+    MenuEntry* parent() const { return parent_; }
+    const std::vector<MenuEntry*>& children() const { return children_; }
+    void press() {
+        if (click)
+            click();
+    }
+    std::function<void()> click;
+
+private:
+    std::string caption_;
+    MenuEntry* parent_;
+    std::vector<MenuEntry*> children_;
+};
+
+struct ToolButton {
+    std::string key;
+    std::string caption;
+    std::string toolTip;
+    std::string icon; // a drawing of the skin
+};
+
+// A bar of buttons, told apart by key.
+class Toolbar : public Control {
+public:
+    Toolbar(Form& form, std::string name, std::vector<ToolButton> buttons) : Control(form, std::move(name)), buttons_(std::move(buttons)) {}
+    Role role() const override { return Role::Toolbar; }
+    const std::vector<ToolButton>& buttons() const { return buttons_; }
+    void press(const std::string& key) {
+        if (buttonClick)
+            buttonClick(key);
+    }
+    std::function<void(const std::string& key)> buttonClick;
+
+private:
+    std::vector<ToolButton> buttons_;
+};
+
+} // namespace merchantry::ui

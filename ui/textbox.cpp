@@ -1,0 +1,41 @@
+#include "ui/textbox.h"
+
+#include "base/text.h"
+
+#include <algorithm>
+
+namespace merchantry::ui {
+
+void TextBox::setText(std::string text) {
+    if (text_ == text)
+        return;
+    text_ = std::move(text);
+    const int length = static_cast<int>(characterCount(text_));
+    selStart_ = std::min(selStart_, length);
+    selLength_ = 0;
+    changed(Aspect::Text);
+    if (change)
+        change();
+}
+
+void TextBox::select(int start, int length) {
+    const int all = static_cast<int>(characterCount(text_));
+    selStart_ = std::clamp(start, 0, all);
+    selLength_ = std::clamp(length, 0, all - selStart_);
+    changed(Aspect::Choice);
+}
+
+void TextBox::selectAll() {
+    select(0, static_cast<int>(characterCount(text_)));
+}
+
+std::string TextBox::selectedText() const {
+    return std::string(characters(text_, static_cast<std::size_t>(selStart_), static_cast<std::size_t>(selLength_)));
+}
+
+void TextBox::setLocked(bool on) {
+    locked_ = on;
+    changed(Aspect::State);
+}
+
+} // namespace merchantry::ui
