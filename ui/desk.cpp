@@ -90,6 +90,13 @@ void Desk::sweep() {
     std::erase_if(alive_, [](const std::shared_ptr<Form>& form) { return form->closed(); });
 }
 
+void Desk::dismissAll() {
+    open_.clear();
+    floating_.clear();
+    instances_.clear();
+    alive_.clear();
+}
+
 void Desk::timerStarted(Timer& timer) {
     armTimer(timer);
 }

@@ -86,6 +86,8 @@ public:
     // A small panel beside its owner's list: shown without taking the top. Closed with unload.
     void showFloating(Form& panel);
     bool floating(const Form& form) const;
+    // Called by Form::ensureLoaded, before the form's load procedure runs.
+    void loading(Form& form) { prepared(form); }
     // Called by Form::unload.
     void closed(Form& form);
 
@@ -120,6 +122,8 @@ public:
     void timerStopped(Timer& timer);
 
 protected:
+    // Builds the drawing unseen, so that the load procedure finds the form's size and its controls' places.
+    virtual void prepared(Form& /*form*/) {}
     virtual void opened(Form& form) = 0;   // draw it
     virtual void vanished(Form& form) = 0; // take its drawing away
     // Runs the loop until done() holds.
@@ -129,6 +133,8 @@ protected:
 
     // Frees forms that were unloaded; called by the loops when no procedure of theirs can be running (depth 0).
     void sweep();
+    // Frees every form, closed or not, without a word to it. A desk's destructor calls it while its own parts still stand.
+    void dismissAll();
 
 private:
     std::shared_ptr<Form> keep(std::shared_ptr<Form> form);

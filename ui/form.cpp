@@ -60,6 +60,7 @@ void Form::setCaption(std::string caption) {
 void Form::ensureLoaded() {
     if (loaded_)
         return;
+    desk_.loading(*this);
     loaded_ = true;
     Form_Load();
 }
@@ -162,6 +163,10 @@ void Form::setSize(Twips width, Twips height) {
         view_->formChanged();
     if (loaded_ && !closed_)
         Form_Resize();
+}
+
+void Form::setMinimised(bool on) {
+    minimised_ = on;
 }
 
 const Form::Operation* Form::operation(const std::string& name) const {

@@ -47,6 +47,7 @@ public:
     bool hidden() const { return hidden_; }
     bool modal() const { return modal_; }
     bool minimised() const { return minimised_; }
+    void setMinimised(bool on); // by the drawing
 
     const std::vector<Control*>& controls() const { return controls_; }
     // The control of that name (case does not matter), elements of an array as "cmdExit(1)"; null when there is none.
