@@ -3,6 +3,8 @@
 namespace merchantry::db {
 
 std::uint32_t DbError::hresult() const {
+    if (hresult_ != 0)
+        return hresult_;
     switch (category_) {
     case Category::Integrity:
         return kIntegrityError;

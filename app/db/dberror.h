@@ -11,6 +11,12 @@ constexpr std::uint32_t kIntegrityError = 0x80040E2F; // duplicate, reference, n
 constexpr std::uint32_t kSyntaxError = 0x80040E14;    // the statement is no statement
 constexpr std::uint32_t kConflict = 0x80040E38;       // the row was changed by someone else
 constexpr std::uint32_t kGeneralError = 0x80004005;
+constexpr std::uint32_t kInvalidArgument = 0x800A0BB9; // a filter, sort or find text that is none
+constexpr std::uint32_t kNoCurrentRow = 0x800A0BCD;    // before the first row or behind the last
+constexpr std::uint32_t kNotInCollection = 0x800A0CC1; // no column of that name
+constexpr std::uint32_t kReadOnly = 0x800A0CB3;        // the recordset cannot be changed
+constexpr std::uint32_t kClosedObject = 0x800A0E78;    // the connection or recordset is closed
+constexpr std::uint32_t kTypeMismatch = 0x80020005;    // the value is not of the column's type
 
 // The one error of the data floor, the same on both kinds of session.
 class DbError : public std::runtime_error {
@@ -39,6 +45,11 @@ public:
         procedure_ = std::move(procedure);
         return *this;
     }
+    // For errors that ADO itself raises, with a number of its own.
+    DbError& withHresult(std::uint32_t hresult) {
+        hresult_ = hresult;
+        return *this;
+    }
     DbError& withSeverity(int severity, int state) {
         severity_ = severity;
         state_ = state;
@@ -51,6 +62,7 @@ private:
     int line_;
     int severity_ = 16;
     int state_ = 1;
+    std::uint32_t hresult_ = 0;
     std::string procedure_;
 };
 

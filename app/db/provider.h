@@ -1,0 +1,31 @@
+#pragma once
+
+#include "app/db/session.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace merchantry::db {
+
+// The parts of a connection string "Key=value; Key=value", keys without case.
+std::map<std::string, std::string> connectionParts(const std::string& connectionString);
+
+// Opens sessions by connection string: a data source that is a path is a store file, run in this process; anything else names a server.
+// One provider lives as long as the program; connections borrow it.
+class Provider {
+public:
+    explicit Provider(const Clock* clock = nullptr) : clock_(clock) {}
+
+    // Throws DbError (category Storage) with a sentence for the user when the store cannot be opened.
+    std::unique_ptr<Session> open(const std::string& connectionString);
+
+    // Called with each statement that the application sends, before it runs. For scripts that look on.
+    std::function<void(const std::string& statement)> statementSent;
+
+private:
+    const Clock* clock_;
+};
+
+} // namespace merchantry::db

@@ -1,0 +1,40 @@
+-- Who buys. CleanPhoneNumber holds the digits of PhoneNumber and is kept by the database. Balance is what the customer owes; APR is in percent a year.
+CREATE TABLE Customer (
+  ID int IDENTITY(1, 1) NOT NULL CONSTRAINT PK_Customer PRIMARY KEY,
+  AccountNumber varchar(50) NULL,
+  FirstName varchar(50) NULL,
+  LastName varchar(50) NULL,
+  Company varchar(100) NULL,
+  Address varchar(100) NULL,
+  Address2 varchar(100) NULL,
+  City varchar(50) NULL,
+  State varchar(2) NULL,
+  Zip varchar(20) NULL,
+  Country varchar(50) NULL,
+  PhoneNumber varchar(30) NULL,
+  FaxNumber varchar(30) NULL,
+  CleanPhoneNumber varchar(30) NULL,
+  Email varchar(100) NULL,
+  Notes text NULL,
+  ResaleNo varchar(50) NULL,
+  StoreID int NOT NULL CONSTRAINT DF_Customer_Store DEFAULT 1,
+  TierID int NOT NULL CONSTRAINT DF_Customer_Tier DEFAULT 1 CONSTRAINT FK_Customer_TierDefs REFERENCES TierDefs (TierID) ON DELETE SET DEFAULT,
+  Active bit NOT NULL CONSTRAINT DF_Customer_Active DEFAULT 1,
+  ChargeAccount bit NOT NULL CONSTRAINT DF_Customer_Charge DEFAULT 0,
+  LayawayCustomer bit NOT NULL CONSTRAINT DF_Customer_Layaway DEFAULT 0,
+  TaxExempt bit NOT NULL CONSTRAINT DF_Customer_TaxExempt DEFAULT 0,
+  Employee bit NOT NULL CONSTRAINT DF_Customer_Employee DEFAULT 0,
+  AssessFinanceCharges bit NOT NULL CONSTRAINT DF_Customer_Assess DEFAULT 0,
+  AccountLimit money NOT NULL CONSTRAINT DF_Customer_Limit DEFAULT 0,
+  APR float NULL,
+  MinFinChg money NULL,
+  OverdueAfter int NULL,
+  LastUpdated datetime NULL,
+  AccountOpened datetime NULL CONSTRAINT DF_Customer_Opened DEFAULT GETDATE(),
+  TotalSales money NOT NULL CONSTRAINT DF_Customer_TotalSales DEFAULT 0,
+  LastPurchaseDate datetime NULL,
+  Balance money NOT NULL CONSTRAINT DF_Customer_Balance DEFAULT 0
+)
+CREATE INDEX IX_Customer_Tier ON Customer (TierID)
+CREATE INDEX IX_Customer_Name ON Customer (LastName, FirstName)
+CREATE INDEX IX_Customer_Phone ON Customer (CleanPhoneNumber)

@@ -1,0 +1,16 @@
+-- Every movement of stock, signed; nothing is ever deleted from it but with its item. Cost_ea is the cost of a piece of this movement. The database fills PostDate,
+-- Cost_wt (the weighted average cost of a piece after the movement) and QtyAfter (the balance after it); see the trigger InventoryLedger_Insert.
+CREATE TABLE InventoryLedger (
+  LedgerID int IDENTITY(1, 1) NOT NULL CONSTRAINT PK_InventoryLedger PRIMARY KEY,
+  SKU varchar(100) NOT NULL,
+  MatrixSKU varchar(100) NOT NULL,
+  Type varchar(50) NOT NULL CONSTRAINT DF_InventoryLedger_Type DEFAULT '',
+  Qty int NOT NULL CONSTRAINT DF_InventoryLedger_Qty DEFAULT 0,
+  Cost_ea money NOT NULL CONSTRAINT DF_InventoryLedger_Cost DEFAULT 0,
+  Cost_wt money NULL,
+  QtyAfter int NULL,
+  PostDate datetime NOT NULL CONSTRAINT DF_InventoryLedger_PostDate DEFAULT GETDATE(),
+  CONSTRAINT FK_InventoryLedger_Item FOREIGN KEY (SKU, MatrixSKU) REFERENCES Item (SKU, MatrixSKU) ON DELETE CASCADE
+)
+CREATE INDEX IX_InventoryLedger_Item ON InventoryLedger (SKU, MatrixSKU, PostDate)
+CREATE INDEX IX_InventoryLedger_Type ON InventoryLedger (Type)

@@ -1,0 +1,29 @@
+-- Fills the running balance and the weighted average cost of each new movement, in the order of posting.
+--
+-- Moving weighted average (perpetual inventory): units that come in are averaged with those on hand,
+--   Cost_wt = (on hand * old Cost_wt + Qty * Cost_ea) / (on hand + Qty),
+-- units that go out leave at the average and do not change it. With nothing (or less) on hand, the cost of what comes in is the new average.
+-- Example: 10 at 2.00 on hand, 5 come in at 3.50: (10 * 2.00 + 5 * 3.50) / 15 = 2.50.
+CREATE TRIGGER InventoryLedger_Insert ON InventoryLedger AFTER INSERT AS
+BEGIN
+  SET NOCOUNT ON
+  DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @posted datetime, @onHand int, @average money
+  SELECT @id = MIN(LedgerID) FROM inserted
+  WHILE @id IS NOT NULL
+  BEGIN
+    SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @posted = PostDate FROM inserted WHERE LedgerID = @id
+    SET @onHand = 0
+    SET @average = NULL
+    SELECT TOP 1 @onHand = QtyAfter, @average = Cost_wt FROM InventoryLedger
+      WHERE SKU = @sku AND MatrixSKU = @matrix AND LedgerID <> @id AND QtyAfter IS NOT NULL
+      ORDER BY PostDate DESC, LedgerID DESC
+    IF @qty > 0 AND (@onHand <= 0 OR @average IS NULL)
+      SET @average = @cost
+    ELSE IF @qty > 0
+      SET @average = ROUND((CAST(@onHand AS decimal(19, 0)) * CAST(@average AS decimal(19, 4)) + @qty * CAST(@cost AS decimal(19, 4))) / (@onHand + @qty), 4)
+    ELSE IF @average IS NULL
+      SET @average = @cost
+    UPDATE InventoryLedger SET QtyAfter = @onHand + @qty, Cost_wt = @average WHERE LedgerID = @id
+    SELECT @id = MIN(LedgerID) FROM inserted WHERE LedgerID > @id
+  END
+END

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "base/currency.h"
+#include "base/date.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace merchantry::db {
+
+// A statement as it is joined from texts and values: literals of the program stand as they are, a std::string is a value. The joined text is exactly what
+// joining gives, nothing is escaped; but a value cannot become a piece of the statement: one that would end its quotes, or one outside quotes
+// that is more than a single token, makes check() throw the server's own syntax error (102 or 105) before anything is sent.
+//
+//   Sql("SELECT * FROM Item WHERE SKU = '") + sku + "' AND TypeID = " + typeId
+class Sql {
+public:
+    // A text that stands in the program; nothing made at run time converts to it.
+    struct Literal {
+        consteval Literal(const char* words) : text(words) {}
+        std::string_view text;
+    };
+
+    Sql() = default;
+    Sql(Literal literal) { add(literal); }
+
+    Sql& add(Literal literal);
+    Sql& add(const std::string& value);
+    Sql& add(std::int64_t number);
+    Sql& add(int number) { return add(static_cast<std::int64_t>(number)); }
+    // In shortest decimal form.
+    Sql& add(double number);
+    Sql& add(Currency amount);
+    // As mm/dd/yyyy.
+    Sql& add(Date date);
+    Sql& add(const Sql& other);
+
+    // The joined text, byte for byte.
+    const std::string& text() const { return text_; }
+    // Throws DbError (category Syntax) when a value would have become a piece of the statement.
+    void check() const;
+
+    friend Sql operator+(Sql left, Literal right) { return std::move(left.add(right)); }
+    template <class T> friend Sql operator+(Sql left, const T& value) { return std::move(left.add(value)); }
+
+private:
+    std::string text_;
+    bool quoted_ = false;    // the text so far ends inside a literal
+    int badNumber_ = 0;      // 102 or 105 once a value broke out
+    std::string badNear_;
+};
+
+} // namespace merchantry::db
