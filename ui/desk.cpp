@@ -39,6 +39,7 @@ void Desk::present(Form& form, bool modal) {
         open_.push_back(&form);
     }
     opened(form);
+    giveKeyboard(form);
     form.activate();
     if (!form.closed() && form.focused() == nullptr)
         form.focusNext();
@@ -51,6 +52,8 @@ void Desk::show(Form& form) {
 void Desk::showModal(Form& form) {
     present(form, true);
     runUntil([&form] { return form.closed() || form.hidden(); });
+    if (Form* next = top(); next != nullptr && keyboard_ == &form)
+        giveKeyboard(*next);
 }
 
 void Desk::showFloating(Form& panel) {
@@ -81,6 +84,22 @@ void Desk::closed(Form& form) {
     std::erase(open_, &form);
     std::erase(floating_, &form);
     vanished(form);
+    if (keyboard_ != &form)
+        return;
+    keyboard_ = nullptr;
+    if (Form* next = top())
+        giveKeyboard(*next);
+}
+
+void Desk::giveKeyboard(Form& form) {
+    if (keyboard_ == &form)
+        return;
+    Form* const before = keyboard_;
+    keyboard_ = &form;
+    if (before != nullptr)
+        before->focusAway();
+    if (keyboard_ == &form)
+        form.focusBack();
 }
 
 void Desk::sweep() {
@@ -93,6 +112,7 @@ void Desk::sweep() {
 void Desk::dismissAll() {
     open_.clear();
     floating_.clear();
+    keyboard_ = nullptr;
     instances_.clear();
     alive_.clear();
 }

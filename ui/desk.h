@@ -90,6 +90,11 @@ public:
     void loading(Form& form) { prepared(form); }
     // Called by Form::unload.
     void closed(Form& form);
+    // The form whose focused control has the keyboard; null when none is shown.
+    Form* keyboard() const { return keyboard_; }
+    // The user or the program turns to this form: the focused control of the form turned away from loses the focus (nothing is
+    // validated), the one remembered here gets it back.
+    void giveKeyboard(Form& form);
 
     virtual Answer message(const Message& message) = 0;
     Answer message(const std::string& text, const std::string& caption, MessageIcon icon = MessageIcon::None,
@@ -145,6 +150,7 @@ private:
     std::vector<std::shared_ptr<Form>> alive_;
     std::vector<Form*> open_;
     std::vector<Form*> floating_;
+    Form* keyboard_ = nullptr;
     Clock clock_;
 };
 

@@ -28,6 +28,15 @@ void settle(const Item& item, Control* container, int page) {
     }
 }
 
+// Holds a flag up for its own lifetime.
+struct Raised {
+    explicit Raised(bool& raised) : flag(raised) { flag = true; }
+    ~Raised() { flag = false; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+    bool& flag;
+};
+
 template <class Wanted> Button* findButton(const std::vector<Control*>& controls, Wanted wanted) {
     for (Control* control : controls)
         if (auto* button = dynamic_cast<Button*>(control); button != nullptr && wanted(*button))
@@ -111,23 +120,41 @@ bool Form::focus(Control* control) {
     Control* const old = focused_;
     if (old != nullptr) {
         bool cancel = false;
-        if (old->validate)
+        if (old->validate && !away_)
             old->validate(cancel);
         if (cancel)
             return false;
         // The old control has lost the focus before its event runs, as it would on a window.
         focused_ = control;
-        if (old->lostFocus)
+        if (old->lostFocus && !away_) {
+            const Raised between(moving_);
             old->lostFocus();
+        }
         if (closed_ || focused_ != control)
             return focused_ == control;
     }
     focused_ = control;
     if (view_ != nullptr)
         view_->focusChanged();
-    if (control != nullptr && control->gotFocus)
+    if (control != nullptr && control->gotFocus && !away_)
         control->gotFocus();
     return true;
+}
+
+void Form::focusAway() {
+    if (away_)
+        return;
+    away_ = true;
+    if (focused_ != nullptr && focused_->lostFocus && !moving_)
+        focused_->lostFocus();
+}
+
+void Form::focusBack() {
+    if (!away_)
+        return;
+    away_ = false;
+    if (focused_ != nullptr && focused_->gotFocus && !moving_)
+        focused_->gotFocus();
 }
 
 void Form::focusNext(bool backwards) {

@@ -77,13 +77,17 @@ public:
     FormView* view() const { return view_; }
     void attach(FormView* view) { view_ = view; }
 
-    // A public operation by its name, for scripts: takes its arguments as texts and gives its answer as one. Null when the form offers none such.
+    // A public operation by its name, for scripts: takes its arguments as texts and gives its answer as one. Null when the form offers none
+    // such.
     using Operation = std::function<std::string(const std::vector<std::string>& arguments)>;
     const Operation* operation(const std::string& name) const;
 
     // Called by the desk.
     void shown(bool asModal);
     void activate();
+    // The keyboard goes to another form and comes back: the focused control loses the focus and gets it again.
+    void focusAway();
+    void focusBack();
 
 protected:
     virtual void Form_Load() {}
@@ -120,6 +124,8 @@ private:
     bool modal_ = false;
     bool minimised_ = false;
     bool unloading_ = false;
+    bool away_ = false;   // the keyboard is with another form
+    bool moving_ = false; // between two controls: neither has the focus
 };
 
 } // namespace merchantry::ui

@@ -4,7 +4,9 @@
 #include "ui/desk.h"
 #include "ui/form.h"
 
+#include <algorithm>
 #include <cctype>
+#include <iterator>
 
 namespace merchantry::ui::gestures {
 namespace {
@@ -36,6 +38,22 @@ bool pressMnemonic(Form& form, char letter) {
     return false;
 }
 
+// What of the text such a field lets in: digits for the mask's "#" with its other characters between them, and no more than fits.
+std::string fitting(const TextBox& box, const std::string& text) {
+    if (box.mask.empty())
+        return box.maxLength > 0 ? std::string(characters(text, 0, static_cast<std::size_t>(box.maxLength))) : text;
+    std::string digits;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(digits), [](unsigned char c) { return std::isdigit(c) != 0; });
+    std::string shown;
+    std::size_t next = 0;
+    for (const char place : box.mask) {
+        if (next == digits.size())
+            break;
+        shown += place == '#' ? digits[next++] : place;
+    }
+    return shown;
+}
+
 template <class C, class Act> std::string use(C& control, Act act) {
     if (std::string why = enter(control); !why.empty())
         return why;
@@ -59,6 +77,7 @@ std::string obstacle(const Control& control) {
 std::string enter(Control& control) {
     if (std::string why = obstacle(control); !why.empty())
         return why;
+    control.form().desk().giveKeyboard(control.form());
     if (!control.takesFocus())
         return "";
     return control.form().focus(&control) ? "" : "the focus stays where it is";
@@ -69,7 +88,7 @@ std::string type(TextBox& box, const std::string& text) {
         return why;
     if (box.locked())
         return "locked";
-    box.setText(text);
+    box.setText(fitting(box, text));
     return "";
 }
 
@@ -77,6 +96,24 @@ std::string append(TextBox& box, const std::string& text) {
     if (std::string why = enter(box); !why.empty())
         return why;
     if (box.locked())
+        return "locked";
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t start = at;
+        nextCodePoint(text, at);
+        const std::string character = text.substr(start, at - start);
+        bool swallow = false;
+        if (box.keyDown)
+            box.keyDown(character, swallow);
+        if (!swallow)
+            box.setText(fitting(box, box.text() + character));
+    }
+    return "";
+}
+
+std::string append(ComboBox& box, const std::string& text) {
+    if (std::string why = enter(box); !why.empty())
+        return why;
+    if (box.locked() || !box.editable)
         return "locked";
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t start = at;
@@ -165,6 +202,18 @@ std::string select(Grid& grid, int row, int column) {
     if (row < 1 || row > grid.dataRows())
         return "no such row";
     return use(grid, [&] { grid.userClick(row, column); });
+}
+
+std::string selectRows(Grid& grid, int from, int to) {
+    if (from < 1 || to < 1 || std::max(from, to) > grid.dataRows())
+        return "no such row";
+    return use(grid, [&] {
+        if (!grid.userSelect(from, grid.col()))
+            return;
+        grid.select(from, to);
+        if (grid.click)
+            grid.click();
+    });
 }
 
 std::string clickHeading(Grid& grid, int column) {

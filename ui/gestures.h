@@ -23,6 +23,7 @@ std::string enter(Control& control);
 std::string type(TextBox& box, const std::string& text);   // replaces all
 std::string append(TextBox& box, const std::string& text); // at the end, character by character
 std::string type(ComboBox& box, const std::string& text);
+std::string append(ComboBox& box, const std::string& text);
 std::string press(Button& button);
 std::string press(Label& label);
 std::string press(Image& image);
@@ -34,6 +35,8 @@ std::string pick(ListBox& list, int index);
 std::string pick(ComboBox& list, int index);
 std::string turn(TabSet& tabs, int page);
 std::string select(Grid& grid, int row, int column);
+// From one row to another, as by dragging; the click comes once they are selected.
+std::string selectRows(Grid& grid, int from, int to);
 std::string clickHeading(Grid& grid, int column);
 std::string doubleClick(Grid& grid, int row, int column);
 // Begins the edit, types, commits. A refused edit is no obstacle: the grid's procedures have spoken.
