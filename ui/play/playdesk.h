@@ -1,0 +1,116 @@
+#pragma once
+
+#include "ui/desk.h"
+#include "ui/play/transcript.h"
+
+#include <deque>
+#include <set>
+
+namespace merchantry::ui::play {
+
+// Draws what a play does; without one a play runs unseen.
+class Stage {
+public:
+    virtual ~Stage() = default;
+    virtual void opened(Form& form) = 0;
+    virtual void vanished(Form& form) = 0;
+    // Between two lines of the script: paint, and take what waits.
+    virtual void settle() = 0;
+};
+
+struct PrintedReport {
+    std::string file;
+    std::vector<std::string> parameters;
+};
+
+// What the last verb brought about beyond the screens.
+struct Doings {
+    bool beeped = false;
+    std::vector<std::string> browsed;
+    std::vector<PrintedReport> printed;
+    std::vector<std::string> statements;
+};
+
+// The world as a script has it: boxes are answered from queues, time passes when it is told to, and everything is written down.
+// A box with one button is acknowledged by itself; a question without an answer ends the play.
+class PlayDesk : public Desk {
+public:
+    // Borrows both; no stage: nothing is drawn.
+    explicit PlayDesk(Transcript& transcript, Stage* stage = nullptr) : transcript_(transcript), stage_(stage) {}
+    ~PlayDesk() override { close(); }
+
+    void queueAnswer(Answer answer) { answers_.push_back(answer); }
+    // Nothing: the box is cancelled.
+    void queueInput(std::optional<std::string> text) { inputAnswers_.push_back(std::move(text)); }
+    void queueFile(std::optional<std::filesystem::path> path) { fileAnswers_.push_back(std::move(path)); }
+
+    // Called by the host while the application works.
+    void statementSent(const std::string& text);
+    void reportOpened(const std::string& file, const std::vector<std::string>& parameters);
+
+    // Lets so many milliseconds pass: timers fire in their order, also the rest of them when one opens a modal form.
+    // `tick` is called after each step of the clock.
+    void pass(std::int64_t ms, const std::function<void()>& tick);
+    // After a line: tells which forms were hidden, and frees what was unloaded when nothing of it can be running.
+    void settle(bool idle);
+    // The process is over: no form is left.
+    void close();
+
+    // Boxes that appeared and were not yet expected, oldest first.
+    std::deque<Message> messages;
+    std::deque<Input> inputs;
+    std::deque<FileDialog> dialogs;
+    Doings doings;
+    std::string clipboard;
+    std::string statusText;
+
+    // Set by the player: runs the script on until the condition holds, and ends the play because the user's answer is missing.
+    std::function<void(const std::function<bool()>& done)> loop;
+    std::function<void(const std::string& expected, const std::string& found)> stuck;
+
+    using Desk::message;
+    Answer message(const Message& message) override;
+    std::optional<std::string> input(const Input& input) override;
+    std::optional<std::filesystem::path> file(const FileDialog& dialog) override;
+    void beep() override;
+    void waitCursor(bool) override {}
+    void yield() override {}
+    void browse(const std::string& topic) override;
+    void copyText(const std::string& text) override { clipboard = text; }
+    std::vector<std::string> printers() override { return {"PDF"}; }
+    void status(const std::string& text) override { statusText = text; }
+
+protected:
+    void opened(Form& form) override;
+    void vanished(Form& form) override;
+    void runUntil(const std::function<bool()>& done) override { loop(done); }
+    void armTimer(Timer& timer) override;
+    void disarmTimer(Timer& timer) override;
+
+private:
+    struct Alarm {
+        Timer* timer;
+        std::int64_t due;
+    };
+    Alarm* nextAlarm(std::int64_t until);
+
+    Transcript& transcript_;
+    Stage* stage_;
+    std::deque<Answer> answers_;
+    std::deque<std::optional<std::string>> inputAnswers_;
+    std::deque<std::optional<std::filesystem::path>> fileAnswers_;
+    std::set<Form*> shown_;
+    std::vector<Alarm> alarms_;
+    std::int64_t elapsedMs_ = 0;
+};
+
+// The words of the language for these.
+std::string wordFor(MessageIcon icon);
+std::string wordFor(MessageButtons buttons);
+std::string wordFor(Answer answer);
+// A box as the transcript and the failures tell it.
+std::string told(const Message& message);
+std::string told(const Input& input);
+std::string told(const FileDialog& dialog);
+
+} // namespace merchantry::ui::play
