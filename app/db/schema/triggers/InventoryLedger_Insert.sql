@@ -3,10 +3,13 @@
 -- Moving weighted average (perpetual inventory): units that come in are averaged with those on hand,
 --   Cost_wt = (on hand * old Cost_wt + Qty * Cost_ea) / (on hand + Qty),
 -- units that go out leave at the average and do not change it. With nothing (or less) on hand, the cost of what comes in is the new average.
+-- A load of past movements that brings both figures keeps them.
 -- Example: 10 at 2.00 on hand, 5 come in at 3.50: (10 * 2.00 + 5 * 3.50) / 15 = 2.50.
 CREATE TRIGGER InventoryLedger_Insert ON InventoryLedger AFTER INSERT AS
 BEGIN
   SET NOCOUNT ON
+  IF NOT EXISTS (SELECT * FROM inserted WHERE QtyAfter IS NULL OR Cost_wt IS NULL)
+    RETURN
   DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @posted datetime, @onHand int, @average money
   SELECT @id = MIN(LedgerID) FROM inserted
   WHILE @id IS NOT NULL

@@ -1,0 +1,152 @@
+#include "tools/registersim/liveregister.h"
+
+#include "base/platform/platform.h"
+#include "tools/registersim/query.h"
+
+#include <chrono>
+#include <mutex>
+#include <thread>
+
+namespace merchantry::registersim {
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+constexpr std::size_t kKeptErrors = 10;
+
+double msSince(SteadyClock::time_point start) {
+    return std::chrono::duration<double, std::milli>(SteadyClock::now() - start).count();
+}
+
+// What all registers of one run measured.
+class Tally {
+public:
+    void posted(double ms) {
+        const std::lock_guard lock(mutex_);
+        times_.push_back(ms);
+    }
+    void failed(const std::string& error) {
+        const std::lock_guard lock(mutex_);
+        ++failed_;
+        if (errors_.size() < kKeptErrors)
+            errors_.push_back(error);
+    }
+    LiveFigures figures() {
+        std::sort(times_.begin(), times_.end());
+        LiveFigures figures{static_cast<int>(times_.size()), failed_, 0, 0, errors_};
+        if (!times_.empty()) {
+            figures.medianMs = times_[times_.size() / 2];
+            figures.worstMs = times_.back();
+        }
+        return figures;
+    }
+
+private:
+    std::mutex mutex_;
+    std::vector<double> times_;
+    std::vector<std::string> errors_;
+    int failed_ = 0;
+};
+
+void work(LiveRegister& till, const LivePlan& plan, SteadyClock::time_point end, Tally& tally) {
+    auto next = SteadyClock::now();
+    while (SteadyClock::now() < end) {
+        const auto start = SteadyClock::now();
+        try {
+            if (till.postOne(platform::localTime()))
+                tally.posted(msSince(start));
+        } catch (const std::exception& error) {
+            tally.failed(error.what());
+        }
+        if (plan.perSecond <= 0)
+            continue;
+        next += std::chrono::duration_cast<SteadyClock::duration>(std::chrono::duration<double>(1 / plan.perSecond));
+        std::this_thread::sleep_until(std::min(next, end));
+    }
+}
+
+} // namespace
+
+LiveRegister::LiveRegister(std::unique_ptr<db::Session> session, int registerId, std::uint64_t seed)
+    : session_(std::move(session)), shop_(loadShop(*session_)), random_(seed), maker_(shop_, random_), registerId_(registerId) {
+    // Serial numbers are fetched by hand from the shelf: a simulated till leaves them there.
+    for (Good& good : shop_.goods)
+        if (good.serialized)
+            good.serials.clear();
+}
+
+bool LiveRegister::postOne(Date now) {
+    const int cashier = shop_.cashierIds.at(static_cast<std::size_t>(random_.below(static_cast<int>(shop_.cashierIds.size()))));
+    const auto sale = maker_.make(now, registerId_, cashier);
+    if (!sale)
+        return false;
+    session_->begin();
+    try {
+        post(*sale);
+        session_->commit();
+    } catch (...) {
+        session_->rollback();
+        throw;
+    }
+    takeOffShelves(shop_, *sale);
+    return true;
+}
+
+void LiveRegister::post(const Sale& sale) {
+    const Value customer = sale.customerId(shop_);
+    run(*session_,
+        "INSERT INTO [Transaction] (RegisterID, CashierID, CustomerID, Time, TransType, SubTotal, TaxTotal, Total, TaxExempt) "
+        "VALUES (@p1, @p2, @p3, @p4, @p5, @p6, @p7, @p8, @p9)",
+        "iiidtmmmb",
+        {sale.registerId, sale.cashierId, customer, sale.time, sale.isReturn ? "Return" : "Sale", sale.subTotal(), sale.taxTotal(),
+         sale.total(), sale.exempt});
+    const Value number = session_->lastIdentity();
+    for (const SaleLine& line : sale.lines)
+        postLine(sale, line, number);
+    for (const Tender& tender : sale.tenders)
+        run(*session_, "INSERT INTO TransactionTender (TransactionNumber, TenderType, Amount) VALUES (@p1, @p2, @p3)", "itm",
+            {number, tender.type, tender.amount});
+    run(*session_,
+        "INSERT INTO TransactionTax (TransactionNumber, TaxID, Taxable, Amount) SELECT TransactionNumber, TaxID, SUM(FullPrice * Quantity "
+        "- Discount), SUM(Tax) "
+        "FROM TransactionEntry WHERE TransactionNumber = @p1 GROUP BY TransactionNumber, TaxID",
+        "i", {number});
+    if (sale.shopper >= 0)
+        run(*session_, "UPDATE Customer SET TotalSales = TotalSales + @p1, LastPurchaseDate = @p2 WHERE ID = @p3", "mdi",
+            {sale.subTotal(), sale.time, customer});
+    if (sale.charged() != Currency())
+        run(*session_,
+            "INSERT INTO CreditTransaction (TransactionNumber, CustomerID, CashierID, CreditCode, Time, Total, OutstandingBalance) "
+            "VALUES (@p1, @p2, @p3, 'Sale', @p4, @p5, @p5) UPDATE Customer SET Balance = Balance + @p5 WHERE ID = @p2",
+            "iiidm", {number, customer, sale.cashierId, sale.time, sale.charged()});
+}
+
+void LiveRegister::postLine(const Sale& sale, const SaleLine& line, const Value& number) {
+    const Good& good = shop_.goods[static_cast<std::size_t>(line.good)];
+    run(*session_,
+        "INSERT INTO TransactionEntry (TransactionNumber, SKU, MatrixSKU, Quantity, FullPrice, Cost, Discount, TaxID, Tax, DepartmentID) "
+        "VALUES (@p1, @p2, @p3, @p4, @p5, @p6, @p7, @p8, @p9, @p10)",
+        "ittimmmimi",
+        {number, good.sku, good.matrixSku, line.quantity, line.fullPrice, line.cost, line.discount, good.taxId, line.tax,
+         good.departmentId});
+    run(*session_, "UPDATE Stock SET Quantity = Quantity - @p1 WHERE SKU = @p2 AND MatrixSKU = @p3", "itt",
+        {line.quantity, good.sku, good.matrixSku});
+    run(*session_, "INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) VALUES (@p1, @p2, @p3, @p4, @p5)", "tttim",
+        {good.sku, good.matrixSku, sale.isReturn ? "Return" : "Sale", -line.quantity, line.cost});
+    run(*session_, "UPDATE Item SET DateLastSold = @p1 WHERE SKU = @p2 AND MatrixSKU = @p3", "dtt", {sale.time, good.sku, good.matrixSku});
+}
+
+LiveFigures runRegisters(const SessionMaker& open, const LivePlan& plan) {
+    std::vector<std::unique_ptr<LiveRegister>> tills;
+    for (int i = 0; i < plan.registers; ++i)
+        tills.push_back(std::make_unique<LiveRegister>(open(), i + 1, plan.seed * 1000 + static_cast<std::uint64_t>(i)));
+    Tally tally;
+    const auto end = SteadyClock::now() + std::chrono::duration_cast<SteadyClock::duration>(std::chrono::duration<double>(plan.seconds));
+    std::vector<std::thread> threads;
+    for (const auto& till : tills)
+        threads.emplace_back([&] { work(*till, plan, end, tally); });
+    for (std::thread& thread : threads)
+        thread.join();
+    return tally.figures();
+}
+
+} // namespace merchantry::registersim

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "app/db/session.h"
+#include "tools/registersim/sale.h"
+
+#include <functional>
+#include <memory>
+
+namespace merchantry::registersim {
+
+// A register at work on an open store: each receipt is one transaction of the statements that a till sends, beside whatever else uses the
+// store. Owns its session; one thread.
+class LiveRegister {
+public:
+    LiveRegister(std::unique_ptr<db::Session> session, int registerId, std::uint64_t seed);
+
+    // Makes up a receipt and posts it. False when there was nothing to sell. Throws DbError; nothing of the receipt is posted then.
+    bool postOne(Date now);
+
+private:
+    void post(const Sale& sale);
+    void postLine(const Sale& sale, const SaleLine& line, const Value& number);
+
+    std::unique_ptr<db::Session> session_;
+    Shop shop_;
+    Random random_;
+    SaleMaker maker_;
+    int registerId_;
+};
+
+struct LivePlan {
+    int registers = 1;
+    double perSecond = 1; // receipts of each register; 0 for as fast as it can
+    double seconds = 10;
+    std::uint64_t seed = 1;
+};
+
+struct LiveFigures {
+    int posted = 0;
+    int failed = 0;
+    double medianMs = 0; // of posting one receipt
+    double worstMs = 0;
+    std::vector<std::string> errors; // the first few, as the store said them
+};
+
+using SessionMaker = std::function<std::unique_ptr<db::Session>()>;
+
+// Runs so many registers side by side, each in a thread with a session of its own.
+LiveFigures runRegisters(const SessionMaker& open, const LivePlan& plan);
+
+} // namespace merchantry::registersim

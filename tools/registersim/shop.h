@@ -1,0 +1,80 @@
+#pragma once
+
+#include "app/db/session.h"
+#include "base/currency.h"
+#include "base/date.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace merchantry::registersim {
+
+struct PriceBreak {
+    int tier = 1;
+    int quantity = 1; // from this quantity on
+    Currency price;
+};
+
+struct SaleEvent {
+    Date from; // both days inclusive
+    Date to;
+    Currency price;
+};
+
+// An item that a register can sell, with what is on hand and what it cost.
+struct Good {
+    std::string sku;
+    std::string matrixSku;
+    int departmentId = 1;
+    int taxId = 0;
+    int popularity = 1; // weight in a shopper's choice
+    int onHand = 0;
+    int reorder = 0;
+    int restock = 0;
+    Currency averageCost; // weighted, as the ledger has it
+    std::vector<PriceBreak> prices;
+    std::vector<SaleEvent> events;
+    bool serialized = false;
+    std::vector<std::string> serials; // of the units on hand
+    int supplierId = 0;               // the preferred one; 0 for none
+    Currency supplierCost;
+    std::string partNo;
+    int minOrder = 1;
+    std::optional<Date> lastSold; // during this run
+    bool hasLedger = false;
+
+    // Takes units in, or out when negative, with the weighted average that the store's ledger keeps.
+    void move(int quantity, Currency cost);
+};
+
+struct Shopper {
+    int id = 0;
+    int tier = 1;
+    bool charge = false;
+    bool exempt = false;
+    bool employee = false;
+    Currency bought; // during this run
+    std::optional<Date> lastPurchase;
+};
+
+// What registers know of a store: read once, kept up to date by those who post.
+struct Shop {
+    std::vector<Good> goods;
+    std::vector<Shopper> shoppers;
+    std::vector<int> cashierIds;
+    std::vector<int> registerIds;
+    std::map<int, int> taxRates; // in thousandths of a percent, by TaxID
+
+    // The price of a piece for a tier at this quantity on this day: the tier's highest break reached, otherwise retail; a sale event
+    // holds where it is lower.
+    static Currency price(const Good& good, int tier, int quantity, Date day);
+    // Tax on an amount, rounded to cents, halves away from zero.
+    Currency tax(int taxId, Currency amount) const;
+};
+
+// Every item that can be sold (no parents, no pseudo-items), in key order. Throws DbError.
+Shop loadShop(db::Session& session);
+
+} // namespace merchantry::registersim
