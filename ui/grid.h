@@ -17,16 +17,16 @@ struct GridColumn {
     enum class Format { Plain, Number, Currency, Date, Flag };
     enum class Editor { Text, Check, Combo };
 
-    std::string heading;
+    std::string heading{};
     Format format = Format::Plain;
     Editor editor = Editor::Text;
     bool hidden = false;
     bool alignRight = false; // numbers and money stand right in any case
     bool fixedWidth = false; // codes
     int characters = 0;      // wished width, 0 for what the content asks
-    std::string mask;        // of the cell's editor
+    std::string mask{};      // of the cell's editor
     // Combo: shown text and stored value of each choice.
-    std::vector<std::pair<std::string, std::string>> choices;
+    std::vector<std::pair<std::string, std::string>> choices{};
 };
 
 // Columns by rows of cells. Row 0 is the heading, data rows count from 1, columns from 0.

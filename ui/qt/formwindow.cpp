@@ -1,0 +1,423 @@
+#include "ui/qt/formwindow.h"
+
+#include "ui/gestures.h"
+#include "ui/qt/layoutbuilder.h"
+#include "ui/qt/memory.h"
+#include "ui/qt/menu.h"
+#include "ui/qt/texts.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLayout>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPainter>
+#include <QScreen>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <QWindow>
+
+namespace merchantry::ui {
+
+FormWindow::FormWindow(QtDesk& desk, Form& form) : desk_(desk), form_(&form) {
+    setObjectName(toQt(form.name()));
+    setWindowTitle(toQt(form.caption()));
+    setFocusPolicy(Qt::NoFocus);
+    build();
+    form.attach(this);
+    takeWishedSize();
+}
+
+FormWindow::~FormWindow() {
+    forget();
+    for (const auto& panel : panels_)
+        if (panel != nullptr)
+            panel->setParent(nullptr);
+    // The widgets go before the drawings that they would still call.
+    qDeleteAll(findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly));
+}
+
+void FormWindow::forget() {
+    if (form_ != nullptr && form_->view() == this)
+        form_->attach(nullptr);
+    form_ = nullptr;
+    for (const auto& drawing : drawings_)
+        drawing->forget();
+}
+
+void FormWindow::retire() {
+    rememberSize();
+    forget();
+    for (const auto& panel : panels_)
+        if (panel != nullptr) {
+            panel->hide();
+            panel->setParent(nullptr);
+        }
+    panels_.clear();
+    hide();
+    deleteLater();
+}
+
+bool FormWindow::act(const std::function<void()>& procedure) {
+    return form_ != nullptr && !form_->closed() && desk_.enter(procedure);
+}
+
+void FormWindow::build() {
+    outer_ = new QVBoxLayout(this);
+    outer_->setContentsMargins(0, 0, 0, 0);
+    outer_->setSpacing(0);
+    content_ = new QWidget(this);
+    buildBars();
+    LayoutBuilder(*this).fill(*content_, form_->layout());
+    outer_->addWidget(content_, 1);
+    if (menu_ != nullptr) {
+        status_ = new QLabel(this);
+        status_->setProperty("look", "status");
+        status_->setContentsMargins(measure::kEdge, 6, measure::kEdge, 6);
+        status_->setAttribute(Qt::WA_StyledBackground);
+        outer_->addWidget(status_);
+        showStatus(desk_.statusText());
+    }
+    if (!form_->icon().empty())
+        setWindowIcon(skin().windowIcon(toQt(form_->icon())));
+    if (!form_->sizeable())
+        outer_->setSizeConstraint(QLayout::SetFixedSize);
+    for (const auto& drawing : drawings_) {
+        for (const Aspect aspect : {Aspect::Rows, Aspect::Items, Aspect::Text, Aspect::Choice, Aspect::State, Aspect::Look})
+            drawing->refresh(aspect);
+        drawing->refreshCommon();
+    }
+}
+
+// The menu bar, and tool bars that the layout does not place itself.
+void FormWindow::buildBars() {
+    menu_ = MenuDrawing::of(*this);
+    if (menu_ != nullptr)
+        outer_->addWidget(menu_->bar());
+    const auto placed = form_->tabOrder();
+    for (Control* control : form_->controls())
+        if (control->role() == Role::Toolbar && std::find(placed.begin(), placed.end(), control) == placed.end())
+            outer_->addWidget(addDrawing(*control, this).widget());
+}
+
+void FormWindow::takeWishedSize() {
+    ensurePolished();
+    for (QWidget* child : findChildren<QWidget*>())
+        child->ensurePolished();
+    outer_->activate();
+    QSize size = sizeHint().expandedTo(outer_->minimumSize());
+    if (form_->width() > 0 && form_->height() > 0)
+        size = size.expandedTo(QSize(form_->width(), form_->height()) / kTwipsPerPixel);
+    if (form_->sizeable())
+        size = rememberedSize(form_->name(), size).expandedTo(outer_->minimumSize());
+    resize(size.boundedTo(screen()->availableSize()));
+    outer_->activate();
+    settled_ = true;
+    recordPlaces();
+    placing_ = true;
+    form_->setSize(width() * kTwipsPerPixel, height() * kTwipsPerPixel); // not loaded yet: no event
+    placing_ = false;
+}
+
+Drawing& FormWindow::addDrawing(Control& control, QWidget* parent) {
+    drawings_.push_back(draw(*this, control, parent));
+    Drawing& made = *drawings_.back();
+    made.widget()->setObjectName(toQt(control.name()));
+    byControl_[&control] = &made;
+    return made;
+}
+
+Drawing* FormWindow::drawing(const Control& control) const {
+    return byControl_.value(&control, nullptr);
+}
+
+void FormWindow::open(FormWindow* over) {
+    const Qt::WindowModality wanted = form_->modal() ? Qt::ApplicationModal : Qt::NonModal;
+    if (isVisible() && windowModality() != wanted)
+        hide();
+    setWindowModality(wanted);
+    if (!isVisible() && over != nullptr && over->windowHandle() != nullptr)
+        standOver(*this, over);
+    show();
+    raise();
+    activateWindow();
+    focusChanged();
+}
+
+void FormWindow::embed(FormWindow& panel) {
+    if (panel.parentWidget() != this) {
+        panel.setParent(this);
+        panel.embeddedIn_ = this;
+        panels_.push_back(&panel);
+        panel.content_->setProperty("look", "float");
+        panel.content_->setAttribute(Qt::WA_StyledBackground);
+        panel.outer_->setContentsMargins(measure::kEdge, measure::kGroups, measure::kEdge, 0);
+        panel.outer_->setSizeConstraint(QLayout::SetDefaultConstraint);
+        panel.content_->setContentsMargins(0, 0, 0, 0);
+        if (QLayout* inside = panel.content_->layout())
+            inside->setContentsMargins(12, 8, 12, 8);
+        outer_->insertWidget(outer_->indexOf(content_), &panel);
+        panel.setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    }
+    panel.show();
+}
+
+void FormWindow::restyle() {
+    for (const auto& drawing : drawings_) {
+        drawing->restyle();
+        drawing->refresh(Aspect::Look);
+    }
+    if (form_ != nullptr && !form_->icon().empty())
+        setWindowIcon(skin().windowIcon(toQt(form_->icon())));
+    update();
+}
+
+void FormWindow::showStatus(const std::string& text) {
+    if (status_ != nullptr)
+        status_->setText(toQt(text));
+}
+
+QMenuBar* FormWindow::menuBar() const {
+    return menu_ == nullptr ? nullptr : menu_->bar();
+}
+
+// --- from the form ---
+
+void FormWindow::controlChanged(Control& control, Aspect aspect) {
+    if (control.role() == Role::MenuEntry && menu_ != nullptr)
+        menu_->refresh(control);
+    Drawing* const drawn = drawing(control);
+    if (drawn == nullptr)
+        return;
+    if (aspect == Aspect::Place) {
+        moved(control);
+        return;
+    }
+    if (aspect == Aspect::State || aspect == Aspect::Look) {
+        // A widget that is hidden or disabled would hand its focus to a neighbour, which no user did.
+        QWidget* const holder = focusWidget();
+        if (holder != nullptr && (holder == drawn->widget() || drawn->widget()->isAncestorOf(holder)) &&
+            !(control.enabled() && control.visible()))
+            setFocus();
+        drawn->refreshCommon();
+    }
+    drawn->refresh(aspect);
+    if (aspect == Aspect::State && form_->focused() != nullptr && form_->focused()->obstacle().empty())
+        focusLater();
+}
+
+void FormWindow::formChanged() {
+    setWindowTitle(toQt(form_->caption()));
+    if (form_->hidden() && isVisible()) {
+        rememberSize();
+        hide();
+    }
+    const QSize wanted = QSize(form_->width(), form_->height()) / kTwipsPerPixel;
+    if (settled_ && !placing_ && embeddedIn_ == nullptr && wanted != size() && !wanted.isEmpty())
+        resize(wanted);
+}
+
+void FormWindow::focusChanged() {
+    if (form_ == nullptr)
+        return;
+    Drawing* const drawn = form_->focused() == nullptr ? nullptr : drawing(*form_->focused());
+    QWidget* const target = drawn == nullptr ? this : drawn->focusTarget();
+    if (target->hasFocus() || (target == this && focusWidget() == nullptr) || target->isAncestorOf(QApplication::focusWidget()))
+        return;
+    focusing_ = true;
+    target->setFocus(Qt::OtherFocusReason);
+    focusing_ = false;
+    if (auto* line = dynamic_cast<QLineEdit*>(target); line != nullptr && byKeyboard_)
+        line->selectAll();
+}
+
+void FormWindow::focusLater() {
+    QTimer::singleShot(0, this, [this] { focusChanged(); });
+}
+
+// --- from the user ---
+
+void FormWindow::watch(QWidget& widget, Control& control) {
+    watched_[&widget] = &control;
+    widget.installEventFilter(this);
+}
+
+bool FormWindow::finishEdit() {
+    if (form_ == nullptr || form_->focused() == nullptr)
+        return true;
+    Drawing* const drawn = drawing(*form_->focused());
+    return drawn == nullptr || drawn->finishEdit();
+}
+
+bool FormWindow::eventFilter(QObject* object, QEvent* event) {
+    Control* const control = watched_.value(object, nullptr);
+    if (control == nullptr || form_ == nullptr)
+        return QWidget::eventFilter(object, event);
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        return !pressed(*control);
+    case QEvent::KeyPress:
+        return keyed(control, static_cast<QKeyEvent&>(*event));
+    case QEvent::FocusIn:
+        arrived(*control);
+        return false;
+    default:
+        return false;
+    }
+}
+
+// The focus moves before the click acts. A click that brought up a window or a box, or was refused, does nothing further.
+bool FormWindow::pressed(Control& control) {
+    byKeyboard_ = false;
+    if (form_->focused() == &control || !control.takesFocus())
+        return true;
+    const int before = desk_.loopsRun();
+    bool entered = false;
+    const bool ran = act([&] { entered = finishEdit() && gestures::enter(control).empty(); });
+    return ran && entered && desk_.loopsRun() == before;
+}
+
+// The toolkit moved its focus by itself, for a mnemonic say.
+void FormWindow::arrived(Control& control) {
+    if (focusing_ || form_->focused() == &control || !control.takesFocus())
+        return;
+    byKeyboard_ = true;
+    bool entered = false;
+    act([&] { entered = finishEdit() && gestures::enter(control).empty(); });
+    if (!entered)
+        focusLater();
+}
+
+bool FormWindow::keyed(Control* control, QKeyEvent& event) {
+    const std::string name = keyName(event);
+    auto* box = dynamic_cast<TextBox*>(control);
+    const bool steers = name == "Tab" || name == "Shift+Tab" || name == "Enter" || name == "Escape";
+    const bool newLine = name == "Enter" && box != nullptr && box->multiline && !box->locked();
+    if (name.empty() || (!steers && (box == nullptr || !box->keyDown)))
+        return false;
+    if (newLine) {
+        bool swallowed = false;
+        act([&] {
+            if (box->keyDown)
+                box->keyDown(name, swallowed);
+        });
+        return swallowed;
+    }
+    byKeyboard_ = true;
+    bool taken = false;
+    act([&] { taken = !finishEdit() || gestures::key(*form_, name); });
+    if (!taken && form_ != nullptr && embeddedIn_ != nullptr && embeddedIn_->form() != nullptr && steers)
+        act([&] { taken = gestures::key(*embeddedIn_->form(), name); });
+    return taken || name == "Tab" || name == "Shift+Tab";
+}
+
+void FormWindow::keyPressEvent(QKeyEvent* event) {
+    if (form_ == nullptr || focusWidget() != this || !keyed(nullptr, *event))
+        QWidget::keyPressEvent(event);
+}
+
+void FormWindow::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    act([this] {
+        if (finishEdit())
+            gestures::close(*form_);
+    });
+}
+
+void FormWindow::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::WindowStateChange && form_ != nullptr)
+        form_->setMinimised(isMinimized());
+    if (event->type() == QEvent::ActivationChange && form_ != nullptr && isActiveWindow() && !desk_.covered(*form_) && isVisible())
+        act([this] { desk_.giveKeyboard(*form_); });
+    QWidget::changeEvent(event);
+}
+
+// --- size and places ---
+
+void FormWindow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (settled_ && form_ != nullptr)
+        reportSize();
+}
+
+// The screen hears of its new size while its controls still have their old places, so that it can move them by the difference.
+void FormWindow::reportSize() {
+    placing_ = true;
+    act([this] { form_->setSize(width() * kTwipsPerPixel, height() * kTwipsPerPixel); });
+    placing_ = false;
+    if (form_ == nullptr)
+        return;
+    const QSize wanted = QSize(form_->width(), form_->height()) / kTwipsPerPixel;
+    if (wanted != size() && embeddedIn_ == nullptr)
+        resize(wanted);
+    if (!freed_)
+        QTimer::singleShot(0, this, [this] {
+            if (!freed_)
+                recordPlaces();
+        });
+}
+
+void FormWindow::recordPlaces() {
+    if (form_ == nullptr)
+        return;
+    standing_.clear();
+    for (const auto& drawing : drawings_) {
+        QWidget* const widget = drawing->widget();
+        standing_.push_back({widget, widget->geometry()});
+        if (drawing->companion() != nullptr)
+            standing_.push_back({drawing->companion(), drawing->companion()->geometry()});
+        const QRect r = widget->geometry();
+        const Place place{r.left() * kTwipsPerPixel, r.top() * kTwipsPerPixel, r.width() * kTwipsPerPixel, r.height() * kTwipsPerPixel};
+        placed_[&drawing->control()] = place;
+        drawing->control().setPlace(place);
+    }
+}
+
+// From now on the screen says where its controls stand.
+void FormWindow::setFree() {
+    if (freed_)
+        return;
+    freed_ = true;
+    for (const auto& layout : layouts_)
+        if (layout != nullptr)
+            layout->setEnabled(false);
+    for (const Standing& entry : standing_)
+        if (entry.widget != nullptr)
+            entry.widget->setGeometry(entry.where);
+}
+
+void FormWindow::moved(Control& control) {
+    const Place& place = control.place();
+    Drawing* const drawn = drawing(control);
+    const auto known = placed_.find(&control);
+    if (drawn == nullptr || (known != placed_.end() && known->second == place))
+        return;
+    setFree();
+    const QRect old = drawn->widget()->geometry();
+    const QRect now(place.left / kTwipsPerPixel, place.top / kTwipsPerPixel, place.width / kTwipsPerPixel, place.height / kTwipsPerPixel);
+    drawn->widget()->setGeometry(now);
+    if (drawn->companion() != nullptr)
+        drawn->companion()->move(drawn->companion()->pos() + now.topLeft() - old.topLeft());
+    placed_[&control] = place;
+}
+
+void FormWindow::rememberSize() {
+    if (form_ != nullptr && form_->sizeable() && isVisible() && embeddedIn_ == nullptr && !isMaximized())
+        rememberSizeOf(form_->name(), size());
+}
+
+// A window without content of its own is not a hole: a calm mark stands in its middle.
+void FormWindow::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), skin().tokens().paper);
+    if (menu_ == nullptr || form_ == nullptr || form_->layout().kind() != Item::Kind::Empty)
+        return;
+    const int side = std::min({content_->width(), content_->height(), 168});
+    QRect where(0, 0, side, side);
+    where.moveCenter(content_->geometry().center());
+    skin().icon(QStringLiteral("store"), skin().tokens().line).paint(&painter, where);
+}
+
+} // namespace merchantry::ui

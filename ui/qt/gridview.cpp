@@ -1,0 +1,360 @@
+#include "ui/qt/gridview.h"
+
+#include "ui/gestures.h"
+#include "ui/qt/formwindow.h"
+#include "ui/qt/gridcell.h"
+#include "ui/qt/gridmodel.h"
+#include "ui/qt/memory.h"
+#include "ui/qt/texts.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QToolTip>
+
+#include <algorithm>
+
+namespace merchantry::ui {
+namespace {
+
+constexpr int kSampledRows = 60;
+constexpr int kWidest = 380;
+
+} // namespace
+
+GridView::GridView(FormWindow& host, Grid& grid, QWidget* parent)
+    : QTableView(parent), host_(host), grid_(grid), model_(new GridModel(grid, this)) {
+    setHorizontalHeader(new GridHeading(host, grid, this));
+    setModel(model_);
+    setItemDelegate(new GridCell(host, grid, this));
+    setSelectionMode(QAbstractItemView::NoSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setShowGrid(false);
+    setFrameShape(QFrame::NoFrame);
+    setTabKeyNavigation(false);
+    setCornerButtonEnabled(false);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(16);
+    verticalHeader()->setDefaultSectionSize(rowHeight());
+    host_.watch(*this, grid);
+    host_.watch(*viewport(), grid);
+    viewport()->installEventFilter(this);
+    connect(horizontalHeader(), &QHeaderView::sectionClicked, this,
+            [this](int column) { act([&] { gestures::clickHeading(grid_, column); }); });
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
+        placeEditor();
+        if (!layingOut_)
+            rememberWidths();
+    });
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { placeEditor(); });
+    connect(horizontalScrollBar(), &QScrollBar::valueChanged, this, [this] { placeEditor(); });
+}
+
+int GridView::rowHeight() const {
+    return host_.desk().dense() ? measure::kDenseRow : measure::kRow;
+}
+
+bool GridView::act(const std::function<void()>& procedure) {
+    return host_.act(procedure);
+}
+
+void GridView::reload() {
+    if (host_.form() == nullptr)
+        return;
+    model_->reload();
+    hideColumns();
+    layOutColumns();
+    viewport()->update();
+    follow();
+}
+
+void GridView::follow() {
+    if (host_.form() == nullptr)
+        return;
+    if (editor_ != nullptr && !committing_ && !grid_.editing())
+        closeEditor();
+    const int row = grid_.row();
+    if (row >= 1 && row != shown_ && row <= model_->rowCount())
+        scrollTo(model_->index(row - 1, std::max(0, grid_.col())), QAbstractItemView::EnsureVisible);
+    shown_ = row;
+    viewport()->update();
+}
+
+void GridView::restyle() {
+    verticalHeader()->setDefaultSectionSize(rowHeight());
+    viewport()->update();
+    horizontalHeader()->viewport()->update();
+}
+
+void GridView::forget() {
+    model_->forget();
+    closeEditor();
+}
+
+// --- columns ---
+
+void GridView::hideColumns() {
+    for (int i = 0; i < model_->columnCount(); ++i)
+        if (isColumnHidden(i) != grid_.column(i).hidden)
+            setColumnHidden(i, grid_.column(i).hidden);
+}
+
+int GridView::contentWidth(int column) const {
+    const GridColumn& shape = grid_.column(column);
+    const QFontMetrics metrics(shape.fixedWidth ? host_.skin().code() : host_.skin().text());
+    int width = QFontMetrics(host_.skin().strong()).horizontalAdvance(toQt(grid_.text(0, column)));
+    if (shape.characters > 0)
+        return std::max(width, shape.characters * metrics.averageCharWidth()) + 2 * kCellMargin + 4;
+    const bool tick = shape.editor == GridColumn::Editor::Check || shape.format == GridColumn::Format::Flag;
+    for (int row = 1; !tick && row <= std::min(grid_.dataRows(), kSampledRows); ++row)
+        width = std::max(width, Skin::figuresWidth(metrics, toQt(grid_.text(row, column))));
+    return std::clamp(width + 2 * kCellMargin + 4, 56, kWidest);
+}
+
+int GridView::wishedWidth() const {
+    int all = 0;
+    for (int i = 0; i < grid_.columnCount(); ++i)
+        all += grid_.column(i).hidden ? 0 : contentWidth(i);
+    return all;
+}
+
+// Widths from headings and the first rows; what is left over goes to the columns of words. The user's own widths stand.
+void GridView::layOutColumns() {
+    const int columns = model_->columnCount();
+    const bool rowsCame = !measured_ && model_->rowCount() > 0;
+    if (columns == 0)
+        return;
+    layingOut_ = true;
+    if (laidOutFor_ != columns) {
+        const QList<int> kept = rememberedWidths(host_.form()->name(), grid_.name(), columns);
+        dragged_ = !kept.isEmpty();
+        for (int i = 0; dragged_ && i < columns; ++i)
+            setColumnWidth(i, kept[i]);
+    }
+    if (!dragged_ && (laidOutFor_ != columns || rowsCame || true)) {
+        std::vector<int> words;
+        int left = viewport()->width();
+        for (int i = 0; i < columns; ++i) {
+            if (grid_.column(i).hidden)
+                continue;
+            const int width = contentWidth(i);
+            setColumnWidth(i, width);
+            left -= width;
+            const GridColumn& shape = grid_.column(i);
+            if (!standsRight(grid_, i) && shape.format == GridColumn::Format::Plain && shape.editor != GridColumn::Editor::Check &&
+                !shape.fixedWidth)
+                words.push_back(i);
+        }
+        for (std::size_t k = 0; left > 0 && k < words.size(); ++k) {
+            const int share = left / static_cast<int>(words.size() - k);
+            setColumnWidth(words[k], columnWidth(words[k]) + share);
+            left -= share;
+        }
+    }
+    laidOutFor_ = columns;
+    measured_ = model_->rowCount() > 0;
+    layingOut_ = false;
+}
+
+void GridView::rememberWidths() {
+    if (host_.form() == nullptr || !isVisible())
+        return;
+    dragged_ = true;
+    QList<int> widths;
+    for (int i = 0; i < model_->columnCount(); ++i)
+        widths << (isColumnHidden(i) ? 60 : columnWidth(i));
+    rememberWidthsOf(host_.form()->name(), grid_.name(), widths);
+}
+
+void GridView::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    if (host_.form() != nullptr)
+        layOutColumns();
+    placeEditor();
+}
+
+// --- painting around the cells ---
+
+void GridView::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (host_.form() == nullptr || model_->rowCount() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(host_.skin().tokens().dim);
+    const QString words = grid_.emptyText.empty() ? QStringLiteral("Nothing listed") : toQt(grid_.emptyText);
+    painter.drawText(viewport()->rect().adjusted(24, 0, -24, 0), Qt::AlignCenter | Qt::TextWordWrap, words);
+}
+
+void GridView::focusInEvent(QFocusEvent* event) {
+    QTableView::focusInEvent(event);
+    viewport()->update();
+}
+
+void GridView::focusOutEvent(QFocusEvent* event) {
+    QTableView::focusOutEvent(event);
+    viewport()->update();
+}
+
+// A cell whose text does not fit tells all of it as its tip.
+bool GridView::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && host_.form() != nullptr) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        const QModelIndex at = indexAt(help->pos());
+        const QString text = at.isValid() ? toQt(grid_.text(at.row() + 1, at.column())) : QString();
+        if (at.isValid() && Skin::figuresWidth(fontMetrics(), text) > columnWidth(at.column()) - 2 * kCellMargin)
+            QToolTip::showText(help->globalPos(), text, this);
+        else
+            QToolTip::showText(help->globalPos(), toQt(grid_.toolTip()), this);
+        return true;
+    }
+    return QTableView::viewportEvent(event);
+}
+
+// --- the mouse ---
+
+void GridView::mousePressEvent(QMouseEvent* event) {
+    const QModelIndex at = indexAt(event->position().toPoint());
+    if (!at.isValid() || event->button() != Qt::LeftButton) {
+        if (editor_ != nullptr)
+            act([this] { finishEdit(); });
+        return;
+    }
+    const int row = at.row() + 1;
+    if ((event->modifiers() & Qt::ShiftModifier) && grid_.selected()) {
+        extendTo(row);
+        return;
+    }
+    secondPress_ = hasFocus() && row == grid_.row() && at.column() == grid_.col();
+    const int before = host_.desk().loopsRun();
+    act([&] { gestures::select(grid_, row, at.column()); });
+    if (host_.form() == nullptr || host_.desk().loopsRun() != before)
+        secondPress_ = false;
+}
+
+void GridView::mouseMoveEvent(QMouseEvent* event) {
+    const QModelIndex at = indexAt(event->position().toPoint());
+    if ((event->buttons() & Qt::LeftButton) && at.isValid() && host_.form() != nullptr && grid_.selected() && at.row() + 1 != grid_.row()) {
+        secondPress_ = false;
+        extendTo(at.row() + 1);
+    }
+}
+
+// A press on the cell that was current already begins its edit, as a check cell's first press turns it.
+void GridView::mouseReleaseEvent(QMouseEvent* event) {
+    const QModelIndex at = indexAt(event->position().toPoint());
+    if (host_.form() == nullptr || !at.isValid() || event->button() != Qt::LeftButton || at.row() + 1 != grid_.row() || !grid_.editable ||
+        at.column() != grid_.col())
+        return;
+    const bool check = grid_.column(at.column()).editor == GridColumn::Editor::Check;
+    if (check ? QRect(visualRect(at)).contains(event->position().toPoint()) : secondPress_ && !grid_.dblClick)
+        edit(at.row() + 1, at.column());
+    secondPress_ = false;
+}
+
+void GridView::mouseDoubleClickEvent(QMouseEvent* event) {
+    const QModelIndex at = indexAt(event->position().toPoint());
+    if (!at.isValid() || event->button() != Qt::LeftButton || host_.form() == nullptr)
+        return;
+    if (grid_.dblClick)
+        act([&] { gestures::doubleClick(grid_, at.row() + 1, at.column()); });
+    else if (grid_.column(at.column()).editor == GridColumn::Editor::Check)
+        mousePressEvent(event);
+    else
+        edit(at.row() + 1, at.column());
+}
+
+// --- the keyboard ---
+
+void GridView::select(int row, int column) {
+    act([&] {
+        if (gestures::enter(grid_).empty())
+            grid_.userSelect(row, column);
+    });
+}
+
+// The current row stays the anchor's; the selection reaches to the row.
+void GridView::extendTo(int row) {
+    act([&] {
+        if (gestures::enter(grid_).empty() && finishEdit())
+            grid_.select(grid_.row(), std::clamp(row, 1, grid_.dataRows()));
+    });
+}
+
+int GridView::neighbour(int column, int step) const {
+    for (int next = column + step; next >= 0 && next < grid_.columnCount(); next += step)
+        if (!grid_.column(next).hidden)
+            return next;
+    return column;
+}
+
+void GridView::moveBy(int rows, int columns) {
+    if (grid_.dataRows() == 0)
+        return;
+    const int row = std::clamp(grid_.row() + rows, 1, grid_.dataRows());
+    const int column = columns == 0 ? std::max(0, grid_.col()) : neighbour(grid_.col(), columns);
+    if (row != grid_.row() || column != grid_.col())
+        select(row, column);
+}
+
+void GridView::copySelection() {
+    QStringList lines;
+    for (int row = std::max(1, grid_.firstSelected()); row <= grid_.lastSelected(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < grid_.columnCount(); ++column)
+            if (!grid_.column(column).hidden)
+                cells << toQt(grid_.text(row, column));
+        lines << cells.join(QLatin1Char('\t'));
+    }
+    if (!lines.isEmpty())
+        host_.desk().copyText(fromQt(lines.join(QLatin1Char('\n'))));
+}
+
+void GridView::keyPressEvent(QKeyEvent* event) {
+    if (host_.form() == nullptr)
+        return;
+    const bool shift = event->modifiers() & Qt::ShiftModifier;
+    const bool control = event->modifiers() & Qt::ControlModifier;
+    const int page = std::max(1, viewport()->height() / rowHeight() - 1);
+    const auto step = [&](int rows) {
+        shift ? extendTo((grid_.row() == grid_.firstSelected() ? grid_.lastSelected() : grid_.firstSelected()) + rows) : moveBy(rows, 0);
+    };
+    switch (event->key()) {
+    case Qt::Key_Up:
+        return step(-1);
+    case Qt::Key_Down:
+        return step(1);
+    case Qt::Key_PageUp:
+        return step(-page);
+    case Qt::Key_PageDown:
+        return step(page);
+    case Qt::Key_Left:
+        return moveBy(0, -1);
+    case Qt::Key_Right:
+        return moveBy(0, 1);
+    case Qt::Key_Home:
+        return moveBy(-grid_.dataRows(), 0);
+    case Qt::Key_End:
+        return moveBy(grid_.dataRows(), 0);
+    case Qt::Key_F2:
+        return edit(grid_.row(), grid_.col());
+    default:
+        break;
+    }
+    if (event->matches(QKeySequence::Copy))
+        return copySelection();
+    const QString typed = event->text();
+    const bool check = grid_.row() >= 1 && grid_.col() < grid_.columnCount() && grid_.col() >= 0 &&
+                       grid_.column(grid_.col()).editor == GridColumn::Editor::Check;
+    if (event->key() == Qt::Key_Space && check)
+        return edit(grid_.row(), grid_.col());
+    if (!control && !typed.isEmpty() && typed[0].isPrint() && grid_.editable && !check)
+        return edit(grid_.row(), grid_.col(), &typed);
+    event->ignore();
+}
+
+} // namespace merchantry::ui

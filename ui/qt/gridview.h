@@ -1,0 +1,84 @@
+#pragma once
+
+#include "ui/grid.h"
+
+#include <QPointer>
+#include <QTableView>
+
+namespace merchantry::ui {
+
+class FormWindow;
+class GridModel;
+
+// The table of a grid. Rows are of one height; the current row, the selection and the colours are read from the grid when a cell is
+// painted, so the table keeps no selection of its own. Mouse and keys go to the grid's user… members.
+class GridView : public QTableView {
+public:
+    GridView(FormWindow& host, Grid& grid, QWidget* parent);
+
+    // After any change of the grid's rows, columns or cells.
+    void reload();
+    // The current row or the editing changed.
+    void follow();
+    void restyle();
+    void forget();
+    // Commits the edit under way; false when it was refused.
+    bool finishEdit();
+    QWidget* editor() const { return editor_; }
+    // Sum of the widths that the columns ask for.
+    int wishedWidth() const;
+    int rowHeight() const;
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+
+private:
+    bool act(const std::function<void()>& procedure);
+    void layOutColumns();
+    int contentWidth(int column) const;
+    void hideColumns();
+    void rememberWidths();
+
+    void select(int row, int column);
+    void extendTo(int row);
+    void moveBy(int rows, int columns);
+    int neighbour(int column, int step) const;
+    void copySelection();
+
+    // Editing. A check cell is turned at once; others get an editor over the cell.
+    void edit(int row, int column, const QString* typed = nullptr);
+    void turnCheck(int row, int column);
+    void openEditor(int row, int column, const QString* typed);
+    void openText(int row, int column, const QString* typed);
+    void openCombo(int row, int column);
+    void placeEditor();
+    bool commit();
+    void closeEditor();
+    QString editorText() const;
+
+    FormWindow& host_;
+    Grid& grid_;
+    GridModel* model_;
+    QPointer<QWidget> editor_;
+    int editRow_ = 0;
+    int editColumn_ = 0;
+    int laidOutFor_ = -1;   // number of columns that have their widths
+    bool measured_ = false; // widths come from content, not from headings alone
+    bool dragged_ = false;  // the user set the widths
+    bool layingOut_ = false;
+    int shown_ = 0; // the row last scrolled to
+    bool secondPress_ = false;
+    bool committing_ = false;
+};
+
+} // namespace merchantry::ui

@@ -1,0 +1,106 @@
+#include "ui/label.h"
+
+#include "ui/gestures.h"
+#include "ui/qt/formwindow.h"
+#include "ui/qt/frame.h"
+#include "ui/qt/roles.h"
+#include "ui/qt/texts.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace merchantry::ui {
+namespace {
+
+// A text; when it can be clicked, a link that shows its focus.
+class TextLabel : public QLabel {
+public:
+    using QLabel::QLabel;
+    std::function<void()> clicked;
+
+protected:
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        if (clicked && rect().contains(event->position().toPoint()))
+            clicked();
+        else
+            QLabel::mouseReleaseEvent(event);
+    }
+    void keyPressEvent(QKeyEvent* event) override {
+        if (clicked && event->key() == Qt::Key_Space)
+            clicked();
+        else
+            QLabel::keyPressEvent(event);
+    }
+    void focusInEvent(QFocusEvent* event) override {
+        QLabel::focusInEvent(event);
+        update();
+    }
+    void focusOutEvent(QFocusEvent* event) override {
+        QLabel::focusOutEvent(event);
+        update();
+    }
+    void paintEvent(QPaintEvent* event) override {
+        QLabel::paintEvent(event);
+        if (!hasFocus() || !clicked)
+            return;
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(palette().color(QPalette::Link), 1.5));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+    }
+};
+
+constexpr int kLongText = 64; // characters from which a text may take several lines
+
+class LabelDrawing : public Drawing {
+public:
+    LabelDrawing(FormWindow& host, Label& label, QWidget* parent) : Drawing(host, label, new TextLabel(parent)), label_(label) {
+        shown().setTextFormat(Qt::PlainText);
+        if (!label.click)
+            return;
+        setLook(*widget_, "link");
+        widget_->setCursor(Qt::PointingHandCursor);
+        widget_->setFocusPolicy(Qt::StrongFocus);
+        shown().clicked = [this] { host_.act([this] { gestures::press(label_); }); };
+        host_.watch(*widget_, label);
+    }
+
+    void refresh(Aspect aspect) override {
+        if (aspect == Aspect::Text)
+            showText();
+        if (aspect == Aspect::Look)
+            showColors();
+    }
+
+private:
+    TextLabel& shown() { return *static_cast<TextLabel*>(widget_); }
+
+    void showText() {
+        QString text = toQt(label_.caption());
+        shown().setAlignment((label_.alignRight ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+        shown().setWordWrap(text.size() > kLongText || text.contains(QLatin1Char('\n')));
+        shown().setText(text);
+    }
+    void showColors() {
+        QString sheet;
+        if (label_.foreColor() != Color::None)
+            sheet += QStringLiteral("color: %1;").arg(host_.skin().ink(label_.foreColor()).name());
+        if (label_.backColor() != Color::None)
+            sheet +=
+                QStringLiteral("background: %1; border-radius: 4px; padding: 2px 8px;").arg(host_.skin().ground(label_.backColor()).name());
+        if (widget_->styleSheet() != sheet)
+            widget_->setStyleSheet(sheet);
+    }
+
+    Label& label_;
+};
+
+} // namespace
+
+Drawn drawLabel(FormWindow& host, Label& label, QWidget* parent) {
+    return std::make_unique<LabelDrawing>(host, label, parent);
+}
+
+} // namespace merchantry::ui

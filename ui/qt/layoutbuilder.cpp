@@ -1,0 +1,366 @@
+#include "ui/qt/layoutbuilder.h"
+
+#include "ui/qt/formwindow.h"
+#include "ui/qt/frame.h"
+#include "ui/qt/skin.h"
+#include "ui/qt/texts.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace merchantry::ui {
+namespace {
+
+using Kind = Item::Kind;
+
+bool isSpace(const Item& item) {
+    return item.kind() == Kind::Stretch || item.kind() == Kind::Gap || item.kind() == Kind::Empty;
+}
+
+// Things that are a group in themselves and want 16 around them.
+bool isBlock(const Item& item) {
+    switch (item.kind()) {
+    case Kind::Column:
+    case Kind::Fields:
+    case Kind::Group:
+    case Kind::Pages:
+    case Kind::Buttons:
+    case Kind::Title:
+        return true;
+    case Kind::Row:
+        return std::any_of(item.children().begin(), item.children().end(), isBlock);
+    default:
+        return false;
+    }
+}
+
+bool isChoice(const Item& item) {
+    return item.kind() == Kind::Control && (item.control()->role() == Role::CheckBox || item.control()->role() == Role::OptionButton);
+}
+
+int below(const Item& upper, const Item& lower) {
+    if (upper.kind() == Kind::Title)
+        return measure::kHair;
+    return isBlock(upper) || isBlock(lower) ? measure::kGroups : measure::kRelated;
+}
+
+int beside(const Item& left, const Item& right) {
+    if (left.kind() == Kind::Figure && right.kind() == Kind::Figure)
+        return 2 * measure::kGroups;
+    return isBlock(left) || isBlock(right) || (isChoice(left) && isChoice(right)) ? measure::kGroups : measure::kRelated;
+}
+
+bool onlyButtons(const Item& column) {
+    return std::all_of(column.children().begin(), column.children().end(), [](const Item& item) {
+        return isSpace(item) || (item.control() != nullptr && item.control()->role() == Role::Button);
+    });
+}
+
+// Whether a control in a column keeps its own width.
+bool keepsWidth(const Item& item) {
+    if (item.kind() != Kind::Control)
+        return false;
+    switch (item.control()->role()) {
+    case Role::Button:
+    case Role::CheckBox:
+    case Role::OptionButton:
+    case Role::Image:
+        return true;
+    default:
+        return item.characters() > 0;
+    }
+}
+
+} // namespace
+
+template <class L> L* LayoutBuilder::made() {
+    auto* layout = new L;
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    window_.noteLayout(layout);
+    return layout;
+}
+
+void LayoutBuilder::fill(QWidget& content, const Item& layout) {
+    if (layout.kind() != Kind::Empty)
+        fillBody(content, layout, measure::kEdge);
+}
+
+void LayoutBuilder::fillBody(QWidget& body, const Item& content, int margin) {
+    QWidget* const outside = std::exchange(parent_, &body);
+    auto* box = made<QVBoxLayout>();
+    box->setContentsMargins(margin, margin, margin, margin);
+    const Piece piece = build(content);
+    place(*box, content, piece, keepsWidth(content) ? Qt::AlignLeft : Qt::Alignment());
+    if (!piece.tall)
+        box->addStretch(1);
+    body.setLayout(box);
+    parent_ = outside;
+}
+
+LayoutBuilder::Piece LayoutBuilder::build(const Item& item) {
+    switch (item.kind()) {
+    case Kind::Control:
+    case Kind::Title:
+        return control(item);
+    case Kind::Field:
+        return field(item);
+    case Kind::Row:
+        return row(item);
+    case Kind::Column:
+        return column(item);
+    case Kind::Fields:
+        return fields(item);
+    case Kind::Group:
+        return group(item);
+    case Kind::Pages:
+        return pages(item);
+    case Kind::Buttons:
+        return buttons(item);
+    case Kind::Figure:
+        return figure(item);
+    case Kind::Note:
+        return note(item);
+    case Kind::Empty:
+    case Kind::Stretch:
+    case Kind::Gap:
+        break;
+    }
+    return {};
+}
+
+void LayoutBuilder::place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment) {
+    if (item.kind() == Kind::Stretch)
+        box.addStretch(item.stretch());
+    else if (item.kind() == Kind::Gap)
+        box.addSpacing(measure::kRelated);
+    else if (piece.widget != nullptr)
+        box.addWidget(piece.widget, item.stretch(), alignment);
+    else if (piece.layout != nullptr)
+        box.addLayout(piece.layout, item.stretch());
+}
+
+LayoutBuilder::Piece LayoutBuilder::control(const Item& item) {
+    Drawing& drawing = window_.addDrawing(*item.control(), parent_);
+    drawing.wish(item.characters(), item.lines());
+    if (item.kind() == Kind::Title)
+        setLook(*drawing.widget(), "title");
+    return {drawing.widget(), nullptr, drawing.wide() && item.characters() == 0, drawing.tall()};
+}
+
+QLabel* LayoutBuilder::caption(const std::string& text, Drawing* of) {
+    auto* label = new QLabel(toQt(text), parent_);
+    setLook(*label, "caption");
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    if (of != nullptr) {
+        label->setBuddy(of->focusTarget());
+        of->setCompanion(label);
+        of->focusTarget()->setAccessibleName(label->text().remove(QLatin1Char('&')).remove(QLatin1Char(':')));
+    }
+    return label;
+}
+
+LayoutBuilder::Piece LayoutBuilder::fieldLine(const Item& item, std::size_t firstBehind) {
+    Piece first = control(item);
+    if (item.children().size() <= firstBehind)
+        return first;
+    auto* line = made<QHBoxLayout>();
+    line->setSpacing(measure::kRelated);
+    line->addWidget(first.widget, first.wide ? 1 : 0);
+    bool wide = first.wide;
+    for (const Item& behind : item.children()) {
+        const Piece piece = build(behind);
+        place(*line, behind, piece, {});
+        wide = wide || piece.wide || behind.kind() == Kind::Stretch;
+    }
+    if (!wide)
+        line->addStretch(1);
+    return {nullptr, line, true, first.tall};
+}
+
+LayoutBuilder::Piece LayoutBuilder::field(const Item& item) {
+    auto* line = made<QHBoxLayout>();
+    line->setSpacing(measure::kRelated);
+    const Piece rest = fieldLine(item, 0);
+    QLabel* const label = caption(item.text(), window_.drawing(*item.control()));
+    line->addWidget(label, 0, rest.tall ? Qt::AlignTop : Qt::AlignVCenter);
+    if (rest.widget != nullptr)
+        line->addWidget(rest.widget, rest.wide ? 1 : 0);
+    else
+        line->addLayout(rest.layout, 1);
+    return {nullptr, line, rest.wide, rest.tall};
+}
+
+LayoutBuilder::Piece LayoutBuilder::row(const Item& item) {
+    auto* box = made<QHBoxLayout>();
+    bool wide = false;
+    bool tall = false;
+    const Item* before = nullptr;
+    std::vector<std::pair<const Item*, Piece>> pieces;
+    for (const Item& child : item.children())
+        pieces.emplace_back(&child, build(child));
+    for (const auto& [child, piece] : pieces)
+        tall = tall || piece.tall;
+    for (const auto& [child, piece] : pieces) {
+        if (before != nullptr && !isSpace(*before) && !isSpace(*child))
+            box->addSpacing(beside(*before, *child));
+        place(*box, *child, piece, tall && !piece.tall && piece.widget != nullptr ? Qt::AlignTop : Qt::Alignment());
+        wide = wide || piece.wide || child->stretch() > 0;
+        before = child;
+    }
+    if (!wide && item.children().size() > 1)
+        box->addStretch(1);
+    return {nullptr, box, wide || item.children().size() > 1, tall};
+}
+
+LayoutBuilder::Piece LayoutBuilder::column(const Item& item) {
+    auto* box = made<QVBoxLayout>();
+    const bool bar = onlyButtons(item);
+    bool wide = false;
+    bool tall = false;
+    std::vector<std::pair<const Item*, Piece>> pieces;
+    for (const Item& child : item.children()) {
+        pieces.emplace_back(&child, build(child));
+        tall = tall || pieces.back().second.tall || child.stretch() > 0;
+        wide = wide || pieces.back().second.wide;
+    }
+    const Item* before = nullptr;
+    for (const auto& [child, piece] : pieces) {
+        if (!tall && child == &item.children().back() && child->kind() == Kind::Buttons)
+            box->addStretch(1);
+        if (before != nullptr && !isSpace(*before) && !isSpace(*child))
+            box->addSpacing(below(*before, *child));
+        place(*box, *child, piece, keepsWidth(*child) && !bar ? Qt::AlignLeft : Qt::Alignment());
+        before = child;
+    }
+    if (!tall && (item.children().empty() || item.children().back().kind() != Kind::Buttons))
+        box->addStretch(1);
+    return {nullptr, box, wide, tall};
+}
+
+void LayoutBuilder::addFieldRow(QGridLayout& grid, int line, const Item& item, bool& wide, bool& tall) {
+    // A row that begins with a field lends its caption to the column of captions.
+    const bool led = item.kind() == Kind::Row && !item.children().empty() && item.children().front().kind() == Kind::Field;
+    const Item& first = led ? item.children().front() : item;
+    if (first.kind() != Kind::Field) {
+        const Piece piece = build(item);
+        const bool whole = isBlock(item) || item.kind() == Kind::Note;
+        if (piece.widget != nullptr)
+            grid.addWidget(piece.widget, line, whole ? 0 : 1, 1, whole ? 2 : 1, keepsWidth(item) ? Qt::AlignLeft : Qt::Alignment());
+        else if (piece.layout != nullptr)
+            grid.addLayout(piece.layout, line, whole ? 0 : 1, 1, whole ? 2 : 1);
+        else if (isSpace(item))
+            grid.setRowMinimumHeight(line, measure::kHair);
+        wide = wide || piece.wide;
+        tall = tall || piece.tall;
+        if (piece.tall || item.stretch() > 0)
+            grid.setRowStretch(line, std::max(1, item.stretch()));
+        return;
+    }
+    Piece piece = fieldLine(first, 0);
+    if (led) {
+        auto* box = made<QHBoxLayout>();
+        box->setSpacing(measure::kRelated);
+        piece.widget != nullptr ? box->addWidget(piece.widget, piece.wide ? 1 : 0) : box->addLayout(piece.layout, 1);
+        for (std::size_t i = 1; i < item.children().size(); ++i) {
+            const Piece next = build(item.children()[i]);
+            place(*box, item.children()[i], next, {});
+            piece.wide = piece.wide || next.wide || item.children()[i].stretch() > 0;
+        }
+        if (!piece.wide)
+            box->addStretch(1);
+        piece = {nullptr, box, true, piece.tall};
+    }
+    QLabel* const label = caption(first.text(), window_.drawing(*first.control()));
+    label->setMinimumHeight(measure::kField);
+    grid.addWidget(label, line, 0, Qt::AlignRight | (piece.tall ? Qt::AlignTop : Qt::AlignVCenter));
+    if (piece.widget != nullptr)
+        grid.addWidget(piece.widget, line, 1, piece.wide ? Qt::Alignment() : Qt::AlignLeft);
+    else
+        grid.addLayout(piece.layout, line, 1);
+    wide = wide || piece.wide;
+    tall = tall || piece.tall;
+    if (piece.tall || first.stretch() > 0)
+        grid.setRowStretch(line, std::max(1, first.stretch()));
+}
+
+LayoutBuilder::Piece LayoutBuilder::fields(const Item& item) {
+    auto* grid = made<QGridLayout>();
+    grid->setHorizontalSpacing(12);
+    grid->setVerticalSpacing(measure::kRelated);
+    grid->setColumnStretch(1, 1);
+    bool wide = false;
+    bool tall = false;
+    int line = 0;
+    for (const Item& child : item.children())
+        addFieldRow(*grid, line++, child, wide, tall);
+    if (!tall)
+        grid->setRowStretch(line, 1);
+    return {nullptr, grid, wide, tall};
+}
+
+LayoutBuilder::Piece LayoutBuilder::group(const Item& item) {
+    const Item& inside = item.children().front();
+    // A list in a box has its own frame; a second one around it would only be noise.
+    const bool bare = inside.kind() == Kind::Control && inside.control()->role() == Role::Grid;
+    GroupPanel* panel = nullptr;
+    if (item.control() != nullptr) {
+        Drawing& drawing = window_.addDrawing(*item.control(), parent_);
+        panel = static_cast<GroupPanel*>(drawing.widget());
+    } else {
+        panel = new GroupPanel(parent_);
+        panel->setHeading(toQt(item.text()));
+    }
+    panel->setBare(bare);
+    fillBody(*panel->body(), inside, bare ? 0 : measure::kGroups);
+    return {panel, nullptr, true, bare || item.stretch() > 0};
+}
+
+LayoutBuilder::Piece LayoutBuilder::pages(const Item& item) {
+    Drawing& drawing = window_.addDrawing(*item.control(), parent_);
+    int page = 0;
+    for (const Item& content : item.children()) {
+        if (QWidget* body = drawing.body(page))
+            fillBody(*body, content, measure::kGroups);
+        ++page;
+    }
+    return {drawing.widget(), nullptr, true, true};
+}
+
+// Without a stretch of its own the bar stands right.
+LayoutBuilder::Piece LayoutBuilder::buttons(const Item& item) {
+    auto* box = made<QHBoxLayout>();
+    box->setSpacing(measure::kRelated);
+    if (std::none_of(item.children().begin(), item.children().end(), [](const Item& child) { return child.stretch() > 0; }))
+        box->addStretch(1);
+    for (const Item& child : item.children())
+        place(*box, child, build(child), {});
+    return {nullptr, box, true, false};
+}
+
+LayoutBuilder::Piece LayoutBuilder::figure(const Item& item) {
+    auto* box = made<QVBoxLayout>();
+    const Piece value = control(item);
+    setLook(*value.widget, "figure");
+    QLabel* const label = caption(item.text(), window_.drawing(*item.control()));
+    label->setAlignment(Qt::AlignRight);
+    box->addWidget(label);
+    box->addSpacing(2);
+    box->addWidget(value.widget);
+    return {nullptr, box, false, false};
+}
+
+LayoutBuilder::Piece LayoutBuilder::note(const Item& item) {
+    auto* label = new QLabel(toQt(item.text()), parent_);
+    setLook(*label, "note");
+    label->setTextFormat(Qt::PlainText);
+    if (item.text().size() > 60)
+        label->setWordWrap(true);
+    return {label, nullptr, label->wordWrap(), false};
+}
+
+} // namespace merchantry::ui

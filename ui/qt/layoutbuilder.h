@@ -1,0 +1,59 @@
+#pragma once
+
+#include "ui/layout.h"
+
+#include <vector>
+
+class QBoxLayout;
+class QGridLayout;
+class QLabel;
+class QLayout;
+class QWidget;
+
+namespace merchantry::ui {
+
+class Drawing;
+class FormWindow;
+
+// Turns a form's Item tree into widgets and layouts on the 4 px grid: 8 between related things, 16 between groups, 20 at the edge.
+class LayoutBuilder {
+public:
+    explicit LayoutBuilder(FormWindow& window) : window_(window) {}
+    // Fills an empty widget with the form's layout.
+    void fill(QWidget& content, const Item& layout);
+
+private:
+    // A built item: a widget or a layout, and whether it takes the room that is left to the side and below.
+    struct Piece {
+        QWidget* widget = nullptr;
+        QLayout* layout = nullptr;
+        bool wide = false;
+        bool tall = false;
+    };
+
+    Piece build(const Item& item);
+    Piece control(const Item& item);
+    Piece field(const Item& item);
+    Piece row(const Item& item);
+    Piece column(const Item& item);
+    Piece fields(const Item& item);
+    Piece group(const Item& item);
+    Piece pages(const Item& item);
+    Piece buttons(const Item& item);
+    Piece figure(const Item& item);
+    Piece note(const Item& item);
+
+    // The content of a frame, a page or the window.
+    void fillBody(QWidget& body, const Item& content, int margin);
+    // The controls of a field without its caption, on one line.
+    Piece fieldLine(const Item& item, std::size_t firstBehind);
+    void addFieldRow(QGridLayout& grid, int line, const Item& item, bool& wide, bool& tall);
+    QLabel* caption(const std::string& text, Drawing* of);
+    static void place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment);
+    template <class L> L* made();
+
+    FormWindow& window_;
+    QWidget* parent_ = nullptr;
+};
+
+} // namespace merchantry::ui

@@ -1,0 +1,253 @@
+#include "ui/qt/qtdesk.h"
+
+#include "ui/form.h"
+#include "ui/frame.h"
+#include "ui/qt/boxes.h"
+#include "ui/qt/formwindow.h"
+#include "ui/qt/texts.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QEventLoop>
+#include <QFileDialog>
+#include <QTimer>
+#include <QUrl>
+#include <QWindow>
+
+namespace merchantry::ui {
+
+QtDesk::QtDesk(QApplication& application, Tone tone) : application_(application), skin_(tone) {
+    QApplication::setQuitOnLastWindowClosed(false);
+    skin_.apply(application_);
+}
+
+QtDesk::~QtDesk() {
+    for (const auto& [form, window] : windows_)
+        if (window != nullptr) {
+            window->forget();
+            delete window.data();
+        }
+    dismissAll();
+}
+
+int QtDesk::run(const std::function<void()>& start) {
+    enter([&] {
+        start();
+        runUntil([this] { return depth_ == 1 && !anyWindow(); });
+    });
+    if (!end_.has_value() || !end_->message.has_value())
+        return 0;
+    showBox(skin_, nullptr, {*end_->message, "Merchantry", MessageIcon::Stop, MessageButtons::Ok},
+            [](QWidget& box) { static_cast<QDialog&>(box).exec(); });
+    return 1;
+}
+
+bool QtDesk::enter(const std::function<void()>& procedure) noexcept {
+    if (ending())
+        return false;
+    ++depth_;
+    try {
+        procedure();
+    } catch (const ProcessEnd& end) {
+        endWith(end);
+    } catch (const std::exception& failure) {
+        endWith({std::string("Run-time error: ") + failure.what()});
+    } catch (...) {
+        endWith({std::string("Run-time error: unknown")});
+    }
+    --depth_;
+    leaveLoops();
+    if (depth_ <= 1)
+        sweepSoon();
+    return !ending();
+}
+
+// The first end counts; those thrown while it unwinds carry nothing.
+void QtDesk::endWith(ProcessEnd end) {
+    if (!ending())
+        end_ = std::move(end);
+}
+
+void QtDesk::leaveLoops() {
+    for (const Loop& entry : loops_)
+        if (ending() || (*entry.done)())
+            entry.loop->quit();
+}
+
+void QtDesk::runUntil(const std::function<bool()>& done) {
+    ++loopsRun_;
+    // A wait cursor belongs to the work before; a window that waits for its user shows the plain one.
+    const int waits = std::exchange(waits_, 0);
+    for (int i = 0; i < waits; ++i)
+        QApplication::restoreOverrideCursor();
+    while (!ending() && !done()) {
+        QEventLoop loop;
+        loops_.push_back({&loop, &done});
+        loop.exec();
+        loops_.pop_back();
+    }
+    for (int i = 0; i < waits; ++i)
+        waitCursor(true);
+    if (ending())
+        throw ProcessEnd{};
+}
+
+// Waits until the dialogue is gone from the screen.
+void QtDesk::runDialog(QWidget& dialog) {
+    onClosed(dialog, [this] { leaveLoops(); });
+    dialog.show();
+    runUntil([&dialog] { return !dialog.isVisible(); });
+}
+
+// Closed forms are freed when nothing of theirs can be running: by the outermost loop.
+void QtDesk::sweepSoon() {
+    QTimer::singleShot(0, &application_, [this] {
+        if (depth_ <= 1 && loops_.size() <= 1)
+            sweep();
+    });
+}
+
+bool QtDesk::anyWindow() const {
+    for (const Form* form : openForms())
+        if (!form->hidden())
+            return true;
+    return false;
+}
+
+void QtDesk::setTone(Tone tone) {
+    skin_ = Skin(tone);
+    skin_.apply(application_);
+    for (const auto& [form, window] : windows_)
+        if (window != nullptr)
+            window->restyle();
+}
+
+void QtDesk::setDense(bool on) {
+    dense_ = on;
+    for (const auto& [form, window] : windows_)
+        if (window != nullptr)
+            window->restyle();
+}
+
+FormWindow* QtDesk::window(const Form& form) const {
+    const auto found = windows_.find(&form);
+    return found == windows_.end() ? nullptr : found->second.data();
+}
+
+// The window that a new one stands over: that of the form on top but for the form itself.
+QWidget* QtDesk::owner(const Form* form) const {
+    const auto& open = openForms();
+    for (auto other = open.rbegin(); other != open.rend(); ++other) {
+        FormWindow* shown = *other == form || floating(**other) ? nullptr : window(**other);
+        if (shown != nullptr && shown->isVisible())
+            return shown;
+    }
+    return nullptr;
+}
+
+void QtDesk::prepared(Form& form) {
+    if (window(form) == nullptr)
+        windows_[&form] = new FormWindow(*this, form);
+}
+
+void QtDesk::opened(Form& form) {
+    prepared(form);
+    FormWindow* shown = window(form);
+    auto* over = dynamic_cast<FormWindow*>(owner(&form));
+    if (floating(form) && over != nullptr)
+        over->embed(*shown);
+    else
+        shown->open(over);
+}
+
+void QtDesk::vanished(Form& form) {
+    FormWindow* gone = window(form);
+    windows_.erase(&form);
+    if (gone != nullptr)
+        gone->retire();
+    leaveLoops();
+}
+
+Answer QtDesk::message(const Message& message) {
+    return showBox(skin_, owner(nullptr), message, [this](QWidget& box) { runDialog(box); });
+}
+
+std::optional<std::string> QtDesk::input(const Input& input) {
+    return showInput(skin_, owner(nullptr), input, [this](QWidget& box) { runDialog(box); });
+}
+
+std::optional<std::filesystem::path> QtDesk::file(const FileDialog& wish) {
+    QFileDialog dialog(nullptr, toQt(wish.title), toQt(wish.folder));
+    dialog.setAcceptMode(wish.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(wish.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setNameFilters(fileFilters(wish.filter));
+    dialog.setWindowModality(Qt::ApplicationModal);
+    standOver(dialog, owner(nullptr));
+    runDialog(dialog);
+    if (dialog.result() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return std::filesystem::path(fromQt(dialog.selectedFiles().first()));
+}
+
+void QtDesk::beep() {
+    QApplication::beep();
+}
+
+void QtDesk::waitCursor(bool on) {
+    if (on) {
+        ++waits_;
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else if (waits_ > 0) {
+        --waits_;
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+void QtDesk::yield() {
+    QCoreApplication::processEvents();
+    if (ending())
+        throw ProcessEnd{};
+}
+
+void QtDesk::browse(const std::string& topic) {
+    QDesktopServices::openUrl(QUrl::fromUserInput(toQt(topic), toQt(programFolder().string()), QUrl::AssumeLocalFile));
+}
+
+void QtDesk::copyText(const std::string& text) {
+    QApplication::clipboard()->setText(toQt(text));
+}
+
+std::vector<std::string> QtDesk::printers() {
+    return {};
+}
+
+void QtDesk::status(const std::string& text) {
+    status_ = text;
+    for (const auto& [form, window] : windows_)
+        if (window != nullptr)
+            window->showStatus(text);
+}
+
+void QtDesk::armTimer(Timer& timer) {
+    auto& clock = timers_[&timer];
+    clock = std::make_unique<QTimer>();
+    QObject::connect(clock.get(), &QTimer::timeout, clock.get(), [this, &timer] {
+        enter([&timer] {
+            if (timer.fire)
+                timer.fire();
+        });
+    });
+    clock->start(timer.intervalMs);
+}
+
+void QtDesk::disarmTimer(Timer& timer) {
+    const auto found = timers_.find(&timer);
+    if (found == timers_.end())
+        return;
+    found->second->stop();
+    found->second.release()->deleteLater(); // it may be the one that is firing
+    timers_.erase(found);
+}
+
+} // namespace merchantry::ui

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "ui/desk.h"
+#include "ui/qt/skin.h"
+
+#include <QPointer>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class QApplication;
+class QEventLoop;
+class QTimer;
+class QWidget;
+
+namespace merchantry::ui {
+
+class FormWindow;
+class ReportView;
+
+// The desktop: draws forms as windows and asks the user. One stands for the whole life of a program, made after the QApplication and
+// gone before it. It owns the windows; forms belong to the desk as always.
+//
+// Procedures of screens run inside nested loops. A procedure that ends the process, or fails, cannot be thrown through the toolkit:
+// enter() catches what it throws, remembers the end, and every loop below leaves by throwing ProcessEnd on its own, so that each
+// waiting procedure is unwound in turn until run() returns.
+class QtDesk : public Desk {
+public:
+    explicit QtDesk(QApplication& application, Tone tone = Tone::System);
+    ~QtDesk() override;
+
+    // Runs the program: the start procedure, then the loop until no window is left or a procedure ends the process. Gives the exit
+    // code: 0, or 1 when a failure ended the run, after its message was shown.
+    int run(const std::function<void()>& start);
+    // The one way from the toolkit into a screen's procedure. Nothing is thrown out of it. False when it was not run to its end.
+    bool enter(const std::function<void()>& procedure) noexcept;
+    bool ending() const { return end_.has_value(); }
+    // Why the run ends, empty while it does not or when nothing failed.
+    std::string endMessage() const { return end_.has_value() ? end_->message.value_or("") : ""; }
+    // Grows by one with every loop that was run; tells a caller whether a window or a box stood in between.
+    int loopsRun() const { return loopsRun_; }
+
+    const Skin& skin() const { return skin_; }
+    // Draws everything anew in that look.
+    void setTone(Tone tone);
+    // Rows of grids 24 instead of 30 high.
+    bool dense() const { return dense_; }
+    void setDense(bool on);
+
+    // The window of a form; null when it has none.
+    FormWindow* window(const Form& form) const;
+    // Makes the widget that fills a report view; asked once per view. The view's window takes it over.
+    std::function<QWidget*(ReportView&)> reportContent;
+
+    using Desk::message;
+    Answer message(const Message& message) override;
+    std::optional<std::string> input(const Input& input) override;
+    std::optional<std::filesystem::path> file(const FileDialog& dialog) override;
+    void beep() override;
+    void waitCursor(bool on) override;
+    void yield() override;
+    void browse(const std::string& topic) override;
+    void copyText(const std::string& text) override;
+    std::vector<std::string> printers() override;
+    void status(const std::string& text) override;
+    const std::string& statusText() const { return status_; }
+
+protected:
+    void prepared(Form& form) override;
+    void opened(Form& form) override;
+    void vanished(Form& form) override;
+    void runUntil(const std::function<bool()>& done) override;
+    void armTimer(Timer& timer) override;
+    void disarmTimer(Timer& timer) override;
+
+private:
+    struct Loop {
+        QEventLoop* loop;
+        const std::function<bool()>* done;
+    };
+
+    void runDialog(QWidget& dialog);
+    void endWith(ProcessEnd end);
+    void leaveLoops();
+    void sweepSoon();
+    bool anyWindow() const;
+    QWidget* owner(const Form* form) const;
+
+    QApplication& application_;
+    Skin skin_;
+    bool dense_ = false;
+    std::map<const Form*, QPointer<FormWindow>> windows_;
+    std::map<Timer*, std::unique_ptr<QTimer>> timers_;
+    std::vector<Loop> loops_;
+    std::optional<ProcessEnd> end_;
+    std::string status_;
+    int depth_ = 0; // procedures that are running
+    int waits_ = 0;
+    int loopsRun_ = 0;
+};
+
+} // namespace merchantry::ui
