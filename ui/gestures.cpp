@@ -54,6 +54,25 @@ std::string fitting(const TextBox& box, const std::string& text) {
     return shown;
 }
 
+// Keys that work on the text of a box; false when this one means nothing there.
+bool editText(TextBox& box, const std::string& name) {
+    if (name == "Ctrl+C") {
+        box.form().desk().copyText(box.selectedText());
+        return true;
+    }
+    if (name == "Ctrl+A") {
+        box.selectAll();
+        return true;
+    }
+    if (name != "Delete" || box.locked() || box.selectionLength() == 0)
+        return false;
+    const auto start = static_cast<std::size_t>(box.selectionStart());
+    const std::string& text = box.text();
+    box.setText(std::string(characters(text, 0, start)) +
+                std::string(characters(text, start + static_cast<std::size_t>(box.selectionLength()), characterCount(text))));
+    return true;
+}
+
 template <class C, class Act> std::string use(C& control, Act act) {
     if (std::string why = enter(control); !why.empty())
         return why;
@@ -248,6 +267,12 @@ bool key(Form& form, const std::string& name) {
         box->keyDown(name, swallow);
         if (swallow)
             return true;
+    }
+    if (box != nullptr && editText(*box, name))
+        return true;
+    if (auto* grid = dynamic_cast<Grid*>(form.focused()); grid != nullptr && name == "Ctrl+C" && grid->selected()) {
+        form.desk().copyText(grid->text(grid->row(), grid->col()));
+        return true;
     }
     if (name == "Tab" || name == "Shift+Tab") {
         form.focusNext(name != "Tab");

@@ -164,6 +164,18 @@ void expectBrowsed(Step& step) {
                "page " + wanted.told(), listed(browsed, "the last verb opened none"));
 }
 
+void expectClipboard(Step& step) {
+    const Wanted wanted = step.wanted("a text");
+    step.end();
+    expectThat(wanted.holds(step.desk().clipboard), "clipboard " + wanted.told(), "there was " + inQuotes(step.desk().clipboard));
+}
+
+void expectStatus(Step& step) {
+    const Wanted wanted = step.wanted("a text");
+    step.end();
+    expectThat(wanted.holds(step.desk().statusText), "status " + wanted.told(), "there was " + inQuotes(step.desk().statusText));
+}
+
 bool isPrinted(const PrintedReport& report, const Wanted& file, const std::vector<std::string>& parameters) {
     if (!file.holds(report.file))
         return false;
@@ -227,6 +239,8 @@ const std::vector<Entry>& worldExpectations() {
         {"file", R"(expect file "path" "line" ...)", &expectFile},
         {"beep", "expect beep", &expectBeep},
         {"browsed", R"(expect browsed like "...%")", &expectBrowsed},
+        {"clipboard", R"(expect clipboard "text")", &expectClipboard},
+        {"status", R"(expect status "text")", &expectStatus},
         {"printed", R"(expect printed "File.rpt" "p1" ...)", &expectPrinted},
         {"ended", R"(expect ended ["message"])", &expectEnded},
         {"refused", "expect refused VERB ...", &expectRefused},

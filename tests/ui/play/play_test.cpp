@@ -68,6 +68,8 @@ TEST(Play, WhatHolds) {
         "on frmMain expect caption \"Main\"\nexpect Find \"&Find\"\nexpect tip Find \"Find an item\"\ntoolbar \"Find\"\non frmMain expect "
         "caption \"Main Find\"\nexpect mnuShop \"&Shop\"",
         "key Tab\nexpect focus txtPhone\nkey Alt+A\nexpect chkActive on",
+        "type txtName \"abc\"\nkey Ctrl+A\nexpect selection txtName \"abc\"\nkey Ctrl+C\nexpect clipboard \"abc\"\nkey Delete\nexpect "
+        "txtName \"\"\nrow grdItems 2 1\nkey Ctrl+C\nexpect clipboard \"Candle\"",
         "expect no file \"there-is-no-such-file.txt\"\nexpect open frmShop\nexpect closed frmDialog\nexpect form frmShop",
         // a floating panel leaves the list on top, and its controls are found
         "type txtName \"x\"\nclick cmdPanel\nexpect form frmShop\ntype txtText \"find\"\nexpect focus txtText\nclick txtName\nexpect focus "
@@ -134,6 +136,8 @@ TEST(Play, WhatDoesNotHoldTellsWhatThereWas) {
         {"expect log \"modItems\" \"Other\"", "it carries \"modItems\" \"Populate\""},
         {"expect statement \"SELECT 1\"", "expected statement \"SELECT 1\", the last verb sent none"},
         {"expect printed \"Items.rpt\" \"A1\"", "the last verb opened none"},
+        {"expect clipboard \"x\"", "expected clipboard \"x\", there was \"\""},
+        {"expect status \"x\"", "expected status \"x\", there was \"\""},
         {"expect selection txtName \"x\"", "expected selection \"x\", there was \"\""},
         {"expect tip imgUp \"x\"", "expected tool tip \"x\", there was \"One up\""},
         {"expect file \"there-is-no-such-file.txt\" \"x\"", "expected a file \"there-is-no-such-file.txt\", there is none"},
