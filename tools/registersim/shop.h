@@ -55,8 +55,8 @@ struct Shopper {
     bool charge = false;
     bool exempt = false;
     bool employee = false;
-    Currency bought; // during this run
-    std::optional<Date> lastPurchase;
+    Currency bought{}; // during this run
+    std::optional<Date> lastPurchase{};
 };
 
 // What registers know of a store: read once, kept up to date by those who post.
