@@ -87,6 +87,7 @@ public:
 
 QLabel* bodyText(const std::string& text) {
     auto* label = new QLabel(toQt(text));
+    label->setObjectName(QStringLiteral("text"));
     label->setTextFormat(Qt::PlainText);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setMinimumWidth(200);

@@ -20,6 +20,11 @@
 #include <QWindow>
 
 namespace merchantry::ui {
+namespace {
+
+constexpr int kNarrowest = 340;
+
+} // namespace
 
 FormWindow::FormWindow(QtDesk& desk, Form& form) : desk_(desk), form_(&form) {
     setObjectName(toQt(form.name()));
@@ -68,6 +73,7 @@ void FormWindow::build() {
     outer_ = new QVBoxLayout(this);
     outer_->setContentsMargins(0, 0, 0, 0);
     outer_->setSpacing(0);
+    outer_->addStrut(kNarrowest);
     content_ = new QWidget(this);
     buildBars();
     LayoutBuilder(*this).fill(*content_, form_->layout());
@@ -75,6 +81,7 @@ void FormWindow::build() {
     if (menu_ != nullptr) {
         status_ = new QLabel(this);
         status_->setProperty("look", "status");
+        status_->setIndent(0);
         status_->setContentsMargins(measure::kEdge, 6, measure::kEdge, 6);
         status_->setAttribute(Qt::WA_StyledBackground);
         outer_->addWidget(status_);
@@ -155,7 +162,6 @@ void FormWindow::embed(FormWindow& panel) {
         panel.content_->setAttribute(Qt::WA_StyledBackground);
         panel.outer_->setContentsMargins(measure::kEdge, measure::kGroups, measure::kEdge, 0);
         panel.outer_->setSizeConstraint(QLayout::SetDefaultConstraint);
-        panel.content_->setContentsMargins(0, 0, 0, 0);
         if (QLayout* inside = panel.content_->layout())
             inside->setContentsMargins(12, 8, 12, 8);
         outer_->insertWidget(outer_->indexOf(content_), &panel);
@@ -239,7 +245,10 @@ void FormWindow::focusLater() {
 
 // --- from the user ---
 
+// A click must not move the toolkit's focus before the form was asked.
 void FormWindow::watch(QWidget& widget, Control& control) {
+    if (widget.focusPolicy() != Qt::NoFocus)
+        widget.setFocusPolicy(Qt::TabFocus);
     watched_[&widget] = &control;
     widget.installEventFilter(this);
 }
@@ -414,10 +423,10 @@ void FormWindow::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), skin().tokens().paper);
     if (menu_ == nullptr || form_ == nullptr || form_->layout().kind() != Item::Kind::Empty)
         return;
-    const int side = std::min({content_->width(), content_->height(), 168});
+    const int side = std::min({content_->width(), content_->height(), 144});
     QRect where(0, 0, side, side);
     where.moveCenter(content_->geometry().center());
-    skin().icon(QStringLiteral("store"), skin().tokens().line).paint(&painter, where);
+    skin().icon(QStringLiteral("mark"), skin().tokens().line).paint(&painter, where);
 }
 
 } // namespace merchantry::ui

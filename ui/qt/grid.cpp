@@ -16,7 +16,8 @@ namespace {
 
 constexpr int kOwnRows = 8;
 constexpr int kWidestOwn = 920;
-constexpr int kAround = 34 + 28; // heading and status line
+constexpr int kNarrowestWide = 360; // a list that asks for less is never narrower than it asks
+constexpr int kAround = 34 + 28;    // heading and status line
 
 class GridFrame : public QFrame {
 public:
@@ -38,8 +39,9 @@ public:
         box->addWidget(status_);
         setLook(*status_, "gridstatus");
         status_->setAttribute(Qt::WA_StyledBackground);
+        status_->setIndent(0);
         status_->setContentsMargins(10, 4, 10, 5);
-        widget_->setMinimumSize(200, kAround + 3 * measure::kRow);
+        widget_->setMinimumHeight(kAround + 3 * measure::kRow);
     }
 
     QWidget* focusTarget() const override { return view_->editor() != nullptr ? view_->editor() : view_; }
@@ -94,7 +96,8 @@ private:
     void showWish() {
         const int rows = lines_ > 0 ? lines_ : kOwnRows;
         const int width = characters_ > 0 ? characters_ * view_->fontMetrics().averageCharWidth() + 24 : view_->wishedWidth() + 16;
-        static_cast<GridFrame*>(widget_)->hint = {std::clamp(width, 240, kWidestOwn), kAround + rows * view_->rowHeight()};
+        static_cast<GridFrame*>(widget_)->hint = {std::clamp(width, 160, kWidestOwn), kAround + rows * view_->rowHeight()};
+        widget_->setMinimumWidth(std::min(std::max(width, 120), kNarrowestWide));
         widget_->updateGeometry();
     }
     void showStatus() {

@@ -124,6 +124,8 @@ void GridHeading::paintSection(QPainter* painter, const QRect& rect, int section
     const QRect where = rect.adjusted(kCellMargin, 0, -kCellMargin, -1);
     painter->drawText(where, side | Qt::AlignVCenter | Qt::TextSingleLine,
                       painter->fontMetrics().elidedText(toQt(grid_.text(0, section)), Qt::ElideRight, where.width()));
+    if (rect.right() >= viewport()->width() - 2)
+        return;
     painter->setPen(t.line);
     painter->drawLine(rect.right(), rect.top() + 9, rect.right(), rect.bottom() - 10);
 }

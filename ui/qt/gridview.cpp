@@ -7,6 +7,7 @@
 #include "ui/qt/memory.h"
 #include "ui/qt/texts.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -126,7 +127,6 @@ int GridView::wishedWidth() const {
 // Widths from headings and the first rows; what is left over goes to the columns of words. The user's own widths stand.
 void GridView::layOutColumns() {
     const int columns = model_->columnCount();
-    const bool rowsCame = !measured_ && model_->rowCount() > 0;
     if (columns == 0)
         return;
     layingOut_ = true;
@@ -136,7 +136,7 @@ void GridView::layOutColumns() {
         for (int i = 0; dragged_ && i < columns; ++i)
             setColumnWidth(i, kept[i]);
     }
-    if (!dragged_ && (laidOutFor_ != columns || rowsCame || true)) {
+    if (!dragged_) {
         std::vector<int> words;
         int left = viewport()->width();
         for (int i = 0; i < columns; ++i) {
@@ -157,7 +157,6 @@ void GridView::layOutColumns() {
         }
     }
     laidOutFor_ = columns;
-    measured_ = model_->rowCount() > 0;
     layingOut_ = false;
 }
 
@@ -225,6 +224,8 @@ void GridView::mousePressEvent(QMouseEvent* event) {
         return;
     }
     const int row = at.row() + 1;
+    pressedAt_ = event->position().toPoint();
+    pressedRow_ = 0;
     if ((event->modifiers() & Qt::ShiftModifier) && grid_.selected()) {
         extendTo(row);
         return;
@@ -233,27 +234,31 @@ void GridView::mousePressEvent(QMouseEvent* event) {
     const int before = host_.desk().loopsRun();
     act([&] { gestures::select(grid_, row, at.column()); });
     if (host_.form() == nullptr || host_.desk().loopsRun() != before)
-        secondPress_ = false;
+        return;
+    pressedRow_ = row;
+    pressedColumn_ = at.column();
 }
 
 void GridView::mouseMoveEvent(QMouseEvent* event) {
     const QModelIndex at = indexAt(event->position().toPoint());
     if ((event->buttons() & Qt::LeftButton) && at.isValid() && host_.form() != nullptr && grid_.selected() && at.row() + 1 != grid_.row()) {
-        secondPress_ = false;
+        pressedRow_ = 0;
         extendTo(at.row() + 1);
     }
 }
 
-// A press on the cell that was current already begins its edit, as a check cell's first press turns it.
+// A click on the cell that was current already begins its edit; a check cell is turned by the first. The cell is that of the press, also
+// when the table scrolled under the mouse to show it whole.
 void GridView::mouseReleaseEvent(QMouseEvent* event) {
-    const QModelIndex at = indexAt(event->position().toPoint());
-    if (host_.form() == nullptr || !at.isValid() || event->button() != Qt::LeftButton || at.row() + 1 != grid_.row() || !grid_.editable ||
-        at.column() != grid_.col())
+    const bool still = (event->position().toPoint() - pressedAt_).manhattanLength() < QApplication::startDragDistance();
+    const bool again = std::exchange(secondPress_, false);
+    if (host_.form() == nullptr || event->button() != Qt::LeftButton || !still || pressedRow_ != grid_.row() ||
+        pressedColumn_ != grid_.col() || pressedRow_ < 1 || !grid_.editable)
         return;
-    const bool check = grid_.column(at.column()).editor == GridColumn::Editor::Check;
-    if (check ? QRect(visualRect(at)).contains(event->position().toPoint()) : secondPress_ && !grid_.dblClick)
-        edit(at.row() + 1, at.column());
-    secondPress_ = false;
+    const bool check = grid_.column(pressedColumn_).editor == GridColumn::Editor::Check;
+    if (check || (again && !grid_.dblClick))
+        edit(pressedRow_, pressedColumn_);
+    pressedRow_ = 0;
 }
 
 void GridView::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -72,12 +72,14 @@ private:
     QPointer<QWidget> editor_;
     int editRow_ = 0;
     int editColumn_ = 0;
-    int laidOutFor_ = -1;   // number of columns that have their widths
-    bool measured_ = false; // widths come from content, not from headings alone
-    bool dragged_ = false;  // the user set the widths
+    int laidOutFor_ = -1;  // number of columns that have their widths
+    bool dragged_ = false; // the user set the widths
     bool layingOut_ = false;
     int shown_ = 0; // the row last scrolled to
-    bool secondPress_ = false;
+    QPoint pressedAt_;
+    int pressedRow_ = 0; // 0 when the press selected nothing or began a drag
+    int pressedColumn_ = 0;
+    bool secondPress_ = false; // on the cell that was current
     bool committing_ = false;
 };
 

@@ -79,7 +79,8 @@ private:
 
     void showText() {
         QString text = toQt(label_.caption());
-        shown().setAlignment((label_.alignRight ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+        if (label_.alignRight)
+            shown().setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         shown().setWordWrap(text.size() > kLongText || text.contains(QLatin1Char('\n')));
         shown().setText(text);
     }

@@ -95,7 +95,7 @@ void LayoutBuilder::fillBody(QWidget& body, const Item& content, int margin) {
     auto* box = made<QVBoxLayout>();
     box->setContentsMargins(margin, margin, margin, margin);
     const Piece piece = build(content);
-    place(*box, content, piece, keepsWidth(content) ? Qt::AlignLeft : Qt::Alignment());
+    place(*box, content, piece, keepsWidth(content) ? Qt::AlignLeft : Qt::Alignment(), piece.tall);
     if (!piece.tall)
         box->addStretch(1);
     body.setLayout(box);
@@ -133,15 +133,19 @@ LayoutBuilder::Piece LayoutBuilder::build(const Item& item) {
     return {};
 }
 
-void LayoutBuilder::place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment) {
-    if (item.kind() == Kind::Stretch)
-        box.addStretch(item.stretch());
-    else if (item.kind() == Kind::Gap)
+// What grows shares the room that is left, also when the item asks for no share of its own.
+void LayoutBuilder::place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment, bool grows) {
+    const int share = std::max(item.stretch(), grows ? 1 : 0);
+    if (item.kind() == Kind::Stretch) {
         box.addSpacing(measure::kRelated);
-    else if (piece.widget != nullptr)
-        box.addWidget(piece.widget, item.stretch(), alignment);
-    else if (piece.layout != nullptr)
-        box.addLayout(piece.layout, item.stretch());
+        box.addStretch(share);
+    } else if (item.kind() == Kind::Gap) {
+        box.addSpacing(measure::kRelated);
+    } else if (piece.widget != nullptr) {
+        box.addWidget(piece.widget, share, alignment);
+    } else if (piece.layout != nullptr) {
+        box.addLayout(piece.layout, share);
+    }
 }
 
 LayoutBuilder::Piece LayoutBuilder::control(const Item& item) {
@@ -174,7 +178,7 @@ LayoutBuilder::Piece LayoutBuilder::fieldLine(const Item& item, std::size_t firs
     bool wide = first.wide;
     for (const Item& behind : item.children()) {
         const Piece piece = build(behind);
-        place(*line, behind, piece, {});
+        place(*line, behind, piece, {}, piece.wide);
         wide = wide || piece.wide || behind.kind() == Kind::Stretch;
     }
     if (!wide)
@@ -203,12 +207,15 @@ LayoutBuilder::Piece LayoutBuilder::row(const Item& item) {
     std::vector<std::pair<const Item*, Piece>> pieces;
     for (const Item& child : item.children())
         pieces.emplace_back(&child, build(child));
-    for (const auto& [child, piece] : pieces)
+    bool shared = false; // someone asks for a share
+    for (const auto& [child, piece] : pieces) {
         tall = tall || piece.tall;
+        shared = shared || child->stretch() > 0;
+    }
     for (const auto& [child, piece] : pieces) {
         if (before != nullptr && !isSpace(*before) && !isSpace(*child))
             box->addSpacing(beside(*before, *child));
-        place(*box, *child, piece, tall && !piece.tall && piece.widget != nullptr ? Qt::AlignTop : Qt::Alignment());
+        place(*box, *child, piece, tall && !piece.tall && piece.widget != nullptr ? Qt::AlignTop : Qt::Alignment(), piece.wide && !shared);
         wide = wide || piece.wide || child->stretch() > 0;
         before = child;
     }
@@ -234,7 +241,7 @@ LayoutBuilder::Piece LayoutBuilder::column(const Item& item) {
             box->addStretch(1);
         if (before != nullptr && !isSpace(*before) && !isSpace(*child))
             box->addSpacing(below(*before, *child));
-        place(*box, *child, piece, keepsWidth(*child) && !bar ? Qt::AlignLeft : Qt::Alignment());
+        place(*box, *child, piece, keepsWidth(*child) && !bar ? Qt::AlignLeft : Qt::Alignment(), piece.tall);
         before = child;
     }
     if (!tall && (item.children().empty() || item.children().back().kind() != Kind::Buttons))
@@ -268,7 +275,7 @@ void LayoutBuilder::addFieldRow(QGridLayout& grid, int line, const Item& item, b
         piece.widget != nullptr ? box->addWidget(piece.widget, piece.wide ? 1 : 0) : box->addLayout(piece.layout, 1);
         for (std::size_t i = 1; i < item.children().size(); ++i) {
             const Piece next = build(item.children()[i]);
-            place(*box, item.children()[i], next, {});
+            place(*box, item.children()[i], next, {}, next.wide);
             piece.wide = piece.wide || next.wide || item.children()[i].stretch() > 0;
         }
         if (!piece.wide)
@@ -338,7 +345,7 @@ LayoutBuilder::Piece LayoutBuilder::buttons(const Item& item) {
     if (std::none_of(item.children().begin(), item.children().end(), [](const Item& child) { return child.stretch() > 0; }))
         box->addStretch(1);
     for (const Item& child : item.children())
-        place(*box, child, build(child), {});
+        place(*box, child, build(child), {}, false);
     return {nullptr, box, true, false};
 }
 
@@ -346,6 +353,7 @@ LayoutBuilder::Piece LayoutBuilder::figure(const Item& item) {
     auto* box = made<QVBoxLayout>();
     const Piece value = control(item);
     setLook(*value.widget, "figure");
+    static_cast<QLabel*>(value.widget)->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     QLabel* const label = caption(item.text(), window_.drawing(*item.control()));
     label->setAlignment(Qt::AlignRight);
     box->addWidget(label);

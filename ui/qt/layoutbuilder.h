@@ -49,7 +49,7 @@ private:
     Piece fieldLine(const Item& item, std::size_t firstBehind);
     void addFieldRow(QGridLayout& grid, int line, const Item& item, bool& wide, bool& tall);
     QLabel* caption(const std::string& text, Drawing* of);
-    static void place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment);
+    static void place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment, bool grows);
     template <class L> L* made();
 
     FormWindow& window_;

@@ -11,6 +11,7 @@
 #include <QDesktopServices>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QPrinterInfo>
 #include <QTimer>
 #include <QUrl>
 #include <QWindow>
@@ -34,6 +35,7 @@ QtDesk::~QtDesk() {
 int QtDesk::run(const std::function<void()>& start) {
     enter([&] {
         start();
+        base_ = 1;
         runUntil([this] { return depth_ == 1 && !anyWindow(); });
     });
     if (!end_.has_value() || !end_->message.has_value())
@@ -58,7 +60,7 @@ bool QtDesk::enter(const std::function<void()>& procedure) noexcept {
     }
     --depth_;
     leaveLoops();
-    if (depth_ <= 1)
+    if (depth_ == base_)
         sweepSoon();
     return !ending();
 }
@@ -102,8 +104,8 @@ void QtDesk::runDialog(QWidget& dialog) {
 
 // Closed forms are freed when nothing of theirs can be running: by the outermost loop.
 void QtDesk::sweepSoon() {
-    QTimer::singleShot(0, &application_, [this] {
-        if (depth_ <= 1 && loops_.size() <= 1)
+    QTimer::singleShot(0, &here_, [this] {
+        if (depth_ == base_ && static_cast<int>(loops_.size()) == base_)
             sweep();
     });
 }
@@ -219,7 +221,10 @@ void QtDesk::copyText(const std::string& text) {
 }
 
 std::vector<std::string> QtDesk::printers() {
-    return {};
+    std::vector<std::string> names;
+    for (const QString& name : QPrinterInfo::availablePrinterNames())
+        names.push_back(fromQt(name));
+    return names;
 }
 
 void QtDesk::status(const std::string& text) {

@@ -3,6 +3,7 @@
 #include "ui/desk.h"
 #include "ui/qt/skin.h"
 
+#include <QObject>
 #include <QPointer>
 
 #include <map>
@@ -96,7 +97,9 @@ private:
     std::vector<Loop> loops_;
     std::optional<ProcessEnd> end_;
     std::string status_;
+    QObject here_;  // what is put off ends with it
     int depth_ = 0; // procedures that are running
+    int base_ = 0;  // 1 while the loop of run() is the outermost: its own procedure and loop hold no form
     int waits_ = 0;
     int loopsRun_ = 0;
 };

@@ -23,17 +23,17 @@ QLineEdit, QPlainTextEdit, QComboBox { background: {panel}; color: {ink}; border
   selection-background-color: {accent}; selection-color: {accentInk}; }
 QLineEdit { padding: 0 9px; }
 QPlainTextEdit { padding: 4px 5px; }
-QComboBox { padding: 0 28px 0 9px; }
+QComboBox { padding: 0 28px 0 11px; }
 QLineEdit:hover, QPlainTextEdit:hover, QComboBox:hover { border-color: {strongLine}; }
 QLineEdit[readOnly="true"], QPlainTextEdit[readOnly="true"], QLineEdit:disabled, QPlainTextEdit:disabled, QComboBox:disabled,
 QComboBox[readOnly="true"] { background: {head}; color: {dim}; border-color: {line}; }
 QLineEdit:focus, QPlainTextEdit:focus, QComboBox:focus { border: 2px solid {accent}; }
 QLineEdit:focus { padding: 0 8px; }
 QPlainTextEdit:focus { padding: 3px 4px; }
-QComboBox:focus { padding: 0 27px 0 8px; }
+QComboBox:focus { padding: 0 27px 0 10px; }
 QLineEdit[look="cell"], QLineEdit[look="cell"]:focus { border: 2px solid {accent}; border-radius: 4px; padding: 0 6px; }
 QComboBox[look="cell"], QComboBox[look="cell"]:focus { border: 2px solid {accent}; border-radius: 4px; padding: 0 6px; }
-QComboBox QLineEdit, QComboBox QLineEdit:focus { border: none; background: transparent; padding: 0; }
+QComboBox QLineEdit, QComboBox QLineEdit:focus { border: none; background: transparent; padding: 0; margin-left: -2px; }
 QComboBox::drop-down { border: none; width: 28px; }
 QComboBox::down-arrow { image: none; width: 0; height: 0; }
 QComboBox QAbstractItemView { background: {panel}; color: {ink}; border: 1px solid {line}; padding: 4px;

@@ -114,7 +114,7 @@ Item ItemSheet::generalPage() {
                    field("&Name:", txtName),
                    field("&Type:", lbxType),
                    field("De&partment:", cboDepartment),
-                   field("Ta&x class:", dcxTax),
+                   field("Tax class:", dcxTax),
                    field("P&rice:", txtPrice),
                    field("In &stock:", txtStock, {at(cmdAdjust)}),
                    row({field("Reorder &Qty:", txtReorder), field("P&hone:", txtPhone)}),

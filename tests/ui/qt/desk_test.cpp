@@ -1,0 +1,184 @@
+#include "tests/ui/qt/sampleforms.h"
+#include "ui/qt/formwindow.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace merchantry::ui {
+namespace {
+
+class DeskTest : public testing::Test {
+protected:
+    QtDesk desk{*static_cast<QApplication*>(QApplication::instance()), Tone::Light};
+
+    // Does this in the loop that runs by then.
+    static void soon(std::function<void()> act) { QTimer::singleShot(0, qApp, std::move(act)); }
+    static QDialog* box() {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* dialog = dynamic_cast<QDialog*>(widget); dialog != nullptr && dialog->isVisible())
+                return dialog;
+        return nullptr;
+    }
+    static void pressInBox(const QString& caption) {
+        for (auto* button : box()->findChildren<QPushButton*>())
+            if (button->text() == caption)
+                button->click();
+    }
+};
+
+} // namespace
+
+TEST_F(DeskTest, AModalShowReadsTopToBottom) {
+    std::vector<std::string> order;
+    auto& dialog = desk.form<sample::SmallDialog>();
+    soon([&] {
+        order.push_back("shown");
+        EXPECT_EQ(desk.top(), &dialog);
+        EXPECT_TRUE(desk.window(dialog)->isModal());
+        dynamic_cast<QPushButton*>(desk.window(dialog)->drawing(dialog.cmdOK)->widget())->click();
+    });
+    desk.enter([&] {
+        desk.showModal(dialog);
+        order.push_back("back");
+    });
+    EXPECT_EQ(order, (std::vector<std::string>{"shown", "back"}));
+    EXPECT_TRUE(dialog.closed());
+    EXPECT_EQ(desk.window(dialog), nullptr);
+}
+
+TEST_F(DeskTest, BoxesAnswerByButtonKeyAndCloseBox) {
+    const auto asked = [&](MessageButtons buttons, std::function<void()> act) {
+        soon(std::move(act));
+        return desk.message("Delete?", "Items", MessageIcon::Question, buttons);
+    };
+    EXPECT_EQ(asked(MessageButtons::YesNo, [] { pressInBox("&No"); }), Answer::No);
+    EXPECT_EQ(asked(MessageButtons::YesNo, [] { QTest::keyClick(box(), Qt::Key_Return); }), Answer::Yes);
+    EXPECT_EQ(asked(MessageButtons::YesNo, [] { QTest::keyClick(box(), Qt::Key_Escape); }), Answer::No);
+    EXPECT_EQ(asked(MessageButtons::YesNoCancel, [] { box()->close(); }), Answer::Cancel);
+    EXPECT_EQ(asked(MessageButtons::OkCancel, [] { QTest::keyClick(box(), Qt::Key_Escape); }), Answer::Cancel);
+    EXPECT_EQ(asked(MessageButtons::Ok, [] { QTest::keyClick(box(), Qt::Key_Escape); }), Answer::Ok);
+}
+
+TEST_F(DeskTest, AnInputBoxGivesTheTextOrNothing) {
+    soon([] {
+        box()->findChild<QLineEdit*>()->setText("85123A");
+        pressInBox("OK");
+    });
+    EXPECT_EQ(desk.input({"Enter SKU", "Item", "1"}), "85123A");
+    soon([] { pressInBox("Cancel"); });
+    EXPECT_EQ(desk.input({"Enter SKU", "Item", "1"}), std::nullopt);
+}
+
+// A procedure deep inside two windows ends the process: every waiting one is unwound, none goes on.
+TEST_F(DeskTest, AnEndLeavesEveryNestedLoop) {
+    std::vector<std::string> went;
+    auto& outer = desk.form<sample::ItemSheet>();
+    auto& inner = desk.form<sample::SmallDialog>();
+    outer.cmdAdjust.click = [&] {
+        soon([&] { dynamic_cast<QPushButton*>(desk.window(inner)->drawing(inner.cmdOK)->widget())->click(); });
+        desk.showModal(inner);
+        went.push_back("after the inner window");
+    };
+    inner.cmdOK.click = [&] { desk.end(); };
+    const int code = desk.run([&] {
+        soon([&] { dynamic_cast<QPushButton*>(desk.window(outer)->drawing(outer.cmdAdjust)->widget())->click(); });
+        desk.showModal(outer);
+        went.push_back("after the outer window");
+    });
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(went, std::vector<std::string>{});
+}
+
+TEST_F(DeskTest, AFailureEndsTheRunWithItsMessage) {
+    auto& form = desk.form<sample::ItemSheet>();
+    form.cmdAdjust.click = [] { throw std::runtime_error("Object required"); };
+    QString said;
+    const int code = desk.run([&] {
+        desk.show(form);
+        soon([&] {
+            soon([&] {
+                said = box()->findChild<QLabel*>(QStringLiteral("text"))->text();
+                pressInBox("OK");
+            });
+            dynamic_cast<QPushButton*>(desk.window(form)->drawing(form.cmdAdjust)->widget())->click();
+        });
+    });
+    EXPECT_EQ(code, 1);
+    EXPECT_EQ(said, "Run-time error: Object required");
+}
+
+TEST_F(DeskTest, TheRunEndsWithTheLastWindow) {
+    const int code = desk.run([&] {
+        auto& first = desk.form<sample::ItemSheet>();
+        desk.show(first);
+        soon([&] {
+            desk.enter([&] {
+                desk.show(desk.form<sample::Shell>());
+                first.unload();
+            });
+            soon([&] { desk.window(*desk.existing<sample::Shell>())->close(); });
+        });
+    });
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(desk.existing<sample::Shell>(), nullptr);
+}
+
+TEST_F(DeskTest, WindowSizesAreRemembered) {
+    auto& form = desk.form<sample::OrderList>();
+    desk.show(form);
+    desk.window(form)->resize(730, 610);
+    form.unload();
+    auto& again = desk.form<sample::OrderList>();
+    desk.show(again);
+    EXPECT_EQ(desk.window(again)->size(), QSize(730, 610));
+    EXPECT_EQ(again.width(), 730 * kTwipsPerPixel);
+}
+
+TEST_F(DeskTest, AFloatingPanelStandsInItsOwnersWindow) {
+    auto& list = desk.form<sample::OrderList>();
+    desk.enter([&] { desk.show(list); });
+    auto& panel = desk.form<sample::SearchPanel>();
+    desk.enter([&] { desk.showFloating(panel); });
+    QApplication::setActiveWindow(desk.window(list));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(desk.top(), &list);
+    EXPECT_EQ(desk.window(panel)->window(), desk.window(list));
+    auto* line = dynamic_cast<QLineEdit*>(desk.window(panel)->drawing(panel.txtText)->widget());
+    QTest::mouseClick(line, Qt::LeftButton);
+    QTest::keyClicks(line, "bike");
+    EXPECT_EQ(panel.txtText.text(), "bike");
+    EXPECT_EQ(panel.focused(), &panel.txtText);
+    list.unload();
+    panel.unload();
+    EXPECT_EQ(desk.window(panel), nullptr);
+}
+
+TEST_F(DeskTest, TimersFireUntilTheyAreStopped) {
+    auto& form = desk.form<sample::ItemSheet>();
+    int fired = 0;
+    form.tmrDelay.fire = [&] {
+        if (++fired == 2)
+            form.tmrDelay.stop();
+    };
+    desk.show(form);
+    form.tmrDelay.start();
+    QTest::qWait(150);
+    EXPECT_EQ(fired, 2);
+}
+
+TEST_F(DeskTest, WaitCursorsNest) {
+    desk.waitCursor(true);
+    desk.waitCursor(true);
+    desk.waitCursor(false);
+    EXPECT_NE(QApplication::overrideCursor(), nullptr);
+    desk.waitCursor(false);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+} // namespace merchantry::ui

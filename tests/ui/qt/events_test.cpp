@@ -1,0 +1,208 @@
+#include "tests/ui/qt/sampleforms.h"
+#include "ui/gestures.h"
+#include "ui/qt/formwindow.h"
+#include "ui/qt/gridview.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace merchantry::ui {
+namespace {
+
+using Events = std::vector<std::string>;
+
+// Hands and keys on real widgets; what the screen hears must be what the gestures bring.
+class EventsTest : public testing::Test {
+protected:
+    QtDesk desk{*static_cast<QApplication*>(QApplication::instance()), Tone::Light};
+
+    template <class F> F& shown() {
+        F& form = desk.form<F>();
+        desk.enter([&] { desk.show(form); });
+        QApplication::setActiveWindow(desk.window(form));
+        QCoreApplication::processEvents();
+        return form;
+    }
+    template <class W> W& widget(const Control& control) {
+        return *dynamic_cast<W*>(desk.window(control.form())->drawing(control)->widget());
+    }
+    template <class W> void click(const Control& control) { QTest::mouseClick(&widget<W>(control), Qt::LeftButton, {}, QPoint(10, 10)); }
+};
+
+} // namespace
+
+TEST_F(EventsTest, ClickingAndTypingBringTheEventsOfTheGestures) {
+    auto& form = shown<sample::ItemSheet>();
+    form.events.clear();
+    click<QLineEdit>(form.txtName);
+    QTest::keyClick(&widget<QLineEdit>(form.txtName), Qt::Key_End);
+    QTest::keyClicks(&widget<QLineEdit>(form.txtName), "s");
+    click<QPushButton>(form.cmdAdjust);
+    click<QCheckBox>(form.chkActive);
+    QTest::keyClick(&widget<QCheckBox>(form.chkActive), Qt::Key_Tab);
+    const Events byHand = form.events;
+    form.unload();
+
+    auto& same = desk.form<sample::ItemSheet>();
+    desk.show(same);
+    same.events.clear();
+    gestures::type(same.txtName, "White hanging heart t-light holders");
+    gestures::press(same.cmdAdjust);
+    gestures::check(same.chkActive, false);
+    gestures::key(same, "Tab");
+    EXPECT_EQ(byHand, same.events);
+    EXPECT_EQ(same.events,
+              (Events{"tabItems validate", "tabItems lost", "txtName got", "txtName=White hanging heart t-light holders",
+                      "txtName validate", "txtName lost", "cmdAdjust got", "cmdAdjust click", "cmdAdjust validate", "cmdAdjust lost",
+                      "chkActive got", "chkActive off", "chkActive validate", "chkActive lost", "chkSerial got"}));
+}
+
+TEST_F(EventsTest, ARefusedLeaveKeepsFocusAndSwallowsTheClick) {
+    auto& form = shown<sample::ItemSheet>();
+    click<QLineEdit>(form.txtName);
+    int asked = 0;
+    form.txtName.validate = [&](bool& cancel) {
+        cancel = true;
+        ++asked;
+    };
+    form.events.clear();
+    click<QPushButton>(form.cmdAdjust);
+    EXPECT_EQ(asked, 1);
+    QTest::keyClick(&widget<QLineEdit>(form.txtName), Qt::Key_Tab);
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(form.events, Events{});
+    EXPECT_EQ(form.focused(), &form.txtName);
+    EXPECT_TRUE(widget<QLineEdit>(form.txtName).hasFocus());
+}
+
+TEST_F(EventsTest, WhatTheScreenSetsIsShownAndBringsNoEventOfItsOwn) {
+    auto& form = shown<sample::ItemSheet>();
+    form.events.clear();
+    form.txtName.setText("Lamp");
+    form.lbxType.setListIndex(2);
+    form.chkSerial.setValue(true);
+    form.optAverage.setValue(true);
+    form.tabItems.setCurrent(1);
+    form.cmdAdjust.setCaption("Co&unt");
+    form.txtPrice.setLocked(true);
+    form.cmdExit.setEnabled(false);
+    form.imgUp.setVisible(false);
+    form.lblWarning.setForeColor(Color::Green);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(form.events, (Events{"txtName=Lamp", "lbxType Serialized", "tabItems left 0"}));
+    EXPECT_EQ(widget<QLineEdit>(form.txtName).text(), "Lamp");
+    EXPECT_EQ(widget<QComboBox>(form.lbxType).currentText(), "Serialized");
+    EXPECT_TRUE(widget<QCheckBox>(form.chkSerial).isChecked());
+    EXPECT_TRUE(widget<QRadioButton>(form.optAverage).isChecked());
+    EXPECT_FALSE(widget<QRadioButton>(form.optLast).isChecked());
+    EXPECT_TRUE(widget<QRadioButton>(form.optLast).isVisible());
+    EXPECT_EQ(widget<QPushButton>(form.cmdAdjust).text(), "Co&unt");
+    EXPECT_TRUE(widget<QLineEdit>(form.txtPrice).isReadOnly());
+    EXPECT_FALSE(widget<QPushButton>(form.cmdExit).isEnabled());
+    EXPECT_FALSE(desk.window(form)->drawing(form.imgUp)->widget()->isVisible());
+}
+
+TEST_F(EventsTest, AMaskTakesOnlyWhatFitsAndAChangeProcedureHasTheLastWord) {
+    auto& form = shown<sample::ItemSheet>();
+    auto& phone = widget<QLineEdit>(form.txtPhone);
+    click<QLineEdit>(form.txtPhone);
+    QTest::keyClicks(&phone, "555x123 45678");
+    EXPECT_EQ(form.txtPhone.text(), "(555) 123-4567");
+    EXPECT_EQ(phone.text(), "(555) 123-4567");
+    for (int i = 0; i < 5; ++i)
+        QTest::keyClick(&phone, Qt::Key_Backspace);
+    EXPECT_EQ(form.txtPhone.text(), "(555) 12");
+
+    form.txtName.change = [&] {
+        if (form.txtName.text().size() > 3)
+            form.txtName.setText("abc");
+    };
+    auto& name = widget<QLineEdit>(form.txtName);
+    click<QLineEdit>(form.txtName);
+    name.selectAll();
+    QTest::keyClicks(&name, "abcd");
+    EXPECT_EQ(name.text(), "abc");
+}
+
+TEST_F(EventsTest, SelectionGoesBothWays) {
+    auto& form = shown<sample::ItemSheet>();
+    click<QLineEdit>(form.txtName);
+    form.txtName.select(2, 5);
+    EXPECT_EQ(widget<QLineEdit>(form.txtName).selectedText(), "ite h");
+    widget<QLineEdit>(form.txtName).setSelection(0, 5);
+    EXPECT_EQ(form.txtName.selectedText(), "White");
+}
+
+TEST_F(EventsTest, KeysReachTheScreenBeforeTheyAct) {
+    auto& form = shown<sample::ItemSheet>();
+    Events keys;
+    form.txtName.keyDown = [&](const std::string& key, bool& swallow) {
+        keys.push_back(key);
+        swallow = key == "Escape" || key == "x";
+    };
+    click<QLineEdit>(form.txtName);
+    form.txtName.setText("");
+    QTest::keyClicks(&widget<QLineEdit>(form.txtName), "axb");
+    QTest::keyClick(&widget<QLineEdit>(form.txtName), Qt::Key_F1);
+    QTest::keyClick(&widget<QLineEdit>(form.txtName), Qt::Key_Escape);
+    EXPECT_EQ(keys, (Events{"a", "x", "b", "F1", "Escape"}));
+    EXPECT_EQ(form.txtName.text(), "ab");
+    EXPECT_FALSE(form.closed());
+    click<QLineEdit>(form.txtPrice);
+    QTest::keyClick(&widget<QLineEdit>(form.txtPrice), Qt::Key_Escape); // another field: the cancel button
+    EXPECT_TRUE(form.closed());
+}
+
+TEST_F(EventsTest, MnemonicsOfCaptionsAndButtonsWork) {
+    auto& form = shown<sample::ItemSheet>();
+    QTest::keyClick(desk.window(form), Qt::Key_R, Qt::AltModifier);
+    EXPECT_EQ(form.focused(), &form.txtPrice);
+    form.events.clear();
+    QTest::keyClick(desk.window(form), Qt::Key_A, Qt::AltModifier);
+    QTest::qWait(150); // a button pressed by its letter stays down for a moment
+    EXPECT_EQ(form.events.empty() ? "" : form.events.back(), "cmdAdjust click");
+}
+
+TEST_F(EventsTest, DisablingTheFocusedControlMovesNoFocus) {
+    auto& form = shown<sample::ItemSheet>();
+    click<QLineEdit>(form.txtName);
+    form.events.clear();
+    form.txtName.setEnabled(false);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(form.events, Events{});
+    form.txtName.setEnabled(true);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(widget<QLineEdit>(form.txtName).hasFocus());
+}
+
+TEST_F(EventsTest, AScreenThatMovesItsControlsIsFollowed) {
+    auto& form = shown<sample::SmallDialog>();
+    EXPECT_GT(form.width(), 0);
+    EXPECT_GT(form.cmdOK.place().width, 0);
+    const QRect other = widget<QPushButton>(form.cmdCancel).geometry();
+    Place place = form.cmdOK.place();
+    place.left -= 40 * kTwipsPerPixel;
+    form.cmdOK.setPlace(place);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(widget<QPushButton>(form.cmdOK).geometry().left(), place.left / kTwipsPerPixel);
+    EXPECT_EQ(widget<QPushButton>(form.cmdCancel).geometry(), other);
+}
+
+TEST_F(EventsTest, MenusAndToolbarsGiveTheirCommands) {
+    auto& form = shown<sample::Shell>();
+    QList<QAction*> actions = desk.window(form)->menuBar()->findChildren<QAction*>(QStringLiteral("mnuDepartments"));
+    for (QAction* action : desk.window(form)->findChildren<QAction*>(QStringLiteral("mnuDepartments")))
+        action->trigger();
+    form.Toolbar1.press("Labels");
+    EXPECT_EQ(form.pressed, (Events{"mnuDepartments", "Labels"}));
+    form.mnuDepartments.setEnabled(false);
+    EXPECT_FALSE(desk.window(form)->findChild<QAction*>(QStringLiteral("mnuDepartments"))->isEnabled());
+}
+
+} // namespace merchantry::ui

@@ -1,0 +1,203 @@
+#include "tests/ui/qt/sampleforms.h"
+#include "ui/gestures.h"
+#include "ui/qt/formwindow.h"
+#include "ui/qt/gridview.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace merchantry::ui {
+namespace {
+
+using Events = std::vector<std::string>;
+
+class GridTest : public testing::Test {
+protected:
+    void SetUp() override {
+        desk.enter([this] { desk.show(form); });
+        QApplication::setActiveWindow(desk.window(form));
+        QCoreApplication::processEvents();
+        form.events.clear();
+    }
+    GridView& view() { return *dynamic_cast<GridView*>(desk.window(form)->findChild<QTableView*>()); }
+    QPoint at(int row, int column) { return view().visualRect(view().model()->index(row - 1, column)).center(); }
+    void press(int row, int column) { QTest::mouseClick(view().viewport(), Qt::LeftButton, {}, at(row, column)); }
+    QColor ground(int row, int column) {
+        const QRect cell = view().visualRect(view().model()->index(row - 1, column));
+        return view().viewport()->grab().toImage().pixelColor((cell.topLeft() + QPoint(8, 7)) * view().devicePixelRatioF());
+    }
+
+    QtDesk desk{*static_cast<QApplication*>(QApplication::instance()), Tone::Light};
+    sample::OrderList& form = desk.form<sample::OrderList>();
+};
+
+} // namespace
+
+TEST_F(GridTest, AClickSelectsBeforeItClicks) {
+    press(2, 1);
+    EXPECT_EQ(form.events, (Events{"row 2,1", "click"}));
+    EXPECT_EQ(form.focused(), &form.grdOrders);
+    QTest::keyClick(&view(), Qt::Key_Down);
+    QTest::keyClick(&view(), Qt::Key_Right);
+    EXPECT_EQ(form.grdOrders.row(), 3);
+    EXPECT_EQ(form.grdOrders.col(), 2);
+}
+
+TEST_F(GridTest, ARowThatMayNotBeLeftStays) {
+    press(1, 1);
+    form.grdOrders.beforeRowColChange = [](int, int, bool& cancel) { cancel = true; };
+    QTest::keyClick(&view(), Qt::Key_Down);
+    press(4, 1);
+    EXPECT_EQ(form.grdOrders.row(), 1);
+}
+
+TEST_F(GridTest, EditingInTheCellRunsEveryStep) {
+    press(2, 1);
+    form.events.clear();
+    QTest::keyClick(&view(), Qt::Key_F2);
+    auto* line = dynamic_cast<QLineEdit*>(view().editor());
+    ASSERT_NE(line, nullptr);
+    EXPECT_EQ(line->text(), "Trikes, Inc.");
+    line->selectAll();
+    QTest::keyClicks(line, "Tr");
+    QTest::keyClick(line, Qt::Key_Return);
+    EXPECT_EQ(form.events, (Events{"before 2,1", "typed T", "typed Tr", "validate Tr", "after Tr"}));
+    EXPECT_EQ(form.grdOrders.text(2, 1), "Tr");
+    EXPECT_EQ(view().editor(), nullptr);
+    EXPECT_TRUE(view().hasFocus());
+}
+
+TEST_F(GridTest, ARefusedEditKeepsTheEditorAndTheWayOut) {
+    press(2, 1);
+    QTest::keyClicks(&view(), "b"); // typing begins the edit
+    auto* line = dynamic_cast<QLineEdit*>(view().editor());
+    ASSERT_NE(line, nullptr);
+    QTest::keyClicks(line, "ad");
+    QTest::keyClick(line, Qt::Key_Return);
+    EXPECT_EQ(view().editor(), line);
+    EXPECT_TRUE(form.grdOrders.editing());
+    QTest::mouseClick(desk.window(form)->drawing(form.cmdReceive)->widget(), Qt::LeftButton);
+    EXPECT_EQ(form.focused(), &form.grdOrders) << "the click elsewhere waits for a cell that is right";
+    QTest::keyClick(line, Qt::Key_Escape);
+    EXPECT_EQ(view().editor(), nullptr);
+    EXPECT_EQ(form.grdOrders.text(2, 1), "Trikes, Inc.");
+    EXPECT_FALSE(form.closed()) << "Escape ended the edit only";
+}
+
+TEST_F(GridTest, LeavingTheGridTakesTheEditOver) {
+    press(2, 1);
+    QTest::keyClicks(&view(), "N");
+    QTest::keyClicks(view().editor(), "ew");
+    QTest::mouseClick(desk.window(form)->drawing(form.cmdReceive)->widget(), Qt::LeftButton);
+    EXPECT_EQ(form.grdOrders.text(2, 1), "New");
+    EXPECT_EQ(form.events.back(), "receive");
+}
+
+TEST_F(GridTest, ACellMayRefuseItsEdit) {
+    press(2, 0);
+    form.events.clear();
+    QTest::keyClick(&view(), Qt::Key_F2);
+    EXPECT_EQ(form.events, Events{"before 2,0"});
+    EXPECT_EQ(view().editor(), nullptr);
+}
+
+TEST_F(GridTest, ChecksTurnAndCombosChoose) {
+    press(2, 7);
+    EXPECT_EQ(form.grdOrders.text(2, 7), "1");
+    QTest::keyClick(&view(), Qt::Key_Space);
+    EXPECT_EQ(form.grdOrders.text(2, 7), "0");
+    press(3, 6);
+    QTest::keyClick(&view(), Qt::Key_F2);
+    auto* combo = dynamic_cast<QComboBox*>(view().editor());
+    ASSERT_NE(combo, nullptr);
+    EXPECT_EQ(combo->currentText(), "Closed");
+    QTest::keyClick(combo, Qt::Key_Up);
+    EXPECT_EQ(form.grdOrders.rawText(3, 6), "P");
+    EXPECT_EQ(form.grdOrders.text(3, 6), "Partial");
+}
+
+TEST_F(GridTest, HeadingsAndDoubleClicksAreHeard) {
+    const QHeaderView& heading = *view().horizontalHeader();
+    QTest::mouseClick(heading.viewport(), Qt::LeftButton, {}, QPoint(heading.sectionViewportPosition(1) + 20, 10));
+    EXPECT_EQ(form.events, (Events{"row 1,1", "click"}));
+    form.grdOrders.dblClick = [this] { form.events.push_back("double"); };
+    press(2, 1);
+    QTest::mouseDClick(view().viewport(), Qt::LeftButton, {}, at(2, 1));
+    EXPECT_EQ(form.events.back(), "double");
+    form.events.clear();
+    QTest::keyClick(&view(), Qt::Key_Return);
+    EXPECT_EQ(form.events, Events{"double"});
+}
+
+TEST_F(GridTest, ColoursSurviveTheSheetInBothTones) {
+    for (const Tone tone : {Tone::Light, Tone::Dark}) {
+        desk.setTone(tone);
+        const Tokens tokens = desk.skin().tokens();
+        EXPECT_EQ(ground(1, 6), tokens.open);
+        EXPECT_EQ(ground(2, 6), tokens.partial);
+        EXPECT_EQ(ground(3, 6), tokens.closed);
+        EXPECT_EQ(ground(1, 1), tokens.panel);
+        EXPECT_EQ(ground(2, 1), tokens.alternate);
+    }
+}
+
+TEST_F(GridTest, ShiftSelectsRows) {
+    press(2, 1);
+    QTest::keyClick(&view(), Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(&view(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(form.grdOrders.firstSelected(), 2);
+    EXPECT_EQ(form.grdOrders.lastSelected(), 4);
+    QTest::keyClick(&view(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().count('\n'), 2);
+}
+
+TEST_F(GridTest, DraggedWidthsAreRemembered) {
+    view().horizontalHeader()->resizeSection(1, 311);
+    form.unload();
+    auto& again = desk.form<sample::OrderList>();
+    desk.show(again);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(desk.window(again)->findChild<QTableView*>()->columnWidth(1), 311);
+}
+
+// The work of showing a list is that of the rows in sight, however many there are.
+TEST_F(GridTest, AHundredThousandRowsAreReadInPlace) {
+    sample::ManyRows few(100);
+    sample::ManyRows many(100'000);
+    form.grdOrders.colorOf = nullptr;
+    const auto askedFor = [&](sample::ManyRows& rows) {
+        form.grdOrders.bind(&rows);
+        QCoreApplication::processEvents();
+        view().viewport()->grab();
+        return rows.asked;
+    };
+    const int asked = askedFor(few);
+    EXPECT_GT(asked, 0);
+    EXPECT_LE(askedFor(many), asked * 11 / 10);
+    EXPECT_EQ(view().model()->rowCount(), 100'000);
+    form.grdOrders.setCurrent(90'000, 1);
+    form.grdOrders.showCurrent();
+    EXPECT_TRUE(view().viewport()->rect().contains(at(90'000, 1)));
+    QTest::keyClick(&view(), Qt::Key_F2);
+    QTest::keyClicks(view().editor(), "x");
+    QTest::keyClick(view().editor(), Qt::Key_Return);
+    EXPECT_EQ(many.written, Events{"89999/1=x"});
+    form.grdOrders.bind(nullptr);
+}
+
+TEST_F(GridTest, AnEmptyListSaysWhatToDo) {
+    form.grdOrders.setDataRows(0);
+    QCoreApplication::processEvents();
+    const QImage drawn = view().viewport()->grab().toImage();
+    bool inked = false;
+    for (int x = 0; x < drawn.width(); ++x)
+        for (int y = drawn.height() / 2 - 12; y < drawn.height() / 2 + 12; ++y)
+            inked = inked || drawn.pixelColor(x, y) == desk.skin().tokens().dim;
+    EXPECT_TRUE(inked);
+}
+
+} // namespace merchantry::ui
