@@ -1,6 +1,8 @@
 #include "ui/qt/formwindow.h"
 
 #include "ui/gestures.h"
+#include "ui/qt/frame.h"
+#include "ui/qt/gridview.h"
 #include "ui/qt/layoutbuilder.h"
 #include "ui/qt/memory.h"
 #include "ui/qt/menu.h"
@@ -23,6 +25,7 @@ namespace merchantry::ui {
 namespace {
 
 constexpr int kNarrowest = 340;
+constexpr QSize kRoomy(920, 620);
 
 } // namespace
 
@@ -117,6 +120,8 @@ void FormWindow::takeWishedSize() {
     QSize size = sizeHint().expandedTo(outer_->minimumSize());
     if (form_->width() > 0 && form_->height() > 0)
         size = size.expandedTo(QSize(form_->width(), form_->height()) / kTwipsPerPixel);
+    else if (std::any_of(drawings_.begin(), drawings_.end(), [](const auto& drawing) { return drawing->tall(); }))
+        size = size.expandedTo(kRoomy); // what grows is worth the room
     if (form_->sizeable())
         size = rememberedSize(form_->name(), size).expandedTo(outer_->minimumSize());
     resize(size.boundedTo(screen()->availableSize()));
@@ -158,7 +163,7 @@ void FormWindow::embed(FormWindow& panel) {
         panel.setParent(this);
         panel.embeddedIn_ = this;
         panels_.push_back(&panel);
-        panel.content_->setProperty("look", "float");
+        setLook(*panel.content_, "float");
         panel.content_->setAttribute(Qt::WA_StyledBackground);
         panel.outer_->setContentsMargins(measure::kEdge, measure::kGroups, measure::kEdge, 0);
         panel.outer_->setSizeConstraint(QLayout::SetDefaultConstraint);
@@ -304,6 +309,8 @@ bool FormWindow::keyed(Control* control, QKeyEvent& event) {
     auto* box = dynamic_cast<TextBox*>(control);
     const bool steers = name == "Tab" || name == "Shift+Tab" || name == "Enter" || name == "Escape";
     const bool newLine = name == "Enter" && box != nullptr && box->multiline && !box->locked();
+    if (form_ == nullptr || (embeddedIn_ != nullptr && !steers && passedToOwner(event, name)))
+        return form_ != nullptr;
     if (name.empty() || (!steers && (box == nullptr || !box->keyDown)))
         return false;
     if (newLine) {
@@ -317,9 +324,47 @@ bool FormWindow::keyed(Control* control, QKeyEvent& event) {
     byKeyboard_ = true;
     bool taken = false;
     act([&] { taken = !finishEdit() || gestures::key(*form_, name); });
-    if (!taken && form_ != nullptr && embeddedIn_ != nullptr && embeddedIn_->form() != nullptr && steers)
-        act([&] { taken = gestures::key(*embeddedIn_->form(), name); });
-    return taken || name == "Tab" || name == "Shift+Tab";
+    return taken || passedToOwner(event, name) || name == "Tab" || name == "Shift+Tab";
+}
+
+// From a floating panel the list below is moved through and chosen from without leaving what was typed.
+bool FormWindow::passedToOwner(QKeyEvent& event, const std::string& name) {
+    FormWindow* const owner = embeddedIn_;
+    if (owner == nullptr || owner->form() == nullptr)
+        return false;
+    if (name == "Enter" || name == "Escape") {
+        bool taken = false;
+        owner->act([&] { taken = gestures::key(*owner->form(), name); });
+        return taken;
+    }
+    auto* const list = owner->first<GridView>();
+    if (list == nullptr || (name != "Up" && name != "Down" && name != "PageUp" && name != "PageDown"))
+        return false;
+    QCoreApplication::sendEvent(list, &event);
+    return true;
+}
+
+template <class D> D* FormWindow::first() const {
+    for (const auto& drawing : drawings_)
+        if (auto* found = dynamic_cast<D*>(drawing->focusTarget()); found != nullptr && found->isVisible() && found->isEnabled())
+            return found;
+    return nullptr;
+}
+
+bool FormWindow::typeIntoPanel(const QString& text) {
+    for (const auto& panel : panels_) {
+        auto* const line = panel == nullptr || panel->form() == nullptr ? nullptr : panel->first<QLineEdit>();
+        if (line == nullptr)
+            continue;
+        Control* const control = panel->watched_.value(line, nullptr);
+        panel->act([&] { gestures::enter(*control); });
+        line->setFocus(Qt::OtherFocusReason);
+        line->end(false);
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, text);
+        QCoreApplication::sendEvent(line, &press);
+        return true;
+    }
+    return false;
 }
 
 void FormWindow::keyPressEvent(QKeyEvent* event) {

@@ -53,6 +53,8 @@ public:
     bool finishEdit();
     // The layouts that the form's Item tree asked for; they rest when the screen moves its controls itself.
     void noteLayout(QLayout* layout) { layouts_.push_back(layout); }
+    // Typing in a list that takes no text goes on in the panel that floats over it; false when there is none.
+    bool typeIntoPanel(const QString& text);
     // Whether the screen has moved a control itself.
     bool freed() const { return freed_; }
     QWidget* content() const { return content_; }
@@ -88,6 +90,8 @@ private:
     void focusLater();
     void reportSize();
     void rememberSize();
+    template <class D> D* first() const;
+    bool passedToOwner(QKeyEvent& event, const std::string& name);
 
     QtDesk& desk_;
     Form* form_;

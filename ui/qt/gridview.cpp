@@ -8,6 +8,7 @@
 #include "ui/qt/texts.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -256,8 +257,11 @@ void GridView::mouseReleaseEvent(QMouseEvent* event) {
         pressedColumn_ != grid_.col() || pressedRow_ < 1 || !grid_.editable)
         return;
     const bool check = grid_.column(pressedColumn_).editor == GridColumn::Editor::Check;
-    if (check || (again && !grid_.dblClick))
+    if (check || (again && !grid_.dblClick)) {
         edit(pressedRow_, pressedColumn_);
+        if (auto* combo = dynamic_cast<QComboBox*>(editor_.data()))
+            combo->showPopup();
+    }
     pressedRow_ = 0;
 }
 
@@ -359,6 +363,8 @@ void GridView::keyPressEvent(QKeyEvent* event) {
         return edit(grid_.row(), grid_.col());
     if (!control && !typed.isEmpty() && typed[0].isPrint() && grid_.editable && !check)
         return edit(grid_.row(), grid_.col(), &typed);
+    if (!control && !typed.isEmpty() && typed[0].isPrint() && host_.typeIntoPanel(typed))
+        return;
     event->ignore();
 }
 

@@ -344,8 +344,13 @@ LayoutBuilder::Piece LayoutBuilder::buttons(const Item& item) {
     box->setSpacing(measure::kRelated);
     if (std::none_of(item.children().begin(), item.children().end(), [](const Item& child) { return child.stretch() > 0; }))
         box->addStretch(1);
-    for (const Item& child : item.children())
+    const Item* before = nullptr;
+    for (const Item& child : item.children()) {
+        if (before != nullptr && before->kind() == Kind::Note)
+            box->addSpacing(measure::kRelated);
         place(*box, child, build(child), {}, false);
+        before = &child;
+    }
     return {nullptr, box, true, false};
 }
 

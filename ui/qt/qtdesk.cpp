@@ -18,7 +18,8 @@
 
 namespace merchantry::ui {
 
-QtDesk::QtDesk(QApplication& application, Tone tone) : application_(application), skin_(tone) {
+QtDesk::QtDesk(QApplication& application, Tone tone)
+    : application_(application), systemDark_(Skin::systemIsDark()), skin_(tone, systemDark_) {
     QApplication::setQuitOnLastWindowClosed(false);
     skin_.apply(application_);
 }
@@ -118,7 +119,7 @@ bool QtDesk::anyWindow() const {
 }
 
 void QtDesk::setTone(Tone tone) {
-    skin_ = Skin(tone);
+    skin_ = Skin(tone, systemDark_);
     skin_.apply(application_);
     for (const auto& [form, window] : windows_)
         if (window != nullptr)

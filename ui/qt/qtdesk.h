@@ -90,6 +90,7 @@ private:
     QWidget* owner(const Form* form) const;
 
     QApplication& application_;
+    bool systemDark_;
     Skin skin_;
     bool dense_ = false;
     std::map<const Form*, QPointer<FormWindow>> windows_;

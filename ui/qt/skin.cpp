@@ -12,10 +12,6 @@
 namespace merchantry::ui {
 namespace {
 
-bool systemIsDark() {
-    return QApplication::palette().color(QPalette::Window).lightness() < 128;
-}
-
 QFont inter(int pixels, QFont::Weight weight = QFont::Normal) {
     QFont font(QStringLiteral("Inter"));
     font.setStyleHint(QFont::SansSerif);
@@ -89,8 +85,12 @@ Tokens darkTokens() {
             .fine = "#6fd39b"};
 }
 
-Skin::Skin(Tone tone)
-    : dark_(tone == Tone::Dark || (tone == Tone::System && systemIsDark())), tokens_(dark_ ? darkTokens() : lightTokens()) {}
+bool Skin::systemIsDark() {
+    return QApplication::palette().color(QPalette::Window).lightness() < 128;
+}
+
+Skin::Skin(Tone tone, bool systemDark)
+    : dark_(tone == Tone::Dark || (tone == Tone::System && systemDark)), tokens_(dark_ ? darkTokens() : lightTokens()) {}
 
 void Skin::apply(QApplication& application) const {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));

@@ -59,7 +59,10 @@ Tokens darkTokens();
 // The look of every window: colours, typefaces, the style sheet, line icons. The only place that knows them.
 class Skin {
 public:
-    explicit Skin(Tone tone);
+    // System is dark when the flag says so.
+    explicit Skin(Tone tone, bool systemDark = false);
+    // Whether the palette that the program was started with is dark; asked before a skin is applied.
+    static bool systemIsDark();
 
     bool dark() const { return dark_; }
     const Tokens& tokens() const { return tokens_; }

@@ -12,7 +12,7 @@ const char* const kSheet = R"(
 QToolTip { background: {ink}; color: {paper}; border: none; padding: 6px 8px; }
 QLabel { background: transparent; }
 QLabel[look="caption"], QLabel[look="note"] { color: {dim}; }
-QLabel[look="link"] { color: {accent}; padding: 4px 6px; }
+QLabel[look="link"] { color: {accent}; padding: 4px 2px; }
 QLabel[look="title"] { font-size: 20px; font-weight: 600; }
 QLabel[look="figure"] { font-size: 18px; font-weight: 600; }
 QLabel[look="heading"] { font-weight: 600; }
@@ -62,7 +62,7 @@ QFrame[look="panel"] { background: {panel}; border: 1px solid {line}; border-rad
 QFrame[look="panel"][current="true"] { border-color: {accent}; }
 QFrame[look="bare"] { background: transparent; border: none; }
 QFrame[look="group"] { background: transparent; border: 1px solid {line}; border-radius: 8px; }
-QFrame[look="float"] { background: {soft}; border: 1px solid {accent}; border-radius: 8px; }
+QWidget[look="float"] { background: {soft}; border: 1px solid {accent}; border-radius: 8px; }
 QTableView { background: transparent; border: none; }
 QHeaderView { background: transparent; border: none; }
 QAbstractScrollArea::corner { background: transparent; border: none; }

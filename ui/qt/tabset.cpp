@@ -76,6 +76,7 @@ public:
         box->addWidget(bar_, 0, Qt::AlignLeft);
         box->addWidget(panel_, 1);
         setLook(*panel_, "panel");
+        panel_->hide(); // until a page has content
         auto* inside = new QVBoxLayout(panel_);
         inside->setContentsMargins(1, 1, 1, 1);
         inside->addWidget(stack_);
@@ -88,9 +89,12 @@ public:
     }
 
     QWidget* focusTarget() const override { return bar_; }
-    QWidget* body(int page) override { return stack_->widget(page); }
+    QWidget* body(int page) override {
+        panel_->show();
+        return stack_->widget(page);
+    }
     bool wide() const override { return true; }
-    bool tall() const override { return true; }
+    bool tall() const override { return !panel_->isHidden(); }
 
     void refresh(Aspect aspect) override {
         if (aspect == Aspect::Choice)

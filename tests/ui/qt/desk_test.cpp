@@ -154,6 +154,14 @@ TEST_F(DeskTest, AFloatingPanelStandsInItsOwnersWindow) {
     QTest::keyClicks(line, "bike");
     EXPECT_EQ(panel.txtText.text(), "bike");
     EXPECT_EQ(panel.focused(), &panel.txtText);
+    QTest::keyClick(line, Qt::Key_Down);
+    QTest::keyClick(line, Qt::Key_Down);
+    EXPECT_EQ(list.grdOrders.row(), 2);
+    EXPECT_EQ(panel.txtText.text(), "bike");
+    list.grdOrders.editable = false;
+    QTest::keyClicks(desk.window(list)->focusWidget(), "s");
+    EXPECT_EQ(panel.txtText.text(), "bikes");
+    EXPECT_TRUE(line->hasFocus());
     list.unload();
     panel.unload();
     EXPECT_EQ(desk.window(panel), nullptr);
