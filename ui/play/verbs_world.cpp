@@ -127,8 +127,8 @@ std::string rowLine(const Grid& grid, int row) {
 
 void printForm(Transcript& transcript, const Form& form) {
     transcript.event(form.name() + " caption " + inQuotes(form.caption()));
-    for (const Control* control : form.controls()) {
-        const auto text = shownText({const_cast<Control*>(control), nullptr});
+    for (Control* control : form.controls()) {
+        const auto text = shownText({control, nullptr});
         const auto flag = shownFlag(*control);
         transcript.event("  " + control->name() + " " + kindOf(*control) + (text ? " " + inQuotes(*text) : "") +
                          (flag ? (*flag ? " on" : " off") : "") + (isVisible(*control) ? "" : " hidden") +
