@@ -35,3 +35,7 @@ function(merchantry_test name)
   target_link_libraries(${name} PRIVATE merchantry_flags ${ARG_LINK} GTest::gtest_main)
   add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
 endfunction()
+
+# Libraries that several folders use.
+find_package(SQLite3 REQUIRED)
+find_package(Threads REQUIRED)

@@ -1,0 +1,135 @@
+#include "app/db/embedded/connection.h"
+
+#include "app/db/tsql/errors.h"
+
+namespace merchantry::db::embedded {
+namespace {
+
+constexpr int kBusyMs = 20'000;
+constexpr int kStatementCacheBytes = 16 * 1024; // kibibytes of pages: 16 MiB
+
+DbError storageError(const std::string& message, int code) {
+    return DbError(DbError::Category::Storage, code, message).withSeverity(17, 1);
+}
+
+DbError notNull(const std::string& column) {
+    const std::size_t point = column.find('.');
+    const std::string table = column.substr(0, point);
+    const std::string name = point == std::string::npos ? column : column.substr(point + 1);
+    return DbError(DbError::Category::Integrity, 515,
+                   "Cannot insert the value NULL into column '" + name + "', table 'dbo." + table +
+                       "'; column does not allow nulls. The statement fails.")
+        .withSeverity(16, 2);
+}
+
+std::string behindColon(const std::string& message) {
+    const std::size_t colon = message.find(": ");
+    return colon == std::string::npos ? message : message.substr(colon + 2);
+}
+
+DbError constraintError(int extended, const std::string& message) {
+    const std::string what = behindColon(message);
+    switch (extended) {
+    case SQLITE_CONSTRAINT_NOTNULL:
+        return notNull(what);
+    case SQLITE_CONSTRAINT_CHECK:
+        return DbError(DbError::Category::Integrity, 547, "The statement conflicted with the CHECK constraint \"" + what + "\".")
+            .withSeverity(16, 0);
+    case SQLITE_CONSTRAINT_FOREIGNKEY:
+    case SQLITE_CONSTRAINT_TRIGGER:
+        return DbError(DbError::Category::Integrity, 547, "The statement conflicted with a FOREIGN KEY or REFERENCE constraint.")
+            .withSeverity(16, 0);
+    default:
+        // The session knows which key it was.
+        return DbError(DbError::Category::Integrity, 2627, what).withSeverity(14, 1);
+    }
+}
+
+} // namespace
+
+Statement3::Statement3(sqlite3* db, std::string_view sql) {
+    const int code = sqlite3_prepare_v3(db, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT, &statement_, nullptr);
+    if (code != SQLITE_OK)
+        throw storageError(std::string(sqlite3_errmsg(db)) + " in: " + std::string(sql), code);
+}
+
+Connection::Connection(const std::filesystem::path& file, bool durable) {
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+    const std::u8string name = file.u8string();
+    const int code = sqlite3_open_v2(reinterpret_cast<const char*>(name.c_str()), &db_, flags, nullptr);
+    if (code != SQLITE_OK) {
+        const std::string message = db_ ? sqlite3_errmsg(db_) : "out of memory";
+        sqlite3_close(db_);
+        throw storageError("The store file " + file.string() + " cannot be opened: " + message + ".", code);
+    }
+    sqlite3_busy_timeout(db_, kBusyMs);
+    try {
+        run("PRAGMA journal_mode=WAL");
+        run(durable ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=OFF");
+        run("PRAGMA foreign_keys=ON");
+        run("PRAGMA temp_store=MEMORY");
+        run("PRAGMA recursive_triggers=OFF");
+        run("PRAGMA cache_size=-" + std::to_string(kStatementCacheBytes));
+    } catch (...) {
+        sqlite3_close(db_);
+        throw;
+    }
+}
+
+Connection::~Connection() {
+    sqlite3_close_v2(db_);
+}
+
+void Connection::run(const char* sql) {
+    const int code = sqlite3_exec(db_, sql, nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK)
+        throw errorOf(code);
+}
+
+tsql::Cell Connection::single(const std::string& sql) {
+    const Statement3 statement(db_, sql);
+    return step(statement.get()) ? tsql::columnCell(statement.get(), 0) : tsql::Cell();
+}
+
+bool Connection::step(sqlite3_stmt* statement) {
+    const int code = sqlite3_step(statement);
+    if (code == SQLITE_ROW)
+        return true;
+    if (code == SQLITE_DONE)
+        return false;
+    throw errorOf(code);
+}
+
+DbError Connection::errorOf(int code) {
+    const std::string message = sqlite3_errmsg(db_);
+    if (host && host->failure) {
+        DbError failure = *host->failure;
+        host->failure.reset();
+        return failure;
+    }
+    switch (code & 0xFF) {
+    case SQLITE_CONSTRAINT:
+        return constraintError(sqlite3_extended_errcode(db_), message);
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return DbError(DbError::Category::Busy, 1205, "The store is in use by another writer and stayed so. Run the transaction again.")
+            .withSeverity(13, 1);
+    case SQLITE_INTERRUPT:
+        return DbError(DbError::Category::Cancelled, 0, "The statement was cancelled.");
+    case SQLITE_FULL:
+        return storageError("The disk is full: nothing of this statement was written.", 1105);
+    case SQLITE_READONLY:
+        return storageError("The store file or its folder is read-only.", 3906);
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        return storageError("The store file is damaged or is no store: " + message + ".", 824);
+    case SQLITE_NOMEM:
+        return storageError("Out of memory.", 701);
+    case SQLITE_TOOBIG:
+        return storageError("A value or statement is too large: " + message + ".", 0);
+    default:
+        return storageError("The store file cannot be read or written: " + message + ".", 0);
+    }
+}
+
+} // namespace merchantry::db::embedded

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "app/db/dberror.h"
+#include "app/db/embedded/functions.h"
+#include "app/db/tsql/plan.h"
+
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace merchantry::db::embedded {
+
+class Connection;
+
+// A prepared statement of SQLite. Moves, does not copy; it must not outlive its connection.
+class Statement3 {
+public:
+    Statement3() = default;
+    Statement3(sqlite3* db, std::string_view sql);
+    ~Statement3() { sqlite3_finalize(statement_); }
+    Statement3(Statement3&& other) noexcept : statement_(other.statement_) { other.statement_ = nullptr; }
+    Statement3& operator=(Statement3&& other) noexcept {
+        std::swap(statement_, other.statement_);
+        return *this;
+    }
+    Statement3(const Statement3&) = delete;
+    Statement3& operator=(const Statement3&) = delete;
+
+    sqlite3_stmt* get() const { return statement_; }
+    explicit operator bool() const { return statement_ != nullptr; }
+    bool busy() const { return sqlite3_stmt_busy(statement_) != 0; }
+
+private:
+    sqlite3_stmt* statement_ = nullptr;
+};
+
+// Resets a statement when it goes, so that it holds no rows and no read lock.
+class ResetGuard {
+public:
+    explicit ResetGuard(sqlite3_stmt* statement) : statement_(statement) {}
+    ~ResetGuard() { sqlite3_reset(statement_); }
+    ResetGuard(const ResetGuard&) = delete;
+    ResetGuard& operator=(const ResetGuard&) = delete;
+
+private:
+    sqlite3_stmt* statement_;
+};
+
+// One open store file: the SQLite handle with the settings that all of them have.
+class Connection {
+public:
+    // Opens the file; throws DbError Storage when it cannot be opened or is no store of SQLite.
+    Connection(const std::filesystem::path& file, bool durable);
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    sqlite3* handle() const { return db_; }
+    // Runs SQL without rows; throws what errorOf gives.
+    void run(const char* sql);
+    void run(const std::string& sql) { run(sql.c_str()); }
+    // The first cell of the first row; null when there is none.
+    tsql::Cell single(const std::string& sql);
+    // Steps; true for a row, false at the end; throws what errorOf gives.
+    bool step(sqlite3_stmt* statement);
+    // The error of the last call as the server's: busy, full, constraint, interrupted, and the failure of a function.
+    DbError errorOf(int code);
+
+    FunctionHost* host = nullptr;
+
+private:
+    sqlite3* db_ = nullptr;
+};
+
+} // namespace merchantry::db::embedded

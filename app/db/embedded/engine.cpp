@@ -1,0 +1,346 @@
+#include "app/db/embedded/engine.h"
+
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/parser.h"
+#include "app/db/tsql/token.h"
+#include "base/text.h"
+
+#include <algorithm>
+
+namespace merchantry::db::embedded {
+namespace {
+
+constexpr std::size_t kMostBatches = 500;
+
+} // namespace
+
+Engine::Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<SharedState> shared)
+    : shared_(std::move(shared)), connection_(file, durable), catalog_(connection_, rows_) {
+    connection_.host = this;
+    registerFunctions(connection_.handle(), *this);
+    rows_.attach(connection_.handle());
+    sqlite3* db = connection_.handle();
+    readVersion_ = Statement3(db, "PRAGMA user_version");
+    begin_ = Statement3(db, "BEGIN");
+    beginWrite_ = Statement3(db, "BEGIN IMMEDIATE");
+    commit_ = Statement3(db, "COMMIT");
+    rollback_ = Statement3(db, "ROLLBACK");
+}
+
+Engine::~Engine() {
+    // Statements go before the connection that they belong to.
+    batches_.clear();
+    modules_.clear();
+}
+
+void Engine::execute(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink) {
+    runTop(sink, [&] {
+        const std::shared_ptr<Code> code = batchCode(batch, parameters);
+        runCode(code, parameters);
+    });
+}
+
+void Engine::call(std::string_view procedure, std::vector<Parameter>& parameters, ResultSink& sink) {
+    runTop(sink, [&] {
+        std::string name(trimmed(procedure));
+        const std::vector<std::string> parts = split(name, ".");
+        name = parts.back();
+        if (name.size() > 1 && name.front() == '[' && name.back() == ']')
+            name = name.substr(1, name.size() - 2);
+        const StoredObject* object = catalog_.find(name);
+        if (!object || object->kind != "P")
+            throw tsql::nameError(2812, "Could not find stored procedure '" + name + "'.", 0);
+        std::vector<BoundArgument> arguments;
+        for (const Parameter& parameter : parameters) {
+            BoundArgument argument;
+            if (!parameter.name.empty() && !tsql::sameName(parameter.name, "RETURN_VALUE"))
+                argument.name = parameter.name.front() == '@' ? parameter.name : "@" + parameter.name;
+            argument.type = parameter.type.kind == TypeKind::Null ? tsql::typeOf(parameter.value) : parameter.type;
+            argument.cell = tsql::cellOf(parameter.value, argument.type);
+            arguments.push_back(std::move(argument));
+        }
+        std::vector<int> outputOf;
+        const CallResult result = callModule(*object, arguments, outputOf);
+        for (std::size_t i = 0; i < parameters.size(); ++i) {
+            const int slot = outputOf[i];
+            if (!parameters[i].output || slot < 0)
+                continue;
+            const SqlType& type = result.code->variables[static_cast<std::size_t>(slot)].type;
+            parameters[i].value = tsql::valueOf(result.outputs[static_cast<std::size_t>(slot)], type);
+        }
+    });
+}
+
+// Runs a batch's body with the state of a batch around it, and throws the first error when all has run.
+void Engine::runTop(ResultSink& sink, const std::function<void()>& body) {
+    cancelled_ = false;
+    sink_ = &sink;
+    frame_ = nullptr;
+    errors_.clear();
+    caught_.clear();
+    tries_ = 0;
+    level_ = 0;
+    failure.reset();
+    startBatch();
+    try {
+        body();
+    } catch (const BatchEnd&) {
+    } catch (const ScopeEnd& end) {
+        note(end.error);
+    } catch (const DbError& error) {
+        note(error);
+    } catch (...) {
+        endBatch();
+        throw;
+    }
+    endBatch();
+    if (!errors_.empty()) {
+        error_ = errors_[0].native();
+        throw DbError(errors_[0]);
+    }
+}
+
+void Engine::runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& parameters) {
+    Frame frame;
+    frame.code = code;
+    frame.variables.resize(code->variables.size());
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const SqlType& type = code->variables[i].type;
+        const SqlType from = parameters[i].type.kind == TypeKind::Null ? tsql::typeOf(parameters[i].value) : parameters[i].type;
+        frame.variables[i] = tsql::converted(tsql::cellOf(parameters[i].value, from), from, type);
+    }
+    runFrame(frame);
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        if (parameters[i].output)
+            parameters[i].value = tsql::valueOf(frame.variables[i], code->variables[i].type);
+    }
+}
+
+void Engine::note(const DbError& error) {
+    if (!errors_.empty() && sink_)
+        sink_->error(error);
+    errors_.push_back(error);
+    error_ = error.native();
+}
+
+void Engine::startBatch() {
+    refreshSchema();
+}
+
+void Engine::endBatch() {
+    endRead();
+    if (doomed_) {
+        rollbackAll();
+        note(DbError(DbError::Category::Transaction, 3998,
+                     "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back.")
+                 .withSeverity(16, 1));
+    }
+    if (tranCount_ == 0 && inWrite_)
+        rollbackAll();
+    frame_ = nullptr;
+    sink_ = nullptr;
+}
+
+// ---- code
+
+std::shared_ptr<Code> Engine::batchCode(std::string_view text, const std::vector<Parameter>& parameters) {
+    std::string key(text);
+    if (!settings_.quotedIdentifiers)
+        key += "\x01q";
+    if (!settings_.ansiNulls)
+        key += "\x01n";
+    for (const Parameter& parameter : parameters)
+        key += "\x01" + parameter.name + " " +
+               (parameter.type.kind == TypeKind::Null ? tsql::typeOf(parameter.value) : parameter.type).toText();
+    const auto found = batches_.find(key);
+    if (found != batches_.end())
+        return found->second;
+    auto code = std::make_shared<Code>();
+    code->batch = tsql::parseBatch(text, settings_.quotedIdentifiers);
+    code->body = &code->batch.statements;
+    for (const Parameter& parameter : parameters) {
+        const std::string name = !parameter.name.empty() && parameter.name.front() == '@' ? parameter.name : "@" + parameter.name;
+        addVariable(*code, name, parameter.type.kind == TypeKind::Null ? tsql::typeOf(parameter.value) : parameter.type, false, 0);
+    }
+    addVariables(*code, *code->body);
+    if (batches_.size() >= kMostBatches)
+        batches_.clear();
+    batches_[key] = code;
+    return code;
+}
+
+std::shared_ptr<Code> Engine::moduleCode(const StoredObject& object) {
+    std::shared_ptr<Code>& known = modules_[object.id];
+    if (known)
+        return known;
+    auto code = std::make_shared<Code>();
+    tsql::Batch batch = tsql::parseBatch(object.source);
+    code->module = std::move(batch.statements.at(0));
+    code->procedure = object.name;
+    code->objectId = object.id;
+    const std::vector<tsql::ParameterClause>* parameters = nullptr;
+    if (object.kind == "P") {
+        const auto& procedure = static_cast<const tsql::CreateProcedureStatement&>(*code->module);
+        code->body = &procedure.body;
+        parameters = &procedure.parameters;
+    } else if (object.kind == "TR") {
+        code->body = &static_cast<const tsql::CreateTriggerStatement&>(*code->module).body;
+    } else {
+        const auto& function = static_cast<const tsql::CreateFunctionStatement&>(*code->module);
+        code->body = &function.body;
+        parameters = &function.parameters;
+        if (!function.table) {
+            bool nullable = true;
+            code->returns = typeOf(function.returns, nullable);
+        }
+    }
+    if (parameters) {
+        for (const tsql::ParameterClause& clause : *parameters) {
+            bool nullable = true;
+            const SqlType type = typeOf(clause.type, nullable);
+            code->parameters.push_back({clause.name, type, clause.defaultValue.get(), clause.output});
+            addVariable(*code, clause.name, type, false, clause.line);
+        }
+    }
+    addVariables(*code, *code->body);
+    known = code;
+    return code;
+}
+
+void Engine::addVariable(Code& code, const std::string& name, const SqlType& type, bool isCursor, int line) {
+    for (const tsql::Variable& other : code.variables) {
+        if (tsql::sameName(other.name, name))
+            throw tsql::nameError(134,
+                                  "The variable name '" + name +
+                                      "' has already been declared. Variable names must be unique within a query batch or "
+                                      "stored procedure.",
+                                  line)
+                .withSeverity(15, 2);
+    }
+    code.variables.push_back({name, type, isCursor});
+}
+
+// Declarations count from where they stand to the end of the batch, whatever block they are in.
+void Engine::addVariables(Code& code, const tsql::Block& block) {
+    for (const tsql::StatementPtr& statement : block)
+        addVariablesOf(code, statement.get());
+}
+
+void Engine::addVariablesOf(Code& code, const tsql::Statement* statement) {
+    if (!statement)
+        return;
+    switch (statement->kind) {
+    case tsql::StatementKind::Declare:
+        for (const tsql::Declaration& variable : static_cast<const tsql::DeclareStatement&>(*statement).variables) {
+            bool nullable = true;
+            addVariable(code, variable.name, variable.cursor ? SqlType() : typeOf(variable.type, nullable), variable.cursor, variable.line);
+        }
+        break;
+    case tsql::StatementKind::BlockOf:
+        addVariables(code, static_cast<const tsql::BlockStatement&>(*statement).body);
+        break;
+    case tsql::StatementKind::TryCatch:
+        addVariables(code, static_cast<const tsql::TryStatement&>(*statement).body);
+        addVariables(code, static_cast<const tsql::TryStatement&>(*statement).handler);
+        break;
+    case tsql::StatementKind::If:
+        addVariablesOf(code, static_cast<const tsql::IfStatement&>(*statement).then.get());
+        addVariablesOf(code, static_cast<const tsql::IfStatement&>(*statement).otherwise.get());
+        break;
+    case tsql::StatementKind::While:
+        addVariablesOf(code, static_cast<const tsql::WhileStatement&>(*statement).body.get());
+        break;
+    default:
+        break;
+    }
+}
+
+SqlType Engine::typeOf(const tsql::TypeName& name, bool& nullable) {
+    static const std::vector<tsql::Variable> kNone;
+    return tsql::Binder(tsql::BindContext{catalog_, kNone}).declaredType(name, &nullable);
+}
+
+// ---- the session's own
+
+TableShape Engine::tableShape(std::string_view name) {
+    startBatch();
+    tsql::ObjectName object;
+    for (std::string part : split(trimmed(name), ".")) {
+        if (part.size() > 1 && part.front() == '[' && part.back() == ']')
+            part = part.substr(1, part.size() - 2);
+        object.parts.push_back(std::move(part));
+    }
+    const std::shared_ptr<const tsql::TableDef> table = catalog_.table(object);
+    endRead();
+    if (!table)
+        throw tsql::nameError(208, "Invalid object name '" + std::string(name) + "'.", 0);
+    TableShape shape;
+    shape.name = table->name;
+    for (const tsql::ColumnDef& column : table->columns)
+        shape.fields.push_back(
+            {column.name, column.type, column.nullable, column.identity, column.computed != nullptr, column.defaultValue != nullptr});
+    const auto setKey = [&](const std::vector<tsql::IndexColumn>& columns) {
+        const bool complete = std::none_of(columns.begin(), columns.end(), [&](const tsql::IndexColumn& column) {
+            return table->columns[static_cast<std::size_t>(table->find(column.name))].nullable;
+        });
+        if (!shape.key.empty() || !complete)
+            return;
+        for (const tsql::IndexColumn& column : columns)
+            shape.key.push_back(table->columns[static_cast<std::size_t>(table->find(column.name))].name);
+    };
+    if (const tsql::KeyDef* primary = table->primaryKey())
+        setKey(primary->columns);
+    for (const tsql::KeyDef& key : table->keys)
+        setKey(key.columns);
+    for (const tsql::IndexDef& index : table->indexes) {
+        if (index.unique)
+            setKey(index.columns);
+    }
+    return shape;
+}
+
+void Engine::begin() {
+    beginTransaction();
+}
+
+void Engine::commit() {
+    commitTransaction();
+}
+
+void Engine::rollback() {
+    if (tranCount_ == 0)
+        throw DbError(DbError::Category::Transaction, 3903, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+    rollbackAll();
+}
+
+Value Engine::lastIdentity() const {
+    return identity_.isNull() ? Value() : Value(identity_.integer);
+}
+
+void Engine::cancel() {
+    cancelled_ = true;
+    sqlite3_interrupt(connection_.handle());
+}
+
+void Engine::reset() {
+    if (tranCount_ > 0 || inWrite_ || inRead_)
+        rollbackAll();
+    const std::vector<std::shared_ptr<const tsql::TableDef>> temporaries = catalog_.temporaries();
+    for (const std::shared_ptr<const tsql::TableDef>& table : temporaries) {
+        connection_.run("DROP TABLE IF EXISTS " + table->storage);
+        catalog_.popTemporary(table->name);
+    }
+    if (!temporaries.empty())
+        ++temporaryVersion_;
+    cursors_.clear();
+    settings_ = {};
+    catalog_.identityInsertTable = 0;
+    catalog_.databaseName = "Tillmark2k";
+    identity_ = {};
+    rowCount_ = 0;
+    error_ = 0;
+    fetchStatus_ = 0;
+    clock_ = nullptr;
+}
+
+} // namespace merchantry::db::embedded

@@ -1,0 +1,337 @@
+#pragma once
+
+#include "app/db/embedded/code.h"
+#include "app/db/embedded/connection.h"
+#include "app/db/embedded/rowset.h"
+#include "app/db/embedded/shared_state.h"
+#include "app/db/embedded/store_catalog.h"
+#include "app/db/session.h"
+
+#include <atomic>
+#include <filesystem>
+#include <list>
+#include <memory>
+#include <unordered_map>
+
+namespace merchantry::db::embedded {
+
+// Ends the batch; the errors are already noted.
+struct BatchEnd {};
+
+// An error that ends the module or batch in which it came up, and not its caller: a name that does not exist when it is reached.
+struct ScopeEnd {
+    DbError error;
+    const Frame* frame;
+};
+
+class WriteScope;
+
+// One connection to a store file that runs T-SQL: it keeps the compiled batches and modules, the transaction and the settings.
+// The store lends it to one session after another. One thread, but for cancel.
+class Engine : public FunctionHost {
+public:
+    Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<SharedState> shared);
+    ~Engine() override;
+
+    void execute(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink);
+    void call(std::string_view procedure, std::vector<Parameter>& parameters, ResultSink& sink);
+    TableShape tableShape(std::string_view name);
+    void begin();
+    void commit();
+    void rollback();
+    int transactionDepth() const { return tranCount_; }
+    Value lastIdentity() const;
+    void cancel();
+    void setClock(const Clock* clock) { clock_ = clock; }
+    // Makes it as new for the next session: rolls back, drops temporary tables, puts the settings back.
+    void reset();
+
+    Connection& connection() { return connection_; }
+
+    // FunctionHost
+    const Cell& variable(int slot) override;
+    void setVariable(int slot, Cell cell) override;
+    std::int64_t nextIdentity(std::int64_t table) override;
+    void noteIdentity(std::int64_t table, std::int64_t given) override;
+    Cell identityInfo(std::string_view table, int which) override;
+    Cell callFunction(std::int64_t id, const std::vector<CellView>& arguments) override;
+    bool isUpdated(int column) override;
+    Cell objectId(std::string_view name, std::string_view kind) override;
+    Cell objectName(std::int64_t id) override;
+    Cell columnInfo(std::int64_t table, std::string_view column, std::string_view property) override;
+    Cell columnName(std::int64_t table, std::int64_t number) override;
+    Cell columnLength(std::string_view table, std::string_view column) override;
+    Cell objectProperty(std::int64_t id, std::string_view property) override;
+    int cursorStatus(std::string_view name) override;
+
+private:
+    enum class Flow { Next, Break, Continue, Return, Goto };
+    struct Settings {
+        bool ansiNulls = true;
+        bool quotedIdentifiers = true;
+        bool xactAbort = false;
+        bool implicitTransactions = false;
+        bool noExec = false;
+        std::int64_t rowCount = 0;
+        int dateFirst = 7;
+    };
+    struct SavedPoint {
+        std::string name;
+        std::string sqlName;
+    };
+    struct Counter {
+        std::int64_t last;
+        std::int64_t increment;
+        bool changed;
+    };
+    struct Captured {
+        std::shared_ptr<const tsql::TableDef> table;
+        std::shared_ptr<Rowset> inserted = std::make_shared<Rowset>();
+        std::shared_ptr<Rowset> deleted = std::make_shared<Rowset>();
+    };
+
+    // batches
+    void runTop(ResultSink& sink, const std::function<void()>& body);
+    void runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& parameters);
+    bool inTrigger() const;
+    BatchEnd failedByCancel();
+    bool isDeferred(const DbError& error) const;
+    std::shared_ptr<Code> batchCode(std::string_view text, const std::vector<Parameter>& parameters);
+    std::shared_ptr<Code> moduleCode(const StoredObject& object);
+    void addVariables(Code& code, const tsql::Block& block);
+    void addVariablesOf(Code& code, const tsql::Statement* statement);
+    void addVariable(Code& code, const std::string& name, const SqlType& type, bool isCursor, int line);
+    void check(Code& code);
+    void checkBlock(const tsql::Block& block);
+    void checkOne(const tsql::StatementPtr& statement);
+    void checkLabels(const tsql::Block& block) const;
+    void checkStatement(const tsql::Statement& statement);
+    void startBatch();
+    void endBatch();
+    void refreshSchema();
+    void schemaChanged();
+    void note(const DbError& error);
+
+    // flow
+    Flow runBlock(const tsql::Block& block);
+    Flow runStatement(const tsql::Statement& statement);
+    Flow runOne(const tsql::Statement& statement);
+    Flow failed(DbError error, const tsql::Statement& statement);
+    Flow runIf(const tsql::IfStatement& statement);
+    Flow runWhile(const tsql::WhileStatement& statement);
+    Flow runTry(const tsql::TryStatement& statement);
+    Flow runReturn(const tsql::ReturnStatement& statement);
+    void runDeclare(const tsql::DeclareStatement& statement);
+    void runDeclareTable(const tsql::DeclareTableStatement& statement);
+    void runSet(const tsql::SetVariableStatement& statement);
+    void runOption(const tsql::SetOptionStatement& statement);
+    void setOption(const std::string& option, const tsql::SetOptionStatement& statement);
+    void runRaise(const tsql::RaiseStatement& statement);
+    void runThrow(const tsql::ThrowStatement& statement);
+    void runPrint(const tsql::PrintStatement& statement);
+    Flow runHandler(const tsql::TryStatement& statement, const DbError& error);
+    std::string raisedText(StatementPlan& plan, const std::string& format);
+    void assign(int slot, Cell cell);
+    void runWait(const tsql::WaitForStatement& statement);
+    void runCursor(const tsql::CursorStatement& statement);
+    void fetch(const tsql::CursorStatement& statement);
+    Cursor* findCursor(const std::string& name);
+    Cursor& cursorOf(const tsql::CursorStatement& statement);
+    std::map<std::string, Cursor>& cursorHome(const tsql::CursorStatement& statement);
+    void openCursor(Cursor& cursor, const tsql::CursorStatement& statement);
+
+    // plans
+    tsql::BindContext bindContext();
+    using PlanPtr = std::shared_ptr<StatementPlan>;
+    PlanPtr planFor(const tsql::Statement& statement, const std::function<void(StatementPlan&)>& bind);
+    bool isCurrent(const StatementPlan& plan) const;
+    using Wanted = std::vector<std::pair<const tsql::Expr*, std::optional<SqlType>>>;
+    PlanPtr valuePlan(const tsql::Statement& statement, const Wanted& values);
+    PlanPtr conditionPlan(const tsql::Statement& statement, const tsql::Expr& expr);
+    PlanPtr queryPlan(const tsql::Statement& statement, const tsql::Query& query);
+    PlanPtr insertPlan(const tsql::InsertStatement& statement);
+    PlanPtr updatePlan(const tsql::UpdateStatement& statement);
+    PlanPtr deletePlan(const tsql::DeleteStatement& statement);
+    Wanted wantedOf(const tsql::Statement& statement);
+    friend class WriteScope;
+    Cell valueAt(StatementPlan& plan, std::size_t index);
+    bool conditionOf(const tsql::Statement& statement, const tsql::Expr& expr);
+    void bindPlaces(sqlite3_stmt* statement, const std::vector<tsql::Placeholder>& places);
+    Cell systemValue(tsql::SystemValue value);
+    sqlite3_stmt* prepared(StatementPlan& plan, std::size_t index, const tsql::Sql3& sql, Statement3& spare);
+
+    // queries and changes
+    void runSelect(const tsql::SelectStatement& statement);
+    void runQuery(StatementPlan& plan, ResultSink& sink);
+    void selectInto(StatementPlan& plan, const tsql::Statement& statement);
+    void runInsert(const tsql::InsertStatement& statement);
+    void insertFromExecute(const tsql::InsertStatement& statement);
+    void runUpdate(const tsql::UpdateStatement& statement);
+    void runDelete(const tsql::DeleteStatement& statement);
+    void runTruncate(const tsql::TruncateStatement& statement);
+    void runChange(const PlanPtr& plan);
+    void change(StatementPlan& plan, WriteScope& scope);
+    std::int64_t runChangeSql(StatementPlan& plan);
+    std::int64_t moveKeys(StatementPlan& plan);
+    void runInstead(StatementPlan& plan);
+    void runOutput(StatementPlan& plan);
+    void insertRows(const tsql::ChangePlan& plan, const Rowset& rows);
+    void refreshForWrite();
+    void fireFor(const tsql::ChangePlan& plan, const std::map<std::string, Captured>& captured, char event);
+    Rowset rowsOf(const tsql::Sql3& sql);
+    DbError refined(const DbError& error, const tsql::TableDef& table);
+
+    // triggers
+    void startCapture(const std::shared_ptr<const tsql::TableDef>& table, bool always);
+    void capture(int operation, const char* schema, const char* name);
+    static void captureHook(void* engine, sqlite3*, int operation, const char* schema, const char* name, sqlite3_int64, sqlite3_int64);
+    void fireTriggers(const std::shared_ptr<const tsql::TableDef>& table, char event, const std::shared_ptr<const Rowset>& inserted,
+                      const std::shared_ptr<const Rowset>& deleted, const std::vector<bool>& updated, bool insteadOf);
+    void runTrigger(const StoredObject& trigger, const std::shared_ptr<const tsql::TableDef>& table,
+                    const std::shared_ptr<const Rowset>& inserted, const std::shared_ptr<const Rowset>& deleted,
+                    const std::vector<bool>& updated);
+    std::vector<const StoredObject*> triggersOf(std::int64_t table, char event, bool insteadOf);
+    std::string pseudoName(const char* which, std::int64_t table) const;
+    std::shared_ptr<const tsql::TableDef> pseudoTable(const char* which, const tsql::TableDef& table);
+
+    // procedures
+    void runExecute(const tsql::ExecuteStatement& statement);
+    void runExecuteText(const std::string& text, std::vector<Parameter>* parameters = nullptr);
+    void runSystemProcedure(const tsql::ExecuteStatement& statement, const std::string& name);
+    void executeSql(const tsql::ExecuteStatement& statement);
+    void addType(const tsql::ExecuteStatement& statement);
+    struct BoundArgument {
+        std::string name;
+        Cell cell;
+        SqlType type;
+        bool isDefault = false;
+        int outputSlot = -1;
+    };
+    std::vector<BoundArgument> argumentsOf(const tsql::ExecuteStatement& statement);
+    struct CallResult {
+        std::int64_t status = 0;
+        std::vector<Cell> outputs; // by parameter
+        std::shared_ptr<Code> code;
+        bool ended = false; // by an error of its scope
+    };
+    CallResult callModule(const StoredObject& object, const std::vector<BoundArgument>& arguments, std::vector<int>& outputOf);
+    void bindArguments(const Code& code, const std::vector<BoundArgument>& arguments, Frame& frame, std::vector<int>& outputOf);
+    Cell constantOf(const tsql::Expr& expr, SqlType& type);
+    void copyOutputs(const CallResult& result, const std::vector<BoundArgument>& arguments, const std::vector<int>& outputOf);
+    Flow runFrame(Frame& frame);
+    void leaveFrame(Frame& frame);
+
+    // transactions
+    void runTransaction(const tsql::TransactionStatement& statement);
+    void beginTransaction();
+    void commitTransaction();
+    void rollbackAll();
+    void rollbackTo(const std::string& name);
+    void savePoint(const std::string& name);
+    void beforeRead();
+    void beforeWrite();
+    void endRead();
+    std::vector<std::pair<std::string, Rowset>> keepTableVariables();
+    void restoreTableVariables(const std::vector<std::pair<std::string, Rowset>>& kept);
+    void restoreTemporaries();
+
+    // definitions
+    void runDefinition(const tsql::Statement& statement);
+    void define(const tsql::Statement& statement);
+    void createTable(const tsql::ObjectName& name, const tsql::TableBody& body);
+    void createTableOf(tsql::TableDef table, bool temporary);
+    bool ownsTemporary(const std::string& name) const;
+    std::int64_t nowMs() const;
+    void buildTable(const tsql::TableDef& table);
+    void buildIndexes(const tsql::TableDef& table);
+    void buildKey(const tsql::TableDef& table, const std::string& name, const std::vector<tsql::IndexColumn>& columns, bool unique);
+    std::string tableSql(const tsql::TableDef& table);
+    std::string indexName(const tsql::TableDef& table, const std::string& name) const;
+    void checkForeignKeys(tsql::TableDef& table, int line);
+    void createIndex(const tsql::CreateIndexStatement& statement);
+    void createView(const tsql::CreateViewStatement& statement);
+    void createModule(const tsql::ObjectName& name, bool alter, const char* kind, const std::string& text, std::int64_t parent, int line);
+    void createFunction(const tsql::CreateFunctionStatement& statement);
+    void createTrigger(const tsql::CreateTriggerStatement& statement);
+    void createType(const tsql::CreateTypeStatement& statement);
+    void drop(const tsql::DropStatement& statement);
+    void dropTable(const tsql::ObjectName& name, bool ifExists);
+    void dropIndex(const tsql::DropStatement& statement);
+    void requireFreeName(const std::string& name, int line);
+    std::shared_ptr<const tsql::TableDef> requireTable(const tsql::ObjectName& name, int number);
+    void alterTable(const tsql::AlterTableStatement& statement);
+    void alterAdd(const tsql::AlterTableStatement& statement, tsql::TableDef table);
+    void alterColumn(const tsql::AlterTableStatement& statement, tsql::TableDef table);
+    void dropColumns(const tsql::AlterTableStatement& statement, tsql::TableDef table);
+    void dropConstraints(const tsql::AlterTableStatement& statement, tsql::TableDef table);
+    void enableTriggers(const tsql::AlterTableStatement& statement, const tsql::TableDef& table);
+    void rewriteTable(const tsql::TableDef& table);
+    void verifyRows(const tsql::TableDef& table, const std::vector<tsql::CheckDef>& checks, const std::vector<tsql::ForeignKeyDef>& keys);
+    SqlType typeOf(const tsql::TypeName& name, bool& nullable);
+    std::int64_t scalar(const std::string& sql);
+    Counter& counterOf(std::int64_t table);
+    void writeCounters();
+    std::shared_ptr<const tsql::TableDef> anyTableById(std::int64_t id);
+
+    std::shared_ptr<SharedState> shared_;
+    Connection connection_;
+    RowsetRegistry rows_;
+    StoreCatalog catalog_;
+    const Clock* clock_ = nullptr;
+    Clock systemClock_;
+
+    // compiled code
+    std::unordered_map<std::string, std::shared_ptr<Code>> batches_;
+    std::unordered_map<std::int64_t, std::shared_ptr<Code>> modules_;
+    std::uint64_t version_ = 1;
+    std::uint64_t temporaryVersion_ = 1;
+    std::int64_t fileVersion_ = -1;
+    Statement3 readVersion_;
+    Statement3 begin_;
+    Statement3 beginWrite_;
+    Statement3 commit_;
+    Statement3 rollback_;
+    Statement3 readIdentity_;
+    Statement3 writeIdentity_;
+
+    // the running batch
+    Frame* frame_ = nullptr;
+    ResultSink* sink_ = nullptr;
+    std::vector<DbError> errors_;
+    int tries_ = 0;
+    std::vector<DbError> caught_; // of the CATCH blocks around
+    Settings settings_;
+    std::int64_t rowCount_ = 0;
+    int error_ = 0;
+    int fetchStatus_ = 0;
+    Cell identity_;
+    bool inInsertExec_ = false;
+    int level_ = 0;
+    std::map<std::string, Cursor> cursors_; // of the session
+    std::int64_t temporaryNumber_ = 0;
+    std::atomic<bool> cancelled_ = false;
+
+    // the transaction
+    int tranCount_ = 0;
+    bool inWrite_ = false; // SQLite has a write transaction open
+    bool inRead_ = false;
+    bool doomed_ = false;
+    bool schemaTouched_ = false;    // in this transaction
+    std::uint64_t transaction_ = 0; // counts rollbacks
+    std::string transactionName_;
+    std::vector<SavedPoint> savedPoints_;
+    int savedPointNumber_ = 0;
+    std::vector<std::shared_ptr<const tsql::TableDef>> droppedTemporaries_; // in this transaction
+    std::map<std::int64_t, Counter> counters_;                              // identities of the running statement
+    std::map<std::int64_t, std::int64_t> temporaryCounters_;
+    bool checking_ = false;
+
+    // rows captured for triggers and OUTPUT
+    struct CaptureState {
+        bool active = false;
+        std::map<std::string, Captured> tables;
+    };
+    CaptureState capture_;
+};
+
+} // namespace merchantry::db::embedded

@@ -1,0 +1,320 @@
+#include "app/db/embedded/engine.h"
+#include "app/db/embedded/row_view.h"
+#include "app/db/embedded/write_scope.h"
+
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/token.h"
+#include "base/text.h"
+
+#include <algorithm>
+
+namespace merchantry::db::embedded {
+namespace {
+
+bool isTemporaryName(const tsql::ObjectName& name) {
+    return !name.last().empty() && (name.last().front() == '#' || name.last().front() == '@');
+}
+
+} // namespace
+
+void Engine::runInsert(const tsql::InsertStatement& statement) {
+    if (statement.execute)
+        return insertFromExecute(statement);
+    if (!isTemporaryName(statement.table) || tranCount_ > 0)
+        refreshForWrite();
+    runChange(insertPlan(statement));
+}
+
+void Engine::runUpdate(const tsql::UpdateStatement& statement) {
+    if (!isTemporaryName(statement.table) || tranCount_ > 0)
+        refreshForWrite();
+    runChange(updatePlan(statement));
+}
+
+void Engine::runDelete(const tsql::DeleteStatement& statement) {
+    if (!isTemporaryName(statement.table) || tranCount_ > 0)
+        refreshForWrite();
+    runChange(deletePlan(statement));
+}
+
+// In a transaction the lock is taken now, so that what is bound cannot change any more.
+void Engine::refreshForWrite() {
+    if (tranCount_ > 0)
+        beforeWrite();
+}
+
+void Engine::runChange(const PlanPtr& plan) {
+    if (settings_.rowCount > 0)
+        throw tsql::unsupported("SET ROWCOUNT for INSERT, UPDATE and DELETE");
+    tsql::ChangePlan& change_plan = *plan->change;
+    WriteScope scope(*this, change_plan.table->isTemporary());
+    if (plan->version != version_ && !change_plan.table->isTemporary())
+        throw DbError(DbError::Category::Busy, 1205, "The tables were changed by another user while the statement began. Run it again.")
+            .withSeverity(13, 1);
+    change(*plan, scope);
+    // A trigger that rolled back ends the batch.
+    if (scope.isOver()) {
+        const DbError ended =
+            DbError(DbError::Category::Transaction, 3609, "The transaction ended in the trigger. The batch has been aborted.")
+                .withSeverity(16, 1);
+        if (tries_ > 0)
+            throw DbError(ended);
+        note(ended);
+        throw BatchEnd{};
+    }
+    scope.finish();
+    sink_->changed(rowCount_);
+}
+
+void Engine::change(StatementPlan& plan, WriteScope& scope) {
+    const tsql::ChangePlan& change = *plan.change;
+    if (change.insteadOf != 0)
+        return runInstead(plan);
+    const CaptureState outer = std::move(capture_);
+    capture_ = {};
+    std::int64_t rows = 0;
+    std::map<std::string, Captured> captured;
+    try {
+        startCapture(change.table, change.output != nullptr);
+        rows = runChangeSql(plan);
+        captured = std::move(capture_.tables);
+    } catch (...) {
+        capture_ = outer;
+        throw;
+    }
+    capture_ = outer;
+    rowCount_ = rows;
+    if (change.table->identityColumn() >= 0 && change.kind == tsql::ChangePlan::Kind::Insert) {
+        frame_->scopeIdentity = identity_;
+    } else if (change.kind == tsql::ChangePlan::Kind::Insert) {
+        identity_ = {};
+        frame_->scopeIdentity = {};
+    }
+    if (change.output) {
+        const Captured& own = captured[lowerCase(change.table->name)];
+        rows_.define(pseudoName("inserted", change.table->id), *pseudoTable("inserted", *change.table));
+        rows_.define(pseudoName("deleted", change.table->id), *pseudoTable("deleted", *change.table));
+        rows_.set(pseudoName("inserted", change.table->id), own.inserted);
+        rows_.set(pseudoName("deleted", change.table->id), own.deleted);
+        runOutput(plan);
+    }
+    const bool own = scope.isOwn() && tranCount_ == 0;
+    if (own)
+        tranCount_ = 1;
+    const Cell scopeIdentity = frame_->scopeIdentity;
+    try {
+        static constexpr char kEvents[] = {'I', 'U', 'D'};
+        fireFor(change, captured, kEvents[static_cast<int>(change.kind)]);
+    } catch (...) {
+        if (own && !scope.isOver())
+            tranCount_ = 0;
+        throw;
+    }
+    if (own && !scope.isOver())
+        tranCount_ = 0;
+    frame_->scopeIdentity = scopeIdentity;
+    rowCount_ = rows;
+}
+
+std::int64_t Engine::runChangeSql(StatementPlan& plan) {
+    const tsql::ChangePlan& change = *plan.change;
+    counters_.clear();
+    try {
+        Statement3 spare;
+        sqlite3_stmt* statement = prepared(plan, 0, change.sql, spare);
+        const ResetGuard guard(statement);
+        connection_.step(statement);
+    } catch (const DbError& error) {
+        if (error.native() == 2627 && error.category() == DbError::Category::Integrity && !change.newRows.text.empty())
+            return moveKeys(plan);
+        throw refined(error, *change.table);
+    }
+    const std::int64_t rows = sqlite3_changes64(connection_.handle());
+    writeCounters();
+    return rows;
+}
+
+// An UPDATE whose rows take each other's keys on the way: all old rows go, then all new ones come, under their old rowids.
+std::int64_t Engine::moveKeys(StatementPlan& plan) {
+    const tsql::ChangePlan& change = *plan.change;
+    const tsql::TableDef& table = *change.table;
+    for (const auto& [other, key] : catalog_.referencesTo(table.name)) {
+        if (!key.onDelete.empty())
+            throw refined(DbError(DbError::Category::Integrity, 2627, table.name), table);
+    }
+    for (auto& [name, captured] : capture_.tables) {
+        captured.inserted->clear();
+        captured.deleted->clear();
+    }
+    connection_.run("PRAGMA defer_foreign_keys=ON");
+    const Rowset rows = rowsOf(change.newRows);
+    std::string names = "_rowid_";
+    std::string places = "?1";
+    int count = 1;
+    for (const tsql::ColumnDef& column : table.columns) {
+        if (column.computed)
+            continue;
+        names += "," + tsql::quotedName(column.name);
+        places += ",?" + std::to_string(++count);
+    }
+    try {
+        const Statement3 remove(connection_.handle(), "DELETE FROM " + table.storage + " WHERE _rowid_ = ?1");
+        const Statement3 insert(connection_.handle(), "INSERT INTO " + table.storage + "(" + names + ") VALUES (" + places + ")");
+        for (const std::vector<Cell>& row : rows) {
+            const ResetGuard guard(remove.get());
+            tsql::bindCell(remove.get(), 1, row[0]);
+            connection_.step(remove.get());
+        }
+        for (const std::vector<Cell>& row : rows) {
+            const ResetGuard guard(insert.get());
+            for (std::size_t i = 0; i < row.size(); ++i)
+                tsql::bindCell(insert.get(), static_cast<int>(i) + 1, row[i]);
+            connection_.step(insert.get());
+        }
+    } catch (const DbError& error) {
+        connection_.run("PRAGMA defer_foreign_keys=OFF");
+        throw refined(error, table);
+    }
+    const Statement3 broken(connection_.handle(), "PRAGMA foreign_key_check");
+    const bool isBroken = connection_.step(broken.get());
+    connection_.run("PRAGMA defer_foreign_keys=OFF");
+    if (isBroken)
+        throw DbError(DbError::Category::Integrity, 547, "The UPDATE statement conflicted with a REFERENCE constraint.")
+            .withSeverity(16, 0);
+    return static_cast<std::int64_t>(rows.size());
+}
+
+// A duplicate with the name of its key, 2627 for a constraint and 2601 for an index.
+DbError Engine::refined(const DbError& error, const tsql::TableDef& table) {
+    if (error.category() != DbError::Category::Integrity)
+        return error;
+    if (error.native() == 547) {
+        const std::string text = error.what();
+        const bool isCheck = text.find("CHECK") != std::string::npos;
+        if (isCheck || table.foreignKeys.size() != 1)
+            return error;
+        return DbError(DbError::Category::Integrity, 547,
+                       "The statement conflicted with the FOREIGN KEY constraint \"" + table.foreignKeys[0].name +
+                           "\" or with a reference to table \"dbo." + table.name + "\".")
+            .withSeverity(16, 0);
+    }
+    if (error.native() != 2627)
+        return error;
+    const std::string what = error.what(); // "t.a, t.b" or "index 'name'"
+    const auto fits = [&](const std::string& name, const std::vector<tsql::IndexColumn>& columns) {
+        if (what.rfind("index '", 0) == 0)
+            return what.find("_" + name + "'") != std::string::npos || what.find("_" + name + "$null'") != std::string::npos;
+        std::vector<std::string> parts;
+        for (const tsql::IndexColumn& column : columns)
+            parts.push_back(table.name + "." + column.name);
+        return tsql::sameName(joined(parts, ", "), what);
+    };
+    for (const tsql::KeyDef& key : table.keys) {
+        if (fits(key.name, key.columns))
+            return DbError(DbError::Category::Integrity, 2627,
+                           std::string("Violation of ") + (key.primary ? "PRIMARY KEY" : "UNIQUE KEY") + " constraint '" + key.name +
+                               "'. Cannot insert duplicate key in object 'dbo." + table.name + "'.")
+                .withSeverity(14, 1);
+    }
+    for (const tsql::IndexDef& index : table.indexes) {
+        if (index.unique && fits(index.name, index.columns))
+            return DbError(DbError::Category::Integrity, 2601,
+                           "Cannot insert duplicate key row in object 'dbo." + table.name + "' with unique index '" + index.name + "'.")
+                .withSeverity(14, 1);
+    }
+    return DbError(DbError::Category::Integrity, 2627, "Cannot insert duplicate key in object 'dbo." + table.name + "'.")
+        .withSeverity(14, 1);
+}
+
+void Engine::runOutput(StatementPlan& plan) {
+    const tsql::ChangePlan& change = *plan.change;
+    if (!change.outputInto) {
+        const Statement3 select(connection_.handle(), change.output->sql.text);
+        bindPlaces(select.get(), change.output->sql.places);
+        sink_->beginSet(change.output->columns);
+        const StatementRow row(select.get(), change.output->columns);
+        while (connection_.step(select.get()))
+            sink_->row(row);
+        sink_->endSet();
+        return;
+    }
+    const Rowset rows = rowsOf(change.output->sql);
+    insertRows(*change.outputInto, rows);
+}
+
+// Runs the plan of one row for each of the rows.
+void Engine::insertRows(const tsql::ChangePlan& plan, const Rowset& rows) {
+    const Statement3 insert(connection_.handle(), plan.sql.text);
+    counters_.clear();
+    for (const std::vector<Cell>& row : rows) {
+        const ResetGuard guard(insert.get());
+        for (std::size_t i = 0; i < row.size(); ++i)
+            tsql::bindCell(insert.get(), static_cast<int>(i) + 1, row[i]);
+        try {
+            connection_.step(insert.get());
+        } catch (const DbError& error) {
+            throw refined(error, *plan.table);
+        }
+    }
+    writeCounters();
+}
+
+void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
+    if (inInsertExec_)
+        throw tsql::typeError(8164, "An INSERT EXEC statement cannot be nested.", statement.line);
+    RowCollector collector(*sink_);
+    ResultSink* before = sink_;
+    sink_ = &collector;
+    inInsertExec_ = true;
+    try {
+        runOne(*statement.execute);
+    } catch (...) {
+        sink_ = before;
+        inInsertExec_ = false;
+        throw;
+    }
+    sink_ = before;
+    inInsertExec_ = false;
+    WriteScope scope(*this, isTemporaryName(statement.table));
+    std::int64_t rows = 0;
+    for (const RowCollector::Set& set : collector.sets) {
+        const tsql::ChangePlan plan = tsql::Binder(bindContext()).insertRow(statement, set.types);
+        const CaptureState outer = std::move(capture_);
+        capture_ = {};
+        startCapture(plan.table, false);
+        try {
+            insertRows(plan, set.rows);
+        } catch (...) {
+            capture_ = outer;
+            throw;
+        }
+        const std::map<std::string, Captured> captured = std::move(capture_.tables);
+        capture_ = outer;
+        fireFor(plan, captured, 'I');
+        rows += static_cast<std::int64_t>(set.rows.size());
+    }
+    scope.finish();
+    rowCount_ = rows;
+}
+
+void Engine::runTruncate(const tsql::TruncateStatement& statement) {
+    const std::shared_ptr<const tsql::TableDef> table = requireTable(statement.table, 4701);
+    WriteScope scope(*this, table->isTemporary());
+    for (const auto& [other, key] : catalog_.referencesTo(table->name)) {
+        if (other->id != table->id)
+            throw tsql::typeError(4712,
+                                  "Cannot truncate table '" + table->name + "' because it is being referenced by a FOREIGN KEY constraint.",
+                                  statement.line);
+    }
+    connection_.run("DELETE FROM " + table->storage);
+    {
+        const std::lock_guard lock(shared_->mutex);
+        shared_->lastIdentity.erase(table->id);
+    }
+    temporaryCounters_.erase(table->id);
+    connection_.run("DELETE FROM ts_identity WHERE id = " + std::to_string(table->id));
+    scope.finish();
+    rowCount_ = 0;
+}
+
+} // namespace merchantry::db::embedded

@@ -1,0 +1,149 @@
+#include "app/db/embedded/engine.h"
+
+#include "app/db/tsql/convert.h"
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/token.h"
+#include "base/text.h"
+
+namespace merchantry::db::embedded {
+
+using Action = tsql::CursorStatement::Action;
+using Fetch = tsql::CursorStatement::Fetch;
+
+// A cursor's rows are read when it is opened, and stand still from then on.
+
+Cursor* Engine::findCursor(const std::string& name) {
+    if (!name.empty() && name.front() == '@') {
+        const int slot = tsql::Binder(bindContext()).variableSlot(name, 0);
+        const auto variable = frame_->cursorVariables.find(slot);
+        return variable == frame_->cursorVariables.end() ? nullptr : findCursor(variable->second);
+    }
+    const std::string key = lowerCase(name);
+    const auto local = frame_->cursors.find(key);
+    if (local != frame_->cursors.end())
+        return &local->second;
+    const auto global = cursors_.find(key);
+    return global == cursors_.end() ? nullptr : &global->second;
+}
+
+Cursor& Engine::cursorOf(const tsql::CursorStatement& statement) {
+    Cursor* cursor = findCursor(statement.name);
+    if (!cursor)
+        throw tsql::typeError(16916, "A cursor with the name '" + statement.name + "' does not exist.", statement.line);
+    return *cursor;
+}
+
+void Engine::runCursor(const tsql::CursorStatement& statement) {
+    switch (statement.action) {
+    case Action::Declare: {
+        Cursor cursor;
+        cursor.query = statement.query.get();
+        cursor.code = frame_->code;
+        cursor.number = statement.number;
+        std::string key = lowerCase(statement.name);
+        const bool isVariable = statement.name.front() == '@';
+        if (isVariable) {
+            const int slot = tsql::Binder(bindContext()).variableSlot(statement.name, statement.line);
+            key = "\x01" + std::to_string(++temporaryNumber_);
+            frame_->cursorVariables[slot] = key;
+        }
+        std::map<std::string, Cursor>& home = statement.local || isVariable ? frame_->cursors : cursors_;
+        if (home.count(key) != 0)
+            throw tsql::typeError(16915, "A cursor with the name '" + statement.name + "' already exists.", statement.line);
+        home[key] = std::move(cursor);
+        return;
+    }
+    case Action::Open:
+        return openCursor(cursorOf(statement), statement);
+    case Action::Fetch:
+        return fetch(statement);
+    case Action::Close: {
+        Cursor& cursor = cursorOf(statement);
+        if (!cursor.open)
+            throw tsql::typeError(16917, "Cursor is not open.", statement.line);
+        cursor.open = false;
+        cursor.rows.clear();
+        return;
+    }
+    case Action::Deallocate: {
+        cursorOf(statement);
+        std::string key = lowerCase(statement.name);
+        if (statement.name.front() == '@')
+            key = frame_->cursorVariables[tsql::Binder(bindContext()).variableSlot(statement.name, 0)];
+        if (frame_->cursors.erase(key) == 0)
+            cursors_.erase(key);
+        return;
+    }
+    }
+}
+
+void Engine::openCursor(Cursor& cursor, const tsql::CursorStatement& statement) {
+    if (cursor.open)
+        throw tsql::typeError(16905, "The cursor is already open.", statement.line);
+    beforeRead();
+    const tsql::QueryPlan plan = tsql::Binder(bindContext()).query(*cursor.query);
+    cursor.types.clear();
+    for (const Column& column : plan.columns)
+        cursor.types.push_back(column.type);
+    cursor.rows = rowsOf(plan.sql);
+    cursor.at = -1;
+    cursor.open = true;
+}
+
+void Engine::fetch(const tsql::CursorStatement& statement) {
+    Cursor& cursor = cursorOf(statement);
+    if (!cursor.open)
+        throw tsql::typeError(16917, "Cursor is not open.", statement.line);
+    const auto count = static_cast<std::int64_t>(cursor.rows.size());
+    std::int64_t position = 0;
+    if (statement.position) {
+        const PlanPtr plan = valuePlan(statement, {{statement.position.get(), tsql::simpleType(TypeKind::Int)}});
+        position = valueAt(*plan, 0).integer;
+    }
+    switch (statement.fetch) {
+    case Fetch::Next:
+        cursor.at = std::min(cursor.at + 1, count);
+        break;
+    case Fetch::Prior:
+        cursor.at = std::max<std::int64_t>(cursor.at - 1, -1);
+        break;
+    case Fetch::First:
+        cursor.at = 0;
+        break;
+    case Fetch::Last:
+        cursor.at = count - 1;
+        break;
+    case Fetch::Absolute:
+        cursor.at = position >= 0 ? position - 1 : count + position;
+        break;
+    case Fetch::Relative:
+        cursor.at += position;
+        break;
+    }
+    if (!statement.into.empty() && statement.into.size() != cursor.types.size())
+        throw tsql::typeError(16924, "Cursorfetch: The number of variables declared in the INTO list must match that of selected columns.",
+                              statement.line);
+    if (cursor.at < 0 || cursor.at >= count) {
+        cursor.at = cursor.at < 0 ? -1 : count;
+        fetchStatus_ = -1;
+        return;
+    }
+    fetchStatus_ = 0;
+    if (statement.into.empty())
+        throw tsql::unsupported("FETCH without INTO", statement.line);
+    const std::vector<Cell>& row = cursor.rows[static_cast<std::size_t>(cursor.at)];
+    for (std::size_t i = 0; i < statement.into.size(); ++i) {
+        const int slot = tsql::Binder(bindContext()).variableSlot(statement.into[i], statement.line);
+        assign(slot, tsql::converted(row[i], cursor.types[i], frame_->code->variables[static_cast<std::size_t>(slot)].type));
+    }
+    rowCount_ = 1;
+}
+
+int Engine::cursorStatus(std::string_view name) {
+    const Cursor* cursor = frame_ ? findCursor(std::string(name)) : nullptr;
+    if (!cursor)
+        return -3;
+    return !cursor->open ? -1 : cursor->rows.empty() ? 0 : 1;
+}
+
+} // namespace merchantry::db::embedded

@@ -1,0 +1,486 @@
+#include "app/db/embedded/engine.h"
+
+#include "app/db/tsql/convert.h"
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/token.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <set>
+#include <thread>
+
+namespace merchantry::db::embedded {
+
+using tsql::StatementKind;
+
+namespace {
+
+void gatherLabels(const tsql::Statement* statement, std::set<std::string>& labels, std::vector<const tsql::GotoStatement*>& jumps);
+
+void gatherLabels(const tsql::Block& block, std::set<std::string>& labels, std::vector<const tsql::GotoStatement*>& jumps) {
+    for (const tsql::StatementPtr& statement : block)
+        gatherLabels(statement.get(), labels, jumps);
+}
+
+void gatherLabels(const tsql::Statement* statement, std::set<std::string>& labels, std::vector<const tsql::GotoStatement*>& jumps) {
+    if (!statement)
+        return;
+    switch (statement->kind) {
+    case StatementKind::Label:
+        labels.insert(static_cast<const tsql::GotoStatement*>(statement)->label);
+        break;
+    case StatementKind::Goto:
+        jumps.push_back(static_cast<const tsql::GotoStatement*>(statement));
+        break;
+    case StatementKind::BlockOf:
+        gatherLabels(static_cast<const tsql::BlockStatement*>(statement)->body, labels, jumps);
+        break;
+    case StatementKind::TryCatch:
+        gatherLabels(static_cast<const tsql::TryStatement*>(statement)->body, labels, jumps);
+        gatherLabels(static_cast<const tsql::TryStatement*>(statement)->handler, labels, jumps);
+        break;
+    case StatementKind::If:
+        gatherLabels(static_cast<const tsql::IfStatement*>(statement)->then.get(), labels, jumps);
+        gatherLabels(static_cast<const tsql::IfStatement*>(statement)->otherwise.get(), labels, jumps);
+        break;
+    case StatementKind::While:
+        gatherLabels(static_cast<const tsql::WhileStatement*>(statement)->body.get(), labels, jumps);
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+void Engine::checkLabels(const tsql::Block& block) const {
+    std::set<std::string> labels;
+    std::vector<const tsql::GotoStatement*> jumps;
+    gatherLabels(block, labels, jumps);
+    for (const tsql::GotoStatement* jump : jumps) {
+        const bool known =
+            std::any_of(labels.begin(), labels.end(), [&](const std::string& label) { return tsql::sameName(label, jump->label); });
+        if (!known)
+            throw tsql::syntaxError(133, "A GOTO statement references the label '" + jump->label + "' but the label has not been declared.",
+                                    jump->line);
+    }
+}
+
+Engine::Flow Engine::runFrame(Frame& frame) {
+    Frame* before = frame_;
+    const int tries = tries_;
+    frame.caller = before;
+    frame.level = level_;
+    frame_ = &frame;
+    const auto leave = [&] {
+        leaveFrame(frame);
+        frame_ = before;
+    };
+    Flow flow = Flow::Next;
+    try {
+        check(*frame.code);
+        flow = runBlock(*frame.code->body);
+    } catch (...) {
+        tries_ = tries;
+        leave();
+        throw;
+    }
+    leave();
+    return flow;
+}
+
+// Drops the temporary tables that belong to a module or a text that was run.
+void Engine::leaveFrame(Frame& frame) {
+    for (auto name = frame.temporaries.rbegin(); name != frame.temporaries.rend(); ++name) {
+        tsql::ObjectName object;
+        object.parts.push_back(*name);
+        if (const std::shared_ptr<const tsql::TableDef> table = catalog_.table(object)) {
+            sqlite3_exec(connection_.handle(), ("DROP TABLE IF EXISTS " + table->storage).c_str(), nullptr, nullptr, nullptr);
+            catalog_.popTemporary(*name);
+            ++temporaryVersion_;
+        }
+    }
+    frame.temporaries.clear();
+}
+
+Engine::Flow Engine::runBlock(const tsql::Block& block) {
+    std::size_t at = 0;
+    while (at < block.size()) {
+        const Flow flow = runStatement(*block[at]);
+        if (flow == Flow::Next) {
+            ++at;
+            continue;
+        }
+        if (flow != Flow::Goto)
+            return flow;
+        const auto label = std::find_if(block.begin(), block.end(), [&](const tsql::StatementPtr& statement) {
+            return statement->kind == StatementKind::Label &&
+                   tsql::sameName(static_cast<const tsql::GotoStatement&>(*statement).label, frame_->gotoLabel);
+        });
+        if (label == block.end())
+            return Flow::Goto;
+        at = static_cast<std::size_t>(label - block.begin());
+    }
+    return Flow::Next;
+}
+
+Engine::Flow Engine::runStatement(const tsql::Statement& statement) {
+    if (cancelled_)
+        throw failedByCancel();
+    try {
+        const Flow flow = runOne(statement);
+        if (statement.kind != StatementKind::BlockOf && statement.kind != StatementKind::TryCatch && statement.kind != StatementKind::If &&
+            statement.kind != StatementKind::While && statement.kind != StatementKind::Execute &&
+            statement.kind != StatementKind::ExecuteText)
+            error_ = 0;
+        return flow;
+    } catch (const DbError& error) {
+        return failed(error, statement);
+    } catch (const OverflowError& error) {
+        return failed(tsql::valueError(8115, error.what()), statement);
+    }
+}
+
+BatchEnd Engine::failedByCancel() {
+    note(DbError(DbError::Category::Cancelled, 0, "The statement was cancelled."));
+    return {};
+}
+
+bool Engine::inTrigger() const {
+    for (const Frame* frame = frame_; frame; frame = frame->caller) {
+        if (frame->isTrigger)
+            return true;
+    }
+    return false;
+}
+
+// What follows from a statement's error: CATCH, the end of the batch, or the next statement.
+Engine::Flow Engine::failed(DbError error, const tsql::Statement& statement) {
+    if (error.line() == 0)
+        error.at(statement.line);
+    if (error.procedure().empty() && !frame_->code->procedure.empty())
+        error.in(frame_->code->procedure);
+    error_ = error.native();
+    rowCount_ = 0;
+    const bool raised = error.category() == DbError::Category::Raised;
+    const bool fatal = (settings_.xactAbort && !raised) || tsql::endsBatch(error.native()) || (inTrigger() && !raised);
+    if (error.category() == DbError::Category::Cancelled) {
+        note(error);
+        throw BatchEnd{};
+    }
+    if (tries_ > 0) {
+        doomed_ = doomed_ || (fatal && tranCount_ > 0);
+        throw error;
+    }
+    note(error);
+    if (fatal || error.category() == DbError::Category::Storage) {
+        rollbackAll();
+        throw BatchEnd{};
+    }
+    return Flow::Next;
+}
+
+Engine::Flow Engine::runOne(const tsql::Statement& statement) {
+    switch (statement.kind) {
+    case StatementKind::Select:
+        runSelect(static_cast<const tsql::SelectStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Insert:
+        runInsert(static_cast<const tsql::InsertStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Update:
+        runUpdate(static_cast<const tsql::UpdateStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Delete:
+        runDelete(static_cast<const tsql::DeleteStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Truncate:
+        runTruncate(static_cast<const tsql::TruncateStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Declare:
+        runDeclare(static_cast<const tsql::DeclareStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::DeclareTable:
+        runDeclareTable(static_cast<const tsql::DeclareTableStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::SetVariable:
+        runSet(static_cast<const tsql::SetVariableStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::SetOption:
+        runOption(static_cast<const tsql::SetOptionStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::If:
+        return runIf(static_cast<const tsql::IfStatement&>(statement));
+    case StatementKind::While:
+        return runWhile(static_cast<const tsql::WhileStatement&>(statement));
+    case StatementKind::Break:
+        return Flow::Break;
+    case StatementKind::Continue:
+        return Flow::Continue;
+    case StatementKind::Return:
+        return runReturn(static_cast<const tsql::ReturnStatement&>(statement));
+    case StatementKind::Goto:
+        frame_->gotoLabel = static_cast<const tsql::GotoStatement&>(statement).label;
+        return Flow::Goto;
+    case StatementKind::BlockOf:
+        return runBlock(static_cast<const tsql::BlockStatement&>(statement).body);
+    case StatementKind::TryCatch:
+        return runTry(static_cast<const tsql::TryStatement&>(statement));
+    case StatementKind::Raise:
+        runRaise(static_cast<const tsql::RaiseStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Throw:
+        runThrow(static_cast<const tsql::ThrowStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Print:
+        runPrint(static_cast<const tsql::PrintStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Execute:
+        runExecute(static_cast<const tsql::ExecuteStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::ExecuteText: {
+        const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+        runExecuteText(valueAt(*plan, 0).bytes);
+        return Flow::Next;
+    }
+    case StatementKind::Begin:
+    case StatementKind::Commit:
+    case StatementKind::Rollback:
+    case StatementKind::Save:
+        runTransaction(static_cast<const tsql::TransactionStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Use:
+        catalog_.databaseName = static_cast<const tsql::UseStatement&>(statement).database;
+        return Flow::Next;
+    case StatementKind::Label:
+    case StatementKind::Nothing:
+        return Flow::Next;
+    case StatementKind::WaitFor:
+        runWait(static_cast<const tsql::WaitForStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Cursor:
+        runCursor(static_cast<const tsql::CursorStatement&>(statement));
+        return Flow::Next;
+    case StatementKind::Unsupported:
+        throw tsql::unsupported(static_cast<const tsql::UnsupportedStatement&>(statement).feature, statement.line);
+    default:
+        runDefinition(statement);
+        return Flow::Next;
+    }
+}
+
+Engine::Flow Engine::runIf(const tsql::IfStatement& statement) {
+    const bool holds = conditionOf(statement, *statement.condition);
+    error_ = 0;
+    if (holds)
+        return runStatement(*statement.then);
+    return statement.otherwise ? runStatement(*statement.otherwise) : Flow::Next;
+}
+
+Engine::Flow Engine::runWhile(const tsql::WhileStatement& statement) {
+    while (conditionOf(statement, *statement.condition)) {
+        if (cancelled_)
+            throw failedByCancel();
+        const Flow flow = runStatement(*statement.body);
+        if (flow == Flow::Break)
+            break;
+        if (flow == Flow::Return || flow == Flow::Goto)
+            return flow;
+    }
+    return Flow::Next;
+}
+
+Engine::Flow Engine::runTry(const tsql::TryStatement& statement) {
+    Frame* here = frame_;
+    const int tries = tries_;
+    const int level = level_;
+    std::optional<DbError> error;
+    tries_ = tries + 1;
+    try {
+        const Flow flow = runBlock(statement.body);
+        tries_ = tries;
+        return flow;
+    } catch (const ScopeEnd& end) {
+        tries_ = tries;
+        if (end.frame == here) // a name that is missing in the TRY's own batch is not for its CATCH
+            throw;
+        error = end.error;
+    } catch (const DbError& caught) {
+        tries_ = tries;
+        error = caught;
+    }
+    frame_ = here;
+    level_ = level;
+    return runHandler(statement, *error);
+}
+
+Engine::Flow Engine::runHandler(const tsql::TryStatement& statement, const DbError& error) {
+    caught_.push_back(error);
+    error_ = error.native();
+    try {
+        const Flow flow = runBlock(statement.handler);
+        caught_.pop_back();
+        error_ = 0;
+        return flow;
+    } catch (...) {
+        caught_.pop_back();
+        throw;
+    }
+}
+
+Engine::Flow Engine::runReturn(const tsql::ReturnStatement& statement) {
+    if (!statement.value)
+        return Flow::Return;
+    const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+    const Cell cell = valueAt(*plan, 0);
+    if (frame_->isFunction)
+        frame_->result = cell;
+    else
+        frame_->returnValue = cell.integer;
+    return Flow::Return;
+}
+
+// ---- variables
+
+void Engine::assign(int slot, Cell cell) {
+    frame_->variables[static_cast<std::size_t>(slot)] = std::move(cell);
+}
+
+void Engine::runDeclare(const tsql::DeclareStatement& statement) {
+    const Wanted wanted = wantedOf(statement);
+    if (wanted.empty())
+        return;
+    const PlanPtr plan = valuePlan(statement, wanted);
+    std::size_t index = 0;
+    for (const tsql::Declaration& variable : statement.variables) {
+        if (variable.value)
+            assign(tsql::Binder(bindContext()).variableSlot(variable.name, statement.line), valueAt(*plan, index++));
+    }
+    rowCount_ = 1;
+}
+
+void Engine::runSet(const tsql::SetVariableStatement& statement) {
+    const int slot = tsql::Binder(bindContext()).variableSlot(statement.variable, statement.line);
+    if (statement.cursor) {
+        runCursor(static_cast<const tsql::CursorStatement&>(*statement.cursor));
+        return;
+    }
+    const PlanPtr plan = statement.op == "=" ? valuePlan(statement, wantedOf(statement)) : planFor(statement, [&](StatementPlan& made) {
+        // @v op= value stands for @v = @v op (value).
+        made.values.push_back(tsql::Binder(bindContext()).compound(statement.variable, statement.op[0], *statement.value, statement.line));
+        made.statements.resize(1);
+    });
+    assign(slot, valueAt(*plan, 0));
+    rowCount_ = 1;
+}
+
+// ---- messages
+
+std::string Engine::raisedText(StatementPlan& plan, const std::string& format) {
+    std::string text;
+    std::size_t argument = 3;
+    for (std::size_t at = 0; at < format.size(); ++at) {
+        if (format[at] != '%' || at + 1 == format.size()) {
+            text += format[at];
+            continue;
+        }
+        std::size_t end = at + 1;
+        while (end < format.size() && std::string_view("0123456789-+ #.*lhI").find(format[end]) != std::string_view::npos)
+            ++end;
+        const char kind = end < format.size() ? format[end] : '%';
+        if (kind == '%' || std::string_view("sdiuxXo").find(kind) == std::string_view::npos) {
+            text += kind == '%' ? "%" : format.substr(at, end - at + 1);
+            at = end;
+            continue;
+        }
+        std::string given = "(null)";
+        if (argument < plan.values.size()) {
+            const Cell cell = valueAt(plan, argument);
+            if (!cell.isNull())
+                given = tsql::textOf(cell, plan.values[argument].type);
+            if (!cell.isNull() && (kind == 'x' || kind == 'X')) {
+                std::array<char, 24> buffer{};
+                std::snprintf(buffer.data(), buffer.size(), kind == 'x' ? "%llx" : "%llX", static_cast<unsigned long long>(cell.integer));
+                given = buffer.data();
+            }
+        }
+        ++argument;
+        std::string flags = format.substr(at + 1, end - at - 1);
+        const bool leftAligned = flags.find('-') != std::string::npos;
+        std::erase_if(flags, [](char c) { return c < '0' || c > '9'; });
+        const std::size_t width = flags.empty() ? 0 : static_cast<std::size_t>(std::min(std::stoi(flags.substr(0, 4)), 400));
+        if (given.size() < width)
+            given.insert(leftAligned ? given.size() : 0, width - given.size(), ' ');
+        text += given;
+        at = end;
+    }
+    return text;
+}
+
+void Engine::runRaise(const tsql::RaiseStatement& statement) {
+    const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+    const Cell message = valueAt(*plan, 0);
+    const int severity = static_cast<int>(valueAt(*plan, 1).integer);
+    const int state = static_cast<int>(valueAt(*plan, 2).integer);
+    const bool numbered = plan->values[0].type.isWhole();
+    const std::string text = numbered ? "Error " + std::to_string(message.integer) + "." : raisedText(*plan, message.bytes);
+    rowCount_ = 0;
+    if (severity <= 10) {
+        sink_->message(text);
+        return;
+    }
+    throw DbError(DbError::Category::Raised, numbered ? static_cast<int>(message.integer) : 50000, text).withSeverity(severity, state);
+}
+
+void Engine::runThrow(const tsql::ThrowStatement& statement) {
+    std::optional<DbError> error;
+    if (!statement.number) {
+        if (caught_.empty())
+            throw tsql::syntaxError(10704, "To rethrow an error, a THROW statement must be used inside a CATCH block.", statement.line);
+        error = caught_.back();
+    } else {
+        const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+        const std::int64_t number = valueAt(*plan, 0).integer;
+        if (number < 50000)
+            throw tsql::syntaxError(35100,
+                                    "Error number " + std::to_string(number) +
+                                        " in the THROW statement is outside the valid range. Specify an error number "
+                                        "in the valid range of 50000 to 2147483647.",
+                                    statement.line)
+                .withSeverity(16, 10);
+        error = DbError(DbError::Category::Raised, static_cast<int>(number), valueAt(*plan, 1).bytes, statement.line)
+                    .withSeverity(16, static_cast<int>(valueAt(*plan, 2).integer));
+    }
+    if (tries_ > 0) {
+        doomed_ = doomed_ || (settings_.xactAbort && tranCount_ > 0);
+        throw DbError(*error);
+    }
+    if (error->procedure().empty() && !frame_->code->procedure.empty())
+        error->in(frame_->code->procedure);
+    note(*error);
+    if (settings_.xactAbort || inTrigger())
+        rollbackAll();
+    throw BatchEnd{};
+}
+
+void Engine::runPrint(const tsql::PrintStatement& statement) {
+    const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+    const Cell cell = valueAt(*plan, 0);
+    sink_->message(cell.isNull() ? std::string(" ") : tsql::textOf(cell, plan->values[0].type));
+    rowCount_ = 0;
+}
+
+void Engine::runWait(const tsql::WaitForStatement& statement) {
+    const PlanPtr plan = valuePlan(statement, {{statement.delay.get(), tsql::simpleType(TypeKind::DateTime)}});
+    std::int64_t restMs = valueAt(*plan, 0).integer;
+    endRead();
+    while (restMs > 0 && !cancelled_) {
+        const std::int64_t partMs = std::min<std::int64_t>(restMs, 50);
+        std::this_thread::sleep_for(std::chrono::milliseconds(partMs));
+        restMs -= partMs;
+    }
+}
+
+} // namespace merchantry::db::embedded

@@ -1,0 +1,90 @@
+#include "app/db/embedded/engine.h"
+#include "app/db/embedded/row_view.h"
+#include "app/db/embedded/write_scope.h"
+
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/token.h"
+
+namespace merchantry::db::embedded {
+
+void Engine::runSelect(const tsql::SelectStatement& statement) {
+    beforeRead();
+    const PlanPtr plan = queryPlan(statement, *statement.query);
+    if (plan->query->into)
+        return selectInto(*plan, statement);
+    runQuery(*plan, *sink_);
+}
+
+void Engine::runQuery(StatementPlan& plan, ResultSink& sink) {
+    const tsql::QueryPlan& query = *plan.query;
+    Statement3 spare;
+    sqlite3_stmt* statement = prepared(plan, 0, query.sql, spare);
+    const ResetGuard guard(statement);
+    std::int64_t rows = 0;
+    if (!query.assignTo.empty()) {
+        while (connection_.step(statement)) {
+            for (std::size_t i = 0; i < query.assignTo.size(); ++i)
+                assign(query.assignTo[i], tsql::columnCell(statement, static_cast<int>(i)));
+            if (++rows == settings_.rowCount)
+                break;
+        }
+        rowCount_ = rows;
+        return;
+    }
+    // The first row is fetched before the set begins, so that a statement that fails at once gives no set.
+    bool more = connection_.step(statement);
+    sink.beginSet(query.columns);
+    const StatementRow row(statement, query.columns);
+    while (more) {
+        sink.row(row);
+        if (++rows == settings_.rowCount || cancelled_)
+            break;
+        more = connection_.step(statement);
+    }
+    sink.endSet();
+    rowCount_ = rows;
+}
+
+void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
+    const tsql::QueryPlan& query = *plan.query;
+    const bool temporary = query.into->isTemporary();
+    WriteScope scope(*this, temporary);
+    if (temporary ? catalog_.table({{query.into->name}, 1}) != nullptr : catalog_.find(query.into->name) != nullptr)
+        throw tsql::nameError(2714, "There is already an object named '" + query.into->name + "' in the database.", statement.line);
+    tsql::TableDef table = *query.into;
+    for (tsql::ColumnDef& column : table.columns) {
+        if (column.type.kind == TypeKind::Null)
+            column.type = tsql::simpleType(TypeKind::Int);
+    }
+    createTableOf(table, temporary);
+    const std::shared_ptr<const tsql::TableDef> made = catalog_.table({{table.name}, 1});
+    const Statement3 insert(connection_.handle(), "INSERT INTO " + made->storage + " " + query.sql.text);
+    bindPlaces(insert.get(), query.sql.places);
+    connection_.step(insert.get());
+    rowCount_ = sqlite3_changes64(connection_.handle());
+    if (const int identity = made->identityColumn(); identity >= 0) {
+        const Cell most = connection_.single("SELECT max(" + tsql::quotedName(made->columns[static_cast<std::size_t>(identity)].name) +
+                                             ") FROM " + made->storage);
+        if (!most.isNull())
+            noteIdentity(made->id, most.integer);
+        writeCounters();
+    }
+    scope.finish();
+}
+
+Rowset Engine::rowsOf(const tsql::Sql3& sql) {
+    const Statement3 statement(connection_.handle(), sql.text);
+    if (frame_)
+        bindPlaces(statement.get(), sql.places);
+    Rowset rows;
+    const int columns = sqlite3_column_count(statement.get());
+    while (connection_.step(statement.get())) {
+        std::vector<Cell> row;
+        for (int i = 0; i < columns; ++i)
+            row.push_back(tsql::columnCell(statement.get(), i));
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+} // namespace merchantry::db::embedded

@@ -1,0 +1,137 @@
+#include "app/db/embedded/engine.h"
+
+#include "app/db/tsql/convert.h"
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/token.h"
+
+namespace merchantry::db::embedded {
+
+void Engine::runOption(const tsql::SetOptionStatement& statement) {
+    for (const std::string& option : statement.options)
+        setOption(option, statement);
+    rowCount_ = 0;
+}
+
+void Engine::setOption(const std::string& option, const tsql::SetOptionStatement& statement) {
+    const bool on = statement.value == "ON";
+    const auto number = [&] {
+        if (!statement.expr)
+            throw tsql::syntaxError(102, "Incorrect syntax near '" + statement.value + "'.", statement.line);
+        const PlanPtr plan = valuePlan(statement, {{statement.expr.get(), tsql::simpleType(TypeKind::Int)}});
+        return valueAt(*plan, 0).integer;
+    };
+    if (option == "ANSI_NULLS") {
+        settings_.ansiNulls = on;
+    } else if (option == "QUOTED_IDENTIFIER") {
+        settings_.quotedIdentifiers = on;
+    } else if (option == "XACT_ABORT") {
+        settings_.xactAbort = on;
+    } else if (option == "ROWCOUNT") {
+        settings_.rowCount = number();
+    } else if (option == "DATEFIRST") {
+        settings_.dateFirst = static_cast<int>(number());
+    } else if (option == "IDENTITY_INSERT") {
+        const std::shared_ptr<const tsql::TableDef> table = requireTable(statement.table, 1088);
+        if (on && catalog_.identityInsertTable != 0 && catalog_.identityInsertTable != table->id)
+            throw tsql::typeError(
+                8107, "IDENTITY_INSERT is already ON for another table. Cannot perform SET operation for table '" + table->name + "'.",
+                statement.line);
+        if (on && table->identityColumn() < 0)
+            throw tsql::typeError(8106, "Table '" + table->name + "' does not have the identity property. Cannot perform SET operation.",
+                                  statement.line);
+        catalog_.identityInsertTable = on ? table->id : 0;
+        ++version_;
+    } else if (option == "IMPLICIT_TRANSACTIONS" || option == "CONCAT_NULL_YIELDS_NULL" || option == "ANSI_WARNINGS" ||
+               option == "ARITHABORT" || option == "ANSI_PADDING") {
+        const bool usual = option != "IMPLICIT_TRANSACTIONS";
+        if (on != usual && option != "ARITHABORT" && option != "ANSI_WARNINGS")
+            throw tsql::unsupported("SET " + option + " " + statement.value, statement.line);
+    } else if (option == "DATEFORMAT") {
+        if (statement.value != "MDY")
+            throw tsql::unsupported("SET DATEFORMAT " + statement.value, statement.line);
+    } else if (option == "LANGUAGE") {
+        if (statement.value != "US_ENGLISH" && statement.value != "ENGLISH")
+            throw tsql::unsupported("SET LANGUAGE " + statement.value, statement.line);
+    } else if (option == "PARSEONLY" || option == "NOEXEC" || option == "FMTONLY" || option == "SHOWPLAN_ALL" ||
+               option == "SHOWPLAN_TEXT") {
+        if (on)
+            throw tsql::unsupported("SET " + option + " ON", statement.line);
+    } else if (option != "NOCOUNT" && option != "TEXTSIZE" && option != "LOCK_TIMEOUT" && option != "STATISTICS" &&
+               option != "ANSI_NULL_DFLT_ON" && option != "ANSI_NULL_DFLT_OFF" && option != "ANSI_DEFAULTS" &&
+               option != "NUMERIC_ROUNDABORT" && option != "ARITHIGNORE" && option != "CURSOR_CLOSE_ON_COMMIT" &&
+               option != "DEADLOCK_PRIORITY" && option != "FORCEPLAN" && option != "NO_BROWSETABLE" &&
+               option != "REMOTE_PROC_TRANSACTIONS" && option != "TRANSACTION ISOLATION LEVEL" && option != "QUERY_GOVERNOR_COST_LIMIT" &&
+               option != "CONTEXT_INFO") {
+        throw tsql::syntaxError(195, "'" + option + "' is not a recognized SET option.", statement.line);
+    }
+    if (option == "ANSI_NULLS")
+        ++version_;
+}
+
+Cell Engine::systemValue(tsql::SystemValue value) {
+    using tsql::SystemValue;
+    const auto ofError = [&](auto get) { return caught_.empty() ? Cell() : get(caught_.back()); };
+    const Date now = clock_ ? clock_->now() : systemClock_.now();
+    switch (value) {
+    case SystemValue::RowCount:
+        return Cell::ofInteger(rowCount_);
+    case SystemValue::Error:
+        return Cell::ofInteger(error_);
+    case SystemValue::Identity:
+        return identity_.isNull() ? Cell() : tsql::decimalCell(identity_.integer, 38);
+    case SystemValue::ScopeIdentity:
+        return frame_->scopeIdentity.isNull() ? Cell() : tsql::decimalCell(frame_->scopeIdentity.integer, 38);
+    case SystemValue::TranCount:
+        return Cell::ofInteger(tranCount_);
+    case SystemValue::NestLevel:
+        return Cell::ofInteger(level_);
+    case SystemValue::FetchStatus:
+        return Cell::ofInteger(fetchStatus_);
+    case SystemValue::Now:
+    case SystemValue::UtcNow:
+        return tsql::converted(Cell::ofInteger(now.ms()), tsql::simpleType(TypeKind::DateTime), tsql::simpleType(TypeKind::DateTime));
+    case SystemValue::Spid:
+        return Cell::ofInteger(51);
+    case SystemValue::ErrorNumber:
+        return ofError([](const DbError& error) { return Cell::ofInteger(error.native()); });
+    case SystemValue::ErrorMessage:
+        return ofError([](const DbError& error) { return Cell::ofText(error.what()); });
+    case SystemValue::ErrorSeverity:
+        return ofError([](const DbError& error) { return Cell::ofInteger(error.severity()); });
+    case SystemValue::ErrorState:
+        return ofError([](const DbError& error) { return Cell::ofInteger(error.state()); });
+    case SystemValue::ErrorLine:
+        return ofError([](const DbError& error) { return Cell::ofInteger(error.line()); });
+    case SystemValue::ErrorProcedure:
+        return ofError([](const DbError& error) { return error.procedure().empty() ? Cell() : Cell::ofText(error.procedure()); });
+    case SystemValue::XactState:
+        return Cell::ofInteger(doomed_ ? -1 : tranCount_ > 0 ? 1 : 0);
+    case SystemValue::DatabaseName:
+        return Cell::ofText(catalog_.databaseName);
+    case SystemValue::DateFirst:
+        return Cell::ofInteger(settings_.dateFirst);
+    case SystemValue::Version:
+        return Cell::ofText("Merchantry " MERCHANTRY_VERSION " embedded store");
+    case SystemValue::ServerName:
+    case SystemValue::HostName:
+        return Cell::ofText("local");
+    case SystemValue::UserName:
+        return Cell::ofText("dbo");
+    case SystemValue::AppName:
+        return Cell::ofText("Merchantry");
+    case SystemValue::Language:
+        return Cell::ofText("us_english");
+    case SystemValue::ProcedureId:
+        return Cell::ofInteger(frame_->code->objectId);
+    case SystemValue::Options:
+        return Cell::ofInteger(5496);
+    case SystemValue::MaxPrecision:
+        return Cell::ofInteger(38);
+    case SystemValue::CursorRows:
+    case SystemValue::UpdatedColumns:
+        return Cell::ofInteger(0);
+    }
+    return {};
+}
+
+} // namespace merchantry::db::embedded

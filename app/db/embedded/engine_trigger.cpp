@@ -1,0 +1,223 @@
+#define SQLITE_ENABLE_PREUPDATE_HOOK 1
+#include "app/db/embedded/engine.h"
+#include "app/db/embedded/write_scope.h"
+
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/token.h"
+#include "base/text.h"
+
+#include <algorithm>
+
+namespace merchantry::db::embedded {
+namespace {
+
+constexpr int kDeepestLevel = 32;
+
+bool firesFor(const tsql::CreateTriggerStatement& trigger, char event) {
+    return event == 'I' ? trigger.onInsert : event == 'U' ? trigger.onUpdate : trigger.onDelete;
+}
+
+} // namespace
+
+std::string Engine::pseudoName(const char* which, std::int64_t table) const {
+    return "ts_" + std::string(which) + "_" + std::to_string(table);
+}
+
+// The shape of inserted or deleted: that of the table, without what only a table can do.
+std::shared_ptr<const tsql::TableDef> Engine::pseudoTable(const char* which, const tsql::TableDef& table) {
+    auto shape = std::make_shared<tsql::TableDef>(table);
+    shape->name = which;
+    shape->readOnly = true;
+    shape->storage = "temp." + tsql::quotedName(pseudoName(which, table.id));
+    std::erase_if(shape->columns, [](const tsql::ColumnDef& column) { return column.computed != nullptr; });
+    return shape;
+}
+
+std::vector<const StoredObject*> Engine::triggersOf(std::int64_t table, char event, bool insteadOf) {
+    std::vector<const StoredObject*> triggers;
+    for (const StoredObject* object : catalog_.childrenOf(table, "TR")) {
+        if (!object->enabled)
+            continue;
+        const std::shared_ptr<Code> code = moduleCode(*object);
+        const auto& trigger = static_cast<const tsql::CreateTriggerStatement&>(*code->module);
+        if (trigger.insteadOf == insteadOf && firesFor(trigger, event))
+            triggers.push_back(object);
+    }
+    return triggers;
+}
+
+// Begins to gather the rows that change in the table and in the tables that its deletes and updates reach, where someone wants to see them.
+void Engine::startCapture(const std::shared_ptr<const tsql::TableDef>& table, bool always) {
+    if (!always && !catalog_.hasTriggers()) {
+        capture_.active = false;
+        return;
+    }
+    std::vector<std::string> reached = {table->name};
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+        const StoredObject* object = catalog_.find(reached[i]);
+        const bool isFirst = i == 0;
+        const std::shared_ptr<const tsql::TableDef> one = isFirst ? table : object ? catalog_.tableById(object->id) : nullptr;
+        if (!one)
+            continue;
+        if ((isFirst && always) || !catalog_.childrenOf(one->id, "TR").empty()) {
+            Captured captured;
+            captured.table = one;
+            capture_.tables[lowerCase(one->name)] = std::move(captured);
+        }
+        if (table->isTemporary() || !catalog_.hasReferences())
+            break;
+        for (const auto& [other, key] : catalog_.referencesTo(one->name)) {
+            const bool follows = !key.onDelete.empty() || !key.onUpdate.empty();
+            if (follows && std::find(reached.begin(), reached.end(), other->name) == reached.end())
+                reached.push_back(other->name);
+        }
+    }
+    capture_.active = !capture_.tables.empty();
+    sqlite3_preupdate_hook(connection_.handle(), capture_.active ? captureHook : nullptr, this);
+}
+
+void Engine::captureHook(void* engine, sqlite3*, int operation, const char* schema, const char* name, sqlite3_int64, sqlite3_int64) {
+    static_cast<Engine*>(engine)->capture(operation, schema, name);
+}
+
+void Engine::capture(int operation, const char*, const char* name) {
+    if (!capture_.active)
+        return;
+    auto found = capture_.tables.find(lowerCase(name));
+    if (found == capture_.tables.end()) { // a table variable is kept under a name of its own
+        found = std::find_if(capture_.tables.begin(), capture_.tables.end(),
+                             [&](const auto& entry) { return entry.second.table->storage == "temp." + tsql::quotedName(name); });
+        if (found == capture_.tables.end())
+            return;
+    }
+    Captured& captured = found->second;
+    const auto read = [&](auto get) {
+        std::vector<Cell> row;
+        int index = 0;
+        for (const tsql::ColumnDef& column : captured.table->columns) {
+            if (column.computed)
+                continue;
+            sqlite3_value* value = nullptr;
+            get(connection_.handle(), index++, &value);
+            Cell cell = value ? CellView(value).copy() : Cell();
+            if (column.type.isFloat() && cell.kind == Cell::Kind::Integer)
+                cell = Cell::ofReal(static_cast<double>(cell.integer));
+            row.push_back(std::move(cell));
+        }
+        return row;
+    };
+    if (operation != SQLITE_INSERT)
+        captured.deleted->push_back(read(sqlite3_preupdate_old));
+    if (operation != SQLITE_DELETE)
+        captured.inserted->push_back(read(sqlite3_preupdate_new));
+}
+
+// Fires the triggers of the changed table, then those of the tables that followed it.
+void Engine::fireFor(const tsql::ChangePlan& plan, const std::map<std::string, Captured>& captured, char event) {
+    const auto own = captured.find(lowerCase(plan.table->name));
+    if (own != captured.end())
+        fireTriggers(plan.table, event, own->second.inserted, own->second.deleted, plan.updated, false);
+    for (const auto& [name, rows] : captured) {
+        if (rows.table->id == plan.table->id || (rows.inserted->empty() && rows.deleted->empty()))
+            continue;
+        const std::vector<bool> all(rows.table->columns.size(), true);
+        fireTriggers(rows.table, rows.inserted->empty() ? 'D' : 'U', rows.inserted, rows.deleted, all, false);
+    }
+}
+
+void Engine::fireTriggers(const std::shared_ptr<const tsql::TableDef>& table, char event, const std::shared_ptr<const Rowset>& inserted,
+                          const std::shared_ptr<const Rowset>& deleted, const std::vector<bool>& updated, bool insteadOf) {
+    // A trigger's own changes of its table do not fire it again.
+    const Frame* inner = frame_;
+    while (inner && !inner->isTrigger)
+        inner = inner->caller;
+    const std::uint64_t transaction = transaction_;
+    for (const StoredObject* trigger : triggersOf(table->id, event, insteadOf)) {
+        if (inner && inner->code->objectId == trigger->id)
+            continue;
+        runTrigger(*trigger, table, inserted, deleted, updated);
+        if (transaction != transaction_)
+            return;
+    }
+}
+
+void Engine::runTrigger(const StoredObject& trigger, const std::shared_ptr<const tsql::TableDef>& table,
+                        const std::shared_ptr<const Rowset>& inserted, const std::shared_ptr<const Rowset>& deleted,
+                        const std::vector<bool>& updated) {
+    if (level_ >= kDeepestLevel)
+        throw DbError(DbError::Category::Other, 217,
+                      "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
+            .withSeverity(16, 1);
+    const std::string insertedName = pseudoName("inserted", table->id);
+    const std::string deletedName = pseudoName("deleted", table->id);
+    const auto insertedShape = pseudoTable("inserted", *table);
+    const auto deletedShape = pseudoTable("deleted", *table);
+    rows_.define(insertedName, *insertedShape);
+    rows_.define(deletedName, *deletedShape);
+    const std::shared_ptr<const Rowset> outerInserted = rows_.get(insertedName);
+    const std::shared_ptr<const Rowset> outerDeleted = rows_.get(deletedName);
+    rows_.set(insertedName, inserted);
+    rows_.set(deletedName, deleted);
+    const std::shared_ptr<Code> code = moduleCode(trigger);
+    code->triggerTable = table;
+    code->inserted = insertedShape;
+    code->deleted = deletedShape;
+    Frame frame;
+    frame.code = code;
+    frame.isTrigger = true;
+    frame.updated = &updated;
+    frame.variables.resize(code->variables.size());
+    ++level_;
+    const auto leave = [&] {
+        --level_;
+        rows_.set(insertedName, outerInserted);
+        rows_.set(deletedName, outerDeleted);
+    };
+    try {
+        runFrame(frame);
+    } catch (const ScopeEnd& end) {
+        leave();
+        throw DbError(end.error);
+    } catch (...) {
+        leave();
+        throw;
+    }
+    leave();
+}
+
+void Engine::runInstead(StatementPlan& plan) {
+    const tsql::ChangePlan& change = *plan.change;
+    auto inserted = std::make_shared<Rowset>();
+    auto deleted = std::make_shared<Rowset>();
+    if (!change.insteadNew.text.empty())
+        *inserted = rowsOf(change.insteadNew);
+    if (!change.insteadOld.text.empty())
+        *deleted = rowsOf(change.insteadOld);
+    static constexpr char kEvents[] = {'I', 'U', 'D'};
+    const bool own = tranCount_ == 0;
+    if (own)
+        tranCount_ = 1;
+    const std::uint64_t transaction = transaction_;
+    const auto rows = static_cast<std::int64_t>(std::max(inserted->size(), deleted->size()));
+    try {
+        fireTriggers(change.insteadShape, kEvents[static_cast<int>(change.kind)], inserted, deleted, change.updated, true);
+    } catch (...) {
+        if (own && transaction == transaction_)
+            tranCount_ = 0;
+        throw;
+    }
+    if (own && transaction == transaction_)
+        tranCount_ = 0;
+    rowCount_ = rows;
+}
+
+bool Engine::isUpdated(int column) {
+    for (const Frame* frame = frame_; frame; frame = frame->caller) {
+        if (frame->isTrigger)
+            return frame->updated && static_cast<std::size_t>(column) < frame->updated->size() &&
+                   (*frame->updated)[static_cast<std::size_t>(column)];
+    }
+    return false;
+}
+
+} // namespace merchantry::db::embedded

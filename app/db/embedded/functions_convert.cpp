@@ -1,0 +1,107 @@
+#include "app/db/embedded/functions.h"
+
+#include "app/db/tsql/convert.h"
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/types.h"
+
+#include <array>
+
+namespace merchantry::db::embedded {
+namespace {
+
+using tsql::ConvertFor;
+
+int styleOf(const Call& call) {
+    return call.count > 3 && !call.isNull(3) ? static_cast<int>(call.integer(3)) : -1;
+}
+
+// (value, from, to, optional style): the conversion of CAST, variables and comparisons.
+void convert(const Call& call) {
+    if (call.isNull(0))
+        return call.giveNull();
+    call.give(tsql::converted(call.cell(0), tsql::typeOfCode(call.integer(1)), tsql::typeOfCode(call.integer(2)), ConvertFor::Value,
+                              styleOf(call)));
+}
+
+// The same for a value that a column takes.
+void store(const Call& call) {
+    if (call.isNull(0))
+        return call.giveNull();
+    call.give(tsql::converted(call.cell(0), tsql::typeOfCode(call.integer(1)), tsql::typeOfCode(call.integer(2)), ConvertFor::Column));
+}
+
+// Null where the conversion fails.
+void tryConvert(const Call& call) {
+    if (call.isNull(0))
+        return call.giveNull();
+    try {
+        call.give(tsql::converted(call.cell(0), tsql::typeOfCode(call.integer(1)), tsql::typeOfCode(call.integer(2)), ConvertFor::Value,
+                                  styleOf(call)));
+    } catch (const DbError&) {
+        call.giveNull();
+    }
+}
+
+void joinBytes(const Call& call) {
+    call.give(Cell::ofBlob(std::string(call.cell(0).bytes) + std::string(call.cell(1).bytes)));
+}
+
+// Gives its last argument; the others are there for what they do.
+void last(const Call& call) {
+    sqlite3_result_value(call.context, call.values[call.count - 1]);
+}
+
+// The number of TOP.
+void top(const Call& call) {
+    if (call.isNull(0) || call.integer(0) < 0)
+        throw DbError(
+            DbError::Category::Type, call.isNull(0) ? 1060 : 127,
+            "The number of rows provided for a TOP or FETCH clauses row count parameter must be an integer that is not negative.");
+    call.give(call.integer(0));
+}
+
+// How deep a recursive common table expression is. (level, most)
+void level(const Call& call) {
+    const std::int64_t next = call.integer(0) + 1;
+    const std::int64_t most = call.integer(1);
+    if (most > 0 && next > most)
+        throw DbError(DbError::Category::Other, 530,
+                      "The statement terminated. The maximum recursion " + std::to_string(most) +
+                          " has been exhausted before statement completion.")
+            .withSeverity(16, 1);
+    call.give(next);
+}
+
+void newId(const Call& call) {
+    std::array<unsigned char, 16> bytes{};
+    sqlite3_randomness(static_cast<int>(bytes.size()), bytes.data());
+    bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0FU) | 0x40U);
+    bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3FU) | 0x80U);
+    static constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10)
+            text += '-';
+        text += kDigits[bytes[i] >> 4U];
+        text += kDigits[bytes[i] & 15U];
+    }
+    call.giveText(text);
+}
+
+} // namespace
+
+void registerConvertFunctions(sqlite3* db, FunctionHost& host) {
+    static constexpr auto kEntries = std::to_array<FunctionEntry>({
+        {"ts_cv", -1, convert, true, false},
+        {"ts_st", 3, store, true, false},
+        {"ts_try", 4, tryConvert, true, false},
+        {"ts_bytes", 2, joinBytes},
+        {"ts_last", -1, last, false, false},
+        {"ts_top", 1, top, true, false},
+        {"ts_level", 2, level},
+        {"ts_newid", 0, newId, false},
+    });
+    registerEntries(db, host, kEntries.data(), kEntries.size());
+}
+
+} // namespace merchantry::db::embedded

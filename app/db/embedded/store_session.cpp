@@ -1,0 +1,14 @@
+#include "app/db/embedded/store_session.h"
+
+namespace merchantry::db::embedded {
+
+StoreSession::~StoreSession() {
+    try {
+        engine_->reset();
+        store_->giveBack(std::move(engine_));
+    } catch (...) { // an engine that cannot be put right is let go
+        engine_.reset();
+    }
+}
+
+} // namespace merchantry::db::embedded

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+
+namespace merchantry::db::embedded {
+
+class Engine;
+
+// The piece of a transaction that one statement is: all of it or nothing. Outside a transaction it is one of its own, with the lock of the
+// writer from the start; inside it is a savepoint. Not finished, it undoes what was done.
+class WriteScope {
+public:
+    explicit WriteScope(Engine& engine, bool temporaryOnly = false);
+    ~WriteScope();
+    WriteScope(const WriteScope&) = delete;
+    WriteScope& operator=(const WriteScope&) = delete;
+
+    // Keeps what was done. Without effect when the transaction around was rolled back meanwhile.
+    void finish();
+    // Whether the transaction was rolled back since.
+    bool isOver() const;
+    // Whether the statement stands in no transaction but its own.
+    bool isOwn() const { return mode_ == Mode::Own; }
+
+private:
+    enum class Mode { Own, SavePoint, Temporary, Done };
+    Engine& engine_;
+    Mode mode_ = Mode::Own;
+    std::uint64_t transaction_ = 0;
+};
+
+} // namespace merchantry::db::embedded

@@ -1,0 +1,339 @@
+#include "app/db/tsql/binder.h"
+
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/literal.h"
+#include "app/db/tsql/token.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace merchantry::db::tsql {
+namespace {
+
+Typed nullLiteral() {
+    Typed result;
+    result.sql = "NULL";
+    result.literal = Cell();
+    return result;
+}
+
+bool isTrueOrFalse(const ObjectName& name) {
+    return name.parts.size() == 1 && (sameName(name.last(), "True") || sameName(name.last(), "False"));
+}
+
+bool qualifierFits(const Source& source, const ObjectName& name) {
+    const std::string& qualifier = name.parts[name.parts.size() - 2];
+    if (!sameName(source.exposed, qualifier))
+        return false;
+    if (name.parts.size() == 2)
+        return true;
+    // An alias has no owner; a table without alias may be named with its owner.
+    return !source.name.empty();
+}
+
+} // namespace
+
+std::string Binder::place(bool system, int slot) {
+    const auto [found, isNew] = placeOf_.try_emplace({system, slot}, static_cast<int>(places_.size()) + 1);
+    if (isNew)
+        places_.push_back({system, slot});
+    return "?" + std::to_string(found->second);
+}
+
+Typed Binder::bindValue(const Expr& expr) {
+    if (!scope_ || !scope_->grouped || scope_->insideAggregate > 0 || scope_->groups.empty() || expr.kind == ExprKind::Column)
+        return bindValueOf(expr);
+    // An expression that is one of the groups stands for its group.
+    const bool simple = expr.args.empty() && expr.kind != ExprKind::Case && expr.kind != ExprKind::Subquery;
+    if (simple)
+        return bindValueOf(expr);
+    const int aliases = aliases_;
+    try {
+        scope_->grouped = false;
+        Typed whole = bindValueOf(expr);
+        scope_->grouped = true;
+        for (const Typed& group : scope_->groups) {
+            if (group.sql == whole.sql)
+                return whole;
+        }
+    } catch (const DbError&) {
+        scope_->grouped = true;
+    }
+    aliases_ = aliases;
+    return bindValueOf(expr);
+}
+
+Typed Binder::bindValueOf(const Expr& expr) {
+    switch (expr.kind) {
+    case ExprKind::Null:
+        return nullLiteral();
+    case ExprKind::Integer:
+        return integerLiteral(expr);
+    case ExprKind::Number:
+        return numberLiteral(expr);
+    case ExprKind::Float: {
+        Typed result;
+        result.type = simpleType(TypeKind::Float);
+        result.nullable = false;
+        result.literal = Cell::ofReal(std::strtod(expr.text.c_str(), nullptr));
+        result.sql = literalSql(*result.literal);
+        return result;
+    }
+    case ExprKind::Money:
+        return moneyLiteral(expr);
+    case ExprKind::Text:
+    case ExprKind::WideText:
+        return textLiteral(expr);
+    case ExprKind::Binary:
+        return binaryLiteral(expr);
+    case ExprKind::Column:
+        return column(expr);
+    case ExprKind::Variable:
+        return variable(expr);
+    case ExprKind::SystemVariable:
+        return systemVariable(expr);
+    case ExprKind::Unary:
+        return unary(expr);
+    case ExprKind::Arithmetic:
+        return arithmetic(expr);
+    case ExprKind::Case:
+        return caseOf(expr);
+    case ExprKind::Cast:
+        return cast(expr);
+    case ExprKind::Subquery:
+        return subquery(expr);
+    case ExprKind::Collate:
+        return collate(expr);
+    case ExprKind::Function:
+        return function(expr);
+    case ExprKind::Default:
+        throw syntaxError(156, "Incorrect syntax near the keyword 'DEFAULT'.", expr.line);
+    default:
+        throw syntaxError(102, "Incorrect syntax near a condition.", expr.line);
+    }
+}
+
+// ---- names
+
+Typed Binder::column(const Expr& expr) {
+    const ObjectName& name = expr.name;
+    bool qualifierKnown = name.parts.size() == 1;
+    for (Scope* scope = scope_; scope; scope = scope->outer) {
+        const Source* foundSource = nullptr;
+        const BoundColumn* found = nullptr;
+        int matches = 0;
+        for (const Source& source : scope->sources) {
+            if (name.parts.size() > 1) {
+                if (!qualifierFits(source, name))
+                    continue;
+                qualifierKnown = true;
+            }
+            for (const BoundColumn& candidate : source.columns) {
+                if (!sameName(candidate.name, name.last()))
+                    continue;
+                ++matches;
+                found = &candidate;
+                foundSource = &source;
+            }
+        }
+        if (matches > 1)
+            throw nameError(209, "Ambiguous column name '" + name.last() + "'.", expr.line);
+        if (found)
+            return resolved(*scope, *foundSource, *found, expr);
+        if (name.parts.size() > 1 && qualifierKnown)
+            break;
+    }
+    if (isTrueOrFalse(name)) {
+        Typed result;
+        result.literal = Cell::ofInteger(sameName(name.last(), "True") ? 1 : 0);
+        result.sql = literalSql(*result.literal);
+        result.type = simpleType(TypeKind::Bit);
+        return result;
+    }
+    if (!qualifierKnown)
+        throw nameError(4104, "The multi-part identifier \"" + name.toText() + "\" could not be bound.", expr.line);
+    throw nameError(207, "Invalid column name '" + name.last() + "'.", expr.line);
+}
+
+Typed Binder::resolved(Scope& scope, const Source& source, const BoundColumn& column, const Expr& expr) {
+    if (!scope.grouped || scope.insideAggregate > 0)
+        return column.value;
+    for (const Typed& group : scope.groups) {
+        if (group.sql == column.value.sql)
+            return column.value;
+    }
+    const std::string clause = scope.clause;
+    const int number = clause == "HAVING" ? 8121 : clause == "ORDER BY" ? 8127 : 8120;
+    throw nameError(number,
+                    "Column '" + source.exposed + "." + column.name + "' is invalid in the " +
+                        (number == 8120 ? "select list" : clause + " clause") +
+                        " because it is not contained in either an aggregate function or the GROUP BY clause.",
+                    expr.line);
+}
+
+int Binder::variableSlot(const std::string& name, int line) const {
+    for (std::size_t i = 0; i < context_.variables.size(); ++i) {
+        if (sameName(context_.variables[i].name, name))
+            return static_cast<int>(i);
+    }
+    throw nameError(137, "Must declare the scalar variable \"" + name + "\".", line).withSeverity(15, 2);
+}
+
+Typed Binder::variable(const Expr& expr) {
+    for (auto inlined = inlined_.rbegin(); inlined != inlined_.rend(); ++inlined) {
+        if (sameName(inlined->first, expr.text))
+            return inlined->second;
+    }
+    const int slot = variableSlot(expr.text, expr.line);
+    Typed result;
+    result.type = context_.variables[static_cast<std::size_t>(slot)].type;
+    result.sql = assigned_.count(slot) != 0 ? "ts_var(" + std::to_string(slot) + ")" : place(false, slot);
+    return result;
+}
+
+Typed Binder::system(SystemValue value, const SqlType& type) {
+    Typed result;
+    result.type = type;
+    result.sql = place(true, static_cast<int>(value));
+    return result;
+}
+
+Typed Binder::systemVariable(const Expr& expr) {
+    struct Entry {
+        std::string_view name;
+        SystemValue value;
+        SqlType type;
+    };
+    static const std::vector<Entry> kEntries = {
+        {"@@ROWCOUNT", SystemValue::RowCount, simpleType(TypeKind::Int)},
+        {"@@ERROR", SystemValue::Error, simpleType(TypeKind::Int)},
+        {"@@IDENTITY", SystemValue::Identity, decimalType(38, 0)},
+        {"@@TRANCOUNT", SystemValue::TranCount, simpleType(TypeKind::Int)},
+        {"@@NESTLEVEL", SystemValue::NestLevel, simpleType(TypeKind::Int)},
+        {"@@FETCH_STATUS", SystemValue::FetchStatus, simpleType(TypeKind::Int)},
+        {"@@SPID", SystemValue::Spid, simpleType(TypeKind::SmallInt)},
+        {"@@DATEFIRST", SystemValue::DateFirst, simpleType(TypeKind::TinyInt)},
+        {"@@VERSION", SystemValue::Version, nvarcharType(300)},
+        {"@@SERVERNAME", SystemValue::ServerName, nvarcharType(128)},
+        {"@@SERVICENAME", SystemValue::ServerName, nvarcharType(128)},
+        {"@@LANGUAGE", SystemValue::Language, nvarcharType(128)},
+        {"@@PROCID", SystemValue::ProcedureId, simpleType(TypeKind::Int)},
+        {"@@OPTIONS", SystemValue::Options, simpleType(TypeKind::Int)},
+        {"@@MAX_PRECISION", SystemValue::MaxPrecision, simpleType(TypeKind::TinyInt)},
+        {"@@CURSOR_ROWS", SystemValue::CursorRows, simpleType(TypeKind::Int)},
+    };
+    for (const Entry& entry : kEntries) {
+        if (sameName(entry.name, expr.text))
+            return system(entry.value, entry.type);
+    }
+    throw nameError(137, "Must declare the scalar variable \"" + expr.text + "\".", expr.line).withSeverity(15, 2);
+}
+
+// ---- conversions
+
+Typed Binder::convertTo(Typed value, const SqlType& to, ConvertFor purpose, int style) {
+    if (value.type.kind == TypeKind::Null) {
+        value.type = to;
+        return value;
+    }
+    const bool styled = style >= 0 && to.isText() && !value.type.isText();
+    if (!styled && sameCells(value.type, to)) {
+        value.type = to;
+        return value;
+    }
+    Typed result;
+    result.type = to;
+    result.nullable = value.nullable;
+    result.collation = value.collation;
+    if (value.literal) {
+        try {
+            result.literal = converted(*value.literal, value.type, to, purpose, style);
+            result.sql = literalSql(*result.literal);
+            return result;
+        } catch (const DbError&) {
+            result.literal.reset(); // fails when it is reached
+        }
+    }
+    if (value.type.isWhole() && to.kind == TypeKind::Float) {
+        result.sql = "CAST(" + value.sql + " AS REAL)";
+        return result;
+    }
+    if (value.type.isWhole() && to.kind == TypeKind::Decimal && to.scale == 0 && to.precision <= 18 &&
+        asDecimal(value.type).precision <= to.precision) {
+        result.sql = value.sql;
+        return result;
+    }
+    result.sql = std::string(purpose == ConvertFor::Column ? "ts_st(" : "ts_cv(") + value.sql + "," + std::to_string(typeCode(value.type)) +
+                 "," + std::to_string(typeCode(to));
+    result.sql += style >= 0 ? "," + std::to_string(style) + ")" : ")";
+    return result;
+}
+
+Typed Binder::implicitTo(Typed value, const SqlType& to, int line, ConvertFor purpose) {
+    requireImplicit(value.type, to, line);
+    return convertTo(std::move(value), to, purpose);
+}
+
+Typed Binder::cast(const Expr& expr) {
+    std::optional<SqlType> builtIn = builtInType(expr.type, true);
+    const SqlType type = builtIn ? *builtIn : declaredType(expr.type);
+    Typed value = bindValue(*expr.args[0]);
+    const bool tries = expr.text.rfind("TRY_", 0) == 0;
+    if (tries) {
+        Typed result;
+        result.type = type;
+        const std::string style = expr.args.size() > 1 ? bindValue(*expr.args[1]).sql : "-1";
+        result.sql =
+            "ts_try(" + value.sql + "," + std::to_string(typeCode(value.type)) + "," + std::to_string(typeCode(type)) + "," + style + ")";
+        return result;
+    }
+    if (value.type.isDate() && type.isBinary())
+        throw unsupported("a date as binary", expr.line);
+    if (expr.args.size() < 2)
+        return convertTo(std::move(value), type);
+    const Typed style = convertTo(bindValue(*expr.args[1]), simpleType(TypeKind::Int));
+    if (style.literal && !style.literal->isNull())
+        return convertTo(std::move(value), type, ConvertFor::Value, static_cast<int>(style.literal->integer));
+    Typed result;
+    result.type = type;
+    result.sql =
+        "ts_cv(" + value.sql + "," + std::to_string(typeCode(value.type)) + "," + std::to_string(typeCode(type)) + "," + style.sql + ")";
+    return result;
+}
+
+Typed Binder::collate(const Expr& expr) {
+    Typed value = bindValue(*expr.args[0]);
+    if (!value.type.isText())
+        throw typeError(447, "Expression type " + kindNameOf(value.type) + " is invalid for COLLATE clause.", expr.line);
+    if (sameName(expr.text, "database_default")) {
+        value.collation = "ts";
+        return value;
+    }
+    const auto contains = [&](std::string_view part) { return expr.text.find(part) != std::string::npos; };
+    if (contains("_BIN"))
+        value.collation = "ts_bin";
+    else if (contains("_CS"))
+        value.collation = "ts_cs";
+    else if (contains("_AI"))
+        throw unsupported("a collation without accents", expr.line);
+    else if (contains("_CI"))
+        value.collation = "ts";
+    else
+        throw nameError(448, "Invalid collation '" + expr.text + "'.", expr.line);
+    value.isColumn = false;
+    return value;
+}
+
+std::string Binder::collationOf(const Typed& left, const Typed& right) {
+    if (!left.collation.empty())
+        return left.collation;
+    return right.collation.empty() ? "ts" : right.collation;
+}
+
+std::string Binder::collated(const Typed& value) const {
+    if (!value.type.isText() && value.type.kind != TypeKind::UniqueIdentifier)
+        return value.sql;
+    return value.sql + " COLLATE " + (value.collation.empty() ? "ts" : value.collation);
+}
+
+} // namespace merchantry::db::tsql

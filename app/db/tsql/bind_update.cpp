@@ -1,0 +1,310 @@
+#include "app/db/tsql/binder.h"
+
+#include "app/db/tsql/errors.h"
+#include "app/db/tsql/token.h"
+#include "base/text.h"
+
+#include <algorithm>
+
+namespace merchantry::db::tsql {
+namespace {
+
+bool isOfKey(const TableDef& table, const std::string& column) {
+    const auto has = [&](const std::vector<IndexColumn>& columns) {
+        return std::any_of(columns.begin(), columns.end(), [&](const IndexColumn& one) { return sameName(one.name, column); });
+    };
+    return std::any_of(table.keys.begin(), table.keys.end(), [&](const KeyDef& key) { return has(key.columns); }) ||
+           std::any_of(table.indexes.begin(), table.indexes.end(),
+                       [&](const IndexDef& index) { return index.unique && has(index.columns); });
+}
+
+} // namespace
+
+bool Binder::containsSubquery(const Expr& expr) const {
+    if (expr.query)
+        return true;
+    if (expr.kind == ExprKind::Function && expr.name.parts.size() > 1) // may read tables
+        return true;
+    if (expr.input && containsSubquery(*expr.input))
+        return true;
+    return std::any_of(expr.args.begin(), expr.args.end(), [&](const ExprPtr& arg) { return containsSubquery(*arg); });
+}
+
+// Binds the FROM of a change and finds the source that is changed. Gives the text of FROM and the base row; the source is a copy.
+BaseRow Binder::changeTarget(const ObjectName& name, const std::vector<TableRefPtr>& from, Scope& scope, std::string& tail,
+                             Source& source) {
+    if (!from.empty()) {
+        tail = bindFrom(from, scope);
+        std::vector<std::size_t> byTable;
+        for (std::size_t i = 0; i < scope.sources.size(); ++i) {
+            const Source& one = scope.sources[i];
+            if (name.parts.size() == 1 && sameName(one.exposed, name.last())) {
+                byTable.assign(1, i);
+                break;
+            }
+            const bool same = one.name.empty() ? one.bases.size() == 1 && one.viewId == 0 && sameName(one.bases[0].table->name, name.last())
+                                               : sameName(one.name.last(), name.last());
+            if (same)
+                byTable.push_back(i);
+        }
+        if (byTable.size() > 1)
+            throw nameError(8154, "The table '" + name.last() + "' is ambiguous.", name.line);
+        if (byTable.size() == 1)
+            source = scope.sources[byTable[0]];
+    }
+    if (source.columns.empty()) {
+        TableRef ref;
+        ref.kind = name.last().front() == '@' ? TableRef::Kind::Variable : TableRef::Kind::Table;
+        ref.name = name;
+        ref.line = name.line;
+        const std::string own = bindTable(ref, scope);
+        tail += (tail.empty() ? "" : ",") + own;
+        source = scope.sources.back();
+    }
+    if (source.bases.empty()) {
+        const std::shared_ptr<const TableDef> table = findTable(name);
+        if (table && table->readOnly)
+            throw typeError(286, "The logical tables INSERTED and DELETED and the catalogue cannot be updated.", name.line);
+        throw typeError(4403,
+                        "Cannot update the view or function '" + name.last() +
+                            "' because it contains aggregates, or a DISTINCT or GROUP BY clause, or PIVOT or UNPIVOT operator.",
+                        name.line);
+    }
+    return source.bases[0];
+}
+
+std::string Binder::assignedValue(const Assignment& assignment, const TableDef& table, int column, Scope& scope,
+                                  const std::string& current) {
+    (void)scope;
+    Typed value = assignment.value->kind == ExprKind::Default ? defaultOf(table, column) : bindValue(*assignment.value);
+    if (assignment.op != "=") {
+        Typed before;
+        before.type = table.columns[static_cast<std::size_t>(column)].type;
+        before.sql = current;
+        value = arithmetic(assignment.op[0], std::move(before), std::move(value), assignment.line);
+    }
+    std::string sql = storedValue(std::move(value), table, column, assignment.line);
+    if (!assignment.variable.empty()) {
+        const int slot = variableSlot(assignment.variable, assignment.line);
+        sql = "ts_setvar(" + std::to_string(slot) + "," + sql + "," +
+              std::to_string(typeCode(table.columns[static_cast<std::size_t>(column)].type)) + "," +
+              std::to_string(typeCode(context_.variables[static_cast<std::size_t>(slot)].type)) + ")";
+    }
+    return sql;
+}
+
+ChangePlan Binder::update(const UpdateStatement& statement) {
+    if (!statement.currentOf.empty())
+        throw unsupported("WHERE CURRENT OF", statement.line);
+    for (const CommonTable& table : statement.commonTables)
+        commonTables_.push_back(&table);
+    for (const Assignment& assignment : statement.assignments) {
+        if (!assignment.variable.empty())
+            assigned_.insert(variableSlot(assignment.variable, assignment.line));
+    }
+    Scope scope;
+    Scope* before = scope_;
+    scope_ = &scope;
+    std::string from;
+    Source source;
+    BaseRow base = changeTarget(statement.table, statement.from, scope, from, source);
+    const bool instead = (source.viewId != 0 && context_.catalog.hasInsteadTrigger(source.viewId, "update")) ||
+                         (source.viewId == 0 && context_.catalog.hasInsteadTrigger(base.table->id, "update"));
+    // Through a view of several tables the assigned columns say which one is meant.
+    for (const Assignment& assignment : statement.assignments) {
+        for (const BoundColumn& column : source.columns) {
+            if (assignment.column.empty() || !sameName(column.name, assignment.column) || !column.value.table)
+                continue;
+            for (const BaseRow& one : source.bases) {
+                if (one.table->id == column.value.table->id)
+                    base = one;
+            }
+        }
+    }
+    const TableDef& table = *base.table;
+    std::map<int, std::string> values;
+    std::map<std::string, std::string> insteadValues;
+    std::string variables;
+    bool subqueries = false;
+    ChangePlan plan;
+    plan.updated.assign(table.columns.size(), false);
+    for (const Assignment& assignment : statement.assignments) {
+        subqueries = subqueries || containsSubquery(*assignment.value);
+        if (assignment.column.empty()) {
+            const int slot = variableSlot(assignment.variable, assignment.line);
+            const SqlType& type = context_.variables[static_cast<std::size_t>(slot)].type;
+            Typed value = bindValue(*assignment.value);
+            if (assignment.op != "=") {
+                Typed old;
+                old.type = type;
+                old.sql = "ts_var(" + std::to_string(slot) + ")";
+                value = arithmetic(assignment.op[0], std::move(old), std::move(value), assignment.line);
+            }
+            variables += "ts_setvar(" + std::to_string(slot) + "," + implicitTo(std::move(value), type, assignment.line).sql + "),";
+            continue;
+        }
+        const BoundColumn* target = nullptr;
+        for (const BoundColumn& column : source.columns) {
+            if (sameName(column.name, assignment.column))
+                target = &column;
+        }
+        if (!target)
+            throw nameError(207, "Invalid column name '" + assignment.column + "'.", assignment.line);
+        if (instead) {
+            Typed value = implicitTo(bindValue(*assignment.value), target->value.type, assignment.line);
+            insteadValues[lowerCase(target->name)] = value.sql;
+            continue;
+        }
+        if (!target->value.table || target->value.table->id != table.id)
+            throw typeError(4406,
+                            "Update or insert of view or function '" + statement.table.last() +
+                                "' failed because it contains a derived or constant field.",
+                            assignment.line);
+        const int column = target->value.column;
+        const ColumnDef& definition = table.columns[static_cast<std::size_t>(column)];
+        if (definition.computed)
+            throw typeError(271,
+                            "The column \"" + definition.name +
+                                "\" cannot be modified because it is either a computed column or is the result of a UNION operator.",
+                            assignment.line);
+        if (definition.identity)
+            throw typeError(8102, "Cannot update identity column '" + definition.name + "'.", assignment.line);
+        if (values.count(column) != 0)
+            throw syntaxError(264,
+                              "The column name '" + definition.name +
+                                  "' is specified more than once in the SET clause. A column cannot be assigned more than one value in the "
+                                  "same SET clause.",
+                              assignment.line);
+        values[column] = assignedValue(assignment, table, column, scope, target->value.sql);
+        plan.updated[static_cast<std::size_t>(column)] = true;
+        plan.changesKey = plan.changesKey || isOfKey(table, definition.name);
+    }
+    std::string where;
+    if (statement.where) {
+        scope.clause = "WHERE";
+        where = " WHERE " + bindCondition(*statement.where);
+    }
+    const std::string limit = topLimit(statement.top);
+    plan.kind = ChangePlan::Kind::Update;
+    plan.table = base.table;
+    if (instead) {
+        std::string tail = " FROM " + from + where + limit;
+        bindInstead(plan, source, insteadValues, tail, true, true);
+        scope_ = before;
+        return plan;
+    }
+    if (values.empty())
+        throw unsupported("UPDATE that sets variables only", statement.line);
+    if (!variables.empty())
+        values.begin()->second = "ts_last(" + variables + values.begin()->second + ")";
+    const bool simple =
+        statement.from.empty() && limit.empty() && !subqueries && source.viewId == 0 && source.sqlAlias + "._rowid_" == base.sql;
+    std::string sets;
+    std::string given;
+    for (const auto& [column, value] : values) {
+        const std::string name = quotedName(table.columns[static_cast<std::size_t>(column)].name);
+        const std::string number = std::to_string(column);
+        sets += (sets.empty() ? "" : ",") + name + "=" + (simple ? value : "u._v" + number);
+        given += "," + value + " AS _v" + number;
+    }
+    if (simple)
+        plan.sql.text = "UPDATE " + table.storage + " AS " + source.sqlAlias + " SET " + sets + where;
+    else
+        plan.sql.text = "UPDATE " + table.storage + " AS tt SET " + sets + " FROM (SELECT " + base.sql + " AS _rid" + given + " FROM " +
+                        from + where + limit + ") AS u WHERE tt._rowid_=u._rid";
+    if (plan.changesKey && !table.isTemporary()) {
+        const std::string rows = "SELECT " + base.sql + " AS _rid" + given + " FROM " + from + where + limit;
+        std::string all;
+        for (std::size_t i = 0; i < table.columns.size(); ++i) {
+            if (table.columns[i].computed)
+                continue;
+            all += "," + (values.count(static_cast<int>(i)) != 0 ? "u._v" + std::to_string(i) : "tt." + quotedName(table.columns[i].name));
+        }
+        plan.newRows.text = "SELECT u._rid" + all + " FROM (" + rows + ") AS u JOIN " + table.storage + " AS tt ON tt._rowid_=u._rid";
+        plan.newRows.places = places_;
+    }
+    scope_ = before;
+    plan.sql.places = places_;
+    if (statement.output)
+        bindOutput(plan, *statement.output);
+    return plan;
+}
+
+// The rows of inserted and deleted that an instead-of trigger gets.
+void Binder::bindInstead(ChangePlan& plan, const Source& source, const std::map<std::string, std::string>& values, const std::string& tail,
+                         bool withNew, bool withOld) {
+    auto shape = std::make_shared<TableDef>();
+    shape->id = source.viewId != 0 ? source.viewId : plan.table->id;
+    std::string oldRow;
+    std::string newRow;
+    for (const BoundColumn& column : source.columns) {
+        ColumnDef definition;
+        definition.name = column.name;
+        definition.type = column.value.type;
+        shape->columns.push_back(std::move(definition));
+        const auto found = values.find(lowerCase(column.name));
+        oldRow += (oldRow.empty() ? "" : ",") + column.value.sql;
+        newRow += (newRow.empty() ? "" : ",") + (found == values.end() ? column.value.sql : found->second);
+    }
+    plan.insteadOf = shape->id;
+    plan.insteadShape = shape;
+    if (withNew)
+        plan.insteadNew = {"SELECT " + newRow + tail, places_};
+    if (withOld)
+        plan.insteadOld = {"SELECT " + oldRow + tail, places_};
+    plan.updated.assign(source.columns.size(), true);
+}
+
+// A select over the inserted and deleted rows side by side.
+void Binder::bindOutput(ChangePlan& plan, const OutputClause& output) {
+    Scope scope;
+    const auto pseudo = [&](const char* name) {
+        auto table = std::make_shared<TableDef>(*plan.table);
+        table->name = name;
+        table->readOnly = true;
+        table->storage = "temp.\"ts_" + std::string(name) + "_" + std::to_string(plan.table->id) + "\"";
+        const std::string alias = nextAlias();
+        Source source = tableSourceOf(table, alias);
+        source.exposed = name;
+        scope.sources.push_back(std::move(source));
+        return table->storage + " AS " + alias;
+    };
+    std::string from;
+    if (plan.kind != ChangePlan::Kind::Delete)
+        from = pseudo("inserted");
+    if (plan.kind != ChangePlan::Kind::Insert) {
+        const std::string second = pseudo("deleted");
+        from += from.empty()
+                    ? second
+                    : " JOIN " + second + " ON " + scope.sources[0].sqlAlias + "._rowid_=" + scope.sources[1].sqlAlias + "._rowid_";
+    }
+    Scope* before = scope_;
+    scope_ = &scope;
+    SelectCore core;
+    BoundQuery query;
+    for (const SelectItem& item : output.items) {
+        if (item.star) {
+            expandStar(item, scope, query.columns);
+            continue;
+        }
+        BoundColumn column;
+        column.value = bindValue(*item.expr);
+        column.name = item.alias.empty() && item.expr->kind == ExprKind::Column ? item.expr->name.last() : item.alias;
+        query.columns.push_back(std::move(column));
+    }
+    scope_ = before;
+    query.tail = " FROM " + from;
+    Query plainQuery;
+    plan.output = std::make_shared<QueryPlan>(this->plan(query, plainQuery));
+    if (output.into.empty())
+        return;
+    InsertStatement insert;
+    insert.table = output.into;
+    insert.table.line = 0;
+    insert.columns = output.intoColumns;
+    insert.hasColumns = !output.intoColumns.empty();
+    Binder binder(context_);
+    plan.outputInto = std::make_shared<ChangePlan>(binder.insertRow(insert, columnTypes(query)));
+}
+
+} // namespace merchantry::db::tsql

@@ -1,0 +1,251 @@
+#pragma once
+
+#include "app/db/tsql/ast.h"
+#include "app/db/tsql/catalog.h"
+#include "app/db/tsql/convert.h"
+#include "app/db/tsql/plan.h"
+#include "app/db/tsql/types.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace merchantry::db::tsql {
+
+// A variable of a batch or module.
+struct Variable {
+    std::string name; // with @
+    SqlType type;
+    bool isCursor = false;
+};
+
+// What a statement is bound against, beside the catalogue.
+struct BindContext {
+    Catalog& catalog;
+    const std::vector<Variable>& variables;
+    bool ansiNulls = true;
+    const TableDef* triggerTable = nullptr;             // in a trigger: the table
+    std::shared_ptr<const TableDef> inserted = nullptr; // in a trigger or for OUTPUT
+    std::shared_ptr<const TableDef> deleted = nullptr;
+};
+
+// A bound expression: SQL for SQLite that gives cells of the type.
+struct Typed {
+    std::string sql;
+    SqlType type;
+    bool nullable = true;
+    std::optional<Cell> literal;
+    bool isColumn = false;
+    std::shared_ptr<const TableDef> table; // of a plain column
+    int column = -1;
+    std::string collation; // explicit
+};
+
+struct BoundColumn {
+    Typed value;
+    std::string name;
+};
+
+// A row of a base table that stands behind a row of a source, by its rowid.
+struct BaseRow {
+    std::shared_ptr<const TableDef> table;
+    std::string sql;
+};
+
+struct Source {
+    std::string exposed; // the name by which columns are qualified
+    ObjectName name;     // a table's own, when it has no alias
+    std::string sqlAlias;
+    std::vector<BoundColumn> columns;
+    std::vector<BaseRow> bases;
+    std::int64_t viewId = 0;
+    bool grouped = false; // a view that shows no single rows
+};
+
+// The sources that a query's names can mean, and the queries around it.
+struct Scope {
+    Scope* outer = nullptr;
+    std::vector<Source> sources;
+    bool grouped = false;
+    std::vector<Typed> groups;
+    int insideAggregate = 0;
+    bool aggregatesAllowed = false;
+    bool windowsAllowed = false;
+    const char* clause = "SELECT"; // where the binder is, for 8120, 8121, 8127
+    const std::vector<BoundColumn>* outputs = nullptr;
+};
+
+struct BoundQuery {
+    std::vector<BoundColumn> columns;
+    // one select
+    bool distinct = false;
+    std::string tail; // FROM to HAVING
+    // or two with an operator
+    SetOperator op = SetOperator::None;
+    std::unique_ptr<BoundQuery> left;
+    std::unique_ptr<BoundQuery> right;
+    std::string orderBy;
+    std::string limit;
+    bool hasTop = false;
+    bool ties = false;
+    bool oneRow = false;    // never more than one
+    bool grouped = false;   // its rows are no rows of tables
+    bool hasRowIds = false; // give the rowids of bases as columns _r0, ...
+    std::vector<BaseRow> bases;
+    std::string level; // of a recursive part: how deep it is
+};
+
+// Looks up names and types and turns a tree into SQL for SQLite. One binder serves one statement; what it gives is a plan.
+// Throws DbError of category Name (207, 208, 209, 4104, ...), Type (402, 8117, ...) or Syntax with the line.
+class Binder {
+public:
+    explicit Binder(const BindContext& context) : context_(context) {}
+
+    QueryPlan query(const Query& query);
+    ValuePlan value(const Expr& expr, const std::optional<SqlType>& target = std::nullopt);
+    ValuePlan condition(const Expr& expr);
+    // @variable op (value), as SET @variable op= value means it.
+    ValuePlan compound(const std::string& variable, char op, const Expr& value, int line);
+    ChangePlan insert(const InsertStatement& statement);
+    // INSERT ... EXEC: the columns that take the rows, as a plan whose places are the cells of a row in order.
+    ChangePlan insertRow(const InsertStatement& statement, const std::vector<SqlType>& types);
+    ChangePlan update(const UpdateStatement& statement);
+    ChangePlan deleteFrom(const DeleteStatement& statement);
+    // A check, default or computed column of a table, as SQLite text over its bare column names.
+    std::string check(const TableDef& table, const Expr& expr);
+    Typed computed(const TableDef& table, const Expr& expr);
+    // The columns of a view, as the catalogue shows them.
+    std::vector<BoundColumn> viewColumns(const ViewDef& view);
+    // The type of a declared variable, parameter or column.
+    SqlType declaredType(const TypeName& name, bool* nullable = nullptr);
+    int variableSlot(const std::string& name, int line) const;
+
+private:
+    friend class FunctionBinder;
+
+    // expressions
+    Typed bindValue(const Expr& expr);
+    Typed bindValueOf(const Expr& expr);
+    std::string bindCondition(const Expr& expr);
+    Typed integerLiteral(const Expr& expr);
+    Typed numberLiteral(const Expr& expr);
+    Typed moneyLiteral(const Expr& expr);
+    Typed textLiteral(const Expr& expr);
+    Typed binaryLiteral(const Expr& expr);
+    Typed column(const Expr& expr);
+    Typed resolved(Scope& scope, const Source& source, const BoundColumn& column, const Expr& expr);
+    Typed variable(const Expr& expr);
+    Typed systemVariable(const Expr& expr);
+    Typed system(SystemValue value, const SqlType& type);
+    Typed unary(const Expr& expr);
+    Typed arithmetic(const Expr& expr);
+    Typed arithmetic(char op, Typed left, Typed right, int line);
+    Typed caseOf(const Expr& expr);
+    Typed cast(const Expr& expr);
+    Typed subquery(const Expr& expr);
+    Typed collate(const Expr& expr);
+    std::string compare(const std::string& op, Typed left, Typed right, int line);
+    std::string like(const Expr& expr);
+    std::string inList(const Expr& expr);
+    std::string inQuery(const Expr& expr);
+    std::string quantified(const Expr& expr);
+    Typed convertTo(Typed value, const SqlType& to, ConvertFor purpose = ConvertFor::Value, int style = -1);
+    Typed implicitTo(Typed value, const SqlType& to, int line, ConvertFor purpose = ConvertFor::Value);
+    std::string collated(const Typed& value) const;
+    static std::string collationOf(const Typed& left, const Typed& right);
+    std::string place(bool system, int slot);
+
+    // functions
+    Typed function(const Expr& expr);
+    Typed userFunction(const Expr& expr);
+    Typed aggregate(const Expr& expr, const std::string& name);
+    Typed windowed(const Expr& expr, const std::string& name);
+    std::string over(const WindowSpec& window);
+    bool containsAggregate(const Expr& expr) const;
+    bool containsAggregate(const SelectCore& core) const;
+
+    // queries
+    std::unique_ptr<BoundQuery> bindQuery(const Query& query, bool topLevel);
+    std::unique_ptr<BoundQuery> bindCore(const Query& query, const SelectCore& core);
+    std::unique_ptr<BoundQuery> bindSetOperation(const Query& query);
+    std::unique_ptr<BoundQuery> bindSubquery(const Query& query);
+    void bindItems(const SelectCore& core, Scope& scope, BoundQuery& result);
+    void bindGroups(const SelectCore& core, Scope& scope);
+    std::string orderBy(const std::vector<OrderItem>& items, Scope* scope, const BoundQuery& result);
+    std::string orderItem(const OrderItem& item, Scope* scope, const BoundQuery& result, std::string& key);
+    void bindTop(const TopClause& top, BoundQuery& result);
+    void expandStar(const SelectItem& item, const Scope& scope, std::vector<BoundColumn>& columns) const;
+    static std::string render(const BoundQuery& query, const Binder& binder, const std::vector<SqlType>* types = nullptr,
+                              bool forceOneRow = false);
+    std::vector<SqlType> columnTypes(const BoundQuery& query) const;
+    QueryPlan plan(const BoundQuery& bound, const Query& query);
+
+    // FROM
+    std::string bindFrom(const std::vector<TableRefPtr>& from, Scope& scope);
+    std::string bindTableRef(const TableRef& ref, Scope& scope);
+    std::string bindJoin(const TableRef& ref, Scope& scope);
+    std::string bindTable(const TableRef& ref, Scope& scope);
+    std::string bindDerived(const TableRef& ref, const Query& query, Scope& scope, const std::vector<std::string>& names, int line);
+    std::string bindView(const TableRef& ref, const ViewDef& view, Scope& scope);
+    std::string bindValues(const TableRef& ref, Scope& scope);
+    std::string bindTableFunction(const TableRef& ref, Scope& scope);
+    std::string bindCommonTable(const TableRef& ref, const CommonTable& table, Scope& scope);
+    std::string bindRecursive(const TableRef& ref, const CommonTable& table, Scope& scope);
+    void addSource(Scope& scope, Source source, const TableRef& ref);
+    Source tableSourceOf(std::shared_ptr<const TableDef> table, const std::string& sqlAlias);
+    std::string fromRecursion(const TableRef& ref, Scope& scope, std::size_t index);
+    void fillComputed(Source& source);
+    std::shared_ptr<const TableDef> findTable(const ObjectName& name);
+    const CommonTable* findCommonTable(const ObjectName& name) const;
+    std::string nextAlias();
+    std::unique_ptr<BoundQuery> boundView(const ViewDef& view);
+
+    // changes
+    struct Target {
+        std::shared_ptr<const TableDef> table;
+        std::vector<int> columns; // INSERT through a view: the table's columns that the view shows
+        std::vector<std::string> names;
+        std::int64_t viewId = 0;
+    };
+    Target insertTarget(const ObjectName& name);
+    std::vector<int> insertColumns(const InsertStatement& statement, const Target& target);
+    void checkIdentity(const TableDef& table, const std::vector<int>& columns, bool named, int line);
+    Typed defaultOf(const TableDef& table, int column);
+    std::string storedValue(Typed value, const TableDef& table, int column, int line);
+    std::vector<std::string> rowValues(const TableDef& table, const std::vector<int>& columns, const std::vector<std::string>& given);
+    std::string insertHead(const TableDef& table) const;
+    std::string insertValues(const InsertStatement& statement, const Target& target, const std::vector<int>& columns);
+    std::string insertQuery(const InsertStatement& statement, const Target& target, const std::vector<int>& columns);
+    void checkWidth(const InsertStatement& statement, std::size_t wanted, std::size_t given, bool values) const;
+    void bindOutput(ChangePlan& plan, const OutputClause& output);
+    BaseRow changeTarget(const ObjectName& name, const std::vector<TableRefPtr>& from, Scope& scope, std::string& tail, Source& source);
+    std::string assignedValue(const Assignment& assignment, const TableDef& table, int column, Scope& scope, const std::string& current);
+    bool containsSubquery(const Expr& expr) const;
+    std::string topLimit(const std::optional<TopClause>& top);
+    void bindInstead(ChangePlan& plan, const Source& source, const std::map<std::string, std::string>& values, const std::string& tail,
+                     bool withNew, bool withOld);
+
+    const BindContext context_;
+    std::vector<Placeholder> places_;
+    std::map<std::pair<bool, int>, int> placeOf_;
+    Scope* scope_ = nullptr;
+    std::vector<const CommonTable*> commonTables_;
+    struct Recursion {
+        const CommonTable* table;
+        std::string sqlName;
+        std::vector<BoundColumn> columns;
+        std::string alias;
+    };
+    std::vector<Recursion> recursions_;
+    int maxRecursion_ = 100;
+    bool inDefinition_ = false;                          // of a check, default or computed column: no places
+    std::vector<std::pair<std::string, Typed>> inlined_; // parameters of a table function
+    std::set<int> assigned_;                             // slots that this statement sets while it runs
+    int aliases_ = 0;
+    int depth_ = 0;
+};
+
+} // namespace merchantry::db::tsql

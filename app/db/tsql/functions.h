@@ -1,0 +1,19 @@
+#pragma once
+
+#include "app/db/tsql/binder.h"
+
+#include <string_view>
+
+namespace merchantry::db::tsql {
+
+// The parts of a date, by the number under which the engine's functions know them.
+enum class DatePart { Year, Quarter, Month, DayOfYear, Day, Week, Weekday, Hour, Minute, Second, Millisecond };
+
+// -1 for a word that is no part of a date.
+int datePartOf(std::string_view word);
+
+// The call of an aggregate over a bound value; throws DbError 8117 for a type that it does not take.
+Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line, const Binder& binder,
+                  const std::function<Typed(Typed, const SqlType&)>& convert);
+
+} // namespace merchantry::db::tsql

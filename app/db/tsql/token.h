@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace merchantry::db::tsql {
+
+enum class TokenKind {
+    Word,           // a bare name or a word of the language
+    Quoted,         // [name] or "name"
+    Variable,       // @name
+    SystemVariable, // @@name
+    Integer,
+    Number, // digits with a point
+    Float,  // with an exponent
+    Money,  // $1.50
+    Text,   // 'text'
+    WideText,
+    Binary, // 0x...
+    Symbol,
+    End,
+};
+
+// A piece of a batch. The text lies in the batch, which must outlive the token; names and texts stand without their quotes.
+struct Token {
+    TokenKind kind = TokenKind::End;
+    std::string_view text;
+    bool doubled = false; // the closing quote stands doubled inside, so that value() must undo it
+    bool blankBefore = false;
+    int line = 1;
+    std::size_t begin = 0; // place in the batch, in bytes
+    std::size_t end = 0;
+    char quote = 0;
+
+    // The name or text with doubled quotes undone.
+    std::string value() const;
+    // Whether this is that bare word, in any case. Requires: word in capitals.
+    bool is(std::string_view word) const;
+    bool isSymbol(std::string_view symbol) const { return kind == TokenKind::Symbol && text == symbol; }
+};
+
+// Cuts a batch into tokens, the last of which is End. With quotedIdentifiers "x" is a name, otherwise a text.
+// Throws DbError 105 for a text or name that is not closed, 113 for a comment that is not closed.
+std::vector<Token> tokensOf(std::string_view batch, bool quotedIdentifiers);
+
+// Whether a bare word cannot be a name. Requires nothing of its case.
+bool isReservedWord(std::string_view word);
+
+// Whether two names or words are the same without case (ASCII fast, other letters folded).
+bool sameName(std::string_view left, std::string_view right);
+
+} // namespace merchantry::db::tsql

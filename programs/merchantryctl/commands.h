@@ -1,0 +1,11 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+// The subcommands of merchantryctl, one source file each. Each adds itself to the program and sets the exit code: 0 done, 1 failed.
+// What they throw is told by main.
+namespace merchantry::programs {
+
+void addSqlCommand(CLI::App& program, int& exitCode);
+
+} // namespace merchantry::programs
