@@ -17,6 +17,19 @@ public:
     std::vector<Row> rows;
 };
 
+// A parameter's value must be of its type's own kind.
+Value fitted(Value value, char letter) {
+    if (value.isNull())
+        return value;
+    if (letter == 'f')
+        return value.toNumber();
+    if (letter == 'm')
+        return value.toCurrency();
+    if (letter == 'b')
+        return value.toFlag();
+    return value;
+}
+
 } // namespace
 
 std::vector<Row> query(db::Session& session, std::string_view batch) {
@@ -28,7 +41,7 @@ std::vector<Row> query(db::Session& session, std::string_view batch) {
 void run(db::Session& session, std::string_view batch, std::string_view types, Row values) {
     std::vector<db::Parameter> parameters;
     for (std::size_t i = 0; i < values.size(); ++i)
-        parameters.push_back({"p" + std::to_string(i + 1), typeOf(types[i]), std::move(values[i]), false});
+        parameters.push_back({"p" + std::to_string(i + 1), typeOf(types[i]), fitted(std::move(values[i]), types[i]), false});
     db::NoResult none;
     session.execute(batch, parameters, none);
 }
