@@ -57,7 +57,8 @@ std::string fitting(const TextBox& box, const std::string& text) {
 // Keys that work on the text of a box; false when this one means nothing there.
 bool editText(TextBox& box, const std::string& name) {
     if (name == "Ctrl+C") {
-        box.form().desk().copyText(box.selectedText());
+        if (!box.password)
+            box.form().desk().copyText(box.selectedText());
         return true;
     }
     if (name == "Ctrl+A") {

@@ -5,6 +5,7 @@
 #include "ui/qt/qtdesk.h"
 
 #include <QHash>
+#include <QLayout>
 #include <QWidget>
 
 #include <map>

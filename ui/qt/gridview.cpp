@@ -310,7 +310,12 @@ void GridView::moveBy(int rows, int columns) {
         select(row, column);
 }
 
+// One row: its current cell. Several: all that is shown of them, for a spreadsheet.
 void GridView::copySelection() {
+    if (grid_.firstSelected() == grid_.lastSelected()) {
+        act([this] { gestures::key(*host_.form(), "Ctrl+C"); });
+        return;
+    }
     QStringList lines;
     for (int row = std::max(1, grid_.firstSelected()); row <= grid_.lastSelected(); ++row) {
         QStringList cells;

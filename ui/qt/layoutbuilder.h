@@ -2,6 +2,8 @@
 
 #include "ui/layout.h"
 
+#include <Qt>
+
 #include <vector>
 
 class QBoxLayout;

@@ -11,6 +11,7 @@
 #include <QStackedWidget>
 #include <QTabBar>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 namespace merchantry::ui {
 namespace {

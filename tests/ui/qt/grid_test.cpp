@@ -4,6 +4,7 @@
 #include "ui/qt/gridview.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLineEdit>

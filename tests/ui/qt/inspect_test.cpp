@@ -3,6 +3,7 @@
 #include "ui/qt/inspect.h"
 
 #include <QApplication>
+#include <QTableView>
 #include <gtest/gtest.h>
 
 namespace merchantry::ui {

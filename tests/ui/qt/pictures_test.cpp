@@ -4,9 +4,12 @@
 #include "ui/qt/pictures.h"
 #include "ui/qt/qtdesk.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QImage>
+#include <QMenuBar>
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "ui/qt/skin.h"
 
 #include <QApplication>
-#include <QFontInfo>
-#include <QStyleFactory>
+#include <QFontMetrics>
+#include <QImage>
 #include <gtest/gtest.h>
 
 namespace merchantry::ui {
@@ -12,7 +12,7 @@ TEST(Skin, TextStandsOutOnItsGround) {
     for (const Tokens& t : {lightTokens(), darkTokens()}) {
         for (const QColor& ground : {t.paper, t.panel, t.head, t.alternate, t.soft, t.open, t.partial, t.closed})
             EXPECT_GE(contrast(t.ink, ground), 4.5) << ground.name().toStdString();
-        for (const QColor& ground : {t.paper, t.panel, t.head, t.alternate})
+        for (const QColor& ground : {t.paper, t.panel, t.head, t.alternate, t.soft})
             EXPECT_GE(contrast(t.dim, ground), 4.5) << ground.name().toStdString();
         for (const QColor& ink : {t.danger, t.caution, t.fine})
             EXPECT_GE(std::min(contrast(ink, t.panel), contrast(ink, t.paper)), 4.5) << ink.name().toStdString();
