@@ -37,35 +37,39 @@ bool isOn(const std::string& text) {
     return text == "1" || text == "-1" || sameText(text, "True") || sameText(text, "Yes");
 }
 
+// Colours and texts may come from a screen's procedure or a source that fails.
 void GridCell::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    const int row = index.row() + 1;
-    const int column = index.column();
-    if (host_.form() == nullptr || row > grid_.dataRows() || column >= grid_.columnCount())
-        return;
+    painter->save();
+    host_.act([&] {
+        if (index.row() < grid_.dataRows() && index.column() < grid_.columnCount())
+            paintCell(*painter, option, index.row() + 1, index.column());
+    });
+    painter->restore();
+}
+
+void GridCell::paintCell(QPainter& painter, const QStyleOptionViewItem& option, int row, int column) const {
     const Tokens& t = host_.skin().tokens();
     const bool selected = row == grid_.row() || (row >= grid_.firstSelected() && row <= grid_.lastSelected() && grid_.selected());
-    painter->save();
-    painter->fillRect(option.rect, selected ? t.soft : row % 2 == 0 ? t.alternate : t.panel);
-    painter->setPen(t.line);
-    painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
-    painter->setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(option.rect, selected ? t.soft : row % 2 == 0 ? t.alternate : t.panel);
+    painter.setPen(t.line);
+    painter.drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+    painter.setRenderHint(QPainter::Antialiasing);
     if (const QColor chip = host_.skin().ground(grid_.cellColor(row, column)); chip.isValid()) {
-        painter->setPen(Qt::NoPen);
-        painter->setBrush(chip);
-        painter->drawRoundedRect(QRectF(option.rect).adjusted(3, 3.5, -3, -4.5), 6, 6);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(chip);
+        painter.drawRoundedRect(QRectF(option.rect).adjusted(3, 3.5, -3, -4.5), 6, 6);
     }
     const GridColumn& shape = grid_.column(column);
     if (shape.editor == GridColumn::Editor::Check || shape.format == GridColumn::Format::Flag)
-        host_.skin().drawTick(*painter, tickIn(option.rect), isOn(grid_.text(row, column)), true, false);
+        host_.skin().drawTick(painter, tickIn(option.rect), isOn(grid_.text(row, column)), true, false);
     else
-        paintText(*painter, option.rect.adjusted(kCellMargin, 0, -kCellMargin, -1), row, column);
+        paintText(painter, option.rect.adjusted(kCellMargin, 0, -kCellMargin, -1), row, column);
     const auto* view = dynamic_cast<const QTableView*>(option.widget);
     if (view != nullptr && view->hasFocus() && row == grid_.row() && column == grid_.col()) {
-        painter->setPen(QPen(t.accent, 1.5));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawRoundedRect(QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -2.5), 4, 4);
+        painter.setPen(QPen(t.accent, 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -2.5), 4, 4);
     }
-    painter->restore();
 }
 
 void GridCell::paintText(QPainter& painter, const QRect& where, int row, int column) const {

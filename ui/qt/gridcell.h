@@ -15,6 +15,7 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
 private:
+    void paintCell(QPainter& painter, const QStyleOptionViewItem& option, int row, int column) const;
     void paintText(QPainter& painter, const QRect& where, int row, int column) const;
 
     FormWindow& host_;

@@ -68,11 +68,13 @@ bool GridView::act(const std::function<void()>& procedure) {
 void GridView::reload() {
     if (host_.form() == nullptr)
         return;
-    model_->reload();
-    hideColumns();
-    layOutColumns();
+    act([this] {
+        model_->reload();
+        hideColumns();
+        layOutColumns();
+        follow();
+    });
     viewport()->update();
-    follow();
 }
 
 void GridView::follow() {
@@ -125,7 +127,8 @@ int GridView::wishedWidth() const {
     return all;
 }
 
-// Widths from headings and the first rows; what is left over goes to the columns of words. The user's own widths stand.
+// Widths from headings and the first rows, growing only, so that a list does not jump while it is filtered; what is left over goes to the
+// columns of words. The user's own widths stand.
 void GridView::layOutColumns() {
     const int columns = model_->columnCount();
     if (columns == 0)
@@ -136,6 +139,7 @@ void GridView::layOutColumns() {
         dragged_ = !kept.isEmpty();
         for (int i = 0; dragged_ && i < columns; ++i)
             setColumnWidth(i, kept[i]);
+        asked_ = QList<int>(columns, 0);
     }
     if (!dragged_) {
         std::vector<int> words;
@@ -143,7 +147,8 @@ void GridView::layOutColumns() {
         for (int i = 0; i < columns; ++i) {
             if (grid_.column(i).hidden)
                 continue;
-            const int width = contentWidth(i);
+            int& width = asked_[i];
+            width = std::max(width, contentWidth(i));
             setColumnWidth(i, width);
             left -= width;
             const GridColumn& shape = grid_.column(i);
@@ -173,8 +178,7 @@ void GridView::rememberWidths() {
 
 void GridView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
-    if (host_.form() != nullptr)
-        layOutColumns();
+    act([this] { layOutColumns(); });
     placeEditor();
 }
 
@@ -205,7 +209,8 @@ bool GridView::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip && host_.form() != nullptr) {
         auto* help = static_cast<QHelpEvent*>(event);
         const QModelIndex at = indexAt(help->pos());
-        const QString text = at.isValid() ? toQt(grid_.text(at.row() + 1, at.column())) : QString();
+        QString text;
+        act([&] { text = at.isValid() ? toQt(grid_.text(at.row() + 1, at.column())) : QString(); });
         if (at.isValid() && Skin::figuresWidth(fontMetrics(), text) > columnWidth(at.column()) - 2 * kCellMargin)
             QToolTip::showText(help->globalPos(), text, this);
         else

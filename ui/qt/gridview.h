@@ -73,6 +73,7 @@ private:
     int editRow_ = 0;
     int editColumn_ = 0;
     int laidOutFor_ = -1;  // number of columns that have their widths
+    QList<int> asked_;     // the widths that content asked for so far
     bool dragged_ = false; // the user set the widths
     bool layingOut_ = false;
     int shown_ = 0; // the row last scrolled to

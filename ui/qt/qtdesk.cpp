@@ -105,7 +105,10 @@ void QtDesk::runDialog(QWidget& dialog) {
 
 // Closed forms are freed when nothing of theirs can be running: by the outermost loop.
 void QtDesk::sweepSoon() {
+    if (std::exchange(sweeping_, true))
+        return;
     QTimer::singleShot(0, &here_, [this] {
+        sweeping_ = false;
         if (depth_ == base_ && static_cast<int>(loops_.size()) == base_)
             sweep();
     });

@@ -101,6 +101,7 @@ private:
     QObject here_;  // what is put off ends with it
     int depth_ = 0; // procedures that are running
     int base_ = 0;  // 1 while the loop of run() is the outermost: its own procedure and loop hold no form
+    bool sweeping_ = false;
     int waits_ = 0;
     int loopsRun_ = 0;
 };

@@ -195,6 +195,52 @@ TEST_F(EventsTest, AScreenThatMovesItsControlsIsFollowed) {
     EXPECT_EQ(widget<QPushButton>(form.cmdCancel).geometry(), other);
 }
 
+namespace {
+
+// Moves its button and widens its field as it is resized, as forms with tags do.
+class Moving : public Form {
+public:
+    explicit Moving(Desk& owner) : Form(owner, "frmMoving", "Moving") {
+        setLayout(column({field("&Name:", txtName), row({at(cmdLeft), stretch(), at(cmdRight)})}));
+    }
+    TextBox txtName{*this, "txtName"};
+    Button cmdLeft{*this, "cmdLeft", "Left"};
+    Button cmdRight{*this, "cmdRight", "Right"};
+
+private:
+    void Form_Load() override { base_ = width(); }
+    void Form_Resize() override {
+        const Twips more = width() - base_;
+        base_ = width();
+        Place place = cmdRight.place();
+        place.left += more;
+        cmdRight.setPlace(place);
+        place = txtName.place();
+        place.width += more;
+        txtName.setPlace(place);
+    }
+    Twips base_ = 0;
+};
+
+} // namespace
+
+TEST_F(EventsTest, ControlsThatTheScreenMovesKeepTheirDistanceToTheEdge) {
+    auto& form = shown<Moving>();
+    FormWindow& window = *desk.window(form);
+    const int edge = window.width() - widget<QPushButton>(form.cmdRight).geometry().right();
+    const QRect left = widget<QPushButton>(form.cmdLeft).geometry();
+    const int gap = window.width() - widget<QLineEdit>(form.txtName).geometry().right();
+    for (const int width : {700, 520, 901}) {
+        window.resize(width, 400);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(form.width(), width * kTwipsPerPixel);
+        EXPECT_EQ(width - widget<QPushButton>(form.cmdRight).geometry().right(), edge);
+        EXPECT_EQ(width - widget<QLineEdit>(form.txtName).geometry().right(), gap);
+        EXPECT_EQ(widget<QPushButton>(form.cmdLeft).geometry(), left);
+    }
+    EXPECT_TRUE(window.freed());
+}
+
 TEST_F(EventsTest, MenusAndToolbarsGiveTheirCommands) {
     auto& form = shown<sample::Shell>();
     QList<QAction*> actions = desk.window(form)->menuBar()->findChildren<QAction*>(QStringLiteral("mnuDepartments"));

@@ -190,6 +190,14 @@ TEST_F(GridTest, AHundredThousandRowsAreReadInPlace) {
     form.grdOrders.bind(nullptr);
 }
 
+// A source that fails while its cells are drawn ends the run as any failure does, and never passes through the toolkit.
+TEST_F(GridTest, AFailureWhileDrawingEndsTheRun) {
+    form.grdOrders.colorOf = [](int, int) -> Color { throw std::runtime_error("The object is closed"); };
+    view().viewport()->grab();
+    EXPECT_TRUE(desk.ending());
+    EXPECT_EQ(desk.endMessage(), "Run-time error: The object is closed");
+}
+
 TEST_F(GridTest, AnEmptyListSaysWhatToDo) {
     form.grdOrders.setDataRows(0);
     QCoreApplication::processEvents();
