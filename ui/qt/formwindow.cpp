@@ -25,6 +25,7 @@ namespace merchantry::ui {
 namespace {
 
 constexpr int kNarrowest = 340;
+constexpr int kMark = 144;
 constexpr QSize kRoomy(920, 620);
 
 } // namespace
@@ -383,8 +384,8 @@ void FormWindow::closeEvent(QCloseEvent* event) {
 void FormWindow::changeEvent(QEvent* event) {
     if (event->type() == QEvent::WindowStateChange && form_ != nullptr)
         form_->setMinimised(isMinimized());
-    if (event->type() == QEvent::ActivationChange && form_ != nullptr && isActiveWindow() && !desk_.covered(*form_) && isVisible())
-        act([this] { desk_.giveKeyboard(*form_); });
+    if (event->type() == QEvent::ActivationChange && form_ != nullptr && isActiveWindow() && !form_->desk().covered(*form_) && isVisible())
+        act([this] { form_->desk().giveKeyboard(*form_); });
     QWidget::changeEvent(event);
 }
 
@@ -462,15 +463,20 @@ void FormWindow::rememberSize() {
         rememberSizeOf(form_->name(), size());
 }
 
-// A window without content of its own is not a hole: a calm mark stands in its middle.
+// A main window is no hole: a calm mark stands in its middle, above the words there if it has some.
 void FormWindow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), skin().tokens().paper);
-    if (menu_ == nullptr || form_ == nullptr || form_->layout().kind() != Item::Kind::Empty)
+    if (menu_ == nullptr || form_ == nullptr)
         return;
-    const int side = std::min({content_->width(), content_->height(), 144});
+    const int side = std::min({content_->width(), content_->height() / 3, kMark});
     QRect where(0, 0, side, side);
     where.moveCenter(content_->geometry().center());
+    for (const auto& drawing : drawings_)
+        if (drawing->control().takesFocus())
+            return; // a window to work in
+        else if (content_->isAncestorOf(drawing->widget()))
+            where.moveBottom(std::min(where.bottom(), drawing->widget()->mapTo(this, QPoint(0, -measure::kGroups)).y()));
     skin().icon(QStringLiteral("mark"), skin().tokens().line).paint(&painter, where);
 }
 

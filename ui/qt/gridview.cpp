@@ -127,8 +127,13 @@ int GridView::wishedWidth() const {
     return all;
 }
 
-// Widths from headings and the first rows, growing only, so that a list does not jump while it is filtered; what is left over goes to the
-// columns of words. The user's own widths stand.
+bool GridView::isWords(int column) const {
+    const GridColumn& shape = grid_.column(column);
+    return !shape.hidden && !standsRight(grid_, column) && shape.format == GridColumn::Format::Plain &&
+           shape.editor != GridColumn::Editor::Check && !shape.fixedWidth;
+}
+
+// The user's own widths stand; otherwise the content's are taken.
 void GridView::layOutColumns() {
     const int columns = model_->columnCount();
     if (columns == 0)
@@ -140,30 +145,32 @@ void GridView::layOutColumns() {
         for (int i = 0; dragged_ && i < columns; ++i)
             setColumnWidth(i, kept[i]);
         asked_ = QList<int>(columns, 0);
+        laidOutFor_ = columns;
     }
-    if (!dragged_) {
-        std::vector<int> words;
-        int left = viewport()->width();
-        for (int i = 0; i < columns; ++i) {
-            if (grid_.column(i).hidden)
-                continue;
-            int& width = asked_[i];
-            width = std::max(width, contentWidth(i));
-            setColumnWidth(i, width);
-            left -= width;
-            const GridColumn& shape = grid_.column(i);
-            if (!standsRight(grid_, i) && shape.format == GridColumn::Format::Plain && shape.editor != GridColumn::Editor::Check &&
-                !shape.fixedWidth)
-                words.push_back(i);
-        }
-        for (std::size_t k = 0; left > 0 && k < words.size(); ++k) {
-            const int share = left / static_cast<int>(words.size() - k);
-            setColumnWidth(words[k], columnWidth(words[k]) + share);
-            left -= share;
-        }
-    }
-    laidOutFor_ = columns;
+    if (!dragged_)
+        fitColumns();
     layingOut_ = false;
+}
+
+// Widths from headings and the first rows, growing only, so that a list does not jump while it is filtered; what is left over goes to the
+// columns of words.
+void GridView::fitColumns() {
+    std::vector<int> words;
+    int left = viewport()->width();
+    for (int i = 0; i < model_->columnCount(); ++i) {
+        if (grid_.column(i).hidden)
+            continue;
+        asked_[i] = std::max(asked_[i], contentWidth(i));
+        setColumnWidth(i, asked_[i]);
+        left -= asked_[i];
+        if (isWords(i))
+            words.push_back(i);
+    }
+    for (std::size_t k = 0; left > 0 && k < words.size(); ++k) {
+        const int share = left / static_cast<int>(words.size() - k);
+        setColumnWidth(words[k], columnWidth(words[k]) + share);
+        left -= share;
+    }
 }
 
 void GridView::rememberWidths() {
@@ -333,49 +340,54 @@ void GridView::copySelection() {
         host_.desk().copyText(fromQt(lines.join(QLatin1Char('\n'))));
 }
 
-void GridView::keyPressEvent(QKeyEvent* event) {
-    if (host_.form() == nullptr)
-        return;
-    const bool shift = event->modifiers() & Qt::ShiftModifier;
-    const bool control = event->modifiers() & Qt::ControlModifier;
+void GridView::step(int rows, bool extend) {
+    if (!extend)
+        return moveBy(rows, 0);
+    const int end = grid_.row() == grid_.firstSelected() ? grid_.lastSelected() : grid_.firstSelected();
+    extendTo(end + rows);
+}
+
+bool GridView::moveKey(int key, bool extend) {
     const int page = std::max(1, viewport()->height() / rowHeight() - 1);
-    const auto step = [&](int rows) {
-        shift ? extendTo((grid_.row() == grid_.firstSelected() ? grid_.lastSelected() : grid_.firstSelected()) + rows) : moveBy(rows, 0);
-    };
-    switch (event->key()) {
+    switch (key) {
     case Qt::Key_Up:
-        return step(-1);
+        return step(-1, extend), true;
     case Qt::Key_Down:
-        return step(1);
+        return step(1, extend), true;
     case Qt::Key_PageUp:
-        return step(-page);
+        return step(-page, extend), true;
     case Qt::Key_PageDown:
-        return step(page);
-    case Qt::Key_Left:
-        return moveBy(0, -1);
-    case Qt::Key_Right:
-        return moveBy(0, 1);
+        return step(page, extend), true;
     case Qt::Key_Home:
-        return moveBy(-grid_.dataRows(), 0);
+        return step(-grid_.dataRows(), extend), true;
     case Qt::Key_End:
-        return moveBy(grid_.dataRows(), 0);
-    case Qt::Key_F2:
-        return edit(grid_.row(), grid_.col());
+        return step(grid_.dataRows(), extend), true;
+    case Qt::Key_Left:
+        return moveBy(0, -1), true;
+    case Qt::Key_Right:
+        return moveBy(0, 1), true;
     default:
-        break;
+        return false;
     }
+}
+
+void GridView::keyPressEvent(QKeyEvent* event) {
+    if (host_.form() == nullptr || moveKey(event->key(), event->modifiers() & Qt::ShiftModifier))
+        return;
+    if (event->key() == Qt::Key_F2)
+        return edit(grid_.row(), grid_.col());
     if (event->matches(QKeySequence::Copy))
         return copySelection();
-    const QString typed = event->text();
-    const bool check = grid_.row() >= 1 && grid_.col() < grid_.columnCount() && grid_.col() >= 0 &&
+    const QString typed = event->modifiers() & Qt::ControlModifier ? QString() : event->text();
+    const bool print = !typed.isEmpty() && typed[0].isPrint();
+    const bool check = grid_.row() >= 1 && grid_.col() >= 0 && grid_.col() < grid_.columnCount() &&
                        grid_.column(grid_.col()).editor == GridColumn::Editor::Check;
-    if (event->key() == Qt::Key_Space && check)
+    if (check && event->key() == Qt::Key_Space)
         return edit(grid_.row(), grid_.col());
-    if (!control && !typed.isEmpty() && typed[0].isPrint() && grid_.editable && !check)
+    if (print && grid_.editable && !check)
         return edit(grid_.row(), grid_.col(), &typed);
-    if (!control && !typed.isEmpty() && typed[0].isPrint() && host_.typeIntoPanel(typed))
-        return;
-    event->ignore();
+    if (!print || !host_.typeIntoPanel(typed))
+        event->ignore();
 }
 
 } // namespace merchantry::ui

@@ -45,6 +45,8 @@ protected:
 private:
     bool act(const std::function<void()>& procedure);
     void layOutColumns();
+    void fitColumns();
+    bool isWords(int column) const;
     int contentWidth(int column) const;
     void hideColumns();
     void rememberWidths();
@@ -52,6 +54,8 @@ private:
     void select(int row, int column);
     void extendTo(int row);
     void moveBy(int rows, int columns);
+    void step(int rows, bool extend);
+    bool moveKey(int key, bool extend);
     int neighbour(int column, int step) const;
     void copySelection();
 

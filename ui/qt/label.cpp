@@ -67,6 +67,13 @@ public:
         host_.watch(*widget_, label);
     }
 
+    void wish(int characters, int lines) override {
+        Drawing::wish(characters, lines > 1 ? lines : 0);
+        wraps_ = lines > 1;
+        if (wraps_)
+            shown().setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    }
+
     void refresh(Aspect aspect) override {
         if (aspect == Aspect::Text)
             showText();
@@ -81,7 +88,7 @@ private:
         QString text = toQt(label_.caption());
         if (label_.alignRight)
             shown().setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        shown().setWordWrap(text.size() > kLongText || text.contains(QLatin1Char('\n')));
+        shown().setWordWrap(wraps_ || text.size() > kLongText || text.contains(QLatin1Char('\n')));
         shown().setText(text);
     }
     void showColors() {
@@ -96,6 +103,7 @@ private:
     }
 
     Label& label_;
+    bool wraps_ = false; // room for several lines was asked for
 };
 
 } // namespace

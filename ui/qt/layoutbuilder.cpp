@@ -17,6 +17,8 @@ namespace {
 
 using Kind = Item::Kind;
 
+constexpr std::size_t kLongNote = 80; // characters from which a note may take several lines
+
 bool isSpace(const Item& item) {
     return item.kind() == Kind::Stretch || item.kind() == Kind::Gap || item.kind() == Kind::Empty;
 }
@@ -168,9 +170,9 @@ QLabel* LayoutBuilder::caption(const std::string& text, Drawing* of) {
     return label;
 }
 
-LayoutBuilder::Piece LayoutBuilder::fieldLine(const Item& item, std::size_t firstBehind) {
+LayoutBuilder::Piece LayoutBuilder::fieldLine(const Item& item) {
     Piece first = control(item);
-    if (item.children().size() <= firstBehind)
+    if (item.children().empty())
         return first;
     auto* line = made<QHBoxLayout>();
     line->setSpacing(measure::kRelated);
@@ -189,7 +191,7 @@ LayoutBuilder::Piece LayoutBuilder::fieldLine(const Item& item, std::size_t firs
 LayoutBuilder::Piece LayoutBuilder::field(const Item& item) {
     auto* line = made<QHBoxLayout>();
     line->setSpacing(measure::kRelated);
-    const Piece rest = fieldLine(item, 0);
+    const Piece rest = fieldLine(item);
     QLabel* const label = caption(item.text(), window_.drawing(*item.control()));
     line->addWidget(label, 0, rest.tall ? Qt::AlignTop : Qt::AlignVCenter);
     if (rest.widget != nullptr)
@@ -249,39 +251,42 @@ LayoutBuilder::Piece LayoutBuilder::column(const Item& item) {
     return {nullptr, box, wide, tall};
 }
 
-void LayoutBuilder::addFieldRow(QGridLayout& grid, int line, const Item& item, bool& wide, bool& tall) {
+// The first field's controls and the rest of its row behind them.
+LayoutBuilder::Piece LayoutBuilder::ledLine(const Item& item) {
+    Piece piece = fieldLine(item.children().front());
+    auto* box = made<QHBoxLayout>();
+    box->setSpacing(measure::kRelated);
+    place(*box, item.children().front(), piece, {}, piece.wide);
+    for (std::size_t i = 1; i < item.children().size(); ++i) {
+        const Piece next = build(item.children()[i]);
+        place(*box, item.children()[i], next, {}, next.wide);
+        piece.wide = piece.wide || next.wide || item.children()[i].stretch() > 0;
+    }
+    if (!piece.wide)
+        box->addStretch(1);
+    return {nullptr, box, true, piece.tall};
+}
+
+// What is no field stands under the fields, or under captions and fields when it is a group of its own.
+LayoutBuilder::Piece LayoutBuilder::addOther(QGridLayout& grid, int line, const Item& item) {
+    const Piece piece = build(item);
+    const bool whole = isBlock(item) || item.kind() == Kind::Note;
+    if (piece.widget != nullptr)
+        grid.addWidget(piece.widget, line, whole ? 0 : 1, 1, whole ? 2 : 1, keepsWidth(item) ? Qt::AlignLeft : Qt::Alignment());
+    else if (piece.layout != nullptr)
+        grid.addLayout(piece.layout, line, whole ? 0 : 1, 1, whole ? 2 : 1);
+    else if (isSpace(item))
+        grid.setRowMinimumHeight(line, measure::kHair);
+    return piece;
+}
+
+LayoutBuilder::Piece LayoutBuilder::addFieldRow(QGridLayout& grid, int line, const Item& item) {
     // A row that begins with a field lends its caption to the column of captions.
     const bool led = item.kind() == Kind::Row && !item.children().empty() && item.children().front().kind() == Kind::Field;
     const Item& first = led ? item.children().front() : item;
-    if (first.kind() != Kind::Field) {
-        const Piece piece = build(item);
-        const bool whole = isBlock(item) || item.kind() == Kind::Note;
-        if (piece.widget != nullptr)
-            grid.addWidget(piece.widget, line, whole ? 0 : 1, 1, whole ? 2 : 1, keepsWidth(item) ? Qt::AlignLeft : Qt::Alignment());
-        else if (piece.layout != nullptr)
-            grid.addLayout(piece.layout, line, whole ? 0 : 1, 1, whole ? 2 : 1);
-        else if (isSpace(item))
-            grid.setRowMinimumHeight(line, measure::kHair);
-        wide = wide || piece.wide;
-        tall = tall || piece.tall;
-        if (piece.tall || item.stretch() > 0)
-            grid.setRowStretch(line, std::max(1, item.stretch()));
-        return;
-    }
-    Piece piece = fieldLine(first, 0);
-    if (led) {
-        auto* box = made<QHBoxLayout>();
-        box->setSpacing(measure::kRelated);
-        piece.widget != nullptr ? box->addWidget(piece.widget, piece.wide ? 1 : 0) : box->addLayout(piece.layout, 1);
-        for (std::size_t i = 1; i < item.children().size(); ++i) {
-            const Piece next = build(item.children()[i]);
-            place(*box, item.children()[i], next, {}, next.wide);
-            piece.wide = piece.wide || next.wide || item.children()[i].stretch() > 0;
-        }
-        if (!piece.wide)
-            box->addStretch(1);
-        piece = {nullptr, box, true, piece.tall};
-    }
+    if (first.kind() != Kind::Field)
+        return addOther(grid, line, item);
+    const Piece piece = led ? ledLine(item) : fieldLine(first);
     QLabel* const label = caption(first.text(), window_.drawing(*first.control()));
     label->setMinimumHeight(measure::kField);
     grid.addWidget(label, line, 0, Qt::AlignRight | (piece.tall ? Qt::AlignTop : Qt::AlignVCenter));
@@ -289,10 +294,7 @@ void LayoutBuilder::addFieldRow(QGridLayout& grid, int line, const Item& item, b
         grid.addWidget(piece.widget, line, 1, piece.wide ? Qt::Alignment() : Qt::AlignLeft);
     else
         grid.addLayout(piece.layout, line, 1);
-    wide = wide || piece.wide;
-    tall = tall || piece.tall;
-    if (piece.tall || first.stretch() > 0)
-        grid.setRowStretch(line, std::max(1, first.stretch()));
+    return piece;
 }
 
 LayoutBuilder::Piece LayoutBuilder::fields(const Item& item) {
@@ -303,8 +305,14 @@ LayoutBuilder::Piece LayoutBuilder::fields(const Item& item) {
     bool wide = false;
     bool tall = false;
     int line = 0;
-    for (const Item& child : item.children())
-        addFieldRow(*grid, line++, child, wide, tall);
+    for (const Item& child : item.children()) {
+        const Piece piece = addFieldRow(*grid, line, child);
+        if (piece.tall || child.stretch() > 0)
+            grid->setRowStretch(line, std::max(1, child.stretch()));
+        wide = wide || piece.wide;
+        tall = tall || piece.tall;
+        ++line;
+    }
     if (!tall)
         grid->setRowStretch(line, 1);
     return {nullptr, grid, wide, tall};
@@ -371,7 +379,7 @@ LayoutBuilder::Piece LayoutBuilder::note(const Item& item) {
     auto* label = new QLabel(toQt(item.text()), parent_);
     setLook(*label, "note");
     label->setTextFormat(Qt::PlainText);
-    if (item.text().size() > 60)
+    if (item.text().size() > kLongNote)
         label->setWordWrap(true);
     return {label, nullptr, label->wordWrap(), false};
 }

@@ -48,8 +48,10 @@ private:
     // The content of a frame, a page or the window.
     void fillBody(QWidget& body, const Item& content, int margin);
     // The controls of a field without its caption, on one line.
-    Piece fieldLine(const Item& item, std::size_t firstBehind);
-    void addFieldRow(QGridLayout& grid, int line, const Item& item, bool& wide, bool& tall);
+    Piece fieldLine(const Item& item);
+    Piece ledLine(const Item& item);
+    Piece addOther(QGridLayout& grid, int line, const Item& item);
+    Piece addFieldRow(QGridLayout& grid, int line, const Item& item);
     QLabel* caption(const std::string& text, Drawing* of);
     static void place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment, bool grows);
     template <class L> L* made();
