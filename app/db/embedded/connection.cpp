@@ -5,6 +5,7 @@
 namespace merchantry::db::embedded {
 namespace {
 
+constexpr int kBloomFilters = 0x00080000; // of SQLite's optimizations
 constexpr int kBusyMs = 20'000;
 constexpr int kStatementCacheBytes = 16 * 1024; // kibibytes of pages: 16 MiB
 
@@ -63,6 +64,8 @@ Connection::Connection(const std::filesystem::path& file, bool durable) {
         throw storageError("The store file " + file.string() + " cannot be opened: " + message + ".", code);
     }
     sqlite3_busy_timeout(db_, kBusyMs);
+    // SQLite's Bloom filters go by the length of a text, but texts of the store that differ in trailing blanks only are equal.
+    sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, db_, kBloomFilters);
     try {
         run("PRAGMA journal_mode=WAL");
         run(durable ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=OFF");

@@ -147,6 +147,7 @@ private:
     bool isCurrent(const StatementPlan& plan) const;
     using Wanted = std::vector<std::pair<const tsql::Expr*, std::optional<SqlType>>>;
     PlanPtr valuePlan(const tsql::Statement& statement, const Wanted& values);
+    PlanPtr setPlan(const tsql::SetVariableStatement& statement);
     PlanPtr conditionPlan(const tsql::Statement& statement, const tsql::Expr& expr);
     PlanPtr queryPlan(const tsql::Statement& statement, const tsql::Query& query);
     PlanPtr insertPlan(const tsql::InsertStatement& statement);
@@ -231,8 +232,9 @@ private:
     void beforeRead();
     void beforeWrite();
     void endRead();
-    std::vector<std::pair<std::string, Rowset>> keepTableVariables();
-    void restoreTableVariables(const std::vector<std::pair<std::string, Rowset>>& kept);
+    using KeptTables = std::vector<std::pair<std::shared_ptr<const tsql::TableDef>, Rowset>>;
+    KeptTables keepTableVariables();
+    void restoreTableVariables(const KeptTables& kept);
     void restoreTemporaries();
 
     // definitions
@@ -274,8 +276,8 @@ private:
     std::shared_ptr<const tsql::TableDef> anyTableById(std::int64_t id);
 
     std::shared_ptr<SharedState> shared_;
+    RowsetRegistry rows_; // before the connection, which it outlives
     Connection connection_;
-    RowsetRegistry rows_;
     StoreCatalog catalog_;
     const Clock* clock_ = nullptr;
     Clock systemClock_;
@@ -309,6 +311,7 @@ private:
     int level_ = 0;
     std::map<std::string, Cursor> cursors_; // of the session
     std::int64_t temporaryNumber_ = 0;
+    std::int64_t scopeNumber_ = 0;
     std::atomic<bool> cancelled_ = false;
 
     // the transaction

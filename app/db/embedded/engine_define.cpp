@@ -200,8 +200,10 @@ std::string Engine::tableSql(const TableDef& table) {
             continue;
         std::string text = tsql::quotedName(column.name) + " " + storageClass(column.type) + (column.nullable ? "" : " NOT NULL");
         const bool needsDefault =
-            column.defaultValue && std::any_of(table.foreignKeys.begin(), table.foreignKeys.end(), [](const tsql::ForeignKeyDef& key) {
-                return key.onDelete == "SET DEFAULT" || key.onUpdate == "SET DEFAULT";
+            column.defaultValue && std::any_of(table.foreignKeys.begin(), table.foreignKeys.end(), [&](const tsql::ForeignKeyDef& key) {
+                const bool sets = key.onDelete == "SET DEFAULT" || key.onUpdate == "SET DEFAULT";
+                return sets && std::any_of(key.columns.begin(), key.columns.end(),
+                                           [&](const std::string& one) { return tsql::sameName(one, column.name); });
             });
         if (needsDefault) {
             const tsql::ValuePlan value = tsql::Binder(tsql::BindContext{catalog_, kNone}).value(*column.defaultValue, column.type);

@@ -74,9 +74,12 @@ Engine::Flow Engine::runFrame(Frame& frame) {
     frame.caller = before;
     frame.level = level_;
     frame_ = &frame;
+    const std::int64_t scope = catalog_.scope;
+    catalog_.scope = ++scopeNumber_;
     const auto leave = [&] {
         leaveFrame(frame);
         frame_ = before;
+        catalog_.scope = scope;
     };
     Flow flow = Flow::Next;
     try {
@@ -367,11 +370,7 @@ void Engine::runSet(const tsql::SetVariableStatement& statement) {
         runCursor(static_cast<const tsql::CursorStatement&>(*statement.cursor));
         return;
     }
-    const PlanPtr plan = statement.op == "=" ? valuePlan(statement, wantedOf(statement)) : planFor(statement, [&](StatementPlan& made) {
-        // @v op= value stands for @v = @v op (value).
-        made.values.push_back(tsql::Binder(bindContext()).compound(statement.variable, statement.op[0], *statement.value, statement.line));
-        made.statements.resize(1);
-    });
+    const PlanPtr plan = setPlan(statement);
     assign(slot, valueAt(*plan, 0));
     rowCount_ = 1;
 }

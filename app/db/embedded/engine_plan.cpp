@@ -57,6 +57,16 @@ Engine::PlanPtr Engine::valuePlan(const tsql::Statement& statement, const Wanted
     });
 }
 
+// @v op= value stands for @v = @v op (value).
+Engine::PlanPtr Engine::setPlan(const tsql::SetVariableStatement& statement) {
+    if (statement.op == "=")
+        return valuePlan(statement, wantedOf(statement));
+    return planFor(statement, [&](StatementPlan& plan) {
+        plan.values.push_back(tsql::Binder(bindContext()).compound(statement.variable, statement.op[0], *statement.value, statement.line));
+        plan.statements.resize(1);
+    });
+}
+
 Engine::PlanPtr Engine::conditionPlan(const tsql::Statement& statement, const tsql::Expr& expr) {
     return planFor(statement, [&](StatementPlan& plan) {
         plan.values.push_back(tsql::Binder(bindContext()).condition(expr));
@@ -228,6 +238,9 @@ void Engine::checkStatement(const tsql::Statement& statement) {
         checkBlock(static_cast<const tsql::TryStatement&>(statement).body);
         return checkBlock(static_cast<const tsql::TryStatement&>(statement).handler);
     case StatementKind::SetVariable:
+        if (static_cast<const tsql::SetVariableStatement&>(statement).value)
+            setPlan(static_cast<const tsql::SetVariableStatement&>(statement));
+        return;
     case StatementKind::Declare:
     case StatementKind::Raise:
     case StatementKind::Throw:
@@ -255,10 +268,8 @@ Engine::Wanted Engine::wantedOf(const tsql::Statement& statement) {
     switch (statement.kind) {
     case StatementKind::SetVariable: {
         const auto& set = static_cast<const tsql::SetVariableStatement&>(statement);
-        if (set.value && set.op == "=")
+        if (set.value)
             wanted.emplace_back(set.value.get(), typeOfVariable(set.variable));
-        else if (set.value)
-            wanted.emplace_back(set.value.get(), std::nullopt);
         break;
     }
     case StatementKind::Declare:

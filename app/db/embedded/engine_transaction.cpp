@@ -53,7 +53,7 @@ void Engine::endRead() {
 
 // In a transaction the first statement takes the lock of the writer, also when it only reads: nothing that it saw can change then.
 void Engine::beforeRead() {
-    if (tranCount_ > 0)
+    if (tranCount_ > 0 && !doomed_)
         beforeWrite();
 }
 
@@ -132,7 +132,7 @@ void Engine::commitTransaction() {
 
 void Engine::rollbackAll() {
     const bool undone = inWrite_;
-    std::vector<std::pair<std::string, Rowset>> kept;
+    KeptTables kept;
     if (undone)
         kept = keepTableVariables();
     if (inWrite_ || inRead_) {
@@ -168,7 +168,7 @@ void Engine::restoreTemporaries() {
         return connection_.step(find.get());
     };
     for (const std::shared_ptr<const tsql::TableDef>& table : catalog_.temporaries()) {
-        if (exists(*table))
+        if (table->name.front() == '@' || exists(*table))
             continue;
         catalog_.popTemporary(table->name);
         ++temporaryVersion_;
@@ -182,21 +182,23 @@ void Engine::restoreTemporaries() {
 }
 
 // Table variables keep their rows over a rollback.
-std::vector<std::pair<std::string, Rowset>> Engine::keepTableVariables() {
-    std::vector<std::pair<std::string, Rowset>> kept;
+Engine::KeptTables Engine::keepTableVariables() {
+    KeptTables kept;
     for (const std::shared_ptr<const tsql::TableDef>& table : catalog_.temporaries()) {
         if (table->name.front() != '@')
             continue;
         tsql::Sql3 all;
         all.text = "SELECT * FROM " + table->storage;
-        kept.emplace_back(table->storage, rowsOf(all));
+        kept.emplace_back(table, rowsOf(all));
     }
     return kept;
 }
 
-void Engine::restoreTableVariables(const std::vector<std::pair<std::string, Rowset>>& kept) {
-    for (const auto& [storage, rows] : kept) {
-        sqlite3_exec(connection_.handle(), ("DELETE FROM " + storage).c_str(), nullptr, nullptr, nullptr);
+void Engine::restoreTableVariables(const KeptTables& kept) {
+    for (const auto& [table, rows] : kept) {
+        const std::string& storage = table->storage;
+        connection_.run("DROP TABLE IF EXISTS " + storage);
+        buildTable(*table);
         for (const std::vector<Cell>& row : rows) {
             std::string places;
             for (std::size_t i = 0; i < row.size(); ++i)
@@ -227,7 +229,7 @@ void Engine::rollbackTo(const std::string& name) {
         std::find_if(savedPoints_.rbegin(), savedPoints_.rend(), [&](const SavedPoint& point) { return tsql::sameName(point.name, name); });
     if (found == savedPoints_.rend())
         throw transactionError(6401, "Cannot roll back " + name + ". No transaction or savepoint of that name was found.");
-    const std::vector<std::pair<std::string, Rowset>> kept = keepTableVariables();
+    const KeptTables kept = keepTableVariables();
     connection_.run("ROLLBACK TO " + found->sqlName);
     savedPoints_.erase(found.base(), savedPoints_.end());
     restoreTemporaries();

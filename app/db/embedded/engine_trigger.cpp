@@ -28,7 +28,7 @@ std::shared_ptr<const tsql::TableDef> Engine::pseudoTable(const char* which, con
     auto shape = std::make_shared<tsql::TableDef>(table);
     shape->name = which;
     shape->readOnly = true;
-    shape->storage = "temp." + tsql::quotedName(pseudoName(which, table.id));
+    shape->storage = tsql::quotedName(pseudoName(which, table.id));
     std::erase_if(shape->columns, [](const tsql::ColumnDef& column) { return column.computed != nullptr; });
     return shape;
 }
@@ -199,13 +199,17 @@ void Engine::runInstead(StatementPlan& plan) {
         tranCount_ = 1;
     const std::uint64_t transaction = transaction_;
     const auto rows = static_cast<std::int64_t>(std::max(inserted->size(), deleted->size()));
+    const std::int64_t outer = catalog_.inInstead;
+    catalog_.inInstead = change.insteadOf;
     try {
         fireTriggers(change.insteadShape, kEvents[static_cast<int>(change.kind)], inserted, deleted, change.updated, true);
     } catch (...) {
+        catalog_.inInstead = outer;
         if (own && transaction == transaction_)
             tranCount_ = 0;
         throw;
     }
+    catalog_.inInstead = outer;
     if (own && transaction == transaction_)
         tranCount_ = 0;
     rowCount_ = rows;

@@ -55,7 +55,7 @@ struct Call {
     void give(std::int64_t number) const { sqlite3_result_int64(context, number); }
     void give(double number) const { sqlite3_result_double(context, number); }
     void giveText(std::string_view text) const {
-        sqlite3_result_text(context, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+        sqlite3_result_text(context, text.empty() ? "" : text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
     }
     void giveNull() const { sqlite3_result_null(context); }
     void give(const Cell& cell) const { tsql::resultCell(context, cell); }

@@ -18,7 +18,7 @@ struct Cursor : sqlite3_vtab_cursor {
 
 int connect(sqlite3* db, void* registry, int count, const char* const* arguments, sqlite3_vtab** result, char** error) {
     const auto* all = static_cast<const RowsetRegistry*>(registry);
-    const std::string name = count > 2 ? arguments[2] : "";
+    const std::string name = count > 0 ? arguments[0] : "";
     const RowsetRegistry::Entry* entry = all->find(name);
     if (!entry) {
         *error = sqlite3_mprintf("no rows named %s", name.c_str());
@@ -113,11 +113,10 @@ int rowid(sqlite3_vtab_cursor* base, sqlite3_int64* id) {
 
 sqlite3_module makeModule() {
     sqlite3_module module{};
-    module.xCreate = connect;
+    // Without xCreate the module is a table by itself, under its own name, which no rollback takes away.
     module.xConnect = connect;
     module.xBestIndex = bestIndex;
     module.xDisconnect = disconnect;
-    module.xDestroy = disconnect;
     module.xOpen = open;
     module.xClose = close;
     module.xFilter = filter;
@@ -142,7 +141,6 @@ const char* storageClass(const SqlType& type) {
 
 void RowsetRegistry::attach(sqlite3* db) {
     db_ = db;
-    sqlite3_create_module_v2(db, "ts_rows", &kModule, this, nullptr);
 }
 
 void RowsetRegistry::define(const std::string& name, const tsql::TableDef& shape) {
@@ -153,15 +151,9 @@ void RowsetRegistry::define(const std::string& name, const tsql::TableDef& shape
     const auto found = entries_.find(name);
     if (found != entries_.end() && found->second.declaration == declaration)
         return;
-    const bool existed = found != entries_.end();
     entries_[name].declaration = declaration;
-    std::string sql = existed ? "DROP TABLE IF EXISTS temp." + tsql::quotedName(name) + ";" : "";
-    sql += "CREATE VIRTUAL TABLE temp." + tsql::quotedName(name) + " USING ts_rows";
-    if (sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
-        const std::string message = sqlite3_errmsg(db_);
-        entries_.erase(name);
-        throw DbError(DbError::Category::Storage, 0, message);
-    }
+    if (sqlite3_create_module_v2(db_, name.c_str(), &kModule, this, nullptr) != SQLITE_OK)
+        throw DbError(DbError::Category::Storage, 0, sqlite3_errmsg(db_));
 }
 
 void RowsetRegistry::set(const std::string& name, std::shared_ptr<const Rowset> rows) {

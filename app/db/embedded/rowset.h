@@ -16,14 +16,14 @@ namespace merchantry::db::embedded {
 // Rows in memory.
 using Rowset = std::vector<std::vector<tsql::Cell>>;
 
-// Rows in memory that statements read like tables: the inserted and deleted rows of a trigger, the catalogue views. Their names are
-// temporary virtual tables of the connection. A transaction leaves them alone.
+// Rows in memory that statements read like tables: the inserted and deleted rows of a trigger, the catalogue views. Each name is
+// a virtual table of the connection that exists by itself. A transaction leaves them alone.
 class RowsetRegistry {
 public:
-    // Makes the module known to the connection, which the registry must outlive.
+    // Requires: the registry outlives the connection.
     void attach(sqlite3* db);
 
-    // Makes the table of that name (in the temporary schema) unless it is there; its columns are those of the shape.
+    // Makes the table of that name unless it is there; its columns are those of the shape.
     void define(const std::string& name, const tsql::TableDef& shape);
     // What a reader of the name sees from now on. Requires: defined.
     void set(const std::string& name, std::shared_ptr<const Rowset> rows);

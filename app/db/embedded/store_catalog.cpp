@@ -83,6 +83,8 @@ void StoreCatalog::load() {
 }
 
 bool StoreCatalog::hasInsteadTrigger(std::int64_t tableOrView, std::string_view event) {
+    if (tableOrView == inInstead)
+        return false;
     const auto found = insteadEvents_.find(tableOrView);
     return found != insteadEvents_.end() && (found->second & (event == "insert" ? 1 : event == "update" ? 2 : 4)) != 0;
 }
@@ -127,7 +129,7 @@ std::shared_ptr<const TableDef> StoreCatalog::table(const ObjectName& name) {
     const std::string& last = name.last();
     if (!last.empty() && (last[0] == '#' || last[0] == '@')) {
         sawTemporary = true;
-        const auto found = temporaries_.find(lowerCase(last));
+        const auto found = temporaries_.find(temporaryKey(last));
         return found == temporaries_.end() || found->second.empty() ? nullptr : found->second.back();
     }
     if (const std::shared_ptr<const TableDef> system = systemTable(name))
@@ -195,7 +197,7 @@ std::shared_ptr<const TableDef> StoreCatalog::systemTable(const ObjectName& name
         auto table = std::make_shared<TableDef>();
         table->name = name.last();
         table->readOnly = true;
-        table->storage = "temp." + tsql::quotedName(full);
+        table->storage = tsql::quotedName(full);
         for (const auto& [column, type] : view.columns) {
             tsql::ColumnDef definition;
             definition.name = column;
@@ -331,16 +333,21 @@ void StoreCatalog::remove(std::int64_t id) {
 
 // ---- temporary tables
 
+// A table variable is known in its own batch or module only.
+std::string StoreCatalog::temporaryKey(const std::string& name) const {
+    return name.front() == '@' ? lowerCase(name) + "/" + std::to_string(scope) : lowerCase(name);
+}
+
 void StoreCatalog::pushTemporary(std::shared_ptr<const TableDef> table) {
-    temporaries_[lowerCase(table->name)].push_back(std::move(table));
+    temporaries_[temporaryKey(table->name)].push_back(std::move(table));
 }
 
 void StoreCatalog::replaceTemporary(std::shared_ptr<const TableDef> table) {
-    temporaries_[lowerCase(table->name)].back() = std::move(table);
+    temporaries_[temporaryKey(table->name)].back() = std::move(table);
 }
 
 void StoreCatalog::popTemporary(const std::string& name) {
-    const auto found = temporaries_.find(lowerCase(name));
+    const auto found = temporaries_.find(temporaryKey(name));
     if (found != temporaries_.end() && !found->second.empty())
         found->second.pop_back();
 }

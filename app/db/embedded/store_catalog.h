@@ -65,6 +65,9 @@ public:
     void popTemporary(const std::string& name);
     std::vector<std::shared_ptr<const tsql::TableDef>> temporaries() const;
 
+    // The table or view whose instead-of trigger runs: what it writes there is written.
+    std::int64_t inInstead = 0;
+    std::int64_t scope = 0; // of the running batch or module
     std::int64_t identityInsertTable = 0;
     std::string databaseName = "Tillmark2k";
     // Set when a name of a temporary table was asked for.
@@ -78,6 +81,7 @@ private:
     std::shared_ptr<const tsql::TableDef> tableOf(const StoredObject& object);
     std::shared_ptr<const tsql::TableDef> systemTable(const tsql::ObjectName& name);
     bool isOwnDatabase(const tsql::ObjectName& name) const;
+    std::string temporaryKey(const std::string& name) const;
 
     Connection& connection_;
     RowsetRegistry& rows_;

@@ -262,7 +262,7 @@ void Binder::bindOutput(ChangePlan& plan, const OutputClause& output) {
         auto table = std::make_shared<TableDef>(*plan.table);
         table->name = name;
         table->readOnly = true;
-        table->storage = "temp.\"ts_" + std::string(name) + "_" + std::to_string(plan.table->id) + "\"";
+        table->storage = "\"ts_" + std::string(name) + "_" + std::to_string(plan.table->id) + "\"";
         const std::string alias = nextAlias();
         Source source = tableSourceOf(table, alias);
         source.exposed = name;

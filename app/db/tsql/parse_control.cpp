@@ -79,10 +79,8 @@ StatementPtr Parser::whileStatement() {
 }
 
 StatementPtr Parser::beginStatement() {
-    if (isWord("TRAN", 1) || isWord("TRANSACTION", 1) || (isWord("DISTRIBUTED", 1) && isWord("TRAN", 2))) {
-        take();
+    if (isWord("TRAN", 1) || isWord("TRANSACTION", 1))
         return transaction(StatementKind::Begin);
-    }
     if (isWord("TRY", 1))
         return tryCatch();
     auto statement = begin<BlockStatement>();

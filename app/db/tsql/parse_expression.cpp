@@ -278,6 +278,7 @@ ExprPtr Parser::primary() {
         if (token.is("CONVERT") || token.is("TRY_CONVERT"))
             return collated(convertExpression());
         return collated(nameOrCall());
+    case TokenKind::Unclosed:
     case TokenKind::End:
         break;
     }

@@ -102,9 +102,9 @@ StatementPtr Parser::statementOf() {
 StatementPtr Parser::nothing() {
     auto statement = std::make_unique<Statement>(StatementKind::Nothing);
     take();
-    static constexpr std::array<std::string_view, 16> kStarts = {"GRANT",   "SELECT", "UPDATE", "INSERT",    "EXEC",   "EXECUTE",
-                                                                 "CREATE",  "DROP",   "DELETE", "DENY",      "REVOKE", "SET",
-                                                                 "DECLARE", "PRINT",  "IF",     "CHECKPOINT"};
+    static constexpr std::array<std::string_view, 22> kStarts = {
+        "GRANT", "SELECT",  "UPDATE", "INSERT", "EXEC",       "EXECUTE", "CREATE", "DROP",  "DELETE", "DENY",      "REVOKE",
+        "SET",   "DECLARE", "PRINT",  "IF",     "CHECKPOINT", "END",     "ELSE",   "BEGIN", "WHILE",  "RAISERROR", "RETURN"};
     bool sawTo = false;
     while (!atEnd() && !isSymbol(";")) {
         const bool starts = std::any_of(kStarts.begin(), kStarts.end(), [&](std::string_view word) { return isWord(word); });

@@ -108,6 +108,9 @@ void Parser::expectSymbol(std::string_view symbol) {
 }
 
 void Parser::unexpected(const Token& token) const {
+    if (token.kind == TokenKind::Unclosed)
+        throw syntaxError(105, "Unclosed quotation mark after the character string '" + std::string(token.text.substr(0, 40)) + "'.",
+                          token.line);
     if (token.kind == TokenKind::End) {
         const std::string near = at_ > 0 ? tokens_[at_ - 1].value() : std::string();
         throw syntaxError(102, "Incorrect syntax near '" + near + "'.", token.line);

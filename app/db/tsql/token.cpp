@@ -131,8 +131,10 @@ private:
         const std::size_t from = ++at_;
         bool doubled = false;
         while (true) {
-            if (at_ >= batch_.size())
-                throw unclosed(from);
+            if (at_ >= batch_.size()) {
+                add(TokenKind::Unclosed, from, at_);
+                return;
+            }
             if (batch_[at_] == close) {
                 if (peek(1) != close)
                     break;
@@ -146,12 +148,6 @@ private:
         Token& token = add(kind, from, to);
         token.doubled = doubled;
         token.quote = close;
-    }
-
-    DbError unclosed(std::size_t from) const {
-        const std::string rest(batch_.substr(from, 40));
-        return DbError(DbError::Category::Syntax, 105, "Unclosed quotation mark after the character string '" + rest + "'.", tokenLine_)
-            .withSeverity(15, 1);
     }
 
     void variable() {

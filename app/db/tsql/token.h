@@ -19,6 +19,7 @@ enum class TokenKind {
     WideText,
     Binary, // 0x...
     Symbol,
+    Unclosed, // a text or name without its end; an error when it is reached
     End,
 };
 
@@ -41,7 +42,7 @@ struct Token {
 };
 
 // Cuts a batch into tokens, the last of which is End. With quotedIdentifiers "x" is a name, otherwise a text.
-// Throws DbError 105 for a text or name that is not closed, 113 for a comment that is not closed.
+// Throws DbError 113 for a comment that is not closed.
 std::vector<Token> tokensOf(std::string_view batch, bool quotedIdentifiers);
 
 // Whether a bare word cannot be a name. Requires nothing of its case.
