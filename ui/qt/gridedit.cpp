@@ -13,7 +13,7 @@
 
 namespace merchantry::ui {
 
-void GridView::edit(int row, int column, const QString* typed) {
+void GridView::beginEdit(int row, int column, const QString* typed) {
     if (row < 1 || column < 0 || column >= grid_.columnCount() || !grid_.editable)
         return;
     if (grid_.column(column).editor == GridColumn::Editor::Check) {
@@ -33,7 +33,7 @@ void GridView::turnCheck(int row, int column) {
 }
 
 void GridView::openEditor(int row, int column, const QString* typed) {
-    closeEditor();
+    dropEditor();
     editRow_ = row;
     editColumn_ = column;
     if (grid_.column(column).editor == GridColumn::Editor::Combo)
@@ -113,14 +113,14 @@ bool GridView::commit() {
     if (host_.form() == nullptr)
         return taken;
     if (!grid_.editing())
-        closeEditor();
+        dropEditor();
     else if (editor_ != nullptr)
         editor_->setFocus(Qt::OtherFocusReason);
     viewport()->update();
     return taken;
 }
 
-void GridView::closeEditor() {
+void GridView::dropEditor() {
     if (editor_ == nullptr)
         return;
     QWidget* const gone = editor_;

@@ -81,7 +81,7 @@ void GridView::follow() {
     if (host_.form() == nullptr)
         return;
     if (editor_ != nullptr && !committing_ && !grid_.editing())
-        closeEditor();
+        dropEditor();
     const int row = grid_.row();
     if (row >= 1 && row != shown_ && row <= model_->rowCount())
         scrollTo(model_->index(row - 1, std::max(0, grid_.col())), QAbstractItemView::EnsureVisible);
@@ -97,7 +97,7 @@ void GridView::restyle() {
 
 void GridView::forget() {
     model_->forget();
-    closeEditor();
+    dropEditor();
 }
 
 // --- columns ---
@@ -270,7 +270,7 @@ void GridView::mouseReleaseEvent(QMouseEvent* event) {
         return;
     const bool check = grid_.column(pressedColumn_).editor == GridColumn::Editor::Check;
     if (check || (again && !grid_.dblClick)) {
-        edit(pressedRow_, pressedColumn_);
+        beginEdit(pressedRow_, pressedColumn_);
         if (auto* combo = dynamic_cast<QComboBox*>(editor_.data()))
             combo->showPopup();
     }
@@ -286,7 +286,7 @@ void GridView::mouseDoubleClickEvent(QMouseEvent* event) {
     else if (grid_.column(at.column()).editor == GridColumn::Editor::Check)
         mousePressEvent(event);
     else
-        edit(at.row() + 1, at.column());
+        beginEdit(at.row() + 1, at.column());
 }
 
 // --- the keyboard ---
@@ -375,7 +375,7 @@ void GridView::keyPressEvent(QKeyEvent* event) {
     if (host_.form() == nullptr || moveKey(event->key(), event->modifiers() & Qt::ShiftModifier))
         return;
     if (event->key() == Qt::Key_F2)
-        return edit(grid_.row(), grid_.col());
+        return beginEdit(grid_.row(), grid_.col());
     if (event->matches(QKeySequence::Copy))
         return copySelection();
     const QString typed = event->modifiers() & Qt::ControlModifier ? QString() : event->text();
@@ -383,9 +383,9 @@ void GridView::keyPressEvent(QKeyEvent* event) {
     const bool check = grid_.row() >= 1 && grid_.col() >= 0 && grid_.col() < grid_.columnCount() &&
                        grid_.column(grid_.col()).editor == GridColumn::Editor::Check;
     if (check && event->key() == Qt::Key_Space)
-        return edit(grid_.row(), grid_.col());
+        return beginEdit(grid_.row(), grid_.col());
     if (print && grid_.editable && !check)
-        return edit(grid_.row(), grid_.col(), &typed);
+        return beginEdit(grid_.row(), grid_.col(), &typed);
     if (!print || !host_.typeIntoPanel(typed))
         event->ignore();
 }

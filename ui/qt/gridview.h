@@ -60,14 +60,14 @@ private:
     void copySelection();
 
     // Editing. A check cell is turned at once; others get an editor over the cell.
-    void edit(int row, int column, const QString* typed = nullptr);
+    void beginEdit(int row, int column, const QString* typed = nullptr);
     void turnCheck(int row, int column);
     void openEditor(int row, int column, const QString* typed);
     void openText(int row, int column, const QString* typed);
     void openCombo(int row, int column);
     void placeEditor();
     bool commit();
-    void closeEditor();
+    void dropEditor();
     QString editorText() const;
 
     FormWindow& host_;

@@ -25,8 +25,7 @@ QByteArray drawing(const QString& name, const QColor& color) {
 
 class LineIconEngine : public QIconEngine {
 public:
-    LineIconEngine(QByteArray svg, QByteArray faded, QColor tile)
-        : svg_(std::move(svg)), faded_(std::move(faded)), tile_(std::move(tile)) {}
+    LineIconEngine(QByteArray svg, QByteArray faded, const QColor& tile) : svg_(std::move(svg)), faded_(std::move(faded)), tile_(tile) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         QSvgRenderer renderer(mode == QIcon::Disabled ? faded_ : svg_);
