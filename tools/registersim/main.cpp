@@ -1,0 +1,72 @@
+// Registers at work on an open store, for tests beside a working manager and for watching reports move.
+
+#include "app/db/embedded/store.h"
+#include "base/date.h"
+#include "tools/registersim/history.h"
+#include "tools/registersim/liveregister.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+namespace {
+
+using namespace merchantry;
+
+struct Options {
+    std::string store;
+    registersim::LivePlan live;
+    std::string from;
+    std::string to;
+    int salesPerDay = 40;
+};
+
+int sellLive(const Options& options) {
+    const auto store = db::Store::open(options.store);
+    const auto figures = registersim::runRegisters([&] { return store->session(); }, options.live);
+    for (const std::string& error : figures.errors)
+        std::cerr << error << "\n";
+    std::cout << figures.posted << " receipts posted, " << figures.failed << " failed, " << figures.medianMs << " ms in the middle, "
+              << figures.worstMs << " ms at worst\n";
+    return figures.failed == 0 ? 0 : 1;
+}
+
+int sellInThePast(const Options& options) {
+    const auto from = Date::fromText(options.from);
+    const auto to = Date::fromText(options.to);
+    if (!from || !to || *from >= *to)
+        throw std::runtime_error("--from and --to must be days as 2026-11-21, the first before the second.");
+    const auto session = db::Store::open(options.store)->session();
+    registersim::Shop shop = registersim::loadShop(*session);
+    const registersim::HistoryPlan plan{.from = from->dateOnly(),
+                                        .to = to->dateOnly(),
+                                        .seed = options.live.seed,
+                                        .salesPerDay = options.salesPerDay,
+                                        .openingStock = false};
+    const auto figures = registersim::postHistory(*session, shop, plan, [](int) {});
+    std::cout << figures.transactions << " receipts with " << figures.lines << " lines and " << figures.orders << " orders posted\n";
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    CLI::App program("Simulated registers that post sales to a store");
+    program.set_version_flag("--version", MERCHANTRY_VERSION);
+    program.add_option("--store", options.store, "The store file")->required();
+    program.add_option("--registers", options.live.registers, "How many registers work side by side")->check(CLI::Range(1, 64));
+    program.add_option("--rate", options.live.perSecond, "Receipts a second at each register; 0: as fast as it can");
+    program.add_option("--seconds", options.live.seconds, "For how long")->check(CLI::NonNegativeNumber);
+    program.add_option("--seed", options.live.seed, "Of the random numbers");
+    auto* from = program.add_option("--from", options.from, "Post past days instead: the first, as 2026-11-01");
+    program.add_option("--to", options.to, "The day after the last")->needs(from);
+    program.add_option("--sales-per-day", options.salesPerDay, "On an ordinary past day");
+    CLI11_PARSE(program, argc, argv);
+    try {
+        return options.from.empty() ? sellLive(options) : sellInThePast(options);
+    } catch (const std::exception& error) {
+        std::cerr << "registersim: " << error.what() << "\n";
+        return 1;
+    }
+}
