@@ -3,6 +3,7 @@
 #include "base/value.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace merchantry {
@@ -32,6 +33,12 @@ public:
     // The source owns the listener until stopListening with the returned number.
     virtual int listen(std::function<void()> changed) = 0;
     virtual void stopListening(int listener) = 0;
+
+    // Expires with the rows, so that a reader that outlives them can tell.
+    std::weak_ptr<const void> lifetime() const { return alive_; }
+
+private:
+    std::shared_ptr<const void> alive_ = std::make_shared<int>();
 };
 
 } // namespace merchantry

@@ -45,7 +45,7 @@ std::string stored(const GridColumn& column, const std::string& text) {
 } // namespace
 
 Grid::~Grid() {
-    if (bound_ != nullptr)
+    if (bound_ != nullptr && !boundLives_.expired())
         bound_->stopListening(listener_);
 }
 
@@ -71,13 +71,14 @@ void Grid::setHidden(int index, bool hidden) {
 }
 
 void Grid::bind(Rows* rows) {
-    if (bound_ != nullptr)
+    if (bound_ != nullptr && !boundLives_.expired())
         bound_->stopListening(listener_);
     bound_ = rows;
     cells_.clear();
     colors_.clear();
     editing_ = false;
     if (bound_ != nullptr) {
+        boundLives_ = bound_->lifetime();
         listener_ = bound_->listen([this] { refreshed(); });
         columns_.resize(static_cast<std::size_t>(bound_->columnCount()));
         for (int i = 0; i < bound_->columnCount(); ++i)

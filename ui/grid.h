@@ -126,6 +126,7 @@ private:
     std::vector<GridColumn> columns_;
     std::vector<std::vector<std::string>> cells_; // unbound texts, row 1 first
     Rows* bound_ = nullptr;
+    std::weak_ptr<const void> boundLives_;
     int listener_ = 0;
     std::map<std::pair<int, int>, Color> colors_;
     int row_ = 0;

@@ -22,7 +22,8 @@ std::unique_ptr<Session> Provider::open(const std::string& connectionString) {
         throw DbError(DbError::Category::Storage, 0, "The configuration names no server and no store file.");
     if (source->second.find('/') == std::string::npos && !source->second.ends_with(".store"))
         throw DbError(DbError::Category::Storage, 0,
-                      "\"" + source->second + "\" is not the path of a store file. Stores on a server cannot be opened by this version yet.");
+                      "\"" + source->second +
+                          "\" is not the path of a store file. Stores on a server cannot be opened by this version yet.");
     auto session = Store::open(source->second)->session();
     session->setClock(clock_);
     return session;

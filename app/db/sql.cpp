@@ -9,7 +9,8 @@ namespace merchantry::db {
 namespace {
 
 bool isWordLetter(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '$' || c == '#' || c == '@' || static_cast<unsigned char>(c) >= 0x80;
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '$' || c == '#' || c == '@' ||
+           static_cast<unsigned char>(c) >= 0x80;
 }
 
 // Position behind the apostrophe that would end a literal holding this text; npos when none would.
@@ -67,11 +68,11 @@ bool isOneToken(std::string_view text) {
 
 } // namespace
 
-Sql& Sql::add(Literal literal) {
-    for (const char c : literal.text)
+Sql& Sql::addLiteral(std::string_view words) {
+    for (const char c : words)
         if (c == '\'')
             quoted_ = !quoted_;
-    text_ += literal.text;
+    text_ += words;
     return *this;
 }
 

@@ -10,23 +10,21 @@
 
 namespace merchantry::db {
 
-// A statement as it is joined from texts and values: literals of the program stand as they are, a std::string is a value. The joined text is exactly what
-// joining gives, nothing is escaped; but a value cannot become a piece of the statement: one that would end its quotes, or one outside quotes
-// that is more than a single token, makes check() throw the server's own syntax error (102 or 105) before anything is sent.
+// A statement as it is joined from texts and values: literals of the program stand as they are, a std::string is a value. The joined text
+// is exactly what joining gives, nothing is escaped; but a value cannot become a piece of the statement: one that would end its quotes, or
+// one outside quotes that is more than a single token, makes check() throw the server's own syntax error (102 or 105) before anything is
+// sent.
 //
 //   Sql("SELECT * FROM Item WHERE SKU = '") + sku + "' AND TypeID = " + typeId
 class Sql {
 public:
-    // A text that stands in the program; nothing made at run time converts to it.
-    struct Literal {
-        consteval Literal(const char* words) : text(words) {}
-        std::string_view text;
-    };
-
     Sql() = default;
-    Sql(Literal literal) { add(literal); }
+    // A text that stands in the program; what is made at run time is a value and goes through add.
+    template <std::size_t N> Sql(const char (&literal)[N]) { addLiteral({literal, N - 1}); }
+    template <std::size_t N> Sql(char (&notALiteral)[N]) = delete;
 
-    Sql& add(Literal literal);
+    template <std::size_t N> Sql& add(const char (&literal)[N]) { return addLiteral({literal, N - 1}); }
+    template <std::size_t N> Sql& add(char (&notALiteral)[N]) = delete;
     Sql& add(const std::string& value);
     Sql& add(std::int64_t number);
     Sql& add(int number) { return add(static_cast<std::int64_t>(number)); }
@@ -42,13 +40,15 @@ public:
     // Throws DbError (category Syntax) when a value would have become a piece of the statement.
     void check() const;
 
-    friend Sql operator+(Sql left, Literal right) { return std::move(left.add(right)); }
+    template <std::size_t N> friend Sql operator+(Sql left, const char (&literal)[N]) { return std::move(left.add(literal)); }
     template <class T> friend Sql operator+(Sql left, const T& value) { return std::move(left.add(value)); }
 
 private:
+    Sql& addLiteral(std::string_view words);
+
     std::string text_;
-    bool quoted_ = false;    // the text so far ends inside a literal
-    int badNumber_ = 0;      // 102 or 105 once a value broke out
+    bool quoted_ = false; // the text so far ends inside a literal
+    int badNumber_ = 0;   // 102 or 105 once a value broke out
     std::string badNear_;
 };
 

@@ -131,6 +131,12 @@ void PlayDesk::vanished(Form& form) {
         stage_->vanished(form);
 }
 
+void PlayDesk::picture(Form& form, const std::string& name) {
+    transcript_.event("picture " + name);
+    if (stage_ != nullptr)
+        stage_->picture(form, name);
+}
+
 void PlayDesk::close() {
     if (stage_ != nullptr)
         for (Form* form : shown_)

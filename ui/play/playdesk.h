@@ -16,6 +16,8 @@ public:
     virtual void vanished(Form& form) = 0;
     // Between two lines of the script: paint, and take what waits.
     virtual void settle() = 0;
+    // Leaves a picture of the form's window under that name.
+    virtual void picture(Form& form, const std::string& name) = 0;
 };
 
 struct PrintedReport {
@@ -53,6 +55,8 @@ public:
     void pass(std::int64_t ms, const std::function<void()>& tick);
     // After a line: tells which forms were hidden, and frees what was unloaded when nothing of it can be running.
     void settle(bool idle);
+    // A picture of the form, where there is a stage; without one nothing is left.
+    void picture(Form& form, const std::string& name);
     // The process is over: no form is left.
     void close();
 

@@ -165,6 +165,12 @@ void print(Step& step) {
     step.end();
 }
 
+void picture(Step& step) {
+    const std::string name = step.text("a name");
+    step.end();
+    step.desk().picture(step.form(), name);
+}
+
 } // namespace
 
 const std::vector<Entry>& worldVerbs() {
@@ -179,6 +185,7 @@ const std::vector<Entry>& worldVerbs() {
         {"call", R"(call frmX.Operation "arg" ...)", &call},
         {"let", R"(let name = sql "...")", &let},
         {"print", "print what", &print},
+        {"picture", R"(picture "name")", &picture},
     };
     return table;
 }

@@ -70,7 +70,8 @@ void FormWindow::retire() {
 }
 
 bool FormWindow::act(const std::function<void()>& procedure) {
-    return form_ != nullptr && !form_->closed() && desk_.enter(procedure);
+    // A form of another desk is only shown here: that desk moves it.
+    return form_ != nullptr && !form_->closed() && &form_->desk() == &desk_ && desk_.enter(procedure);
 }
 
 void FormWindow::build() {

@@ -30,7 +30,8 @@ Value flagFor(const Value& value, const SqlType& type) {
 Value decimalFor(const Value& value, const SqlType& type) {
     if (value.is<Decimal>())
         return value;
-    const auto number = Decimal::fromText(value.is<std::string>() ? std::string(trimmed(value.as<std::string>())) : shortestDecimal(value.toNumber()));
+    const auto number =
+        Decimal::fromText(value.is<std::string>() ? std::string(trimmed(value.as<std::string>())) : shortestDecimal(value.toNumber()));
     if (!number)
         mismatch(value, type);
     return *number;

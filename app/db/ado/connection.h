@@ -11,7 +11,8 @@ namespace merchantry::db {
 class Recordset;
 using RecordsetPtr = std::shared_ptr<Recordset>;
 
-// A connection to the store database, as screens know it. Made closed; dropping it rolls back and closes. Shared by reference between those that use it.
+// A connection to the store database, as screens know it. Made closed; dropping it rolls back and closes. Shared by reference between those
+// that use it.
 class Connection : public std::enable_shared_from_this<Connection> {
 public:
     explicit Connection(Provider& provider) : provider_(provider) {}

@@ -136,7 +136,8 @@ void Recordset::needOpen() const {
 void Recordset::needRow() const {
     needOpen();
     if (!onRow() && mode_ != Mode::Add)
-        throw DbError(Category::Other, 0, "Either BOF or EOF is True, or the current record has been deleted. Requested operation requires a current record.")
+        throw DbError(Category::Other, 0,
+                      "Either BOF or EOF is True, or the current record has been deleted. Requested operation requires a current record.")
             .withHresult(kNoCurrentRow);
 }
 

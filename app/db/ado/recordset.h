@@ -28,7 +28,8 @@ public:
     merchantry::Value Value() const;
     std::string text() const { return Value().toText(); } // null as ""
     bool isNull() const { return Value().isNull(); }
-    // Pending until Update. A value equal to the one that stands there changes nothing; one that is not of the column's type throws kTypeMismatch.
+    // Pending until Update. A value equal to the one that stands there changes nothing; one that is not of the column's type throws
+    // kTypeMismatch.
     void setValue(const merchantry::Value& value);
     Field& operator=(const merchantry::Value& value) {
         setValue(value);
@@ -41,8 +42,9 @@ private:
 };
 
 // The rows of a statement, all in memory, with a current row. Sort and Filter work on row numbers and copy nothing.
-// With an optimistic lock, changes are written by Update to the base tables of the columns, under the condition that the row still holds the old values of the
-// changed columns; a row that someone else changed in those is error kConflict. As Rows (for grids) it counts the visible rows from 0, and writes each cell at once.
+// With an optimistic lock, changes are written by Update to the base tables of the columns, under the condition that the row still holds
+// the old values of the changed columns; a row that someone else changed in those is error kConflict. As Rows (for grids) it counts the
+// visible rows from 0, and writes each cell at once.
 class Recordset : public Rows {
 public:
     Recordset() = default;
@@ -50,7 +52,8 @@ public:
     Recordset(const Recordset&) = delete;
     Recordset& operator=(const Recordset&) = delete;
 
-    void Open(const Sql& source, const ConnectionPtr& connection, CursorType cursor = CursorType::ForwardOnly, LockType lock = LockType::ReadOnly);
+    void Open(const Sql& source, const ConnectionPtr& connection, CursorType cursor = CursorType::ForwardOnly,
+              LockType lock = LockType::ReadOnly);
     void Open(Command& command, CursorType cursor = CursorType::ForwardOnly, LockType lock = LockType::ReadOnly);
     // Runs the source again; the filter and sort stay.
     void Requery();

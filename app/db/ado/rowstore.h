@@ -10,8 +10,8 @@
 
 namespace merchantry::db {
 
-// The rows of a recordset in memory: nine bytes a cell and the texts behind one another. Rows are never moved or copied by sorting and filtering,
-// which keep lists of row numbers of their own. Rows and columns count from 0.
+// The rows of a recordset in memory: nine bytes a cell and the texts behind one another. Rows are never moved or copied by sorting and
+// filtering, which keep lists of row numbers of their own. Rows and columns count from 0.
 class RowStore {
 public:
     explicit RowStore(std::vector<Column> columns);

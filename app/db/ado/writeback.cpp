@@ -89,7 +89,8 @@ void addKey(Statement& statement, Session& session, const RowStore& store, int r
     for (std::size_t i = 0; i < shape.key.size(); ++i) {
         const int column = columnFor(store, table, shape.key[i]);
         if (column < 0)
-            readOnly("Insufficient key column information for updating or refreshing: " + shape.key[i] + " of " + table + " is not among the columns.");
+            readOnly("Insufficient key column information for updating or refreshing: " + shape.key[i] + " of " + table +
+                     " is not among the columns.");
         if (i > 0)
             statement.add(" AND ");
         addCondition(statement, shape.key[i], store.columns()[static_cast<std::size_t>(column)].type, store.value(row, column));
@@ -97,7 +98,7 @@ void addKey(Statement& statement, Session& session, const RowStore& store, int r
 }
 
 bool comparable(const SqlType& type) {
-    return type.kind != TypeKind::Text && type.kind != TypeKind::NText && type.kind != TypeKind::Image && !type.isFloat();
+    return type.kind != TypeKind::Text && type.kind != TypeKind::NText && type.kind != TypeKind::Image;
 }
 
 void updateTable(Session& session, const RowStore& store, int row, const std::string& table, const std::map<int, Value>& pending) {
@@ -179,7 +180,8 @@ void readBack(Session& session, RowStore& store, int row, const std::string& tab
     statement.add(" FROM " + bracketed(table) + " WHERE ");
     for (std::size_t i = 0; i < shape.key.size(); ++i) {
         const int column = columnFor(store, table, shape.key[i]);
-        const auto field = std::find_if(shape.fields.begin(), shape.fields.end(), [&](const auto& f) { return sameText(f.name, shape.key[i]); });
+        const auto field =
+            std::find_if(shape.fields.begin(), shape.fields.end(), [&](const auto& f) { return sameText(f.name, shape.key[i]); });
         if (field == shape.fields.end() || (column < 0 && !field->identity))
             return;
         if (i > 0)

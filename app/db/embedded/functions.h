@@ -73,6 +73,8 @@ struct FunctionEntry {
 
 // Makes all functions and the collations of the engine known to a connection. The host must outlive it.
 void registerFunctions(sqlite3* db, FunctionHost& host);
+// The collations alone, for one that only reads.
+void registerCollations(sqlite3* db);
 
 void registerEntries(sqlite3* db, FunctionHost& host, const FunctionEntry* entries, std::size_t count);
 void registerTextFunctions(sqlite3* db, FunctionHost& host);
