@@ -6,6 +6,8 @@
 // What they throw is told by main.
 namespace merchantry::programs {
 
+void addStoreCommand(CLI::App& program, int& exitCode);
 void addSqlCommand(CLI::App& program, int& exitCode);
+void addPlayCommand(CLI::App& program, int& exitCode);
 
 } // namespace merchantry::programs

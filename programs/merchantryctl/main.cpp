@@ -13,6 +13,8 @@ int runProgram(int count, char** arguments) {
     program.set_version_flag("--version", MERCHANTRY_VERSION);
     program.require_subcommand(1);
     merchantry::programs::addSqlCommand(program, exitCode);
+    merchantry::programs::addStoreCommand(program, exitCode);
+    merchantry::programs::addPlayCommand(program, exitCode);
     try {
         program.parse(count, arguments);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,26 @@
+#include "app/DataBroker.h"
+
+namespace merchantry::app {
+
+void DataBroker::NewCommand(db::ConnectionPtr& connection, std::shared_ptr<ErrLog>& /*logger*/, db::CommandPtr& command) {
+    command = std::make_shared<db::Command>(connection);
+}
+
+void DataBroker::OpenConnection(std::string& connectionString, std::shared_ptr<ErrLog>& /*logger*/, long& /*timeoutSeconds*/,
+                                db::ConnectionPtr& connection) {
+    connection = std::make_shared<db::Connection>(provider_);
+    whyClosed_.clear();
+    try {
+        connection->Open(connectionString);
+    } catch (const std::exception& error) {
+        whyClosed_ = error.what();
+    }
+}
+
+void DataBroker::OpenCommand(db::RecordsetPtr& rows, std::shared_ptr<ErrLog>& /*logger*/, db::CommandPtr& command, db::CursorType cursor,
+                             db::LockType lock, int& status) {
+    rows->Open(*command, cursor, lock);
+    status = 0;
+}
+
+} // namespace merchantry::app

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace merchantry::app {
+
+// Every operation that a screen of one subsystem offers to screens of others. A subsystem calls the door; the programs bind it to the
+// screen that answers. A door that is not bound yet is empty, and its command says so in the status bar.
+struct Doors {
+    // frmItems: opens the item of the pair "SKU|MatrixSKU"; does nothing for any other text.
+    std::function<void(const std::string& pair, bool modal)> CheckSKUs;
+    // frmItemLookup: the pair picked by the user, empty when none was; mode 1 shows Add New.
+    std::function<std::string(int mode)> SelectSKU;
+    // frmItemList: shows the list of items, not modally, with Add New.
+    std::function<void()> ShowItemList;
+    // frmSKU and frmMatrixSKU: a code typed by the user, empty on Cancel.
+    std::function<std::string()> GetSKU;
+    std::function<std::string(const std::string& preset)> GetMatrixSKU;
+    // modItemLookup: makes a parent and opens it; the wizard lookup by kind (1 standard, 2 parents, other matrix items).
+    std::function<void()> AddNewParent;
+    std::function<void(int kind)> ShowItemLookup;
+    // frmItemMatrixLookupWiz, modal.
+    std::function<void()> ItemMatrixLookup;
+    // frmReportCriteria: the criteria of the report with this key.
+    std::function<void(const std::string& reportKey)> ReportCriteria;
+    // frmReport_Generate: a report file by its full path, shown not modally.
+    std::function<void(const std::string& path)> GenerateFromRpt;
+    // frmItems_SalesMsg: mode 1 picks ("message|id", empty when none), any other maintains.
+    std::function<std::string(int mode)> SalesMessages;
+    // frmInventory_Adjust for the item with this key and name.
+    std::function<void(const std::string& sku, const std::string& matrixSku, const std::string& name)> AdjustInv;
+    // frmItems_Sales for the current item.
+    std::function<void()> ItemSales;
+    // Screens without arguments, modal, by form name ("frmDepartments").
+    std::function<bool(const std::string& form)> ShowScreen;
+    // frmImportExport in mode "Std" or "QSell".
+    std::function<void(const std::string& mode)> ImportExport;
+    // Components of the suite.
+    std::function<void(int first)> QuickBooksExport;
+    std::function<void()> ExcelImport;
+    std::function<void(int store, int cashier)> CustomerStatements;
+};
+
+} // namespace merchantry::app

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/DbConfig.h"
+#include "ui/button.h"
+#include "ui/choice.h"
+#include "ui/form.h"
+#include "ui/frame.h"
+#include "ui/label.h"
+#include "ui/list.h"
+#include "ui/textbox.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace merchantry::app {
+
+class DbConfigurator;
+
+// The dialog of the known database configurations: add, edit, test, choose the default, and make a new store file with or without demo
+// goods.
+class frmDbConfig : public ui::Form {
+public:
+    explicit frmDbConfig(ui::Desk& desk);
+
+    // Modal. The configuration chosen, which is the default from now on; nothing when the dialog was cancelled.
+    std::optional<DbConfig> Choose(DbConfigurator& configurator);
+
+private:
+    void Form_Activate() override;
+
+    void lstConfigs_Click();
+    void cmdAdd_Click();
+    void cmdRemove_Click();
+    void cmdBrowse_Click();
+    void cmdTest_Click();
+    void cmdNew_Click(bool demo);
+    void cmdOK_Click();
+
+    void fillList(const std::string& selected);
+    void showConfig(const DbConfig& config);
+    DbConfig shownConfig() const;
+    // What is wrong with the configuration shown, as a sentence; empty when nothing is.
+    std::string complaint() const;
+    bool keepShown();
+    void makeStore(const std::filesystem::path& file, bool demo);
+
+    ui::ListBox lstConfigs{*this, "lstConfigs"};
+    ui::Button cmdAdd{*this, "cmdAdd", "&Add"};
+    ui::Button cmdRemove{*this, "cmdRemove", "&Remove"};
+    ui::TextBox txtConfigName{*this, "txtConfigName"};
+    ui::TextBox txtServerName{*this, "txtServerName"}; // a store file's path or a server
+    ui::Button cmdBrowse{*this, "cmdBrowse", "&Browse..."};
+    ui::TextBox txtInstanceName{*this, "txtInstanceName"};
+    ui::TextBox txtRegisterID{*this, "txtRegisterID"};
+    ui::TextBox txtPassword{*this, "txtPassword"};
+    ui::CheckBox chkIntegrated{*this, "chkIntegrated", "Use the &operating system's login"};
+    ui::Label lblState{*this, "lblState"}; // what a test said, or why the store could not be opened
+    ui::ProgressBar prgMake{*this, "prgMake"};
+    ui::Button cmdDemo{*this, "cmdDemo", "New &Demo Store"};
+    ui::Button cmdEmpty{*this, "cmdEmpty", "New &Empty Store"};
+    ui::Button cmdTest{*this, "cmdTest", "&Test Connection"};
+    ui::Button cmdCancel{*this, "cmdCancel", "Cancel"};
+    ui::Button cmdOK{*this, "cmdOK", "&Use This Store"};
+
+    DbConfigurator* configurator_ = nullptr;
+    std::optional<DbConfig> chosen_;
+    std::string editing_; // name of the configuration shown; empty for a new one
+};
+
+} // namespace merchantry::app

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "ui/form.h"
+#include "ui/label.h"
+#include "ui/menu.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace merchantry::app {
+
+// The shell: a menu, a toolbar and an empty background. Its end is the program's end.
+class frmMain : public ui::Form {
+public:
+    explicit frmMain(ui::Desk& desk);
+
+    // Runs the command of that name as its menu entry does.
+    void Command(const std::string& name);
+    // Asks for a code and makes an item with it.
+    void AddItemNow();
+
+private:
+    void Form_Load() override;
+    void Form_Activate() override;
+    void Form_Unload(bool& cancel) override;
+
+    void Toolbar1_ButtonClick(const std::string& key);
+
+    void mnuDBConfiguration_Click();
+    void mnuItemsItemmaintenance_Click();
+    void mnuFileQuickbooksexport_Click();
+    void mnuCustomReport_Click();
+    void mnuProductHelp_Click();
+    bool HasDuplicateTaxClasses();
+    void QuickBooksExport();
+    void addItem();
+    ui::MenuEntry& entry(const std::string& name);
+    // Says in the status bar that the command has nothing behind it yet.
+    void notYet(const std::string& command);
+    void showScreen(const std::string& command, const std::string& form);
+    void report(const std::string& command, const std::string& key);
+    void buildMenu();
+
+    std::vector<std::unique_ptr<ui::MenuEntry>> entries_;
+    ui::Toolbar Toolbar1;
+    ui::Label lblWelcome{*this, "lblWelcome", "Merchantry"};
+};
+
+} // namespace merchantry::app

@@ -1,0 +1,128 @@
+#include "app/modMain.h"
+
+#include "base/numbers.h"
+#include "base/platform/platform.h"
+#include "ui/desk.h"
+#include "ui/form.h"
+
+namespace merchantry::app {
+namespace {
+
+constexpr long kConnectTimeoutSeconds = 60;
+
+std::int16_t registerNumber(const std::string& text) {
+    const auto number = numberOf(text);
+    return number ? toInt16(*number) : std::int16_t{1};
+}
+
+void openConn(ModMain& session) {
+    session.Conn = std::make_shared<db::Connection>(*session.provider);
+    long timeout = kConnectTimeoutSeconds;
+    session.DataBroker->OpenConnection(session.ConnectString, session.ErrLog, timeout, session.Conn);
+}
+
+// Asks whether to edit the configuration; ends the program when the user gives up.
+void offerConfigurator(ModMain& session) {
+    const auto answer = session.desk->message("You can use database configurator to edit default configuration\r\n"
+                                              "To edit default configuration click OK to exit application click Cancel.",
+                                              "DB Configurator", ui::MessageIcon::Exclamation, ui::MessageButtons::OkCancel);
+    if (answer == ui::Answer::Cancel)
+        session.desk->end();
+    db::ConnectionPtr none;
+    int confirmed = 0;
+    session.Configurator->EditConfiguration(none, confirmed);
+}
+
+void startUp(ModMain& session) {
+    if (session.provider == nullptr)
+        session.provider = std::make_unique<db::Provider>(&session.desk->clock());
+    session.DataBroker = std::make_shared<DataBroker>(*session.provider);
+    session.ErrLog = std::make_shared<ErrLog>(*session.desk);
+    if (session.Configurator == nullptr) {
+        const auto file = session.configFile.empty() ? platform::configurationFolder() / "databases.toml" : session.configFile;
+        session.Configurator = std::make_shared<DbConfigurator>(*session.desk, file, session.storeMaker);
+    }
+    while (true) {
+        session.CurrentDB = session.Configurator->GetDefaultConfiguration();
+        if (session.CurrentDB.ConfigName.empty())
+            session.CurrentDB = session.Configurator->GetFirstConfiguration();
+        session.DBUser = "sa";
+        rebuildConnectString();
+        session.RegisterID = registerNumber(session.CurrentDB.RegisterID);
+        openConn(session);
+        if (session.Conn->State() != 0)
+            break;
+        offerConfigurator(session);
+    }
+    session.Configurator->SetCurrentConfiguration(session.CurrentDB);
+}
+
+} // namespace
+
+ErrLog& ModMain::errLog() {
+    if (ErrLog == nullptr)
+        ErrLog = std::make_shared<app::ErrLog>(*desk);
+    return *ErrLog;
+}
+
+ModMain& modMain() {
+    static ModMain session;
+    return session;
+}
+
+void resetModMain() {
+    modMain() = ModMain();
+}
+
+void StartUpSystem() {
+    guarded({"modMain", "StartUpSystem", "Critical Error", false}, [] { startUp(modMain()); });
+}
+
+void rebuildConnectString() {
+    ModMain& session = modMain();
+    session.DBPassword = session.CurrentDB.Password;
+    session.DBServerName = session.CurrentDB.ServerName;
+    session.DBServer = dataSource(session.CurrentDB);
+    session.ConnectString = connectString(session.CurrentDB);
+}
+
+void CloseReportForms() {
+    std::vector<ui::Form*> reports;
+    for (ui::Form* form : modMain().desk->openForms())
+        if (form->name() == "frmReport_Generate" || form->name() == "frmReportCriteria")
+            reports.push_back(form);
+    for (ui::Form* form : reports)
+        form->unload();
+}
+
+db::RecordsetPtr openBroker(const db::Sql& text, db::CommandType type, db::CursorType cursor, db::LockType lock,
+                            const std::vector<db::Parameter>& parameters) {
+    ModMain& session = modMain();
+    auto rows = std::make_shared<db::Recordset>();
+    db::CommandPtr command;
+    session.DataBroker->NewCommand(session.Conn, session.ErrLog, command);
+    command->setActiveConnection(session.Conn->ConnectionString());
+    command->setCommandType(type);
+    command->setCommandText(text);
+    for (const db::Parameter& parameter : parameters)
+        command->append(parameter.name, parameter.type, parameter.value);
+    int status = 0;
+    session.DataBroker->OpenCommand(rows, session.ErrLog, command, cursor, lock, status);
+    return rows;
+}
+
+db::Parameter textParameter(const std::string& name, int length, const std::string& value) {
+    return {name, {db::TypeKind::VarChar, length, 0, 0}, value, false};
+}
+
+db::Parameter intParameter(const std::string& name, int value) {
+    return {name, {db::TypeKind::Int, 0, 0, 0}, value, false};
+}
+
+db::RecordsetPtr openDirect(const db::Sql& text, db::CursorType cursor, db::LockType lock) {
+    auto rows = std::make_shared<db::Recordset>();
+    rows->Open(text, modMain().Conn, cursor, lock);
+    return rows;
+}
+
+} // namespace merchantry::app

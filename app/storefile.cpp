@@ -1,0 +1,74 @@
+#include "app/storefile.h"
+
+#include "app/db/embedded/filecopy.h"
+#include "app/db/embedded/store.h"
+#include "app/db/schema/schema.h"
+
+namespace merchantry::app {
+namespace {
+
+using db::DbError;
+
+[[noreturn]] void refuse(const std::string& sentence) {
+    throw DbError(DbError::Category::Storage, 0, sentence);
+}
+
+void removeStore(const std::filesystem::path& file) {
+    std::error_code ignored;
+    for (const char* ending : {"", "-wal", "-shm", "-journal"})
+        std::filesystem::remove(file.string() + ending, ignored);
+}
+
+} // namespace
+
+void createStoreFile(const std::filesystem::path& file, const StoreFiller& filler, const std::function<void(int percent)>& progress) {
+    if (std::filesystem::exists(file))
+        refuse("There is a file " + file.string() + " already. Choose another name; nothing was changed.");
+    try {
+        const auto store = db::Store::create(file);
+        const auto session = store->session();
+        db::createSchema(*session);
+        if (filler)
+            filler(*session, progress);
+    } catch (...) {
+        removeStore(file);
+        throw;
+    }
+}
+
+std::vector<std::string> checkStoreFile(const std::filesystem::path& file) {
+    if (!std::filesystem::exists(file))
+        refuse("There is no file " + file.string() + ".");
+    std::vector<std::string> found = db::damageOf(file);
+    if (!found.empty())
+        return found;
+    return db::brokenInvariants(*db::Store::open(file)->session());
+}
+
+std::filesystem::path upgradeStoreFile(const std::filesystem::path& file) {
+    // There is one schema version so far; opening refuses a store that is newer, and no store can be older.
+    db::Store::open(file);
+    return {};
+}
+
+void backupStoreFile(const std::filesystem::path& file, const std::filesystem::path& target) {
+    if (std::filesystem::exists(target))
+        refuse("There is a file " + target.string() + " already. Choose another name; nothing was changed.");
+    db::Store::open(file);
+    try {
+        db::copyStore(file, target);
+    } catch (...) {
+        removeStore(target);
+        throw;
+    }
+}
+
+void restoreStoreFile(const std::filesystem::path& backup, const std::filesystem::path& file) {
+    if (const auto damage = checkStoreFile(backup); !damage.empty())
+        refuse("The backup " + backup.string() + " is damaged and was not used: " + damage.front());
+    if (std::filesystem::exists(file))
+        db::Store::open(file);
+    db::copyStore(backup, file);
+}
+
+} // namespace merchantry::app

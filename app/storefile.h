@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/db/session.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace merchantry::app {
+
+// Fills a new store with goods; progress in percent.
+using StoreFiller = std::function<void(db::Session& session, const std::function<void(int percent)>& progress)>;
+
+// Makes a store file with the schema and first rows, and what the filler adds. Throws std::exception with a sentence for the user; an
+// existing file is never touched, and nothing is left of a store that could not be made whole.
+void createStoreFile(const std::filesystem::path& file, const StoreFiller& filler, const std::function<void(int percent)>& progress);
+
+// What is wrong with a store, in a sentence each: damage of the file, and rules of the program that its rows break. Empty for a sound
+// store.
+std::vector<std::string> checkStoreFile(const std::filesystem::path& file);
+
+// Brings an older store to this program's schema, with a copy of the old one beside it (".v1.bak"); the copy's path, empty when the store
+// is of this version already.
+std::filesystem::path upgradeStoreFile(const std::filesystem::path& file);
+
+// Copies a store that may be in use. The target must not exist (backup), or must be a store that is overwritten as a whole in one
+// transaction (restore).
+void backupStoreFile(const std::filesystem::path& file, const std::filesystem::path& target);
+void restoreStoreFile(const std::filesystem::path& backup, const std::filesystem::path& file);
+
+} // namespace merchantry::app

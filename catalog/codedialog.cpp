@@ -1,0 +1,66 @@
+#include "catalog/codedialog.h"
+
+#include "ui/desk.h"
+
+namespace merchantry::catalog {
+
+using namespace ui;
+
+CodeDialog::CodeDialog(Desk& desk, const char* name, const char* caption, const char* fieldCaption)
+    : Form(desk, name, caption), fieldCaption_(fieldCaption) {
+    setIcon("item");
+    setFixedSize();
+    txtMatrixSKU.maxLength = 100;
+    txtMatrixSKU.fixedWidth = true;
+    cmdOK.isDefault = true;
+    cmdCancel.isCancel = true;
+    cmdOK.click = [this] {
+        accepted_ = true;
+        unload();
+    };
+    cmdCancel.click = [this] { unload(); };
+}
+
+Item CodeDialog::layoutWith(std::vector<Item> leftButtons) {
+    leftButtons.push_back(stretch());
+    leftButtons.push_back(at(cmdCancel));
+    leftButtons.push_back(at(cmdOK));
+    return column({fields({field(fieldCaption_, txtMatrixSKU).wide(32)}), buttons(std::move(leftButtons))});
+}
+
+std::string CodeDialog::ask(const std::string& preset) {
+    ensureLoaded();
+    accepted_ = false;
+    txtMatrixSKU.setText(preset);
+    desk().showModal(*this);
+    return accepted_ ? txtMatrixSKU.text() : std::string();
+}
+
+void CodeDialog::Form_Activate() {
+    txtMatrixSKU.setFocus();
+    txtMatrixSKU.selectAll();
+}
+
+frmSKU::frmSKU(Desk& desk) : CodeDialog(desk, "frmSKU", "Enter SKU", "SKU:") {
+    setLayout(layoutWith({}));
+}
+
+std::string frmSKU::GetSKU() {
+    return ask("");
+}
+
+frmMatrixSKU::frmMatrixSKU(Desk& desk) : CodeDialog(desk, "frmMatrixSKU", "Matrix SKU", "Parent SKU:") {
+    cmdLookupMatrixParent.click = [this] { cmdLookupMatrixParent_Click(); };
+    setLayout(layoutWith({at(cmdLookupMatrixParent)}));
+}
+
+std::string frmMatrixSKU::GetMatrixSKU(const std::string& preset) {
+    return ask(preset);
+}
+
+void frmMatrixSKU::cmdLookupMatrixParent_Click() {
+    desk().message("Looking up a matrix parent is not part of this version yet. Please type the parent's SKU.", caption(),
+                   MessageIcon::Information);
+}
+
+} // namespace merchantry::catalog

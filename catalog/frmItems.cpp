@@ -1,0 +1,360 @@
+#include "catalog/frmItems.h"
+
+#include "app/modMain.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "ui/desk.h"
+
+namespace merchantry::catalog {
+
+using namespace app;
+using namespace ui;
+using db::Sql;
+
+namespace {
+
+constexpr const char* kTag = "MR_frmItems";
+constexpr const char* kProduct = "Velmora Tillmark Professional";
+constexpr int kMatrix = 2;
+constexpr int kSplit = 3;
+constexpr int kSerialized = 5;
+constexpr int kSuppliersTab = 2;
+
+void numeric(TextBox& box) {
+    box.alignRight = true;
+}
+
+} // namespace
+
+frmItems::frmItems(Desk& desk) : Form(desk, "frmItems", "Item Maintenance") {
+    setIcon("item");
+    wireGeneral();
+    wireOtherPages();
+    tabItems.change = [this](int left) { tabItems_Change(left); };
+    setLayout(pages(tabItems, {generalPage(), suppliersPage(), pricePage(), substitutesPage(), notesPage(), matrixPage(), miscPage()}));
+    offer("CheckSKUs", [this](const auto& arguments) {
+        CheckSKUs(arguments.empty() ? "" : arguments[0], arguments.size() > 1 && arguments[1] == "on");
+        return std::string();
+    });
+}
+
+void frmItems::wireGeneral() {
+    for (TextBox* box : {&txtPriceAmt, &txtStockAmt, &txtReorder, &txtRestock, &txtTagAlongQty, &txtSplitQty})
+        numeric(*box);
+    for (TextBox* box : {&txtName, &txtReorder, &txtRestock, &txtTagAlongQty, &txtSplitQty, &txtPriceAmt})
+        box->gotFocus = [box] { box->selectAll(); };
+    txtName.maxLength = 255;
+    txtStockAmt.setLocked(true);
+    txtStockAmt.setToolTip(
+        "Stock changes through Adjust. Leaving this field writes the figure shown, also when a register has sold meanwhile.");
+    txtPriceAmt.setToolTip("The retail price. Type a plain number without a currency sign; anything else counts as 0.");
+    lblProfitPercent.setToolTip("Margin on the price, as it was when the item was opened");
+    cmdDeleteItem.isDanger = true;
+
+    txtName.lostFocus = [this] {
+        writeField("txtName_LostFocus", "Name", [this] { return Value(trimmed(txtName.text())); });
+        showNameOnTabs();
+    };
+    txtReorder.lostFocus = [this] {
+        writeField("txtReorder_LostFocus", "Reorder", [this] { return Value(numericPrefix(txtReorder.text())); });
+    };
+    txtRestock.lostFocus = [this] {
+        writeField("txtRestock_LostFocus", "Restock", [this] { return Value(numericPrefix(txtRestock.text())); });
+    };
+    txtNotes.lostFocus = [this] { writeField("txtNotes_LostFocus", "Notes", [this] { return Value(txtNotes.text()); }); };
+    txtPriceAmt.lostFocus = [this] { txtPriceAmt_LostFocus(); };
+    txtStockAmt.lostFocus = [this] { txtStockAmt_LostFocus(); };
+    cbxActive.click = [this] { writeField("cbxActive_Click", "Active", [this] { return Value(cbxActive.value()); }); };
+    cbxFoodStamps.click = [this] { writeField("cbxFoodStamps_Click", "FoodStampFlag", [this] { return Value(cbxFoodStamps.value()); }); };
+    cbxSerialed.click = [this] { writeField("cbxSetSerialed_Click", "SerialFlag", [this] { return Value(cbxSerialed.value()); }); };
+    lbxDepartment.click = [this] { writeField("lbxDepartment_Click", "DepartmentID", [this] { return Value(lbxDepartment.itemData()); }); };
+    lbxTaxClass.click = [this] { lbxTaxClass_Click(); };
+    lbxType.click = [this] { lbxType_Click(); };
+    cmdAdjust.click = [this] { cmdAdjust_Click(); };
+    cmdDeleteItem.click = [this] { cmdDeleteItem_Click(); };
+    int index = 0;
+    for (Button* exit : {&cmdExit0, &cmdExit1, &cmdExit2, &cmdExit3, &cmdExit4, &cmdExit5, &cmdExit6}) {
+        exit->click = [this, index] { cmdExit_Click(index); };
+        ++index;
+    }
+}
+
+void frmItems::wireOtherPages() {
+    using Format = GridColumn::Format;
+    grdSuppliers.setColumns({{.heading = "Parent", .fixedWidth = true},
+                             {.heading = "Matrix", .fixedWidth = true},
+                             {.heading = "Supplier", .characters = 32},
+                             {.heading = "Cost", .format = Format::Currency},
+                             {.heading = "Min Order", .format = Format::Number},
+                             {.heading = "Priority", .format = Format::Number},
+                             {.heading = "Part #"}});
+    grdPriceMatrix.setColumns({{.heading = "Parent", .fixedWidth = true},
+                               {.heading = "Matrix", .fixedWidth = true},
+                               {.heading = "Tier", .format = Format::Number},
+                               {.heading = "Qty >=", .format = Format::Number},
+                               {.heading = "Unit Price", .format = Format::Currency}});
+    grdSubs.setColumns({{.heading = "Parent", .fixedWidth = true},
+                        {.heading = "Matrix", .fixedWidth = true},
+                        {.heading = "Substitute Parent", .fixedWidth = true},
+                        {.heading = "Substitute Matrix", .fixedWidth = true},
+                        {.heading = "Priority", .format = Format::Number},
+                        {.heading = "Notes", .characters = 32}});
+    grdItemMatrix.setColumns({{.heading = "SKU", .fixedWidth = true},
+                              {.heading = "MatrixSKU", .fixedWidth = true},
+                              {.heading = "CategoryID", .hidden = true},
+                              {.heading = "Categories", .characters = 32}});
+    for (Grid* grid : {&grdSuppliers, &grdPriceMatrix, &grdSubs, &grdItemMatrix})
+        grid->editable = false;
+    grdSuppliers.emptyText = "No supplier delivers this item yet.";
+    grdPriceMatrix.emptyText = "This tier has no prices for the item.";
+    grdSubs.emptyText = "No substitutes.";
+    grdItemMatrix.emptyText = "No categories.";
+    txtNotes.multiline = true;
+
+    lbxTier.click = [this] { lbxTier_Click(); };
+    lbxMatrixGroups.click = [this] { lbxMatrixGroups_Click(); };
+    lbxSplitParentSKU.click = [this] { lbxSplitParentSKU_Click(); };
+    cmdSales.click = [this] {
+        if (modMain().doors.ItemSales)
+            modMain().doors.ItemSales();
+        else
+            notYet("Sales");
+    };
+    for (Button* button : {&cmdAddNewSupplier, &cmdDeleteSupplier, &cmdAddPriceMatrixItem, &cmdPriceDelete, &cmdSubsAddNew, &cmdSubsDelete,
+                           &cmdAddCategory, &cmdDeleteCatgory, &cmdAddTagAlong, &cmdRemoveTagAlong, &cmdUpdateSplit})
+        button->click = [this, button] { notYet(replaced(button->caption(), "&", "")); };
+    for (Image* arrow : {&imgArrowUp, &imgArrowDown, &imgSubUp, &imgSubDown})
+        arrow->click = [this, arrow] { notYet(arrow->toolTip()); };
+}
+
+void frmItems::notYet(const std::string& what) {
+    desk().status("\"" + what + "\" is not part of this version yet.");
+}
+
+void frmItems::CheckSKUs(const std::string& SKUPair, bool modal) {
+    guarded({kTag, "CheckSKUs"}, [&] {
+        const std::vector<std::string> parts = split(SKUPair, "|");
+        if (parts.size() != 2)
+            return;
+        ensureLoaded();
+        focus(nullptr); // what was typed for the item open so far is that item's
+        modMain().CurrentSKU = parts[0];
+        modMain().CurrentMatrixSKU = parts[1];
+        Modal = modal;
+        Loaded = false;
+        if (modal)
+            desk().showModal(*this);
+        else
+            desk().show(*this);
+    });
+}
+
+void frmItems::Form_Load() {
+    Loading = true;
+    CurrentTab = 1;
+    Init_ItemListBoxes();
+    Loading = false;
+}
+
+void frmItems::Form_Activate() {
+    if (Loaded)
+        return;
+    if (!FetchItemData()) {
+        unload();
+        return;
+    }
+    Populate_FormData();
+    Loaded = true;
+}
+
+void frmItems::writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
+    const db::RecordsetPtr item = modMain().ItemRecordset;
+    if (!guarded({kTag, procedure},
+                 [&] {
+                     (*item)[column] = value();
+                     item->Update();
+                 }) &&
+        item != nullptr)
+        item->CancelUpdate();
+}
+
+void frmItems::showNameOnTabs() {
+    for (Label* header : {&lblSuppliersPName, &lblPricePName, &lblNotesPName, &lblMatrixPName, &lblMiscPName, &lblSubsPName})
+        header->setCaption(std::string(trimmed(txtName.text())));
+    setCaption(txtName.text().empty() ? "Item Maintenance" : "Item Maintenance - " + txtName.text());
+}
+
+void frmItems::lbxTaxClass_Click() {
+    if (!Loaded)
+        return;
+    writeField("lbxTaxClass_Click", "TaxID", [this] {
+        const int first = lbxTaxClass.indexOf(lbxTaxClass.text());
+        return Value(lbxTaxClass.entries().at(static_cast<std::size_t>(first)).itemData);
+    });
+}
+
+void frmItems::lbxType_Click() {
+    const int type = lbxType.itemData();
+    writeField("lbxType_Click", "TypeID", [type] { return Value(type); });
+    guarded({kTag, "lbxType_Click"}, [&] { applyType(type); });
+}
+
+void frmItems::applyType(int type) {
+    const bool forced = type == kSerialized;
+    if (forced) {
+        SavedSerialValue = cbxSerialed.value();
+        SavedTaxIndex = lbxTaxClass.listIndex();
+        cbxSerialed.setValue(true);
+        lbxTaxClass.setListIndex(TaxNoneIndex);
+    }
+    cbxSerialed.setEnabled(!forced);
+    lbxTaxClass.setEnabled(!forced);
+    if (!forced && SavedSerialValue)
+        cbxSerialed.setValue(*SavedSerialValue);
+    if (!forced && SavedTaxIndex)
+        lbxTaxClass.setListIndex(*SavedTaxIndex);
+
+    for (Control* control : std::initializer_list<Control*>{&fraSplit, &lbxSplitParentSKU, &lbxSplitParentMatrixSKU, &txtSplitQty,
+                                                            &cmdUpdateSplit, &lblMiscItemSplit0, &lblMiscItemSplit1, &lblMiscItemSplit2})
+        control->setVisible(type == kSplit);
+    for (Control* control : std::initializer_list<Control*>{&lbxMatrixGroups, &lbxMatrixCategories, &lblMatrixGroups, &lblMatrixCategories,
+                                                            &cmdAddCategory, &cmdDeleteCatgory, &grdItemMatrix})
+        control->setVisible(type == kMatrix);
+    lblMatrixMessage.setVisible(type != kMatrix);
+}
+
+void frmItems::txtPriceAmt_LostFocus() {
+    guarded({kTag, "txtPriceAmt_LostFocus"}, [this] {
+        modMain().Conn->Execute(Sql("UPDATE PriceMatrix SET Price = ") + numericPrefix(txtPriceAmt.text()) + " WHERE SKU ='" +
+                                modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU +
+                                "' AND Tier = 1 AND (Quantity = 1 Or Quantity = 0)");
+        lblRetailUnitPriceAmt.setCaption("$" + txtPriceAmt.text());
+        lblSupRetailPrice.setCaption("$" + txtPriceAmt.text());
+        reloadPrices(lbxTier.listIndex() + 1);
+    });
+}
+
+void frmItems::txtStockAmt_LostFocus() {
+    guarded({kTag, "txtStockAmt"}, [this] {
+        modMain().Conn->Execute(Sql("UPDATE Stock SET Quantity = ") + numericPrefix(txtStockAmt.text()) + " WHERE SKU ='" +
+                                modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'");
+    });
+}
+
+void frmItems::lbxTier_Click() {
+    guarded({kTag, "lbxTier_Click"}, [this] {
+        for (const auto& [name, id] : tiers_)
+            if (name == lbxTier.text())
+                return reloadPrices(static_cast<int>(Value(id).toInteger()));
+    });
+}
+
+void frmItems::lbxMatrixGroups_Click() {
+    guarded({kTag, "lbxMatrixGroups_Click"}, [this] {
+        const auto categories = openBroker("bsp_ItemCategorysLookup", db::CommandType::StoredProcedure, db::CursorType::ForwardOnly,
+                                           db::LockType::ReadOnly, {intParameter("GroupID", lbxMatrixGroups.itemData())});
+        lbxMatrixCategories.clear();
+        for (; !categories->Eof(); categories->MoveNext())
+            lbxMatrixCategories.add((*categories)["CategoryName"].text());
+        if (lbxMatrixCategories.count() > 0)
+            lbxMatrixCategories.setListIndex(0);
+    });
+}
+
+void frmItems::lbxSplitParentSKU_Click() {
+    guarded({kTag, "lbxSplitSku_Click"}, [this] {
+        const std::string parent = lbxSplitParentSKU.text();
+        const bool own = sameText(parent, modMain().CurrentSKU);
+        const auto children =
+            own ? openDirect(Sql("SELECT MatrixSKU FROM Item WHERE (SKU = '") + parent + "' AND MatrixSKU <> '" +
+                             modMain().CurrentMatrixSKU + "' AND TypeID <> 4) ORDER BY MatrixSKU")
+                : openDirect(Sql("SELECT MatrixSKU FROM Item WHERE (SKU = '") + parent + "' AND TypeID <> 4) ORDER BY MatrixSKU");
+        lbxSplitParentMatrixSKU.clear();
+        for (; !children->Eof(); children->MoveNext())
+            lbxSplitParentMatrixSKU.add((*children)[0].text());
+        if (lbxSplitParentMatrixSKU.count() > 0 && lbxSplitParentMatrixSKU.listIndex() < 0)
+            lbxSplitParentMatrixSKU.setListIndex(0);
+    });
+}
+
+void frmItems::cmdAdjust_Click() {
+    guarded({kTag, "cmdAdjust_Click"}, [this] {
+        const ModMain& session = modMain();
+        if (!session.doors.AdjustInv)
+            return notYet("Adjust");
+        session.doors.AdjustInv(session.CurrentSKU, session.CurrentMatrixSKU, std::string(trimmed(txtName.text())));
+        Populate_FormData();
+    });
+}
+
+void frmItems::cmdDeleteItem_Click() {
+    if (desk().message("Are you sure you want to delete this item?", kProduct, MessageIcon::Question, MessageButtons::OkCancel) !=
+        Answer::Ok)
+        return;
+    try {
+        modMain().Conn->Execute(Sql("DELETE FROM Item WHERE SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" +
+                                modMain().CurrentMatrixSKU + "'");
+    } catch (const db::DbError& error) {
+        // Any other failure is passed over without a word.
+        if (error.hresult() == db::kIntegrityError)
+            desk().message("You may not delete an item that has transactions associated with it.", kProduct);
+        return;
+    }
+    unload();
+}
+
+void frmItems::tabItems_Change(int left) {
+    guarded({kTag, "tabItems_Click"}, [&] {
+        if (Loading) {
+            CurrentTab = 1;
+            return;
+        }
+        const int leftTab = left + 1;
+        if (CurrentTab == leftTab && leftTab == kSuppliersTab && !ValidateSupplierMatrix()) {
+            tabItems.setCurrent(kSuppliersTab - 1);
+            return;
+        }
+        CurrentTab = tabItems.current() + 1;
+    });
+}
+
+// The suppliers cannot be edited yet, so that there is nothing to find wrong with them and nothing to write.
+bool frmItems::ValidateSupplierMatrix() {
+    return true;
+}
+
+bool frmItems::SaveSupplierMatrix() {
+    return true;
+}
+
+void frmItems::cmdExit_Click(int index) {
+    guarded({kTag, "cmdExit_Click"}, [&] {
+        if (index == 1 && !ValidateSupplierMatrix())
+            return;
+        if (SaveSupplierMatrix())
+            unload();
+    });
+}
+
+void frmItems::Form_Unload(bool& /*cancel*/) {
+    guarded({kTag, "Form_Unload"}, [this] {
+        for (Grid* grid : {&grdPriceMatrix, &grdSubs, &grdItemMatrix})
+            grid->bind(nullptr);
+        for (const db::RecordsetPtr& rows : {modMain().ItemRecordset, priceRows_, supplierRows_, subsRows_, matrixRows_}) {
+            if (rows == nullptr || rows->State() == 0)
+                continue;
+            if (rows->onRow())
+                rows->CancelUpdate();
+            rows->Close();
+        }
+        ModMain& session = modMain();
+        session.CurrentSKU.clear();
+        session.CurrentMatrixSKU.clear();
+        session.CurrentItemName.clear();
+        session.ItemRecordset.reset();
+    });
+    if (!Modal && modMain().doors.ShowItemList)
+        modMain().doors.ShowItemList();
+}
+
+} // namespace merchantry::catalog

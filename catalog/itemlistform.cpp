@@ -1,0 +1,245 @@
+#include "catalog/itemlistform.h"
+
+#include "app/ADOUtilities.h"
+#include "app/modMain.h"
+#include "base/text.h"
+#include "catalog/codedialog.h"
+#include "catalog/modItemLookup.h"
+#include "ui/desk.h"
+
+#include <array>
+
+namespace merchantry::catalog {
+
+using namespace app;
+using namespace ui;
+using db::Sql;
+
+namespace {
+
+struct SearchField {
+    const char* caption;
+    const char* column;
+};
+constexpr std::array kFields{SearchField{"Parent", "SKU"}, SearchField{"Matrix", "MatrixSKU"}, SearchField{"Description", "Name"},
+                             SearchField{"Department", "Department"}};
+
+std::string condition(const SearchField& field, const std::string& text) {
+    return std::string(field.column) + " like '%" + text + "%'";
+}
+
+// The filter for a field's caption and a text; empty for no text.
+std::string filterFor(const std::string& caption, const std::string& text) {
+    if (text.empty())
+        return "";
+    std::vector<std::string> conditions;
+    for (const SearchField& field : kFields)
+        if (caption == "All" || caption == field.caption)
+            conditions.push_back(condition(field, text));
+    return joined(conditions, " or ");
+}
+
+std::string withThousands(int number) {
+    std::string text = std::to_string(number);
+    for (int at = static_cast<int>(text.size()) - 3; at > 0; at -= 3)
+        text.insert(static_cast<std::size_t>(at), ",");
+    return text;
+}
+
+} // namespace
+
+ItemListForm::ItemListForm(Desk& desk, const char* name, const char* caption, const char* initGridTag)
+    : Form(desk, name, caption), initGridTag_(initGridTag) {
+    setIcon("items");
+    lblHeading.setCaption(caption);
+    grdItems.setColumns({
+        {.heading = "SKU", .fixedWidth = true, .characters = 18},
+        {.heading = "MatrixSKU", .fixedWidth = true, .characters = 18},
+        {.heading = "Name", .characters = 48},
+        {.heading = "Department", .hidden = true},
+    });
+    grdItems.editable = false;
+    grdItems.emptyText = "No items match. Change the search, or add an item.";
+    cmdAddNew.setVisible(false);
+    cmdSelect.isDefault = true;
+    cmdExit.isCancel = true;
+
+    for (OptionButton* option : {&optAll, &optActive, &optInactive})
+        option->click = [this] { reload(); };
+    grdItems.click = [this] { grdItems_Click(); };
+    grdItems.dblClick = [this] { cmdSelect_Click(); };
+    cmdSelect.click = [this] { cmdSelect_Click(); };
+    cmdAddNew.click = [this] { cmdAddNew_Click(); };
+    cmdExit.click = [this] { unload(); };
+
+    setLayout(column({
+        row({title(lblHeading), stretch(), at(optAll), at(optActive), at(optInactive)}),
+        at(grdItems).high(18).wide(96).stretched(),
+        buttons({at(cmdAddNew), stretch(), at(cmdExit), at(cmdSelect)}),
+    }));
+    offer("SelectSKU", [this](const auto& arguments) {
+        return SelectSKU(arguments.empty() ? 0 : Value(arguments[0]).toInteger() == 1 ? 1 : 0);
+    });
+    offer("Init_Grid", [this](const auto& arguments) {
+        Init_Grid(arguments.size() > 0 && arguments[0] == "on", arguments.size() > 1 && arguments[1] == "on");
+        return std::string();
+    });
+    offer("srch_FieldSearch", [this](const auto& arguments) {
+        srch_FieldSearch(arguments.size() > 0 ? arguments[0] : "All", arguments.size() > 1 ? arguments[1] : "");
+        return std::string();
+    });
+}
+
+std::string ItemListForm::SelectSKU(int mode) {
+    ensureLoaded();
+    cmdAddNew.setVisible(mode == 1);
+    desk().showModal(*this);
+    return std::exchange(pair_, "");
+}
+
+void ItemListForm::Form_Load() {
+    reload();
+}
+
+void ItemListForm::Form_Activate() {
+    if (activated_)
+        return;
+    activated_ = true;
+    OpenSearch();
+}
+
+void ItemListForm::Form_Unload(bool& /*cancel*/) {
+    guarded({"MR_frmItemLookup", "Form_Unload"}, [this] {
+        if (search_ != nullptr)
+            search_->Close();
+        grdItems.bind(nullptr);
+        if (rows_ != nullptr && rows_->State() != 0) {
+            if (rows_->onRow())
+                rows_->CancelUpdate();
+            rows_->Close();
+        }
+    });
+}
+
+void ItemListForm::OpenSearch() {
+    desk().waitCursor(true);
+    search_ = std::make_unique<VelmoraSearch>(desk());
+    search_->FieldSearch = [this](const std::string& field, const std::string& text) { srch_FieldSearch(field, text); };
+    std::vector<std::string> captions{"All"};
+    for (const SearchField& field : kFields)
+        captions.emplace_back(field.caption);
+    search_->Initialise(joined(captions, search_->Delimiter()), *this, grdItems.place().left / kTwipsPerPixel, 0, 3);
+    search_->Show();
+    desk().yield();
+    desk().waitCursor(false);
+}
+
+void ItemListForm::reload() {
+    desk().waitCursor(true);
+    Init_Grid(optAll.value() || optActive.value(), optAll.value() || optInactive.value());
+    desk().waitCursor(false);
+}
+
+void ItemListForm::Init_Grid(bool activeOnly, bool inactiveOnly) {
+    guarded({initGridTag_, "Init_Grid"}, [&] {
+        if (activeOnly && inactiveOnly)
+            loadGrid("sp_GetAllItems 1, 0");
+        else if (activeOnly)
+            loadGrid("sp_GetAllItems 1, 1");
+        else if (inactiveOnly)
+            loadGrid("sp_GetAllItems 0, 0");
+    });
+}
+
+void ItemListForm::loadGrid(const Sql& command) {
+    grdItems.bind(nullptr);
+    if (rows_ != nullptr && rows_->State() != 0)
+        rows_->Close();
+    rows_ = openDirect(command, db::CursorType::Static, db::LockType::ReadOnly);
+    rows_->setFilter(filter_);
+    shown();
+}
+
+// After the rows or their filter changed.
+void ItemListForm::shown() {
+    grdItems.bind(rows_.get());
+    cmdSelect.setEnabled(rows_->RecordCount() > 0);
+    grdItems.setStatusText(withThousands(rows_->RecordCount()) + (rows_->RecordCount() == 1 ? " item" : " items") +
+                           (filter_.empty() ? "" : " found by the search"));
+}
+
+void ItemListForm::srch_FieldSearch(const std::string& field, const std::string& text) {
+    guarded({initGridTag_, "srch_FieldSearch"}, [&] {
+        filter_ = filterFor(field, text);
+        rows_->setFilter(filter_);
+        shown();
+    });
+}
+
+void ItemListForm::grdItems_Click() {
+    static constexpr std::array<const char*, 3> kSorts{"SKU asc", "MatrixSKU asc", "Name asc"};
+    if (grdItems.row() != 1 || grdItems.col() >= static_cast<int>(kSorts.size()))
+        return;
+    rows_->setSort(kSorts[static_cast<std::size_t>(grdItems.col())]);
+}
+
+void ItemListForm::cmdSelect_Click() {
+    if (grdItems.selected())
+        choose(grdItems.rawText(grdItems.row(), 0) + "|" + grdItems.rawText(grdItems.row(), 1));
+}
+
+void ItemListForm::cmdAddNew_Click() {
+    guarded({"MR_frmItemLookup", "AddNew_Click"}, [this] {
+        std::string matrixSku = desk().form<frmSKU>().GetSKU();
+        std::string sku = desk().form<frmMatrixSKU>().GetMatrixSKU(matrixSku);
+        if (sku.empty())
+            return;
+        if (matrixSku.empty())
+            matrixSku = sku;
+        cleanCodes(sku, matrixSku);
+        if (ItemExists(sku, matrixSku, true))
+            return;
+        if (makeItem(sku, matrixSku))
+            added(sku + "|" + matrixSku);
+    });
+}
+
+frmItemList::frmItemList(Desk& desk) : ItemListForm(desk, "frmItemList", "Item List", "MR_frmItemLookup") {
+    offer("ShowFormAddNewVisible", [this](const auto&) {
+        ShowFormAddNewVisible();
+        return std::string();
+    });
+}
+
+void frmItemList::ShowFormAddNewVisible() {
+    ensureLoaded();
+    cmdAddNew.setVisible(true);
+    desk().show(*this);
+}
+
+void frmItemList::choose(const std::string& pair) {
+    modMain().doors.CheckSKUs(pair, false);
+    unload();
+}
+
+void frmItemList::added(const std::string& pair) {
+    choose(pair);
+}
+
+frmItemLookup::frmItemLookup(Desk& desk) : ItemListForm(desk, "frmItemLookup", "Item Lookup", "frmItemLookup") {}
+
+void frmItemLookup::choose(const std::string& pair) {
+    pair_ = pair;
+    unload();
+}
+
+void frmItemLookup::cleanCodes(std::string& sku, std::string& matrixSku) const {
+    sku = CleanSQLValue(sku);
+    matrixSku = CleanSQLValue(matrixSku);
+}
+
+void frmItemLookup::added(const std::string& pair) {
+    choose(pair);
+}
+
+} // namespace merchantry::catalog

@@ -1,0 +1,84 @@
+#include "catalog/modItemLookup.h"
+
+#include "app/ADOUtilities.h"
+#include "app/modMain.h"
+#include "base/text.h"
+#include "catalog/codedialog.h"
+#include "ui/desk.h"
+
+namespace merchantry::catalog {
+
+using namespace app;
+using db::Sql;
+
+namespace {
+
+constexpr const char* kProduct = "Velmora Tillmark Professional";
+constexpr int kParentType = 4;
+
+void inheritDepartment(const std::string& sku, const std::string& matrixSku) {
+    modMain().Conn->Execute(Sql("Update Item SET DepartmentID = (Select DepartmentID FROM Item WHERE SKU = '") + sku +
+                            "' AND MatrixSKU = '" + sku + "') " + " WHERE SKU = '" + sku + "' AND MatrixSKU = '" + matrixSku + "'");
+}
+
+} // namespace
+
+std::string AddNewItem(int typeId, const std::string& skuGiven, const std::string& prompt, const std::string& title, bool inherit) {
+    std::string pair;
+    guarded({"MR_modItemLookup", "AddNew Item"}, [&] {
+        ui::Desk& desk = *modMain().desk;
+        const std::string sku = CleanSQLValue(!skuGiven.empty() ? skuGiven : desk.input({prompt, title, ""}).value_or(""));
+        if (sku.empty())
+            return;
+        std::string matrixSku = typeId == kParentType ? "" : desk.form<frmSKU>().GetSKU();
+        matrixSku = CleanSQLValue(matrixSku.empty() ? sku : matrixSku);
+        if (ItemExists(sku, matrixSku, true))
+            return;
+        AddItemRow("Item", sku, matrixSku, "TypeId;" + std::to_string(typeId) + ";SalesMsgID;0");
+        AddItemRow("Stock", sku, matrixSku, "Quantity;0");
+        AddItemRow("PriceMatrix", sku, matrixSku, "Tier;1;Quantity;1");
+        if (!ItemExists(sku, matrixSku, false))
+            return;
+        pair = sku + "|" + matrixSku;
+        if (inherit)
+            inheritDepartment(sku, matrixSku);
+    });
+    return pair;
+}
+
+void AddItemRow(const std::string& table, const std::string& sku, const std::string& matrixSku, const std::string& fieldList) {
+    const auto rows = openDirect(Sql("Select * From ") + table + " Where SKU = '" + sku + "' AND MatrixSKU = '" + matrixSku + "'",
+                                 db::CursorType::Keyset, db::LockType::Optimistic);
+    if (!rows->Eof())
+        return;
+    rows->AddNew();
+    (*rows)["MatrixSKU"] = matrixSku;
+    (*rows)["SKU"] = sku;
+    const std::vector<std::string> entries = fieldList.empty() ? std::vector<std::string>() : split(fieldList, ";");
+    for (std::size_t i = 0; i + 1 < entries.size(); i += 2)
+        (*rows)[entries[i]] = entries[i + 1];
+    rows->Update();
+    rows->Close();
+}
+
+bool ItemExists(const std::string& sku, const std::string& matrixSku, bool warn) {
+    const auto rows = openDirect(Sql("SELECT SKU from Item WHERE SKU = '") + sku + "' AND MatrixSKU = '" + matrixSku + "'",
+                                 db::CursorType::Keyset, db::LockType::ReadOnly);
+    const bool exists = rows->RecordCount() > 0;
+    if (exists && warn)
+        modMain().desk->message("That item already exists in your store! Please enter a different SKU/MatrixSKU", kProduct);
+    return exists;
+}
+
+std::string ParentOfPair(const std::string& pair) {
+    const std::size_t sign = pair.find('|');
+    return sign == std::string::npos || sign == 0 ? pair : pair.substr(0, sign);
+}
+
+bool makeItem(const std::string& sku, const std::string& matrixSku) {
+    const auto made = openBroker("bsp_NewItem", db::CommandType::StoredProcedure, db::CursorType::ForwardOnly, db::LockType::ReadOnly,
+                                 {textParameter("SKU", 100, sku), textParameter("MatrixSKU", 100, matrixSku)});
+    return !made->Eof() && (*made)["cnt"].text() == "1";
+}
+
+} // namespace merchantry::catalog

@@ -1,0 +1,64 @@
+#include "app/frmLogin.h"
+#include "app/modMain.h"
+#include "programs/desktop.h"
+#include "programs/screens.h"
+#include "programs/storehost.h"
+#include "ui/qt/qtdesk.h"
+
+#include <CLI/CLI.hpp>
+#include <QApplication>
+
+namespace {
+
+using namespace merchantry;
+
+struct Options {
+    std::string store;
+    std::vector<std::string> plays;
+    std::string pictures;
+    std::string tone;
+};
+
+ui::Tone toneOf(const Options& options) {
+    if (options.tone == "light")
+        return ui::Tone::Light;
+    return options.tone == "dark" ? ui::Tone::Dark : ui::Tone::System;
+}
+
+// The program as a manager starts it; with a store named, that one instead of the configured.
+int runDesktop(QApplication& application, const Options& options) {
+    ui::QtDesk desk(application, toneOf(options));
+    programs::ConfigFor config(options.store);
+    app::ModMain& session = app::modMain();
+    session.desk = &desk;
+    session.configFile = config.file();
+    session.storeMaker = programs::storeMaker();
+    programs::bindDoors(desk);
+    return desk.run([&] { desk.show(desk.form<app::frmLogin>()); });
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    CLI::App program("Merchantry: the store-management program");
+    program.set_version_flag("--version", MERCHANTRY_VERSION);
+    program.add_option("--store", options.store, "Open this store file instead of the configured store");
+    program.add_option("--play", options.plays, "Run screen scripts in the desktop, each on a copy of the store given with --store");
+    program.add_option("--pictures", options.pictures,
+                       "Where the pictures go: those of the scripts, or else one of every form, light and dark");
+    program.add_option("--skin", options.tone, "light or dark; the system's when not given")->check(CLI::IsMember({"light", "dark"}));
+    // The toolkit's own options stand behind the program's.
+    program.allow_extras();
+    CLI11_PARSE(program, argc, argv);
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("Merchantry");
+    QApplication::setDesktopFileName("merchantry");
+    const ui::Tone tone = toneOf(options);
+    if (!options.plays.empty())
+        return programs::playInDesktop(application, tone, options.store, options.plays, options.pictures);
+    if (!options.pictures.empty())
+        return programs::pictureEveryForm(application, options.store, options.pictures);
+    return runDesktop(application, options);
+}

@@ -1,0 +1,66 @@
+#include "programs/screens.h"
+
+#include "app/frmAbout.h"
+#include "app/frmDbConfig.h"
+#include "app/frmFieldSearch.h"
+#include "app/frmLogin.h"
+#include "app/frmMain.h"
+#include "app/modMain.h"
+#include "base/text.h"
+#include "catalog/codedialog.h"
+#include "catalog/frmItems.h"
+#include "catalog/itemlistform.h"
+
+namespace merchantry::programs {
+namespace {
+
+template <class F> ui::Form& instanceOf(ui::Desk& desk) {
+    return desk.form<F>();
+}
+
+constexpr Screen kScreens[] = {
+    {"frmLogin", instanceOf<app::frmLogin>, false},
+    {"frmMain", instanceOf<app::frmMain>, false},
+    {"frmDbConfig", instanceOf<app::frmDbConfig>, false},
+    {"frmAbout", instanceOf<app::frmAbout>, false},
+    {"frmFieldSearch", instanceOf<app::frmFieldSearch>, false},
+    {"frmSKU", instanceOf<catalog::frmSKU>, false},
+    {"frmMatrixSKU", instanceOf<catalog::frmMatrixSKU>, false},
+    {"frmItemLookup", instanceOf<catalog::frmItemLookup>, false},
+    {"frmItemList", instanceOf<catalog::frmItemList>, false},
+    {"frmItems", instanceOf<catalog::frmItems>, false},
+};
+
+} // namespace
+
+std::span<const Screen> screens() {
+    return kScreens;
+}
+
+ui::Form* screenNamed(ui::Desk& desk, const std::string& name) {
+    for (const Screen& screen : kScreens)
+        if (sameText(screen.name, name))
+            return &screen.instance(desk);
+    return nullptr;
+}
+
+void bindDoors(ui::Desk& desk) {
+    using namespace catalog;
+    app::Doors& doors = app::modMain().doors;
+    doors.CheckSKUs = [&desk](const std::string& pair, bool modal) { desk.form<frmItems>().CheckSKUs(pair, modal); };
+    doors.SelectSKU = [&desk](int mode) { return desk.form<frmItemLookup>().SelectSKU(mode); };
+    doors.ShowItemList = [&desk] { desk.form<frmItemList>().ShowFormAddNewVisible(); };
+    doors.GetSKU = [&desk] { return desk.form<frmSKU>().GetSKU(); };
+    doors.GetMatrixSKU = [&desk](const std::string& preset) { return desk.form<frmMatrixSKU>().GetMatrixSKU(preset); };
+    doors.ShowScreen = [&desk](const std::string& form) {
+        for (const Screen& screen : kScreens) {
+            if (!screen.command || form != screen.name)
+                continue;
+            desk.showModal(screen.instance(desk));
+            return true;
+        }
+        return false;
+    };
+}
+
+} // namespace merchantry::programs
