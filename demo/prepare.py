@@ -19,7 +19,7 @@ from pathlib import Path
 
 SMALL_WORDS = {"a", "an", "and", "at", "by", "for", "from", "in", "into", "it", "of", "on", "or", "the", "to", "with", "w"}
 KEPT_WORDS = {"UK": "UK", "USA": "USA", "LED": "LED", "3D": "3D", "CD": "CD", "DVD": "DVD", "TV": "TV", "ABC": "ABC", "DIY": "DIY", "XMAS": "Xmas",
-              "II": "II", "B'FLY": "Butterfly", "B'DRAW": "Bottom-Draw", "ASS": "Assorted", "ASST": "Assorted", "CHRISTMA": "Christmas", "W": "with", "SM": "Small",
+              "II": "II", "B'FLY": "Butterfly", "B'DRAW": "Bottom-Draw", "ASS": "Assorted", "ASST": "Assorted", "ASSTD": "Assorted", "ASSTED": "Assorted", "ASS'T": "Assorted", "ASST.": "Assorted", "CHRISTMA": "Christmas", "W": "with", "SM": "Small",
               "LGE": "Large", "COL": "Colour", "PCS": "Pieces", "FT": "Ft", "RRP": "RRP", "ENAMEL": "Enamel"}
 
 # The first rule that a name matches gives the department.

@@ -142,7 +142,10 @@ void pressKey(Step& step) {
     const std::string name = step.any("a key's name");
     step.end();
     Form* const keyboard = step.desk().keyboard();
-    gestures::key(keyboard != nullptr ? *keyboard : step.form(), name);
+    const bool taken = keyboard != nullptr && gestures::key(*keyboard, name);
+    // A panel beside a list leaves to the list what it does not use itself.
+    if (!taken && (keyboard == nullptr || step.desk().floating(*keyboard)))
+        gestures::key(step.form(), name);
 }
 
 void closeForm(Step& step) {

@@ -133,6 +133,9 @@ void printForm(Transcript& transcript, const Form& form) {
         transcript.event("  " + control->name() + " " + kindOf(*control) + (text ? " " + inQuotes(*text) : "") +
                          (flag ? (*flag ? " on" : " off") : "") + (isVisible(*control) ? "" : " hidden") +
                          (isEnabled(*control) ? "" : " disabled"));
+        if (const auto* bar = dynamic_cast<const Toolbar*>(control))
+            for (const ToolButton& button : bar->buttons())
+                transcript.event("    " + button.key + " " + inQuotes(button.caption) + " tip " + inQuotes(button.toolTip));
     }
 }
 
