@@ -1,8 +1,11 @@
 #include "tests/ui/play/samplehost.h"
 
+#include "ui/play/verbs.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iterator>
 
 using namespace merchantry;
 using namespace merchantry::ui::sample;
@@ -268,6 +271,21 @@ TEST(Play, SeveralScriptsAreCounted) {
     options.scripts.resize(1);
     EXPECT_EQ(ui::play::runPlays(options, makeHost, out), 0);
     std::filesystem::remove_all(folder);
+}
+
+// The page that teaches the language and the tables that carry it out must not part.
+TEST(Play, ThePageTeachesEveryWord) {
+    std::ifstream in("docs/plays.md");
+    const std::string page{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    using namespace merchantry::ui::play;
+    for (const auto* table : {&fieldVerbs(), &gridVerbs(), &worldVerbs()})
+        for (const Entry& verb : *table)
+            EXPECT_NE(page.find("`" + std::string(verb.word)), std::string::npos) << verb.form;
+    for (const auto* table : {&fieldExpectations(), &gridExpectations(), &worldExpectations()})
+        for (const Entry& entry : *table)
+            EXPECT_TRUE(page.find("`expect " + std::string(entry.word)) != std::string::npos ||
+                        page.find("`" + std::string(entry.word) + "`") != std::string::npos)
+                << entry.form;
 }
 
 TEST(Play, FilesAreComparedLineByLine) {
