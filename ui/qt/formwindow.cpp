@@ -24,7 +24,7 @@
 namespace merchantry::ui {
 namespace {
 
-constexpr int kNarrowest = 340;
+constexpr int kNarrowest = 300;
 constexpr int kMark = 144;
 constexpr QSize kRoomy(920, 620);
 
@@ -169,6 +169,8 @@ void FormWindow::embed(FormWindow& panel) {
         panel.content_->setAttribute(Qt::WA_StyledBackground);
         panel.outer_->setContentsMargins(measure::kEdge, measure::kGroups, measure::kEdge, 0);
         panel.outer_->setSizeConstraint(QLayout::SetDefaultConstraint);
+        panel.setMinimumSize(0, 0);
+        panel.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
         if (QLayout* inside = panel.content_->layout())
             inside->setContentsMargins(12, 8, 12, 8);
         outer_->insertWidget(outer_->indexOf(content_), &panel);

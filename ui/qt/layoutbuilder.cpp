@@ -72,8 +72,12 @@ bool keepsWidth(const Item& item) {
     case Role::OptionButton:
     case Role::Image:
         return true;
+    case Role::Label:
+        return item.control()->takesFocus() || item.characters() > 0;
+    case Role::Grid:
+        return false; // its width is a wish
     default:
-        return item.characters() > 0;
+        return item.characters() > 0 && item.stretch() == 0;
     }
 }
 
@@ -92,7 +96,7 @@ void LayoutBuilder::fill(QWidget& content, const Item& layout) {
         fillBody(content, layout, measure::kEdge);
 }
 
-void LayoutBuilder::fillBody(QWidget& body, const Item& content, int margin) {
+bool LayoutBuilder::fillBody(QWidget& body, const Item& content, int margin) {
     QWidget* const outside = std::exchange(parent_, &body);
     auto* box = made<QVBoxLayout>();
     box->setContentsMargins(margin, margin, margin, margin);
@@ -102,6 +106,7 @@ void LayoutBuilder::fillBody(QWidget& body, const Item& content, int margin) {
         box->addStretch(1);
     body.setLayout(box);
     parent_ = outside;
+    return piece.tall;
 }
 
 LayoutBuilder::Piece LayoutBuilder::build(const Item& item) {
@@ -139,7 +144,6 @@ LayoutBuilder::Piece LayoutBuilder::build(const Item& item) {
 void LayoutBuilder::place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment, bool grows) {
     const int share = std::max(item.stretch(), grows ? 1 : 0);
     if (item.kind() == Kind::Stretch) {
-        box.addSpacing(measure::kRelated);
         box.addStretch(share);
     } else if (item.kind() == Kind::Gap) {
         box.addSpacing(measure::kRelated);
@@ -153,9 +157,11 @@ void LayoutBuilder::place(QBoxLayout& box, const Item& item, const Piece& piece,
 LayoutBuilder::Piece LayoutBuilder::control(const Item& item) {
     Drawing& drawing = window_.addDrawing(*item.control(), parent_);
     drawing.wish(item.characters(), item.lines());
+    if (item.characters() > 0 && item.stretch() > 0)
+        drawing.widget()->setMaximumWidth(QWIDGETSIZE_MAX); // so wide at least
     if (item.kind() == Kind::Title)
         setLook(*drawing.widget(), "title");
-    return {drawing.widget(), nullptr, drawing.wide() && item.characters() == 0, drawing.tall()};
+    return {drawing.widget(), nullptr, drawing.wide() && !keepsWidth(item), drawing.tall()};
 }
 
 QLabel* LayoutBuilder::caption(const std::string& text, Drawing* of) {
@@ -215,11 +221,11 @@ LayoutBuilder::Piece LayoutBuilder::row(const Item& item) {
         shared = shared || child->stretch() > 0;
     }
     for (const auto& [child, piece] : pieces) {
-        if (before != nullptr && !isSpace(*before) && !isSpace(*child))
+        if (before != nullptr && !isSpace(*child))
             box->addSpacing(beside(*before, *child));
         place(*box, *child, piece, tall && !piece.tall && piece.widget != nullptr ? Qt::AlignTop : Qt::Alignment(), piece.wide && !shared);
         wide = wide || piece.wide || child->stretch() > 0;
-        before = child;
+        before = isSpace(*child) ? before : child;
     }
     if (!wide && item.children().size() > 1)
         box->addStretch(1);
@@ -241,10 +247,10 @@ LayoutBuilder::Piece LayoutBuilder::column(const Item& item) {
     for (const auto& [child, piece] : pieces) {
         if (!tall && child == &item.children().back() && child->kind() == Kind::Buttons)
             box->addStretch(1);
-        if (before != nullptr && !isSpace(*before) && !isSpace(*child))
+        if (before != nullptr && !isSpace(*child))
             box->addSpacing(below(*before, *child));
         place(*box, *child, piece, keepsWidth(*child) && !bar ? Qt::AlignLeft : Qt::Alignment(), piece.tall);
-        before = child;
+        before = isSpace(*child) ? before : child;
     }
     if (!tall && (item.children().empty() || item.children().back().kind() != Kind::Buttons))
         box->addStretch(1);
@@ -331,8 +337,8 @@ LayoutBuilder::Piece LayoutBuilder::group(const Item& item) {
         panel->setHeading(toQt(item.text()));
     }
     panel->setBare(bare);
-    fillBody(*panel->body(), inside, bare ? 0 : measure::kGroups);
-    return {panel, nullptr, true, bare || item.stretch() > 0};
+    const bool tall = fillBody(*panel->body(), inside, bare ? 0 : measure::kGroups);
+    return {panel, nullptr, true, tall || item.stretch() > 0};
 }
 
 LayoutBuilder::Piece LayoutBuilder::pages(const Item& item) {

@@ -45,8 +45,8 @@ private:
     Piece figure(const Item& item);
     Piece note(const Item& item);
 
-    // The content of a frame, a page or the window.
-    void fillBody(QWidget& body, const Item& content, int margin);
+    // The content of a frame, a page or the window; whether it takes room that is left below.
+    bool fillBody(QWidget& body, const Item& content, int margin);
     // The controls of a field without its caption, on one line.
     Piece fieldLine(const Item& item);
     Piece ledLine(const Item& item);
