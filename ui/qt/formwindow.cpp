@@ -74,6 +74,10 @@ bool FormWindow::act(const std::function<void()>& procedure) {
     return form_ != nullptr && !form_->closed() && &form_->desk() == &desk_ && desk_.enter(procedure);
 }
 
+bool FormWindow::read(const std::function<void()>& procedure) {
+    return form_ != nullptr && !form_->closed() && desk_.enter(procedure);
+}
+
 void FormWindow::build() {
     outer_ = new QVBoxLayout(this);
     outer_->setContentsMargins(0, 0, 0, 0);

@@ -42,8 +42,10 @@ public:
     Form* form() const { return form_; }
     QtDesk& desk() const { return desk_; }
     const Skin& skin() const { return desk_.skin(); }
-    // Runs what a user's act brings. Nothing happens when the form is gone.
+    // Runs what a user's act brings. Nothing happens when the form is gone or is moved by another desk, that of a script.
     bool act(const std::function<void()>& procedure);
+    // Asks the form for what it shows, which may run a procedure of it; a failure ends the run as any other.
+    bool read(const std::function<void()>& procedure);
     // The drawing of a control of this form; null when it is not on the window.
     Drawing* drawing(const Control& control) const;
     const std::vector<std::unique_ptr<Drawing>>& drawings() const { return drawings_; }

@@ -40,7 +40,7 @@ bool isOn(const std::string& text) {
 // Colours and texts may come from a screen's procedure or a source that fails.
 void GridCell::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     painter->save();
-    host_.act([&] {
+    host_.read([&] {
         if (index.row() < grid_.dataRows() && index.column() < grid_.columnCount())
             paintCell(*painter, option, index.row() + 1, index.column());
     });

@@ -68,12 +68,14 @@ bool GridView::act(const std::function<void()>& procedure) {
 void GridView::reload() {
     if (host_.form() == nullptr)
         return;
-    act([this] {
+    layingOut_ = true;
+    host_.read([this] {
         model_->reload();
         hideColumns();
         layOutColumns();
         follow();
     });
+    layingOut_ = false;
     viewport()->update();
 }
 
@@ -138,7 +140,6 @@ void GridView::layOutColumns() {
     const int columns = model_->columnCount();
     if (columns == 0)
         return;
-    layingOut_ = true;
     if (laidOutFor_ != columns) {
         const QList<int> kept = rememberedWidths(host_.form()->name(), grid_.name(), columns);
         dragged_ = !kept.isEmpty();
@@ -149,7 +150,6 @@ void GridView::layOutColumns() {
     }
     if (!dragged_)
         fitColumns();
-    layingOut_ = false;
 }
 
 // Widths from headings and the first rows, growing only, so that a list does not jump while it is filtered; what is left over goes to the
@@ -185,7 +185,9 @@ void GridView::rememberWidths() {
 
 void GridView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
-    act([this] { layOutColumns(); });
+    layingOut_ = true;
+    host_.read([this] { layOutColumns(); });
+    layingOut_ = false;
     placeEditor();
 }
 
@@ -217,7 +219,7 @@ bool GridView::viewportEvent(QEvent* event) {
         auto* help = static_cast<QHelpEvent*>(event);
         const QModelIndex at = indexAt(help->pos());
         QString text;
-        act([&] { text = at.isValid() ? toQt(grid_.text(at.row() + 1, at.column())) : QString(); });
+        host_.read([&] { text = at.isValid() ? toQt(grid_.text(at.row() + 1, at.column())) : QString(); });
         if (at.isValid() && Skin::figuresWidth(fontMetrics(), text) > columnWidth(at.column()) - 2 * kCellMargin)
             QToolTip::showText(help->globalPos(), text, this);
         else

@@ -76,11 +76,11 @@ private:
     QPointer<QWidget> editor_;
     int editRow_ = 0;
     int editColumn_ = 0;
-    int laidOutFor_ = -1;  // number of columns that have their widths
-    QList<int> asked_;     // the widths that content asked for so far
-    bool dragged_ = false; // the user set the widths
-    bool layingOut_ = false;
-    int shown_ = 0; // the row last scrolled to
+    int laidOutFor_ = -1;    // number of columns that have their widths
+    QList<int> asked_;       // the widths that content asked for so far
+    bool dragged_ = false;   // the user set the widths
+    bool layingOut_ = false; // widths that change now are not the user's
+    int shown_ = 0;          // the row last scrolled to
     QPoint pressedAt_;
     int pressedRow_ = 0; // 0 when the press selected nothing or began a drag
     int pressedColumn_ = 0;

@@ -161,7 +161,8 @@ LayoutBuilder::Piece LayoutBuilder::control(const Item& item) {
         drawing.widget()->setMaximumWidth(QWIDGETSIZE_MAX); // so wide at least
     if (item.kind() == Kind::Title)
         setLook(*drawing.widget(), "title");
-    return {drawing.widget(), nullptr, drawing.wide() && !keepsWidth(item), drawing.tall()};
+    const bool fixed = item.characters() > 0 && item.stretch() == 0 && item.control()->role() != Role::Grid;
+    return {drawing.widget(), nullptr, drawing.wide() && !fixed, drawing.tall()};
 }
 
 QLabel* LayoutBuilder::caption(const std::string& text, Drawing* of) {

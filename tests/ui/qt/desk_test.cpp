@@ -176,8 +176,8 @@ TEST_F(DeskTest, TimersFireUntilTheyAreStopped) {
     };
     desk.show(form);
     form.tmrDelay.start();
-    QTest::qWait(150);
-    EXPECT_EQ(fired, 2);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return fired == 2; }));
+    EXPECT_FALSE(form.tmrDelay.running());
 }
 
 TEST_F(DeskTest, WaitCursorsNest) {

@@ -2,6 +2,7 @@
 #include "ui/gestures.h"
 #include "ui/qt/formwindow.h"
 #include "ui/qt/gridview.h"
+#include "ui/qt/memory.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -156,7 +157,10 @@ TEST_F(GridTest, ShiftSelectsRows) {
     EXPECT_EQ(QApplication::clipboard()->text().count('\n'), 2);
 }
 
-TEST_F(GridTest, DraggedWidthsAreRemembered) {
+TEST_F(GridTest, DraggedWidthsAreRememberedAndNoOthers) {
+    form.grdOrders.setHidden(2, true);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(rememberedWidths("frmOrderList", "grdOrders", 8), QList<int>());
     view().horizontalHeader()->resizeSection(1, 311);
     form.unload();
     auto& again = desk.form<sample::OrderList>();
