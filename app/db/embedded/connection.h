@@ -18,7 +18,8 @@ class Connection;
 class Statement3 {
 public:
     Statement3() = default;
-    Statement3(sqlite3* db, std::string_view sql);
+    // Lasting: it will be run many times.
+    Statement3(sqlite3* db, std::string_view sql, bool lasting = false);
     ~Statement3() { sqlite3_finalize(statement_); }
     Statement3(Statement3&& other) noexcept : statement_(other.statement_) { other.statement_ = nullptr; }
     Statement3& operator=(Statement3&& other) noexcept {

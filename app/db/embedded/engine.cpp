@@ -10,7 +10,7 @@
 namespace merchantry::db::embedded {
 namespace {
 
-constexpr std::size_t kMostBatches = 500;
+constexpr std::size_t kMostBatches = 300;
 
 } // namespace
 
@@ -20,11 +20,11 @@ Engine::Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<
     registerFunctions(connection_.handle(), *this);
     rows_.attach(connection_.handle());
     sqlite3* db = connection_.handle();
-    readVersion_ = Statement3(db, "PRAGMA user_version");
-    begin_ = Statement3(db, "BEGIN");
-    beginWrite_ = Statement3(db, "BEGIN IMMEDIATE");
-    commit_ = Statement3(db, "COMMIT");
-    rollback_ = Statement3(db, "ROLLBACK");
+    readVersion_ = Statement3(db, "PRAGMA user_version", true);
+    begin_ = Statement3(db, "BEGIN", true);
+    beginWrite_ = Statement3(db, "BEGIN IMMEDIATE", true);
+    commit_ = Statement3(db, "COMMIT", true);
+    rollback_ = Statement3(db, "ROLLBACK", true);
 }
 
 Engine::~Engine() {

@@ -106,7 +106,7 @@ Engine::PlanPtr Engine::deletePlan(const tsql::DeleteStatement& statement) {
 sqlite3_stmt* Engine::prepared(StatementPlan& plan, std::size_t index, const tsql::Sql3& sql, Statement3& spare) {
     Statement3& own = plan.statements[index];
     if (!own)
-        own = Statement3(connection_.handle(), sql.text);
+        own = Statement3(connection_.handle(), sql.text, frame_->code->module != nullptr);
     if (!own.busy()) {
         bindPlaces(own.get(), sql.places);
         return own.get();
