@@ -101,10 +101,11 @@ StatementPtr Parser::statementOf() {
 // Reads a statement without effect up to where the next one can begin.
 StatementPtr Parser::nothing() {
     auto statement = std::make_unique<Statement>(StatementKind::Nothing);
-    take();
-    static constexpr std::array<std::string_view, 22> kStarts = {
+    if (take().is("CHECKPOINT"))
+        return statement;
+    static constexpr std::array<std::string_view, 23> kStarts = {
         "GRANT", "SELECT",  "UPDATE", "INSERT", "EXEC",       "EXECUTE", "CREATE", "DROP",  "DELETE", "DENY",      "REVOKE",
-        "SET",   "DECLARE", "PRINT",  "IF",     "CHECKPOINT", "END",     "ELSE",   "BEGIN", "WHILE",  "RAISERROR", "RETURN"};
+        "SET",   "DECLARE", "PRINT",  "IF",     "CHECKPOINT", "END",     "ELSE",   "BEGIN", "WHILE",  "RAISERROR", "RETURN", "USE"};
     bool sawTo = false;
     while (!atEnd() && !isSymbol(";")) {
         const bool starts = std::any_of(kStarts.begin(), kStarts.end(), [&](std::string_view word) { return isWord(word); });

@@ -26,7 +26,7 @@ TableBody Parser::tableBody() {
     TableBody body;
     expectSymbol("(");
     do {
-        if (isSymbol(")")) // a comma before the closing parenthesis is taken
+        if (isSymbol(")") && !body.columns.empty()) // a comma before the closing parenthesis is taken
             break;
         tableElement(body);
     } while (acceptSymbol(","));

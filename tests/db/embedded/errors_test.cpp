@@ -1,0 +1,105 @@
+#include "tests/db/embedded/rows.h"
+
+#include <gtest/gtest.h>
+
+namespace merchantry::db {
+namespace {
+
+class Errors : public testing::Test {
+protected:
+    void SetUp() override {
+        runScript(*session, "CREATE TABLE par (id INT PRIMARY KEY, name VARCHAR(5) NOT NULL UNIQUE)\n"
+                            "CREATE TABLE chi (id INT, pid INT REFERENCES par (id), n SMALLINT CHECK (n > 0), q DECIMAL(5,2))\n"
+                            "CREATE UNIQUE INDEX ix ON chi (id)\n"
+                            "INSERT INTO par VALUES (1, 'a') INSERT INTO chi VALUES (1, 1, 1, 1)\nGO\n"
+                            "CREATE PROCEDURE p @a INT AS SELECT @a");
+    }
+    std::unique_ptr<Session> session = Store::scratch()->session();
+};
+
+TEST_F(Errors, haveTheServersNumbersAndTheRightKind) {
+    struct Bad {
+        const char* batch;
+        int number;
+        std::uint32_t hresult;
+    };
+    const Bad kBad[] = {
+        {"INSERT INTO par VALUES (1, 'b')", 2627, kIntegrityError},
+        {"INSERT INTO par VALUES (2, 'A ')", 2627, kIntegrityError},
+        {"INSERT INTO chi VALUES (1, 1, 1, 1)", 2601, kIntegrityError},
+        {"INSERT INTO chi VALUES (2, 9, 1, 1)", 547, kIntegrityError},
+        {"INSERT INTO chi VALUES (2, 1, 0, 1)", 547, kIntegrityError},
+        {"DELETE FROM par", 547, kIntegrityError},
+        {"INSERT INTO par VALUES (2, NULL)", 515, kIntegrityError},
+        {"UPDATE par SET name = NULL", 515, kIntegrityError},
+        {"INSERT INTO par VALUES (2, 'toolong')", 8152, kGeneralError},
+        {"INSERT INTO chi (n) VALUES (70000)", 220, kGeneralError},
+        {"INSERT INTO chi (q) VALUES (1000)", 8115, kGeneralError},
+        {"INSERT INTO chi (n) VALUES ('x')", 245, kGeneralError},
+        {"SELECT 1 / 0", 8134, kGeneralError},
+        {"SELECT * FROM nope", 208, kSyntaxError},
+        {"SELECT nope FROM par", 207, kSyntaxError},
+        {"nope 1", 2812, kSyntaxError},
+        {"SELECT FROM par", 156, kSyntaxError},
+        {"SELECT 'a", 105, kSyntaxError},
+        {"p", 201, kGeneralError},
+        {"p 1, 2", 8144, kGeneralError},
+        {"COMMIT", 3902, kGeneralError},
+        {"RAISERROR ('no', 16, 1)", 50000, kGeneralError},
+    };
+    for (const Bad& bad : kBad) {
+        try {
+            NoResult none;
+            session->execute(bad.batch, none);
+            ADD_FAILURE() << bad.batch;
+        } catch (const DbError& error) {
+            EXPECT_EQ(error.native(), bad.number) << bad.batch << ": " << error.what();
+            EXPECT_EQ(error.hresult(), bad.hresult) << bad.batch;
+            EXPECT_GE(error.line(), 1) << bad.batch;
+        }
+    }
+    EXPECT_EQ(rowsOf(*session, "SELECT COUNT(*) FROM par SELECT COUNT(*) FROM chi"), "1\n--\n1\n");
+}
+
+TEST_F(Errors, nameTheLineAndTheProcedure) {
+    runScript(*session, "CREATE PROCEDURE bad AS\nSELECT 1\nSELECT 1 / 0");
+    try {
+        rowsOf(*session, "SELECT 1\nEXEC bad");
+        ADD_FAILURE();
+    } catch (const DbError& error) {
+        EXPECT_EQ(error.line(), 3);
+        EXPECT_EQ(error.procedure(), "bad");
+    }
+}
+
+// The batch goes on behind a statement that failed; the sink hears of the later errors, the first one is thrown.
+TEST_F(Errors, letTheBatchGoOn) {
+    class Sink : public NoResult {
+    public:
+        void error(const DbError& error) override { numbers.push_back(error.native()); }
+        std::vector<int> numbers;
+    } sink;
+    try {
+        session->execute("INSERT INTO par VALUES (1, 'x') SELECT 1 / 0 INSERT INTO par VALUES (2, 'y')", sink);
+        ADD_FAILURE();
+    } catch (const DbError& error) {
+        EXPECT_EQ(error.native(), 2627);
+    }
+    EXPECT_EQ(sink.numbers, std::vector<int>{8134});
+    EXPECT_EQ(rowsOf(*session, "SELECT COUNT(*) FROM par"), "2\n");
+}
+
+TEST_F(Errors, sayWhatIsNotSupported) {
+    for (const char* batch : {"MERGE par USING chi ON 1 = 1 WHEN MATCHED THEN DELETE;", "SELECT TOP 10 PERCENT id FROM par",
+                              "SELECT a.id FROM par a CROSS APPLY (SELECT 1 AS x) b"}) {
+        try {
+            rowsOf(*session, batch);
+            ADD_FAILURE() << batch;
+        } catch (const DbError& error) {
+            EXPECT_EQ(error.category(), DbError::Category::Unsupported) << batch;
+        }
+    }
+}
+
+} // namespace
+} // namespace merchantry::db

@@ -1,0 +1,170 @@
+#include "tests/db/embedded/rows.h"
+
+#include "base/clock.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <thread>
+
+namespace merchantry::db {
+namespace {
+
+TEST(Store, keepsWhatItWasGivenInItsFile) {
+    const TemporaryFile file;
+    {
+        const auto session = Store::create(file.path())->session();
+        runScript(*session, "CREATE TABLE t (id INT IDENTITY, m MONEY, d DATETIME, q DECIMAL(25,5), b VARBINARY(10))\nGO\nCREATE PROCEDURE "
+                            "p AS SELECT id, m, d, q, b FROM t\n"
+                            "GO\nINSERT INTO t VALUES (1.2345, '20040301 10:00:00.003', 12345678901234567890.5, 0x0AFF)");
+    }
+    const auto session = Store::open(file.path())->session();
+    EXPECT_EQ(rowsOf(*session, "p"), "1|1.2345|2004-03-01 10:00:00|12345678901234567890.50000|0x0AFF\n");
+}
+
+TEST(Store, refusesWhatIsNoStore) {
+    const TemporaryFile file;
+    EXPECT_THROW(Store::open(file.path()), DbError);
+    std::ofstream(file.path()) << "this is a shopping list and no store, long enough to be looked at";
+    try {
+        Store::open(file.path());
+        ADD_FAILURE();
+    } catch (const DbError& error) {
+        EXPECT_EQ(error.category(), DbError::Category::Storage);
+    }
+    EXPECT_THROW(Store::create(file.path()), DbError);
+}
+
+TEST(Store, givesSessionsThatAreAsNew) {
+    const auto store = Store::scratch();
+    {
+        const auto session = store->session();
+        runScript(*session, "CREATE TABLE t (a INT)\nCREATE TABLE #t (a INT)\nBEGIN TRAN\nINSERT INTO t VALUES (1)\nSET ROWCOUNT 1");
+        EXPECT_EQ(session->transactionDepth(), 1);
+    }
+    const auto session = store->session();
+    EXPECT_EQ(session->transactionDepth(), 0);
+    EXPECT_EQ(rowsOf(*session, "SELECT COUNT(*) FROM t"), "0\n");
+    EXPECT_EQ(errorOf(*session, "SELECT * FROM #t"), 208);
+    EXPECT_EQ(rowsOf(*session, "INSERT INTO t VALUES (1), (2) SELECT a FROM t ORDER BY a"), "1\n2\n");
+    EXPECT_TRUE(session->lastIdentity().isNull());
+}
+
+TEST(Store, showsOtherSessionsTheNewSchemaAtOnce) {
+    const auto store = Store::scratch();
+    const auto one = store->session();
+    const auto two = store->session();
+    runScript(*one, "CREATE TABLE t (a INT)\nGO\nCREATE PROCEDURE p AS SELECT 1");
+    EXPECT_EQ(rowsOf(*two, "p"), "1\n");
+    runScript(*one, "ALTER PROCEDURE p AS SELECT 2\nGO\nALTER TABLE t ADD b INT NULL\nGO\nINSERT INTO t VALUES (1, 2)");
+    EXPECT_EQ(rowsOf(*two, "p SELECT * FROM t").substr(0, 2), "2\n");
+    EXPECT_EQ(rowsOf(*two, "SELECT * FROM t"), "1|2\n");
+}
+
+// The lock of the writer is taken by a transaction's first statement, not when it begins: until then another session may write.
+TEST(Store, takesTheLockAtTheFirstStatement) {
+    const auto store = Store::scratch();
+    const auto one = store->session();
+    const auto two = store->session();
+    runScript(*one, "CREATE TABLE t (a INT)");
+    one->begin();
+    runScript(*two, "INSERT INTO t VALUES (1)");
+    EXPECT_EQ(rowsOf(*one, "SELECT COUNT(*) FROM t"), "1\n");
+    // Now the writer waits until the transaction has ended.
+    std::thread later([&] { runScript(*two, "INSERT INTO t VALUES (2)"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_EQ(rowsOf(*one, "SELECT COUNT(*) FROM t"), "1\n");
+    one->rollback();
+    later.join();
+    EXPECT_EQ(rowsOf(*one, "SELECT COUNT(*) FROM t"), "2\n");
+}
+
+TEST(Store, countsIdentitiesOverSessionsAndRollbacks) {
+    const auto store = Store::scratch();
+    const auto one = store->session();
+    const auto two = store->session();
+    runScript(*one, "CREATE TABLE t (id INT IDENTITY(10, 5), a INT)\nBEGIN TRAN INSERT INTO t VALUES (1) ROLLBACK");
+    runScript(*two, "INSERT INTO t VALUES (2)");
+    EXPECT_EQ(two->lastIdentity(), Value(15));
+    EXPECT_EQ(rowsOf(*one, "INSERT INTO t VALUES (3) SELECT @@IDENTITY, IDENT_CURRENT('t')"), "20|20\n");
+}
+
+TEST(Store, writesFromManyThreadsWithoutLosingAnything) {
+    const auto store = Store::scratch();
+    runScript(*store->session(),
+              "CREATE TABLE t (id INT IDENTITY PRIMARY KEY, n INT)\nCREATE TABLE total (n INT)\nINSERT INTO total VALUES (0)");
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 50;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([&] {
+            const auto session = store->session();
+            for (int round = 0; round < kRounds; ++round)
+                runScript(*session, "BEGIN TRAN INSERT INTO t (n) VALUES (1) UPDATE total SET n = n + 1 COMMIT");
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(rowsOf(*store->session(), "SELECT COUNT(*), COUNT(DISTINCT id), SUM(t.n), MAX(total.n) FROM t CROSS JOIN total"),
+              "200|200|200|200\n");
+}
+
+TEST(Session3, callsProceduresWithParameters) {
+    const auto session = Store::scratch()->session();
+    runScript(*session, "CREATE PROCEDURE p @name VARCHAR(5), @n INT = 7, @sum MONEY OUTPUT AS SET @sum = @n * 1.5 SELECT @name, @n");
+    std::vector<Parameter> parameters = {{"name", {TypeKind::VarChar, 20, 0, 0}, "abcdefgh", false},
+                                         {"sum", {TypeKind::Money, 0, 0, 0}, {}, true}};
+    Rows rows;
+    session->call("dbo.p", parameters, rows);
+    EXPECT_EQ(rows.text, "abcde|7\n");
+    EXPECT_EQ(parameters[1].value, Value(Currency::fromUnits(105000)));
+    std::vector<Parameter> byPlace = {{"", {}, "x", false}, {"", {}, 2, false}, {"", {TypeKind::Money, 0, 0, 0}, {}, true}};
+    session->call("p", byPlace, rows);
+    EXPECT_EQ(byPlace[2].value, Value(Currency::fromUnits(30000)));
+    std::vector<Parameter> none;
+    EXPECT_THROW(session->call("nope", none, rows), DbError);
+}
+
+TEST(Session3, takesParametersAsVariables) {
+    const auto session = Store::scratch()->session();
+    std::vector<Parameter> parameters = {{"a", {TypeKind::Int, 0, 0, 0}, 5, false}, {"b", {TypeKind::NVarChar, 20, 0, 0}, "it's", true}};
+    Rows rows;
+    session->execute("SELECT @a * 2, @b SET @b = @b + '!'", parameters, rows);
+    EXPECT_EQ(rows.text, "10|it's\n");
+    EXPECT_EQ(parameters[1].value, Value("it's!"));
+}
+
+TEST(Session3, readsItsClock) {
+    const auto session = Store::scratch()->session();
+    Clock clock;
+    clock.set(*Date::fromParts(2004, 3, 1, 10, 30));
+    session->setClock(&clock);
+    EXPECT_EQ(rowsOf(*session, "SELECT CONVERT(VARCHAR(30), GETDATE(), 120)"), "2004-03-01 10:30:00\n");
+}
+
+TEST(Session3, stopsWhenItIsCancelled) {
+    const auto session = Store::scratch()->session();
+    std::thread later([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        session->cancel();
+    });
+    try {
+        rowsOf(*session, "DECLARE @n BIGINT SET @n = 0 WHILE 1 = 1 SET @n = @n + 1");
+        ADD_FAILURE();
+    } catch (const DbError& error) {
+        EXPECT_EQ(error.category(), DbError::Category::Cancelled);
+    }
+    later.join();
+    EXPECT_EQ(rowsOf(*session, "SELECT 1"), "1\n");
+}
+
+TEST(Session3, sumsMoneyExactlyOverAMillionRows) {
+    const auto session = Store::scratch()->session();
+    runScript(*session, "CREATE TABLE t (m MONEY)\nINSERT INTO t VALUES (0.1), (0.2), (0.0001), (922337203.1234), (-5.5)\n"
+                        "DECLARE @i INT SET @i = 0 WHILE @i < 18 BEGIN INSERT INTO t SELECT m FROM t SET @i = @i + 1 END");
+    EXPECT_EQ(rowsOf(*session, "SELECT COUNT(*), CAST(SUM(m) AS VARCHAR(30)), CONVERT(VARCHAR(30), SUM(m), 2) FROM t"),
+              "1310720|241785162412457.98|241785162412457.9840\n");
+}
+
+} // namespace
+} // namespace merchantry::db
