@@ -79,6 +79,24 @@ int play(WindowStage& stage, const std::string& store, const std::vector<std::st
         options, [&](const std::filesystem::path&) { return std::make_unique<StoreHost>(store, true); }, std::cout);
 }
 
+// Pictures do not depend on the window sizes that this user's windows had.
+class NoMemory {
+public:
+    NoMemory() : folder_(std::filesystem::temp_directory_path() / ("merchantry-windows-" + std::to_string(std::random_device()()))) {
+        std::filesystem::create_directories(folder_);
+        qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(folder_.string()));
+    }
+    ~NoMemory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+    NoMemory(const NoMemory&) = delete;
+    NoMemory& operator=(const NoMemory&) = delete;
+
+private:
+    std::filesystem::path folder_;
+};
+
 bool usable(const std::string& store) {
     if (!store.empty() && std::filesystem::exists(store))
         return true;
@@ -114,6 +132,7 @@ int playInDesktop(QApplication& application, ui::Tone tone, const std::string& s
         return 2;
     if (!folder.empty())
         std::filesystem::create_directories(folder);
+    const NoMemory memory;
     ui::QtDesk painter(application, tone);
     WindowStage stage(painter, folder, "");
     return play(stage, store, scripts);
@@ -123,6 +142,7 @@ int pictureEveryForm(QApplication& application, const std::string& store, const 
     if (!usable(store))
         return 2;
     std::filesystem::create_directories(folder);
+    const NoMemory memory;
     const std::string script = (platform::programFolder() / "demo" / "pictures.play").string();
     for (const auto& [tone, suffix] : {std::pair{ui::Tone::Light, "-light"}, std::pair{ui::Tone::Dark, "-dark"}}) {
         ui::QtDesk painter(application, tone);
