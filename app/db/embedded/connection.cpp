@@ -49,7 +49,8 @@ DbError constraintError(int extended, const std::string& message) {
 } // namespace
 
 Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
-    const int code = sqlite3_prepare_v3(db, sql.data(), static_cast<int>(sql.size()), lasting ? SQLITE_PREPARE_PERSISTENT : 0U, &statement_, nullptr);
+    const int code =
+        sqlite3_prepare_v3(db, sql.data(), static_cast<int>(sql.size()), lasting ? SQLITE_PREPARE_PERSISTENT : 0U, &statement_, nullptr);
     if (code != SQLITE_OK)
         throw storageError(std::string(sqlite3_errmsg(db)) + " in: " + std::string(sql), code);
 }

@@ -163,9 +163,15 @@ std::shared_ptr<Code> Engine::batchCode(std::string_view text, const std::vector
         addVariable(*code, name, parameter.type.kind == TypeKind::Null ? tsql::typeOf(parameter.value) : parameter.type, false, 0);
     }
     addVariables(*code, *code->body);
-    if (batches_.size() >= kMostBatches)
-        batches_.clear();
-    batches_[key] = code;
+    // Most texts come once and never again; those that come twice are kept.
+    const std::size_t hash = std::hash<std::string>()(key);
+    std::size_t& seen = seenBatches_[hash % seenBatches_.size()];
+    if (seen == hash) {
+        if (batches_.size() >= kMostBatches)
+            batches_.clear();
+        batches_[key] = code;
+    }
+    seen = hash;
     return code;
 }
 

@@ -7,6 +7,7 @@
 #include "app/db/embedded/store_catalog.h"
 #include "app/db/session.h"
 
+#include <array>
 #include <atomic>
 #include <filesystem>
 #include <list>
@@ -284,6 +285,7 @@ private:
 
     // compiled code
     std::unordered_map<std::string, std::shared_ptr<Code>> batches_;
+    std::array<std::size_t, 1024> seenBatches_{}; // hashes of the texts that came lately
     std::unordered_map<std::int64_t, std::shared_ptr<Code>> modules_;
     std::uint64_t version_ = 1;
     std::uint64_t temporaryVersion_ = 1;

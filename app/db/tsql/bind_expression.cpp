@@ -121,12 +121,23 @@ Typed Binder::column(const Expr& expr) {
     for (Scope* scope = scope_; scope; scope = scope->outer) {
         const Source* foundSource = nullptr;
         const BoundColumn* found = nullptr;
+        std::optional<BoundColumn> made;
         int matches = 0;
         for (const Source& source : scope->sources) {
             if (name.parts.size() > 1) {
                 if (!qualifierFits(source, name))
                     continue;
                 qualifierKnown = true;
+            }
+            if (source.table) {
+                const int column = source.table->find(name.last());
+                if (column < 0)
+                    continue;
+                ++matches;
+                made = tableColumn(source, static_cast<std::size_t>(column));
+                found = &*made;
+                foundSource = &source;
+                continue;
             }
             for (const BoundColumn& candidate : source.columns) {
                 if (!sameName(candidate.name, name.last()))

@@ -82,6 +82,7 @@ void Binder::addSource(Scope& scope, Source source, const TableRef& ref) {
         source.name = ref.name;
     }
     if (!ref.columnAliases.empty()) {
+        complete(source);
         if (ref.columnAliases.size() != source.columns.size())
             throw syntaxError(8158, "'" + source.exposed + "' has more or fewer columns than were specified in the column list.", ref.line);
         for (std::size_t i = 0; i < source.columns.size(); ++i)
@@ -137,30 +138,42 @@ std::string Binder::bindTable(const TableRef& ref, Scope& scope) {
     throw nameError(208, "Invalid object name '" + ref.name.toText() + "'.", ref.line);
 }
 
+BoundColumn Binder::tableColumn(const Source& source, std::size_t column) const {
+    const ColumnDef& definition = source.table->columns[column];
+    BoundColumn bound;
+    bound.name = definition.name;
+    bound.value.sql = (source.sqlAlias.empty() ? "" : source.sqlAlias + ".") + quotedName(definition.name);
+    bound.value.type = definition.type;
+    bound.value.nullable = definition.nullable;
+    bound.value.isColumn = true;
+    if (!source.table->readOnly) {
+        bound.value.table = source.table;
+        bound.value.column = static_cast<int>(column);
+    }
+    return bound;
+}
+
+// Makes all columns of a source that were not made yet.
+void Binder::complete(Source& source) const {
+    if (!source.table)
+        return;
+    for (std::size_t i = 0; i < source.table->columns.size(); ++i)
+        source.columns.push_back(tableColumn(source, i));
+    source.table.reset();
+}
+
 Source Binder::tableSourceOf(std::shared_ptr<const TableDef> table, const std::string& sqlAlias) {
     Source source;
     source.sqlAlias = sqlAlias;
+    source.table = table;
     const std::string prefix = sqlAlias.empty() ? "" : sqlAlias + ".";
-    for (std::size_t i = 0; i < table->columns.size(); ++i) {
-        const ColumnDef& definition = table->columns[i];
-        BoundColumn column;
-        column.name = definition.name;
-        column.value.sql = prefix + quotedName(definition.name);
-        column.value.type = definition.type;
-        column.value.nullable = definition.nullable;
-        column.value.isColumn = true;
-        if (!table->readOnly) {
-            column.value.table = table;
-            column.value.column = static_cast<int>(i);
-        }
-        source.columns.push_back(std::move(column));
-    }
     if (!table->readOnly)
         source.bases.push_back({table, prefix + "_rowid_"});
     source.name.parts.push_back(table->name);
     const bool hasComputed =
         std::any_of(table->columns.begin(), table->columns.end(), [](const ColumnDef& column) { return column.computed != nullptr; });
     if (hasComputed) {
+        complete(source);
         Source* filled = &source;
         for (std::size_t i = 0; i < table->columns.size(); ++i) {
             if (!table->columns[i].computed)

@@ -290,12 +290,13 @@ void Binder::bindItems(const SelectCore& core, Scope& scope, BoundQuery& result)
     }
 }
 
-void Binder::expandStar(const SelectItem& item, const Scope& scope, std::vector<BoundColumn>& columns) const {
+void Binder::expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns) const {
     bool found = false;
-    for (const Source& source : scope.sources) {
+    for (Source& source : scope.sources) {
         if (!item.starOf.empty() && !sameName(source.exposed, item.starOf.last()))
             continue;
         found = true;
+        complete(source);
         columns.insert(columns.end(), source.columns.begin(), source.columns.end());
     }
     if (!item.starOf.empty() && !found)

@@ -52,7 +52,7 @@ BaseRow Binder::changeTarget(const ObjectName& name, const std::vector<TableRefP
         if (byTable.size() == 1)
             source = scope.sources[byTable[0]];
     }
-    if (source.columns.empty()) {
+    if (source.sqlAlias.empty()) {
         TableRef ref;
         ref.kind = name.last().front() == '@' ? TableRef::Kind::Variable : TableRef::Kind::Table;
         ref.name = name;
@@ -61,6 +61,7 @@ BaseRow Binder::changeTarget(const ObjectName& name, const std::vector<TableRefP
         tail += (tail.empty() ? "" : ",") + own;
         source = scope.sources.back();
     }
+    complete(source);
     if (source.bases.empty()) {
         const std::shared_ptr<const TableDef> table = findTable(name);
         if (table && table->readOnly)

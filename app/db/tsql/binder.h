@@ -60,6 +60,7 @@ struct Source {
     ObjectName name;     // a table's own, when it has no alias
     std::string sqlAlias;
     std::vector<BoundColumn> columns;
+    std::shared_ptr<const TableDef> table; // the columns are those of the table, and made when they are asked for
     std::vector<BaseRow> bases;
     std::int64_t viewId = 0;
     bool grouped = false; // a view that shows no single rows
@@ -177,7 +178,7 @@ private:
     std::string orderBy(const std::vector<OrderItem>& items, Scope* scope, const BoundQuery& result);
     std::string orderItem(const OrderItem& item, Scope* scope, const BoundQuery& result, std::string& key);
     void bindTop(const TopClause& top, BoundQuery& result);
-    void expandStar(const SelectItem& item, const Scope& scope, std::vector<BoundColumn>& columns) const;
+    void expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns) const;
     static std::string render(const BoundQuery& query, const Binder& binder, const std::vector<SqlType>* types = nullptr,
                               bool forceOneRow = false);
     std::vector<SqlType> columnTypes(const BoundQuery& query) const;
@@ -195,6 +196,8 @@ private:
     std::string bindCommonTable(const TableRef& ref, const CommonTable& table, Scope& scope);
     std::string bindRecursive(const TableRef& ref, const CommonTable& table, Scope& scope);
     void addSource(Scope& scope, Source source, const TableRef& ref);
+    BoundColumn tableColumn(const Source& source, std::size_t column) const;
+    void complete(Source& source) const;
     Source tableSourceOf(std::shared_ptr<const TableDef> table, const std::string& sqlAlias);
     std::string fromRecursion(const TableRef& ref, Scope& scope, std::size_t index);
     void fillComputed(Source& source);

@@ -104,8 +104,8 @@ StatementPtr Parser::nothing() {
     if (take().is("CHECKPOINT"))
         return statement;
     static constexpr std::array<std::string_view, 23> kStarts = {
-        "GRANT", "SELECT",  "UPDATE", "INSERT", "EXEC",       "EXECUTE", "CREATE", "DROP",  "DELETE", "DENY",      "REVOKE",
-        "SET",   "DECLARE", "PRINT",  "IF",     "CHECKPOINT", "END",     "ELSE",   "BEGIN", "WHILE",  "RAISERROR", "RETURN", "USE"};
+        "GRANT",   "SELECT", "UPDATE", "INSERT",     "EXEC", "EXECUTE", "CREATE", "DROP",  "DELETE",    "DENY",   "REVOKE", "SET",
+        "DECLARE", "PRINT",  "IF",     "CHECKPOINT", "END",  "ELSE",    "BEGIN",  "WHILE", "RAISERROR", "RETURN", "USE"};
     bool sawTo = false;
     while (!atEnd() && !isSymbol(";")) {
         const bool starts = std::any_of(kStarts.begin(), kStarts.end(), [&](std::string_view word) { return isWord(word); });
