@@ -57,6 +57,7 @@ public:
     explicit Box(const std::string& caption) {
         setWindowTitle(toQt(caption));
         setWindowModality(Qt::ApplicationModal);
+        setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
         auto* outer = new QVBoxLayout(this);
         outer->setContentsMargins(measure::kEdge, measure::kEdge, measure::kEdge, measure::kEdge);
         outer->setSpacing(measure::kEdge);

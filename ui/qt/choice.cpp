@@ -6,8 +6,13 @@
 #include "ui/qt/texts.h"
 
 #include <QCheckBox>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QRadioButton>
+
+#include <algorithm>
+#include <functional>
+#include <vector>
 
 namespace merchantry::ui {
 namespace {
@@ -63,7 +68,21 @@ class TickWidget : public ChoiceWidget<QCheckBox> {
 };
 
 class OptionWidget : public ChoiceWidget<QRadioButton> {
+public:
     using ChoiceWidget::ChoiceWidget;
+    std::function<void(int step)> arrow;
+
+private:
+    // The arrows choose the neighbour of the group.
+    void keyPressEvent(QKeyEvent* event) override {
+        const int key = event->key();
+        if (key == Qt::Key_Up || key == Qt::Key_Left)
+            arrow(-1);
+        else if (key == Qt::Key_Down || key == Qt::Key_Right)
+            arrow(1);
+        else
+            QRadioButton::keyPressEvent(event);
+    }
     void mark(QPainter& painter, const QRect& box, const Skin& skin) override {
         const Tokens& t = skin.tokens();
         const QColor on = isEnabled() ? t.accent : t.dim;
@@ -104,6 +123,18 @@ private:
     C& choice_;
 };
 
+// The next option of the group that can be used, round about.
+OptionButton& neighbour(OptionButton& option, int step) {
+    std::vector<OptionButton*> group;
+    for (Control* control : option.form().tabOrder())
+        if (auto* other = dynamic_cast<OptionButton*>(control);
+            other != nullptr && other->container() == option.container() && other->group == option.group && other->obstacle().empty())
+            group.push_back(other);
+    const auto here = std::find(group.begin(), group.end(), &option);
+    const auto count = static_cast<std::ptrdiff_t>(group.size());
+    return here == group.end() ? option : *group[static_cast<std::size_t>((here - group.begin() + step + count) % count)];
+}
+
 } // namespace
 
 Drawn drawCheckBox(FormWindow& host, CheckBox& box, QWidget* parent) {
@@ -111,7 +142,12 @@ Drawn drawCheckBox(FormWindow& host, CheckBox& box, QWidget* parent) {
 }
 
 Drawn drawOption(FormWindow& host, OptionButton& option, QWidget* parent) {
-    return std::make_unique<ChoiceDrawing<OptionButton, OptionWidget>>(host, option, parent, [](OptionButton& o) { gestures::choose(o); });
+    auto drawing =
+        std::make_unique<ChoiceDrawing<OptionButton, OptionWidget>>(host, option, parent, [](OptionButton& o) { gestures::choose(o); });
+    static_cast<OptionWidget*>(drawing->widget())->arrow = [&host, &option](int step) {
+        host.act([&] { gestures::choose(neighbour(option, step)); });
+    };
+    return drawing;
 }
 
 } // namespace merchantry::ui

@@ -319,6 +319,11 @@ bool FormWindow::keyed(Control* control, QKeyEvent& event) {
     const bool newLine = name == "Enter" && box != nullptr && box->multiline && !box->locked();
     if (form_ == nullptr || (embeddedIn_ != nullptr && !steers && passedToOwner(event, name)))
         return form_ != nullptr;
+    // Where typing means nothing of its own it goes on in the panel.
+    const bool idle = dynamic_cast<Button*>(control) != nullptr || dynamic_cast<OptionButton*>(control) != nullptr ||
+                      dynamic_cast<CheckBox*>(control) != nullptr;
+    if (idle && !panels_.empty() && event.key() != Qt::Key_Space && name == fromQt(event.text()) && typeIntoPanel(event.text()))
+        return true;
     if (name.empty() || (!steers && (box == nullptr || !box->keyDown)))
         return false;
     if (newLine) {

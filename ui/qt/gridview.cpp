@@ -153,9 +153,10 @@ void GridView::layOutColumns() {
 }
 
 // Widths from headings and the first rows, growing only, so that a list does not jump while it is filtered; what is left over goes to the
-// columns of words.
+// columns of words, or to all when there are none.
 void GridView::fitColumns() {
     std::vector<int> words;
+    std::vector<int> shown;
     int left = viewport()->width();
     for (int i = 0; i < model_->columnCount(); ++i) {
         if (grid_.column(i).hidden)
@@ -165,7 +166,10 @@ void GridView::fitColumns() {
         left -= asked_[i];
         if (isWords(i))
             words.push_back(i);
+        shown.push_back(i);
     }
+    if (words.empty())
+        words = shown;
     for (std::size_t k = 0; left > 0 && k < words.size(); ++k) {
         const int share = left / static_cast<int>(words.size() - k);
         setColumnWidth(words[k], columnWidth(words[k]) + share);

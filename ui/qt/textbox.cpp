@@ -95,15 +95,17 @@ private:
                 line().setCursorPosition(atEnd ? static_cast<int>(kept.size()) : where);
             }
         }
+        typingAt_ = line().cursorPosition();
         host_.act([&] {
             if (gestures::enter(box_).empty() && !box_.locked())
                 box_.setText(fromQt(kept));
         });
         if (host_.form() != nullptr)
             showText();
+        typingAt_ = -1;
     }
 
-    // Leaves the caret where the user has it when nothing differs.
+    // Leaves the caret where the user has it when nothing differs, or when a change procedure only put the typed text right.
     void showText() {
         const QString text = toQt(box_.text());
         if (line().text() == text)
@@ -111,7 +113,10 @@ private:
         telling_ = true;
         line().setText(text);
         telling_ = false;
-        showSelection();
+        if (typingAt_ >= 0)
+            line().setCursorPosition(std::min(typingAt_, static_cast<int>(text.size())));
+        else
+            showSelection();
     }
     void showSelection() {
         if (telling_)
@@ -136,6 +141,7 @@ private:
     }
 
     TextBox& box_;
+    int typingAt_ = -1; // the caret while the user's typing is taken over
     bool telling_ = false;
 };
 

@@ -162,6 +162,9 @@ TEST_F(DeskTest, AFloatingPanelStandsInItsOwnersWindow) {
     QTest::keyClicks(desk.window(list)->focusWidget(), "s");
     EXPECT_EQ(panel.txtText.text(), "bikes");
     EXPECT_TRUE(line->hasFocus());
+    desk.enter([&] { list.cmdView.setFocus(); });
+    QTest::keyClicks(desk.window(list)->focusWidget(), "!");
+    EXPECT_EQ(panel.txtText.text(), "bikes!");
     list.unload();
     panel.unload();
     EXPECT_EQ(desk.window(panel), nullptr);

@@ -1,3 +1,4 @@
+#include "base/text.h"
 #include "tests/ui/qt/sampleforms.h"
 #include "ui/gestures.h"
 #include "ui/qt/formwindow.h"
@@ -129,6 +130,11 @@ TEST_F(EventsTest, AMaskTakesOnlyWhatFitsAndAChangeProcedureHasTheLastWord) {
     name.selectAll();
     QTest::keyClicks(&name, "abcd");
     EXPECT_EQ(name.text(), "abc");
+
+    form.txtName.change = [&] { form.txtName.setText(upperCase(form.txtName.text())); };
+    name.selectAll();
+    QTest::keyClicks(&name, "lamp");
+    EXPECT_EQ(name.text(), "LAMP") << "the caret stays behind what was typed";
 }
 
 TEST_F(EventsTest, SelectionGoesBothWays) {
@@ -168,6 +174,18 @@ TEST_F(EventsTest, MnemonicsOfCaptionsAndButtonsWork) {
     QTest::keyClick(desk.window(form), Qt::Key_A, Qt::AltModifier);
     // A button pressed by its letter stays down for a moment.
     EXPECT_TRUE(QTest::qWaitFor([&] { return !form.events.empty() && form.events.back() == "cmdAdjust click"; }));
+}
+
+TEST_F(EventsTest, ArrowsChooseAmongOptions) {
+    auto& form = shown<sample::ItemSheet>();
+    form.tabItems.setCurrent(1);
+    click<QRadioButton>(form.optLast);
+    QTest::keyClick(&widget<QRadioButton>(form.optLast), Qt::Key_Down);
+    EXPECT_TRUE(form.optAverage.value());
+    EXPECT_FALSE(form.optLast.value());
+    EXPECT_EQ(form.focused(), &form.optAverage);
+    QTest::keyClick(&widget<QRadioButton>(form.optAverage), Qt::Key_Down);
+    EXPECT_TRUE(form.optLast.value()) << "round about";
 }
 
 TEST_F(EventsTest, DisablingTheFocusedControlMovesNoFocus) {
