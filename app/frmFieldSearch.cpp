@@ -11,7 +11,7 @@ frmFieldSearch::frmFieldSearch(Desk& desk) : Form(desk, "frmFieldSearch", "Searc
     txtText.change = [this] { tell(); };
     cboField.click = [this] { tell(); };
     cboField.change = [this] { tell(); };
-    setLayout(row({fields({field("&Field:", cboField).wide(16)}), fields({field("Search &for:", txtText).wide(32)})}));
+    setLayout(row({fields({field("&Field:", cboField).wide(16)}), fields({field("Search f&or:", txtText).wide(32)})}));
 }
 
 void frmFieldSearch::setFields(const std::vector<std::string>& fields) {

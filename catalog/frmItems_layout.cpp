@@ -15,7 +15,7 @@ Item frmItems::generalPage() {
                            field("&Name:", txtName),
                            field("T&ype:", lbxType),
                            field("D&epartment:", lbxDepartment),
-                           field("Ta&x Class:", lbxTaxClass),
+                           field("Tax &Class:", lbxTaxClass),
                            field("&Price:", txtPriceAmt),
                            field("In Stock:", txtStockAmt, {at(cmdAdjust)}),
                            field("Reorder &Qty:", txtReorder),

@@ -180,15 +180,20 @@ private:
 } // namespace
 
 std::vector<Finding> inspect(QtDesk& desk, const Form& form) {
-    std::vector<Finding> findings;
     FormWindow* const window = desk.window(form);
     if (window == nullptr || !window->isVisible())
         return {{form.name(), "has no window"}};
+    return inspect(*window);
+}
+
+std::vector<Finding> inspect(FormWindow& window) {
+    std::vector<Finding> findings;
     QCoreApplication::processEvents();
-    Inspection inspection(*window, findings);
+    Inspection inspection(window, findings);
     inspection.look();
-    inspection.lookAtTabOrder(form);
-    for (const auto& drawing : window->drawings()) {
+    if (window.form() != nullptr)
+        inspection.lookAtTabOrder(*window.form());
+    for (const auto& drawing : window.drawings()) {
         auto* const pages = dynamic_cast<TurnsPages*>(drawing.get());
         for (int page = 0; pages != nullptr && page < pages->pages(); ++page) {
             pages->turnTo(page);

@@ -6,6 +6,7 @@
 namespace merchantry::ui {
 
 class Form;
+class FormWindow;
 class QtDesk;
 
 // Something on a window that a user would stumble over.
@@ -18,6 +19,8 @@ struct Finding {
 // share, controls that take the focus but not by Tab. Turns pages for that and back again, without the screen noticing.
 // Empty when all is well. A form without a window is one finding.
 std::vector<Finding> inspect(QtDesk& desk, const Form& form);
+// The same for a window that no desk of its own holds, such as those of a script's forms.
+std::vector<Finding> inspect(FormWindow& window);
 
 // The findings as lines, for the message of a test.
 std::string toText(const std::vector<Finding>& findings);

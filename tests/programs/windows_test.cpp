@@ -1,0 +1,84 @@
+#include "app/storefile.h"
+#include "programs/screens.h"
+#include "programs/storehost.h"
+#include "ui/play/player.h"
+#include "ui/qt/formwindow.h"
+#include "ui/qt/inspect.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <sstream>
+
+namespace merchantry::programs {
+namespace {
+
+using ui::Form;
+using ui::FormWindow;
+
+// Draws the forms of a script and inspects each that it wants a picture of: at its smallest, at its own size, and large.
+class InspectingStage : public ui::play::Stage {
+public:
+    void opened(Form& form) override {
+        FormWindow*& window = windows_[&form];
+        if (window == nullptr)
+            window = new FormWindow(painter_, form);
+        FormWindow* const over = windowOf(form.desk().top());
+        if (form.desk().floating(form) && over != nullptr)
+            over->embed(*window);
+        else
+            window->open(nullptr);
+    }
+    void vanished(Form& form) override {
+        if (FormWindow* const window = windowOf(&form))
+            window->retire();
+        windows_.erase(&form);
+    }
+    void settle() override { QCoreApplication::processEvents(); }
+    void picture(Form& form, const std::string& name) override {
+        FormWindow* const window = windowOf(&form);
+        ASSERT_NE(window, nullptr) << name;
+        QCoreApplication::processEvents();
+        const QSize own = window->size();
+        for (const QSize size : {window->minimumSizeHint(), own * 1.5, own}) {
+            if (window->isWindow() && form.sizeable())
+                window->resize(size);
+            EXPECT_EQ(toText(ui::inspect(*window)), "") << name << " at " << window->width() << " by " << window->height();
+        }
+        seen.insert(form.name());
+    }
+
+    std::set<std::string> seen;
+
+private:
+    FormWindow* windowOf(const Form* form) const {
+        const auto found = windows_.find(form);
+        return found == windows_.end() ? nullptr : found->second;
+    }
+
+    ui::QtDesk painter_{*static_cast<QApplication*>(QApplication::instance()), ui::Tone::Light};
+    std::map<const Form*, FormWindow*> windows_;
+};
+
+} // namespace
+
+TEST(Windows, EveryFormStandsWellAtEverySize) {
+    const QTemporaryDir folder;
+    const std::filesystem::path store = folder.filePath(QStringLiteral("empty.store")).toStdString();
+    app::createStoreFile(store, {}, [](int) {});
+    InspectingStage stage;
+    ui::play::PlayOptions options;
+    options.scripts = {"tests/programs/windows.play"};
+    options.stage = &stage;
+    std::ostringstream transcript;
+    const int code = ui::play::runPlays(
+        options, [&](const std::filesystem::path&) { return std::make_unique<StoreHost>(store, true); }, transcript);
+    EXPECT_EQ(code, 0) << transcript.str();
+    for (const Screen& screen : screens())
+        EXPECT_TRUE(stage.seen.contains(screen.name)) << screen.name << " is not opened by the script";
+}
+
+} // namespace merchantry::programs
