@@ -6,6 +6,7 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace merchantry::db::embedded {
 namespace {
@@ -71,18 +72,29 @@ void Engine::call(std::string_view procedure, std::vector<Parameter>& parameters
     });
 }
 
-// Runs a batch's body with the state of a batch around it, and throws the first error when all has run.
+// Runs a batch's body with the state of a batch around it, and throws the first error when all has run. A sink that runs a batch of its
+// own while it takes rows gets the outer batch's state back behind it.
 void Engine::runTop(ResultSink& sink, const std::function<void()>& body) {
+    const bool nested = frame_ != nullptr;
+    Frame* frame = std::exchange(frame_, nullptr);
+    ResultSink* outerSink = std::exchange(sink_, &sink);
+    std::vector<DbError> errors = std::exchange(errors_, {});
+    std::vector<DbError> caught = std::exchange(caught_, {});
+    const int tries = std::exchange(tries_, 0);
+    const int level = std::exchange(level_, 0);
+    const auto restore = [&] {
+        endBatch(nested);
+        frame_ = frame;
+        sink_ = outerSink;
+        std::swap(errors, errors_);
+        caught_ = std::move(caught);
+        tries_ = tries;
+        level_ = level;
+    };
     cancelled_ = false;
-    sink_ = &sink;
-    frame_ = nullptr;
-    errors_.clear();
-    caught_.clear();
-    tries_ = 0;
-    level_ = 0;
     failure.reset();
-    startBatch();
     try {
+        startBatch();
         body();
     } catch (const BatchEnd&) {
     } catch (const ScopeEnd& end) {
@@ -90,14 +102,14 @@ void Engine::runTop(ResultSink& sink, const std::function<void()>& body) {
     } catch (const DbError& error) {
         note(error);
     } catch (...) {
-        endBatch();
+        restore();
         throw;
     }
-    endBatch();
-    if (!errors_.empty()) {
-        error_ = errors_[0].native();
-        throw DbError(errors_[0]);
-    }
+    restore();
+    if (errors.empty())
+        return;
+    error_ = errors[0].native();
+    throw DbError(errors[0]);
 }
 
 void Engine::runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& parameters) {
@@ -127,7 +139,9 @@ void Engine::startBatch() {
     refreshSchema();
 }
 
-void Engine::endBatch() {
+void Engine::endBatch(bool nested) {
+    if (nested)
+        return;
     endRead();
     if (doomed_) {
         rollbackAll();
@@ -137,8 +151,6 @@ void Engine::endBatch() {
     }
     if (tranCount_ == 0 && inWrite_)
         rollbackAll();
-    frame_ = nullptr;
-    sink_ = nullptr;
 }
 
 // ---- code
@@ -277,7 +289,8 @@ TableShape Engine::tableShape(std::string_view name) {
         object.parts.push_back(std::move(part));
     }
     const std::shared_ptr<const tsql::TableDef> table = catalog_.table(object);
-    endRead();
+    if (!frame_)
+        endRead();
     if (!table)
         throw tsql::nameError(208, "Invalid object name '" + std::string(name) + "'.", 0);
     TableShape shape;

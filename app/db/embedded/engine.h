@@ -108,7 +108,7 @@ private:
     void checkLabels(const tsql::Block& block) const;
     void checkStatement(const tsql::Statement& statement);
     void startBatch();
-    void endBatch();
+    void endBatch(bool nested);
     void refreshSchema();
     void schemaChanged();
     void note(const DbError& error);

@@ -4,6 +4,7 @@
 #include "app/db/tsql/token.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace merchantry::db::tsql {
 namespace {
@@ -370,8 +371,13 @@ void Binder::bindTop(const TopClause& top, BoundQuery& result) {
     result.hasTop = true;
     if (top.percent && top.count->kind == ExprKind::Integer && top.count->text == "100") // all rows, as views with an order ask for
         return;
-    if (top.percent)
-        throw unsupported("TOP ... PERCENT", top.count->line);
+    if (top.percent) { // so many of a hundred, rounded up
+        const Typed share = convertTo(bindValue(*top.count), simpleType(TypeKind::Int));
+        const std::string order = std::exchange(result.orderBy, std::string());
+        result.limit = " LIMIT (SELECT (COUNT(*)*" + share.sql + "+99)/100 FROM (" + render(result, *this) + "))";
+        result.orderBy = order;
+        return;
+    }
     if (top.ties)
         throw unsupported("TOP ... WITH TIES", top.count->line);
     const Typed count = convertTo(bindValue(*top.count), simpleType(TypeKind::BigInt));
