@@ -1,0 +1,22 @@
+// A program that shows an empty window and leaves when it is painted: the least that a start can take.
+
+#include <QApplication>
+#include <QTimer>
+#include <QWidget>
+
+namespace {
+
+class EmptyWindow : public QWidget {
+protected:
+    void paintEvent(QPaintEvent*) override { QTimer::singleShot(0, qApp, &QCoreApplication::quit); }
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    EmptyWindow window;
+    window.resize(480, 320);
+    window.show();
+    return QApplication::exec();
+}
