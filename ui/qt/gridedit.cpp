@@ -125,12 +125,12 @@ void GridView::dropEditor() {
         return;
     QWidget* const gone = editor_;
     editor_ = nullptr;
-    const bool held = gone->hasFocus();
     gone->removeEventFilter(this);
+    // Before it hides, or the toolkit would look for another place; also while its own list has the keyboard.
+    if (QWidget* const holder = window()->focusWidget(); holder == gone || gone->isAncestorOf(holder))
+        setFocus(Qt::OtherFocusReason);
     gone->hide();
     gone->deleteLater();
-    if (held)
-        setFocus(Qt::OtherFocusReason);
 }
 
 bool GridView::eventFilter(QObject* object, QEvent* event) {
