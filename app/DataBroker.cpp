@@ -1,5 +1,7 @@
 #include "app/DataBroker.h"
 
+#include "app/db/schema/schema.h"
+
 namespace merchantry::app {
 
 void DataBroker::NewCommand(db::ConnectionPtr& connection, std::shared_ptr<ErrLog>& /*logger*/, db::CommandPtr& command) {
@@ -12,8 +14,10 @@ void DataBroker::OpenConnection(std::string& connectionString, std::shared_ptr<E
     whyClosed_.clear();
     try {
         connection->Open(connectionString);
+        db::checkSchemaVersion(connection->session());
     } catch (const std::exception& error) {
         whyClosed_ = error.what();
+        connection->Close();
     }
 }
 

@@ -8,9 +8,9 @@ namespace merchantry::app {
 DbConfigurator::DbConfigurator(ui::Desk& desk, std::filesystem::path file, StoreMaker maker)
     : desk_(desk), store_(std::move(file)), maker_(std::move(maker)) {}
 
-void DbConfigurator::EditConfiguration(db::ConnectionPtr& /*connection*/, int& confirmed) {
+void DbConfigurator::EditConfiguration(db::ConnectionPtr& connection, int& confirmed) {
     auto& dialog = desk_.form<frmDbConfig>();
-    const auto chosen = dialog.Choose(*this);
+    const auto chosen = dialog.Choose(*this, connection == nullptr);
     confirmed = chosen ? 1 : 0;
     if (chosen)
         current_ = *chosen;

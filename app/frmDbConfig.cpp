@@ -39,6 +39,7 @@ frmDbConfig::frmDbConfig(Desk& desk) : Form(desk, "frmDbConfig", "Database Confi
                                field("Register number:", txtRegisterID),
                                field("Password:", txtPassword),
                                field("", chkIntegrated),
+                               field("", chkDefault),
                            }),
                            at(lblState).high(3),
                            at(prgMake),
@@ -51,8 +52,9 @@ frmDbConfig::frmDbConfig(Desk& desk) : Form(desk, "frmDbConfig", "Database Confi
     }));
 }
 
-std::optional<DbConfig> frmDbConfig::Choose(DbConfigurator& configurator) {
+std::optional<DbConfig> frmDbConfig::Choose(DbConfigurator& configurator, bool startUp) {
     configurator_ = &configurator;
+    startUp_ = startUp;
     configurator.store().load();
     ensureLoaded();
     fillList(configurator.store().defaultName());
@@ -100,6 +102,8 @@ void frmDbConfig::showConfig(const DbConfig& config) {
     txtRegisterID.setText(config.RegisterID);
     txtPassword.setText(config.Password);
     chkIntegrated.setValue(config.IntegratedSecurity == "1");
+    const std::string& standard = configurator_->store().defaultName();
+    chkDefault.setValue(startUp_ || standard.empty() || sameText(standard, config.ConfigName));
     lblState.setCaption("");
 }
 
@@ -228,8 +232,12 @@ void frmDbConfig::cmdOK_Click() {
     if (!keepShown())
         return;
     chosen_ = shownConfig();
-    configurator_->store().setDefault(chosen_->ConfigName);
-    configurator_->store().save();
+    ConfigStore& store = configurator_->store();
+    if (chkDefault.value())
+        store.setDefault(chosen_->ConfigName);
+    else if (sameText(store.defaultName(), chosen_->ConfigName))
+        store.setDefault("");
+    store.save();
     unload();
 }
 

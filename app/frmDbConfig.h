@@ -22,8 +22,8 @@ class frmDbConfig : public ui::Form {
 public:
     explicit frmDbConfig(ui::Desk& desk);
 
-    // Modal. The configuration chosen, which is the default from now on; nothing when the dialog was cancelled.
-    std::optional<DbConfig> Choose(DbConfigurator& configurator);
+    // Modal. The configuration chosen; nothing when the dialog was cancelled. At start-up the choice is offered as the default, too.
+    std::optional<DbConfig> Choose(DbConfigurator& configurator, bool startUp);
 
 private:
     void Form_Activate() override;
@@ -54,6 +54,7 @@ private:
     ui::TextBox txtRegisterID{*this, "txtRegisterID"};
     ui::TextBox txtPassword{*this, "txtPassword"};
     ui::CheckBox chkIntegrated{*this, "chkIntegrated", "Use the &operating system's login"};
+    ui::CheckBox chkDefault{*this, "chkDefault", "Open this store at &start-up"};
     ui::Label lblState{*this, "lblState"}; // what a test said, or why the store could not be opened
     ui::ProgressBar prgMake{*this, "prgMake"};
     ui::Button cmdDemo{*this, "cmdDemo", "New &Demo Store"};
@@ -63,6 +64,7 @@ private:
     ui::Button cmdOK{*this, "cmdOK", "&Use This Store"};
 
     DbConfigurator* configurator_ = nullptr;
+    bool startUp_ = false;
     std::optional<DbConfig> chosen_;
     std::string editing_; // name of the configuration shown; empty for a new one
 };

@@ -46,9 +46,20 @@ std::vector<std::string> checkStoreFile(const std::filesystem::path& file) {
 }
 
 std::filesystem::path upgradeStoreFile(const std::filesystem::path& file) {
-    // There is one schema version so far; opening refuses a store that is newer, and no store can be older.
-    db::Store::open(file);
-    return {};
+    return upgradeStoreFile(file, db::upgradeSteps(), db::kSchemaVersion);
+}
+
+std::filesystem::path upgradeStoreFile(const std::filesystem::path& file, std::span<const db::UpgradeStep> steps, int goal) {
+    const auto session = db::Store::open(file)->session();
+    const int version = db::schemaVersion(*session);
+    if (version == goal)
+        return {};
+    if (version == 0 || version > goal)
+        db::checkSchemaVersion(*session);
+    const std::filesystem::path copy = file.string() + ".v" + std::to_string(version) + ".bak";
+    backupStoreFile(file, copy);
+    db::upgradeSchema(*session, steps);
+    return copy;
 }
 
 void backupStoreFile(const std::filesystem::path& file, const std::filesystem::path& target) {

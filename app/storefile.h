@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/db/schema/schema.h"
 #include "app/db/session.h"
 
 #include <filesystem>
@@ -21,8 +22,10 @@ void createStoreFile(const std::filesystem::path& file, const StoreFiller& fille
 std::vector<std::string> checkStoreFile(const std::filesystem::path& file);
 
 // Brings an older store to this program's schema, with a copy of the old one beside it (".v1.bak"); the copy's path, empty when the store
-// is of this version already.
+// is of this version already. Throws with a sentence, the store unchanged.
 std::filesystem::path upgradeStoreFile(const std::filesystem::path& file);
+// The same with other steps and another goal; for tests.
+std::filesystem::path upgradeStoreFile(const std::filesystem::path& file, std::span<const db::UpgradeStep> steps, int goal);
 
 // Copies a store that may be in use. The target must not exist (backup), or must be a store that is overwritten as a whole in one
 // transaction (restore).

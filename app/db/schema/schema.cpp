@@ -31,6 +31,37 @@ constexpr std::array kInvariants{
               "INNER JOIN InventoryLedger l ON l.LedgerID = s.Newest WHERE l.QtyAfter <> s.Moved"},
 };
 
+// The first cell of the last row.
+class LastCell : public ResultSink {
+public:
+    void beginSet(const std::vector<Column>&) override {}
+    void row(const RowView& row) override { value = row.value(0); }
+    Value value;
+};
+
+void run(Session& session, std::string_view batch) {
+    NoResult none;
+    session.execute(batch, none);
+}
+
+// "triggers/Customer_Phone.sql" is the trigger Customer_Phone; empty for a file of another kind.
+std::string objectIn(const SchemaFile& file, std::string_view folder) {
+    if (!file.name.starts_with(folder))
+        return "";
+    const std::string_view name = file.name.substr(folder.size());
+    return std::string(name.substr(0, name.find('.')));
+}
+
+void putAgain(Session& session, const SchemaFile& file) {
+    for (const auto& [folder, kind] : {std::pair{"procedures/", "PROCEDURE"}, std::pair{"triggers/", "TRIGGER"}}) {
+        const std::string object = objectIn(file, folder);
+        if (object.empty())
+            continue;
+        run(session, "IF OBJECT_ID('" + object + "') IS NOT NULL DROP " + kind + " " + object);
+        run(session, file.text);
+    }
+}
+
 class Counter : public ResultSink {
 public:
     void beginSet(const std::vector<Column>&) override {}
@@ -44,12 +75,57 @@ void createSchema(Session& session) {
     session.begin();
     for (const SchemaFile& file : schemaFiles()) {
         try {
-            NoResult none;
-            session.execute(file.text, none);
+            run(session, file.text);
         } catch (const DbError& error) {
             session.rollback();
             throw DbError(error.category(), error.native(), std::string(file.name) + ": " + error.what(), error.line());
         }
+    }
+    session.commit();
+}
+
+int schemaVersion(Session& session) {
+    LastCell version;
+    session.execute("IF OBJECT_ID('SchemaVersion') IS NULL SELECT 0 ELSE SELECT MAX(Version) FROM SchemaVersion", version);
+    return static_cast<int>(version.value.toInteger());
+}
+
+void checkSchemaVersion(Session& session) {
+    const int version = schemaVersion(session);
+    const auto refuse = [](const std::string& sentence) { throw DbError(DbError::Category::Storage, 0, sentence); };
+    if (version == 0)
+        refuse("The file is a database, but not a store of Merchantry: it has no schema version.");
+    if (version > kSchemaVersion)
+        refuse("The store was made by a newer version of Merchantry (schema " + std::to_string(version) + ", this program knows " +
+               std::to_string(kSchemaVersion) + "). Please update the program.");
+    if (version < kSchemaVersion)
+        refuse("The store is of an older version (schema " + std::to_string(version) + ", this program wants " +
+               std::to_string(kSchemaVersion) + "). Run \"merchantryctl store upgrade\" on it; a copy of the old store is kept.");
+}
+
+std::span<const UpgradeStep> upgradeSteps() {
+    return {}; // the first version has none before it
+}
+
+void upgradeSchema(Session& session, std::span<const UpgradeStep> steps) {
+    const int from = schemaVersion(session);
+    session.begin();
+    std::string doing;
+    try {
+        for (const UpgradeStep& step : steps) {
+            if (step.to <= from)
+                continue;
+            doing = "version " + std::to_string(step.to);
+            run(session, step.batch);
+            run(session, "INSERT INTO SchemaVersion (Version) VALUES (" + std::to_string(step.to) + ")");
+        }
+        for (const SchemaFile& file : schemaFiles()) {
+            doing = file.name;
+            putAgain(session, file);
+        }
+    } catch (const DbError& error) {
+        session.rollback();
+        throw DbError(error.category(), error.native(), doing + ": " + error.what(), error.line());
     }
     session.commit();
 }

@@ -23,6 +23,24 @@ constexpr int kSchemaVersion = 1;
 // Makes the schema with its first rows in an empty store, in one transaction. Throws DbError, naming the file; nothing is left then.
 void createSchema(Session& session);
 
+// The schema version of a store; 0 for a file that has no schema of this program.
+int schemaVersion(Session& session);
+
+// Throws DbError (category Storage) with a sentence for the user unless the store has just the schema that this program knows.
+void checkSchemaVersion(Session& session);
+
+// What brings a store from the version before to `to`.
+struct UpgradeStep {
+    int to = 0;
+    std::string_view batch;
+};
+// All steps that this program knows, in their order.
+std::span<const UpgradeStep> upgradeSteps();
+
+// Runs the steps that the store lacks and puts this program's procedures and triggers in the place of the store's, in one transaction.
+// Throws DbError, naming the version or file; nothing is changed then.
+void upgradeSchema(Session& session, std::span<const UpgradeStep> steps);
+
 // A store that breaks one of the program's own rules, in a sentence each; empty for a sound store.
 std::vector<std::string> brokenInvariants(Session& session);
 

@@ -1,0 +1,112 @@
+#include "app/storefile.h"
+
+#include "app/db/embedded/store.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <fstream>
+
+namespace merchantry::app {
+namespace {
+
+class StoreFiles : public testing::Test {
+protected:
+    StoreFiles() {
+        folder = std::filesystem::temp_directory_path() /
+                 ("merchantry-files-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directories(folder);
+        file = folder / "a.store";
+    }
+    ~StoreFiles() override { std::filesystem::remove_all(folder); }
+
+    void run(const std::filesystem::path& store, const std::string& batch) const {
+        db::NoResult none;
+        db::Store::open(store)->session()->execute(batch, none);
+    }
+    static int version(const std::filesystem::path& store) { return db::schemaVersion(*db::Store::open(store)->session()); }
+    template <class Act> static std::string sentenceOf(Act act) {
+        try {
+            act();
+            return "";
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+    }
+    void makeStore() const {
+        createStoreFile(file, {}, [](int) {});
+    }
+
+    std::filesystem::path folder;
+    std::filesystem::path file;
+};
+
+TEST_F(StoreFiles, AreMadeWholeOrNotAtAll) {
+    makeStore();
+    EXPECT_TRUE(checkStoreFile(file).empty());
+    EXPECT_NE(sentenceOf([&] { makeStore(); }).find("already"), std::string::npos);
+    const auto broken = folder / "broken.store";
+    EXPECT_EQ(sentenceOf([&] {
+                  createStoreFile(
+                      broken, [](db::Session&, const auto&) { throw std::runtime_error("no goods"); }, [](int) {});
+              }),
+              "no goods");
+    EXPECT_FALSE(std::filesystem::exists(broken));
+}
+
+TEST_F(StoreFiles, CopiesAndRestoresAreComplete) {
+    makeStore();
+    run(file, "INSERT INTO Suppliers (Supplier) VALUES ('Acme')");
+    const auto copy = folder / "copy.store";
+    backupStoreFile(file, copy);
+    EXPECT_NE(sentenceOf([&] { backupStoreFile(file, copy); }).find("already"), std::string::npos);
+    run(file, "DELETE FROM Suppliers WHERE SupID = 1");
+    run(copy, "IF (SELECT COUNT(*) FROM Suppliers) <> 2 RAISERROR('the copy lacks a row', 16, 1)");
+    restoreStoreFile(copy, file);
+    run(file, "IF (SELECT COUNT(*) FROM Suppliers) <> 2 RAISERROR('not restored', 16, 1)");
+    EXPECT_TRUE(checkStoreFile(file).empty());
+}
+
+TEST_F(StoreFiles, ABadBackupIsNeverRestored) {
+    makeStore();
+    run(file, "INSERT INTO Suppliers (Supplier) VALUES ('Acme')");
+    const auto bad = folder / "bad.store";
+    std::ofstream(bad) << "This is a letter to a supplier.";
+    EXPECT_NE(sentenceOf([&] { restoreStoreFile(bad, file); }), "");
+    EXPECT_NE(sentenceOf([&] { restoreStoreFile(folder / "none.store", file); }), "");
+    run(file, "IF (SELECT COUNT(*) FROM Suppliers) <> 2 RAISERROR('touched', 16, 1)");
+}
+
+TEST_F(StoreFiles, OlderStoresAreUpgradedWithACopyAndNewerOnesRefused) {
+    makeStore();
+    EXPECT_EQ(upgradeStoreFile(file), std::filesystem::path());
+    run(file, "DROP PROCEDURE bsp_NewItem");
+    const std::array<db::UpgradeStep, 2> steps{db::UpgradeStep{1, "RAISERROR('run twice', 16, 1)"},
+                                               db::UpgradeStep{2, "ALTER TABLE Suppliers ADD Rating int NOT NULL DEFAULT 3"}};
+    const auto copy = upgradeStoreFile(file, steps, 2);
+    EXPECT_EQ(copy, std::filesystem::path(file.string() + ".v1.bak"));
+    EXPECT_EQ(version(copy), 1);
+    EXPECT_EQ(version(file), 2);
+    run(file, "IF (SELECT Rating FROM Suppliers) <> 3 RAISERROR('no rating', 16, 1)");
+    run(file, "bsp_NewItem 'a', 'a'");
+    EXPECT_NE(sentenceOf([&] { db::checkSchemaVersion(*db::Store::open(file)->session()); }).find("newer version"), std::string::npos);
+    EXPECT_NE(sentenceOf([&] { upgradeStoreFile(file); }).find("newer version"), std::string::npos);
+
+    const auto other = folder / "other.store";
+    createStoreFile(other, {}, [](int) {});
+    const std::array<db::UpgradeStep, 2> failing{db::UpgradeStep{2, "ALTER TABLE Suppliers ADD Rating int NULL"},
+                                                 db::UpgradeStep{3, "SELECT * FROM Nowhere"}};
+    EXPECT_NE(sentenceOf([&] { upgradeStoreFile(other, failing, 3); }).find("version 3"), std::string::npos);
+    EXPECT_EQ(version(other), 1);
+    EXPECT_NE(sentenceOf([&] { run(other, "SELECT Rating FROM Suppliers"); }), "");
+}
+
+TEST_F(StoreFiles, WhatIsNoStoreIsSaidToBeNone) {
+    db::Store::create(file);
+    EXPECT_NE(sentenceOf([&] { db::checkSchemaVersion(*db::Store::open(file)->session()); }).find("not a store"), std::string::npos);
+    EXPECT_NE(sentenceOf([&] { checkStoreFile(folder / "none.store"); }).find("no file"), std::string::npos);
+}
+
+} // namespace
+} // namespace merchantry::app
