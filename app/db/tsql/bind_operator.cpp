@@ -249,10 +249,13 @@ std::string Binder::compare(const std::string& op, Typed left, Typed right, int 
         type = simpleType(TypeKind::Int);
     // A whole literal beside a decimal needs no more digits than it has.
     const std::string collation = collationOf(left, right);
+    const bool text = type.isText() || type.kind == TypeKind::UniqueIdentifier;
+    // A column of a table brings the usual collation along.
+    const auto brings = [&](const Typed& value) { return value.isColumn && value.table && sameCells(value.type, type); };
+    const bool named = text && (collation != "ts" || !(brings(left) || brings(right)));
     const std::string a = implicitTo(std::move(left), type, line).sql;
     const std::string b = implicitTo(std::move(right), type, line).sql;
-    const bool text = type.isText() || type.kind == TypeKind::UniqueIdentifier;
-    return "(" + a + (text ? " COLLATE " + collation + " " : "") + meant + b + ")";
+    return "(" + a + (named ? " COLLATE " + collation + " " : "") + meant + b + ")";
 }
 
 std::string Binder::like(const Expr& expr) {

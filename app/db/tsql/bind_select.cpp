@@ -90,7 +90,7 @@ QueryPlan Binder::plan(const BoundQuery& bound, const Query& query) {
         }
         plan.columns.push_back(std::move(column));
     }
-    plan.sql.text = render(bound, *this);
+    plan.sql.text = render(bound, *this, nullptr, bound.orderBy.empty());
     plan.sql.places = places_;
     if (core && !core->into.empty()) {
         auto table = std::make_shared<TableDef>();
@@ -395,7 +395,7 @@ std::vector<SqlType> Binder::columnTypes(const BoundQuery& query) const {
     return types;
 }
 
-std::string Binder::render(const BoundQuery& query, const Binder& binder, const std::vector<SqlType>* types, bool) {
+std::string Binder::render(const BoundQuery& query, const Binder& binder, const std::vector<SqlType>* types, bool unnamed) {
     std::string sql;
     if (query.op != SetOperator::None) {
         const std::vector<SqlType> own = types ? *types : binder.columnTypes(query);
@@ -411,7 +411,8 @@ std::string Binder::render(const BoundQuery& query, const Binder& binder, const 
             if (types)
                 value = const_cast<Binder&>(binder).convertTo(std::move(value), (*types)[i]);
             const bool plain = value.isColumn && value.collation.empty();
-            sql += (i > 0 ? "," : "") + (plain || !value.type.isText() ? value.sql : binder.collated(value)) + " AS _c" + std::to_string(i);
+            sql += (i > 0 ? "," : "") + (plain || !value.type.isText() ? value.sql : binder.collated(value)) +
+                   (unnamed ? std::string() : " AS _c" + std::to_string(i));
         }
         for (std::size_t i = 0; query.hasRowIds && i < query.bases.size(); ++i)
             sql += "," + query.bases[i].sql + " AS _r" + std::to_string(i);

@@ -180,7 +180,7 @@ private:
     void bindTop(const TopClause& top, BoundQuery& result);
     void expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns) const;
     static std::string render(const BoundQuery& query, const Binder& binder, const std::vector<SqlType>* types = nullptr,
-                              bool forceOneRow = false);
+                              bool unnamed = false);
     std::vector<SqlType> columnTypes(const BoundQuery& query) const;
     QueryPlan plan(const BoundQuery& bound, const Query& query);
 
