@@ -99,8 +99,8 @@ protected:
             }
             act(*desk.window(form));
             ASSERT_FALSE(desk.ending()) << desk.endMessage();
-            if (!form.closed())
-                expectShown(*desk.window(form));
+            if (F* const open = desk.existing<F>()) // it may be closed, and gone
+                expectShown(*desk.window(*open));
         }
     }
 };
