@@ -28,6 +28,10 @@ frmAbout::frmAbout(Desk& desk) : Form(desk, "frmAbout", "About Merchantry") {
 
 void frmAbout::Form_Load() {
     lblVersion.setCaption("Version " MERCHANTRY_VERSION);
+    guarded({"MR_frmAbout", "Form_Load", caption() + " - Critical Error"}, [this] { showStore(); });
+}
+
+void frmAbout::showStore() {
     const auto info = modMain().Conn->Execute("sp_GetSysInfo");
     if (info->Eof())
         return;

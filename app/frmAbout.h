@@ -13,6 +13,7 @@ public:
 
 private:
     void Form_Load() override;
+    void showStore();
 
     ui::Label lblTitle{*this, "lblTitle", "Merchantry"};
     ui::Label lblVersion{*this, "lblVersion"};

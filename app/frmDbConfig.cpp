@@ -139,14 +139,22 @@ bool frmDbConfig::keepShown() {
     if (!editing_.empty() && !sameText(editing_, shown.ConfigName))
         store.remove(editing_);
     store.put(shown);
+    if (chkDefault.value())
+        store.setDefault(shown.ConfigName);
+    else if (sameText(store.defaultName(), shown.ConfigName))
+        store.setDefault("");
+    editing_ = shown.ConfigName;
+    return save();
+}
+
+bool frmDbConfig::save() {
     try {
-        store.save();
+        configurator_->store().save();
+        return true;
     } catch (const std::exception& error) {
-        desk().message(std::string("The configuration could not be saved: ") + error.what(), caption(), MessageIcon::Stop);
+        desk().message(std::string("The configurations could not be saved: ") + error.what(), caption(), MessageIcon::Stop);
         return false;
     }
-    editing_ = shown.ConfigName;
-    return true;
 }
 
 void frmDbConfig::cmdRemove_Click() {
@@ -156,7 +164,7 @@ void frmDbConfig::cmdRemove_Click() {
                        MessageIcon::Question, MessageButtons::YesNo) != Answer::Yes)
         return;
     configurator_->store().remove(editing_);
-    configurator_->store().save();
+    save();
     fillList("");
 }
 
@@ -232,12 +240,6 @@ void frmDbConfig::cmdOK_Click() {
     if (!keepShown())
         return;
     chosen_ = shownConfig();
-    ConfigStore& store = configurator_->store();
-    if (chkDefault.value())
-        store.setDefault(chosen_->ConfigName);
-    else if (sameText(store.defaultName(), chosen_->ConfigName))
-        store.setDefault("");
-    store.save();
     unload();
 }
 

@@ -42,6 +42,8 @@ private:
     // What is wrong with the configuration shown, as a sentence; empty when nothing is.
     std::string complaint() const;
     bool keepShown();
+    // Writes the file of configurations; says so and gives false when it cannot.
+    bool save();
     void makeStore(const std::filesystem::path& file, bool demo);
 
     ui::ListBox lstConfigs{*this, "lstConfigs"};

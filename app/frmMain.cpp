@@ -56,8 +56,10 @@ void frmMain::Form_Load() {
 }
 
 void frmMain::Form_Activate() {
-    const auto guess = openDirect("SELECT ID FROM Cashier WHERE ID = 5 AND Name = 'manager' AND Password = 'manager'");
-    desk().status(guess->Eof() ? "" : "The manager's password is still \"manager\". Please change it under Store, Cashiers.");
+    guarded({"MR_frmMain", "Form_Activate"}, [this] {
+        const auto known = openDirect("SELECT ID FROM Cashier WHERE ID = 5 AND Name = 'manager' AND Password = 'manager'");
+        desk().status(known->Eof() ? "" : "The manager's password is still \"manager\". Please change it under Store, Cashiers.");
+    });
 }
 
 void frmMain::Form_Unload(bool& /*cancel*/) {

@@ -169,12 +169,12 @@ void frmItems::Form_Activate() {
 
 void frmItems::writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
     const db::RecordsetPtr item = modMain().ItemRecordset;
-    if (!guarded({kTag, procedure},
-                 [&] {
-                     (*item)[column] = value();
-                     item->Update();
-                 }) &&
-        item != nullptr)
+    if (item == nullptr)
+        return; // the item could not be fetched
+    if (!guarded({kTag, procedure}, [&] {
+            (*item)[column] = value();
+            item->Update();
+        }))
         item->CancelUpdate();
 }
 

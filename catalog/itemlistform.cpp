@@ -171,6 +171,8 @@ void ItemListForm::shown() {
 void ItemListForm::srch_FieldSearch(const std::string& field, const std::string& text) {
     guarded({initGridTag_, "srch_FieldSearch"}, [&] {
         filter_ = filterFor(field, text);
+        if (rows_ == nullptr)
+            return; // the list could not be loaded
         rows_->setFilter(filter_);
         shown();
     });
@@ -178,9 +180,9 @@ void ItemListForm::srch_FieldSearch(const std::string& field, const std::string&
 
 void ItemListForm::grdItems_Click() {
     static constexpr std::array<const char*, 3> kSorts{"SKU asc", "MatrixSKU asc", "Name asc"};
-    if (grdItems.row() != 1 || grdItems.col() >= static_cast<int>(kSorts.size()))
+    if (rows_ == nullptr || grdItems.row() != 1 || grdItems.col() >= static_cast<int>(kSorts.size()))
         return;
-    rows_->setSort(kSorts[static_cast<std::size_t>(grdItems.col())]);
+    guarded({initGridTag_, "grdItems_Click"}, [this] { rows_->setSort(kSorts[static_cast<std::size_t>(grdItems.col())]); });
 }
 
 void ItemListForm::cmdSelect_Click() {
