@@ -51,8 +51,14 @@ DbError constraintError(int extended, const std::string& message) {
 Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
     const int code =
         sqlite3_prepare_v3(db, sql.data(), static_cast<int>(sql.size()), lasting ? SQLITE_PREPARE_PERSISTENT : 0U, &statement_, nullptr);
-    if (code != SQLITE_OK)
-        throw storageError(std::string(sqlite3_errmsg(db)) + " in: " + std::string(sql), code);
+    if (code == SQLITE_OK)
+        return;
+    const std::string message = sqlite3_errmsg(db);
+    if (message.find("parser stack overflow") != std::string::npos || message.find("too large") != std::string::npos ||
+        message.find("too many") != std::string::npos)
+        throw tsql::syntaxError(
+            191, "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.", 0);
+    throw storageError(message + " in: " + std::string(sql.substr(0, 2000)), code);
 }
 
 Connection::Connection(const std::filesystem::path& file, bool durable) {

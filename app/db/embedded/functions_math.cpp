@@ -58,8 +58,15 @@ template <class T> void giveChecked(const Call& call, Wide number) {
     call.give(static_cast<std::int64_t>(number));
 }
 
+// Of two or more, each step within the type.
 template <class T> void add(const Call& call) {
-    giveChecked<T>(call, static_cast<Wide>(call.integer(0)) + call.integer(1));
+    Wide sum = call.integer(0);
+    for (int i = 1; i < call.count; ++i) {
+        sum += call.integer(i);
+        if (sum < T::kLow || sum > T::kHigh)
+            throw tsql::overflow(tsql::simpleType(T::kKind));
+    }
+    call.give(static_cast<std::int64_t>(sum));
 }
 
 template <class T> void subtract(const Call& call) {
@@ -346,31 +353,31 @@ void random(const Call& call) {
 
 void registerMathFunctions(sqlite3* db, FunctionHost& host) {
     static constexpr auto kEntries = std::to_array<FunctionEntry>({
-        {"ts_add_tiny", 2, add<Tiny>},
+        {"ts_add_tiny", -1, add<Tiny>},
         {"ts_sub_tiny", 2, subtract<Tiny>},
         {"ts_mul_tiny", 2, multiply<Tiny>},
         {"ts_div_tiny", 2, divide<Tiny>},
         {"ts_mod_tiny", 2, modulo<Tiny>},
         {"ts_xor_tiny", 2, exclusiveOr<Tiny>},
-        {"ts_add_small", 2, add<Small>},
+        {"ts_add_small", -1, add<Small>},
         {"ts_sub_small", 2, subtract<Small>},
         {"ts_mul_small", 2, multiply<Small>},
         {"ts_div_small", 2, divide<Small>},
         {"ts_mod_small", 2, modulo<Small>},
         {"ts_xor_small", 2, exclusiveOr<Small>},
-        {"ts_add_int", 2, add<Int>},
+        {"ts_add_int", -1, add<Int>},
         {"ts_sub_int", 2, subtract<Int>},
         {"ts_mul_int", 2, multiply<Int>},
         {"ts_div_int", 2, divide<Int>},
         {"ts_mod_int", 2, modulo<Int>},
         {"ts_xor_int", 2, exclusiveOr<Int>},
-        {"ts_add_big", 2, add<Big>},
+        {"ts_add_big", -1, add<Big>},
         {"ts_sub_big", 2, subtract<Big>},
         {"ts_mul_big", 2, multiply<Big>},
         {"ts_div_big", 2, divide<Big>},
         {"ts_mod_big", 2, modulo<Big>},
         {"ts_xor_big", 2, exclusiveOr<Big>},
-        {"ts_add_money", 2, add<Money>},
+        {"ts_add_money", -1, add<Money>},
         {"ts_sub_money", 2, subtract<Money>},
         {"ts_mul_money", 2, multiplyMoney},
         {"ts_div_money", 2, divideMoney},

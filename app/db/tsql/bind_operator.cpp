@@ -133,7 +133,9 @@ Typed Binder::arithmetic(char op, Typed left, Typed right, int line) {
         return result;
     }
     if (type.isText()) {
-        result.sql = "(" + left.sql + "||" + right.sql + ")";
+        // SQLite takes few parentheses inside one another, so a chain stays flat.
+        result.sql = (left.chain == "||" ? left.sql.substr(0, left.sql.size() - 1) : "(" + left.sql) + "||" + right.sql + ")";
+        result.chain = "||";
         result.type = type;
         return result;
     }
@@ -147,8 +149,16 @@ Typed Binder::arithmetic(char op, Typed left, Typed right, int line) {
     if (type.kind == TypeKind::SmallDateTime)
         type.kind = TypeKind::DateTime;
     result.type = type;
+    const std::string sum = type.isMoney() ? call + "money(" : type.isWhole() ? call + wholeName(type.kind) + "(" : "";
+    const bool goesOn = op == '+' && !sum.empty() && left.chain == sum && left.type == type;
     const std::string a = convertTo(std::move(left), type).sql;
     const std::string b = convertTo(std::move(right), type).sql;
+    if (op == '+')
+        result.chain = sum;
+    if (goesOn) {
+        result.sql = a.substr(0, a.size() - 1) + "," + b + ")";
+        return result;
+    }
     if (type.isFloat())
         result.sql = op == '/' ? "ts_div_float(" + a + "," + b + ")" : "(" + a + op + b + ")";
     else if (type.isDate())
@@ -201,10 +211,8 @@ Typed Binder::caseOf(const Expr& expr) {
 std::string Binder::bindCondition(const Expr& expr) {
     switch (expr.kind) {
     case ExprKind::And:
-    case ExprKind::Or: {
-        const std::string left = bindCondition(*expr.args[0]);
-        return "(" + left + (expr.kind == ExprKind::And ? " AND " : " OR ") + bindCondition(*expr.args[1]) + ")";
-    }
+    case ExprKind::Or:
+        return chained(expr);
     case ExprKind::Not:
         return "(NOT " + bindCondition(*expr.args[0]) + ")";
     case ExprKind::Compare: {
@@ -237,6 +245,18 @@ std::string Binder::bindCondition(const Expr& expr) {
     default:
         throw syntaxError(4145, "An expression of non-boolean type specified in a context where a condition is expected.", expr.line);
     }
+}
+
+// a AND b AND c, without parentheses between: SQLite takes few of them inside one another.
+std::string Binder::chained(const Expr& expr) {
+    std::vector<const Expr*> operands;
+    const Expr* first = &expr;
+    for (; first->kind == expr.kind; first = first->args[0].get())
+        operands.push_back(first->args[1].get());
+    std::string sql = "(" + bindCondition(*first);
+    for (auto operand = operands.rbegin(); operand != operands.rend(); ++operand)
+        sql += (expr.kind == ExprKind::And ? " AND " : " OR ") + bindCondition(**operand);
+    return sql + ")";
 }
 
 std::string Binder::compare(const std::string& op, Typed left, Typed right, int line) {

@@ -22,6 +22,9 @@ private:
     Scope* before_;
 };
 
+// SQLite takes so many selects in one.
+constexpr int kDeepestQuery = 480;
+
 std::string setOperatorSql(SetOperator op) {
     switch (op) {
     case SetOperator::Union:
@@ -127,7 +130,7 @@ std::unique_ptr<BoundQuery> Binder::bindSubquery(const Query& query) {
 }
 
 std::unique_ptr<BoundQuery> Binder::bindQuery(const Query& query, bool topLevel) {
-    if (++depth_ > 60) {
+    if (++depth_ > kDeepestQuery) {
         depth_ = 0;
         throw syntaxError(191,
                           "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.",

@@ -42,6 +42,7 @@ struct Typed {
     std::shared_ptr<const TableDef> table; // of a plain column
     int column = -1;
     std::string collation; // explicit
+    std::string chain;     // the function or operator whose call it is, when more operands can be put behind
 };
 
 struct BoundColumn {
@@ -149,6 +150,7 @@ private:
     Typed subquery(const Expr& expr);
     Typed collate(const Expr& expr);
     std::string compare(const std::string& op, Typed left, Typed right, int line);
+    std::string chained(const Expr& expr);
     std::string like(const Expr& expr);
     std::string inList(const Expr& expr);
     std::string inQuery(const Expr& expr);

@@ -53,7 +53,9 @@ void Parser::requireValue(const Expr& expr) const {
 ExprPtr Parser::expression() {
     const Nesting nesting(*this);
     ExprPtr left = conjunction();
+    int links = 0;
     while (isWord("OR")) {
+        link(links);
         requireCondition(*left);
         ExprPtr both = make(ExprKind::Or);
         take();
@@ -81,7 +83,9 @@ ExprPtr Parser::condition() {
 
 ExprPtr Parser::conjunction() {
     ExprPtr left = negation();
+    int links = 0;
     while (isWord("AND")) {
+        link(links);
         requireCondition(*left);
         ExprPtr both = make(ExprKind::And);
         take();
@@ -203,7 +207,9 @@ ExprPtr Parser::membership(ExprPtr left, bool negated, int line) {
 
 ExprPtr Parser::sum() {
     ExprPtr left = product();
+    int links = 0;
     while (isSymbol("+") || isSymbol("-") || isSymbol("&") || isSymbol("|") || isSymbol("^")) {
+        link(links);
         requireValue(*left);
         ExprPtr both = make(ExprKind::Arithmetic);
         both->text = take().text;
@@ -218,7 +224,9 @@ ExprPtr Parser::sum() {
 
 ExprPtr Parser::product() {
     ExprPtr left = unary();
+    int links = 0;
     while (isSymbol("*") || isSymbol("/") || isSymbol("%")) {
+        link(links);
         requireValue(*left);
         ExprPtr both = make(ExprKind::Arithmetic);
         both->text = take().text;

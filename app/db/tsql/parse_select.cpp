@@ -90,7 +90,9 @@ QueryPtr Parser::query() {
 
 QueryPtr Parser::queryWithoutOrder() {
     QueryPtr left = intersection();
+    int links = 0;
     while (isWord("UNION") || isWord("EXCEPT")) {
+        link(links);
         auto both = std::make_unique<Query>();
         both->line = peek().line;
         both->op = SetOperator::Except;
@@ -105,7 +107,9 @@ QueryPtr Parser::queryWithoutOrder() {
 
 QueryPtr Parser::intersection() {
     QueryPtr left = queryTerm();
+    int links = 0;
     while (isWord("INTERSECT")) {
+        link(links);
         auto both = std::make_unique<Query>();
         both->line = peek().line;
         both->op = SetOperator::Intersect;
@@ -240,7 +244,9 @@ std::vector<TableRefPtr> Parser::fromList() {
 TableRefPtr Parser::joined() {
     const Nesting nesting(*this);
     TableRefPtr left = tablePrimary();
+    int links = 0;
     while (true) {
+        link(links);
         auto join = std::make_unique<TableRef>();
         join->kind = TableRef::Kind::Join;
         join->line = peek().line;

@@ -6,6 +6,7 @@ namespace merchantry::db::tsql {
 namespace {
 
 constexpr int kDeepest = 400;
+constexpr int kLongestChain = 900; // what SQLite takes in one expression
 
 DbError syntaxError(int number, const std::string& message, int line) {
     return DbError(DbError::Category::Syntax, number, message, line).withSeverity(15, 1);
@@ -118,6 +119,11 @@ void Parser::unexpected(const Token& token) const {
     if (token.kind == TokenKind::Word && isReservedWord(token.text))
         throw syntaxError(156, "Incorrect syntax near the keyword '" + std::string(token.text) + "'.", token.line);
     throw syntaxError(102, "Incorrect syntax near '" + token.value() + "'.", token.line);
+}
+
+void Parser::link(int& links) const {
+    if (++links > kLongestChain)
+        fail(191, "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.");
 }
 
 void Parser::fail(int number, const std::string& message) const {

@@ -47,6 +47,8 @@ private:
     [[noreturn]] void unexpected() const { unexpected(peek()); }
     [[noreturn]] void unexpected(const Token& token) const;
     [[noreturn]] void fail(int number, const std::string& message) const;
+    // Counts the links of a chain like a + b + c; throws at one that is too long to be worked on.
+    void link(int& links) const;
 
     // names
     bool isName(std::size_t ahead = 0) const;

@@ -89,6 +89,25 @@ TEST_F(Errors, letTheBatchGoOn) {
     EXPECT_EQ(rowsOf(*session, "SELECT COUNT(*) FROM par"), "2\n");
 }
 
+// Texts that programs make may be long; too long is an error and no crash.
+TEST_F(Errors, longChainsAreRunOrRefused) {
+    const auto chain = [](const std::string& head, const std::string& link, int count) {
+        std::string text = head;
+        for (int i = 0; i < count; ++i)
+            text += link;
+        return text;
+    };
+    EXPECT_EQ(rowsOf(*session, chain("SELECT 1", "+1", 90)), "91\n");
+    EXPECT_EQ(rowsOf(*session, "SELECT COUNT(*) FROM (" + chain("SELECT 1 AS a", " UNION ALL SELECT 1", 400) + ") d"), "401\n");
+    EXPECT_EQ(rowsOf(*session, "SELECT COUNT(*) FROM par WHERE id IN (" + chain("1", ",1", 5000) + ")"), "1\n");
+    EXPECT_EQ(rowsOf(*session, "SELECT LEN(" + chain("'a'", "+'b'", 500) + ")"), "501\n");
+    EXPECT_EQ(rowsOf(*session, chain("SELECT COUNT(*) FROM par WHERE id = 1", " OR id = 7", 500)), "1\n");
+    EXPECT_EQ(errorOf(*session, chain("SELECT 1", "*1", 300)), 191);
+    for (const char* link : {"+1", " AND 1 = 1", " UNION ALL SELECT 1", "-(1)"})
+        EXPECT_EQ(errorOf(*session, chain("SELECT 1 WHERE 1 = 1", link, 100'000)), 191) << link;
+    EXPECT_EQ(errorOf(*session, chain("INSERT INTO par VALUES (1, 'x')", ",(1, 'x')", 20'000)), 2627);
+}
+
 TEST_F(Errors, sayWhatIsNotSupported) {
     for (const char* batch : {"MERGE par USING chi ON 1 = 1 WHEN MATCHED THEN DELETE;", "SELECT TOP 1 WITH TIES id FROM par ORDER BY id",
                               "SELECT a.id FROM par a CROSS APPLY (SELECT 1 AS x) b"}) {
