@@ -12,6 +12,10 @@ enum class DatePart { Year, Quarter, Month, DayOfYear, Day, Week, Weekday, Hour,
 // -1 for a word that is no part of a date.
 int datePartOf(std::string_view word);
 
+// Whether a name is that of a function over the rows of a group, or over ranked rows.
+bool isAggregate(std::string_view name);
+bool isRanking(std::string_view name);
+
 // The call of an aggregate over a bound value; throws DbError 8117 for a type that it does not take.
 Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line, const Binder& binder,
                   const std::function<Typed(Typed, const SqlType&)>& convert);
