@@ -190,9 +190,9 @@ Typed Binder::caseOf(const Expr& expr) {
     for (const Typed& value : values)
         type = commonType(type, value.type, expr.line);
     if (type.kind == TypeKind::Null)
-        throw typeError(
-            8133, "At least one of the result expressions in a CASE specification must be an expression other than the NULL constant.",
-            expr.line);
+        throw typeError(8133,
+                        "At least one of the result expressions in a CASE expression must be an expression other than the NULL constant.",
+                        expr.line);
     Typed result;
     result.type = type;
     result.sql = "CASE";

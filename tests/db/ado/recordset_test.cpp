@@ -1,23 +1,14 @@
 #include "app/db/ado/recordset.h"
 
-#include "app/db/embedded/store.h"
-#include "base/text.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
+#include "tests/db/teststore.h"
 
 namespace merchantry::db {
 namespace {
 
 // A small store in a file of its own, and a connection to it.
-class Recordsets : public testing::Test {
+class Recordsets : public OnAStore {
 protected:
     Recordsets() {
-        file = std::filesystem::temp_directory_path() /
-               ("merchantry-ado-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + ".store");
-        remove();
-        store = Store::create(file);
         connection = std::make_shared<Connection>(provider);
         connection->Open("Provider=SQLOLEDB.1; User ID=sa; PASSWORD=; Data Source=" + file.string() + "; Initial Catalog=Tillmark2k");
         for (const char* batch : {"CREATE TABLE Dept (DeptID int IDENTITY(1, 1) PRIMARY KEY, Dept varchar(20) NOT NULL DEFAULT 'new')",
@@ -30,35 +21,6 @@ protected:
                                   "'Beta', NULL, 2), ('b', 'c', NULL, 1, NULL)",
                                   "CREATE PROCEDURE things @sku varchar(10) AS SELECT * FROM Thing WHERE SKU = @sku ORDER BY MatrixSKU"})
             run(batch);
-    }
-    ~Recordsets() override {
-        connection.reset();
-        store.reset();
-        remove();
-    }
-    void remove() const {
-        for (const char* ending : {"", "-wal", "-shm"})
-            std::filesystem::remove(file.string() + ending);
-    }
-    void run(const std::string& batch) {
-        NoResult none;
-        connection->session().execute(batch, none);
-    }
-    // All rows of a select on another session, cells joined by "|" and rows by ";".
-    std::string rowsOf(const std::string& select) {
-        class Texts : public ResultSink {
-        public:
-            void beginSet(const std::vector<Column>& columns) override { width = static_cast<int>(columns.size()); }
-            void row(const RowView& row) override {
-                text += text.empty() ? "" : ";";
-                for (int i = 0; i < width; ++i)
-                    text += (i > 0 ? "|" : "") + row.value(i).toScriptText();
-            }
-            std::string text;
-            int width = 0;
-        } texts;
-        store->session()->execute(select, texts);
-        return texts.text;
     }
     std::shared_ptr<Recordset> open(const Sql& text, LockType lock = LockType::Optimistic) {
         auto rows = std::make_shared<Recordset>();
@@ -74,8 +36,6 @@ protected:
         }
     }
 
-    std::filesystem::path file;
-    std::shared_ptr<Store> store;
     Provider provider;
     ConnectionPtr connection;
 };

@@ -1,38 +1,14 @@
 #include "app/db/schema/schema.h"
 
-#include "app/db/embedded/store.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
+#include "tests/db/teststore.h"
 
 namespace merchantry::db {
 namespace {
 
 // The rules that screens leave to the database, on a new empty store.
-class StoreRules : public testing::Test {
+class StoreRules : public OnAStore {
 protected:
-    StoreRules() {
-        file = std::filesystem::temp_directory_path() /
-               ("merchantry-rules-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + ".store");
-        remove();
-        store = Store::create(file);
-        session = store->session();
-        createSchema(*session);
-    }
-    ~StoreRules() override {
-        session.reset();
-        store.reset();
-        remove();
-    }
-    void remove() const {
-        for (const char* ending : {"", "-wal", "-shm"})
-            std::filesystem::remove(file.string() + ending);
-    }
-    void run(const std::string& batch) {
-        NoResult none;
-        session->execute(batch, none);
-    }
+    StoreRules() { createSchema(*session); }
     int errorOf(const std::string& batch) {
         try {
             run(batch);
@@ -42,25 +18,6 @@ protected:
             return error.native();
         }
     }
-    std::string rowsOf(const std::string& select) {
-        class Texts : public ResultSink {
-        public:
-            void beginSet(const std::vector<Column>& columns) override { width = static_cast<int>(columns.size()); }
-            void row(const RowView& row) override {
-                text += text.empty() ? "" : ";";
-                for (int i = 0; i < width; ++i)
-                    text += (i > 0 ? "|" : "") + row.value(i).toScriptText();
-            }
-            std::string text;
-            int width = 0;
-        } texts;
-        session->execute(select, texts);
-        return texts.text;
-    }
-
-    std::filesystem::path file;
-    std::shared_ptr<Store> store;
-    std::unique_ptr<Session> session;
 };
 
 TEST_F(StoreRules, ANewStoreHasItsFirstRowsAndIsSound) {
