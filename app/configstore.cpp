@@ -10,8 +10,13 @@
 namespace merchantry::app {
 namespace {
 
+// What stands under the key; nothing when nothing does. A value of another kind is damage and thrown.
+template <class T> T valueAt(const toml::value& table, const char* key) {
+    return table.contains(key) ? toml::find<T>(table, key) : T();
+}
+
 DbConfig configOf(const toml::value& table) {
-    const auto text = [&](const char* key) { return toml::find_or<std::string>(table, key, ""); };
+    const auto text = [&](const char* key) { return valueAt<std::string>(table, key); };
     return {text("ConfigName"), text("ServerName"), text("RegisterID"), text("Password"), text("InstanceName"), text("IntegratedSecurity")};
 }
 
@@ -31,8 +36,8 @@ void ConfigStore::load() {
         return;
     try {
         const toml::value root = toml::parse(file_.string());
-        defaultName_ = toml::find_or<std::string>(root, "Default", "");
-        for (const toml::value& table : toml::find_or<std::vector<toml::value>>(root, "Configuration", {}))
+        defaultName_ = valueAt<std::string>(root, "Default");
+        for (const toml::value& table : valueAt<std::vector<toml::value>>(root, "Configuration"))
             configs_.push_back(configOf(table));
     } catch (const std::exception&) {
         configs_.clear();

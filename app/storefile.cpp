@@ -19,6 +19,15 @@ void removeStore(const std::filesystem::path& file) {
         std::filesystem::remove(file.string() + ending, ignored);
 }
 
+// A store takes a backup in one transaction. What cannot be opened is not overwritten, since it may hold what can still be saved.
+void requireReplaceable(const std::filesystem::path& file) {
+    try {
+        db::Store::open(file);
+    } catch (const DbError& error) {
+        refuse(std::string(error.what()) + " Nothing was restored: move " + file.string() + " to another place first, then restore.");
+    }
+}
+
 } // namespace
 
 void createStoreFile(const std::filesystem::path& file, const StoreFiller& filler, const std::function<void(int percent)>& progress) {
@@ -77,9 +86,16 @@ void backupStoreFile(const std::filesystem::path& file, const std::filesystem::p
 void restoreStoreFile(const std::filesystem::path& backup, const std::filesystem::path& file) {
     if (const auto damage = checkStoreFile(backup); !damage.empty())
         refuse("The backup " + backup.string() + " is damaged and was not used: " + damage.front());
-    if (std::filesystem::exists(file))
-        db::Store::open(file);
-    db::copyStore(backup, file);
+    const bool overwrites = std::filesystem::exists(file);
+    if (overwrites)
+        requireReplaceable(file);
+    try {
+        db::copyStore(backup, file);
+    } catch (...) {
+        if (!overwrites)
+            removeStore(file);
+        throw;
+    }
 }
 
 } // namespace merchantry::app

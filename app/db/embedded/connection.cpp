@@ -2,11 +2,16 @@
 
 #include "app/db/tsql/errors.h"
 
+#include <random>
+#include <thread>
+
 namespace merchantry::db::embedded {
 namespace {
 
 constexpr int kBloomFilters = 0x00080000; // of SQLite's optimizations
-constexpr int kBusyMs = 20'000;
+constexpr std::chrono::seconds kLongestWait{20};
+constexpr int kShortestPauseUs = 1'000;
+constexpr int kLongestPauseUs = 15'000;
 constexpr int kStatementCacheBytes = 16 * 1024; // kibibytes of pages: 16 MiB
 
 DbError storageError(const std::string& message, int code) {
@@ -48,6 +53,21 @@ DbError constraintError(int extended, const std::string& message) {
 
 } // namespace
 
+// Another connection holds the lock of the writer. The lock goes to whoever asks first when it is free, so that those who ask ever more
+// seldom, as SQLite's own waiting does, may starve beside a busy one: all ask often, and by chance none for ever too late.
+int Connection::waitForTurn(void* connection, int asked) {
+    auto& self = *static_cast<Connection*>(connection);
+    const auto now = std::chrono::steady_clock::now();
+    if (asked == 0)
+        self.waitingSince_ = now;
+    if (now - self.waitingSince_ > kLongestWait)
+        return 0;
+    thread_local std::minstd_rand chance{std::random_device()()};
+    const int pause = std::uniform_int_distribution<int>(kShortestPauseUs, kLongestPauseUs)(chance);
+    std::this_thread::sleep_for(std::chrono::microseconds(pause));
+    return 1;
+}
+
 Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
     const int code =
         sqlite3_prepare_v3(db, sql.data(), static_cast<int>(sql.size()), lasting ? SQLITE_PREPARE_PERSISTENT : 0U, &statement_, nullptr);
@@ -61,7 +81,7 @@ Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
     throw storageError(message + " in: " + std::string(sql.substr(0, 2000)), code);
 }
 
-Connection::Connection(const std::filesystem::path& file, bool durable) {
+Connection::Connection(const std::filesystem::path& file, bool durable) : file_(file) {
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
     const std::u8string name = file.u8string();
     const int code = sqlite3_open_v2(reinterpret_cast<const char*>(name.c_str()), &db_, flags, nullptr);
@@ -70,7 +90,7 @@ Connection::Connection(const std::filesystem::path& file, bool durable) {
         sqlite3_close(db_);
         throw storageError("The store file " + file.string() + " cannot be opened: " + message + ".", code);
     }
-    sqlite3_busy_timeout(db_, kBusyMs);
+    sqlite3_busy_handler(db_, &Connection::waitForTurn, this);
     // SQLite's Bloom filters go by the length of a text, but texts of the store that differ in trailing blanks only are equal.
     sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, db_, kBloomFilters);
     try {
@@ -127,18 +147,25 @@ DbError Connection::errorOf(int code) {
     case SQLITE_INTERRUPT:
         return DbError(DbError::Category::Cancelled, 0, "The statement was cancelled.");
     case SQLITE_FULL:
-        return storageError("The disk is full: nothing of this statement was written.", 1105);
+        return storageError("The disk of the store " + file_.string() + " is full. This change was not saved; make room and try again.",
+                            1105);
     case SQLITE_READONLY:
-        return storageError("The store file or its folder is read-only.", 3906);
+        return storageError("The store " + file_.string() + " or its folder is read-only for this user. This change was not saved.", 3906);
+    case SQLITE_CANTOPEN:
+        return storageError(
+            "The store " + file_.string() + " cannot be opened: this user may not write in its folder, or the folder is gone.", 5120);
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-        return storageError("The store file is damaged or is no store: " + message + ".", 824);
+        return storageError("The store " + file_.string() + " is damaged (" + message + "). Keep the file, and restore the newest backup.",
+                            824);
     case SQLITE_NOMEM:
         return storageError("Out of memory.", 701);
     case SQLITE_TOOBIG:
         return storageError("A value or statement is too large: " + message + ".", 0);
     default:
-        return storageError("The store file cannot be read or written: " + message + ".", 0);
+        return storageError("The store " + file_.string() + " cannot be read or written (" + message +
+                                "). This change was not saved; the disk may be full or failing.",
+                            823);
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -72,7 +73,11 @@ public:
     FunctionHost* host = nullptr;
 
 private:
+    static int waitForTurn(void* connection, int asked);
+
+    std::filesystem::path file_;
     sqlite3* db_ = nullptr;
+    std::chrono::steady_clock::time_point waitingSince_;
 };
 
 } // namespace merchantry::db::embedded

@@ -4,7 +4,9 @@
 #include "app/db/embedded/store_catalog.h"
 #include "app/db/embedded/store_session.h"
 
+#include <array>
 #include <atomic>
+#include <fstream>
 #include <map>
 #include <mutex>
 
@@ -28,13 +30,27 @@ OpenStores& openStores() {
     return stores;
 }
 
-void requireStore(Connection& connection, const std::filesystem::path& file) {
-    const std::int64_t id = connection.single("PRAGMA application_id").integer;
-    if (id != kApplicationId)
-        throw storageError("The file " + file.string() + " is no Merchantry store.");
-}
-
 } // namespace
+
+void requireStoreFile(const std::filesystem::path& file) {
+    std::error_code error;
+    if (!std::filesystem::exists(file, error))
+        throw storageError(error ? "The store " + file.string() + " cannot be reached: " + error.message() + "."
+                                 : "There is no store file " + file.string() + ".");
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream)
+        throw storageError("The store " + file.string() + " may not be read by this user.");
+    // The words that every file of SQLite begins with, and behind them this program's mark, its highest byte first.
+    constexpr std::string_view kWords("SQLite format 3\0", 16);
+    constexpr std::size_t kMarkAt = 68;
+    std::array<char, kMarkAt + 4> head{};
+    stream.read(head.data(), head.size());
+    std::int64_t mark = 0;
+    for (std::size_t i = kMarkAt; i < head.size(); ++i)
+        mark = mark * 256 + static_cast<unsigned char>(head[i]);
+    if (std::string_view(head.data(), kWords.size()) != kWords || mark != kApplicationId)
+        throw storageError("The file " + file.string() + " is no Merchantry store, or its beginning is damaged. It was not changed.");
+}
 
 struct Store::State {
     std::filesystem::path file;
@@ -68,8 +84,7 @@ std::shared_ptr<Store> Store::create(const std::filesystem::path& file) {
 }
 
 std::shared_ptr<Store> Store::open(const std::filesystem::path& file) {
-    if (!std::filesystem::exists(file))
-        throw storageError("There is no store file " + file.string() + ".");
+    requireStoreFile(file);
     const std::filesystem::path full = std::filesystem::canonical(file);
     OpenStores& stores = openStores();
     const std::lock_guard lock(stores.mutex);
@@ -77,10 +92,7 @@ std::shared_ptr<Store> Store::open(const std::filesystem::path& file) {
         return known;
     auto state = std::make_unique<State>();
     state->file = full;
-    {
-        Connection connection(full, true);
-        requireStore(connection, full);
-    }
+    const Connection trial(full, true);
     const std::shared_ptr<Store> store(new Store(std::move(state)));
     stores.byFile[full] = store;
     return store;

@@ -10,6 +10,10 @@ namespace merchantry::db::embedded {
 
 class Engine;
 
+// Looks at the beginning of a file without opening it as a store, which would change it: throws DbError Storage with a clear sentence when
+// there is no such file, when it cannot be read, or when it is no store.
+void requireStoreFile(const std::filesystem::path& file);
+
 // A store in one file, and the sessions of this process on it. Sessions are pooled: one that is let go leaves its open connection and its
 // compiled statements to the next. Several processes may have the same file open. May be used from several threads; each session from one.
 // A session keeps its store alive.
@@ -19,7 +23,7 @@ public:
     // written.
     static std::shared_ptr<Store> create(const std::filesystem::path& file);
     // Opens a store; the same file gives the same store while someone holds it. Throws DbError Storage with a clear sentence when there is
-    // no such file, when it is no store, or when a newer program made it.
+    // no such file, when it is no store, or when it cannot be opened. Which version its tables have is not looked at here.
     static std::shared_ptr<Store> open(const std::filesystem::path& file);
     // An empty store that is gone when its last session is, for tests and trials.
     static std::shared_ptr<Store> scratch();

@@ -1,0 +1,126 @@
+// Eight registers post while a manager edits items and makes backups: nobody hears of a lock, and nothing is lost.
+
+#include "tests/reliability/shopfolder.h"
+
+#include "app/db/ado/recordset.h"
+#include "app/db/schema/schema.h"
+#include "tools/registersim/liveregister.h"
+#include "tools/registersim/query.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace merchantry;
+
+namespace {
+
+constexpr int kRegisters = 8;
+constexpr int kItemsEdited = 5;
+
+int receiptsWanted() {
+    const char* text = std::getenv("MERCHANTRY_RECEIPTS");
+    return text != nullptr ? std::atoi(text) : 12;
+}
+
+std::string cell(const std::filesystem::path& file, const std::string& select) {
+    return registersim::query(*db::Store::open(file)->session(), select).at(0).at(0).toScriptText();
+}
+
+// One register in a process of its own, as in a shop: exit code 0 when every receipt was posted.
+pid_t startRegister(const std::filesystem::path& file, int number, int receipts) {
+    const pid_t child = fork();
+    if (child != 0)
+        return child;
+    const std::string failed = saidBy([&] {
+        registersim::LiveRegister till(db::Store::open(file)->session(), number, static_cast<std::uint64_t>(number));
+        for (int posted = 0; posted < receipts;)
+            posted += till.postOne(*Date::fromParts(2026, 11, 21, 16)) ? 1 : 0;
+    });
+    if (!failed.empty() && write(STDERR_FILENO, failed.data(), failed.size()) < 0)
+        _exit(2);
+    _exit(failed.empty() ? 0 : 1);
+}
+
+// A manager at the item screen: a field through an updatable recordset, a price through a statement, each turn one item.
+class Manager {
+public:
+    explicit Manager(const std::filesystem::path& file) : connection_(std::make_shared<db::Connection>(provider_)) {
+        connection_->Open("Data Source=" + file.string());
+        db::Recordset items;
+        items.Open("SELECT TOP 5 SKU, MatrixSKU FROM Item WHERE SKU NOT LIKE '$%' ORDER BY SKU", connection_);
+        for (; !items.Eof(); items.MoveNext())
+            pairs_.emplace_back(items[0].text(), items[1].text());
+    }
+    void edit() {
+        const auto& [sku, matrixSku] = pairs_.at(static_cast<std::size_t>(++edits_ % kItemsEdited));
+        const auto here = db::Sql(" WHERE SKU = '") + sku + "' AND MatrixSKU = '" + matrixSku + "'";
+        db::Recordset item;
+        item.Open(db::Sql("SELECT SKU, MatrixSKU, Notes FROM Item") + here, connection_, db::CursorType::Keyset, db::LockType::Optimistic);
+        item["Notes"] = "edit " + std::to_string(edits_);
+        item.Update();
+        connection_->Execute(db::Sql("UPDATE PriceMatrix SET Price = ") + edits_ + here + " AND Tier = 1");
+    }
+    int edits() const { return edits_; }
+
+private:
+    db::Provider provider_;
+    db::ConnectionPtr connection_;
+    std::vector<std::pair<std::string, std::string>> pairs_;
+    int edits_ = 0;
+};
+
+TEST(EightRegisters, BesideAManagerLoseNothingAndHearOfNoLock) {
+    const ShopFolder folder;
+    const auto file = folder.shop("busy.store");
+    const int before = std::stoi(cell(file, "SELECT COUNT(*) FROM [Transaction]"));
+    std::vector<pid_t> registers;
+    for (int i = 1; i <= kRegisters; ++i)
+        registers.push_back(startRegister(file, i, receiptsWanted()));
+    Manager manager(file);
+    for (const pid_t one : registers)
+        for (int status = 0; waitpid(one, &status, WNOHANG) == 0;) {
+            EXPECT_EQ(saidBy([&] { manager.edit(); }), "");
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    EXPECT_EQ(std::stoi(cell(file, "SELECT COUNT(*) FROM [Transaction]")), before + kRegisters * receiptsWanted());
+    for (int last = std::max(1, manager.edits() - kItemsEdited + 1); last <= manager.edits(); ++last) {
+        const std::string number = std::to_string(last);
+        EXPECT_EQ(cell(file, "SELECT COUNT(*) FROM Item WHERE CAST(Notes AS varchar(20)) = 'edit " + number + "'"), "1") << number;
+        EXPECT_NE(cell(file, "SELECT COUNT(*) FROM PriceMatrix WHERE Tier = 1 AND Price = " + number), "0") << number;
+    }
+    EXPECT_EQ(app::checkStoreFile(file), std::vector<std::string>{});
+}
+
+TEST(Backups, TakenWhileRegistersPostAreWholeAndGoBack) {
+    const ShopFolder folder;
+    const auto file = folder.shop("busy.store");
+    std::vector<pid_t> registers;
+    for (int i = 1; i <= kRegisters / 2; ++i)
+        registers.push_back(startRegister(file, i, receiptsWanted()));
+    int made = 0;
+    for (const pid_t one : registers)
+        for (int status = 0; waitpid(one, &status, WNOHANG) == 0 && made < 4;) {
+            const auto copy = folder / ("copy" + std::to_string(++made) + ".store");
+            app::backupStoreFile(file, copy);
+            EXPECT_EQ(app::checkStoreFile(copy), std::vector<std::string>{}) << made;
+        }
+    for (const pid_t one : registers)
+        waitpid(one, nullptr, 0);
+    ASSERT_GT(made, 0);
+
+    // Back while other registers post on the very file: a receipt goes into the old store or the restored one, never half into each.
+    const auto copy = folder / "copy1.store";
+    const pid_t till = startRegister(file, kRegisters, receiptsWanted());
+    app::restoreStoreFile(copy, file);
+    int status = 0;
+    waitpid(till, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(app::checkStoreFile(file), std::vector<std::string>{});
+}
+
+} // namespace
