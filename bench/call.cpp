@@ -10,9 +10,9 @@ using namespace merchantry::bench;
 
 namespace {
 
-constexpr int kRuns = 31;
-constexpr int kCallsInRun = 500;
-constexpr int kStride = 7919; // a prime: neighbouring calls ask for items far apart
+constexpr int kRuns = 401;
+constexpr int kCallsInRun = 50; // short enough to be rarely interrupted
+constexpr int kStride = 7919;   // a prime: neighbouring calls ask for items far apart
 
 int itemOf(int call) {
     return static_cast<int>(static_cast<long>(call) * kStride % kItems);
@@ -96,7 +96,7 @@ void procedure(const ItemStore& items, const BareStore& bare) {
     Reader reader;
     long sum = 0;
     ratio(
-        "500 calls of bsp_ItemLookup", kRuns,
+        "50 calls of bsp_ItemLookup", kRuns,
         [&] {
             for (int i = 0; i < kCallsInRun; ++i) {
                 auto parameters = pairOf(itemOf(ourCall++));
@@ -144,7 +144,7 @@ void adHocStatement(const ItemStore& items, const BareStore& bare) {
     Reader reader;
     long sum = 0;
     ratio(
-        "500 ad hoc statements, each text new", kRuns,
+        "50 ad hoc statements, each text new", kRuns,
         [&] {
             for (int i = 0; i < kCallsInRun; ++i)
                 session->execute(adHoc(itemOf(ourCall++)), reader);

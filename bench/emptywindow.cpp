@@ -1,14 +1,22 @@
-// A program that shows an empty window and leaves when it is painted: the least that a start can take.
+// A program that shows an empty window, says when it is painted, and leaves: the least that a start can take.
 
 #include <QApplication>
 #include <QTimer>
 #include <QWidget>
 
+#include <cstdio>
+
 namespace {
 
 class EmptyWindow : public QWidget {
 protected:
-    void paintEvent(QPaintEvent*) override { QTimer::singleShot(0, qApp, &QCoreApplication::quit); }
+    void paintEvent(QPaintEvent*) override {
+        QTimer::singleShot(0, qApp, [] {
+            std::puts("painted");
+            std::fflush(stdout);
+            QCoreApplication::quit();
+        });
+    }
 };
 
 } // namespace

@@ -11,6 +11,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <iostream>
+
 namespace {
 
 using namespace merchantry;
@@ -29,7 +31,7 @@ ui::Tone toneOf(const Options& options) {
     return options.tone == "dark" ? ui::Tone::Dark : ui::Tone::System;
 }
 
-// Ends the run when the first window has been painted, for measuring the start.
+// Says when the first window has been painted and ends the run, for measuring the start.
 class UntilPainted : public QObject {
 public:
     explicit UntilPainted(ui::QtDesk& desk) : desk_(desk) { qApp->installEventFilter(this); }
@@ -37,7 +39,10 @@ public:
 protected:
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() == QEvent::Paint && object->isWidgetType() && static_cast<QWidget*>(object)->isWindow())
-            QTimer::singleShot(0, this, [this] { desk_.enter([this] { desk_.end(); }); });
+            QTimer::singleShot(0, this, [this] {
+                std::cout << "painted" << std::endl;
+                desk_.enter([this] { desk_.end(); });
+            });
         return false;
     }
 

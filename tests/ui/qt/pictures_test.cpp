@@ -10,6 +10,7 @@
 #include <QDialog>
 #include <QImage>
 #include <QMenuBar>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -33,7 +34,8 @@ template <class F> void picture(QtDesk& desk, const std::filesystem::path& folde
 TEST(Pictures, EveryFormIsDrawnInBothTones) {
     QtDesk desk(*static_cast<QApplication*>(QApplication::instance()), Tone::Light);
     const char* const kept = std::getenv("MERCHANTRY_PICTURES");
-    const std::filesystem::path folder = kept != nullptr ? kept : std::filesystem::temp_directory_path() / "merchantry-pictures-test";
+    const QTemporaryDir scratch;
+    const std::filesystem::path folder = kept != nullptr ? kept : scratch.path().toStdString();
     std::filesystem::create_directories(folder);
     desk.status("Demo store · Register 1");
     picture<sample::Shell>(desk, folder, "shell");
@@ -46,8 +48,6 @@ TEST(Pictures, EveryFormIsDrawnInBothTones) {
     EXPECT_EQ(light.size(), dark.size());
     EXPECT_EQ(light.pixelColor(2, 2), lightTokens().paper);
     EXPECT_EQ(dark.pixelColor(2, 2), darkTokens().paper);
-    if (kept == nullptr)
-        std::filesystem::remove_all(folder);
 }
 
 // What comes up only while the user does something; drawn for whoever asks.
