@@ -4,6 +4,7 @@
 #include "app/addresses.h"
 #include "app/configstore.h"
 #include "app/modPhone.h"
+#include "tests/scratchfolder.h"
 #include "ui/desk.h"
 #include "ui/label.h"
 
@@ -117,14 +118,7 @@ TEST(CleanSQLValue, DeletesApostrophesAndSemicolons) {
 
 class ConfigFile : public testing::Test {
 protected:
-    ConfigFile()
-        : folder(std::filesystem::temp_directory_path() /
-                 ("merchantry-config-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()))) {
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
-    }
-    ~ConfigFile() override { std::filesystem::remove_all(folder); }
-    std::filesystem::path folder;
+    ScratchFolder folder;
 };
 
 TEST_F(ConfigFile, SurvivesWithEveryFieldAndIsTheOwnersOnly) {

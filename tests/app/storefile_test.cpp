@@ -1,6 +1,7 @@
 #include "app/storefile.h"
 
 #include "app/db/embedded/store.h"
+#include "tests/scratchfolder.h"
 
 #include <gtest/gtest.h>
 
@@ -12,15 +13,6 @@ namespace {
 
 class StoreFiles : public testing::Test {
 protected:
-    StoreFiles() {
-        folder = std::filesystem::temp_directory_path() /
-                 ("merchantry-files-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
-        file = folder / "a.store";
-    }
-    ~StoreFiles() override { std::filesystem::remove_all(folder); }
-
     void run(const std::filesystem::path& store, const std::string& batch) const {
         db::NoResult none;
         db::Store::open(store)->session()->execute(batch, none);
@@ -38,8 +30,8 @@ protected:
         createStoreFile(file, {}, [](int) {});
     }
 
-    std::filesystem::path folder;
-    std::filesystem::path file;
+    ScratchFolder folder;
+    std::filesystem::path file = folder / "a.store";
 };
 
 TEST_F(StoreFiles, AreMadeWholeOrNotAtAll) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/db/embedded/store.h"
+#include "tests/scratchfolder.h"
 
 #include <gtest/gtest.h>
 
@@ -13,17 +14,12 @@ namespace merchantry::db {
 class OnAStore : public testing::Test {
 protected:
     OnAStore() {
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        file =
-            std::filesystem::temp_directory_path() / ("merchantry-" + std::string(test->test_suite_name()) + "-" + test->name() + ".store");
-        remove();
         store = Store::create(file);
         session = store->session();
     }
     ~OnAStore() override {
         session.reset();
         store.reset();
-        remove();
     }
 
     void run(const std::string& batch) {
@@ -49,15 +45,10 @@ protected:
         return texts.text;
     }
 
-    std::filesystem::path file;
+    ScratchFolder folder;
+    std::filesystem::path file = folder / "test.store";
     std::shared_ptr<Store> store;
     std::unique_ptr<Session> session;
-
-private:
-    void remove() const {
-        for (const char* ending : {"", "-wal", "-shm"})
-            std::filesystem::remove(file.string() + ending);
-    }
 };
 
 } // namespace merchantry::db

@@ -1,4 +1,5 @@
 #include "demo/demostore.h"
+#include "tests/scratchfolder.h"
 
 #include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
@@ -19,7 +20,7 @@ constexpr int kDays = 40;
 // A demo store of a few weeks in a file that goes with it.
 class DemoStore {
 public:
-    explicit DemoStore(const char* name, std::uint64_t seed = 20) : file_(std::filesystem::temp_directory_path() / name) {
+    explicit DemoStore(const char* name, std::uint64_t seed = 20) : file_(folder_ / name) {
         remove();
         store_ = db::Store::create(file_);
         const auto session = store_->session();
@@ -44,6 +45,7 @@ private:
         for (const char* ending : {"", "-wal", "-shm", "-lock"})
             std::filesystem::remove(file_.string() + ending);
     }
+    ScratchFolder folder_;
     std::filesystem::path file_;
     std::shared_ptr<db::Store> store_;
 };

@@ -1,4 +1,5 @@
 #include "demo/tsv.h"
+#include "tests/scratchfolder.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,8 @@ using merchantry::demo::Tsv;
 namespace {
 
 std::filesystem::path fileOf(const std::string& text) {
-    const auto file = std::filesystem::temp_directory_path() / "merchantry-tsv-test.tsv";
+    static const merchantry::ScratchFolder folder;
+    const auto file = folder / "test.tsv";
     std::ofstream(file, std::ios::binary) << text;
     return file;
 }

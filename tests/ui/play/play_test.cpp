@@ -1,3 +1,4 @@
+#include "tests/scratchfolder.h"
 #include "tests/ui/play/samplehost.h"
 
 #include "ui/play/verbs.h"
@@ -254,8 +255,7 @@ TEST(Play, TheTranscriptTellsEventsInOrder) {
 }
 
 TEST(Play, SeveralScriptsAreCounted) {
-    const auto folder = std::filesystem::temp_directory_path() / "merchantry-play-test";
-    std::filesystem::create_directories(folder);
+    const ScratchFolder folder;
     const auto write = [&](const char* name, const char* text) {
         std::ofstream(folder / name) << text;
         return folder / name;
@@ -270,7 +270,6 @@ TEST(Play, SeveralScriptsAreCounted) {
     EXPECT_NE(out.str().find("unknown.play:3: expected a verb, there was dance"), std::string::npos) << out.str();
     options.scripts.resize(1);
     EXPECT_EQ(ui::play::runPlays(options, makeHost, out), 0);
-    std::filesystem::remove_all(folder);
 }
 
 // The page that teaches the language and the tables that carry it out must not part.
@@ -289,13 +288,13 @@ TEST(Play, ThePageTeachesEveryWord) {
 }
 
 TEST(Play, FilesAreComparedLineByLine) {
-    const auto file = std::filesystem::temp_directory_path() / "merchantry-play-test.txt";
+    const ScratchFolder folder;
+    const auto file = folder / "lines.txt";
     std::ofstream(file, std::ios::binary) << "one\r\n\r\nthree\n";
     const std::string start = "let n = sql \"rows\"\nexpect file \"" + file.string() + "\" ";
     EXPECT_TRUE(playInShop(start + "\"one\" \"\" \"three\"").passed);
     EXPECT_FALSE(playInShop(start + "\"one\" \"\"").passed);
     EXPECT_FALSE(playInShop("expect no file \"" + file.string() + "\"").passed);
-    std::filesystem::remove(file);
 }
 
 } // namespace

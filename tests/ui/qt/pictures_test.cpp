@@ -1,3 +1,4 @@
+#include "tests/scratchfolder.h"
 #include "tests/ui/qt/sampleforms.h"
 #include "ui/gestures.h"
 #include "ui/qt/formwindow.h"
@@ -10,7 +11,6 @@
 #include <QDialog>
 #include <QImage>
 #include <QMenuBar>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -34,8 +34,8 @@ template <class F> void picture(QtDesk& desk, const std::filesystem::path& folde
 TEST(Pictures, EveryFormIsDrawnInBothTones) {
     QtDesk desk(*static_cast<QApplication*>(QApplication::instance()), Tone::Light);
     const char* const kept = std::getenv("MERCHANTRY_PICTURES");
-    const QTemporaryDir scratch;
-    const std::filesystem::path folder = kept != nullptr ? kept : scratch.path().toStdString();
+    const ScratchFolder scratch;
+    const std::filesystem::path folder = kept != nullptr ? kept : scratch.path();
     std::filesystem::create_directories(folder);
     desk.status("Demo store · Register 1");
     picture<sample::Shell>(desk, folder, "shell");
