@@ -33,14 +33,15 @@ void writeRow(db::Connection& connection, const std::string& tag, const std::str
 void ErrLog::Report(std::string& /*reserved1*/, std::string& tag, std::string& procedure, int& style, std::string& caption, int& number,
                     std::string& description, std::string& /*reserved8*/, int& /*reserved9*/, bool& logToDatabase,
                     db::ConnectionPtr& connection, int& /*reserved12*/, int& /*reserved13*/) {
-    if (logToDatabase && connection != nullptr && connection->State() != 0) {
-        try {
-            writeRow(*connection, tag, procedure, number, description);
-        } catch (const db::DbError&) { // a store that takes no rows, as on a full disk; the user is told of the failure itself
-        }
+    const auto icon = style == 16 ? ui::MessageIcon::Stop : ui::MessageIcon::Exclamation;
+    desk_.message("Error " + std::to_string(number) + ": " + description + "\r\n\r\n" + tag + ", " + procedure, caption, icon);
+    if (!logToDatabase || connection == nullptr || connection->State() == 0)
+        return;
+    try {
+        writeRow(*connection, tag, procedure, number, description);
+    } catch (const db::DbError& error) { // a store that takes no rows, as on a full disk
+        desk_.message(std::string("The failure could not be kept in the error log: ") + error.what(), caption, icon);
     }
-    desk_.message("Error " + std::to_string(number) + ": " + description + "\r\n\r\n" + tag + ", " + procedure, caption,
-                  style == 16 ? ui::MessageIcon::Stop : ui::MessageIcon::Exclamation);
 }
 
 } // namespace merchantry::app

@@ -28,7 +28,7 @@ frmAbout::frmAbout(Desk& desk) : Form(desk, "frmAbout", "About Merchantry") {
 
 void frmAbout::Form_Load() {
     lblVersion.setCaption("Version " MERCHANTRY_VERSION);
-    guarded({"MR_frmAbout", "Form_Load", caption() + " - Critical Error"}, [this] { showStore(); });
+    guarded({name(), "Form_Load", caption() + " - Critical Error"}, [this] { showStore(); });
 }
 
 void frmAbout::showStore() {

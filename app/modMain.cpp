@@ -42,6 +42,7 @@ void startUp(ModMain& session) {
         const auto file = session.configFile.empty() ? platform::configurationFolder() / "databases.toml" : session.configFile;
         session.Configurator = std::make_shared<DbConfigurator>(*session.desk, file, session.storeMaker);
     }
+    session.Conn = std::make_shared<db::Connection>(*session.provider); // closed, should anything fail before it can be opened
     while (true) {
         session.CurrentDB = session.Configurator->GetDefaultConfiguration();
         if (session.CurrentDB.ConfigName.empty())

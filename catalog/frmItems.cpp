@@ -52,8 +52,8 @@ void frmItems::wireGeneral() {
     cmdDeleteItem.isDanger = true;
 
     txtName.lostFocus = [this] {
-        writeField("txtName_LostFocus", "Name", [this] { return Value(trimmed(txtName.text())); });
-        showNameOnTabs();
+        if (writeField("txtName_LostFocus", "Name", [this] { return Value(trimmed(txtName.text())); }))
+            showNameOnTabs();
     };
     txtReorder.lostFocus = [this] {
         writeField("txtReorder_LostFocus", "Reorder", [this] { return Value(numericPrefix(txtReorder.text())); });
@@ -136,17 +136,29 @@ void frmItems::CheckSKUs(const std::string& SKUPair, bool modal) {
         const std::vector<std::string> parts = split(SKUPair, "|");
         if (parts.size() != 2)
             return;
+        if (loaded()) {
+            reopen(SKUPair, modal);
+            return;
+        }
         ensureLoaded();
-        focus(nullptr); // what was typed for the item open so far is that item's
         modMain().CurrentSKU = parts[0];
         modMain().CurrentMatrixSKU = parts[1];
         Modal = modal;
-        Loaded = false;
         if (modal)
             desk().showModal(*this);
         else
             desk().show(*this);
     });
+}
+
+// Another item while one is open: that one is left as by its exit, without the list, and the screen starts anew.
+void frmItems::reopen(const std::string& SKUPair, bool modal) {
+    if (!focus(nullptr))
+        return;
+    Modal = true;
+    unload();
+    if (closed())
+        desk().form<frmItems>().CheckSKUs(SKUPair, modal);
 }
 
 void frmItems::Form_Load() {
@@ -167,21 +179,24 @@ void frmItems::Form_Activate() {
     Loaded = true;
 }
 
-void frmItems::writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
+bool frmItems::writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
     const db::RecordsetPtr item = modMain().ItemRecordset;
     if (item == nullptr)
-        return; // the item could not be fetched
-    if (!guarded({kTag, procedure}, [&] {
-            (*item)[column] = value();
-            item->Update();
-        }))
+        return false; // the item could not be fetched
+    const bool written = guarded({kTag, procedure}, [&] {
+        (*item)[column] = value();
+        item->Update();
+    });
+    if (!written)
         item->CancelUpdate();
+    return written;
 }
 
 void frmItems::showNameOnTabs() {
     for (Label* header : {&lblSuppliersPName, &lblPricePName, &lblNotesPName, &lblMatrixPName, &lblMiscPName, &lblSubsPName})
         header->setCaption(std::string(trimmed(txtName.text())));
-    setCaption(txtName.text().empty() ? "Item Maintenance" : "Item Maintenance - " + txtName.text());
+    const std::string name(trimmed(txtName.text()));
+    setCaption(name.empty() ? "Item Maintenance" : "Item Maintenance - " + name);
 }
 
 void frmItems::lbxTaxClass_Click() {
@@ -195,15 +210,19 @@ void frmItems::lbxTaxClass_Click() {
 
 void frmItems::lbxType_Click() {
     const int type = lbxType.itemData();
-    writeField("lbxType_Click", "TypeID", [type] { return Value(type); });
+    if (!writeField("lbxType_Click", "TypeID", [type] { return Value(type); }))
+        return;
     guarded({kTag, "lbxType_Click"}, [&] { applyType(type); });
 }
 
 void frmItems::applyType(int type) {
     const bool forced = type == kSerialized;
-    if (forced) {
+    // While the screen is being populated the two still show nothing of this item: there is nothing to remember.
+    if (forced && Loaded) {
         SavedSerialValue = cbxSerialed.value();
         SavedTaxIndex = lbxTaxClass.listIndex();
+    }
+    if (forced) {
         cbxSerialed.setValue(true);
         lbxTaxClass.setListIndex(TaxNoneIndex);
     }
@@ -235,6 +254,8 @@ void frmItems::txtPriceAmt_LostFocus() {
 }
 
 void frmItems::txtStockAmt_LostFocus() {
+    if (txtStockAmt.text().empty())
+        return; // the population did not get so far: there is no figure to write back
     guarded({kTag, "txtStockAmt"}, [this] {
         modMain().Conn->Execute(Sql("UPDATE Stock SET Quantity = ") + numericPrefix(txtStockAmt.text()) + " WHERE SKU ='" +
                                 modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'");

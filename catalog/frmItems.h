@@ -33,6 +33,8 @@ private:
     void Form_Activate() override;
     void Form_Unload(bool& cancel) override;
 
+    void reopen(const std::string& SKUPair, bool modal);
+
     // Opening and population, in their order.
     void Init_ItemListBoxes();
     bool FetchItemData();
@@ -52,7 +54,8 @@ private:
     void showSplit();
 
     // Write-through.
-    void writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
+    // False when the store refused it.
+    bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
     void showNameOnTabs();
     void lbxTaxClass_Click();
     void lbxType_Click();
@@ -97,13 +100,13 @@ private:
     ui::ListBox lbxTaxClass{*this, "lbxTaxClass"};
     ui::TextBox txtPriceAmt{*this, "txtPriceAmt"};
     ui::TextBox txtStockAmt{*this, "txtStockAmt"}; // locked; leaving it writes what it shows
-    ui::Button cmdAdjust{*this, "cmdAdjust", "Ad&just"};
+    ui::Button cmdAdjust{*this, "cmdAdjust", "Adjust"};
     ui::TextBox txtReorder{*this, "txtReorder"};
     ui::TextBox txtRestock{*this, "txtRestock"};
-    ui::CheckBox cbxActive{*this, "cbxActive", "&Active"};
-    ui::CheckBox cbxSerialed{*this, "cbxSerialed", "Se&rial Item"};
-    ui::CheckBox cbxFoodStamps{*this, "cbxFoodStamps", "OK to use &Food Stamps"};
-    ui::Button cmdDeleteItem{*this, "cmdDeleteItem", "&Delete This Item"};
+    ui::CheckBox cbxActive{*this, "cbxActive", "Active"};
+    ui::CheckBox cbxSerialed{*this, "cbxSerialed", "Serial Item"};
+    ui::CheckBox cbxFoodStamps{*this, "cbxFoodStamps", "OK to use Food Stamps"};
+    ui::Button cmdDeleteItem{*this, "cmdDeleteItem", "Delete This Item"};
 
     // Suppliers
     ui::Label lblSuppliersPName{*this, "lblSuppliersPName"};
@@ -124,16 +127,16 @@ private:
     ui::Label lblPriceSaleAmt{*this, "lblPriceSaleAmt"};
     ui::ListBox lbxTier{*this, "lbxTier"};
     ui::Grid grdPriceMatrix{*this, "grdPriceMatrix"};
-    ui::Button cmdAddPriceMatrixItem{*this, "cmdAddPriceMatrixItem", "&Add"};
-    ui::Button cmdPriceDelete{*this, "cmdPriceDelete", "&Delete"};
-    ui::Button cmdSales{*this, "cmdSales", "&View Sales"};
+    ui::Button cmdAddPriceMatrixItem{*this, "cmdAddPriceMatrixItem", "Add"};
+    ui::Button cmdPriceDelete{*this, "cmdPriceDelete", "Delete"};
+    ui::Button cmdSales{*this, "cmdSales", "View Sales"};
 
     // Substitutes
     ui::Label lblSubsPName{*this, "lblSubsPName"};
     ui::Label lblSubsSKU{*this, "lblSubsSKU"};
     ui::Grid grdSubs{*this, "grdSubs"};
-    ui::Button cmdSubsAddNew{*this, "cmdSubsAddNew", "&Add New"};
-    ui::Button cmdSubsDelete{*this, "cmdSubsDelete", "&Delete"};
+    ui::Button cmdSubsAddNew{*this, "cmdSubsAddNew", "Add New"};
+    ui::Button cmdSubsDelete{*this, "cmdSubsDelete", "Delete"};
     ui::Image imgSubUp{*this, "imgSubUp", "arrow-up", "Move the substitute up"};
     ui::Image imgSubDown{*this, "imgSubDown", "arrow-down", "Move the substitute down"};
 
@@ -159,7 +162,7 @@ private:
     ui::Label lblMiscPName{*this, "lblMiscPName"};
     ui::Label lblMiscSKU{*this, "lblMiscSKU"};
     ui::Label lblTagAlongSKU{*this, "lblTagAlongSKU", "Click Here To Select Tag Along Item"};
-    ui::Button cmdAddTagAlong{*this, "cmdAddTagAlong", "Add &Tag Along"};
+    ui::Button cmdAddTagAlong{*this, "cmdAddTagAlong", "Add Tag Along"};
     ui::Button cmdRemoveTagAlong{*this, "cmdRemoveTagAlong", "&Remove Tag Along"};
     ui::TextBox txtTagAlongQty{*this, "txtTagAlongQty"};
     ui::Label lblSalesMsg{*this, "lblSalesMsg", "Click Here To Select Item Sales Message"};
@@ -170,7 +173,7 @@ private:
     ui::ListBox lbxSplitParentSKU{*this, "lbxSplitParentSKU"};
     ui::ListBox lbxSplitParentMatrixSKU{*this, "lbxSplitParentMatrixSKU"};
     ui::TextBox txtSplitQty{*this, "txtSplitQty"};
-    ui::Button cmdUpdateSplit{*this, "cmdUpdateSplit", "&Update"};
+    ui::Button cmdUpdateSplit{*this, "cmdUpdateSplit", "Update"};
 
     // One on each page; 1 stands on Suppliers.
     ui::Button cmdExit0{*this, "cmdExit(0)", "E&xit"};

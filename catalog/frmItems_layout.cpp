@@ -8,8 +8,8 @@ using namespace ui;
 
 Item frmItems::generalPage() {
     return column({
-        row({title(lblSKUVal), stretch(), figure("Weighted Cost", lblCostAmt), figure("Committed", lblCommittedAmt),
-             figure("Last Sold Date", lblLastSoldDateVal)}),
+        row({title(lblSKUVal), stretch(), figure("Weighted Cost:", lblCostAmt), figure("Committed:", lblCommittedAmt),
+             figure("Last Sold Date:", lblLastSoldDateVal)}),
         row({
                 fields({
                            field("&Name:", txtName),
@@ -18,8 +18,8 @@ Item frmItems::generalPage() {
                            field("Tax &Class:", lbxTaxClass),
                            field("&Price:", txtPriceAmt),
                            field("In Stock:", txtStockAmt, {at(cmdAdjust)}),
-                           field("Reorder &Qty:", txtReorder),
-                           field("Reorder &@:", txtRestock),
+                           field("Reorder Qty:", txtReorder),
+                           field("Reorder @:", txtRestock),
                        })
                     .stretched(3),
                 box("Options", column({at(cbxActive), at(cbxSerialed), at(cbxFoodStamps), gap(),
@@ -33,7 +33,7 @@ Item frmItems::generalPage() {
 
 Item frmItems::suppliersPage() {
     return column({
-        row({column({title(lblSuppliersPName), at(lblSuppliersSKU)}), stretch(), figure("Retail Price", lblSupRetailPrice)}),
+        row({column({title(lblSuppliersPName), at(lblSuppliersSKU)}), stretch(), figure("Retail Price:", lblSupRetailPrice)}),
         row({at(grdSuppliers).stretched(), column({at(imgArrowUp), at(imgArrowDown), stretch()})}).stretched(),
         buttons({at(cmdDeleteSupplier), at(cmdAddNewSupplier), stretch(), at(cmdExit1)}),
     });
@@ -42,9 +42,9 @@ Item frmItems::suppliersPage() {
 Item frmItems::pricePage() {
     return column({
         row({column({title(lblPricePName), at(lblPriceSKU)}), stretch()}),
-        row({fields({field("&Tier:", lbxTier).wide(20)}), gap(), stretch(), figure("Retail Unit Price", lblRetailUnitPriceAmt),
-             figure("Weighted Cost", lblPriceCostAmt), figure("Weighted Cost (Current)", lblCurCostAmt),
-             figure("Sale Price", lblPriceSaleAmt)}),
+        row({fields({field("&Tier:", lbxTier).wide(20)}), gap(), stretch(), figure("Retail Unit Price:", lblRetailUnitPriceAmt),
+             figure("Weighted Cost:", lblPriceCostAmt), figure("Weighted Cost (Current):", lblCurCostAmt),
+             figure("Sale Price:", lblPriceSaleAmt)}),
         at(grdPriceMatrix).stretched(),
         buttons({at(cmdPriceDelete), at(cmdAddPriceMatrixItem), at(cmdSales), stretch(), at(cmdExit2)}),
     });

@@ -156,6 +156,9 @@ void ItemListForm::loadGrid(const Sql& command) {
     if (rows_ != nullptr && rows_->State() != 0)
         rows_->Close();
     rows_ = openDirect(command, db::CursorType::Static, db::LockType::ReadOnly);
+    shown();
+    if (filter_.empty())
+        return;
     rows_->setFilter(filter_);
     shown();
 }

@@ -36,9 +36,9 @@ protected:
     virtual void added(const std::string& pair) = 0;
 
     ui::Label lblHeading{*this, "lblHeading"};
-    ui::OptionButton optAll{*this, "optAll", "A&ll Items", true};
-    ui::OptionButton optActive{*this, "optActive", "Acti&ve Items"};
-    ui::OptionButton optInactive{*this, "optInactive", "I&nactive Items"};
+    ui::OptionButton optAll{*this, "optAll", "All Items", true};
+    ui::OptionButton optActive{*this, "optActive", "Active Items"};
+    ui::OptionButton optInactive{*this, "optInactive", "Inactive Items"};
     ui::Grid grdItems{*this, "grdItems"};
     ui::Button cmdAddNew{*this, "cmdAddNew", "&Add New"};
     ui::Button cmdSelect{*this, "cmdSelect", "&Select"};
