@@ -11,7 +11,7 @@ constexpr int kManager = 5;
 
 } // namespace
 
-Accounts::Accounts(db::Session& session, const Shop& shop, Random& random) : session_(session), shop_(shop), random_(random) {}
+Accounts::Accounts(db::Session& session, Random& random) : session_(session), random_(random) {}
 
 void Accounts::charge(int customerId, int transactionNumber, Date time, Currency amount) {
     postings_.push_back({customerId, transactionNumber, 0, time, amount, amount});

@@ -9,7 +9,7 @@ namespace merchantry::registersim {
 // What customers with a charge account owe and pay. Payments come once a month and are matched with the oldest debts. Borrows all.
 class Accounts {
 public:
-    Accounts(db::Session& session, const Shop& shop, Random& random);
+    Accounts(db::Session& session, Random& random);
 
     void charge(int customerId, int transactionNumber, Date time, Currency amount);
     // The month's payments: most customers pay what was past due, a few pay half, one in ten nothing.
@@ -31,7 +31,6 @@ private:
     void writeBalances();
 
     db::Session& session_;
-    const Shop& shop_;
     Random& random_;
     std::vector<Posting> postings_;
     std::vector<Date> batches_;

@@ -27,7 +27,7 @@ class History {
 public:
     History(db::Session& session, Shop& shop, const HistoryPlan& plan)
         : session_(session), shop_(shop), plan_(plan), random_(plan.seed), postings_(session),
-          purchasing_(session, shop, random_, postings_), accounts_(session, shop, random_) {}
+          purchasing_(session, shop, random_, postings_), accounts_(session, random_) {}
 
     HistoryFigures run(const Progress& progress) {
         if (plan_.openingStock)
