@@ -279,6 +279,11 @@ bool key(Form& form, const std::string& name) {
         form.focusNext(name != "Tab");
         return true;
     }
+    if (name == "Enter" && box != nullptr && box->multiline) {
+        if (!box->locked())
+            box->setText(box->text() + "\n");
+        return true;
+    }
     if (name == "Enter") {
         if (auto* button = dynamic_cast<Button*>(form.focused()))
             return press(*button).empty();
