@@ -1,5 +1,6 @@
 #include "app/modMain.h"
 
+#include "app/storefile.h"
 #include "base/numbers.h"
 #include "base/platform/platform.h"
 #include "ui/desk.h"
@@ -19,6 +20,27 @@ void openConn(ModMain& session) {
     session.Conn = std::make_shared<db::Connection>(*session.provider);
     long timeout = kConnectTimeoutSeconds;
     session.DataBroker->OpenConnection(session.ConnectString, session.ErrLog, timeout, session.Conn);
+}
+
+// A store that an earlier version of the program made is brought up to date when the user wants it; true when it was.
+bool upgraded(ModMain& session) {
+    const std::filesystem::path file = session.DBServer;
+    if (!isOlderStore(file))
+        return false;
+    const auto answer = session.desk->message("The store was made by an earlier version of the program. Bring it up to date now?\r\n"
+                                              "A copy of it as it is will be kept beside it.",
+                                              "Store", ui::MessageIcon::Question, ui::MessageButtons::YesNo);
+    if (answer != ui::Answer::Yes)
+        return false;
+    try {
+        const std::filesystem::path copy = upgradeStoreFile(file);
+        session.desk->message("The store is up to date. The old one is kept as " + copy.string(), "Store", ui::MessageIcon::Information);
+        return true;
+    } catch (const std::exception& error) {
+        session.desk->message(std::string("The store could not be brought up to date and is as it was. ") + error.what(), "Store",
+                              ui::MessageIcon::Stop);
+        return false;
+    }
 }
 
 // Asks whether to edit the configuration; ends the program when the user gives up.
@@ -51,6 +73,8 @@ void startUp(ModMain& session) {
         rebuildConnectString();
         session.RegisterID = registerNumber(session.CurrentDB.RegisterID);
         openConn(session);
+        if (session.Conn->State() == 0 && upgraded(session))
+            openConn(session);
         if (session.Conn->State() != 0)
             break;
         offerConfigurator(session);

@@ -51,7 +51,18 @@ std::vector<std::string> checkStoreFile(const std::filesystem::path& file) {
     std::vector<std::string> found = db::damageOf(file);
     if (!found.empty())
         return found;
-    return db::brokenInvariants(*db::Store::open(file)->session());
+    const auto session = db::Store::open(file)->session();
+    db::refuseNewerSchema(*session);
+    return db::brokenInvariants(*session);
+}
+
+bool isOlderStore(const std::filesystem::path& file) {
+    try {
+        const int version = db::schemaVersion(*db::Store::open(file)->session());
+        return version > 0 && version < db::kSchemaVersion;
+    } catch (const DbError&) {
+        return false;
+    }
 }
 
 std::filesystem::path upgradeStoreFile(const std::filesystem::path& file) {

@@ -21,6 +21,9 @@ void createStoreFile(const std::filesystem::path& file, const StoreFiller& fille
 // store.
 std::vector<std::string> checkStoreFile(const std::filesystem::path& file);
 
+// Whether the file is a store that an earlier version of the program made, so that upgradeStoreFile helps; false for anything else.
+bool isOlderStore(const std::filesystem::path& file);
+
 // Brings an older store to this program's schema, with a copy of the old one beside it (".v1.bak"); the copy's path, empty when the store
 // is of this version already. Throws with a sentence, the store unchanged.
 std::filesystem::path upgradeStoreFile(const std::filesystem::path& file);

@@ -1,6 +1,7 @@
 #include "programs/merchantryctl/commands.h"
 
 #include "app/db/embedded/store.h"
+#include "app/db/schema/schema.h"
 #include "programs/storehost.h"
 #include "ui/play/player.h"
 
@@ -23,7 +24,8 @@ void addPlayCommand(CLI::App& program, int& exitCode) {
     play->add_flag("--statements", options->statements, "Show the statements that the screens send");
     play->add_option("SCRIPT", options->scripts, "Scripts, in this order")->required();
     play->callback([options, &exitCode] {
-        db::Store::open(options->store); // says at once, and clearly, that there is none
+        // Says at once, and clearly, that there is none or that it cannot be used.
+        db::refuseNewerSchema(*db::Store::open(options->store)->session());
         ui::play::PlayOptions plays;
         plays.scripts.assign(options->scripts.begin(), options->scripts.end());
         plays.statements = options->statements;

@@ -3,6 +3,7 @@
 #include "app/db/embedded/answers.h"
 #include "app/db/embedded/script.h"
 #include "app/db/embedded/store.h"
+#include "app/db/schema/schema.h"
 #include "base/platform/platform.h"
 #include "base/text.h"
 
@@ -199,6 +200,7 @@ int run(const Options& options) {
     if (options.files.size() != 1)
         throw CLI::ValidationError("FILE", "exactly one store file is wanted");
     const std::unique_ptr<db::Session> session = db::Store::open(options.files[0])->session();
+    db::refuseNewerSchema(*session);
     return isatty(STDIN_FILENO) != 0 ? runPrompt(*session, options.csv) : runInput(*session, options.csv);
 }
 

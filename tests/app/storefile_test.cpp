@@ -74,24 +74,41 @@ TEST_F(StoreFiles, OlderStoresAreUpgradedWithACopyAndNewerOnesRefused) {
     makeStore();
     EXPECT_EQ(upgradeStoreFile(file), std::filesystem::path());
     run(file, "DROP PROCEDURE bsp_NewItem");
-    const std::array<db::UpgradeStep, 2> steps{db::UpgradeStep{1, "RAISERROR('run twice', 16, 1)"},
-                                               db::UpgradeStep{2, "ALTER TABLE Suppliers ADD Rating int NOT NULL DEFAULT 3"}};
-    const auto copy = upgradeStoreFile(file, steps, 2);
-    EXPECT_EQ(copy, std::filesystem::path(file.string() + ".v1.bak"));
-    EXPECT_EQ(version(copy), 1);
-    EXPECT_EQ(version(file), 2);
+    const int now = db::kSchemaVersion;
+    const std::array<db::UpgradeStep, 2> steps{db::UpgradeStep{now, "RAISERROR('run twice', 16, 1)"},
+                                               db::UpgradeStep{now + 1, "ALTER TABLE Suppliers ADD Rating int NOT NULL DEFAULT 3"}};
+    const auto copy = upgradeStoreFile(file, steps, now + 1);
+    EXPECT_EQ(copy, std::filesystem::path(file.string() + ".v" + std::to_string(now) + ".bak"));
+    EXPECT_EQ(version(copy), now);
+    EXPECT_EQ(version(file), now + 1);
     run(file, "IF (SELECT Rating FROM Suppliers) <> 3 RAISERROR('no rating', 16, 1)");
     run(file, "bsp_NewItem 'a', 'a'");
     EXPECT_NE(sentenceOf([&] { db::checkSchemaVersion(*db::Store::open(file)->session()); }).find("newer version"), std::string::npos);
+    EXPECT_NE(sentenceOf([&] { db::refuseNewerSchema(*db::Store::open(file)->session()); }).find("newer version"), std::string::npos);
+    EXPECT_NE(sentenceOf([&] { checkStoreFile(file); }).find("newer version"), std::string::npos);
+    EXPECT_NE(sentenceOf([&] { restoreStoreFile(file, folder / "back.store"); }).find("newer version"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(folder / "back.store"));
     EXPECT_NE(sentenceOf([&] { upgradeStoreFile(file); }).find("newer version"), std::string::npos);
 
     const auto other = folder / "other.store";
     createStoreFile(other, {}, [](int) {});
-    const std::array<db::UpgradeStep, 2> failing{db::UpgradeStep{2, "ALTER TABLE Suppliers ADD Rating int NULL"},
-                                                 db::UpgradeStep{3, "SELECT * FROM Nowhere"}};
-    EXPECT_NE(sentenceOf([&] { upgradeStoreFile(other, failing, 3); }).find("version 3"), std::string::npos);
-    EXPECT_EQ(version(other), 1);
+    const std::array<db::UpgradeStep, 2> failing{db::UpgradeStep{now + 1, "ALTER TABLE Suppliers ADD Rating int NULL"},
+                                                 db::UpgradeStep{now + 2, "SELECT * FROM Nowhere"}};
+    EXPECT_NE(sentenceOf([&] { upgradeStoreFile(other, failing, now + 2); }).find("version " + std::to_string(now + 2)), std::string::npos);
+    EXPECT_EQ(version(other), now);
     EXPECT_NE(sentenceOf([&] { run(other, "SELECT Rating FROM Suppliers"); }), "");
+}
+
+TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheProceduresMadeSince) {
+    makeStore();
+    run(file, "DELETE FROM SchemaVersion WHERE Version > 1 INSERT INTO SchemaVersion (Version) VALUES (1) DROP PROCEDURE bsp_SubsGrid");
+    EXPECT_TRUE(isOlderStore(file));
+    EXPECT_NE(sentenceOf([&] { db::checkSchemaVersion(*db::Store::open(file)->session()); }).find("older version"), std::string::npos);
+    EXPECT_EQ(upgradeStoreFile(file), std::filesystem::path(file.string() + ".v1.bak"));
+    EXPECT_FALSE(isOlderStore(file));
+    EXPECT_EQ(version(file), db::kSchemaVersion);
+    run(file, "bsp_SubsGrid 'a', 'a'");
+    EXPECT_FALSE(isOlderStore(folder / "none.store"));
 }
 
 TEST_F(StoreFiles, WhatIsNoStoreIsSaidToBeNone) {

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Runs all plays of this folder, each on a fresh copy of an empty store: run.sh MERCHANTRYCTL
+# Runs all plays of this folder, each on a fresh copy of an empty store, and those of older-store on one that the first version made:
+# run.sh MERCHANTRYCTL
 set -euo pipefail
 cd "$(dirname "$0")"
 folder=$(mktemp -d)
@@ -7,3 +8,5 @@ trap 'rm -rf "$folder"' EXIT
 export XDG_DOCUMENTS_DIR=$folder
 "$1" store create --empty "$folder/empty.store"
 "$1" play --store "$folder/empty.store" --fresh ./*.play
+echo "DELETE FROM SchemaVersion INSERT INTO SchemaVersion (Version) VALUES (1) DROP PROCEDURE bsp_SubsGrid" | "$1" sql "$folder/empty.store"
+"$1" play --store "$folder/empty.store" --fresh older-store/*.play

@@ -1,6 +1,7 @@
 // Registers at work on an open store, for tests beside a working manager and for watching reports move.
 
 #include "app/db/embedded/store.h"
+#include "app/db/schema/schema.h"
 #include "base/date.h"
 #include "tools/registersim/history.h"
 #include "tools/registersim/liveregister.h"
@@ -23,6 +24,7 @@ struct Options {
 
 int sellLive(const Options& options) {
     const auto store = db::Store::open(options.store);
+    db::refuseNewerSchema(*store->session());
     const auto figures = registersim::runRegisters([&] { return store->session(); }, options.live);
     for (const std::string& error : figures.errors)
         std::cerr << error << "\n";
@@ -37,6 +39,7 @@ int sellInThePast(const Options& options) {
     if (!from || !to || *from >= *to)
         throw std::runtime_error("--from and --to must be days as 2026-11-21, the first before the second.");
     const auto session = db::Store::open(options.store)->session();
+    db::refuseNewerSchema(*session);
     registersim::Shop shop = registersim::loadShop(*session);
     const registersim::HistoryPlan plan{.from = from->dateOnly(),
                                         .to = to->dateOnly(),

@@ -62,6 +62,10 @@ void putAgain(Session& session, const SchemaFile& file) {
     }
 }
 
+[[noreturn]] void refuse(const std::string& sentence) {
+    throw DbError(DbError::Category::Storage, 0, sentence);
+}
+
 class Counter : public ResultSink {
 public:
     void beginSet(const std::vector<Column>&) override {}
@@ -90,21 +94,29 @@ int schemaVersion(Session& session) {
     return static_cast<int>(version.value.toInteger());
 }
 
-void checkSchemaVersion(Session& session) {
+void refuseNewerSchema(Session& session) {
     const int version = schemaVersion(session);
-    const auto refuse = [](const std::string& sentence) { throw DbError(DbError::Category::Storage, 0, sentence); };
-    if (version == 0)
-        refuse("The file is a database, but not a store of Merchantry: it has no schema version.");
     if (version > kSchemaVersion)
         refuse("The store was made by a newer version of Merchantry (schema " + std::to_string(version) + ", this program knows " +
                std::to_string(kSchemaVersion) + "). Please update the program.");
+}
+
+void checkSchemaVersion(Session& session) {
+    refuseNewerSchema(session);
+    const int version = schemaVersion(session);
+    if (version == 0)
+        refuse("The file is a database, but not a store of Merchantry: it has no schema version.");
     if (version < kSchemaVersion)
         refuse("The store is of an older version (schema " + std::to_string(version) + ", this program wants " +
                std::to_string(kSchemaVersion) + "). Run \"merchantryctl store upgrade\" on it; a copy of the old store is kept.");
 }
 
 std::span<const UpgradeStep> upgradeSteps() {
-    return {}; // the first version has none before it
+    // Procedures and triggers are renewed by every upgrade: a step tells only what happens to tables and rows.
+    static constexpr std::array<UpgradeStep, 1> kSteps{
+        UpgradeStep{2, ""}, // the procedures of item catalogue and stock
+    };
+    return kSteps;
 }
 
 void upgradeSchema(Session& session, std::span<const UpgradeStep> steps) {

@@ -18,13 +18,18 @@ struct SchemaFile {
 std::span<const SchemaFile> schemaFiles();
 
 // The version that this program knows and makes.
-constexpr int kSchemaVersion = 1;
+// A release that changes a table or adds a procedure gets the next one, its step in upgradeSteps() and its row in rows/FirstRows.sql.
+constexpr int kSchemaVersion = 2;
 
 // Makes the schema with its first rows in an empty store, in one transaction. Throws DbError, naming the file; nothing is left then.
 void createSchema(Session& session);
 
 // The schema version of a store; 0 for a file that has no schema of this program.
 int schemaVersion(Session& session);
+
+// Throws DbError (category Storage) with a sentence for the user when the store's schema is newer than this program: nothing may be read
+// from it or written to it by rules that no longer hold.
+void refuseNewerSchema(Session& session);
 
 // Throws DbError (category Storage) with a sentence for the user unless the store has just the schema that this program knows.
 void checkSchemaVersion(Session& session);
