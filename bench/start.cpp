@@ -54,10 +54,19 @@ void configure(const std::filesystem::path& store) {
     configurations.save();
 }
 
+// Windows come up on a display, as a manager's do: where there is none, on one that nobody sees.
+void wantDisplay(char** arguments) {
+    if (getenv("DISPLAY") != nullptr || getenv("WAYLAND_DISPLAY") != nullptr || getenv("QT_QPA_PLATFORM") != nullptr)
+        return;
+    execlp("xvfb-run", "xvfb-run", "-a", arguments[0], nullptr);
+    std::puts("There is no display and no xvfb-run: the windows are drawn off screen, where an empty one costs next to nothing.");
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+}
+
 } // namespace
 
-int main() {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
+int main(int, char** arguments) {
+    wantDisplay(arguments);
     const ItemStore items;
     setenv("XDG_CONFIG_HOME", items.folder().c_str(), 1);
     configure(items.file());

@@ -1,6 +1,7 @@
 #include "app/frmLogin.h"
 #include "app/modMain.h"
 #include "programs/desktop.h"
+#include "programs/merchantry/fonts.h"
 #include "programs/screens.h"
 #include "programs/storehost.h"
 #include "ui/qt/qtdesk.h"
@@ -12,6 +13,7 @@
 #include <QWidget>
 
 #include <iostream>
+#include <thread>
 
 namespace {
 
@@ -79,6 +81,8 @@ int main(int argc, char** argv) {
     program.allow_extras();
     CLI11_PARSE(program, argc, argv);
 
+    // The fonts of the machine are looked up while the toolkit starts: the first text on the first window waits for them.
+    const std::jthread fonts(programs::lookUpFonts);
     QApplication application(argc, argv);
     QApplication::setApplicationName("Merchantry");
     QApplication::setDesktopFileName("merchantry");
