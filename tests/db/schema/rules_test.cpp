@@ -148,7 +148,7 @@ TEST_F(StoreRules, ProceduresOfTheItemScreens) {
     EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM Sales"), "2");
     EXPECT_EQ(rowsOf("bsp_SalesGrid 'Q', 'Q'").substr(0, 5), "2|Q|Q");
     EXPECT_EQ(rowsOf("sp_QBGetTaxDefDups"), "");
-    EXPECT_EQ(rowsOf("sp_GetSysInfo").find("|1|") == std::string::npos, false);
+    EXPECT_NE(rowsOf("sp_GetSysInfo").find("|" + std::to_string(kSchemaVersion) + "|"), std::string::npos);
 }
 
 } // namespace
