@@ -221,6 +221,8 @@ private:
     Cell constantOf(const tsql::Expr& expr, SqlType& type);
     void copyOutputs(const CallResult& result, const std::vector<BoundArgument>& arguments, const std::vector<int>& outputOf);
     Flow runFrame(Frame& frame);
+    // Runs it one level below its caller. The error that ended its scope, for the caller to note; thrown where a TRY waits for it.
+    std::optional<DbError> runDeeper(Frame& frame);
     void leaveFrame(Frame& frame);
 
     // transactions

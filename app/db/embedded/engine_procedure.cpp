@@ -13,6 +13,19 @@ namespace {
 
 constexpr int kDeepestLevel = 32;
 
+// Puts a value back when its scope ends, however that happens.
+template <class T> class Restore {
+public:
+    explicit Restore(T& value) : value_(value), before_(value) {}
+    ~Restore() { value_ = before_; }
+    Restore(const Restore&) = delete;
+    Restore& operator=(const Restore&) = delete;
+
+private:
+    T& value_;
+    T before_;
+};
+
 DbError tooDeep() {
     return DbError(DbError::Category::Other, 217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
         .withSeverity(16, 1);
@@ -152,9 +165,24 @@ void Engine::bindArguments(const Code& code, const std::vector<BoundArgument>& a
     }
 }
 
-Engine::CallResult Engine::callModule(const StoredObject& object, const std::vector<BoundArgument>& arguments, std::vector<int>& outputOf) {
+std::optional<DbError> Engine::runDeeper(Frame& frame) {
     if (level_ >= kDeepestLevel)
         throw tooDeep();
+    const Restore level(level_);
+    ++level_;
+    try {
+        runFrame(frame);
+        return std::nullopt;
+    } catch (const ScopeEnd& end) {
+        if (end.frame != &frame)
+            throw;
+        if (tries_ > 0)
+            throw DbError(end.error);
+        return end.error;
+    }
+}
+
+Engine::CallResult Engine::callModule(const StoredObject& object, const std::vector<BoundArgument>& arguments, std::vector<int>& outputOf) {
     CallResult result;
     result.code = moduleCode(object);
     Frame frame;
@@ -162,25 +190,11 @@ Engine::CallResult Engine::callModule(const StoredObject& object, const std::vec
     frame.variables.resize(result.code->variables.size());
     bindArguments(*result.code, arguments, frame, outputOf);
     const int entry = tranCount_;
-    const int tries = tries_;
-    ++level_;
-    try {
-        runFrame(frame);
-    } catch (const ScopeEnd& end) {
-        --level_;
-        if (end.frame != &frame)
-            throw;
-        if (tries > 0)
-            throw DbError(end.error);
-        DbError error = end.error;
-        note(error.in(result.code->procedure));
+    if (std::optional<DbError> error = runDeeper(frame)) {
+        note(error->in(result.code->procedure));
         result.ended = true;
         return result;
-    } catch (...) {
-        --level_;
-        throw;
     }
-    --level_;
     result.status = frame.returnValue;
     result.outputs.assign(frame.variables.begin(), frame.variables.begin() + static_cast<std::ptrdiff_t>(result.code->parameters.size()));
     if (tranCount_ != entry) {
@@ -189,7 +203,7 @@ Engine::CallResult Engine::callModule(const StoredObject& object, const std::vec
                     "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = " +
                         std::to_string(entry) + ", current count = " + std::to_string(tranCount_) + ".")
                 .withSeverity(16, 2);
-        if (tries > 0)
+        if (tries_ > 0)
             throw DbError(error);
         note(error);
     }
@@ -197,8 +211,6 @@ Engine::CallResult Engine::callModule(const StoredObject& object, const std::vec
 }
 
 void Engine::runExecuteText(const std::string& text, std::vector<Parameter>* parameters) {
-    if (level_ >= kDeepestLevel)
-        throw tooDeep();
     std::vector<Parameter> none;
     std::vector<Parameter>& given = parameters ? *parameters : none;
     const std::shared_ptr<Code> code = batchCode(text, given);
@@ -207,22 +219,10 @@ void Engine::runExecuteText(const std::string& text, std::vector<Parameter>* par
     frame.variables.resize(code->variables.size());
     for (std::size_t i = 0; i < given.size(); ++i)
         frame.variables[i] = tsql::cellOf(given[i].value, given[i].type);
-    ++level_;
-    try {
-        runFrame(frame);
-    } catch (const ScopeEnd& end) {
-        --level_;
-        if (end.frame != &frame)
-            throw;
-        if (tries_ > 0)
-            throw DbError(end.error);
-        note(end.error);
+    if (const std::optional<DbError> error = runDeeper(frame)) {
+        note(*error);
         return;
-    } catch (...) {
-        --level_;
-        throw;
     }
-    --level_;
     for (std::size_t i = 0; i < given.size(); ++i)
         given[i].value = tsql::valueOf(frame.variables[i], given[i].type);
 }
@@ -240,32 +240,20 @@ Cell Engine::callFunction(std::int64_t id, const std::vector<CellView>& argument
     frame.variables.resize(code->variables.size());
     for (std::size_t i = 0; i < arguments.size(); ++i)
         frame.variables[i] = arguments[i].copy();
-    const int tries = tries_;
-    const std::int64_t rowCount = rowCount_;
-    const int error = error_;
-    Frame* before = frame_;
+    const Restore tries(tries_);
+    const Restore level(level_);
+    const Restore rowCount(rowCount_);
+    const Restore error(error_);
+    const Restore before(frame_);
     ++tries_; // an error is an error of the statement that calls
     ++level_;
-    const auto leave = [&] {
-        tries_ = tries;
-        --level_;
-        rowCount_ = rowCount;
-        error_ = error;
-        frame_ = before;
-    };
     try {
         runFrame(frame);
     } catch (const ScopeEnd& end) {
-        leave();
         throw DbError(end.error);
     } catch (const BatchEnd&) {
-        leave();
         throw DbError(DbError::Category::Cancelled, 0, "The statement was cancelled.");
-    } catch (...) {
-        leave();
-        throw;
     }
-    leave();
     return frame.result;
 }
 

@@ -310,27 +310,25 @@ struct Assignment {
     int line = 1;
 };
 
-struct UpdateStatement : Statement {
-    UpdateStatement() : Statement(StatementKind::Update) {}
+// What UPDATE and DELETE have in common: which rows of which table.
+struct RowsStatement : Statement {
+    using Statement::Statement;
     std::vector<CommonTable> commonTables;
     std::optional<TopClause> top;
     ObjectName table;
-    std::vector<Assignment> assignments;
     std::optional<OutputClause> output;
     std::vector<TableRefPtr> from;
     ExprPtr where;
-    std::string currentOf;
+    std::string currentOf; // a cursor's name, empty without one
 };
 
-struct DeleteStatement : Statement {
-    DeleteStatement() : Statement(StatementKind::Delete) {}
-    std::vector<CommonTable> commonTables;
-    std::optional<TopClause> top;
-    ObjectName table;
-    std::optional<OutputClause> output;
-    std::vector<TableRefPtr> from;
-    ExprPtr where;
-    std::string currentOf;
+struct UpdateStatement : RowsStatement {
+    UpdateStatement() : RowsStatement(StatementKind::Update) {}
+    std::vector<Assignment> assignments;
+};
+
+struct DeleteStatement : RowsStatement {
+    DeleteStatement() : RowsStatement(StatementKind::Delete) {}
 };
 
 struct TruncateStatement : Statement {

@@ -7,24 +7,8 @@ StatementPtr Parser::deleteFrom() {
     take();
     statement->top = top();
     acceptWord("FROM");
-    if (peek().kind == TokenKind::Variable)
-        statement->table.parts.emplace_back(take().text);
-    else
-        statement->table = objectName();
-    tableHints();
-    statement->output = output();
-    if (acceptWord("FROM"))
-        statement->from = fromList();
-    if (acceptWord("WHERE")) {
-        if (isWord("CURRENT") && isWord("OF", 1)) {
-            take();
-            take();
-            statement->currentOf = cursorName();
-        } else {
-            statement->where = condition();
-        }
-    }
-    queryHints();
+    changedTable(*statement);
+    whichRows(*statement);
     return statement;
 }
 

@@ -17,29 +17,37 @@ StatementPtr Parser::update() {
         return std::make_unique<Statement>(StatementKind::Nothing);
     }
     statement->top = top();
-    if (peek().kind == TokenKind::Variable)
-        statement->table.parts.emplace_back(take().text);
-    else
-        statement->table = objectName();
-    tableHints();
+    changedTable(*statement);
     expectWord("SET");
     do {
         statement->assignments.push_back(assignment());
     } while (acceptSymbol(","));
-    statement->output = output();
+    whichRows(*statement);
+    return statement;
+}
+
+void Parser::changedTable(RowsStatement& statement) {
+    if (peek().kind == TokenKind::Variable)
+        statement.table.parts.emplace_back(take().text);
+    else
+        statement.table = objectName();
+    tableHints();
+}
+
+void Parser::whichRows(RowsStatement& statement) {
+    statement.output = output();
     if (acceptWord("FROM"))
-        statement->from = fromList();
+        statement.from = fromList();
     if (acceptWord("WHERE")) {
         if (isWord("CURRENT") && isWord("OF", 1)) {
             take();
             take();
-            statement->currentOf = cursorName();
+            statement.currentOf = cursorName();
         } else {
-            statement->where = condition();
+            statement.where = condition();
         }
     }
     queryHints();
-    return statement;
 }
 
 std::string Parser::assignmentOperator() {

@@ -122,6 +122,8 @@ private:
     StatementPtr drop();
     StatementPtr dropIndex();
     std::optional<OutputClause> output();
+    void changedTable(RowsStatement& statement); // of UPDATE and DELETE, with its hints
+    void whichRows(RowsStatement& statement);    // OUTPUT, FROM, WHERE and what follows
     Assignment assignment();
     void insertSource(InsertStatement& insert);
     std::vector<ExprPtr> valuesRow();
