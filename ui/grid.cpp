@@ -128,38 +128,37 @@ void Grid::setDataRows(int count) {
     changed(Aspect::Rows);
 }
 
-void Grid::setText(int row, int column, const std::string& text) {
+bool Grid::setText(int row, int column, const std::string& text) {
+    if (row >= 1 && bound_ != nullptr)
+        return attempt([&] { bound_->setCell(row - 1, column, text); });
     if (row == 0) {
         columns_.at(static_cast<std::size_t>(column)).heading = text;
         changed(Aspect::Rows);
-    } else if (bound_ != nullptr) {
-        bound_->setCell(row - 1, column, text);
     } else {
         cells_.at(static_cast<std::size_t>(row) - 1).at(static_cast<std::size_t>(column)) = text;
         changed(Aspect::Cells);
     }
+    return true;
 }
 
-void Grid::addRow(const std::vector<std::string>& cells) {
-    if (bound_ != nullptr) {
-        bound_->addRow({cells.begin(), cells.end()});
-        return;
-    }
+bool Grid::addRow(const std::vector<std::string>& cells) {
+    if (bound_ != nullptr)
+        return attempt([&] { bound_->addRow({cells.begin(), cells.end()}); });
     cells_.push_back(cells);
     cells_.back().resize(columns_.size());
     changed(Aspect::Rows);
+    return true;
 }
 
-void Grid::removeRow(int row) {
+bool Grid::removeRow(int row) {
     if (row < 1 || row > dataRows())
-        return;
-    if (bound_ != nullptr) {
-        bound_->removeRow(row - 1);
-        return;
-    }
+        return false;
+    if (bound_ != nullptr)
+        return attempt([&] { bound_->removeRow(row - 1); });
     cells_.erase(cells_.begin() + (row - 1));
     clampCurrent();
     changed(Aspect::Rows);
+    return true;
 }
 
 void Grid::setCellColor(int row, int column, Color color) {
@@ -301,8 +300,13 @@ bool Grid::write(int row, int column, const std::string& typed) {
         cells_[static_cast<std::size_t>(row) - 1][static_cast<std::size_t>(column)] = text;
         return true;
     }
+    return attempt([&] { bound_->setCell(row - 1, column, text); });
+}
+
+// What the source refuses goes to the screen's error procedure, or is shown to the user.
+bool Grid::attempt(const std::function<void()>& change) {
     try {
-        bound_->setCell(row - 1, column, text);
+        change();
         return true;
     } catch (const std::runtime_error& refused) {
         bool handled = false;

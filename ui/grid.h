@@ -63,11 +63,12 @@ public:
     // What the cell holds, unformatted: "12.5" where text says "$12.50", the stored value where a combo shows its choice.
     std::string rawText(int row, int column) const;
 
-    // By program. Unbound: the texts themselves; setting a bound cell writes through and throws what the source throws.
+    // By program. Unbound: the texts themselves. Bound: written through at once; what the source refuses goes the way of a refused edit
+    // (`error`, or shown to the user), changes nothing and gives false.
     void setDataRows(int count);
-    void setText(int row, int column, const std::string& text);
-    void addRow(const std::vector<std::string>& cells);
-    void removeRow(int row);
+    bool setText(int row, int column, const std::string& text);
+    bool addRow(const std::vector<std::string>& cells);
+    bool removeRow(int row);
     void setCellColor(int row, int column, Color color);
     Color cellColor(int row, int column) const;
     // Colours that follow from the content, asked when a cell is drawn; goes before setCellColor.
@@ -120,6 +121,7 @@ public:
 
 private:
     bool write(int row, int column, const std::string& text);
+    bool attempt(const std::function<void()>& change);
     void refreshed();
     void clampCurrent();
 

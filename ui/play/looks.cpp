@@ -55,6 +55,8 @@ void collectTexts(const Item& item, std::vector<std::string>& texts) {
         texts.push_back(label->caption());
     if (const auto* frame = dynamic_cast<const Frame*>(control))
         texts.push_back(frame->caption());
+    if (const auto* grid = dynamic_cast<const Grid*>(control))
+        texts.push_back(grid->statusText);
     const auto* tabs = item.kind() == Item::Kind::Pages ? dynamic_cast<const TabSet*>(control) : nullptr;
     for (std::size_t i = 0; i < item.children().size(); ++i)
         if (tabs == nullptr || tabs->current() == static_cast<int>(i))
