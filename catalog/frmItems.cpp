@@ -1,6 +1,7 @@
 #include "catalog/frmItems.h"
 
-#include "app/modMain.h"
+#include "catalog/itemscreen.h"
+
 #include "base/numbers.h"
 #include "base/text.h"
 #include "ui/desk.h"
@@ -13,8 +14,6 @@ using db::Sql;
 
 namespace {
 
-constexpr const char* kTag = "MR_frmItems";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kMatrix = 2;
 constexpr int kSplit = 3;
 constexpr int kSerialized = 5;
@@ -80,51 +79,21 @@ void frmItems::wireGeneral() {
 }
 
 void frmItems::wireOtherPages() {
-    using Format = GridColumn::Format;
-    grdSuppliers.setColumns({{.heading = "Parent", .fixedWidth = true},
-                             {.heading = "Matrix", .fixedWidth = true},
-                             {.heading = "Supplier", .characters = 32},
-                             {.heading = "Cost", .format = Format::Currency},
-                             {.heading = "Min Order", .format = Format::Number},
-                             {.heading = "Priority", .format = Format::Number},
-                             {.heading = "Part #"}});
-    grdPriceMatrix.setColumns({{.heading = "Parent", .fixedWidth = true},
-                               {.heading = "Matrix", .fixedWidth = true},
-                               {.heading = "Tier", .format = Format::Number},
-                               {.heading = "Qty >=", .format = Format::Number},
-                               {.heading = "Unit Price", .format = Format::Currency}});
-    grdSubs.setColumns({{.heading = "Parent", .fixedWidth = true},
-                        {.heading = "Matrix", .fixedWidth = true},
-                        {.heading = "Substitute Parent", .fixedWidth = true},
-                        {.heading = "Substitute Matrix", .fixedWidth = true},
-                        {.heading = "Priority", .format = Format::Number},
-                        {.heading = "Notes", .characters = 32}});
     grdItemMatrix.setColumns({{.heading = "SKU", .fixedWidth = true},
                               {.heading = "MatrixSKU", .fixedWidth = true},
                               {.heading = "CategoryID", .hidden = true},
                               {.heading = "Categories", .characters = 32}});
-    for (Grid* grid : {&grdSuppliers, &grdPriceMatrix, &grdSubs, &grdItemMatrix})
-        grid->editable = false;
-    grdSuppliers.emptyText = "No supplier delivers this item yet.";
-    grdPriceMatrix.emptyText = "This tier has no prices for the item.";
-    grdSubs.emptyText = "No substitutes.";
+    grdItemMatrix.editable = false;
     grdItemMatrix.emptyText = "No categories.";
     txtNotes.multiline = true;
 
-    lbxTier.click = [this] { lbxTier_Click(); };
     lbxMatrixGroups.click = [this] { lbxMatrixGroups_Click(); };
-    lbxSplitParentSKU.click = [this] { lbxSplitParentSKU_Click(); };
-    cmdSales.click = [this] {
-        if (modMain().doors.ItemSales)
-            modMain().doors.ItemSales();
-        else
-            notYet("Sales");
-    };
-    for (Button* button : {&cmdAddNewSupplier, &cmdDeleteSupplier, &cmdAddPriceMatrixItem, &cmdPriceDelete, &cmdSubsAddNew, &cmdSubsDelete,
-                           &cmdAddCategory, &cmdDeleteCatgory, &cmdAddTagAlong, &cmdRemoveTagAlong, &cmdUpdateSplit})
+    for (Button* button : {&cmdAddCategory, &cmdDeleteCatgory})
         button->click = [this, button] { notYet(replaced(button->caption(), "&", "")); };
-    for (Image* arrow : {&imgArrowUp, &imgArrowDown, &imgSubUp, &imgSubDown})
-        arrow->click = [this, arrow] { notYet(arrow->toolTip()); };
+    wireSuppliers();
+    wirePrices();
+    wireSubstitutes();
+    wireMisc();
 }
 
 void frmItems::notYet(const std::string& what) {
@@ -132,7 +101,7 @@ void frmItems::notYet(const std::string& what) {
 }
 
 void frmItems::CheckSKUs(const std::string& SKUPair, bool modal) {
-    guarded({kTag, "CheckSKUs"}, [&] {
+    guarded({kItemsTag, "CheckSKUs"}, [&] {
         const std::vector<std::string> parts = split(SKUPair, "|");
         if (parts.size() != 2)
             return;
@@ -180,11 +149,15 @@ void frmItems::Form_Activate() {
 }
 
 bool frmItems::writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
+    return writeItem(procedure, [&](db::Recordset& item) { item[column] = value(); });
+}
+
+bool frmItems::writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set) {
     const db::RecordsetPtr item = modMain().ItemRecordset;
     if (item == nullptr)
         return false; // the item could not be fetched
-    const bool written = guarded({kTag, procedure}, [&] {
-        (*item)[column] = value();
+    const bool written = guarded({kItemsTag, procedure}, [&] {
+        set(*item);
         item->Update();
     });
     if (!written)
@@ -212,7 +185,7 @@ void frmItems::lbxType_Click() {
     const int type = lbxType.itemData();
     if (!writeField("lbxType_Click", "TypeID", [type] { return Value(type); }))
         return;
-    guarded({kTag, "lbxType_Click"}, [&] { applyType(type); });
+    guarded({kItemsTag, "lbxType_Click"}, [&] { applyType(type); });
 }
 
 void frmItems::applyType(int type) {
@@ -243,7 +216,7 @@ void frmItems::applyType(int type) {
 }
 
 void frmItems::txtPriceAmt_LostFocus() {
-    guarded({kTag, "txtPriceAmt_LostFocus"}, [this] {
+    guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] {
         modMain().Conn->Execute(Sql("UPDATE PriceMatrix SET Price = ") + numericPrefix(txtPriceAmt.text()) + " WHERE SKU ='" +
                                 modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU +
                                 "' AND Tier = 1 AND (Quantity = 1 Or Quantity = 0)");
@@ -256,22 +229,14 @@ void frmItems::txtPriceAmt_LostFocus() {
 void frmItems::txtStockAmt_LostFocus() {
     if (txtStockAmt.text().empty())
         return; // the population did not get so far: there is no figure to write back
-    guarded({kTag, "txtStockAmt"}, [this] {
+    guarded({kItemsTag, "txtStockAmt"}, [this] {
         modMain().Conn->Execute(Sql("UPDATE Stock SET Quantity = ") + numericPrefix(txtStockAmt.text()) + " WHERE SKU ='" +
                                 modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'");
     });
 }
 
-void frmItems::lbxTier_Click() {
-    guarded({kTag, "lbxTier_Click"}, [this] {
-        for (const auto& [name, id] : tiers_)
-            if (name == lbxTier.text())
-                return reloadPrices(static_cast<int>(Value(id).toInteger()));
-    });
-}
-
 void frmItems::lbxMatrixGroups_Click() {
-    guarded({kTag, "lbxMatrixGroups_Click"}, [this] {
+    guarded({kItemsTag, "lbxMatrixGroups_Click"}, [this] {
         const auto categories = openBroker("bsp_ItemCategorysLookup", db::CommandType::StoredProcedure, db::CursorType::ForwardOnly,
                                            db::LockType::ReadOnly, {intParameter("GroupID", lbxMatrixGroups.itemData())});
         lbxMatrixCategories.clear();
@@ -282,24 +247,8 @@ void frmItems::lbxMatrixGroups_Click() {
     });
 }
 
-void frmItems::lbxSplitParentSKU_Click() {
-    guarded({kTag, "lbxSplitSku_Click"}, [this] {
-        const std::string parent = lbxSplitParentSKU.text();
-        const bool own = sameText(parent, modMain().CurrentSKU);
-        const auto children =
-            own ? openDirect(Sql("SELECT MatrixSKU FROM Item WHERE (SKU = '") + parent + "' AND MatrixSKU <> '" +
-                             modMain().CurrentMatrixSKU + "' AND TypeID <> 4) ORDER BY MatrixSKU")
-                : openDirect(Sql("SELECT MatrixSKU FROM Item WHERE (SKU = '") + parent + "' AND TypeID <> 4) ORDER BY MatrixSKU");
-        lbxSplitParentMatrixSKU.clear();
-        for (; !children->Eof(); children->MoveNext())
-            lbxSplitParentMatrixSKU.add((*children)[0].text());
-        if (lbxSplitParentMatrixSKU.count() > 0 && lbxSplitParentMatrixSKU.listIndex() < 0)
-            lbxSplitParentMatrixSKU.setListIndex(0);
-    });
-}
-
 void frmItems::cmdAdjust_Click() {
-    guarded({kTag, "cmdAdjust_Click"}, [this] {
+    guarded({kItemsTag, "cmdAdjust_Click"}, [this] {
         const ModMain& session = modMain();
         if (!session.doors.AdjustInv)
             return notYet("Adjust");
@@ -321,11 +270,12 @@ void frmItems::cmdDeleteItem_Click() {
             desk().message("You may not delete an item that has transactions associated with it.", kProduct);
         return;
     }
+    deleted_ = true;
     unload();
 }
 
 void frmItems::tabItems_Change(int left) {
-    guarded({kTag, "tabItems_Click"}, [&] {
+    guarded({kItemsTag, "tabItems_Click"}, [&] {
         if (Loading) {
             CurrentTab = 1;
             return;
@@ -333,23 +283,15 @@ void frmItems::tabItems_Change(int left) {
         const int leftTab = left + 1;
         if (CurrentTab == leftTab && leftTab == kSuppliersTab && !ValidateSupplierMatrix()) {
             tabItems.setCurrent(kSuppliersTab - 1);
+            grdSuppliers.setFocus();
             return;
         }
         CurrentTab = tabItems.current() + 1;
     });
 }
 
-// The suppliers cannot be edited yet, so that there is nothing to find wrong with them and nothing to write.
-bool frmItems::ValidateSupplierMatrix() {
-    return true;
-}
-
-bool frmItems::SaveSupplierMatrix() {
-    return true;
-}
-
 void frmItems::cmdExit_Click(int index) {
-    guarded({kTag, "cmdExit_Click"}, [&] {
+    guarded({kItemsTag, "cmdExit_Click"}, [&] {
         if (index == 1 && !ValidateSupplierMatrix())
             return;
         if (SaveSupplierMatrix())
@@ -357,8 +299,12 @@ void frmItems::cmdExit_Click(int index) {
     });
 }
 
-void frmItems::Form_Unload(bool& /*cancel*/) {
-    guarded({kTag, "Form_Unload"}, [this] {
+// The close box saves the suppliers as the exit buttons do; what cannot be saved keeps the screen open.
+void frmItems::Form_Unload(bool& cancel) {
+    cancel = !deleted_ && !SaveSupplierMatrix();
+    if (cancel)
+        return;
+    guarded({kItemsTag, "Form_Unload"}, [this] {
         for (Grid* grid : {&grdPriceMatrix, &grdSubs, &grdItemMatrix})
             grid->bind(nullptr);
         for (const db::RecordsetPtr& rows : {modMain().ItemRecordset, priceRows_, supplierRows_, subsRows_, matrixRows_}) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "app/db/ado/recordset.h"
+#include "catalog/itemscreen.h"
+#include "catalog/suppliermatrix.h"
 #include "ui/button.h"
 #include "ui/choice.h"
 #include "ui/form.h"
@@ -45,37 +47,83 @@ private:
     void showProfit();
     void showStock();
     void populateSuppliers();
+    void fillSupplierChoices();
+    void takeSupplier(db::Recordset& rows);
     void populatePrices();
     void showSale();
     void populateSubstitutes();
     void populateNotes();
     void populateMatrix();
     void populateMisc();
+    void showSalesMessage(const std::string& message);
     void showSplit();
 
     // Write-through.
     // False when the store refused it.
     bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
+    bool writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set);
     void showNameOnTabs();
     void lbxTaxClass_Click();
     void lbxType_Click();
     void applyType(int type);
     void txtPriceAmt_LostFocus();
     void txtStockAmt_LostFocus();
-    void lbxTier_Click();
-    void reloadPrices(int tier);
     void lbxMatrixGroups_Click();
+
+    // Prices.
+    void lbxTier_Click();
+    int selectedTier() const;
+    void reloadPrices(int tier);
+    void cmdAddPriceMatrixItem_Click();
+    void grdPriceMatrix_BeforeEdit(int row, int column, bool& cancel);
+    void grdPriceMatrix_AfterEdit(int row, int column);
+    void readItemAgain(const std::string& quantity, int column);
+    void cmdPriceDelete_Click();
+    void grdPriceMatrix_Error();
+
+    // Suppliers.
+    void PopulateSupplierRow(int GridRow, int Index);
+    void showSupplierCount();
+    int supplierAt(int gridRow) const;
+    void grdSuppliers_BeforeEdit(int row, int column, bool& cancel);
+    void grdSuppliers_AfterEdit(int row, int column);
+    void warnOfCost(int row);
+    void takeSupplierCell(SupplierRow& entry, int row, int column);
+    void cmdAddNewSupplier_Click();
+    void cmdDeleteSupplier_Click();
+    void moveSupplier(int step);
+    void grdSuppliers_Error();
+    bool ValidateSupplierMatrix();
+    bool SaveSupplierMatrix(); // false when the store refused it
+    void deleteSupplier(SupplierRow& row);
+    void writeSupplier(SupplierRow& row);
+
+    // Substitutes.
+    void reloadSubstitutes();
+    void cmdSubsAddNew_Click();
+    void grdSubs_ChangePriority(bool Up);
+    void grdSubs_Error();
+
+    // Tag-along, sales message, split.
+    void lblTagAlongSKU_Click();
+    void cmdRemoveTagAlong_Click();
+    bool writeTagAlong(const std::string& procedure, const Value& sku, const Value& matrixSku);
+    void txtTagAlongQty_LostFocus();
+    void lblSalesMsg_Click();
     void lbxSplitParentSKU_Click();
+    void UpdateSplit();
 
     void cmdAdjust_Click();
     void cmdDeleteItem_Click();
     void cmdExit_Click(int index);
     void tabItems_Change(int left);
-    bool ValidateSupplierMatrix();
-    bool SaveSupplierMatrix();
 
     void wireGeneral();
     void wireOtherPages();
+    void wireSuppliers();
+    void wirePrices();
+    void wireSubstitutes();
+    void wireMisc();
     ui::Item generalPage();
     ui::Item suppliersPage();
     ui::Item pricePage();
@@ -187,11 +235,17 @@ private:
     bool Loaded = false;  // the screen has been populated
     bool Loading = false; // Form_Load is running
     bool Modal = false;
+    bool deleted_ = false;                // the item is gone from the store: nothing of it is to be saved
     int CurrentTab = 1;                   // from 1
     int TaxNoneIndex = 0;                 // position of the tax class "None"
     std::optional<bool> SavedSerialValue; // what type 5 displaced
     std::optional<int> SavedTaxIndex;
     std::vector<std::pair<std::string, std::string>> tiers_; // name and id
+    ValueBefore LastPrice;
+    std::vector<SupplierRow> suppliers_; // as shown and as deleted; the hidden column of grdSuppliers holds positions in it
+    int DefaultSupplier = -1;            // of a new row; -1 when the store has no supplier at all
+    ValueBefore LastCost;
+    ValueBefore LastMinOrder;
     db::RecordsetPtr supplierRows_;
     db::RecordsetPtr priceRows_;
     db::RecordsetPtr subsRows_;

@@ -1,8 +1,8 @@
 #include "catalog/frmItems.h"
 
-#include "app/modMain.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "catalog/itemscreen.h"
 #include "catalog/profit.h"
 #include "ui/desk.h"
 
@@ -10,9 +10,6 @@ namespace merchantry::catalog {
 
 using namespace app;
 using namespace ui;
-using db::CommandType;
-using db::CursorType;
-using db::LockType;
 using db::RecordsetPtr;
 using db::Sql;
 
@@ -21,18 +18,6 @@ using db::Sql;
 namespace {
 
 constexpr int kNeverSold = 1900;
-
-std::vector<db::Parameter> itemKey() {
-    return {textParameter("SKU", 100, modMain().CurrentSKU), textParameter("MatrixSKU", 100, modMain().CurrentMatrixSKU)};
-}
-
-RecordsetPtr openList(const Sql& procedure, const std::vector<db::Parameter>& parameters = {}) {
-    return openBroker(procedure, CommandType::StoredProcedure, CursorType::ForwardOnly, LockType::ReadOnly, parameters);
-}
-
-RecordsetPtr openUpdatable(const Sql& procedure, const std::vector<db::Parameter>& parameters) {
-    return openBroker(procedure, CommandType::StoredProcedure, CursorType::Dynamic, LockType::Optimistic, parameters);
-}
 
 // Adds each row's text, with its key as the entry's number.
 void fill(ListBox& list, const RecordsetPtr& rows, const std::string& text, const std::string& key) {
@@ -147,60 +132,6 @@ void frmItems::showStock() {
     txtRestock.setText(item["Restock"].text());
 }
 
-void frmItems::populateSuppliers() {
-    lblSuppliersSKU.setCaption(modMain().CurrentSKU);
-    lblSupRetailPrice.setCaption("$" + std::string(trimmed(txtPriceAmt.text())));
-    supplierRows_ = openUpdatable("bsp_SupplierMatrixDetailLookup", itemKey());
-    grdSuppliers.setDataRows(0);
-    for (; !supplierRows_->Eof(); supplierRows_->MoveNext()) {
-        db::Recordset& row = *supplierRows_;
-        const std::string part = row["PartNo"].isNull() ? "0" : row["PartNo"].text();
-        grdSuppliers.addRow({row["SKU"].text(), row["MatrixSKU"].text(), row["Supplier"].text(), row["Cost"].text(), row["MinOrder"].text(),
-                             row["Priority"].text(), part});
-    }
-    grdSuppliers.setStatusText(std::to_string(grdSuppliers.dataRows()) + (grdSuppliers.dataRows() == 1 ? " supplier" : " suppliers"));
-}
-
-void frmItems::populatePrices() {
-    lblPriceSKU.setCaption(modMain().CurrentSKU);
-    lblRetailUnitPriceAmt.setCaption("$" + txtPriceAmt.text());
-    lblPriceCostAmt.setCaption(lblCostAmt.caption());
-    const auto tiers = openDirect("SELECT *, (select count(*) from TierDefs) AS cnt FROM TierDefs ORDER BY TierID");
-    tiers_.clear();
-    int retail = 0;
-    for (; !tiers->Eof(); tiers->MoveNext()) {
-        const std::string tier = (*tiers)["TierName"].text();
-        if (tier == "Retail")
-            retail = static_cast<int>(tiers_.size());
-        tiers_.emplace_back(tier, (*tiers)["TierID"].text());
-        lbxTier.add(tier);
-    }
-    lbxTier.setListIndex(retail);
-    reloadPrices(retail + 1);
-}
-
-void frmItems::reloadPrices(int tier) {
-    auto key = itemKey();
-    key.push_back(intParameter("Tier", tier));
-    grdPriceMatrix.bind(nullptr);
-    priceRows_ = openUpdatable("bsp_PriceMatrixGrid", key);
-    grdPriceMatrix.bind(priceRows_.get());
-}
-
-void frmItems::showSale() {
-    const auto sales = openList("bsp_SalesGrid", itemKey());
-    const bool running =
-        !sales->Eof() && (*sales)["DateTo"].Value().is<Date>() && (*sales)["DateTo"].Value().as<Date>() >= desk().clock().now();
-    lblPriceSaleAmt.setCaption(running ? "$" + (*sales)["SalePrice"].text() : "");
-}
-
-void frmItems::populateSubstitutes() {
-    lblSubsSKU.setCaption(modMain().CurrentSKU);
-    grdSubs.bind(nullptr);
-    subsRows_ = openUpdatable("bsp_SubsGrid", itemKey());
-    grdSubs.bind(subsRows_.get());
-}
-
 void frmItems::populateNotes() {
     lblNotesSKU.setCaption(modMain().CurrentSKU);
     const std::string notes = (*modMain().ItemRecordset)["Notes"].text();
@@ -213,28 +144,6 @@ void frmItems::populateMatrix() {
     grdItemMatrix.bind(nullptr);
     matrixRows_ = openUpdatable("bsp_ItemMatrixGrid", itemKey());
     grdItemMatrix.bind(matrixRows_.get());
-}
-
-void frmItems::populateMisc() {
-    db::Recordset& item = *modMain().ItemRecordset;
-    lblMiscSKU.setCaption(modMain().CurrentSKU);
-    lblTagAlongSKU.setCaption(item["TagAlongSKU"].text() + " (" + item["TagAlongMatrixSKU"].text() + ")");
-    txtTagAlongQty.setText(item["TagAlongQty"].text());
-    const auto message =
-        openList("bsp_SalesMessagesLookup", {intParameter("id", static_cast<int>(item["SalesMsgID"].Value().toInteger()))});
-    if (!message->Eof() && !(*message)["Message"].text().empty())
-        lblSalesMsg.setCaption((*message)["Message"].text());
-    showSplit();
-}
-
-void frmItems::showSplit() {
-    const auto split = openDirect(Sql("SELECT * FROM ItemSplitMatrix WHERE SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" +
-                                  modMain().CurrentMatrixSKU + "'");
-    if (split->Eof())
-        return;
-    lbxSplitParentSKU.setListIndex(lbxSplitParentSKU.indexOf((*split)["SplitParentSKU"].text()));
-    lbxSplitParentMatrixSKU.setListIndex(lbxSplitParentMatrixSKU.indexOf((*split)["SplitParentMatrixSKU"].text()));
-    txtSplitQty.setText((*split)["SplitQuantity"].text());
 }
 
 } // namespace merchantry::catalog

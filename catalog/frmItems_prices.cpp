@@ -1,0 +1,164 @@
+// The Price Matrix page of frmItems.
+#include "catalog/frmItems.h"
+#include "catalog/itemscreen.h"
+
+#include "base/text.h"
+#include "ui/desk.h"
+
+namespace merchantry::catalog {
+
+using namespace app;
+using namespace ui;
+using db::Sql;
+
+namespace {
+
+enum PriceColumn { kTier = 2, kQuantity = 3, kPrice = 4 };
+
+} // namespace
+
+void frmItems::wirePrices() {
+    using Format = GridColumn::Format;
+    grdPriceMatrix.setColumns({{.heading = "Parent", .fixedWidth = true},
+                               {.heading = "Matrix", .fixedWidth = true},
+                               {.heading = "Tier", .format = Format::Number},
+                               {.heading = "Qty >=", .format = Format::Number},
+                               {.heading = "Unit Price", .format = Format::Currency}});
+    grdPriceMatrix.emptyText = "This tier has no prices for the item.";
+    grdPriceMatrix.beforeEdit = [this](int row, int column, bool& cancel) { grdPriceMatrix_BeforeEdit(row, column, cancel); };
+    grdPriceMatrix.afterEdit = [this](int row, int column) {
+        guarded({kItemsTag, "grdPriceMatrix_AfterEdit"}, [&] { grdPriceMatrix_AfterEdit(row, column); });
+    };
+    grdPriceMatrix.error = [this](const std::string&, bool& handled) {
+        handled = true;
+        grdPriceMatrix_Error();
+    };
+    lbxTier.setToolTip("After Adjust each tier stands here twice; both entries of a name mean the same tier.");
+    cmdPriceDelete.setToolTip("Deletes the selected row at once, also the retail price, without which the price on General is not kept.");
+    lblPriceSaleAmt.setToolTip("The sale price in force when the item was read");
+    lbxTier.click = [this] { lbxTier_Click(); };
+    cmdAddPriceMatrixItem.click = [this] { cmdAddPriceMatrixItem_Click(); };
+    cmdPriceDelete.click = [this] { cmdPriceDelete_Click(); };
+    cmdSales.click = [] {
+        if (modMain().doors.ItemSales)
+            modMain().doors.ItemSales();
+    };
+}
+
+void frmItems::populatePrices() {
+    lblPriceSKU.setCaption(modMain().CurrentSKU);
+    lblRetailUnitPriceAmt.setCaption("$" + txtPriceAmt.text());
+    lblPriceCostAmt.setCaption(lblCostAmt.caption());
+    const auto tiers = openDirect("SELECT *, (select count(*) from TierDefs) AS cnt FROM TierDefs ORDER BY TierID");
+    tiers_.clear();
+    int retail = 0;
+    for (; !tiers->Eof(); tiers->MoveNext()) {
+        const std::string tier = (*tiers)["TierName"].text();
+        if (tier == "Retail")
+            retail = static_cast<int>(tiers_.size());
+        tiers_.emplace_back(tier, (*tiers)["TierID"].text());
+        lbxTier.add(tier);
+    }
+    lbxTier.setListIndex(retail);
+    reloadPrices(retail + 1);
+}
+
+// Of the tier with this id. Some callers take a position in the list plus 1 for the id, which it is while no tier was ever deleted.
+void frmItems::reloadPrices(int tier) {
+    auto key = itemKey();
+    key.push_back(intParameter("Tier", tier));
+    grdPriceMatrix.bind(nullptr);
+    if (priceRows_ != nullptr && priceRows_->State() != 0)
+        priceRows_->Close();
+    priceRows_ = openUpdatable("bsp_PriceMatrixGrid", key);
+    grdPriceMatrix.bind(priceRows_.get());
+    grdPriceMatrix.setStatusText(selectedTier() == tier || lbxTier.listIndex() < 0
+                                     ? "Each cell is saved as you leave it, and the whole item is read again then."
+                                     : "These are the prices of tier " + std::to_string(tier) + ". Pick \"" + lbxTier.text() +
+                                           "\" again to see its own.");
+}
+
+void frmItems::showSale() {
+    const auto sales = openList("bsp_SalesGrid", itemKey());
+    const bool running =
+        !sales->Eof() && (*sales)["DateTo"].Value().is<Date>() && (*sales)["DateTo"].Value().as<Date>() >= desk().clock().now();
+    lblPriceSaleAmt.setCaption(running ? "$" + (*sales)["SalePrice"].text() : "");
+}
+
+// The id of the tier selected by its name; -1 when no tier bears it.
+int frmItems::selectedTier() const {
+    for (const auto& [name, id] : tiers_)
+        if (name == lbxTier.text())
+            return static_cast<int>(Value(id).toInteger());
+    return -1;
+}
+
+void frmItems::lbxTier_Click() {
+    guarded({kItemsTag, "lbxTier_Click"}, [this] {
+        if (const int tier = selectedTier(); tier >= 0)
+            reloadPrices(tier);
+    });
+}
+
+void frmItems::cmdAddPriceMatrixItem_Click() {
+    guarded({kItemsTag, "cmdAddPriceMatrixItem_Click"}, [this] {
+        const bool added =
+            grdPriceMatrix.addRow({modMain().CurrentSKU, modMain().CurrentMatrixSKU, std::to_string(selectedTier()), "0", "1"});
+        if (!added)
+            return;
+        grdPriceMatrix.setCurrent(grdPriceMatrix.dataRows(), kQuantity);
+        grdPriceMatrix.setFocus();
+    });
+}
+
+void frmItems::grdPriceMatrix_BeforeEdit(int row, int column, bool& cancel) {
+    cancel = column <= kTier;
+    if (column == kPrice)
+        LastPrice.remember(grdPriceMatrix.rawText(row, kPrice));
+}
+
+void frmItems::grdPriceMatrix_AfterEdit(int row, int column) {
+    if (column == kPrice && grdPriceMatrix.value(row, kPrice).toCurrency().units() == 0) {
+        desk().message("Price cannot be zero. Please reenter.", kPofessional, MessageIcon::Information);
+        grdPriceMatrix.setText(row, kPrice, LastPrice.last.toText());
+        return;
+    }
+    if (column == kTier && grdPriceMatrix.text(row, kTier).empty()) {
+        desk().message("Please enter a valid price tier name.", kPofessional, MessageIcon::Information);
+        grdPriceMatrix.setText(row, kTier, "Edit Tier Name");
+        return;
+    }
+    readItemAgain(grdPriceMatrix.rawText(row, kQuantity), column);
+}
+
+// The whole screen, with the tier that was selected; the break that starts at this quantity stays the current row.
+void frmItems::readItemAgain(const std::string& quantity, int column) {
+    const int position = lbxTier.listIndex();
+    lbxTier.clear();
+    Populate_FormData();
+    if (position >= 0 && lbxTier.count() > 0)
+        lbxTier.setListIndex(position % lbxTier.count()); // a list that held each tier twice holds it once now
+    for (int row = 1; row <= grdPriceMatrix.dataRows(); ++row)
+        if (grdPriceMatrix.rawText(row, kQuantity) == quantity)
+            grdPriceMatrix.setCurrent(row, column);
+}
+
+void frmItems::cmdPriceDelete_Click() {
+    guarded({kItemsTag, "cmdPriceDelete_Click"}, [this] {
+        if (grdPriceMatrix.selected())
+            grdPriceMatrix.removeRow(grdPriceMatrix.row());
+        else
+            desk().message("You must first select a row to delete.", kProduct);
+    });
+}
+
+void frmItems::grdPriceMatrix_Error() {
+    guarded({kItemsTag, "grdPriceMatrix_Error"}, [this] {
+        desk().message("This entry would invalidate some of your pricing data! Please check your entry and try again.", kProduct);
+        if (priceRows_ != nullptr)
+            priceRows_->CancelUpdate();
+        reloadPrices(lbxTier.listIndex() + 1);
+    });
+}
+
+} // namespace merchantry::catalog

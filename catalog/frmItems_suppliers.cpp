@@ -1,0 +1,300 @@
+// The Suppliers page of frmItems: its rows are held in memory and written when the screen is left.
+#include "catalog/frmItems.h"
+#include "catalog/itemscreen.h"
+
+#include "base/numbers.h"
+#include "base/text.h"
+#include "ui/desk.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace merchantry::catalog {
+
+using namespace app;
+using namespace ui;
+using db::Sql;
+
+namespace {
+
+enum SupplierColumn { kParent, kMatrix, kSupplier, kCost, kMinOrder, kPriority, kPartNo, kIndex };
+
+std::string behindDollar(const std::string& text) {
+    return text.starts_with("$") ? text.substr(1) : text;
+}
+
+double numberIn(const std::string& text) {
+    return numberOf(text).value_or(numericPrefix(text));
+}
+
+// Requires: the text is numeric.
+Currency amountIn(const std::string& text) {
+    try {
+        return Currency::fromText(text);
+    } catch (const std::invalid_argument&) { // with an exponent
+        return Currency::fromDouble(*numberOf(text));
+    }
+}
+
+} // namespace
+
+void frmItems::wireSuppliers() {
+    using Format = GridColumn::Format;
+    grdSuppliers.setColumns({{.heading = "Parent", .fixedWidth = true},
+                             {.heading = "Matrix", .fixedWidth = true},
+                             {.heading = "Supplier", .editor = GridColumn::Editor::Combo, .characters = 32},
+                             {.heading = "Cost", .format = Format::Currency},
+                             {.heading = "Min Order", .format = Format::Number},
+                             {.heading = "Priority", .format = Format::Number},
+                             {.heading = "Part #", .characters = 16},
+                             {.heading = "", .hidden = true}});
+    grdSuppliers.emptyText = "No supplier delivers this item yet.";
+    grdSuppliers.setToolTip("What is typed over in the column Matrix is not kept: the row belongs to this item.");
+    grdSuppliers.beforeEdit = [this](int row, int column, bool& cancel) { grdSuppliers_BeforeEdit(row, column, cancel); };
+    grdSuppliers.afterEdit = [this](int row, int column) { grdSuppliers_AfterEdit(row, column); };
+    grdSuppliers.error = [this](const std::string&, bool& handled) {
+        handled = true;
+        grdSuppliers_Error();
+    };
+    grdSuppliers.afterRefresh = [this] { guarded({kItemsTag, "grdSuppliers_AfterDataRefresh"}, [this] { showSupplierCount(); }); };
+    cmdAddNewSupplier.click = [this] { cmdAddNewSupplier_Click(); };
+    cmdDeleteSupplier.click = [this] { cmdDeleteSupplier_Click(); };
+    imgArrowUp.click = [this] { moveSupplier(-1); };
+    imgArrowDown.click = [this] { moveSupplier(1); };
+}
+
+void frmItems::populateSuppliers() {
+    lblSuppliersSKU.setCaption(modMain().CurrentSKU);
+    lblSupRetailPrice.setCaption("$" + std::string(trimmed(txtPriceAmt.text())));
+    const bool dropped = std::any_of(suppliers_.begin(), suppliers_.end(),
+                                     [](const SupplierRow& row) { return row.Deleted ? row.InDatabase : row.Dirty || !row.InDatabase; });
+    supplierRows_ = openUpdatable("bsp_SupplierMatrixDetailLookup", itemKey());
+    grdSuppliers.bind(nullptr);
+    fillSupplierChoices();
+    suppliers_.clear();
+    for (; !supplierRows_->Eof(); supplierRows_->MoveNext())
+        takeSupplier(*supplierRows_);
+    grdSuppliers.setDataRows(static_cast<int>(suppliers_.size()));
+    for (int row = 1; row <= grdSuppliers.dataRows(); ++row)
+        PopulateSupplierRow(row, row - 1);
+    showSupplierCount();
+    if (dropped)
+        grdSuppliers.setStatusText("The item was read again: changes of its suppliers that were not saved yet are gone.");
+}
+
+void frmItems::fillSupplierChoices() {
+    GridColumn column = grdSuppliers.column(kSupplier);
+    column.choices.clear();
+    DefaultSupplier = -1;
+    const auto suppliers = openDirect("SELECT * FROM Suppliers Order By Supplier");
+    for (; !suppliers->Eof(); suppliers->MoveNext()) {
+        if (column.choices.empty())
+            DefaultSupplier = static_cast<int>((*suppliers)["SupID"].Value().toInteger());
+        column.choices.emplace_back((*suppliers)["Supplier"].text(), (*suppliers)["SupID"].text());
+    }
+    grdSuppliers.setColumn(kSupplier, std::move(column));
+}
+
+void frmItems::takeSupplier(db::Recordset& rows) {
+    SupplierRow row;
+    row.SKU = rows["SKU"].text();
+    row.MatrixSKU = rows["MatrixSKU"].text();
+    row.SupID = row.OldSupID = toInt16(rows["SupID"].Value().toNumber());
+    row.Cost = row.OldCost = rows["Cost"].Value().toCurrency();
+    row.MinOrder = toInt16(rows["MinOrder"].Value().toNumber());
+    row.Priority = toInt16(rows["Priority"].Value().toNumber());
+    row.PartNo = rows["PartNo"].isNull() ? "0" : rows["PartNo"].text();
+    row.InDatabase = true;
+    suppliers_.push_back(std::move(row));
+}
+
+void frmItems::PopulateSupplierRow(int GridRow, int Index) {
+    const SupplierRow& row = suppliers_.at(static_cast<std::size_t>(Index));
+    grdSuppliers.setText(GridRow, kParent, row.SKU);
+    grdSuppliers.setText(GridRow, kMatrix, row.MatrixSKU);
+    grdSuppliers.setText(GridRow, kSupplier, std::to_string(row.SupID));
+    grdSuppliers.setText(GridRow, kCost, row.Cost.toDisplay());
+    grdSuppliers.setText(GridRow, kMinOrder, std::to_string(row.MinOrder));
+    grdSuppliers.setText(GridRow, kPriority, std::to_string(row.Priority));
+    grdSuppliers.setText(GridRow, kPartNo, row.PartNo);
+    grdSuppliers.setText(GridRow, kIndex, std::to_string(Index));
+}
+
+void frmItems::showSupplierCount() {
+    const int rows = grdSuppliers.dataRows();
+    grdSuppliers.setStatusText(std::to_string(rows) + (rows == 1 ? " supplier" : " suppliers") +
+                               ". They are saved when you leave the item; Adjust and a change in the price matrix read them again.");
+}
+
+// The position in memory of a row of the grid; -1 when it has none.
+int frmItems::supplierAt(int gridRow) const {
+    if (grdSuppliers.rows() != nullptr || gridRow < 1 || gridRow > grdSuppliers.dataRows())
+        return -1;
+    return static_cast<int>(Value(grdSuppliers.rawText(gridRow, kIndex)).toInteger());
+}
+
+void frmItems::grdSuppliers_BeforeEdit(int row, int column, bool& cancel) {
+    cancel = column == kParent || column == kPriority;
+    if (column == kCost)
+        LastCost.remember(grdSuppliers.rawText(row, kCost));
+    if (column == kMinOrder)
+        LastMinOrder.remember(grdSuppliers.rawText(row, kMinOrder));
+}
+
+void frmItems::grdSuppliers_AfterEdit(int row, int column) {
+    const int index = supplierAt(row);
+    if (index < 0)
+        return;
+    const bool taken = guarded({kItemsTag, "grdSuppliers_AfterEdit"}, [&] {
+        warnOfCost(row);
+        takeSupplierCell(suppliers_[static_cast<std::size_t>(index)], row, column);
+    });
+    if (!taken)
+        PopulateSupplierRow(row, index);
+}
+
+void frmItems::warnOfCost(int row) {
+    const std::string cost = grdSuppliers.rawText(row, kCost);
+    const std::string price = behindDollar(txtPriceAmt.text());
+    if (numberIn(cost) > numberIn(price))
+        desk().message("Please be aware that the cost of $" + behindDollar(cost) +
+                           " you have entered for this product is greater than the retail price of $" + price + " that you have assigned",
+                       kProduct);
+}
+
+void frmItems::takeSupplierCell(SupplierRow& entry, int row, int column) {
+    const std::string text = grdSuppliers.rawText(row, column);
+    const auto refuse = [&](const char* sentence, const std::string& before) {
+        desk().message(sentence, kPofessional, MessageIcon::Information);
+        grdSuppliers.setText(row, column, before);
+    };
+    switch (column) {
+    case kSupplier:
+        entry.SupID = toInt16(Value(text).toNumber());
+        break;
+    case kCost:
+        if (!isNumeric(text))
+            return refuse("Cost must be numeric. Please reenter.", LastCost.last.toDisplay());
+        if (text != entry.Cost.toDisplay()) // what stands there unchanged keeps decimals that it does not show
+            entry.Cost = amountIn(text);
+        break;
+    case kMinOrder:
+        if (!isNumeric(text))
+            return refuse("Minimum oreder quanity must be numeric. Please reenter.", LastMinOrder.last.toText());
+        if (const double number = *numberOf(text); std::trunc(number) != number)
+            return refuse("Minimum oreder quanity must be an integral number. Please reenter.", LastMinOrder.last.toText());
+        entry.MinOrder = toInt16(*numberOf(text));
+        break;
+    case kPartNo:
+        entry.PartNo = text;
+        break;
+    default:
+        break;
+    }
+    entry.Dirty = true;
+}
+
+void frmItems::cmdAddNewSupplier_Click() {
+    guarded({kItemsTag, "cmdAddNewSupplier_Click"}, [this] {
+        if (DefaultSupplier == -1) {
+            desk().message("No suppliers found in the database. The requested operation cannot proceed.", kProduct);
+            return;
+        }
+        const int before = supplierAt(grdSuppliers.dataRows());
+        SupplierRow row;
+        row.SKU = modMain().CurrentSKU;
+        row.MatrixSKU = modMain().CurrentMatrixSKU;
+        row.SupID = row.OldSupID = toInt16(DefaultSupplier);
+        row.MinOrder = 1;
+        row.Priority = toInt16(before < 0 ? 1 : suppliers_[static_cast<std::size_t>(before)].Priority + 1);
+        suppliers_.push_back(std::move(row));
+        grdSuppliers.setDataRows(grdSuppliers.dataRows() + 1);
+        PopulateSupplierRow(grdSuppliers.dataRows(), static_cast<int>(suppliers_.size()) - 1);
+        grdSuppliers.setCurrent(grdSuppliers.dataRows(), kSupplier);
+        grdSuppliers.setFocus();
+        showSupplierCount();
+    });
+}
+
+void frmItems::cmdDeleteSupplier_Click() {
+    guarded({kItemsTag, "cmdDeleteSupplier_Click"}, [this] {
+        const int index = supplierAt(grdSuppliers.row());
+        if (index < 0) {
+            desk().message("Please select a valid supplier to remove", kProduct);
+            return;
+        }
+        suppliers_[static_cast<std::size_t>(index)].Deleted = true;
+        grdSuppliers.removeRow(grdSuppliers.row());
+        showSupplierCount();
+    });
+}
+
+void frmItems::moveSupplier(int step) {
+    const int row = grdSuppliers.row();
+    const int here = supplierAt(row);
+    const int there = supplierAt(row + step);
+    if (here < 0 || there < 0)
+        return;
+    exchange(suppliers_[static_cast<std::size_t>(here)], suppliers_[static_cast<std::size_t>(there)]);
+    PopulateSupplierRow(row, here);
+    PopulateSupplierRow(row + step, there);
+    grdSuppliers.setCurrent(row + step, grdSuppliers.col());
+}
+
+bool frmItems::ValidateSupplierMatrix() {
+    std::vector<const SupplierRow*> shown;
+    for (int row = 1; row <= grdSuppliers.dataRows(); ++row)
+        if (const int index = supplierAt(row); index >= 0)
+            shown.push_back(&suppliers_[static_cast<std::size_t>(index)]);
+    const auto fault = faultIn(shown);
+    if (!fault)
+        return true;
+    grdSuppliers.setCurrent(fault->row, grdSuppliers.col());
+    desk().message(fault->message, kProduct, MessageIcon::Information);
+    grdSuppliers.setFocus();
+    return false;
+}
+
+bool frmItems::SaveSupplierMatrix() {
+    return guarded({"frmItems", "SaveSupplierMatrix"}, [this] {
+        renumber(suppliers_);
+        // Deletes first, so that a new row may take the key that a deleted one held.
+        for (SupplierRow& row : suppliers_)
+            if (row.InDatabase && row.Deleted)
+                deleteSupplier(row);
+        for (SupplierRow& row : suppliers_)
+            if (!row.Deleted && (!row.InDatabase || row.Dirty))
+                writeSupplier(row);
+    });
+}
+
+void frmItems::deleteSupplier(SupplierRow& row) {
+    modMain().Conn->Execute(Sql("sp_DeleteSupplierMatrixDetail '") + row.SKU + "', '" + row.MatrixSKU + "', " + int{row.OldSupID} + ", " +
+                            row.OldCost);
+    row.InDatabase = false;
+}
+
+void frmItems::writeSupplier(SupplierRow& row) {
+    const Sql now =
+        Sql() + int{row.SupID} + ", " + row.Cost + ", " + int{row.MinOrder} + ", " + int{row.Priority} + ", '" + row.PartNo + "'";
+    if (row.InDatabase)
+        modMain().Conn->Execute(Sql("sp_UpdateSupplierMatrixDetail '") + row.SKU + "', '" + row.MatrixSKU + "', " + int{row.OldSupID} +
+                                ", " + row.OldCost + ", " + now);
+    else
+        modMain().Conn->Execute(Sql("sp_InsertSupplierMatrixDetail '") + row.SKU + "', '" + row.MatrixSKU + "', " + now);
+    row.InDatabase = true;
+    row.Dirty = false;
+    row.OldSupID = row.SupID;
+    row.OldCost = row.Cost;
+}
+
+void frmItems::grdSuppliers_Error() {
+    guarded({kItemsTag, "grdSuppliers_Error"}, [this] {
+        desk().message("This entry would invalidate your supplier matrix! Please check your entry and try again.", kProduct);
+        suppliers_.clear();
+        supplierRows_ = openUpdatable("bsp_SupplierMatrixDetailLookup", itemKey());
+        grdSuppliers.bind(supplierRows_.get());
+    });
+}
+
+} // namespace merchantry::catalog

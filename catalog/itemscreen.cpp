@@ -1,0 +1,30 @@
+#include "catalog/itemscreen.h"
+
+#include "base/numbers.h"
+
+namespace merchantry::catalog {
+
+using namespace app;
+
+std::vector<db::Parameter> itemKey() {
+    return {textParameter("SKU", 100, modMain().CurrentSKU), textParameter("MatrixSKU", 100, modMain().CurrentMatrixSKU)};
+}
+
+db::RecordsetPtr openList(const db::Sql& procedure, const std::vector<db::Parameter>& parameters) {
+    return openBroker(procedure, db::CommandType::StoredProcedure, db::CursorType::ForwardOnly, db::LockType::ReadOnly, parameters);
+}
+
+db::RecordsetPtr openUpdatable(const db::Sql& procedure, const std::vector<db::Parameter>& parameters) {
+    return openBroker(procedure, db::CommandType::StoredProcedure, db::CursorType::Dynamic, db::LockType::Optimistic, parameters);
+}
+
+void ValueBefore::remember(const std::string& cell) {
+    if (!isNumeric(cell))
+        return;
+    const Currency value = Currency::fromDouble(*numberOf(cell));
+    if (value.units() != 0)
+        lastNonZero = value;
+    last = value.units() != 0 ? value : lastNonZero;
+}
+
+} // namespace merchantry::catalog

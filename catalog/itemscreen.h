@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/modMain.h"
+#include "base/currency.h"
+
+#include <string>
+#include <vector>
+
+namespace merchantry::catalog {
+
+// What the sources of frmItems share.
+
+constexpr const char* kItemsTag = "MR_frmItems";
+constexpr const char* kProduct = "Velmora Tillmark Professional";
+constexpr const char* kPofessional = "Velmora Tillmark Pofessional";
+
+// The key of the current item as the parameters SKU and MatrixSKU.
+std::vector<db::Parameter> itemKey();
+// The rows of a procedure, to be read once.
+db::RecordsetPtr openList(const db::Sql& procedure, const std::vector<db::Parameter>& parameters = {});
+// The rows of a procedure, for a grid to edit.
+db::RecordsetPtr openUpdatable(const db::Sql& procedure, const std::vector<db::Parameter>& parameters = {});
+
+// The value that a cell held before the edit under way. A 0 does not take the place of what was there before, so that a refused 0 can be
+// put back to the last value that was none. A cell that is no number changes nothing.
+struct ValueBefore {
+    Currency last;
+    Currency lastNonZero;
+    void remember(const std::string& cell);
+};
+
+} // namespace merchantry::catalog
