@@ -1,60 +1,24 @@
 #include "app/db/sqltype.h"
 
+#include <array>
+
 namespace merchantry::db {
 
+std::string_view SqlType::kindName() const {
+    static constexpr std::array<std::string_view, 23> kNames = {
+        "null",     "bit",  "tinyint", "smallint",      "int",       "bigint", "decimal",         "smallmoney",
+        "money",    "real", "float",   "smalldatetime", "datetime",  "char",   "varchar",         "nchar",
+        "nvarchar", "text", "ntext",   "binary",        "varbinary", "image",  "uniqueidentifier"};
+    static_assert(kNames.size() == static_cast<std::size_t>(TypeKind::UniqueIdentifier) + 1);
+    return kNames.at(static_cast<std::size_t>(kind));
+}
+
 std::string SqlType::toText() const {
-    const auto measured = [&](const char* name) {
-        return std::string(name) + "(" + (length == kMax ? std::string("max") : std::to_string(length)) + ")";
-    };
-    switch (kind) {
-    case TypeKind::Null:
-        return "null";
-    case TypeKind::Bit:
-        return "bit";
-    case TypeKind::TinyInt:
-        return "tinyint";
-    case TypeKind::SmallInt:
-        return "smallint";
-    case TypeKind::Int:
-        return "int";
-    case TypeKind::BigInt:
-        return "bigint";
-    case TypeKind::Decimal:
-        return "decimal(" + std::to_string(precision) + "," + std::to_string(scale) + ")";
-    case TypeKind::SmallMoney:
-        return "smallmoney";
-    case TypeKind::Money:
-        return "money";
-    case TypeKind::Real:
-        return "real";
-    case TypeKind::Float:
-        return "float";
-    case TypeKind::SmallDateTime:
-        return "smalldatetime";
-    case TypeKind::DateTime:
-        return "datetime";
-    case TypeKind::Char:
-        return measured("char");
-    case TypeKind::VarChar:
-        return measured("varchar");
-    case TypeKind::NChar:
-        return measured("nchar");
-    case TypeKind::NVarChar:
-        return measured("nvarchar");
-    case TypeKind::Text:
-        return "text";
-    case TypeKind::NText:
-        return "ntext";
-    case TypeKind::Binary:
-        return measured("binary");
-    case TypeKind::VarBinary:
-        return measured("varbinary");
-    case TypeKind::Image:
-        return "image";
-    case TypeKind::UniqueIdentifier:
-        return "uniqueidentifier";
-    }
-    return "";
+    const std::string name(kindName());
+    if (kind == TypeKind::Decimal)
+        return name + "(" + std::to_string(precision) + "," + std::to_string(scale) + ")";
+    const bool measured = (isText() && kind != TypeKind::Text && kind != TypeKind::NText) || (isBinary() && kind != TypeKind::Image);
+    return measured ? name + "(" + (length == kMax ? std::string("max") : std::to_string(length)) + ")" : name;
 }
 
 } // namespace merchantry::db

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace merchantry::db {
 
@@ -49,6 +50,8 @@ struct SqlType {
     bool isFloat() const { return kind == TypeKind::Float || kind == TypeKind::Real; }
     bool isBinary() const { return kind >= TypeKind::Binary && kind <= TypeKind::Image; }
 
+    // Without its measures: "varchar", "decimal".
+    std::string_view kindName() const;
     // As it is written: "varchar(25)", "decimal(9,2)", "int".
     std::string toText() const;
 };

@@ -148,7 +148,7 @@ Rowset triggers(StoreCatalog& catalog) {
 }
 
 std::string userTypeName(const SqlType& type) {
-    return type.kind == TypeKind::Decimal ? "decimal" : tsql::kindNameOf(type);
+    return std::string(type.kindName());
 }
 
 int precisionOf(const SqlType& type) {

@@ -188,10 +188,7 @@ bool isBitwise(char op) {
 } // namespace
 
 std::string kindNameOf(const SqlType& type) {
-    if (type.kind == TypeKind::Decimal)
-        return "numeric";
-    const std::string text = type.toText();
-    return text.substr(0, text.find('('));
+    return type.kind == TypeKind::Decimal ? "numeric" : std::string(type.kindName());
 }
 
 SqlType simpleType(TypeKind kind) {
