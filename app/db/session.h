@@ -81,7 +81,8 @@ struct TableShape {
     };
     std::string name;
     std::vector<Field> fields;
-    std::vector<std::string> key; // primary key, or the first unique index without nulls; empty when there is none
+    // Every set of columns, none of them nullable, that tells one row: the primary key first, then the unique keys and indexes.
+    std::vector<std::vector<std::string>> keys;
 };
 
 // One connection to a store: one user, one transaction at a time, one thread (but for cancel).

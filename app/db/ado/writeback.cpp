@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace merchantry::db {
 namespace {
@@ -81,19 +82,25 @@ void addCondition(Statement& statement, const std::string& field, const SqlType&
     statement.addValue(type, value);
 }
 
+// The first key of the table whose columns are all among the rows' own.
+const std::vector<std::string>& keyAmong(const RowStore& store, const TableShape& shape) {
+    if (shape.keys.empty())
+        readOnly("Insufficient key column information for updating or refreshing: the table " + shape.name + " has no key.");
+    for (const auto& key : shape.keys)
+        if (std::all_of(key.begin(), key.end(), [&](const std::string& field) { return columnFor(store, shape.name, field) >= 0; }))
+            return key;
+    readOnly("Insufficient key column information for updating or refreshing: " + shape.keys.front().front() + " of " + shape.name +
+             " is not among the columns.");
+}
+
 void addKey(Statement& statement, Session& session, const RowStore& store, int row, const std::string& table) {
     const TableShape shape = session.table(table);
-    if (shape.key.empty())
-        readOnly("Insufficient key column information for updating or refreshing: the table " + table + " has no key.");
     statement.add(" WHERE ");
-    for (std::size_t i = 0; i < shape.key.size(); ++i) {
-        const int column = columnFor(store, table, shape.key[i]);
-        if (column < 0)
-            readOnly("Insufficient key column information for updating or refreshing: " + shape.key[i] + " of " + table +
-                     " is not among the columns.");
-        if (i > 0)
-            statement.add(" AND ");
-        addCondition(statement, shape.key[i], store.columns()[static_cast<std::size_t>(column)].type, store.value(row, column));
+    bool first = true;
+    for (const std::string& field : keyAmong(store, shape)) {
+        const int column = columnFor(store, table, field);
+        statement.add(std::exchange(first, false) ? "" : " AND ");
+        addCondition(statement, field, store.columns()[static_cast<std::size_t>(column)].type, store.value(row, column));
     }
 }
 
@@ -178,18 +185,17 @@ void readBack(Session& session, RowStore& store, int row, const std::string& tab
         targets.push_back(static_cast<int>(i));
     }
     statement.add(" FROM " + bracketed(table) + " WHERE ");
-    for (std::size_t i = 0; i < shape.key.size(); ++i) {
-        const int column = columnFor(store, table, shape.key[i]);
-        const auto field =
-            std::find_if(shape.fields.begin(), shape.fields.end(), [&](const auto& f) { return sameText(f.name, shape.key[i]); });
+    if (shape.keys.empty())
+        return;
+    bool first = true;
+    for (const std::string& name : shape.keys.front()) {
+        const int column = columnFor(store, table, name);
+        const auto field = std::find_if(shape.fields.begin(), shape.fields.end(), [&](const auto& f) { return sameText(f.name, name); });
         if (field == shape.fields.end() || (column < 0 && !field->identity))
             return;
-        if (i > 0)
-            statement.add(" AND ");
-        addCondition(statement, shape.key[i], field->type, field->identity ? identity : store.value(row, column));
+        statement.add(std::exchange(first, false) ? "" : " AND ");
+        addCondition(statement, name, field->type, field->identity ? identity : store.value(row, column));
     }
-    if (shape.key.empty())
-        return;
     FillRow sink(store, row, targets);
     statement.rows(session, sink);
 }

@@ -298,22 +298,24 @@ TableShape Engine::tableShape(std::string_view name) {
     for (const tsql::ColumnDef& column : table->columns)
         shape.fields.push_back(
             {column.name, column.type, column.nullable, column.identity, column.computed != nullptr, column.defaultValue != nullptr});
-    const auto setKey = [&](const std::vector<tsql::IndexColumn>& columns) {
+    const auto addKey = [&](const std::vector<tsql::IndexColumn>& columns) {
         const bool complete = std::none_of(columns.begin(), columns.end(), [&](const tsql::IndexColumn& column) {
             return table->columns[static_cast<std::size_t>(table->find(column.name))].nullable;
         });
-        if (!shape.key.empty() || !complete)
+        if (!complete)
             return;
+        std::vector<std::string>& key = shape.keys.emplace_back();
         for (const tsql::IndexColumn& column : columns)
-            shape.key.push_back(table->columns[static_cast<std::size_t>(table->find(column.name))].name);
+            key.push_back(table->columns[static_cast<std::size_t>(table->find(column.name))].name);
     };
     if (const tsql::KeyDef* primary = table->primaryKey())
-        setKey(primary->columns);
+        addKey(primary->columns);
     for (const tsql::KeyDef& key : table->keys)
-        setKey(key.columns);
+        if (&key != table->primaryKey())
+            addKey(key.columns);
     for (const tsql::IndexDef& index : table->indexes) {
         if (index.unique)
-            setKey(index.columns);
+            addKey(index.columns);
     }
     return shape;
 }

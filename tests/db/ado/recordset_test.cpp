@@ -206,5 +206,21 @@ TEST_F(Recordsets, TransactionsHoldAllOrNothing) {
     EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM Dept"), "3");
 }
 
+TEST_F(Recordsets, FindTheirRowByAnotherKeyWhenThePrimaryOneIsNotSelected) {
+    run("CREATE TABLE Unit (UnitID int IDENTITY(1, 1) PRIMARY KEY, SKU varchar(10) NOT NULL, Serial varchar(10) NOT NULL)");
+    run("CREATE UNIQUE INDEX UX_Unit ON Unit (Serial)");
+    run("INSERT INTO Unit (SKU, Serial) VALUES ('a', '1'), ('a', '2')");
+    const auto rows = open("SELECT SKU, Serial FROM Unit ORDER BY UnitID");
+    rows->setCell(0, 1, "1b");
+    rows->addRow({"a", "3"});
+    rows->removeRow(1);
+    EXPECT_EQ(hresultOf([&] { rows->addRow({"a", "1B"}); }), kIntegrityError);
+    const auto left = open("SELECT Serial FROM Unit ORDER BY UnitID");
+    ASSERT_EQ(left->RecordCount(), 2);
+    EXPECT_EQ(left->cell(0, 0), Value("1b"));
+    EXPECT_EQ(left->cell(1, 0), Value("3"));
+    EXPECT_EQ(hresultOf([&] { open("SELECT SKU FROM Unit")->setCell(0, 0, "b"); }), kReadOnly);
+}
+
 } // namespace
 } // namespace merchantry::db

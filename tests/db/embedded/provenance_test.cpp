@@ -55,9 +55,9 @@ TEST_F(Provenance, tellsIdentityAndComputed) {
 TEST_F(Provenance, hasTheShapeOfTheTable) {
     const TableShape shape = session->table("[dbo].[Item]");
     EXPECT_EQ(shape.name, "item");
-    EXPECT_EQ(shape.key, std::vector<std::string>{"id"});
+    EXPECT_EQ(shape.keys.front(), std::vector<std::string>{"id"});
     EXPECT_TRUE(shape.fields[0].identity);
-    EXPECT_TRUE(session->table("stock").key.empty());
+    EXPECT_TRUE(session->table("stock").keys.empty());
     EXPECT_THROW(session->table("nope"), DbError);
 }
 
