@@ -173,6 +173,14 @@ void Form::focusNext(bool backwards) {
     focus(*next);
 }
 
+bool Form::pressKey(const std::string& key) {
+    const auto found = keys_.find(key);
+    if (found == keys_.end())
+        return false;
+    found->second();
+    return true;
+}
+
 Button* Form::defaultButton() const {
     return findButton(controls_, [](const Button& button) { return button.isDefault; });
 }

@@ -63,6 +63,10 @@ public:
     // To the next control of the tab order that can take it.
     void focusNext(bool backwards = false);
 
+    // A key that works anywhere on the form, whatever has the focus ("F1"). False when the form has no use for it.
+    bool takesKey(const std::string& key) const { return keys_.contains(key); }
+    bool pressKey(const std::string& key);
+
     // Enter and Escape press these; null for none.
     Button* defaultButton() const;
     Button* cancelButton() const;
@@ -98,6 +102,7 @@ protected:
     // Called by a screen's constructor, after its controls stand.
     void setLayout(Item layout);
     void offer(std::string operation, Operation procedure);
+    void onKey(std::string key, std::function<void()> procedure) { keys_[std::move(key)] = std::move(procedure); }
     void setIcon(std::string icon) { icon_ = std::move(icon); }
     void setFixedSize() { sizeable_ = false; }
 
@@ -112,6 +117,7 @@ private:
     std::string icon_;
     std::vector<Control*> controls_;
     std::map<std::string, Operation> operations_;
+    std::map<std::string, std::function<void()>> keys_;
     Item layout_;
     Control* focused_ = nullptr;
     FormView* view_ = nullptr;

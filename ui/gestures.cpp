@@ -262,6 +262,8 @@ std::string edit(Grid& grid, int row, int column, const std::string& text) {
 }
 
 bool key(Form& form, const std::string& name) {
+    if (form.pressKey(name))
+        return true;
     auto* box = dynamic_cast<TextBox*>(form.focused());
     if (box != nullptr && box->keyDown) {
         bool swallow = false;

@@ -204,7 +204,7 @@ void Grid::select(int fromRow, int toRow) {
 }
 
 void Grid::showCurrent() {
-    showRow_ = row_;
+    ++showWishes_;
     changed(Aspect::Choice);
 }
 

@@ -22,8 +22,10 @@ struct GridColumn {
     Editor editor = Editor::Text;
     bool hidden = false;
     bool alignRight = false; // numbers and money stand right in any case
+    bool centred = false;
     bool fixedWidth = false; // codes
     int characters = 0;      // wished width, 0 for what the content asks
+    Twips width = 0;         // told width, 0 for none; never less than the heading needs, and a column of words grows with the window
     std::string mask{};      // of the cell's editor
     // Combo: shown text and stored value of each choice.
     std::vector<std::pair<std::string, std::string>> choices{};
@@ -82,9 +84,10 @@ public:
     int lastSelected() const { return selectedTo_; }
     void select(int fromRow, int toRow);
     bool selected() const { return row_ >= 1; }
-    // Scrolls the current row into view.
+    // Scrolls the current row to the top.
     void showCurrent();
-    int firstVisibleWish() const { return showRow_; }
+    // Counts these wishes, so that a drawing notices a new one.
+    int showWishes() const { return showWishes_; }
 
     // What the user does; the drawing and the scripts call these. Each returns false when it was refused.
     bool userSelect(int row, int column);
@@ -135,7 +138,7 @@ private:
     int col_ = 0;
     int selectedFrom_ = 0;
     int selectedTo_ = 0;
-    int showRow_ = 0;
+    int showWishes_ = 0;
     bool editing_ = false;
     bool writing_ = false;
     std::string editText_;

@@ -315,7 +315,8 @@ void FormWindow::arrived(Control& control) {
 bool FormWindow::keyed(Control* control, QKeyEvent& event) {
     const std::string name = keyName(event);
     auto* box = dynamic_cast<TextBox*>(control);
-    const bool steers = name == "Tab" || name == "Shift+Tab" || name == "Enter" || name == "Escape";
+    const bool steers =
+        name == "Tab" || name == "Shift+Tab" || name == "Enter" || name == "Escape" || (form_ != nullptr && form_->takesKey(name));
     const bool newLine = name == "Enter" && box != nullptr && box->multiline && !box->locked();
     if (form_ == nullptr || (embeddedIn_ != nullptr && !steers && passedToOwner(event, name)))
         return form_ != nullptr;

@@ -80,7 +80,7 @@ void GridCell::paintText(QPainter& painter, const QRect& where, int row, int col
     painter.setFont(grid_.column(column).fixedWidth ? host_.skin().code() : host_.skin().text());
     painter.setPen(host_.skin().tokens().ink);
     const QFontMetrics metrics = painter.fontMetrics();
-    const Qt::Alignment side = right ? Qt::AlignRight : Qt::AlignLeft;
+    const Qt::Alignment side = grid_.column(column).centred ? Qt::AlignHCenter : right ? Qt::AlignRight : Qt::AlignLeft;
     if (isFigures(grid_, column) && Skin::figuresWidth(metrics, text) <= where.width())
         Skin::drawFigures(painter, where, text, side);
     else
@@ -121,7 +121,7 @@ void GridHeading::paintSection(QPainter* painter, const QRect& rect, int section
         return;
     const GridColumn& shape = grid_.column(section);
     const bool tick = shape.editor == GridColumn::Editor::Check || shape.format == GridColumn::Format::Flag;
-    const Qt::Alignment side = tick ? Qt::AlignHCenter : standsRight(grid_, section) ? Qt::AlignRight : Qt::AlignLeft;
+    const Qt::Alignment side = tick || shape.centred ? Qt::AlignHCenter : standsRight(grid_, section) ? Qt::AlignRight : Qt::AlignLeft;
     const Tokens& t = host_.skin().tokens();
     painter->setFont(host_.skin().strong());
     painter->setPen(t.dim);

@@ -85,8 +85,10 @@ void GridView::follow() {
     if (editor_ != nullptr && !committing_ && !grid_.editing())
         dropEditor();
     const int row = grid_.row();
-    if (row >= 1 && row != shown_ && row <= model_->rowCount())
-        scrollTo(model_->index(row - 1, std::max(0, grid_.col())), QAbstractItemView::EnsureVisible);
+    const bool toTop = std::exchange(wishes_, grid_.showWishes()) != grid_.showWishes();
+    if (row >= 1 && (row != shown_ || toTop) && row <= model_->rowCount())
+        scrollTo(model_->index(row - 1, std::max(0, grid_.col())),
+                 toTop ? QAbstractItemView::PositionAtTop : QAbstractItemView::EnsureVisible);
     shown_ = row;
     viewport()->update();
 }
@@ -114,6 +116,8 @@ int GridView::contentWidth(int column) const {
     const GridColumn& shape = grid_.column(column);
     const QFontMetrics metrics(shape.fixedWidth ? host_.skin().code() : host_.skin().text());
     int width = QFontMetrics(host_.skin().strong()).horizontalAdvance(toQt(grid_.text(0, column)));
+    if (shape.width > 0)
+        return std::max(width + 2 * kCellMargin + 4, shape.width / kTwipsPerPixel);
     if (shape.characters > 0)
         return std::max(width, shape.characters * metrics.averageCharWidth()) + 2 * kCellMargin + 4;
     const bool tick = shape.editor == GridColumn::Editor::Check || shape.format == GridColumn::Format::Flag;

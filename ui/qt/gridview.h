@@ -81,6 +81,7 @@ private:
     bool dragged_ = false;   // the user set the widths
     bool layingOut_ = false; // widths that change now are not the user's
     int shown_ = 0;          // the row last scrolled to
+    int wishes_ = 0;         // of the grid to show its row at the top
     QPoint pressedAt_;
     int pressedRow_ = 0; // 0 when the press selected nothing or began a drag
     int pressedColumn_ = 0;

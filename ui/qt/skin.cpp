@@ -176,6 +176,8 @@ void Skin::drawFigures(QPainter& painter, const QRect& where, const QString& tex
     int x = where.left();
     if (alignment & Qt::AlignRight)
         x = where.right() + 1 - figuresWidth(metrics, text);
+    else if (alignment & Qt::AlignHCenter)
+        x = where.left() + (where.width() - figuresWidth(metrics, text)) / 2;
     const int base = where.top() + (where.height() + metrics.ascent() - metrics.descent()) / 2;
     for (const QChar c : text) {
         const int own = metrics.horizontalAdvance(c);
