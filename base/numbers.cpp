@@ -123,6 +123,14 @@ std::int16_t toInt16(double number) {
     return static_cast<std::int16_t>(rounded);
 }
 
+std::string withThousands(std::int64_t number) {
+    std::string text = std::to_string(number);
+    const int first = number < 0 ? 1 : 0;
+    for (int at = static_cast<int>(text.size()) - 3; at > first; at -= 3)
+        text.insert(static_cast<std::size_t>(at), ",");
+    return text;
+}
+
 double roundHalfEven(double number, int decimals) {
     const double factor = std::pow(10.0, decimals);
     return std::nearbyint(number * factor) / factor;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace merchantry {
@@ -19,6 +20,9 @@ std::optional<double> numberOf(std::string_view text);
 
 // The nearest 16-bit number, halves to even. Throws OverflowError ("Overflow") outside -32768 to 32767.
 std::int16_t toInt16(double number);
+
+// "1,234,567".
+std::string withThousands(std::int64_t number);
 
 // Rounded to so many decimals, halves to even.
 double roundHalfEven(double number, int decimals);

@@ -2,6 +2,7 @@
 
 #include "app/ADOUtilities.h"
 #include "app/modMain.h"
+#include "base/numbers.h"
 #include "base/text.h"
 #include "catalog/codedialog.h"
 #include "catalog/modItemLookup.h"
@@ -37,13 +38,6 @@ std::string filterFor(const std::string& caption, const std::string& text) {
         if (caption == "All" || caption == field.caption)
             conditions.push_back(condition(field, text));
     return joined(conditions, " or ");
-}
-
-std::string withThousands(int number) {
-    std::string text = std::to_string(number);
-    for (int at = static_cast<int>(text.size()) - 3; at > 0; at -= 3)
-        text.insert(static_cast<std::size_t>(at), ",");
-    return text;
 }
 
 } // namespace

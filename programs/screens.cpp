@@ -10,6 +10,10 @@
 #include "catalog/codedialog.h"
 #include "catalog/frmItems.h"
 #include "catalog/itemlistform.h"
+#include "inventory/frmInvReasonCodes.h"
+#include "inventory/frmInventory.h"
+#include "inventory/frmInventory_Adjust.h"
+#include "inventory/frmInventory_Serial.h"
 
 namespace merchantry::programs {
 namespace {
@@ -29,6 +33,10 @@ constexpr Screen kScreens[] = {
     {"frmItemLookup", instanceOf<catalog::frmItemLookup>, false},
     {"frmItemList", instanceOf<catalog::frmItemList>, false},
     {"frmItems", instanceOf<catalog::frmItems>, false},
+    {"frmInventory", instanceOf<inventory::frmInventory>, true},
+    {"frmInventory_Adjust", instanceOf<inventory::frmInventory_Adjust>, false},
+    {"frmInventory_Serial", instanceOf<inventory::frmInventory_Serial>, false},
+    {"frmInvReasonCodes", instanceOf<inventory::frmInvReasonCodes>, true},
 };
 
 } // namespace
@@ -52,6 +60,9 @@ void bindDoors(ui::Desk& desk) {
     doors.ShowItemList = [&desk] { desk.form<frmItemList>().ShowFormAddNewVisible(); };
     doors.GetSKU = [&desk] { return desk.form<frmSKU>().GetSKU(); };
     doors.GetMatrixSKU = [&desk](const std::string& preset) { return desk.form<frmMatrixSKU>().GetMatrixSKU(preset); };
+    doors.AdjustInv = [&desk](const std::string& sku, const std::string& matrixSku, const std::string& name) {
+        desk.form<inventory::frmInventory_Adjust>().AdjustInv(sku, matrixSku, name, 0);
+    };
     doors.ShowScreen = [&desk](const std::string& form) {
         for (const Screen& screen : kScreens) {
             if (!screen.command || form != screen.name)

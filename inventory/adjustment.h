@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace merchantry::inventory {
+
+// One adjustment as typed: units in (positive) or out, and what one of them cost.
+struct Adjustment {
+    std::int16_t quantity = 0;
+    double cost = 0; // not negative
+};
+
+// What is wrong with the two texts, in the sentence for the user; empty when they can be posted. Both are read by their numeric prefix.
+std::string complaintAbout(const std::string& quantity, const std::string& cost);
+
+// Reads both texts: the quantity rounded to a 16-bit number, halves to even, so that 0.4 posts 0. Throws OverflowError when it does not
+// fit. Requires: no complaint.
+Adjustment readAdjustment(const std::string& quantity, const std::string& cost);
+
+// The stock after the adjustment, in 16-bit arithmetic. Throws OverflowError when the stock now or then does not fit.
+std::int16_t adjusted(std::int64_t present, std::int16_t quantity);
+
+} // namespace merchantry::inventory

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "app/db/ado/recordset.h"
+#include "ui/button.h"
+#include "ui/form.h"
+#include "ui/grid.h"
+#include "ui/label.h"
+
+namespace merchantry::inventory {
+
+// The reasons from which every adjustment takes its type. One grid over one table: each cell is written as it is left. Row 1 is the base
+// code; the database moves the adjustments of a deleted code there.
+class frmInvReasonCodes : public ui::Form {
+public:
+    explicit frmInvReasonCodes(ui::Desk& desk);
+
+private:
+    void Form_Load() override;
+    void Form_Unload(bool& cancel) override;
+
+    void cmdAdd_Click();
+    void grdInvCode_BeforeEdit(int row, int column, bool& cancel);
+    void grdInvCode_AfterEdit(int row, int column);
+    void cmdDelete_Click();
+    void removeCode(int row);
+    bool isBase(int row) const;
+    void release();
+
+    ui::Label lblHeading{*this, "lblHeading", "Inventory Adjustment Codes"};
+    ui::Grid grdInvCode{*this, "grdInvCode"};
+    ui::Label lblNote{*this, "lblNote",
+                      "NOTE: All Adjustments within a deleted Adjustment Code will be moved to the base Adjustment Code."};
+    ui::Button cmdDelete{*this, "cmdDelete", "&Delete"};
+    ui::Button cmdAdd{*this, "cmdAdd", "&Add"};
+    ui::Button cmdExit{*this, "cmdExit", "E&xit"};
+
+    db::RecordsetPtr rsReasonCodes;
+};
+
+} // namespace merchantry::inventory
