@@ -91,6 +91,8 @@ Connection::Connection(const std::filesystem::path& file, bool durable) : file_(
         throw storageError("The store file " + file.string() + " cannot be opened: " + message + ".", code);
     }
     sqlite3_busy_handler(db_, &Connection::waitForTurn, this);
+    // A name in double quotes is a name: never a text, should the column be gone.
+    sqlite3_db_config(db_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     // SQLite's Bloom filters go by the length of a text, but texts of the store that differ in trailing blanks only are equal.
     sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, db_, kBloomFilters);
     try {

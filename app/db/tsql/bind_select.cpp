@@ -189,6 +189,7 @@ std::unique_ptr<BoundQuery> Binder::bindCore(const Query& query, const SelectCor
     auto result = std::make_unique<BoundQuery>();
     Scope scope;
     scope.outer = scope_;
+    scope.alone = core.alone && core.from[0]->kind == TableRef::Kind::Table;
     const ScopeGuard guard(scope_, &scope);
     if (!core.from.empty())
         result->tail = " FROM " + bindFrom(core.from, scope);

@@ -76,6 +76,7 @@ struct Scope {
     int insideAggregate = 0;
     bool aggregatesAllowed = false;
     bool windowsAllowed = false;
+    bool alone = false;            // a column needs no table before it
     const char* clause = "SELECT"; // where the binder is, for 8120, 8121, 8127
     const std::vector<BoundColumn>* outputs = nullptr;
 };

@@ -12,7 +12,11 @@ bool Parser::startsQuery() const {
 
 StatementPtr Parser::select() {
     auto statement = begin<SelectStatement>();
+    const int before = selects_;
     statement->query = query();
+    SelectCore* const core = statement->query->core.get();
+    if (core != nullptr && selects_ == before + 1)
+        core->alone = core->from.size() == 1 && core->groupBy.empty() && !core->having && statement->query->orderBy.empty();
     return statement;
 }
 
@@ -138,6 +142,7 @@ std::unique_ptr<SelectCore> Parser::selectCore() {
     auto core = std::make_unique<SelectCore>();
     core->line = peek().line;
     expectWord("SELECT");
+    ++selects_;
     if (acceptWord("DISTINCT"))
         core->distinct = true;
     else

@@ -192,6 +192,7 @@ private:
 
     std::string_view text_;
     std::vector<Token> tokens_;
+    int selects_ = 0; // read so far
     std::size_t at_ = 0;
     int count_ = 0;
     int depth_ = 0;
