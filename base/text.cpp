@@ -132,6 +132,23 @@ int compareText(std::string_view left, std::string_view right) {
     return r < right.size() ? -1 : 0;
 }
 
+bool beginsWith(std::string_view text, std::string_view beginning) {
+    std::size_t t = 0;
+    std::size_t b = 0;
+    while (b < beginning.size()) {
+        if (t >= text.size())
+            return false;
+        if (static_cast<signed char>(text[t]) >= 0 && static_cast<signed char>(beginning[b]) >= 0) {
+            if (asciiFolded(text[t++]) != asciiFolded(beginning[b++]))
+                return false;
+            continue;
+        }
+        if (foldedCase(nextCodePoint(text, t)) != foldedCase(nextCodePoint(beginning, b)))
+            return false;
+    }
+    return true;
+}
+
 std::size_t characterCount(std::string_view text) {
     std::size_t count = 0;
     for (std::size_t at = 0; at < text.size(); ++count)

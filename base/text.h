@@ -20,6 +20,8 @@ int compareText(std::string_view left, std::string_view right);
 inline bool sameText(std::string_view left, std::string_view right) {
     return compareText(left, right) == 0;
 }
+// Whether the text begins with the other one, without case; blanks count. An empty beginning fits every text.
+bool beginsWith(std::string_view text, std::string_view beginning);
 
 // Number of characters (code points); bytes that are no UTF-8 count as one each.
 std::size_t characterCount(std::string_view text);

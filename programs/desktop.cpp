@@ -29,10 +29,9 @@ public:
     WindowStage(ui::QtDesk& painter, std::filesystem::path folder, std::string suffix)
         : painter_(painter), folder_(std::move(folder)), suffix_(std::move(suffix)) {}
 
+    void prepared(Form& form) override { windows_[&form] = new FormWindow(painter_, form); }
     void opened(Form& form) override {
-        FormWindow*& window = windows_[&form];
-        if (window == nullptr)
-            window = new FormWindow(painter_, form);
+        FormWindow* const window = windows_.at(&form);
         FormWindow* over = windowOf(form.desk().top());
         if (form.desk().floating(form) && over != nullptr && over != window)
             over->embed(*window);

@@ -121,6 +121,18 @@ std::string Grid::rawText(int row, int column) const {
     return row == 0 ? text(0, column) : value(row, column).toText();
 }
 
+int Grid::findRow(const std::string& text, int column) const {
+    if (column < 0 || column >= columnCount())
+        return 0;
+    const int rows = dataRows();
+    for (int row = 0; row < rows; ++row)
+        if (beginsWith(bound_ != nullptr ? bound_->cellText(row, column)
+                                         : std::string_view(cells_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]),
+                       text))
+            return row + 1;
+    return 0;
+}
+
 void Grid::setDataRows(int count) {
     cells_.resize(static_cast<std::size_t>(std::max(count, 0)), std::vector<std::string>(columns_.size()));
     std::erase_if(colors_, [&](const auto& entry) { return entry.first.first > count; });

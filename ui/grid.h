@@ -65,6 +65,10 @@ public:
     // What the cell holds, unformatted: "12.5" where text says "$12.50", the stored value where a combo shows its choice.
     std::string rawText(int row, int column) const;
 
+    // The first data row whose cell in that column begins with the text, without case; 0 when there is none. The cell as it is, not as
+    // shown.
+    int findRow(const std::string& text, int column) const;
+
     // By program. Unbound: the texts themselves. Bound: written through at once; what the source refuses goes the way of a refused edit
     // (`error`, or shown to the user), changes nothing and gives false.
     void setDataRows(int count);

@@ -5,6 +5,16 @@
 namespace merchantry {
 namespace {
 
+TEST(Text, BeginsWithoutCase) {
+    EXPECT_TRUE(beginsWith("4006381333931", "4006"));
+    EXPECT_TRUE(beginsWith("Linen shirt", "linen S"));
+    EXPECT_TRUE(beginsWith("\xC3\x89tui", "\xC3\xA9T"));
+    EXPECT_TRUE(beginsWith("a", ""));
+    EXPECT_FALSE(beginsWith("4006", "4006381333931"));
+    EXPECT_FALSE(beginsWith(" shirt", "shirt"));
+    EXPECT_FALSE(beginsWith("\xC3\x89", "\xC3"));
+}
+
 TEST(Text, ComparesWithoutCaseAndTrailingBlanks) {
     EXPECT_TRUE(sameText("Caf\xC3\x89  ", "caf\xC3\xA9"));
     EXPECT_FALSE(sameText(" a", "a"));

@@ -22,10 +22,9 @@ using ui::FormWindow;
 // Draws the forms of a script and inspects each that it wants a picture of: at its smallest, at its own size, and large.
 class InspectingStage : public ui::play::Stage {
 public:
+    void prepared(Form& form) override { windows_[&form] = new FormWindow(painter_, form); }
     void opened(Form& form) override {
-        FormWindow*& window = windows_[&form];
-        if (window == nullptr)
-            window = new FormWindow(painter_, form);
+        FormWindow* const window = windows_.at(&form);
         FormWindow* const over = windowOf(form.desk().top());
         if (form.desk().floating(form) && over != nullptr)
             over->embed(*window);

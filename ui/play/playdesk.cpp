@@ -117,6 +117,12 @@ void PlayDesk::reportOpened(const std::string& file, const std::vector<std::stri
     transcript_.event(line);
 }
 
+void PlayDesk::prepared(Form& form) {
+    drawn_.insert(&form);
+    if (stage_ != nullptr)
+        stage_->prepared(form);
+}
+
 void PlayDesk::opened(Form& form) {
     if (shown_.insert(&form).second)
         transcript_.event("opened " + form.name());
@@ -125,6 +131,7 @@ void PlayDesk::opened(Form& form) {
 }
 
 void PlayDesk::vanished(Form& form) {
+    drawn_.erase(&form);
     if (shown_.erase(&form) > 0)
         transcript_.event("closed " + form.name());
     if (stage_ != nullptr)
@@ -139,8 +146,9 @@ void PlayDesk::picture(Form& form, const std::string& name) {
 
 void PlayDesk::close() {
     if (stage_ != nullptr)
-        for (Form* form : shown_)
+        for (Form* form : drawn_)
             stage_->vanished(*form);
+    drawn_.clear();
     shown_.clear();
     dismissAll();
     alarms_.clear();

@@ -12,6 +12,8 @@ namespace merchantry::ui::play {
 class Stage {
 public:
     virtual ~Stage() = default;
+    // Before the form's load procedure, so that it finds the form's size and its controls' places.
+    virtual void prepared(Form& form) = 0;
     virtual void opened(Form& form) = 0;
     virtual void vanished(Form& form) = 0;
     // Between two lines of the script: paint, and take what waits.
@@ -85,6 +87,7 @@ public:
     void status(const std::string& text) override { statusText = text; }
 
 protected:
+    void prepared(Form& form) override;
     void opened(Form& form) override;
     void vanished(Form& form) override;
     void runUntil(const std::function<bool()>& done) override { loop(done); }
@@ -104,6 +107,7 @@ private:
     std::deque<std::optional<std::string>> inputAnswers_;
     std::deque<std::optional<std::filesystem::path>> fileAnswers_;
     std::set<Form*> shown_;
+    std::set<Form*> drawn_; // those that the stage has
     std::vector<Alarm> alarms_;
     std::int64_t elapsedMs_ = 0;
 };

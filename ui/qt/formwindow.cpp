@@ -21,6 +21,8 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include <utility>
+
 namespace merchantry::ui {
 namespace {
 
@@ -128,8 +130,6 @@ void FormWindow::takeWishedSize() {
         size = size.expandedTo(QSize(form_->width(), form_->height()) / kTwipsPerPixel);
     else if (std::any_of(drawings_.begin(), drawings_.end(), [](const auto& drawing) { return drawing->tall(); }))
         size = size.expandedTo(kRoomy); // what grows is worth the room
-    if (form_->sizeable())
-        size = rememberedSize(form_->name(), size).expandedTo(outer_->minimumSize());
     resize(size.boundedTo(screen()->availableSize()));
     outer_->activate();
     settled_ = true;
@@ -137,6 +137,16 @@ void FormWindow::takeWishedSize() {
     placing_ = true;
     form_->setSize(width() * kTwipsPerPixel, height() * kTwipsPerPixel); // not loaded yet: no event
     placing_ = false;
+}
+
+// Only when the window opens: the screen has loaded by then, and what it took for its design size is the one that its layout asks for.
+void FormWindow::takeRememberedSize() {
+    if (!form_->sizeable())
+        return;
+    outer_->activate();
+    if (!freed_)
+        recordPlaces(); // a screen may have hidden controls before it is shown
+    resize(rememberedSize(form_->name(), size()).expandedTo(outer_->minimumSize()).boundedTo(screen()->availableSize()));
 }
 
 Drawing& FormWindow::addDrawing(Control& control, QWidget* parent) {
@@ -156,6 +166,8 @@ void FormWindow::open(FormWindow* over) {
     if (isVisible() && windowModality() != wanted)
         hide();
     setWindowModality(wanted);
+    if (!std::exchange(opened_, true))
+        takeRememberedSize();
     if (!isVisible() && over != nullptr && over->windowHandle() != nullptr)
         standOver(*this, over);
     show();

@@ -84,6 +84,7 @@ private:
     void build();
     void buildBars();
     void takeWishedSize();
+    void takeRememberedSize();
     void recordPlaces();
     void setFree();
     void moved(Control& control);
@@ -111,6 +112,7 @@ private:
     std::vector<QPointer<FormWindow>> panels_;
     QPointer<FormWindow> embeddedIn_;
     bool settled_ = false;
+    bool opened_ = false;
     bool freed_ = false;
     bool placing_ = false;
     bool focusing_ = false;

@@ -15,6 +15,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <utility>
 
 namespace merchantry::ui {
 namespace {
