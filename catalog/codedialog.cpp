@@ -1,5 +1,7 @@
 #include "catalog/codedialog.h"
 
+#include "catalog/itemwizardform.h"
+#include "catalog/modItemLookup.h"
 #include "ui/desk.h"
 
 namespace merchantry::catalog {
@@ -59,8 +61,11 @@ std::string frmMatrixSKU::GetMatrixSKU(const std::string& preset) {
 }
 
 void frmMatrixSKU::cmdLookupMatrixParent_Click() {
-    desk().message("Looking up a matrix parent is not part of this version yet. Please type the parent's SKU.", caption(),
-                   MessageIcon::Information);
+    txtMatrixSKU.setText("");
+    auto& lookup = desk().form<frmParentLookup>();
+    lookup.CustomizeForm("Matrix Parent Lookup", "Parent");
+    desk().showModal(lookup);
+    txtMatrixSKU.setText(ParentOfPair(lookup.Pair()));
 }
 
 } // namespace merchantry::catalog

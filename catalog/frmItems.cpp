@@ -79,20 +79,12 @@ void frmItems::wireGeneral() {
 }
 
 void frmItems::wireOtherPages() {
-    grdItemMatrix.setColumns({{.heading = "SKU", .fixedWidth = true},
-                              {.heading = "MatrixSKU", .fixedWidth = true},
-                              {.heading = "CategoryID", .hidden = true},
-                              {.heading = "Categories", .characters = 32}});
-    grdItemMatrix.editable = false;
-    grdItemMatrix.emptyText = "No categories.";
     txtNotes.multiline = true;
 
-    lbxMatrixGroups.click = [this] { lbxMatrixGroups_Click(); };
-    for (Button* button : {&cmdAddCategory, &cmdDeleteCatgory})
-        button->click = [this, button] { notYet(replaced(button->caption(), "&", "")); };
     wireSuppliers();
     wirePrices();
     wireSubstitutes();
+    wireMatrix();
     wireMisc();
 }
 
@@ -232,18 +224,6 @@ void frmItems::txtStockAmt_LostFocus() {
     guarded({kItemsTag, "txtStockAmt"}, [this] {
         modMain().Conn->Execute(Sql("UPDATE Stock SET Quantity = ") + numericPrefix(txtStockAmt.text()) + " WHERE SKU ='" +
                                 modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'");
-    });
-}
-
-void frmItems::lbxMatrixGroups_Click() {
-    guarded({kItemsTag, "lbxMatrixGroups_Click"}, [this] {
-        const auto categories = openBroker("bsp_ItemCategorysLookup", db::CommandType::StoredProcedure, db::CursorType::ForwardOnly,
-                                           db::LockType::ReadOnly, {intParameter("GroupID", lbxMatrixGroups.itemData())});
-        lbxMatrixCategories.clear();
-        for (; !categories->Eof(); categories->MoveNext())
-            lbxMatrixCategories.add((*categories)["CategoryName"].text());
-        if (lbxMatrixCategories.count() > 0)
-            lbxMatrixCategories.setListIndex(0);
     });
 }
 

@@ -68,7 +68,12 @@ private:
     void applyType(int type);
     void txtPriceAmt_LostFocus();
     void txtStockAmt_LostFocus();
+
+    // Matrix categories.
+    void reloadMatrix();
     void lbxMatrixGroups_Click();
+    void cmdAddCategory_Click();
+    void grdItemMatrix_Error();
 
     // Prices.
     void lbxTier_Click();
@@ -123,6 +128,7 @@ private:
     void wireSuppliers();
     void wirePrices();
     void wireSubstitutes();
+    void wireMatrix();
     void wireMisc();
     ui::Item generalPage();
     ui::Item suppliersPage();

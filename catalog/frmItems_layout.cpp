@@ -70,7 +70,8 @@ Item frmItems::matrixPage() {
     return column({
         row({column({title(lblMatrixPName), at(lblMatrixSKU)}), stretch()}),
         at(lblMatrixMessage),
-        row({column({at(lblMatrixGroups), at(lbxMatrixGroups)}), column({at(lblMatrixCategories), at(lbxMatrixCategories)}),
+        row({column({at(lblMatrixGroups), at(lbxMatrixGroups).wide(26).high(5)}),
+             column({at(lblMatrixCategories), at(lbxMatrixCategories).wide(26).high(5)}),
              column({stretch(), at(cmdAddCategory)}), stretch()}),
         at(grdItemMatrix).stretched(),
         buttons({at(cmdDeleteCatgory), stretch(), at(cmdExit5)}),

@@ -139,11 +139,4 @@ void frmItems::populateNotes() {
         txtNotes.setText(notes);
 }
 
-void frmItems::populateMatrix() {
-    lblMatrixSKU.setCaption(modMain().CurrentSKU);
-    grdItemMatrix.bind(nullptr);
-    matrixRows_ = openUpdatable("bsp_ItemMatrixGrid", itemKey());
-    grdItemMatrix.bind(matrixRows_.get());
-}
-
 } // namespace merchantry::catalog

@@ -161,8 +161,7 @@ void ItemListForm::loadGrid(const Sql& command) {
 void ItemListForm::shown() {
     grdItems.bind(rows_.get());
     cmdSelect.setEnabled(rows_->RecordCount() > 0);
-    grdItems.setStatusText(withThousands(rows_->RecordCount()) + (rows_->RecordCount() == 1 ? " item" : " items") +
-                           (filter_.empty() ? "" : " found by the search"));
+    grdItems.setStatusText(countOfItems(rows_->RecordCount()) + (filter_.empty() ? "" : " found by the search"));
 }
 
 void ItemListForm::srch_FieldSearch(const std::string& field, const std::string& text) {

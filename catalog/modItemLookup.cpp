@@ -4,6 +4,8 @@
 #include "app/modMain.h"
 #include "base/text.h"
 #include "catalog/codedialog.h"
+#include "catalog/frmItemParent.h"
+#include "catalog/itemwizardform.h"
 #include "ui/desk.h"
 
 namespace merchantry::catalog {
@@ -19,6 +21,22 @@ constexpr int kParentType = 4;
 void inheritDepartment(const std::string& sku, const std::string& matrixSku) {
     modMain().Conn->Execute(Sql("Update Item SET DepartmentID = (Select DepartmentID FROM Item WHERE SKU = '") + sku +
                             "' AND MatrixSKU = '" + sku + "') " + " WHERE SKU = '" + sku + "' AND MatrixSKU = '" + matrixSku + "'");
+}
+
+// The statement of a lookup grid.
+Sql lookupStatement(const std::string& filterText, int filterPosition, const std::string& orderBy, const std::string& sku) {
+    Sql statement = "SELECT SKU, MatrixSKU, Name FROM Item WHERE (SKU <> '$DROP') AND (SKU <> '$Payout')";
+    if (!sku.empty())
+        statement.add(" AND TypeId <> 4 AND SKU = '").add(sku).add("'");
+    else if (filterText == "Serial")
+        statement.add(" AND SerialFlag = True");
+    else if (filterText != "Show All" && !filterText.empty())
+        statement.add(" AND TypeId = ").add(filterPosition);
+    if (orderBy.empty())
+        statement.add(" ORDER BY SKU, MatrixSKU");
+    else
+        statement.add(" ORDER BY ").add(orderBy);
+    return statement;
 }
 
 } // namespace
@@ -73,6 +91,47 @@ bool ItemExists(const std::string& sku, const std::string& matrixSku, bool warn)
 std::string ParentOfPair(const std::string& pair) {
     const std::size_t sign = pair.find('|');
     return sign == std::string::npos || sign == 0 ? pair : pair.substr(0, sign);
+}
+
+void AddNewParent() {
+    const std::string pair =
+        AddNewItem(kParentType, "", "Please input new Matrix Parent SKU\r\n(A Descriptive SKU is recommended)", "New Parent SKU", false);
+    if (!pair.empty())
+        modMain().desk->form<frmItemParent>().UpdateParent(pair);
+}
+
+std::string ShowItemLookup(int kind) {
+    auto& wizard = modMain().desk->form<frmItemLookupWiz>();
+    if (kind == 1)
+        wizard.CustomizeForm("Item Lookup", true, true, "Standard");
+    else if (kind == 2)
+        wizard.CustomizeForm("Matrix Parent Lookup", false, true, "Parent");
+    else
+        wizard.CustomizeForm("Item Matrix Lookup", true, false, "Matrix");
+    modMain().desk->showModal(wizard);
+    return "";
+}
+
+void InitLookupGrid(db::RecordsetPtr& rows, const std::string& filterText, int filterPosition, ui::Grid& grid, const std::string& orderBy,
+                    const std::string& sku) {
+    modMain().desk->waitCursor(true);
+    grid.bind(nullptr);
+    rows.reset();
+    // The one procedure that goes on after an error: the column and the cursor are put right in any case.
+    guarded({"MR_modItemLookup", "InitLookupGrid"}, [&] {
+        rows = openDirect(lookupStatement(filterText, filterPosition, orderBy, sku), db::CursorType::Static, db::LockType::ReadOnly);
+        grid.bind(rows.get());
+    });
+    grid.setHidden(0, filterText == "Parent");
+    grid.setStatusText(countOfItems(grid.dataRows()));
+    modMain().desk->waitCursor(false);
+}
+
+std::string countOfItems(int count) {
+    std::string text = std::to_string(count);
+    for (int at = static_cast<int>(text.size()) - 3; at > 0; at -= 3)
+        text.insert(static_cast<std::size_t>(at), ",");
+    return text + (count == 1 ? " item" : " items");
 }
 
 bool makeItem(const std::string& sku, const std::string& matrixSku) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "app/db/ado/recordset.h"
+#include "ui/grid.h"
+
 #include <string>
 
 namespace merchantry::catalog {
@@ -19,6 +22,22 @@ bool ItemExists(const std::string& sku, const std::string& matrixSku, bool warn)
 
 // What stands before the first "|"; the whole text when there is none or it comes first.
 std::string ParentOfPair(const std::string& pair);
+
+// Asks for a parent's code, makes the parent and opens it.
+void AddNewParent();
+
+// Shows frmItemLookupWiz modally. Kind 1: all standard items; 2: the matrix parents; any other: the matrix items.
+std::string ShowItemLookup(int kind);
+
+// Loads a lookup grid by a statement of its own, into a new recordset that takes the place of the old one. The filter text is an entry of
+// the filter list and filterPosition its position there, from 0: "Serial" asks for serial items, "Show All" and nothing for all, any other
+// entry for the items whose type number is the position. With an sku the filter counts for nothing: the items of that family are listed,
+// without the parent. orderBy is one column, empty for SKU, MatrixSKU. A failure is reported; the grid is empty then.
+void InitLookupGrid(db::RecordsetPtr& rows, const std::string& filterText, int filterPosition, ui::Grid& grid, const std::string& orderBy,
+                    const std::string& sku);
+
+// "1,234 items", "1 item".
+std::string countOfItems(int count);
 
 // bsp_NewItem: true when it made the item.
 bool makeItem(const std::string& sku, const std::string& matrixSku);

@@ -8,8 +8,13 @@
 #include "app/modMain.h"
 #include "base/text.h"
 #include "catalog/codedialog.h"
+#include "catalog/dlgMatrixSKU.h"
+#include "catalog/frmItemMatrix.h"
+#include "catalog/frmItemParent.h"
 #include "catalog/frmItems.h"
 #include "catalog/itemlistform.h"
+#include "catalog/itemwizardform.h"
+#include "catalog/modItemLookup.h"
 #include "inventory/frmInvReasonCodes.h"
 #include "inventory/frmInventory.h"
 #include "inventory/frmInventory_Adjust.h"
@@ -33,6 +38,12 @@ constexpr Screen kScreens[] = {
     {"frmItemLookup", instanceOf<catalog::frmItemLookup>, false},
     {"frmItemList", instanceOf<catalog::frmItemList>, false},
     {"frmItems", instanceOf<catalog::frmItems>, false},
+    {"frmItemLookupWiz", instanceOf<catalog::frmItemLookupWiz>, false},
+    {"frmItemMatrixLookupWiz", instanceOf<catalog::frmItemMatrixLookupWiz>, false},
+    {"frmParentLookup", instanceOf<catalog::frmParentLookup>, false},
+    {"frmItemParent", instanceOf<catalog::frmItemParent>, false},
+    {"frmItemMatrix", instanceOf<catalog::frmItemMatrix>, true},
+    {"dlgMatrixSKU", instanceOf<catalog::dlgMatrixSKU>, false},
     {"frmInventory", instanceOf<inventory::frmInventory>, true},
     {"frmInventory_Adjust", instanceOf<inventory::frmInventory_Adjust>, false},
     {"frmInventory_Serial", instanceOf<inventory::frmInventory_Serial>, false},
@@ -60,6 +71,13 @@ void bindDoors(ui::Desk& desk) {
     doors.ShowItemList = [&desk] { desk.form<frmItemList>().ShowFormAddNewVisible(); };
     doors.GetSKU = [&desk] { return desk.form<frmSKU>().GetSKU(); };
     doors.GetMatrixSKU = [&desk](const std::string& preset) { return desk.form<frmMatrixSKU>().GetMatrixSKU(preset); };
+    doors.AddNewParent = [] { AddNewParent(); };
+    doors.ShowItemLookup = [](int kind) { ShowItemLookup(kind); };
+    doors.ItemMatrixLookup = [&desk] {
+        auto& lookup = desk.form<frmItemMatrixLookupWiz>();
+        lookup.CustomizeForm("Item Matrix Lookup", true, true, "Matrix");
+        desk.showModal(lookup);
+    };
     doors.AdjustInv = [&desk](const std::string& sku, const std::string& matrixSku, const std::string& name) {
         desk.form<inventory::frmInventory_Adjust>().AdjustInv(sku, matrixSku, name, 0);
     };
