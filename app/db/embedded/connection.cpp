@@ -118,6 +118,13 @@ void Connection::run(const char* sql) {
         throw errorOf(code);
 }
 
+void Connection::setReadOnly(bool readOnly) {
+    if (readOnly_ == readOnly)
+        return;
+    run(readOnly ? "PRAGMA query_only=ON" : "PRAGMA query_only=OFF");
+    readOnly_ = readOnly;
+}
+
 tsql::Cell Connection::single(const std::string& sql) {
     const Statement3 statement(db_, sql);
     return step(statement.get()) ? tsql::columnCell(statement.get(), 0) : tsql::Cell();
@@ -152,6 +159,8 @@ DbError Connection::errorOf(int code) {
         return storageError("The disk of the store " + file_.string() + " is full. This change was not saved; make room and try again.",
                             1105);
     case SQLITE_READONLY:
+        if (readOnly_)
+            return DbError(DbError::Category::Storage, 3906, "This session only reads: the change was refused.").withSeverity(16, 1);
         return storageError("The store " + file_.string() + " or its folder is read-only for this user. This change was not saved.", 3906);
     case SQLITE_CANTOPEN:
         return storageError(

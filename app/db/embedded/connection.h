@@ -63,6 +63,8 @@ public:
     // Runs SQL without rows; throws what errorOf gives.
     void run(const char* sql);
     void run(const std::string& sql) { run(sql.c_str()); }
+    // Refuses every change with error 3906 until it is taken back.
+    void setReadOnly(bool readOnly);
     // The first cell of the first row; null when there is none.
     tsql::Cell single(const std::string& sql);
     // Steps; true for a row, false at the end; throws what errorOf gives.
@@ -77,6 +79,7 @@ private:
 
     std::filesystem::path file_;
     sqlite3* db_ = nullptr;
+    bool readOnly_ = false;
     std::chrono::steady_clock::time_point waitingSince_;
 };
 

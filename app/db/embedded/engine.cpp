@@ -346,6 +346,7 @@ void Engine::cancel() {
 void Engine::reset() {
     if (tranCount_ > 0 || inWrite_ || inRead_)
         rollbackAll();
+    setReadOnly(false);
     const std::vector<std::shared_ptr<const tsql::TableDef>> temporaries = catalog_.temporaries();
     for (const std::shared_ptr<const tsql::TableDef>& table : temporaries) {
         connection_.run("DROP TABLE IF EXISTS " + table->storage);

@@ -43,6 +43,7 @@ public:
     int transactionDepth() const { return tranCount_; }
     Value lastIdentity() const;
     void cancel();
+    void setReadOnly(bool readOnly) { connection_.setReadOnly(readOnly); }
     void setClock(const Clock* clock) { clock_ = clock; }
     // Makes it as new for the next session: rolls back, drops temporary tables, puts the settings back.
     void reset();

@@ -26,6 +26,7 @@ public:
     int transactionDepth() const override { return engine_->transactionDepth(); }
     Value lastIdentity() const override { return engine_->lastIdentity(); }
     void cancel() override { engine_->cancel(); }
+    void setReadOnly(bool readOnly) override { engine_->setReadOnly(readOnly); }
     void setClock(const Clock* clock) override { engine_->setClock(clock); }
 
 private:

@@ -1,0 +1,414 @@
+#include "reports/engine/definition.h"
+
+#include "base/text.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string_view>
+#include <toml.hpp>
+#include <utility>
+
+namespace merchantry::reports {
+namespace {
+
+int lineOf(const toml::value& value) {
+    return static_cast<int>(value.location().line());
+}
+
+template <class E> using Words = std::vector<std::pair<std::string_view, E>>;
+
+// One table of the file: hands out its values by key and kind, and in the end refuses the keys that nobody asked for.
+class Table {
+public:
+    Table(const toml::value& value, std::string file, std::string what) : value_(value), file_(std::move(file)), what_(std::move(what)) {
+        if (!value.is_table())
+            fail(value, what_ + " must be a table.");
+    }
+
+    int line() const { return lineOf(value_); }
+
+    [[noreturn]] void fail(const toml::value& where, const std::string& reason) const {
+        throw DefinitionError(file_, lineOf(where), reason);
+    }
+    [[noreturn]] void failHere(const std::string& reason) const { fail(value_, reason); }
+    [[noreturn]] void failAt(const char* key, const std::string& reason) const { fail(value_.at(key), reason); }
+
+    bool has(const char* key) const { return value_.contains(key); }
+
+    const toml::value* find(const char* key) {
+        asked_.insert(key);
+        return value_.contains(key) ? &value_.at(key) : nullptr;
+    }
+    void read(const char* key, std::string& result) {
+        if (const toml::value* value = find(key)) {
+            if (!value->is_string())
+                fail(*value, quoted(key) + " must be a text.");
+            result = value->as_string().str;
+        }
+    }
+    void read(const char* key, bool& result) {
+        if (const toml::value* value = find(key)) {
+            if (!value->is_boolean())
+                fail(*value, quoted(key) + " must be true or false.");
+            result = value->as_boolean();
+        }
+    }
+    void read(const char* key, double& result, double low, double high) {
+        const toml::value* value = find(key);
+        if (value == nullptr)
+            return;
+        if (!value->is_integer() && !value->is_floating())
+            fail(*value, quoted(key) + " must be a number.");
+        result = value->is_integer() ? static_cast<double>(value->as_integer()) : value->as_floating();
+        if (!(result >= low && result <= high))
+            fail(*value, quoted(key) + " must be from " + plain(low) + " to " + plain(high) + ".");
+    }
+    void read(const char* key, int& result, int low, int high) {
+        const toml::value* value = find(key);
+        if (value == nullptr)
+            return;
+        if (!value->is_integer() || value->as_integer() < low || value->as_integer() > high)
+            fail(*value, quoted(key) + " must be a whole number from " + std::to_string(low) + " to " + std::to_string(high) + ".");
+        result = static_cast<int>(value->as_integer());
+    }
+    template <class E> void read(const char* key, E& result, const Words<E>& words) {
+        if (const toml::value* value = find(key))
+            result = word(*value, key, words);
+    }
+    template <class E> E word(const toml::value& value, const char* key, const Words<E>& words) const {
+        std::string known;
+        for (const auto& [name, meaning] : words) {
+            if (value.is_string() && value.as_string().str == name)
+                return meaning;
+            known += (known.empty() ? "" : ", ") + std::string(name);
+        }
+        fail(value, quoted(key) + " must be one of: " + known + ".");
+    }
+    // The entries of a list of tables, each with the name of what it is.
+    std::vector<Table> list(const char* key, const std::string& what) {
+        std::vector<Table> result;
+        if (const toml::value* value = find(key)) {
+            if (!value->is_array())
+                fail(*value, quoted(key) + " stands in double brackets: [[" + key + "]].");
+            for (const toml::value& entry : value->as_array())
+                result.emplace_back(entry, file_, what);
+        }
+        return result;
+    }
+    std::optional<Table> table(const char* key) {
+        const toml::value* value = find(key);
+        return value == nullptr ? std::nullopt : std::optional<Table>(Table(*value, file_, std::string("[") + key + "]"));
+    }
+    // Requires: every key that means something was asked for.
+    void finish() const {
+        for (const auto& [key, value] : value_.as_table())
+            if (asked_.count(key) == 0)
+                fail(value, quoted(key) + " means nothing in " + what_ + ".");
+    }
+
+    static std::string quoted(const std::string& key) { return "\"" + key + "\""; }
+
+private:
+    static std::string plain(double number) {
+        std::ostringstream text;
+        text << number;
+        return text.str();
+    }
+
+    const toml::value& value_;
+    std::string file_;
+    std::string what_;
+    std::set<std::string> asked_;
+};
+
+const Words<Align> kAligns{{"left", Align::Left}, {"center", Align::Center}, {"right", Align::Right}};
+const Words<Ink> kInks{{"black", Ink::Black}, {"red", Ink::Red},   {"green", Ink::Green},
+                       {"blue", Ink::Blue},   {"grey", Ink::Grey}, {"amber", Ink::Amber}};
+const Words<ParameterKind> kParameterKinds{{"where", ParameterKind::Where},
+                                           {"sort", ParameterKind::Sort},
+                                           {"direction", ParameterKind::Direction},
+                                           {"number", ParameterKind::Number},
+                                           {"text", ParameterKind::Text}};
+const Words<Total> kTotals{{"sum", Total::Sum}, {"count", Total::Count}, {"average", Total::Average},
+                           {"min", Total::Min}, {"max", Total::Max},     {"first", Total::First}};
+const Words<BarcodeKind> kBarcodes{{"auto", BarcodeKind::Auto},
+                                   {"ean13", BarcodeKind::Ean13},
+                                   {"upca", BarcodeKind::UpcA},
+                                   {"code128", BarcodeKind::Code128},
+                                   {"code39", BarcodeKind::Code39}};
+const Words<Format> kFormats{{"text", Format::Text},         {"number", Format::Number}, {"integer", Format::Integer},
+                             {"quantity", Format::Quantity}, {"money", Format::Money},   {"cost", Format::Cost},
+                             {"percent", Format::Percent},   {"date", Format::Date},     {"time", Format::Time},
+                             {"datetime", Format::DateTime}, {"flag", Format::Flag}};
+const Words<ChartKind> kCharts{{"bar", ChartKind::Bar}, {"line", ChartKind::Line}, {"pie", ChartKind::Pie}};
+const Words<PaperSize> kPapers{{"Letter", PaperSize::Letter}, {"A4", PaperSize::A4}};
+
+StyleRule styleRule(Table& table) {
+    StyleRule rule;
+    std::string when;
+    table.read("when", when);
+    table.read("color", rule.ink, kInks);
+    table.read("bold", rule.bold);
+    const std::string_view text = trimmed(when);
+    for (const std::string_view comparison : {"<>", "<=", ">=", "<", ">", "="}) {
+        if (!text.starts_with(comparison))
+            continue;
+        rule.comparison = comparison;
+        std::string_view operand = trimmed(text.substr(comparison.size()));
+        rule.isText = operand.size() >= 2 && operand.front() == '\'' && operand.back() == '\'';
+        if (rule.isText)
+            operand = operand.substr(1, operand.size() - 2);
+        rule.operand = operand;
+        break;
+    }
+    if (rule.comparison.empty() || (rule.operand.empty() && !rule.isText))
+        table.failHere("\"when\" is a comparison and a value, as \"< 0\" or \"= 'Open'\".");
+    table.finish();
+    return rule;
+}
+
+Scope runningOf(Table& table) {
+    const toml::value* value = table.find("running");
+    if (value == nullptr)
+        return Scope::None;
+    if (value->is_boolean())
+        return value->as_boolean() ? Scope::Report : Scope::None;
+    return table.word(*value, "running", Words<Scope>{{"group", Scope::Group}, {"report", Scope::Report}});
+}
+
+ColumnDefinition column(Table& table) {
+    ColumnDefinition column;
+    column.line = table.line();
+    table.read("field", column.field);
+    table.read("expression", column.expression);
+    if (column.field.empty() == column.expression.empty())
+        table.failHere("A column has a \"field\" or an \"expression\".");
+    column.title = column.field;
+    table.read("title", column.title);
+    table.read("width", column.width, 1, 200);
+    table.read("format", column.format, kFormats);
+    table.read("align", column.align, kAligns);
+    table.read("total", column.total, kTotals);
+    if (column.total != Total::None && column.field.empty())
+        table.failAt("total", "A computed column is computed from the totals of its fields: leave \"total\" out.");
+    table.read("share", column.share, Words<Scope>{{"total", Scope::Report}, {"group", Scope::Group}});
+    column.running = runningOf(table);
+    if ((column.share != Scope::None || column.running != Scope::None) && column.field.empty())
+        table.failHere("\"share\" and \"running\" want a \"field\".");
+    table.read("repeat", column.repeat);
+    table.read("wrap", column.wrap);
+    table.read("hide", column.hide);
+    for (Table& rule : table.list("style", "a style"))
+        column.styles.push_back(styleRule(rule));
+    table.finish();
+    return column;
+}
+
+GroupDefinition group(Table& table) {
+    GroupDefinition group;
+    group.line = table.line();
+    table.read("field", group.field);
+    if (group.field.empty())
+        table.failHere("A group wants its \"field\".");
+    table.read("order", group.order);
+    table.read("header", group.header);
+    table.read("footer", group.footer);
+    table.read("page_break", group.pageBreak);
+    table.read("keep", group.keep, 0, 50);
+    table.read("details", group.details);
+    table.finish();
+    return group;
+}
+
+TextLine textLine(Table& table, bool inBlocks) {
+    TextLine line;
+    line.line = table.line();
+    table.read("text", line.text);
+    table.read("size", line.size, 4, 72);
+    table.read("bold", line.bold);
+    table.read("align", line.align, kAligns);
+    if (inBlocks) {
+        bool left = true;
+        table.read("left", left);
+        table.read("right", line.rightBlock);
+    }
+    table.finish();
+    return line;
+}
+
+ChartDefinition chart(Table& table) {
+    ChartDefinition chart;
+    chart.line = table.line();
+    table.read("kind", chart.kind, kCharts);
+    table.read("title", chart.title);
+    table.read("label", chart.label);
+    table.read("value", chart.value);
+    if (chart.label.empty() || chart.value.empty())
+        table.failHere("A chart wants its \"label\" and its \"value\".");
+    table.read("most", chart.most, 2, 400);
+    table.read("place", chart.atStart, Words<bool>{{"start", true}, {"end", false}});
+    table.read("height", chart.height, 60, 500);
+    table.finish();
+    return chart;
+}
+
+BarcodeDefinition barcode(Table& table) {
+    BarcodeDefinition barcode;
+    barcode.line = table.line();
+    table.read("field", barcode.field);
+    if (barcode.field.empty())
+        table.failHere("A barcode wants its \"field\".");
+    table.read("kind", barcode.kind, kBarcodes);
+    table.read("height", barcode.height, 0.1, 4);
+    table.read("text", barcode.text);
+    table.finish();
+    return barcode;
+}
+
+LabelDefinition label(Table& table, Table& root, PageDefinition& page) {
+    LabelDefinition label;
+    std::string sheet = "Letter";
+    table.read("sheet", sheet);
+    if (sheet == "roll")
+        label.roll = true;
+    else if (sheet == "A4" || sheet == "Letter")
+        page.size = sheet == "A4" ? PaperSize::A4 : PaperSize::Letter;
+    else
+        table.failAt("sheet", "\"sheet\" must be one of: Letter, A4, roll.");
+    table.read("columns", label.columns, 1, 20);
+    table.read("rows", label.rows, 1, 60);
+    table.read("left", label.left, 0, 12);
+    table.read("top", label.top, 0, 12);
+    table.read("width", label.width, 0.25, 12);
+    table.read("height", label.height, 0.25, 17);
+    table.read("gap_x", label.gapX, 0, 4);
+    table.read("gap_y", label.gapY, 0, 4);
+    if (const toml::value* quantity = table.find("quantity")) {
+        if (quantity->is_string())
+            label.quantityField = quantity->as_string().str;
+        else
+            table.read("quantity", label.quantity, 0, 10000);
+    }
+    if (label.roll && (label.columns != 1 || label.rows != 1))
+        table.failHere("On a roll every label is a page: columns and rows are 1.");
+    const double paperWidth = page.size == PaperSize::A4 ? 8.27 : 8.5;
+    const double paperHeight = page.size == PaperSize::A4 ? 11.69 : 11;
+    if (!label.roll && (label.left + label.columns * label.width + (label.columns - 1) * label.gapX > paperWidth + 0.01 ||
+                        label.top + label.rows * label.height + (label.rows - 1) * label.gapY > paperHeight + 0.01))
+        table.failHere("The labels do not fit on the sheet.");
+    table.finish();
+    for (Table& line : root.list("line", "a [[line]]"))
+        label.lines.push_back(textLine(line, false));
+    for (Table& code : root.list("barcode", "a [[barcode]]"))
+        label.barcodes.push_back(barcode(code));
+    return label;
+}
+
+QueryDefinition query(Table& table) {
+    QueryDefinition query;
+    query.line = table.line();
+    table.read("sql", query.sql);
+    if (trimmed(query.sql).empty())
+        table.failHere("[query] wants its \"sql\".");
+    if (const toml::value* kinds = table.find("parameters")) {
+        if (!kinds->is_array())
+            table.fail(*kinds, "\"parameters\" must be a list of kinds.");
+        query.parameters.clear();
+        for (const toml::value& kind : kinds->as_array())
+            query.parameters.push_back(table.word(kind, "parameters", kParameterKinds));
+    }
+    table.read("order", query.order);
+    if (const toml::value* sort = table.find("sort")) {
+        if (!sort->is_table())
+            table.fail(*sort, "\"sort\" must be a table of names.");
+        for (const auto& [name, expression] : sort->as_table()) {
+            if (!expression.is_string())
+                table.fail(expression, "What to order by must be a text.");
+            query.sort[lowerCase(name)] = expression.as_string().str;
+        }
+    }
+    table.finish();
+    return query;
+}
+
+void readPage(Table& table, PageDefinition& page) {
+    table.read("size", page.size, kPapers);
+    table.read("orientation", page.landscape, Words<bool>{{"portrait", false}, {"landscape", true}});
+    table.read("font_size", page.fontSize, 5, 24);
+    table.read("grand_total", page.grandTotal);
+    table.read("empty", page.empty);
+    table.finish();
+}
+
+Definition definitionOf(const toml::value& root, const std::filesystem::path& file) {
+    Definition result;
+    result.file = file;
+    Table table(root, file.filename().string(), "a report");
+    table.read("title", result.title);
+    if (result.title.empty())
+        table.failHere("A report wants its \"title\".");
+    table.read("subtitle", result.subtitle);
+    std::optional<Table> queryTable = table.table("query");
+    if (!queryTable)
+        table.failHere("A report wants its [query].");
+    result.query = query(*queryTable);
+    if (std::optional<Table> page = table.table("page"))
+        readPage(*page, result.page);
+    for (Table& entry : table.list("column", "a [[column]]"))
+        result.columns.push_back(column(entry));
+    for (Table& entry : table.list("group", "a [[group]]"))
+        result.groups.push_back(group(entry));
+    for (Table& entry : table.list("header", "a [[header]]"))
+        result.headers.push_back(textLine(entry, true));
+    for (Table& entry : table.list("footer", "a [[footer]]"))
+        result.footers.push_back(textLine(entry, true));
+    for (Table& entry : table.list("chart", "a [[chart]]"))
+        result.charts.push_back(chart(entry));
+    if (std::optional<Table> entry = table.table("label"))
+        result.label = label(*entry, table, result.page);
+    if (result.columns.empty() && !result.label)
+        table.failHere("A report wants at least one [[column]], or a [label].");
+    for (std::size_t i = 0; i + 1 < result.groups.size(); ++i)
+        if (!result.groups[i].details)
+            throw DefinitionError(file.filename().string(), result.groups[i].line, "Only the innermost group may leave out its rows.");
+    table.finish();
+    return result;
+}
+
+} // namespace
+
+DefinitionError::DefinitionError(const std::string& file, int line, const std::string& reason)
+    : std::runtime_error(file + ":" + (line > 0 ? std::to_string(line) + ": " : " ") + reason), line_(line) {}
+
+std::optional<Format> formatNamed(std::string_view name) {
+    for (const auto& [word, format] : kFormats)
+        if (word == name)
+            return format;
+    return std::nullopt;
+}
+
+Definition readDefinition(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream)
+        throw std::filesystem::filesystem_error("The report file cannot be read", file,
+                                                std::make_error_code(std::errc::no_such_file_or_directory));
+    std::ostringstream text;
+    text << stream.rdbuf();
+    return parseDefinition(text.str(), file);
+}
+
+Definition parseDefinition(const std::string& text, const std::filesystem::path& file) {
+    std::istringstream stream(text);
+    try {
+        return definitionOf(toml::parse(stream, file.filename().string()), file);
+    } catch (const toml::syntax_error& error) {
+        throw DefinitionError(file.filename().string(), static_cast<int>(error.location().line()), "This is not TOML here.");
+    } catch (const toml::exception& error) {
+        throw DefinitionError(file.filename().string(), static_cast<int>(error.location().line()), error.what());
+    }
+}
+
+} // namespace merchantry::reports

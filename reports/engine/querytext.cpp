@@ -1,0 +1,140 @@
+#include "reports/engine/querytext.h"
+
+#include "app/db/tsql/parser.h"
+#include "base/numbers.h"
+#include "base/text.h"
+
+#include <algorithm>
+
+namespace merchantry::reports {
+namespace {
+
+class QueryText {
+public:
+    QueryText(const Definition& definition, const ParameterTexts& parameters) : definition_(definition), parameters_(parameters) {}
+
+    std::string filled() const {
+        const std::string& sql = definition_.query.sql;
+        std::string result;
+        std::size_t at = 0;
+        for (std::size_t open = sql.find('{'); open != std::string::npos; open = sql.find('{', at)) {
+            const std::size_t close = sql.find('}', open);
+            if (close == std::string::npos)
+                fail("A brace is opened and not closed.", open);
+            result += sql.substr(at, open - at) + place(sql.substr(open + 1, close - open - 1), open);
+            at = close + 1;
+        }
+        return result + sql.substr(at);
+    }
+
+    [[noreturn]] void fail(const std::string& reason, std::size_t at) const {
+        const std::string& sql = definition_.query.sql;
+        const auto lines = std::count(sql.begin(), sql.begin() + static_cast<std::ptrdiff_t>(std::min(at, sql.size())), '\n');
+        throw DefinitionError(definition_.file.filename().string(), definition_.query.line + static_cast<int>(lines), reason);
+    }
+
+private:
+    std::string parameter(std::size_t number) const { return number <= parameters_.size() ? parameters_[number - 1] : std::string(); }
+
+    // What the parameter of a kind holds; empty when the report has none.
+    std::string ofKind(ParameterKind kind) const {
+        const auto& kinds = definition_.query.parameters;
+        const auto found = std::find(kinds.begin(), kinds.end(), kind);
+        return found == kinds.end() ? "" : parameter(static_cast<std::size_t>(found - kinds.begin()) + 1);
+    }
+
+    std::string place(const std::string& name, std::size_t at) const {
+        if (name == "where")
+            return ofKind(ParameterKind::Where);
+        if (name == "and") {
+            const std::string conditions = conditionsOf(ofKind(ParameterKind::Where));
+            return conditions.empty() ? "" : " AND (" + conditions + ")";
+        }
+        if (name == "order")
+            return order();
+        const auto number = numberOf(name);
+        const auto& kinds = definition_.query.parameters;
+        if (!number || *number < 1 || *number > static_cast<double>(kinds.size()) ||
+            name.find_first_not_of("0123456789") != std::string::npos)
+            fail("The place {" + name + "} means nothing here.", at);
+        const auto index = static_cast<std::size_t>(*number);
+        return literal(kinds[index - 1], parameter(index), index, at);
+    }
+
+    std::string literal(ParameterKind kind, const std::string& text, std::size_t index, std::size_t at) const {
+        if (kind == ParameterKind::Number) {
+            const std::string_view number = trimmed(text);
+            if (number.empty())
+                return "0";
+            if (!numberOf(number) || number.find_first_not_of("0123456789.-") != std::string_view::npos)
+                fail("Parameter " + std::to_string(index) + " must be a number, and is \"" + text + "\".", at);
+            return std::string(number);
+        }
+        if (kind != ParameterKind::Text)
+            return text;
+        std::string quoted = "'";
+        for (const char c : text)
+            quoted += c == '\'' ? std::string("''") : std::string(1, c);
+        return quoted + "'";
+    }
+
+    // The groups first, then the chosen column, or the order of last resort. What stands there already is not said again.
+    std::string order() const {
+        std::vector<std::string> parts;
+        for (const GroupDefinition& group : definition_.groups)
+            parts.push_back(group.order.empty() ? "[" + group.field + "]" : group.order);
+        const std::string sort(trimmed(ofKind(ParameterKind::Sort)));
+        if (sort.empty()) {
+            if (!trimmed(definition_.query.order).empty())
+                parts.push_back(definition_.query.order);
+        } else {
+            const auto known = definition_.query.sort.find(lowerCase(sort));
+            const std::string column = known == definition_.query.sort.end() ? sort : known->second;
+            const std::string direction = upperCase(trimmed(ofKind(ParameterKind::Direction)));
+            sortInto(parts, column, direction);
+        }
+        return parts.empty() ? "" : " ORDER BY " + joined(parts, ", ");
+    }
+
+    // A chosen column that is a group's turns the group's order.
+    static void sortInto(std::vector<std::string>& parts, const std::string& column, const std::string& direction) {
+        for (std::string& part : parts) {
+            if (!sameText(part, column))
+                continue;
+            part += direction == "DESC" ? " DESC" : "";
+            return;
+        }
+        parts.push_back(column + (direction.empty() ? "" : " " + direction));
+    }
+
+    const Definition& definition_;
+    const ParameterTexts& parameters_;
+};
+
+bool isOneQuery(const db::tsql::Batch& batch) {
+    if (batch.statements.size() != 1)
+        return false;
+    const db::tsql::StatementKind kind = batch.statements[0]->kind;
+    return kind == db::tsql::StatementKind::Select || kind == db::tsql::StatementKind::Execute;
+}
+
+} // namespace
+
+std::string conditionsOf(const std::string& where) {
+    const std::string_view text = trimmed(where);
+    return std::string(sameText(text.substr(0, 5), "where") ? trimmed(text.substr(5)) : text);
+}
+
+std::string queryText(const Definition& definition, const ParameterTexts& parameters) {
+    const QueryText query(definition, parameters);
+    std::string text = query.filled();
+    try {
+        if (isOneQuery(db::tsql::parseBatch(text)))
+            return text;
+    } catch (const db::DbError& error) {
+        query.fail(error.what(), 0);
+    }
+    query.fail("A report's query is one SELECT or one call.", 0);
+}
+
+} // namespace merchantry::reports

@@ -1,0 +1,89 @@
+#include "reports/engine/querytext.h"
+
+#include "app/db/embedded/store.h"
+#include "app/db/schema/schema.h"
+#include "reports/engine/reportrows.h"
+
+#include <gtest/gtest.h>
+
+namespace merchantry::reports {
+namespace {
+
+Definition reportOf(const std::string& sql,
+                    std::vector<ParameterKind> kinds = {ParameterKind::Where, ParameterKind::Sort, ParameterKind::Direction}) {
+    Definition definition;
+    definition.file = "r.rpt";
+    definition.query.sql = sql;
+    definition.query.parameters = std::move(kinds);
+    definition.query.order = "Item.Name";
+    return definition;
+}
+
+std::string refusalOf(const Definition& definition, const ParameterTexts& parameters) {
+    try {
+        queryText(definition, parameters);
+        return "";
+    } catch (const DefinitionError& error) {
+        return error.what();
+    }
+}
+
+TEST(QueryText, ConditionsAndOrderStandInTheirPlaces) {
+    Definition report = reportOf("SELECT * FROM Item {where}{order}");
+    EXPECT_EQ(queryText(report, {}), "SELECT * FROM Item  ORDER BY Item.Name");
+    EXPECT_EQ(queryText(report, {"WHERE (Item.Active = 1)", "Item.SKU", " DESC"}),
+              "SELECT * FROM Item WHERE (Item.Active = 1) ORDER BY Item.SKU DESC");
+    report.query.sort["item.sku"] = "Code";
+    report.groups.resize(2);
+    report.groups[0].order = "Departments.Department";
+    report.groups[1].field = "Kind";
+    EXPECT_EQ(queryText(report, {"", "Item.SKU", " ASC"}), "SELECT * FROM Item  ORDER BY Departments.Department, [Kind], Code ASC");
+    EXPECT_EQ(queryText(report, {"", "Departments.Department", " DESC"}),
+              "SELECT * FROM Item  ORDER BY Departments.Department DESC, [Kind]");
+    report = reportOf("SELECT 1 AS A FROM Item WHERE TypeID <> 4{and}");
+    EXPECT_EQ(queryText(report, {"where (A = 1) OR (B = 2)", "", ""}),
+              "SELECT 1 AS A FROM Item WHERE TypeID <> 4 AND ((A = 1) OR (B = 2))");
+    EXPECT_EQ(queryText(report, {}), "SELECT 1 AS A FROM Item WHERE TypeID <> 4");
+}
+
+TEST(QueryText, AParameterCannotBecomeMoreThanItIs) {
+    const Definition numbered = reportOf("EXEC sp_Order {1}, {2}", {ParameterKind::Number, ParameterKind::Text});
+    EXPECT_EQ(queryText(numbered, {"17", "it's"}), "EXEC sp_Order 17, 'it''s'");
+    EXPECT_EQ(queryText(numbered, {}), "EXEC sp_Order 0, ''");
+    EXPECT_NE(refusalOf(numbered, {"1; DROP TABLE Item", ""}).find("must be a number"), std::string::npos);
+    EXPECT_NE(refusalOf(numbered, {"0x10", ""}).find("must be a number"), std::string::npos);
+    const Definition filtered = reportOf("SELECT * FROM Item {where}");
+    EXPECT_NE(refusalOf(filtered, {"WHERE 1 = 1 DELETE FROM Item"}).find("one SELECT or one call"), std::string::npos);
+    EXPECT_NE(refusalOf(filtered, {"WHERE Name = 'it's'"}).find("r.rpt"), std::string::npos);
+    EXPECT_NE(refusalOf(reportOf("SELECT {3x}"), {}).find("{3x}"), std::string::npos);
+    EXPECT_NE(refusalOf(reportOf("SELECT {4}"), {}).find("{4}"), std::string::npos);
+    EXPECT_NE(refusalOf(reportOf("SELECT {where"), {}).find("not closed"), std::string::npos);
+    EXPECT_NE(refusalOf(reportOf("UPDATE Item SET Name = ''"), {}).find("one SELECT or one call"), std::string::npos);
+}
+
+TEST(ReportRows, ComeFromASessionThatOnlyReads) {
+    const auto store = db::Store::scratch();
+    db::createSchema(*store->session());
+    {
+        const auto session = store->session();
+        session->setReadOnly(true);
+        EXPECT_EQ(readRows(*session, "SELECT DepartmentID FROM Departments")->rowCount(), 1);
+        for (const char* change :
+             {"INSERT INTO Departments (Department) VALUES ('Toys')", "SELECT * INTO Copied FROM Departments", "EXEC bsp_NewItem 'a', 'a'"})
+            EXPECT_THROW(readRows(*session, change), db::DbError) << change;
+        int asked = 0;
+        try {
+            readRows(*session, "SELECT a.object_id FROM sys.objects a, sys.objects b, sys.objects c", [&](int) { return ++asked < 2; });
+            ADD_FAILURE() << "was not stopped";
+        } catch (const db::DbError& error) {
+            EXPECT_EQ(error.category(), db::DbError::Category::Cancelled);
+        }
+        EXPECT_EQ(asked, 2);
+    }
+    // The next user of the connection may write again.
+    db::NoResult none;
+    store->session()->execute("INSERT INTO Departments (Department) VALUES ('Toys')", none);
+}
+
+} // namespace
+} // namespace merchantry::reports
