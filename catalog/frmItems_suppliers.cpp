@@ -27,15 +27,6 @@ double numberIn(const std::string& text) {
     return numberOf(text).value_or(numericPrefix(text));
 }
 
-// Requires: the text is numeric.
-Currency amountIn(const std::string& text) {
-    try {
-        return Currency::fromText(text);
-    } catch (const std::invalid_argument&) { // with an exponent
-        return Currency::fromDouble(*numberOf(text));
-    }
-}
-
 } // namespace
 
 void frmItems::wireSuppliers() {

@@ -18,10 +18,21 @@ db::RecordsetPtr openUpdatable(const db::Sql& procedure, const std::vector<db::P
     return openBroker(procedure, db::CommandType::StoredProcedure, db::CursorType::Dynamic, db::LockType::Optimistic, parameters);
 }
 
+Currency amountIn(const std::string& text) {
+    const auto number = numberOf(text);
+    if (!number)
+        throw std::invalid_argument("Type mismatch: \"" + text + "\" is not a number.");
+    try {
+        return Currency::fromText(text);
+    } catch (const std::invalid_argument&) { // with an exponent
+        return Currency::fromDouble(*number);
+    }
+}
+
 void ValueBefore::remember(const std::string& cell) {
     if (!isNumeric(cell))
         return;
-    const Currency value = Currency::fromDouble(*numberOf(cell));
+    const Currency value = amountIn(cell);
     if (value.units() != 0)
         lastNonZero = value;
     last = value.units() != 0 ? value : lastNonZero;

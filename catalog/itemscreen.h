@@ -21,6 +21,10 @@ db::RecordsetPtr openList(const db::Sql& procedure, const std::vector<db::Parame
 // The rows of a procedure, for a grid to edit.
 db::RecordsetPtr openUpdatable(const db::Sql& procedure, const std::vector<db::Parameter>& parameters = {});
 
+// The amount that a text in a cell means: a number in any form that a user may type, exact to four decimals where it has no exponent.
+// Throws std::invalid_argument ("Type mismatch...") for a text that is no number and OverflowError for one too large for money.
+Currency amountIn(const std::string& text);
+
 // The value that a cell held before the edit under way. A 0 does not take the place of what was there before, so that a refused 0 can be
 // put back to the last value that was none. A cell that is no number changes nothing.
 struct ValueBefore {

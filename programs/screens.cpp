@@ -12,6 +12,9 @@
 #include "catalog/frmItemMatrix.h"
 #include "catalog/frmItemParent.h"
 #include "catalog/frmItems.h"
+#include "catalog/frmItems_Sales.h"
+#include "catalog/frmItems_SalesMsg.h"
+#include "catalog/frmPriceTiers.h"
 #include "catalog/itemlistform.h"
 #include "catalog/itemwizardform.h"
 #include "catalog/modItemLookup.h"
@@ -48,6 +51,9 @@ constexpr Screen kScreens[] = {
     {"frmInventory_Adjust", instanceOf<inventory::frmInventory_Adjust>, false},
     {"frmInventory_Serial", instanceOf<inventory::frmInventory_Serial>, false},
     {"frmInvReasonCodes", instanceOf<inventory::frmInvReasonCodes>, true},
+    {"frmItems_Sales", instanceOf<catalog::frmItems_Sales>, false},
+    {"frmItems_SalesMsg", instanceOf<catalog::frmItems_SalesMsg>, false},
+    {"frmPriceTiers", instanceOf<catalog::frmPriceTiers>, true},
 };
 
 } // namespace
@@ -81,6 +87,8 @@ void bindDoors(ui::Desk& desk) {
     doors.AdjustInv = [&desk](const std::string& sku, const std::string& matrixSku, const std::string& name) {
         desk.form<inventory::frmInventory_Adjust>().AdjustInv(sku, matrixSku, name, 0);
     };
+    doors.SalesMessages = [&desk](int mode) { return desk.form<frmItems_SalesMsg>().ShowForm(mode); };
+    doors.ItemSales = [&desk] { desk.showModal(desk.form<frmItems_Sales>()); };
     doors.ShowScreen = [&desk](const std::string& form) {
         for (const Screen& screen : kScreens) {
             if (!screen.command || form != screen.name)

@@ -154,8 +154,12 @@ bool Grid::setText(int row, int column, const std::string& text) {
 }
 
 bool Grid::addRow(const std::vector<std::string>& cells) {
-    if (bound_ != nullptr)
-        return attempt([&] { bound_->addRow({cells.begin(), cells.end()}); });
+    if (bound_ != nullptr) {
+        std::vector<Value> values;
+        for (const std::string& cell : cells)
+            values.push_back(cell.empty() ? Value() : Value(cell));
+        return attempt([&] { bound_->addRow(values); });
+    }
     cells_.push_back(cells);
     cells_.back().resize(columns_.size());
     changed(Aspect::Rows);

@@ -73,6 +73,7 @@ public:
     // (`error`, or shown to the user), changes nothing and gives false.
     void setDataRows(int count);
     bool setText(int row, int column, const std::string& text);
+    // Bound, an empty text leaves the column to its default.
     bool addRow(const std::vector<std::string>& cells);
     bool removeRow(int row);
     void setCellColor(int row, int column, Color color);
