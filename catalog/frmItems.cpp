@@ -46,6 +46,7 @@ void frmItems::wireGeneral() {
     txtStockAmt.setLocked(true);
     txtStockAmt.setToolTip(
         "Stock changes through Adjust. Leaving this field writes the figure shown, also when a register has sold meanwhile.");
+    txtPriceAmt.money = true;
     txtPriceAmt.setToolTip("The retail price. Type a plain number without a currency sign; anything else counts as 0.");
     lblProfitPercent.setToolTip("Margin on the price, as it was when the item was opened");
     cmdDeleteItem.isDanger = true;
@@ -86,6 +87,15 @@ void frmItems::wireOtherPages() {
     wireSubstitutes();
     wireMatrix();
     wireMisc();
+    onKey("Alt+Up", [this] { pressShown({&imgArrowUp, &imgSubUp}); });
+    onKey("Alt+Down", [this] { pressShown({&imgArrowDown, &imgSubDown}); });
+}
+
+// The arrow of the page that is turned up; the focus stays where it is.
+void frmItems::pressShown(std::initializer_list<Image*> arrows) {
+    for (Image* arrow : arrows)
+        if (arrow->obstacle().empty())
+            arrow->press();
 }
 
 void frmItems::notYet(const std::string& what) {

@@ -130,6 +130,7 @@ private:
     void wireSubstitutes();
     void wireMatrix();
     void wireMisc();
+    static void pressShown(std::initializer_list<ui::Image*> arrows);
     ui::Item generalPage();
     ui::Item suppliersPage();
     ui::Item pricePage();
@@ -169,8 +170,8 @@ private:
     ui::Grid grdSuppliers{*this, "grdSuppliers"};
     ui::Button cmdAddNewSupplier{*this, "cmdAddNewSupplier", "&Add New"};
     ui::Button cmdDeleteSupplier{*this, "cmdDeleteSupplier", "&Delete"};
-    ui::Image imgArrowUp{*this, "imgArrowUp", "arrow-up", "Move the supplier up"};
-    ui::Image imgArrowDown{*this, "imgArrowDown", "arrow-down", "Move the supplier down"};
+    ui::Image imgArrowUp{*this, "imgArrowUp", "arrow-up", "Move the supplier up (Alt+Up)"};
+    ui::Image imgArrowDown{*this, "imgArrowDown", "arrow-down", "Move the supplier down (Alt+Down)"};
 
     // Price Matrix
     ui::Label lblPricePName{*this, "lblPricePName"};
@@ -191,8 +192,8 @@ private:
     ui::Grid grdSubs{*this, "grdSubs"};
     ui::Button cmdSubsAddNew{*this, "cmdSubsAddNew", "Add New"};
     ui::Button cmdSubsDelete{*this, "cmdSubsDelete", "Delete"};
-    ui::Image imgSubUp{*this, "imgSubUp", "arrow-up", "Move the substitute up"};
-    ui::Image imgSubDown{*this, "imgSubDown", "arrow-down", "Move the substitute down"};
+    ui::Image imgSubUp{*this, "imgSubUp", "arrow-up", "Move the substitute up (Alt+Up)"};
+    ui::Image imgSubDown{*this, "imgSubDown", "arrow-down", "Move the substitute down (Alt+Down)"};
 
     // Notes
     ui::Label lblNotesPName{*this, "lblNotesPName"};

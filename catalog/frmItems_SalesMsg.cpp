@@ -21,6 +21,7 @@ frmItems_SalesMsg::frmItems_SalesMsg(Desk& desk) : Form(desk, "frmItems_SalesMsg
     setIcon("item");
     grdSalesMsg.setColumns({{.heading = "ID", .format = GridColumn::Format::Number}, {.heading = "Message", .characters = 64}});
     grdSalesMsg.setToolTip("The first message means none at all and cannot be changed. A message cannot contain \"|\".");
+    grdSalesMsg.setStatusText("The first message means none. A change shows on every item that has the message.");
     cmdSelect.setVisible(false);
     cmdDeleteMsg.isDanger = true;
     cmdExit.isCancel = true;

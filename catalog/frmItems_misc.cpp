@@ -36,7 +36,7 @@ void frmItems::wireSubstitutes() {
                         {.heading = "Substitute Parent", .fixedWidth = true},
                         {.heading = "Substitute Matrix", .fixedWidth = true},
                         {.heading = "Priority", .format = GridColumn::Format::Number},
-                        {.heading = "Notes", .characters = 32}});
+                        {.heading = "Notes", .characters = 20}});
     grdSubs.emptyText = "No substitutes.";
     grdSubs.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kParent; };
     grdSubs.error = [this](const std::string&, bool& handled) {
@@ -108,6 +108,7 @@ void frmItems::grdSubs_Error() {
 // --- tag-along ---
 
 void frmItems::wireMisc() {
+    lblTagAlongSKU.setToolTip("Click to pick the item that a sale of this one adds by itself; \"()\" stands for none.");
     lblTagAlongSKU.click = [this] { lblTagAlongSKU_Click(); };
     cmdAddTagAlong.click = [this] { lblTagAlongSKU_Click(); };
     cmdRemoveTagAlong.click = [this] { cmdRemoveTagAlong_Click(); };

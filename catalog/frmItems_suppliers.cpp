@@ -33,11 +33,11 @@ void frmItems::wireSuppliers() {
     using Format = GridColumn::Format;
     grdSuppliers.setColumns({{.heading = "Parent", .fixedWidth = true},
                              {.heading = "Matrix", .fixedWidth = true},
-                             {.heading = "Supplier", .editor = GridColumn::Editor::Combo, .characters = 32},
+                             {.heading = "Supplier", .editor = GridColumn::Editor::Combo, .characters = 28},
                              {.heading = "Cost", .format = Format::Currency},
                              {.heading = "Min Order", .format = Format::Number},
                              {.heading = "Priority", .format = Format::Number},
-                             {.heading = "Part #", .characters = 16},
+                             {.heading = "Part #"},
                              {.heading = "", .hidden = true}});
     grdSuppliers.emptyText = "No supplier delivers this item yet.";
     grdSuppliers.setToolTip("What is typed over in the column Matrix is not kept: the row belongs to this item.");

@@ -74,6 +74,21 @@ bool editText(TextBox& box, const std::string& name) {
     return true;
 }
 
+// What is clicked like a button; boxes by Space alone.
+bool clickFocused(Control* control, bool boxesToo) {
+    if (auto* button = dynamic_cast<Button*>(control))
+        return press(*button).empty();
+    if (auto* image = dynamic_cast<Image*>(control))
+        return press(*image).empty();
+    if (auto* label = dynamic_cast<Label*>(control))
+        return press(*label).empty();
+    if (auto* box = dynamic_cast<CheckBox*>(control); box != nullptr && boxesToo)
+        return check(*box, !box->value()).empty();
+    if (auto* option = dynamic_cast<OptionButton*>(control); option != nullptr && boxesToo)
+        return choose(*option).empty();
+    return false;
+}
+
 template <class C, class Act> std::string use(C& control, Act act) {
     if (std::string why = enter(control); !why.empty())
         return why;
@@ -277,6 +292,8 @@ bool key(Form& form, const std::string& name) {
         form.desk().copyText(grid->text(grid->row(), grid->col()));
         return true;
     }
+    if ((name == "Space" || name == "Enter") && clickFocused(form.focused(), name == "Space"))
+        return true;
     if (name == "Tab" || name == "Shift+Tab") {
         form.focusNext(name != "Tab");
         return true;
@@ -287,8 +304,6 @@ bool key(Form& form, const std::string& name) {
         return true;
     }
     if (name == "Enter") {
-        if (auto* button = dynamic_cast<Button*>(form.focused()))
-            return press(*button).empty();
         if (auto* grid = dynamic_cast<Grid*>(form.focused()); grid != nullptr && grid->selected() && grid->dblClick) {
             grid->userDoubleClick(grid->row(), grid->col());
             return true;

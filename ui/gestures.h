@@ -41,8 +41,8 @@ std::string clickHeading(Grid& grid, int column);
 std::string doubleClick(Grid& grid, int row, int column);
 // Begins the edit, types, commits. A refused edit is no obstacle: the grid's procedures have spoken.
 std::string edit(Grid& grid, int row, int column, const std::string& text);
-// Enter, Escape, Tab and Alt+letter do on a form what a user expects, Ctrl+A, Ctrl+C and Delete in a box or on a cell; false when the key
-// means nothing there.
+// Enter, Escape, Tab and Alt+letter do on a form what a user expects, Space clicks what has the focus, Ctrl+A, Ctrl+C and Delete work in a
+// box or on a cell; false when the key means nothing there.
 bool key(Form& form, const std::string& key);
 // By the close box or Escape's button.
 std::string close(Form& form);

@@ -1,6 +1,9 @@
 #include "ui/textbox.h"
 
+#include "base/currency.h"
+#include "base/numbers.h"
 #include "base/text.h"
+#include "ui/form.h"
 
 #include <algorithm>
 
@@ -16,6 +19,16 @@ void TextBox::setText(std::string text) {
     changed(Aspect::Text);
     if (change)
         change();
+}
+
+std::string TextBox::shownText() const {
+    if (!money || form().focused() == this || !isNumeric(text_))
+        return text_;
+    try {
+        return Currency::fromDouble(*numberOf(text_)).toDisplay();
+    } catch (const OverflowError&) { // no amount of money
+        return text_;
+    }
 }
 
 void TextBox::select(int start, int length) {

@@ -14,6 +14,9 @@ public:
     bool takesFocus() const override { return true; }
 
     const std::string& text() const { return text_; }
+    // What a window shows: for money the amount in the form "$#,##0.00;($#,##0.00)" while the field does not have the focus, otherwise
+    // text().
+    std::string shownText() const;
     // Runs change when the text becomes another one, whoever sets it.
     void setText(std::string text);
     // Number of characters selected and the first of them, for the user to see; kept inside the text.
@@ -30,6 +33,7 @@ public:
     bool password = false;
     bool alignRight = false; // numbers
     bool fixedWidth = false; // codes
+    bool money = false;      // see shownText
     int maxLength = 0;       // characters, 0 for no limit
     std::string mask;
     std::string placeholder; // shown dim while the field is empty

@@ -253,6 +253,9 @@ void FormWindow::formChanged() {
 void FormWindow::focusChanged() {
     if (form_ == nullptr)
         return;
+    for (const auto& drawing : drawings_)
+        if (const auto* box = dynamic_cast<const TextBox*>(&drawing->control()); box != nullptr && box->money)
+            drawing->refresh(Aspect::Text);
     Drawing* const drawn = form_->focused() == nullptr ? nullptr : drawing(*form_->focused());
     QWidget* const target = drawn == nullptr ? this : drawn->focusTarget();
     if (target->hasFocus() || (target == this && focusWidget() == nullptr) || target->isAncestorOf(QApplication::focusWidget()))

@@ -84,6 +84,7 @@ QToolButton:pressed { background: {line}; }
 QToolButton:focus { border: 2px solid {accent}; padding: 5px 9px; }
 QToolButton:disabled { color: {dim}; }
 QToolButton[look="image"] { padding: 4px; background: {panel}; border-color: {line}; }
+QToolButton[look="image"]:focus { padding: 3px; border-color: {accent}; }
 
 QProgressBar { background: {head}; border: none; border-radius: 4px; max-height: 8px; min-height: 8px; }
 QProgressBar::chunk { background: {accent}; border-radius: 4px; }

@@ -107,12 +107,14 @@ private:
 
     // Leaves the caret where the user has it when nothing differs, or when a change procedure only put the typed text right.
     void showText() {
-        const QString text = toQt(box_.text());
+        const QString text = toQt(box_.shownText());
         if (line().text() == text)
             return;
         telling_ = true;
         line().setText(text);
         telling_ = false;
+        if (box_.shownText() != box_.text())
+            return; // nothing is selected in a form that only shows
         if (typingAt_ >= 0)
             line().setCursorPosition(std::min(typingAt_, static_cast<int>(text.size())));
         else

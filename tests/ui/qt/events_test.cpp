@@ -39,6 +39,38 @@ protected:
 
 } // namespace
 
+TEST_F(EventsTest, AMoneyFieldShowsItsFormUntilItHasTheFocus) {
+    auto& form = shown<sample::ItemSheet>();
+    auto& price = widget<QLineEdit>(form.txtPrice);
+    form.txtPrice.gotFocus = [&form] { form.txtPrice.selectAll(); };
+    click<QLineEdit>(form.txtName);
+    EXPECT_EQ(price.text(), "$2.55");
+    for (const auto& [typed, shows] : {std::pair{"1234.5", "$1,234.50"}, {"-4", "($4.00)"}, {"abc", "abc"}, {"", ""}, {"1e30", "1e30"}}) {
+        desk.enter([&] { gestures::enter(form.txtPrice); });
+        EXPECT_EQ(price.text(), QString::fromStdString(form.txtPrice.text()));
+        EXPECT_EQ(price.selectedText(), price.text());
+        desk.enter([&] { gestures::type(form.txtPrice, typed); });
+        EXPECT_EQ(price.text(), typed);
+        QTest::keyClick(&price, Qt::Key_Tab);
+        EXPECT_EQ(price.text(), shows);
+        EXPECT_EQ(form.txtPrice.text(), typed);
+    }
+    form.txtPrice.setText("7");
+    EXPECT_EQ(price.text(), "$7.00");
+}
+
+TEST_F(EventsTest, AnArrowIsClickedByKeyboard) {
+    auto& form = shown<sample::ItemSheet>();
+    desk.enter([&] {
+        form.tabItems.setCurrent(1);
+        gestures::enter(form.imgUp);
+    });
+    form.events.clear();
+    QTest::keyClick(desk.window(form)->focusWidget(), Qt::Key_Space);
+    QTest::keyClick(desk.window(form)->focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(form.events, (Events{"imgUp click", "imgUp click"}));
+}
+
 TEST_F(EventsTest, ClickingAndTypingBringTheEventsOfTheGestures) {
     auto& form = shown<sample::ItemSheet>();
     form.events.clear();

@@ -62,7 +62,7 @@ protected:
         if (const auto* box = dynamic_cast<const TextBox*>(&control); box != nullptr && box->multiline) {
             EXPECT_EQ(dynamic_cast<QPlainTextEdit&>(widget).toPlainText().toStdString(), box->text());
         } else if (box != nullptr) {
-            EXPECT_EQ(dynamic_cast<QLineEdit&>(widget).text().toStdString(), box->text());
+            EXPECT_EQ(dynamic_cast<QLineEdit&>(widget).text().toStdString(), box->shownText());
         }
         if (const auto* check = dynamic_cast<const CheckBox*>(&control)) {
             EXPECT_EQ(dynamic_cast<QAbstractButton&>(widget).isChecked(), check->value());

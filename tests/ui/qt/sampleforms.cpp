@@ -45,6 +45,7 @@ ItemSheet::ItemSheet(Desk& desk) : Form(desk, "frmItemSheet", "Item") {
     setIcon("item");
     txtName.setText("White hanging heart t-light holder");
     txtPrice.setText("2.55");
+    txtPrice.money = true;
     txtStock.setText("148");
     txtReorder.setText("48");
     for (TextBox* number : {&txtPrice, &txtStock, &txtReorder})
