@@ -1,0 +1,77 @@
+#pragma once
+
+#include "base/date.h"
+#include "reports/engine/outline.h"
+#include "ui/page.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace merchantry::reports {
+
+// What stands on every page beside the rows.
+struct PageHead {
+    std::string store;
+    std::string criteria; // in words; empty without any
+    Date made;
+};
+
+// A place of the group tree: a header and the page that it stands on, from 0.
+struct TreeEntry {
+    std::string text;
+    int level = 0;
+    int page = 0;
+};
+
+// Lays a report out on pages. Only where each page begins is kept; a page is made when it is asked for and owned by the caller.
+// Borrows outline and measure, which must outlive it.
+class Layout {
+public:
+    Layout(const Outline& outline, const ui::TextMeasure& measure, PageHead head);
+
+    // Lays out at most so many more pages; true when all are laid out. The first page is laid out from the start.
+    bool layOut(int pages);
+    bool complete() const { return complete_; }
+    int pageCount() const { return static_cast<int>(starts_.size()); }
+    const std::vector<TreeEntry>& tree() const { return tree_; }
+    // Requires: 0 <= number < pageCount(). "Page n of m" has the count of now.
+    ui::Page page(int number) const;
+
+private:
+    // Where a column stands, in twips from the left margin.
+    struct Place {
+        std::size_t column = 0;
+        int x = 0;
+        int width = 0;
+        ui::PageAlign align = ui::PageAlign::Left;
+        std::vector<std::string> heading;
+    };
+    struct Start {
+        Walk walk;
+        std::vector<std::string> open; // headers of the groups that go on from the page before
+        bool foot = false;             // nothing but what follows the rows
+        std::size_t chart = 0;         // the first chart of that page
+    };
+    class Filler;
+    friend class Filler;
+
+    void placeColumns();
+    int height(int halfPoints) const { return halfPoints * 13; } // 1.3 times the size
+    int bodyHeight() const { return height(body_) + 30; }
+
+    const Outline& outline_;
+    const ui::TextMeasure& measure_;
+    PageHead head_;
+    int body_;       // half points
+    int paperWidth_; // twips
+    int paperHeight_;
+    std::vector<Place> places_;
+    int headingLines_ = 1;
+    bool wraps_ = false;
+    std::vector<Start> starts_;
+    std::vector<TreeEntry> tree_;
+    bool complete_ = false;
+};
+
+} // namespace merchantry::reports

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace merchantry::ui {
+
+// How a text stands in its box.
+enum class PageAlign : std::uint8_t { Left, Center, Right };
+// The inks of printed pages: a skin is for windows, paper is white.
+enum class PageInk : std::uint8_t { Black, Red, Green, Blue, Grey, Amber, Faint, White };
+
+// One thing drawn on a page. Places and sizes are in twips (1440 to the inch) from the page's top left corner.
+struct PageItem {
+    enum class Kind : std::uint8_t {
+        Text,   // in its box: one line, cut off at the box
+        Line,   // from x, y to x + width, y + height
+        Box,    // filled with `fill`, or its outline when that is White
+        Sector, // of the circle in its box, from `start` on over `span`
+        Path,   // a line through `points`
+    };
+    Kind kind = Kind::Text;
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    std::string text;
+    int halfPoints = 18; // size of the text: 9 points
+    bool bold = false;
+    PageAlign align = PageAlign::Left;
+    PageInk ink = PageInk::Black;
+    PageInk fill = PageInk::White;
+    int shade = 100; // of the fill, in percent
+    int pattern = 0; // 0 plain, 1 to 5 hatched, so that fills can be told apart in grey
+    int start = 0;   // of a sector: sixteenths of a degree, against the clock from three o'clock
+    int span = 0;
+    std::vector<int> points; // of a path: x, y, x, y, ...
+};
+
+// A printed page: plain drawing items, so that screen, printer and files show the same.
+struct Page {
+    int width = 12240;
+    int height = 15840;
+    std::vector<PageItem> items;
+};
+
+// How wide a text will be drawn. The desktop measures with its fonts, a test with letters of one width.
+class TextMeasure {
+public:
+    virtual ~TextMeasure() = default;
+    // In twips.
+    virtual int width(const std::string& text, int halfPoints, bool bold) const = 0;
+};
+
+// Every letter is half as wide as its size, bold ones included.
+class FixedMeasure : public TextMeasure {
+public:
+    int width(const std::string& text, int halfPoints, bool bold) const override;
+};
+
+} // namespace merchantry::ui
