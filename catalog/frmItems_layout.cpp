@@ -71,8 +71,8 @@ Item frmItems::matrixPage() {
         row({column({title(lblMatrixPName), at(lblMatrixSKU)}), stretch()}),
         at(lblMatrixMessage),
         row({column({at(lblMatrixGroups), at(lbxMatrixGroups).wide(26).high(5)}),
-             column({at(lblMatrixCategories), at(lbxMatrixCategories).wide(26).high(5)}),
-             column({stretch(), at(cmdAddCategory)}), stretch()}),
+             column({at(lblMatrixCategories), at(lbxMatrixCategories).wide(26).high(5)}), column({stretch(), at(cmdAddCategory)}),
+             stretch()}),
         at(grdItemMatrix).stretched(),
         buttons({at(cmdDeleteCatgory), stretch(), at(cmdExit5)}),
     });

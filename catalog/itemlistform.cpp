@@ -5,9 +5,11 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "catalog/codedialog.h"
+#include "catalog/frmBulkPrice.h"
 #include "catalog/modItemLookup.h"
 #include "ui/desk.h"
 
+#include <algorithm>
 #include <array>
 
 namespace merchantry::catalog {
@@ -24,6 +26,8 @@ struct SearchField {
 };
 constexpr std::array kFields{SearchField{"Parent", "SKU"}, SearchField{"Matrix", "MatrixSKU"}, SearchField{"Description", "Name"},
                              SearchField{"Department", "Department"}};
+
+constexpr std::array<const char*, 3> kSorts{"SKU asc", "MatrixSKU asc", "Name asc"};
 
 std::string condition(const SearchField& field, const std::string& text) {
     return std::string(field.column) + " like '%" + text + "%'";
@@ -55,6 +59,7 @@ ItemListForm::ItemListForm(Desk& desk, const char* name, const char* caption, co
     grdItems.editable = false;
     grdItems.emptyText = "No items match. Change the search, or add an item.";
     cmdAddNew.setVisible(false);
+    cmdBulkPrice.setToolTip("Changes the prices of the items listed, as the search has narrowed them.");
     cmdSelect.isDefault = true;
     cmdExit.isCancel = true;
 
@@ -64,12 +69,13 @@ ItemListForm::ItemListForm(Desk& desk, const char* name, const char* caption, co
     grdItems.dblClick = [this] { cmdSelect_Click(); };
     cmdSelect.click = [this] { cmdSelect_Click(); };
     cmdAddNew.click = [this] { cmdAddNew_Click(); };
+    cmdBulkPrice.click = [this] { cmdBulkPrice_Click(); };
     cmdExit.click = [this] { unload(); };
 
     setLayout(column({
         row({title(lblHeading), stretch(), at(optAll), at(optActive), at(optInactive)}),
         at(grdItems).high(18).wide(96).stretched(),
-        buttons({at(cmdAddNew), stretch(), at(cmdExit), at(cmdSelect)}),
+        buttons({at(cmdAddNew), at(cmdBulkPrice), stretch(), at(cmdExit), at(cmdSelect)}),
     }));
     offer("SelectSKU", [this](const auto& arguments) {
         return SelectSKU(arguments.empty() ? 0 : Value(arguments[0]).toInteger() == 1 ? 1 : 0);
@@ -150,6 +156,9 @@ void ItemListForm::loadGrid(const Sql& command) {
     if (rows_ != nullptr && rows_->State() != 0)
         rows_->Close();
     rows_ = openDirect(command, db::CursorType::Static, db::LockType::ReadOnly);
+    const std::string sort = desk().remembered(name(), "sort");
+    if (std::find(kSorts.begin(), kSorts.end(), sort) != kSorts.end())
+        rows_->setSort(sort);
     shown();
     if (filter_.empty())
         return;
@@ -175,10 +184,13 @@ void ItemListForm::srch_FieldSearch(const std::string& field, const std::string&
 }
 
 void ItemListForm::grdItems_Click() {
-    static constexpr std::array<const char*, 3> kSorts{"SKU asc", "MatrixSKU asc", "Name asc"};
     if (rows_ == nullptr || grdItems.row() != 1 || grdItems.col() >= static_cast<int>(kSorts.size()))
         return;
-    guarded({initGridTag_, "grdItems_Click"}, [this] { rows_->setSort(kSorts[static_cast<std::size_t>(grdItems.col())]); });
+    guarded({initGridTag_, "grdItems_Click"}, [this] {
+        const char* const sort = kSorts[static_cast<std::size_t>(grdItems.col())];
+        rows_->setSort(sort);
+        desk().remember(name(), "sort", sort);
+    });
 }
 
 void ItemListForm::cmdSelect_Click() {
@@ -199,6 +211,16 @@ void ItemListForm::cmdAddNew_Click() {
             return;
         if (makeItem(sku, matrixSku))
             added(sku + "|" + matrixSku);
+    });
+}
+
+// For the items that the list shows, in its order.
+void ItemListForm::cmdBulkPrice_Click() {
+    guarded({"MR_frmItemLookup", "cmdBulkPrice_Click"}, [this] {
+        std::vector<frmBulkPrice::ListedItem> items;
+        for (int row = 0; rows_ != nullptr && row < rows_->RecordCount(); ++row)
+            items.push_back({rows_->cell(row, 0).toText(), rows_->cell(row, 1).toText(), rows_->cell(row, 2).toText()});
+        desk().form<frmBulkPrice>().ChangePrices(std::move(items));
     });
 }
 

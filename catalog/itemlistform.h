@@ -41,6 +41,7 @@ protected:
     ui::OptionButton optInactive{*this, "optInactive", "Inactive Items"};
     ui::Grid grdItems{*this, "grdItems"};
     ui::Button cmdAddNew{*this, "cmdAddNew", "&Add New"};
+    ui::Button cmdBulkPrice{*this, "cmdBulkPrice", "Change &Prices..."};
     ui::Button cmdSelect{*this, "cmdSelect", "&Select"};
     ui::Button cmdExit{*this, "cmdExit", "E&xit"};
 
@@ -53,6 +54,7 @@ private:
     void grdItems_Click();
     void cmdSelect_Click();
     void cmdAddNew_Click();
+    void cmdBulkPrice_Click();
     void OpenSearch();
 
     std::string initGridTag_;

@@ -6,6 +6,7 @@
 #include "catalog/modItemLookup.h"
 #include "ui/desk.h"
 
+#include <algorithm>
 #include <array>
 
 namespace merchantry::catalog {
@@ -18,6 +19,7 @@ namespace {
 
 constexpr const char* kTag = "MR_frmItemLookup";
 constexpr int kMatrixType = 2;
+constexpr std::array<const char*, 3> kColumns{"SKU", "MatrixSKU", "Name"};
 constexpr const char* kParentLookup = "Matrix Parent Lookup";
 
 bool flag(const std::vector<std::string>& arguments, std::size_t index) {
@@ -122,14 +124,21 @@ void ItemWizardForm::requery(const std::string& orderBy) {
     InitLookupGrid(rows_, cmbFilterBy.text(), cmbFilterBy.listIndex(), grdItems, orderBy, "");
 }
 
+// The rows come in the order of their codes; the one that the user chose last is restored on them.
 void ItemWizardForm::cmbFilterBy_Change() {
     requery("");
+    const std::string sort = desk().remembered(name(), "sort");
+    if (rows_ == nullptr || std::find(kColumns.begin(), kColumns.end(), sort) == kColumns.end())
+        return;
+    guarded({kTag, "cmbFilterBy_Change"}, [&] { rows_->setSort(sort + " asc"); });
 }
 
 void ItemWizardForm::grdItems_Click() {
-    static constexpr std::array<const char*, 3> kColumns{"SKU", "MatrixSKU", "Name"};
-    if (grdItems.row() == 1 && grdItems.col() >= 0 && grdItems.col() < static_cast<int>(kColumns.size()))
-        requery(kColumns[static_cast<std::size_t>(grdItems.col())]);
+    if (grdItems.row() != 1 || grdItems.col() < 0 || grdItems.col() >= static_cast<int>(kColumns.size()))
+        return;
+    const char* const column = kColumns[static_cast<std::size_t>(grdItems.col())];
+    requery(column);
+    desk().remember(name(), "sort", column);
 }
 
 std::string ItemWizardForm::currentPair() const {

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "catalog/codedialog.h"
 #include "catalog/dlgMatrixSKU.h"
+#include "catalog/frmBulkPrice.h"
 #include "catalog/frmItemMatrix.h"
 #include "catalog/frmItemParent.h"
 #include "catalog/frmItems.h"
@@ -46,6 +47,7 @@ constexpr Screen kScreens[] = {
     {"frmParentLookup", instanceOf<catalog::frmParentLookup>, false},
     {"frmItemParent", instanceOf<catalog::frmItemParent>, false},
     {"frmItemMatrix", instanceOf<catalog::frmItemMatrix>, true},
+    {"frmBulkPrice", instanceOf<catalog::frmBulkPrice>, false},
     {"dlgMatrixSKU", instanceOf<catalog::dlgMatrixSKU>, false},
     {"frmInventory", instanceOf<inventory::frmInventory>, true},
     {"frmInventory_Adjust", instanceOf<inventory::frmInventory_Adjust>, false},

@@ -116,6 +116,11 @@ public:
     // Shown in the status bar of the main window; empty takes it away.
     virtual void status(const std::string& text) = 0;
 
+    // What a screen keeps for its user from one run of the program to the next, such as how a list is sorted. Empty when nothing is kept: a
+    // desk without a user of its own keeps nothing.
+    virtual std::string remembered(const std::string& /*form*/, const std::string& /*what*/) { return ""; }
+    virtual void remember(const std::string& /*form*/, const std::string& /*what*/, const std::string& /*text*/) {}
+
     virtual std::filesystem::path programFolder() const;
     virtual std::filesystem::path documentsFolder() const;
 

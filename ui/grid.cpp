@@ -125,11 +125,18 @@ int Grid::findRow(const std::string& text, int column) const {
     if (column < 0 || column >= columnCount())
         return 0;
     const int rows = dataRows();
-    for (int row = 0; row < rows; ++row)
-        if (beginsWith(bound_ != nullptr ? bound_->cellText(row, column)
-                                         : std::string_view(cells_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]),
-                       text))
+    const auto lowered = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    // Most cells fall out by their first letter; beyond ASCII the whole beginning decides.
+    const char first = text.empty() || static_cast<signed char>(text[0]) < 0 ? '\0' : lowered(text[0]);
+    for (int row = 0; row < rows; ++row) {
+        const std::string_view cell = bound_ != nullptr
+                                          ? bound_->cellText(row, column)
+                                          : std::string_view(cells_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]);
+        if (first != '\0' && (cell.empty() || lowered(cell[0]) != first))
+            continue;
+        if (beginsWith(cell, text))
             return row + 1;
+    }
     return 0;
 }
 

@@ -47,4 +47,12 @@ void rememberWidthsOf(const std::string& form, const std::string& grid, const QL
     QSettings(fileName(), QSettings::IniFormat).setValue(key(form, grid.c_str()), kept);
 }
 
+std::string rememberedText(const std::string& form, const std::string& what) {
+    return fromQt(QSettings(fileName(), QSettings::IniFormat).value(key(form, what.c_str())).toString());
+}
+
+void rememberText(const std::string& form, const std::string& what, const std::string& text) {
+    QSettings(fileName(), QSettings::IniFormat).setValue(key(form, what.c_str()), toQt(text));
+}
+
 } // namespace merchantry::ui

@@ -18,4 +18,8 @@ void rememberSizeOf(const std::string& form, const QSize& size);
 QList<int> rememberedWidths(const std::string& form, const std::string& grid, int columns);
 void rememberWidthsOf(const std::string& form, const std::string& grid, const QList<int>& widths);
 
+// A text that a screen keeps under a name; empty when nothing is known.
+std::string rememberedText(const std::string& form, const std::string& what);
+void rememberText(const std::string& form, const std::string& what, const std::string& text);
+
 } // namespace merchantry::ui

@@ -4,6 +4,7 @@
 #include "ui/frame.h"
 #include "ui/qt/boxes.h"
 #include "ui/qt/formwindow.h"
+#include "ui/qt/memory.h"
 #include "ui/qt/texts.h"
 
 #include <QApplication>
@@ -236,6 +237,14 @@ void QtDesk::status(const std::string& text) {
     for (const auto& [form, window] : windows_)
         if (window != nullptr)
             window->showStatus(text);
+}
+
+std::string QtDesk::remembered(const std::string& form, const std::string& what) {
+    return rememberedText(form, what);
+}
+
+void QtDesk::remember(const std::string& form, const std::string& what, const std::string& text) {
+    rememberText(form, what, text);
 }
 
 void QtDesk::armTimer(Timer& timer) {

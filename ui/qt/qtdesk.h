@@ -66,6 +66,8 @@ public:
     void copyText(const std::string& text) override;
     std::vector<std::string> printers() override;
     void status(const std::string& text) override;
+    std::string remembered(const std::string& form, const std::string& what) override;
+    void remember(const std::string& form, const std::string& what, const std::string& text) override;
     const std::string& statusText() const { return status_; }
 
 protected:

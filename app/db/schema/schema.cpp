@@ -66,6 +66,14 @@ void putAgain(Session& session, const SchemaFile& file) {
     throw DbError(DbError::Category::Storage, 0, sentence);
 }
 
+// The statement that makes a table of the schema unless it is there.
+std::string newTable(const std::string& table) {
+    for (const SchemaFile& file : schemaFiles())
+        if (file.name == "tables/" + table + ".sql")
+            return "IF OBJECT_ID('" + table + "') IS NULL\n" + std::string(file.text) + "\n";
+    return "";
+}
+
 class Counter : public ResultSink {
 public:
     void beginSet(const std::vector<Column>&) override {}
@@ -113,8 +121,10 @@ void checkSchemaVersion(Session& session) {
 
 std::span<const UpgradeStep> upgradeSteps() {
     // Procedures and triggers are renewed by every upgrade: a step tells only what happens to tables and rows.
-    static constexpr std::array<UpgradeStep, 1> kSteps{
-        UpgradeStep{2, ""}, // the procedures of item catalogue and stock
+    static const std::string priceChanges = newTable("PriceChange") + newTable("PriceChangeItem");
+    static const std::array kSteps{
+        UpgradeStep{2, ""},           // the procedures of item catalogue and stock
+        UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
     };
     return kSteps;
 }

@@ -1,0 +1,122 @@
+#include "catalog/pricechange.h"
+
+#include "app/db/ado/recordset.h"
+#include "app/modMain.h"
+
+#include <optional>
+
+namespace merchantry::catalog {
+
+using app::intParameter;
+using app::textParameter;
+using db::TypeKind;
+
+namespace {
+
+constexpr int kStepsBetweenTellings = 100;
+
+db::RecordsetPtr run(const db::ConnectionPtr& connection, const db::Sql& procedure, const std::vector<db::Parameter>& parameters) {
+    db::Command command(connection);
+    command.setCommandType(db::CommandType::StoredProcedure);
+    command.setCommandText(procedure);
+    for (const db::Parameter& parameter : parameters)
+        command.append(parameter.name, parameter.type, parameter.value);
+    auto rows = std::make_shared<db::Recordset>();
+    rows->Open(command);
+    return rows;
+}
+
+// Rolls back unless told that the work is done.
+class Transaction {
+public:
+    explicit Transaction(db::ConnectionPtr connection) : connection_(std::move(connection)) { connection_->BeginTrans(); }
+    ~Transaction() {
+        try {
+            if (!done_)
+                connection_->RollbackTrans();
+        } catch (const std::exception&) {
+            // The store does so itself when the connection goes.
+        }
+    }
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    void commit() {
+        connection_->CommitTrans();
+        done_ = true;
+    }
+
+private:
+    db::ConnectionPtr connection_;
+    bool done_ = false;
+};
+
+bool writeOne(const db::ConnectionPtr& connection, std::optional<int> changeId, const PriceStep& step) {
+    const db::SqlType whole{TypeKind::Int, 0, 0, 0};
+    const db::SqlType money{TypeKind::Money, 0, 0, 0};
+    const auto changed = run(connection, "bsp_ChangePrice",
+                             {{"PriceChangeID", whole, changeId ? Value(*changeId) : Value(), false},
+                              textParameter("SKU", 100, step.sku),
+                              textParameter("MatrixSKU", 100, step.matrixSku),
+                              intParameter("Tier", step.tier),
+                              {"Quantity", {TypeKind::Float, 0, 0, 0}, step.quantity, false},
+                              {"OldPrice", money, step.from, false},
+                              {"NewPrice", money, step.to, false}});
+    return (*changed)["Changed"].Value().toInteger() == 1;
+}
+
+// False when the user stopped it.
+bool writeAll(const db::ConnectionPtr& connection, std::optional<int> changeId, const std::vector<PriceStep>& steps,
+              const PriceProgress& progress, PriceOutcome& outcome) {
+    int done = 0;
+    for (const PriceStep& step : steps) {
+        if (done++ % kStepsBetweenTellings == 0 && !progress(done - 1))
+            return false;
+        if (writeOne(connection, changeId, step))
+            ++outcome.written;
+        else
+            outcome.skipped.push_back(step);
+    }
+    return progress(done);
+}
+
+PriceOutcome stopped() {
+    PriceOutcome outcome;
+    outcome.stopped = true;
+    return outcome;
+}
+
+} // namespace
+
+PriceOutcome changePrices(const db::ConnectionPtr& connection, const std::string& words, const std::vector<PriceStep>& steps,
+                          const PriceProgress& progress) {
+    PriceOutcome outcome;
+    Transaction transaction(connection);
+    const auto made = run(connection, "bsp_NewPriceChange", {textParameter("Words", 255, words)});
+    const int changeId = static_cast<int>((*made)["PriceChangeID"].Value().toInteger());
+    if (!writeAll(connection, changeId, steps, progress, outcome))
+        return stopped();
+    if (outcome.written > 0)
+        transaction.commit(); // a change of nothing leaves no trace
+    return outcome;
+}
+
+PriceOutcome undoPriceChange(const db::ConnectionPtr& connection, int priceChangeId, const PriceProgress& progress) {
+    PriceOutcome outcome;
+    Transaction transaction(connection);
+    const auto marked = run(connection, "bsp_UndoPriceChange", {intParameter("PriceChangeID", priceChangeId)});
+    if ((*marked)["Marked"].Value().toInteger() == 0)
+        return stopped();
+    std::vector<PriceStep> steps;
+    const auto rows = run(connection, "bsp_PriceChangeItems", {intParameter("PriceChangeID", priceChangeId)});
+    for (; !rows->Eof(); rows->MoveNext()) {
+        db::Recordset& row = *rows;
+        steps.push_back({row["SKU"].text(), row["MatrixSKU"].text(), static_cast<int>(row["Tier"].Value().toInteger()),
+                         row["Quantity"].Value().toNumber(), row["NewPrice"].Value().toCurrency(), row["OldPrice"].Value().toCurrency()});
+    }
+    if (!writeAll(connection, std::nullopt, steps, progress, outcome))
+        return stopped();
+    transaction.commit();
+    return outcome;
+}
+
+} // namespace merchantry::catalog
