@@ -9,5 +9,6 @@ namespace merchantry::programs {
 void addStoreCommand(CLI::App& program, int& exitCode);
 void addSqlCommand(CLI::App& program, int& exitCode);
 void addPlayCommand(CLI::App& program, int& exitCode);
+void addReportCommand(CLI::App& program, int& exitCode);
 
 } // namespace merchantry::programs

@@ -15,6 +15,7 @@ int runProgram(int count, char** arguments) {
     merchantry::programs::addSqlCommand(program, exitCode);
     merchantry::programs::addStoreCommand(program, exitCode);
     merchantry::programs::addPlayCommand(program, exitCode);
+    merchantry::programs::addReportCommand(program, exitCode);
     try {
         program.parse(count, arguments);
     } catch (const CLI::ParseError& error) {

@@ -30,7 +30,7 @@ public:
         : page_(page), box_(box), chart_(chart), measure_(measure), values_(chartValues(chart, outline)) {
         const int source = outline.rows().columnOf(chart.value);
         for (const Outline::ShownColumn& column : outline.columns())
-            if (column.source == source)
+            if (column.source == source && column.definition->share == Scope::None)
                 format_ = column.kind.format;
     }
 

@@ -17,6 +17,7 @@ constexpr int kIndent = 180;    // of a group within the one around it
 constexpr int kAfterHead = 160; // between the head and what follows
 constexpr int kFootSize = 15;   // half points
 constexpr int kTitleSize = 34;
+constexpr int kSmallest = 8;
 
 int twips(double points) {
     return static_cast<int>(points * 20);
@@ -116,6 +117,17 @@ private:
         item.align = align;
         item.ink = ink;
         page_->items.push_back(std::move(item));
+    }
+    // A figure is never cut: it is made smaller until it has room.
+    void figureOrText(const Place& place, const std::string& words, bool bold, ui::PageInk ink) {
+        int size = layout_.body_;
+        if (layout_.outline_.columns()[place.column].kind.isNumber)
+            while (size > kSmallest && layout_.measure_.width(words, size, bold) > place.width)
+                --size;
+        const int top = y_;
+        y_ += (layout_.height(layout_.body_) - layout_.height(size)) / 2;
+        text(place.x, place.width, words, size, place.align, bold, ink);
+        y_ = top;
     }
     void rule(int y, ui::PageInk ink) {
         if (page_ == nullptr)
@@ -358,7 +370,7 @@ private:
             }
         y_ = top;
         for (const std::string& words : linesOf(row, place)) {
-            text(place.x, place.width, words, layout_.body_, place.align, bold, ink);
+            figureOrText(place, words, bold, ink);
             y_ += layout_.height(layout_.body_);
         }
     }
@@ -375,7 +387,7 @@ private:
                 if (cell.empty())
                     continue;
                 labelEnd = std::min(labelEnd, place.x);
-                text(place.x, place.width, cell, layout_.body_, place.align, true);
+                figureOrText(place, cell, true, ui::PageInk::Black);
             }
         const bool strong = ruled || totals.kind == Band::Kind::Total;
         const int indent = totals.kind == Band::Kind::Footer ? totals.group * kIndent : 0;
@@ -440,7 +452,7 @@ void Layout::placeColumns() {
         place.x = x;
         place.width = static_cast<int>(room * column.definition->width / all);
         place.align = alignOf(column.definition->align, column.kind.isNumber);
-        place.heading = split(column.definition->title, "\n");
+        place.heading = wrapped(measure_, column.definition->title, place.width, body_, true);
         headingLines_ = std::max(headingLines_, static_cast<int>(place.heading.size()));
         wraps_ = wraps_ || column.definition->wrap;
         x += place.width + kGap;

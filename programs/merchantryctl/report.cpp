@@ -1,0 +1,102 @@
+#include "programs/merchantryctl/commands.h"
+
+#include "app/db/embedded/store.h"
+#include "app/db/schema/schema.h"
+#include "base/platform/platform.h"
+#include "base/text.h"
+#include "reports/engine/exports.h"
+
+#ifdef MERCHANTRY_PDF
+#include "programs/merchantryctl/pdf.h"
+#endif
+
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+namespace merchantry::programs {
+namespace {
+
+struct Options {
+    std::string file;
+    std::string store;
+    std::string out;
+    std::string where;
+    std::string sort;
+    bool descending = false;
+    std::vector<std::string> parameters;
+};
+
+// The parameters of the report: those given by number, and the conditions and order in the places of their kind.
+reports::ParameterTexts textsFor(const reports::Definition& definition, const Options& options) {
+    reports::ParameterTexts texts(definition.query.parameters.size());
+    for (std::size_t i = 0; i < options.parameters.size(); ++i) {
+        if (i >= texts.size())
+            throw std::runtime_error("The report has only " + std::to_string(texts.size()) + " parameters.");
+        texts[i] = options.parameters[i];
+    }
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const reports::ParameterKind kind = definition.query.parameters[i];
+        if (kind == reports::ParameterKind::Where && !options.where.empty())
+            texts[i] = "WHERE " + options.where;
+        else if (kind == reports::ParameterKind::Sort && !options.sort.empty())
+            texts[i] = options.sort;
+        else if (kind == reports::ParameterKind::Direction)
+            texts[i] = options.descending ? " DESC" : " ASC";
+    }
+    return texts;
+}
+
+void write(const reports::Report& report, const std::string& out) {
+    const std::string ending = lowerCase(std::filesystem::path(out).extension().string());
+    std::ostringstream text;
+    if (ending == ".csv") {
+        reports::writeCsv(report, text);
+    } else if (ending == ".html") {
+        reports::writeHtml(report, text);
+#ifdef MERCHANTRY_PDF
+    } else if (ending == ".pdf") {
+        return writeReportPdf(report, out);
+#endif
+    } else {
+        throw std::runtime_error("A report is written to a file that ends in .csv, .html"
+#ifdef MERCHANTRY_PDF
+                                 ", .pdf"
+#endif
+                                 ".");
+    }
+    platform::replaceFile(out, text.str(), false);
+}
+
+int run(const Options& options) {
+    const auto session = db::Store::open(options.store)->session();
+    db::refuseNewerSchema(*session);
+    const reports::Definition definition = reports::readDefinition(options.file);
+    const auto report = reports::Report::run(*session, definition, textsFor(definition, options));
+    if (options.out.empty()) {
+        reports::writeCsv(*report, std::cout);
+        return 0;
+    }
+    write(*report, options.out);
+    std::cout << "Wrote " << options.out << ": " << report->outline().rows().rowCount() << " rows.\n";
+    return 0;
+}
+
+} // namespace
+
+void addReportCommand(CLI::App& program, int& exitCode) {
+    auto options = std::make_shared<Options>();
+    CLI::App* report = program.add_subcommand("report", "Run a report file on a store");
+    report->add_option("FILE", options->file, "The report file (.rpt)")->required();
+    report->add_option("--store", options->store, "The store file")->required();
+    report->add_option("--out", options->out,
+                       "Where to: the ending tells the kind; rows as comma-separated values on standard output without it");
+    report->add_option("--where", options->where, "Conditions, as \"Item.Active = 1\"");
+    report->add_option("--sort", options->sort, "The column to sort by");
+    report->add_flag("--descending", options->descending, "The largest first");
+    report->add_option("--parameter", options->parameters,
+                       "Parameters in their order, for reports that want others than conditions and order");
+    report->callback([options, &exitCode] { exitCode = run(*options); });
+}
+
+} // namespace merchantry::programs

@@ -1,0 +1,41 @@
+#include "reports/engine/report.h"
+
+#include <utility>
+
+namespace merchantry::reports {
+namespace {
+
+// The store's name and the present moment, as the store's clock has it.
+PageHead headOf(db::Session& session) {
+    PageHead head;
+    const auto row = readRows(session, "SELECT TOP 1 GETDATE() AS Made, Name FROM StoreOptions");
+    if (row->rowCount() == 0)
+        return head;
+    head.made = row->value(0, 0).as<Date>();
+    head.store = row->value(0, 1).toText();
+    return head;
+}
+
+std::string conditionsAmong(const Definition& definition, const ParameterTexts& parameters) {
+    for (std::size_t i = 0; i < definition.query.parameters.size() && i < parameters.size(); ++i)
+        if (definition.query.parameters[i] == ParameterKind::Where)
+            return conditionsOf(parameters[i]);
+    return "";
+}
+
+} // namespace
+
+std::unique_ptr<Report> Report::run(db::Session& session, Definition definition, const ParameterTexts& parameters,
+                                    const std::string& criteria, const KeepReading& keepReading) {
+    const std::string statement = queryText(definition, parameters);
+    session.setReadOnly(true);
+    std::unique_ptr<Report> report(new Report);
+    report->definition_ = std::move(definition);
+    report->head_ = headOf(session);
+    report->head_.criteria = criteria.empty() ? conditionsAmong(report->definition_, parameters) : criteria;
+    report->rows_ = readRows(session, statement, keepReading);
+    report->outline_ = std::make_unique<Outline>(report->definition_, *report->rows_);
+    return report;
+}
+
+} // namespace merchantry::reports
