@@ -126,10 +126,12 @@ void frmItems::CheckSKUs(const std::string& SKUPair, bool modal) {
 void frmItems::reopen(const std::string& SKUPair, bool modal) {
     if (!focus(nullptr))
         return;
-    Modal = true;
+    const bool wasModal = std::exchange(Modal, true);
     unload();
     if (closed())
         desk().form<frmItems>().CheckSKUs(SKUPair, modal);
+    else
+        Modal = wasModal; // its suppliers could not be saved
 }
 
 void frmItems::Form_Load() {
@@ -295,7 +297,7 @@ void frmItems::Form_Unload(bool& cancel) {
     if (cancel)
         return;
     guarded({kItemsTag, "Form_Unload"}, [this] {
-        for (Grid* grid : {&grdPriceMatrix, &grdSubs, &grdItemMatrix})
+        for (Grid* grid : {&grdSuppliers, &grdPriceMatrix, &grdSubs, &grdItemMatrix})
             grid->bind(nullptr);
         for (const db::RecordsetPtr& rows : {modMain().ItemRecordset, priceRows_, supplierRows_, subsRows_, matrixRows_}) {
             if (rows == nullptr || rows->State() == 0)

@@ -94,6 +94,8 @@ private:
     void grdSuppliers_AfterEdit(int row, int column);
     void warnOfCost(int row);
     void takeSupplierCell(SupplierRow& entry, int row, int column);
+    void putCostBack(SupplierRow& entry, int row, const std::string& sentence);
+    void putMinOrderBack(SupplierRow& entry, int row, const std::string& sentence);
     void cmdAddNewSupplier_Click();
     void cmdDeleteSupplier_Click();
     void moveSupplier(int step);

@@ -9,7 +9,6 @@ namespace merchantry::catalog {
 
 using namespace app;
 using namespace ui;
-using db::Sql;
 
 namespace {
 

@@ -155,25 +155,21 @@ void frmItems::warnOfCost(int row) {
 
 void frmItems::takeSupplierCell(SupplierRow& entry, int row, int column) {
     const std::string text = grdSuppliers.rawText(row, column);
-    const auto refuse = [&](const char* sentence, const std::string& before) {
-        desk().message(sentence, kPofessional, MessageIcon::Information);
-        grdSuppliers.setText(row, column, before);
-    };
     switch (column) {
     case kSupplier:
         entry.SupID = toInt16(Value(text).toNumber());
         break;
     case kCost:
         if (!isNumeric(text))
-            return refuse("Cost must be numeric. Please reenter.", LastCost.last.toDisplay());
+            return putCostBack(entry, row, "Cost must be numeric. Please reenter.");
         if (text != entry.Cost.toDisplay()) // what stands there unchanged keeps decimals that it does not show
             entry.Cost = amountIn(text);
         break;
     case kMinOrder:
         if (!isNumeric(text))
-            return refuse("Minimum oreder quanity must be numeric. Please reenter.", LastMinOrder.last.toText());
+            return putMinOrderBack(entry, row, "Minimum oreder quanity must be numeric. Please reenter.");
         if (const double number = *numberOf(text); std::trunc(number) != number)
-            return refuse("Minimum oreder quanity must be an integral number. Please reenter.", LastMinOrder.last.toText());
+            return putMinOrderBack(entry, row, "Minimum oreder quanity must be an integral number. Please reenter.");
         entry.MinOrder = toInt16(*numberOf(text));
         break;
     case kPartNo:
@@ -182,6 +178,25 @@ void frmItems::takeSupplierCell(SupplierRow& entry, int row, int column) {
     default:
         break;
     }
+    entry.Dirty = true;
+}
+
+// The cell gets the value before. Where that was 0 it is the last one that was not, maybe of another row: what is shown is what is saved.
+void frmItems::putCostBack(SupplierRow& entry, int row, const std::string& sentence) {
+    desk().message(sentence, kPofessional, MessageIcon::Information);
+    grdSuppliers.setText(row, kCost, LastCost.last.toDisplay());
+    if (entry.Cost.toDisplay() == LastCost.last.toDisplay())
+        return;
+    entry.Cost = LastCost.last;
+    entry.Dirty = true;
+}
+
+void frmItems::putMinOrderBack(SupplierRow& entry, int row, const std::string& sentence) {
+    desk().message(sentence, kPofessional, MessageIcon::Information);
+    grdSuppliers.setText(row, kMinOrder, LastMinOrder.last.toText());
+    if (Currency::fromInteger(entry.MinOrder) == LastMinOrder.last)
+        return;
+    entry.MinOrder = toInt16(LastMinOrder.last.toDouble());
     entry.Dirty = true;
 }
 
