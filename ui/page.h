@@ -45,6 +45,16 @@ struct Page {
     std::vector<PageItem> items;
 };
 
+// Pages that are made when they are asked for. What makes them may still be laying out more.
+class Pages {
+public:
+    virtual ~Pages() = default;
+    virtual int count() const = 0;
+    virtual bool complete() const = 0;
+    // Requires: 0 <= number < count().
+    virtual Page page(int number) const = 0;
+};
+
 // How wide a text will be drawn. The desktop measures with its fonts, a test with letters of one width.
 class TextMeasure {
 public:

@@ -14,11 +14,8 @@ void writeReportPdf(const reports::Report& report, const std::filesystem::path& 
     int count = 0;
     QGuiApplication application(count, nullptr);
     const ui::QtTextMeasure measure;
-    reports::Layout layout(report.outline(), measure, report.head());
-    while (!layout.layOut(1000)) {
-    }
-    const QString problem = ui::writePdf(ui::toQt(file.string()), ui::toQt(report.definition().title), layout.pageCount(),
-                                         [&](int number) { return layout.page(number); }, {});
+    const std::unique_ptr<ui::Pages> pages = reports::allPages(report, measure);
+    const QString problem = ui::writePdf(ui::toQt(file.string()), ui::toQt(report.definition().title), *pages, {});
     if (!problem.isEmpty())
         throw std::runtime_error(ui::fromQt(problem));
 }

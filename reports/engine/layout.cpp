@@ -161,7 +161,7 @@ private:
             text(inner() / 2, inner() / 2, definition().title, kFootSize + 1, ui::PageAlign::Right, false, ui::PageInk::Grey);
         y_ = layout_.paperHeight_ - kMargin / 2 - layout_.height(kFootSize);
         text(0, inner() / 2, layout_.head_.made.toShortText(), kFootSize, ui::PageAlign::Left, false, ui::PageInk::Grey);
-        const std::string of = layout_.complete_ ? " of " + std::to_string(layout_.pageCount()) : "";
+        const std::string of = layout_.complete_ ? " of " + std::to_string(layout_.count()) : "";
         text(inner() / 2, inner() / 2, "Page " + std::to_string(number_ + 1) + of, kFootSize, ui::PageAlign::Right, false,
              ui::PageInk::Grey);
         y_ = kMargin;
@@ -463,7 +463,7 @@ void Layout::placeColumns() {
 bool Layout::layOut(int pages) {
     for (int i = 0; i < pages && !complete_; ++i) {
         Start next = starts_.back();
-        const bool more = Filler(*this, nullptr, pageCount() - 1).fill(next, &tree_);
+        const bool more = Filler(*this, nullptr, count() - 1).fill(next, &tree_);
         complete_ = !more;
         if (more)
             starts_.push_back(std::move(next));

@@ -26,17 +26,17 @@ struct TreeEntry {
 
 // Lays a report out on pages. Only where each page begins is kept; a page is made when it is asked for and owned by the caller.
 // Borrows outline and measure, which must outlive it.
-class Layout {
+class Layout : public ui::Pages {
 public:
     Layout(const Outline& outline, const ui::TextMeasure& measure, PageHead head);
 
     // Lays out at most so many more pages; true when all are laid out. The first page is laid out from the start.
     bool layOut(int pages);
-    bool complete() const { return complete_; }
-    int pageCount() const { return static_cast<int>(starts_.size()); }
+    bool complete() const override { return complete_; }
+    int count() const override { return static_cast<int>(starts_.size()); }
     const std::vector<TreeEntry>& tree() const { return tree_; }
-    // Requires: 0 <= number < pageCount(). "Page n of m" has the count of now.
-    ui::Page page(int number) const;
+    // "Page n of m" has its m once all pages are laid out.
+    ui::Page page(int number) const override;
 
 private:
     // Where a column stands, in twips from the left margin.

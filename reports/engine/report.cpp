@@ -1,5 +1,7 @@
 #include "reports/engine/report.h"
 
+#include "reports/engine/labels.h"
+
 #include <utility>
 
 namespace merchantry::reports {
@@ -36,6 +38,15 @@ std::unique_ptr<Report> Report::run(db::Session& session, Definition definition,
     report->rows_ = readRows(session, statement, keepReading);
     report->outline_ = std::make_unique<Outline>(report->definition_, *report->rows_);
     return report;
+}
+
+std::unique_ptr<ui::Pages> allPages(const Report& report, const ui::TextMeasure& measure) {
+    if (report.definition().label)
+        return std::make_unique<Labels>(report.outline(), measure);
+    auto layout = std::make_unique<Layout>(report.outline(), measure, report.head());
+    while (!layout->layOut(1000)) {
+    }
+    return layout;
 }
 
 } // namespace merchantry::reports

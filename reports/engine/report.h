@@ -34,4 +34,7 @@ private:
     PageHead head_;
 };
 
+// All pages of a report, or its labels, laid out. They borrow the report and the measure.
+std::unique_ptr<ui::Pages> allPages(const Report& report, const ui::TextMeasure& measure);
+
 } // namespace merchantry::reports

@@ -164,8 +164,7 @@ void paintPage(QPainter& painter, const Page& page) {
     painter.restore();
 }
 
-QString writePdf(const QString& file, const QString& title, int count, const std::function<Page(int number)>& page,
-                 const std::function<bool(int done)>& goOn) {
+QString writePdf(const QString& file, const QString& title, const Pages& pages, const std::function<bool(int done)>& goOn) {
     QSaveFile out(file);
     if (!out.open(QIODevice::WriteOnly))
         return QStringLiteral("The file %1 cannot be written: %2").arg(file, out.errorString());
@@ -176,8 +175,8 @@ QString writePdf(const QString& file, const QString& title, int count, const std
         writer.setCreator(QStringLiteral("Merchantry"));
         writer.setPageMargins(QMarginsF(0, 0, 0, 0));
         QPainter painter;
-        for (int number = 0; number < count; ++number) {
-            const Page next = page(number);
+        for (int number = 0; number < pages.count(); ++number) {
+            const Page next = pages.page(number);
             writer.setPageSize(QPageSize(QSizeF(next.width / kTwipsPerPoint, next.height / kTwipsPerPoint), QPageSize::Point));
             if (number == 0)
                 painter.begin(&writer);

@@ -27,9 +27,8 @@ private:
 // Draws a page; the painter's coordinates are twips then, and as before behind it.
 void paintPage(QPainter& painter, const Page& page);
 
-// Writes pages into a PDF with its fonts inside and its text as text. `page` is asked for one after the other; nothing ends the file.
-// The file appears whole or not at all; a sentence tells what went wrong, empty when nothing did. False from `goOn` stops it.
-QString writePdf(const QString& file, const QString& title, int count, const std::function<Page(int number)>& page,
-                 const std::function<bool(int done)>& goOn);
+// Writes pages into a PDF with its fonts inside and its text as text. The file appears whole or not at all; a sentence tells what went
+// wrong, empty when nothing did. False from `goOn` stops it.
+QString writePdf(const QString& file, const QString& title, const Pages& pages, const std::function<bool(int done)>& goOn);
 
 } // namespace merchantry::ui

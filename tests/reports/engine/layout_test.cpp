@@ -70,7 +70,7 @@ footer = "Total {Department}"
 TEST_F(Layouts, GroupsAddUpAndMarginsComeFromTotals) {
     sell("('Toys', 'Ball', 2, 10, 4), ('Toys', 'Kite', 1, 30, 21), ('Food', 'Jam', 3, 12.3456, 12.3456), ('Food', NULL, NULL, NULL, NULL)");
     const std::string page = pageText(layOut(kReport).page(0));
-    EXPECT_EQ(layout->pageCount(), 1);
+    EXPECT_EQ(layout->count(), 1);
     for (const char* expected : {"Corner Store", "Sold", "Department = Toys", "Page 1 of 1", "11/21/2026"})
         EXPECT_NE(page.find(expected), std::string::npos) << expected << " in\n" << page;
     const std::size_t body = page.find("Item");
@@ -102,10 +102,10 @@ TEST_F(Layouts, EveryRowStandsOnOnePageAndPagesCanBeDrawnInAnyOrder) {
             std::string(i > 0 ? ", " : "") + "('D" + std::to_string(10 + i / 37) + "', 'Item" + std::to_string(1000 + i) + "', 1, 2.5, 1)";
     sell(values);
     layOut(kReport);
-    ASSERT_GT(layout->pageCount(), 5);
+    ASSERT_GT(layout->count(), 5);
     std::string all;
     std::vector<std::string> pages;
-    for (int number = layout->pageCount(); number-- > 0;)
+    for (int number = layout->count(); number-- > 0;)
         pages.insert(pages.begin(), pageText(layout->page(number)));
     for (const std::string& page : pages)
         all += page;
@@ -127,7 +127,7 @@ TEST_F(Layouts, AReportWithoutRowsSaysSo) {
     const std::string page = pageText(layOut(kReport).page(0));
     EXPECT_NE(page.find("Nothing was found."), std::string::npos);
     EXPECT_EQ(page.find("Total"), std::string::npos);
-    EXPECT_EQ(layout->pageCount(), 1);
+    EXPECT_EQ(layout->count(), 1);
 }
 
 TEST_F(Layouts, AFieldThatTheQueryLacksIsToldWithItsLine) {
