@@ -1,5 +1,6 @@
 // The wizard lookups on 100,000 items with 300,000 ledger rows and 2,000 matrix families: InitLookupGrid for every entry of its filter
-// list, beside stepping the same select and copying its cells; and a search in a loaded grid, beside a bare scan of the same cells.
+// list, beside stepping the same select and copying its cells; a search in a loaded grid, beside a bare scan of the same cells; and the
+// change of many prices, beside the bare statements in one transaction.
 
 #include "app/modMain.h"
 #include "bench/barestore.h"
@@ -7,6 +8,7 @@
 #include "bench/ratio.h"
 #include "catalog/gridsearch.h"
 #include "catalog/modItemLookup.h"
+#include "catalog/pricechange.h"
 #include "ui/form.h"
 #include "ui/play/playdesk.h"
 
@@ -21,6 +23,8 @@ namespace {
 
 constexpr int kLoads = 11;
 constexpr int kSearches = 25;
+constexpr int kPrices = 20'000;
+constexpr int kChanges = 3;
 
 class GridForm : public ui::Form {
 public:
@@ -43,6 +47,7 @@ void furnish(db::Session& session) {
         session.execute("INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea, Cost_wt, QtyAfter) "
                         "SELECT SKU, MatrixSKU, 'Received', 1, 2, 2, 1 FROM Item",
                         none);
+    session.execute("INSERT INTO PriceMatrix (SKU, MatrixSKU, Tier, Quantity, Price) SELECT SKU, MatrixSKU, 1, 1, 2 FROM Item", none);
     session.commit();
 }
 
@@ -120,6 +125,56 @@ void searches(ui::Grid& grid) {
     grid.bind(nullptr);
 }
 
+// The same writes as changePrices, each statement prepared once.
+int changedBare(const BareStore& store, const std::vector<catalog::PriceStep>& steps) {
+    const auto run = [&](const char* sql) {
+        sqlite3_stmt* const statement = store.prepare(sql);
+        sqlite3_step(statement);
+        sqlite3_finalize(statement);
+    };
+    run("BEGIN IMMEDIATE");
+    run("INSERT INTO PriceChange (MadeAt, Words) VALUES (0, 'bare')");
+    sqlite3_stmt* const update =
+        store.prepare("UPDATE PriceMatrix SET Price = ?5 WHERE SKU = ?1 AND MatrixSKU = ?2 AND Tier = 1 AND Quantity = 1 AND Price = ?4");
+    sqlite3_stmt* const keep =
+        store.prepare("INSERT INTO PriceChangeItem (PriceChangeID, SKU, MatrixSKU, Tier, Quantity, OldPrice, NewPrice) "
+                      "VALUES ((SELECT MAX(PriceChangeID) FROM PriceChange), ?1, ?2, 1, 1, ?4, ?5)");
+    int written = 0;
+    for (const catalog::PriceStep& step : steps)
+        for (sqlite3_stmt* const statement : {update, keep}) {
+            sqlite3_bind_text(statement, 1, step.sku.c_str(), -1, SQLITE_STATIC);
+            sqlite3_bind_text(statement, 2, step.matrixSku.c_str(), -1, SQLITE_STATIC);
+            sqlite3_bind_int64(statement, 4, step.from.units());
+            sqlite3_bind_int64(statement, 5, step.to.units());
+            sqlite3_step(statement);
+            sqlite3_reset(statement);
+            written += statement == update ? sqlite3_changes(sqlite3_db_handle(statement)) : 0;
+        }
+    sqlite3_finalize(update);
+    sqlite3_finalize(keep);
+    run("COMMIT");
+    return written;
+}
+
+void changes(const BareStore& bare) {
+    std::vector<catalog::PriceStep> up;
+    const auto items = app::openDirect("SELECT SKU, MatrixSKU FROM Item");
+    for (int row = 0; row < kPrices; ++row)
+        up.push_back(
+            {items->cell(row, 0).toText(), items->cell(row, 1).toText(), 1, 1, Currency::fromInteger(2), Currency::fromInteger(3)});
+    std::vector<catalog::PriceStep> down = up;
+    for (catalog::PriceStep& step : down)
+        std::swap(step.from, step.to);
+    int ours = 0;
+    int theirs = 0;
+    ratio(
+        "20,000 prices changed together", kChanges,
+        [&] { ours = catalog::changePrices(app::modMain().Conn, "ours", down, [](int) { return true; }).written; },
+        [&] { theirs = changedBare(bare, up); });
+    if (ours != kPrices || theirs != kPrices)
+        std::printf("DIFFERENT: %d and %d prices\n", ours, theirs);
+}
+
 } // namespace
 
 int main() {
@@ -137,6 +192,7 @@ int main() {
     GridForm form(desk);
     loads(form.grdItems, bare);
     searches(form.grdItems);
+    changes(bare);
     app::resetModMain();
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "catalog/pricechange.h"
 
 #include "app/db/ado/recordset.h"
+#include "app/db/session.h"
 #include "app/modMain.h"
 
 #include <optional>
@@ -50,18 +51,28 @@ private:
     bool done_ = false;
 };
 
+// The one cell of a result.
+class OneCell : public db::ResultSink {
+public:
+    void beginSet(const std::vector<db::Column>&) override {}
+    void row(const db::RowView& row) override { value = row.value(0); }
+    Value value;
+};
+
+// Called once for each price: past the recordset, which would cost more than the writing.
 bool writeOne(const db::ConnectionPtr& connection, std::optional<int> changeId, const PriceStep& step) {
     const db::SqlType whole{TypeKind::Int, 0, 0, 0};
     const db::SqlType money{TypeKind::Money, 0, 0, 0};
-    const auto changed = run(connection, "bsp_ChangePrice",
-                             {{"PriceChangeID", whole, changeId ? Value(*changeId) : Value(), false},
-                              textParameter("SKU", 100, step.sku),
-                              textParameter("MatrixSKU", 100, step.matrixSku),
-                              intParameter("Tier", step.tier),
-                              {"Quantity", {TypeKind::Float, 0, 0, 0}, step.quantity, false},
-                              {"OldPrice", money, step.from, false},
-                              {"NewPrice", money, step.to, false}});
-    return (*changed)["Changed"].Value().toInteger() == 1;
+    std::vector<db::Parameter> parameters{{"PriceChangeID", whole, changeId ? Value(*changeId) : Value(), false},
+                                          textParameter("SKU", 100, step.sku),
+                                          textParameter("MatrixSKU", 100, step.matrixSku),
+                                          intParameter("Tier", step.tier),
+                                          {"Quantity", {TypeKind::Float, 0, 0, 0}, step.quantity, false},
+                                          {"OldPrice", money, step.from, false},
+                                          {"NewPrice", money, step.to, false}};
+    OneCell changed;
+    connection->session().call("bsp_ChangePrice", parameters, changed);
+    return changed.value.toInteger() == 1;
 }
 
 // False when the user stopped it.
