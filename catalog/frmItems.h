@@ -252,6 +252,7 @@ private:
     std::vector<std::pair<std::string, std::string>> tiers_; // name and id
     ValueBefore LastPrice;
     std::vector<SupplierRow> suppliers_; // as shown and as deleted; the hidden column of grdSuppliers holds positions in it
+    bool suppliersDropped_ = false;      // changes of them were lost when the item was read again, and nothing was changed since
     int DefaultSupplier = -1;            // of a new row; -1 when the store has no supplier at all
     ValueBefore LastCost;
     ValueBefore LastMinOrder;

@@ -33,9 +33,9 @@ frmItems_Sales::frmItems_Sales(Desk& desk) : Form(desk, "frmItems_Sales", "Sales
     setIcon("item");
     grdSales.setColumns({{.heading = "SKU", .fixedWidth = true},
                          {.heading = "MatrixSKU", .fixedWidth = true},
-                         {.heading = "DateFrom", .format = Format::Date},
-                         {.heading = "DateTo", .format = Format::Date},
-                         {.heading = "SalePrice", .format = Format::Currency},
+                         {.heading = "DateFrom", .format = Format::Date, .characters = 12},
+                         {.heading = "DateTo", .format = Format::Date, .characters = 12},
+                         {.heading = "SalePrice", .format = Format::Currency, .characters = 12},
                          {.heading = "", .hidden = true}});
     grdSales.emptyText = "No sales of the kinds that are ticked. Add one, or tick another kind.";
     grdSales.setStatusText("Nothing is written before Save and Exit.");

@@ -33,8 +33,8 @@ void frmItems::wireSuppliers() {
     using Format = GridColumn::Format;
     grdSuppliers.setColumns({{.heading = "Parent", .fixedWidth = true},
                              {.heading = "Matrix", .fixedWidth = true},
-                             {.heading = "Supplier", .editor = GridColumn::Editor::Combo, .characters = 28},
-                             {.heading = "Cost", .format = Format::Currency},
+                             {.heading = "Supplier", .editor = GridColumn::Editor::Combo, .characters = 24},
+                             {.heading = "Cost", .format = Format::Currency, .characters = 9},
                              {.heading = "Min Order", .format = Format::Number},
                              {.heading = "Priority", .format = Format::Number},
                              {.heading = "Part #"},
@@ -57,8 +57,9 @@ void frmItems::wireSuppliers() {
 void frmItems::populateSuppliers() {
     lblSuppliersSKU.setCaption(modMain().CurrentSKU);
     lblSupRetailPrice.setCaption("$" + std::string(trimmed(txtPriceAmt.text())));
-    const bool dropped = std::any_of(suppliers_.begin(), suppliers_.end(),
-                                     [](const SupplierRow& row) { return row.Deleted ? row.InDatabase : row.Dirty || !row.InDatabase; });
+    if (std::any_of(suppliers_.begin(), suppliers_.end(),
+                    [](const SupplierRow& row) { return row.Deleted ? row.InDatabase : row.Dirty || !row.InDatabase; }))
+        suppliersDropped_ = true;
     supplierRows_ = openUpdatable("bsp_SupplierMatrixDetailLookup", itemKey());
     grdSuppliers.bind(nullptr);
     fillSupplierChoices();
@@ -69,8 +70,6 @@ void frmItems::populateSuppliers() {
     for (int row = 1; row <= grdSuppliers.dataRows(); ++row)
         PopulateSupplierRow(row, row - 1);
     showSupplierCount();
-    if (dropped)
-        grdSuppliers.setStatusText("The item was read again: changes of its suppliers that were not saved yet are gone.");
 }
 
 void frmItems::fillSupplierChoices() {
@@ -112,6 +111,10 @@ void frmItems::PopulateSupplierRow(int GridRow, int Index) {
 }
 
 void frmItems::showSupplierCount() {
+    if (suppliersDropped_) {
+        grdSuppliers.setStatusText("The item was read again: changes of its suppliers that were not saved yet are gone.");
+        return;
+    }
     const int rows = grdSuppliers.dataRows();
     grdSuppliers.setStatusText(std::to_string(rows) + (rows == 1 ? " supplier" : " suppliers") +
                                ". They are saved when you leave the item; Adjust and a change in the price matrix read them again.");
@@ -136,6 +139,8 @@ void frmItems::grdSuppliers_AfterEdit(int row, int column) {
     const int index = supplierAt(row);
     if (index < 0)
         return;
+    suppliersDropped_ = false;
+    showSupplierCount();
     const bool taken = guarded({kItemsTag, "grdSuppliers_AfterEdit"}, [&] {
         warnOfCost(row);
         takeSupplierCell(suppliers_[static_cast<std::size_t>(index)], row, column);
@@ -218,6 +223,7 @@ void frmItems::cmdAddNewSupplier_Click() {
         PopulateSupplierRow(grdSuppliers.dataRows(), static_cast<int>(suppliers_.size()) - 1);
         grdSuppliers.setCurrent(grdSuppliers.dataRows(), kSupplier);
         grdSuppliers.setFocus();
+        suppliersDropped_ = false;
         showSupplierCount();
     });
 }
@@ -231,6 +237,7 @@ void frmItems::cmdDeleteSupplier_Click() {
         }
         suppliers_[static_cast<std::size_t>(index)].Deleted = true;
         grdSuppliers.removeRow(grdSuppliers.row());
+        suppliersDropped_ = false;
         showSupplierCount();
     });
 }

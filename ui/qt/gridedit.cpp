@@ -116,6 +116,11 @@ bool GridView::commit() {
         dropEditor();
     else if (editor_ != nullptr)
         editor_->setFocus(Qt::OtherFocusReason);
+    if (taken && model_->columnCount() == grid_.columnCount()) { // what was typed may want more room
+        layingOut_ = true;
+        host_.read([this] { layOutColumns(); });
+        layingOut_ = false;
+    }
     viewport()->update();
     return taken;
 }
