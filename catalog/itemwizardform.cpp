@@ -37,11 +37,13 @@ ItemWizardForm::ItemWizardForm(Desk& desk, const char* name, const char* caption
     lblHeading.setCaption(caption);
     grdItems.setColumns({{.heading = "SKU", .fixedWidth = true},
                          {.heading = "MatrixSKU", .fixedWidth = true, .characters = 22},
-                         {.heading = "Name", .characters = 48}});
+                         {.heading = "Name", .characters = 40}});
     grdItems.editable = false;
     grdItems.emptyText = "No item is of this kind. Choose another entry of the list above, or add an item.";
     grdItems.setToolTip("A click on a heading, or into the first row, sorts by that column.");
     cmbFilterBy.editable = true;
+    cmbFilterBy.setToolTip(
+        "An entry below \"Serial\" lists the items whose type number is the entry's place in this list, counted from 0.");
     cmdEdit.isDefault = true;
     cmdExit.isCancel = true;
     lblHeading.tag = lblGridInstructions.tag = "Width";
@@ -192,6 +194,7 @@ void ItemEditWizard::cmdAddMatrixParent_Click() {
 }
 
 frmItemLookupWiz::frmItemLookupWiz(Desk& desk) : ItemEditWizard(desk, "frmItemLookupWiz", "Item Lookup") {
+    cmdEdit.setToolTip("Opens the matrix parent of the item.");
     offer("ShowItemLookup",
           [](const auto& arguments) { return ShowItemLookup(static_cast<int>(Value(textAt(arguments, 0)).toInteger())); });
 }
@@ -208,7 +211,7 @@ void frmItemLookupWiz::addItem() {
 frmItemMatrixLookupWiz::frmItemMatrixLookupWiz(Desk& desk) : ItemEditWizard(desk, "frmItemMatrixLookupWiz", "Item Matrix Lookup") {
     grdItems.setColumns({{.heading = "SKU", .fixedWidth = true, .characters = 22},
                          {.heading = "MatrixSKU", .fixedWidth = true, .characters = 22},
-                         {.heading = "Name", .characters = 48}});
+                         {.heading = "Name", .characters = 40}});
 }
 
 void frmItemMatrixLookupWiz::choose(const std::string& pair) {
