@@ -99,15 +99,17 @@ TEST_F(StoreFiles, OlderStoresAreUpgradedWithACopyAndNewerOnesRefused) {
     EXPECT_NE(sentenceOf([&] { run(other, "SELECT Rating FROM Suppliers"); }), "");
 }
 
-TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheProceduresMadeSince) {
+TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheTablesAndProceduresMadeSince) {
     makeStore();
-    run(file, "DELETE FROM SchemaVersion WHERE Version > 1 INSERT INTO SchemaVersion (Version) VALUES (1) DROP PROCEDURE bsp_SubsGrid");
+    run(file, "DELETE FROM SchemaVersion WHERE Version > 1 INSERT INTO SchemaVersion (Version) VALUES (1) DROP PROCEDURE bsp_SubsGrid "
+              "DROP TABLE PriceChangeItem DROP TABLE PriceChange");
     EXPECT_TRUE(isOlderStore(file));
     EXPECT_NE(sentenceOf([&] { db::checkSchemaVersion(*db::Store::open(file)->session()); }).find("older version"), std::string::npos);
     EXPECT_EQ(upgradeStoreFile(file), std::filesystem::path(file.string() + ".v1.bak"));
     EXPECT_FALSE(isOlderStore(file));
     EXPECT_EQ(version(file), db::kSchemaVersion);
     run(file, "bsp_SubsGrid 'a', 'a'");
+    run(file, "bsp_NewPriceChange 'a' INSERT INTO PriceChangeItem VALUES (1, 'a', 'a', 1, 1, 2, 3) EXEC bsp_PriceChangeItems 1");
     EXPECT_FALSE(isOlderStore(folder / "none.store"));
 }
 
