@@ -33,6 +33,7 @@ enum class Role {
     MenuEntry,
     Toolbar,
     ReportView,
+    Chart,
 };
 
 // What of a control changed; tells a drawing how much to draw again.

@@ -112,6 +112,8 @@ public:
     // Opens a page of the web or a file of help in the browser; `topic` is shown as it is written.
     virtual void browse(const std::string& topic) = 0;
     virtual void copyText(const std::string& text) = 0;
+    // A table for the clipboard: the text with tabs between cells, and the same as HTML where something takes that.
+    virtual void copyTable(const std::string& text, const std::string& /*html*/) { copyText(text); }
     virtual std::vector<std::string> printers() = 0;
     // Shown in the status bar of the main window; empty takes it away.
     virtual void status(const std::string& text) = 0;

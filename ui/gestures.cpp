@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "ui/desk.h"
 #include "ui/form.h"
+#include "ui/gridcopy.h"
 
 #include <algorithm>
 #include <cctype>
@@ -86,6 +87,20 @@ bool clickFocused(Control* control, bool boxesToo) {
         return check(*box, !box->value()).empty();
     if (auto* option = dynamic_cast<OptionButton*>(control); option != nullptr && boxesToo)
         return choose(*option).empty();
+    return false;
+}
+
+// Keys that copy and export any grid's rows; several selected rows are copied as such.
+bool useGrid(Grid& grid, const std::string& name) {
+    if (name == "Ctrl+C" && grid.firstSelected() != grid.lastSelected()) {
+        copySelection(grid);
+        return true;
+    }
+    for (const GridUse& one : gridUses())
+        if (*one.key != '\0' && name == one.key) {
+            one.run(grid);
+            return true;
+        }
     return false;
 }
 
@@ -263,6 +278,13 @@ std::string doubleClick(Grid& grid, int row, int column) {
     return use(grid, [&] { grid.userDoubleClick(row, column); });
 }
 
+std::string chooseUse(Grid& grid, const std::string& caption) {
+    for (const GridUse& one : gridUses())
+        if (caption == one.caption)
+            return use(grid, [&] { one.run(grid); });
+    return "no such entry in its menu";
+}
+
 std::string edit(Grid& grid, int row, int column, const std::string& text) {
     if (row < 1 || row > grid.dataRows() || column < 0 || column >= grid.columnCount())
         return "no such cell";
@@ -288,10 +310,8 @@ bool key(Form& form, const std::string& name) {
     }
     if (box != nullptr && editText(*box, name))
         return true;
-    if (auto* grid = dynamic_cast<Grid*>(form.focused()); grid != nullptr && name == "Ctrl+C" && grid->selected()) {
-        form.desk().copyText(grid->text(grid->row(), grid->col()));
+    if (auto* grid = dynamic_cast<Grid*>(form.focused()); grid != nullptr && useGrid(*grid, name))
         return true;
-    }
     if ((name == "Space" || name == "Enter") && clickFocused(form.focused(), name == "Space"))
         return true;
     if (name == "Tab" || name == "Shift+Tab") {

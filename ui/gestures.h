@@ -39,6 +39,8 @@ std::string select(Grid& grid, int row, int column);
 std::string selectRows(Grid& grid, int from, int to);
 std::string clickHeading(Grid& grid, int column);
 std::string doubleClick(Grid& grid, int row, int column);
+// An entry of the context menu that every grid has.
+std::string chooseUse(Grid& grid, const std::string& caption);
 // Begins the edit, types, commits. A refused edit is no obstacle: the grid's procedures have spoken.
 std::string edit(Grid& grid, int row, int column, const std::string& text);
 // Enter, Escape, Tab and Alt+letter do on a form what a user expects, Space clicks what has the focus, Ctrl+A, Ctrl+C and Delete work in a

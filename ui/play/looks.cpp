@@ -1,6 +1,7 @@
 #include "ui/play/looks.h"
 
 #include "ui/button.h"
+#include "ui/chart.h"
 #include "ui/choice.h"
 #include "ui/frame.h"
 #include "ui/grid.h"
@@ -73,6 +74,8 @@ std::optional<std::string> shownText(const Target& target) {
         return tabs->captions().at(static_cast<std::size_t>(tabs->current()));
     if (const auto* bar = dynamic_cast<const ProgressBar*>(&control))
         return std::to_string(bar->value());
+    if (const auto* chart = dynamic_cast<const Chart*>(&control))
+        return chart->text();
     if (auto text = readAs<TextBox, ListBox, ComboBox>(control, [](const auto& box) { return box.text(); }))
         return text;
     return readAs<Label, Button, CheckBox, OptionButton, Frame, MenuEntry>(control, [](const auto& one) { return one.caption(); });
@@ -119,8 +122,8 @@ std::vector<std::string> visibleTexts(const Form& form) {
 }
 
 std::string kindOf(const Control& control) {
-    constexpr const char* kKinds[] = {"label", "text box", "button", "check box", "option", "list",       "combo",   "frame",
-                                      "tabs",  "grid",     "bar",    "timer",     "image",  "menu entry", "toolbar", "report view"};
+    constexpr const char* kKinds[] = {"label", "text box", "button", "check box", "option",     "list",    "combo",       "frame", "tabs",
+                                      "grid",  "bar",      "timer",  "image",     "menu entry", "toolbar", "report view", "chart"};
     return kKinds[static_cast<int>(control.role())];
 }
 

@@ -85,6 +85,9 @@ public:
     void copyText(const std::string& text) override { clipboard = text; }
     std::vector<std::string> printers() override { return {"PDF"}; }
     void status(const std::string& text) override { statusText = text; }
+    // For the length of the play, as its one user.
+    std::string remembered(const std::string& form, const std::string& what) override { return kept_[{form, what}]; }
+    void remember(const std::string& form, const std::string& what, const std::string& text) override { kept_[{form, what}] = text; }
 
 protected:
     void prepared(Form& form) override;
@@ -109,6 +112,7 @@ private:
     std::set<Form*> shown_;
     std::set<Form*> drawn_; // those that the stage has
     std::vector<Alarm> alarms_;
+    std::map<std::pair<std::string, std::string>, std::string> kept_;
     std::int64_t elapsedMs_ = 0;
 };
 

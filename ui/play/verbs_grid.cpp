@@ -117,13 +117,20 @@ void edit(Step& step) {
     step.demand(gestures::edit(grid, row, column, text), "edit in " + grid.name());
 }
 
+void chooseUse(Step& step) {
+    Grid& grid = gridOf(step);
+    const std::string caption = step.text("an entry of the grid's menu");
+    step.end();
+    step.demand(gestures::chooseUse(grid, caption), "choose from the menu of " + grid.name());
+}
+
 } // namespace
 
 const std::vector<Entry>& gridVerbs() {
     static const std::vector<Entry> table{
         {"row", "row grd n [col]", &makeCurrent},    {"rows", "rows grd n-m", &selectRows},
         {"header", "header grd col", &clickHeading}, {"dblclick", "dblclick grd n [col] or dblclick ctl", &doubleClick},
-        {"edit", R"(edit grd n col "text")", &edit},
+        {"edit", R"(edit grd n col "text")", &edit}, {"menu", R"(menu grd "Copy All Rows")", &chooseUse},
     };
     return table;
 }

@@ -1,5 +1,6 @@
 #include "ui/qt/drawing.h"
 
+#include "ui/chart.h"
 #include "ui/frame.h"
 #include "ui/gestures.h"
 #include "ui/qt/roles.h"
@@ -62,6 +63,8 @@ std::unique_ptr<Drawing> draw(FormWindow& host, Control& control, QWidget* paren
         return drawToolbar(host, static_cast<Toolbar&>(control), parent);
     case Role::ReportView:
         return drawReportView(host, static_cast<ReportView&>(control), parent);
+    case Role::Chart:
+        return drawChart(host, static_cast<Chart&>(control), parent);
     case Role::MenuEntry:
     case Role::Timer:
         break;

@@ -246,6 +246,8 @@ void FormWindow::formChanged() {
         hide();
     }
     const QSize wanted = QSize(form_->width(), form_->height()) / kTwipsPerPixel;
+    if (settled_ && !placing_)
+        outer_->activate(); // what was hidden just now no longer holds the window wide
     if (settled_ && !placing_ && embeddedIn_ == nullptr && wanted != size() && !wanted.isEmpty())
         resize(wanted);
 }

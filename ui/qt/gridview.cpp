@@ -1,8 +1,10 @@
 #include "ui/qt/gridview.h"
 
 #include "ui/gestures.h"
+#include "ui/gridcopy.h"
 #include "ui/qt/formwindow.h"
 #include "ui/qt/gridcell.h"
+#include "ui/qt/gridmenu.h"
 #include "ui/qt/gridmodel.h"
 #include "ui/qt/memory.h"
 #include "ui/qt/texts.h"
@@ -47,6 +49,7 @@ GridView::GridView(FormWindow& host, Grid& grid, QWidget* parent)
     host_.watch(*this, grid);
     host_.watch(*viewport(), grid);
     viewport()->installEventFilter(this);
+    menuFor(*this, host_, grid_);
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this,
             [this](int column) { act([&] { gestures::clickHeading(grid_, column); }); });
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
@@ -333,24 +336,6 @@ void GridView::moveBy(int rows, int columns) {
         select(row, column);
 }
 
-// One row: its current cell. Several: all that is shown of them, for a spreadsheet.
-void GridView::copySelection() {
-    if (grid_.firstSelected() == grid_.lastSelected()) {
-        act([this] { gestures::key(*host_.form(), "Ctrl+C"); });
-        return;
-    }
-    QStringList lines;
-    for (int row = std::max(1, grid_.firstSelected()); row <= grid_.lastSelected(); ++row) {
-        QStringList cells;
-        for (int column = 0; column < grid_.columnCount(); ++column)
-            if (!grid_.column(column).hidden)
-                cells << toQt(grid_.text(row, column));
-        lines << cells.join(QLatin1Char('\t'));
-    }
-    if (!lines.isEmpty())
-        host_.desk().copyText(fromQt(lines.join(QLatin1Char('\n'))));
-}
-
 void GridView::step(int rows, bool extend) {
     if (!extend)
         return moveBy(rows, 0);
@@ -387,8 +372,12 @@ void GridView::keyPressEvent(QKeyEvent* event) {
         return;
     if (event->key() == Qt::Key_F2)
         return beginEdit(grid_.row(), grid_.col());
-    if (event->matches(QKeySequence::Copy))
-        return copySelection();
+    const std::string name = keyName(*event);
+    for (const GridUse& use : gridUses())
+        if (!name.empty() && name == use.key) {
+            act([&] { gestures::key(*host_.form(), name); });
+            return;
+        }
     const QString typed = event->modifiers() & Qt::ControlModifier ? QString() : event->text();
     const bool print = !typed.isEmpty() && typed[0].isPrint();
     const bool check = grid_.row() >= 1 && grid_.col() >= 0 && grid_.col() < grid_.columnCount() &&

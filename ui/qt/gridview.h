@@ -57,7 +57,6 @@ private:
     void step(int rows, bool extend);
     bool moveKey(int key, bool extend);
     int neighbour(int column, int step) const;
-    void copySelection();
 
     // Editing. A check cell is turned at once; others get an editor over the cell.
     void beginEdit(int row, int column, const QString* typed = nullptr);

@@ -12,6 +12,7 @@
 #include <QDesktopServices>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QMimeData>
 #include <QPrinterInfo>
 #include <QTimer>
 #include <QUrl>
@@ -223,6 +224,13 @@ void QtDesk::browse(const std::string& topic) {
 
 void QtDesk::copyText(const std::string& text) {
     QApplication::clipboard()->setText(toQt(text));
+}
+
+void QtDesk::copyTable(const std::string& text, const std::string& html) {
+    auto* const both = new QMimeData; // the clipboard's from now on
+    both->setText(toQt(text));
+    both->setHtml(toQt(html));
+    QApplication::clipboard()->setMimeData(both);
 }
 
 std::vector<std::string> QtDesk::printers() {

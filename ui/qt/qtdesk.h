@@ -64,6 +64,7 @@ public:
     void yield() override;
     void browse(const std::string& topic) override;
     void copyText(const std::string& text) override;
+    void copyTable(const std::string& text, const std::string& html) override;
     std::vector<std::string> printers() override;
     void status(const std::string& text) override;
     std::string remembered(const std::string& form, const std::string& what) override;

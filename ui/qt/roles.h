@@ -7,6 +7,7 @@
 namespace merchantry::ui {
 
 class Button;
+class Chart;
 class CheckBox;
 class ComboBox;
 class Frame;
@@ -34,6 +35,7 @@ Drawn drawCombo(FormWindow& host, ComboBox& combo, QWidget* parent);
 Drawn drawFrame(FormWindow& host, Frame& frame, QWidget* parent);
 Drawn drawTabSet(FormWindow& host, TabSet& tabs, QWidget* parent);
 Drawn drawGrid(FormWindow& host, Grid& grid, QWidget* parent);
+Drawn drawChart(FormWindow& host, Chart& chart, QWidget* parent);
 Drawn drawProgress(FormWindow& host, ProgressBar& bar, QWidget* parent);
 Drawn drawToolbar(FormWindow& host, Toolbar& bar, QWidget* parent);
 Drawn drawReportView(FormWindow& host, ReportView& view, QWidget* parent);
