@@ -23,6 +23,7 @@
 #include "inventory/frmInventory.h"
 #include "inventory/frmInventory_Adjust.h"
 #include "inventory/frmInventory_Serial.h"
+#include "inventory/frmStockProof.h"
 
 namespace merchantry::programs {
 namespace {
@@ -52,6 +53,7 @@ constexpr Screen kScreens[] = {
     {"frmInventory", instanceOf<inventory::frmInventory>, true},
     {"frmInventory_Adjust", instanceOf<inventory::frmInventory_Adjust>, false},
     {"frmInventory_Serial", instanceOf<inventory::frmInventory_Serial>, false},
+    {"frmStockProof", instanceOf<inventory::frmStockProof>, true},
     {"frmInvReasonCodes", instanceOf<inventory::frmInvReasonCodes>, true},
     {"frmItems_Sales", instanceOf<catalog::frmItems_Sales>, false},
     {"frmItems_SalesMsg", instanceOf<catalog::frmItems_SalesMsg>, false},

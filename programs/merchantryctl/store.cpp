@@ -1,6 +1,8 @@
 #include "programs/merchantryctl/commands.h"
 
+#include "app/stockproof.h"
 #include "app/storefile.h"
+#include "base/numbers.h"
 #include "programs/storehost.h"
 
 #include <iostream>
@@ -15,6 +17,7 @@ struct Options {
     std::string other;
     bool demo = false;
     bool empty = false;
+    bool items = false;
 };
 
 int create(const Options& options) {
@@ -30,13 +33,31 @@ int create(const Options& options) {
     return 0;
 }
 
+// What the proof of stock found: faults of the ledger, and where the stock differs from it, which need not be a fault.
+bool tellProof(const Options& options) {
+    const app::Proof proof = app::proveStockFile(options.file, [](int) { return true; });
+    for (const app::ProofFinding& finding : proof.ledger)
+        std::cerr << finding.sentence() << "\n";
+    std::cout << "Proof of stock: " << withThousands(proof.rows) << " movements of " << withThousands(proof.items) << " items, "
+              << withThousands(static_cast<std::int64_t>(proof.ledger.size())) << " with a wrong row.\n";
+    if (proof.stock.empty())
+        return proof.ledger.empty();
+    std::cout << "In " << withThousands(static_cast<std::int64_t>(proof.stock.size())) << " items the stock differs from the ledger"
+              << (options.items ? ":\n" : "; --items lists them.\n");
+    for (const app::ProofFinding& finding : proof.stock)
+        if (options.items)
+            std::cout << "  " << finding.sentence() << "\n";
+    return proof.ledger.empty();
+}
+
 int check(const Options& options) {
     const auto found = app::checkStoreFile(options.file);
     for (const std::string& line : found)
         std::cerr << line << "\n";
-    if (found.empty())
+    const bool sound = found.empty() && tellProof(options);
+    if (sound)
         std::cout << options.file << " is sound.\n";
-    return found.empty() ? 0 : 1;
+    return sound ? 0 : 1;
 }
 
 int upgrade(const Options& options) {
@@ -75,7 +96,9 @@ void addStoreCommand(CLI::App& program, int& exitCode) {
     made->add_flag("--demo", options->demo, "With demo goods and two years of sales");
     made->add_flag("--empty", options->empty, "With nothing but the rows that every store starts with (the default)");
     file(made);
-    file(action("check", "Look for damage and broken rules", check));
+    CLI::App* checked = action("check", "Look for damage and broken rules, and prove the stock by its ledger", check);
+    checked->add_flag("--items", options->items, "List every item whose stock differs from its ledger");
+    file(checked);
     file(action("upgrade", "Bring a store to this program's version, keeping a copy", upgrade));
     CLI::App* copied = action("backup", "Copy a store that may be in use", backup);
     file(copied);

@@ -103,6 +103,10 @@ TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheTablesAndProceduresMadeSince) {
     makeStore();
     run(file, "DELETE FROM SchemaVersion WHERE Version > 1 INSERT INTO SchemaVersion (Version) VALUES (1) DROP PROCEDURE bsp_SubsGrid "
               "DROP TABLE PriceChangeItem DROP TABLE PriceChange");
+    run(file, "DROP TRIGGER InventoryLedger_Insert ALTER TABLE InventoryLedger DROP COLUMN ReversesID");
+    run(file,
+        "INSERT INTO Item (SKU, MatrixSKU) VALUES ('a', 'a') INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea, Cost_wt, "
+        "QtyAfter) VALUES ('a', 'a', 'Adjustment', 5, 2, 2, 5)");
     EXPECT_TRUE(isOlderStore(file));
     EXPECT_NE(sentenceOf([&] { db::checkSchemaVersion(*db::Store::open(file)->session()); }).find("older version"), std::string::npos);
     EXPECT_EQ(upgradeStoreFile(file), std::filesystem::path(file.string() + ".v1.bak"));
@@ -110,6 +114,8 @@ TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheTablesAndProceduresMadeSince) {
     EXPECT_EQ(version(file), db::kSchemaVersion);
     run(file, "bsp_SubsGrid 'a', 'a'");
     run(file, "bsp_NewPriceChange 'a' INSERT INTO PriceChangeItem VALUES (1, 'a', 'a', 1, 1, 2, 3) EXEC bsp_PriceChangeItems 1");
+    run(file, "bsp_UndoAdjustment 1"); // a movement of the older store can be taken back now
+    run(file, "IF NOT EXISTS (SELECT * FROM InventoryLedger WHERE ReversesID = 1 AND QtyAfter = 0) RAISERROR('not undone', 16, 1)");
     EXPECT_FALSE(isOlderStore(folder / "none.store"));
 }
 

@@ -1,5 +1,6 @@
 #include "tools/registersim/shop.h"
 
+#include "base/division.h"
 #include "tools/registersim/query.h"
 
 #include <cmath>
@@ -9,11 +10,6 @@ namespace {
 
 constexpr std::int64_t kUnitsPerCent = 100;
 constexpr std::int64_t kThousandthsOfPercent = 100'000; // of the whole
-
-std::int64_t dividedAwayFromZero(__int128 number, __int128 divisor) {
-    const __int128 half = divisor / 2;
-    return static_cast<std::int64_t>((number < 0 ? number - half : number + half) / divisor);
-}
 
 int wholeOf(const Value& value) {
     return static_cast<int>(value.toInteger());

@@ -125,6 +125,8 @@ std::span<const UpgradeStep> upgradeSteps() {
     static const std::array kSteps{
         UpgradeStep{2, ""},           // the procedures of item catalogue and stock
         UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
+        // which movement takes back which
+        UpgradeStep{4, "IF COL_LENGTH('InventoryLedger', 'ReversesID') IS NULL ALTER TABLE InventoryLedger ADD ReversesID int NULL"},
     };
     return kSteps;
 }

@@ -3,6 +3,10 @@
 -- Moving weighted average (perpetual inventory): units that come in are averaged with those on hand,
 --   Cost_wt = (on hand * old Cost_wt + Qty * Cost_ea) / (on hand + Qty),
 -- units that go out leave at the average and do not change it. With nothing (or less) on hand, the cost of what comes in is the new average.
+-- An adjustment taken back (ReversesID) leaves the average as if it had not been made: units that came in go out at their own cost by the same formula, unless
+-- nothing would be left or the rest would cost less than nothing; units that had gone out come back at the average.
+-- Example: of 15 at 2.50 the 5 that came in at 3.50 go again: (15 * 2.50 - 5 * 3.50) / 10 = 2.00.
+-- The casts keep the sum within 38 digits: a wider one would lose its fourth decimal.
 -- A load of past movements that brings both figures keeps them.
 -- Example: 10 at 2.00 on hand, 5 come in at 3.50: (10 * 2.00 + 5 * 3.50) / 15 = 2.50.
 CREATE TRIGGER InventoryLedger_Insert ON InventoryLedger AFTER INSERT AS
@@ -10,20 +14,29 @@ BEGIN
   SET NOCOUNT ON
   IF NOT EXISTS (SELECT * FROM inserted WHERE QtyAfter IS NULL OR Cost_wt IS NULL)
     RETURN
-  DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @posted datetime, @onHand int, @average money
+  DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @posted datetime, @onHand int, @average money, @reverses int, @rest decimal(19, 4)
   SELECT @id = MIN(LedgerID) FROM inserted
   WHILE @id IS NOT NULL
   BEGIN
-    SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @posted = PostDate FROM inserted WHERE LedgerID = @id
+    SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @posted = PostDate, @reverses = ReversesID FROM inserted WHERE LedgerID = @id
     SET @onHand = 0
     SET @average = NULL
     SELECT TOP 1 @onHand = QtyAfter, @average = Cost_wt FROM InventoryLedger
       WHERE SKU = @sku AND MatrixSKU = @matrix AND LedgerID <> @id AND QtyAfter IS NOT NULL
       ORDER BY PostDate DESC, LedgerID DESC
-    IF @qty > 0 AND (@onHand <= 0 OR @average IS NULL)
+    IF @reverses IS NOT NULL AND @average IS NOT NULL
+    BEGIN
+      IF @qty < 0 AND @onHand + @qty > 0
+      BEGIN
+        SET @rest = ROUND((CAST(@onHand AS decimal(10, 0)) * CAST(@average AS decimal(19, 4)) + @qty * CAST(@cost AS decimal(19, 4))) / (@onHand + @qty), 4)
+        IF @rest >= 0
+          SET @average = @rest
+      END
+    END
+    ELSE IF @qty > 0 AND (@onHand <= 0 OR @average IS NULL)
       SET @average = @cost
     ELSE IF @qty > 0
-      SET @average = ROUND((CAST(@onHand AS decimal(19, 0)) * CAST(@average AS decimal(19, 4)) + @qty * CAST(@cost AS decimal(19, 4))) / (@onHand + @qty), 4)
+      SET @average = ROUND((CAST(@onHand AS decimal(10, 0)) * CAST(@average AS decimal(19, 4)) + @qty * CAST(@cost AS decimal(19, 4))) / (@onHand + @qty), 4)
     ELSE IF @average IS NULL
       SET @average = @cost
     UPDATE InventoryLedger SET QtyAfter = @onHand + @qty, Cost_wt = @average WHERE LedgerID = @id
