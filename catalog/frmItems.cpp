@@ -30,7 +30,11 @@ frmItems::frmItems(Desk& desk) : Form(desk, "frmItems", "Item Maintenance") {
     wireGeneral();
     wireOtherPages();
     tabItems.change = [this](int left) { tabItems_Change(left); };
-    setLayout(pages(tabItems, {generalPage(), suppliersPage(), pricePage(), substitutesPage(), notesPage(), matrixPage(), miscPage()}));
+    panel.moved = [this] { Populate_FormData(); };
+    onKey("F9", [this] { panel.toggle(); });
+    setLayout(row({pages(tabItems, {generalPage(), suppliersPage(), pricePage(), substitutesPage(), notesPage(), matrixPage(), miscPage()})
+                       .stretched(3),
+                   panel.item()}));
     offer("CheckSKUs", [this](const auto& arguments) {
         CheckSKUs(arguments.empty() ? "" : arguments[0], arguments.size() > 1 && arguments[1] == "on");
         return std::string();
@@ -297,6 +301,7 @@ void frmItems::Form_Unload(bool& cancel) {
     if (cancel)
         return;
     guarded({kItemsTag, "Form_Unload"}, [this] {
+        panel.release();
         for (Grid* grid : {&grdSuppliers, &grdPriceMatrix, &grdSubs, &grdItemMatrix})
             grid->bind(nullptr);
         for (const db::RecordsetPtr& rows : {modMain().ItemRecordset, priceRows_, supplierRows_, subsRows_, matrixRows_}) {

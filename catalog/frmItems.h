@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/db/ado/recordset.h"
+#include "catalog/itempanel.h"
 #include "catalog/itemscreen.h"
 #include "catalog/suppliermatrix.h"
 #include "ui/button.h"
@@ -240,6 +241,8 @@ private:
     ui::Button cmdExit4{*this, "cmdExit(4)", "E&xit"};
     ui::Button cmdExit5{*this, "cmdExit(5)", "E&xit"};
     ui::Button cmdExit6{*this, "cmdExit(6)", "E&xit"};
+
+    ItemPanel panel{*this};
 
     bool Loaded = false;  // the screen has been populated
     bool Loading = false; // Form_Load is running

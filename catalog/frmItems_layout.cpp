@@ -8,7 +8,7 @@ using namespace ui;
 
 Item frmItems::generalPage() {
     return column({
-        row({title(lblSKUVal), stretch(), figure("Weighted Cost:", lblCostAmt), figure("Committed:", lblCommittedAmt),
+        row({title(lblSKUVal), at(panel.cmdPanel), stretch(), figure("Weighted Cost:", lblCostAmt), figure("Committed:", lblCommittedAmt),
              figure("Last Sold Date:", lblLastSoldDateVal)}),
         row({
                 fields({

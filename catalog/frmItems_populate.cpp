@@ -82,6 +82,7 @@ void frmItems::Populate_FormData() {
         populateMatrix();
         populateMisc();
     });
+    panel.refresh();
 }
 
 void frmItems::populateGeneral() {
