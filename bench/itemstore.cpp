@@ -8,6 +8,7 @@ namespace merchantry::bench {
 namespace {
 
 constexpr int kRowsAtOnce = 500;
+constexpr int kOpening = 40; // units of the first movement
 
 std::string nameOf(int item) {
     static const char* const kWords[] = {"White", "hanging", "heart",   "T-light", "holder",  "Vintage",
@@ -33,7 +34,7 @@ void addItems(db::Session& session, int first, int last) {
 } // namespace
 
 ItemStore::ItemStore(int items)
-    : folder_(std::filesystem::temp_directory_path() / ("merchantry-bench-" + std::to_string(std::random_device()()))),
+    : items_(items), folder_(std::filesystem::temp_directory_path() / ("merchantry-bench-" + std::to_string(std::random_device()()))),
       file_(folder_ / "bench.store") {
     std::filesystem::create_directories(folder_);
     app::createStoreFile(
@@ -46,6 +47,29 @@ ItemStore::ItemStore(int items)
             session.commit();
         },
         [](int) {});
+}
+
+void ItemStore::addMovements(int perItem) const {
+    const auto open = session();
+    db::NoResult none;
+    const auto insert = [&](const std::string& into, const auto& rowOf) {
+        for (int first = 0; first < items_; first += kRowsAtOnce) {
+            std::string batch = "INSERT INTO " + into + " VALUES ";
+            for (int item = first; item < std::min(first + kRowsAtOnce, items_); ++item)
+                batch += (item > first ? ", ('" : "('") + sku(item) + "', '" + sku(item) + "A', " + rowOf(item) + ")";
+            open->execute(batch, none);
+        }
+    };
+    open->begin();
+    insert("Stock (SKU, MatrixSKU, Quantity)", [&](int) { return std::to_string(kOpening - (perItem - 1)); });
+    for (int move = 0; move < perItem; ++move)
+        insert("InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea, Cost_wt, QtyAfter)", [&](int item) {
+            const std::string cost = std::to_string(1 + item % 90) + ".25";
+            return (move == 0 ? "'Receipt', " + std::to_string(kOpening) : std::string("'Sale', -1")) + ", " + cost + ", " + cost + ", " +
+                   std::to_string(kOpening - move);
+        });
+    open->execute("UPDATE Item SET SerialFlag = 1 WHERE SKU LIKE '%50' OR SKU LIKE '%00'", none);
+    open->commit();
 }
 
 ItemStore::~ItemStore() {

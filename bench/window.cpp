@@ -1,10 +1,12 @@
-// frmItemLookup on 100,000 items, from the call to the painted window, beside the load of its rows alone.
+// Lists of 100,000 rows, from the call to the painted window, beside the load of their rows alone: the items, and the stock with its
+// yellow serial items and 300,000 movements behind it.
 
 #include "app/frmLogin.h"
 #include "app/modMain.h"
 #include "bench/itemstore.h"
 #include "bench/ratio.h"
 #include "catalog/itemlistform.h"
+#include "inventory/frmInventory.h"
 #include "programs/desktop.h"
 #include "programs/screens.h"
 #include "ui/qt/formwindow.h"
@@ -18,6 +20,7 @@ using namespace merchantry::bench;
 namespace {
 
 constexpr int kRuns = 11;
+constexpr int kMovesEach = 3;
 
 // Notes that the table of the list has been painted, not only its frame.
 class PaintWatch : public QObject {
@@ -33,24 +36,24 @@ protected:
 };
 
 // Shows the list as a screen does, until it is painted; closing it again is not measured.
-void showPainted(ui::QtDesk& desk, PaintWatch& watch) {
+template <class F> void showPainted(ui::QtDesk& desk, PaintWatch& watch) {
     watch.painted = false;
-    desk.enter([&] { desk.show(desk.form<catalog::frmItemLookup>()); });
+    desk.enter([&] { desk.show(desk.form<F>()); });
     while (!watch.painted)
         QCoreApplication::processEvents();
 }
 
 // Alternating, with the closing outside of the watch.
-void measure(ui::QtDesk& desk, PaintWatch& watch) {
+template <class F> void measure(const char* what, ui::QtDesk& desk, PaintWatch& watch, const db::Sql& list) {
     std::vector<double> shown;
     std::vector<double> loaded;
     for (int i = 0; i < kRuns; ++i) {
-        loaded.push_back(msOf([] { app::openDirect("sp_GetAllItems 1, 0", db::CursorType::Static, db::LockType::ReadOnly); }));
-        shown.push_back(msOf([&] { showPainted(desk, watch); }));
-        desk.enter([&] { desk.form<catalog::frmItemLookup>().unload(); });
+        loaded.push_back(msOf([&] { app::openDirect(list, db::CursorType::Static, db::LockType::ReadOnly); }));
+        shown.push_back(msOf([&] { showPainted<F>(desk, watch); }));
+        desk.enter([&] { desk.form<F>().unload(); });
         QCoreApplication::processEvents();
     }
-    print("frmItemLookup on 100,000 items until painted", median(shown), median(loaded));
+    print(what, median(shown), median(loaded));
 }
 
 } // namespace
@@ -59,6 +62,7 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const ItemStore items;
+    items.addMovements(kMovesEach);
     qputenv("XDG_CONFIG_HOME", items.folder().c_str());
     QApplication application(argc, argv);
     ui::QtDesk desk(application, ui::Tone::Light);
@@ -69,7 +73,11 @@ int main(int argc, char** argv) {
     desk.enter([] { app::StartUpSystem(); });
     PaintWatch watch;
     application.installEventFilter(&watch);
-    measure(desk, watch);
+    measure<catalog::frmItemLookup>("frmItemLookup on 100,000 items until painted", desk, watch, "sp_GetAllItems 1, 0");
+    measure<inventory::frmInventory>(
+        "frmInventory on 100,000 items until painted", desk, watch,
+        "select Stock.SKU, Stock.MatrixSKU, Item.Name, Stock.Quantity, Stock.QtyCommitt, Item.SerialFlag FROM Stock INNER JOIN Item ON "
+        "Stock.SKU = Item.SKU AND Stock.MatrixSKU = Item.MatrixSKU WHERE Item.TypeID <> 4 ORDER BY Stock.SKU, Stock.MatrixSKU");
     app::resetModMain();
     return 0;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/db/ado/recordset.h"
+
 #include <cstdint>
 #include <string>
 
@@ -20,5 +22,11 @@ Adjustment readAdjustment(const std::string& quantity, const std::string& cost);
 
 // The stock after the adjustment, in 16-bit arithmetic. Throws OverflowError when the stock now or then does not fit.
 std::int16_t adjusted(std::int64_t present, std::int16_t quantity);
+
+// Posts it: reads the stock, writes the new balance, then the ledger row, each a statement of its own without a transaction, so that a
+// failure in between leaves the stock changed and no ledger row, and a sale in between is lost from the balance. Throws OverflowError
+// before anything is written, and DbError.
+void postAdjustment(db::Connection& store, const std::string& sku, const std::string& matrixSku, const std::string& reason,
+                    const Adjustment& made);
 
 } // namespace merchantry::inventory

@@ -107,22 +107,10 @@ void frmInventory_Adjust::cmdAdjust_Click() {
             desk().message(wrong, kProduct);
             return;
         }
-        post();
+        postAdjustment(*modMain().Conn, sku_, matrixSku_, lbxReasonCode.text(), readAdjustment(txtQty.text(), txtCost.text()));
         desk().message("Adjustment Made", kProduct);
         unload();
     });
-}
-
-// The stock first, then the ledger, each by itself: a failure between the two leaves the stock changed and no ledger row.
-void frmInventory_Adjust::post() {
-    const Adjustment made = readAdjustment(txtQty.text(), txtCost.text());
-    const auto stock = openDirect(Sql("SELECT Quantity FROM Stock WHERE SKU = '") + sku_ + "' AND MatrixSKU = '" + matrixSku_ + "'");
-    const std::int64_t present = stock->Eof() ? 0 : (*stock)["Quantity"].Value().toInteger();
-    const int balance = adjusted(present, made.quantity);
-    db::Connection& store = *modMain().Conn;
-    store.Execute(Sql("UPDATE Stock SET Quantity = ") + balance + " WHERE SKU = '" + sku_ + "' AND MatrixSKU = '" + matrixSku_ + "'");
-    store.Execute(Sql("INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) VALUES ('") + sku_ + "', '" + matrixSku_ + "', '" +
-                  lbxReasonCode.text() + "', " + static_cast<int>(made.quantity) + ", " + made.cost + ")");
 }
 
 } // namespace merchantry::inventory

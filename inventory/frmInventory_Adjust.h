@@ -26,7 +26,6 @@ private:
     void showCost();
     void cmdAddCode_Click();
     void cmdAdjust_Click();
-    void post();
 
     ui::Label lblInvAdjust{*this, "lblInvAdjust", "Inventory Adjustment"};
     ui::Label lblSKU{*this, "lblSKU"};             // shows the item's own code

@@ -1,9 +1,12 @@
-// Eight registers post while a manager edits items and makes backups: nobody hears of a lock, and nothing is lost.
+// Eight registers post while a manager edits items, adjusts stock, keeps serial numbers and makes backups: nobody hears of a lock, and
+// nothing is lost but what an adjustment's absolute balance may overwrite.
 
 #include "tests/reliability/shopfolder.h"
 
 #include "app/db/ado/recordset.h"
 #include "app/db/schema/schema.h"
+#include "app/stockproof.h"
+#include "inventory/adjustment.h"
 #include "tools/registersim/liveregister.h"
 #include "tools/registersim/query.h"
 
@@ -11,6 +14,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <set>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -66,18 +70,44 @@ public:
         connection_->Execute(db::Sql("UPDATE PriceMatrix SET Price = ") + edits_ + here + " AND Tier = 1");
     }
     int edits() const { return edits_; }
+    // As the adjustment screen posts it; each turn one of the items that are edited.
+    void adjust() {
+        const auto& [sku, matrixSku] = pairs_.at(static_cast<std::size_t>(++adjustments_ % kItemsEdited));
+        inventory::postAdjustment(*connection_, sku, matrixSku, "Stock Count", {1, 1.25});
+        adjusted_.insert(sku + "|" + matrixSku);
+    }
+    int adjustments() const { return adjustments_; }
+    bool hasAdjusted(const app::ProofFinding& finding) const { return adjusted_.contains(finding.sku + "|" + finding.matrixSku); }
+    // As the screen of serial numbers does: a placeholder, the number typed over it, and of every three one taken away again.
+    void keepSerials() {
+        const auto& [sku, matrixSku] = pairs_.front();
+        db::Recordset serials;
+        serials.Open(db::Sql("SELECT SKU, MatrixSKU, SerialNo FROM StockSerials WHERE SKU = '") + sku + "' AND MatrixSKU = '" + matrixSku +
+                         "' AND LockedFlag = 0",
+                     connection_, db::CursorType::Dynamic, db::LockType::Optimistic);
+        serials.addRow({sku, matrixSku, "XXXX"});
+        serials.setCell(serials.RecordCount() - 1, 2, "busy " + std::to_string(++serials_));
+        if (serials_ % 3 == 0)
+            serials.removeRow(serials.RecordCount() - 1);
+    }
+    int serialsLeft() const { return serials_ - serials_ / 3; }
 
 private:
     db::Provider provider_;
     db::ConnectionPtr connection_;
     std::vector<std::pair<std::string, std::string>> pairs_;
     int edits_ = 0;
+    int adjustments_ = 0;
+    int serials_ = 0;
+    std::set<std::string> adjusted_;
 };
 
 TEST(EightRegisters, BesideAManagerLoseNothingAndHearOfNoLock) {
     const ShopFolder folder;
     const auto file = folder.shop("busy.store");
     const int before = std::stoi(cell(file, "SELECT COUNT(*) FROM [Transaction]"));
+    const std::string movements = "SELECT COUNT(*) - (SELECT COUNT(*) FROM TransactionEntry) FROM InventoryLedger";
+    const int otherMovements = std::stoi(cell(file, movements));
     std::vector<pid_t> registers;
     for (int i = 1; i <= kRegisters; ++i)
         registers.push_back(startRegister(file, i, receiptsWanted()));
@@ -85,6 +115,8 @@ TEST(EightRegisters, BesideAManagerLoseNothingAndHearOfNoLock) {
     for (const pid_t one : registers)
         for (int status = 0; waitpid(one, &status, WNOHANG) == 0;) {
             EXPECT_EQ(saidBy([&] { manager.edit(); }), "");
+            EXPECT_EQ(saidBy([&] { manager.adjust(); }), "");
+            EXPECT_EQ(saidBy([&] { manager.keepSerials(); }), "");
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
     EXPECT_EQ(std::stoi(cell(file, "SELECT COUNT(*) FROM [Transaction]")), before + kRegisters * receiptsWanted());
@@ -94,6 +126,18 @@ TEST(EightRegisters, BesideAManagerLoseNothingAndHearOfNoLock) {
         EXPECT_NE(cell(file, "SELECT COUNT(*) FROM PriceMatrix WHERE Tier = 1 AND Price = " + number), "0") << number;
     }
     EXPECT_EQ(app::checkStoreFile(file), std::vector<std::string>{});
+
+    // Every line sold and every adjustment has its movement, balances and weighted costs follow from one another, and the stock is that of
+    // the ledger but where an adjustment may have overwritten a sale.
+    ASSERT_GT(manager.adjustments(), 0);
+    EXPECT_EQ(std::stoi(cell(file, movements)), otherMovements + manager.adjustments());
+    const app::Proof proof = app::proveStockFile(file, [](int) { return true; });
+    for (const app::ProofFinding& finding : proof.ledger)
+        ADD_FAILURE() << finding.sentence();
+    for (const app::ProofFinding& finding : proof.stock)
+        EXPECT_TRUE(manager.hasAdjusted(finding)) << finding.sentence();
+    EXPECT_EQ(cell(file, "SELECT COUNT(*) FROM StockSerials WHERE SerialNo LIKE 'busy %'"), std::to_string(manager.serialsLeft()));
+    EXPECT_EQ(cell(file, "SELECT COUNT(*) FROM StockSerials WHERE SerialNo = 'XXXX'"), "0");
 }
 
 TEST(Backups, TakenWhileRegistersPostAreWholeAndGoBack) {

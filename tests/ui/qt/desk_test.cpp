@@ -1,4 +1,5 @@
 #include "tests/ui/qt/sampleforms.h"
+#include "ui/longwork.h"
 #include "ui/qt/formwindow.h"
 
 #include <QApplication>
@@ -7,6 +8,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -181,6 +183,30 @@ TEST_F(DeskTest, TimersFireUntilTheyAreStopped) {
     form.tmrDelay.start();
     EXPECT_TRUE(QTest::qWaitFor([&] { return fired == 2; }));
     EXPECT_FALSE(form.tmrDelay.running());
+}
+
+// The window of a long work paints and takes clicks while the work goes on; its Stop ends it, and nothing below can be used meanwhile.
+TEST_F(DeskTest, ALongWorkCanBeStopped) {
+    int steps = 0;
+    bool finished = true;
+    QTimer::singleShot(300, qApp, [&] {
+        Form* const progress = desk.top();
+        ASSERT_NE(progress, nullptr);
+        ASSERT_EQ(progress->name(), "frmProgress");
+        EXPECT_TRUE(desk.window(*progress)->isModal());
+        for (auto* button : desk.window(*progress)->findChildren<QPushButton*>())
+            button->click();
+    });
+    desk.enter([&] {
+        finished = longWork(desk, "Working", [&] {
+            QThread::msleep(10);
+            return ++steps / 1000;
+        });
+    });
+    EXPECT_FALSE(finished);
+    EXPECT_GT(steps, 10);
+    EXPECT_LT(steps, 5000);
+    EXPECT_EQ(desk.top(), nullptr);
 }
 
 TEST_F(DeskTest, WaitCursorsNest) {

@@ -9,7 +9,10 @@
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMimeData>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace merchantry::ui {
@@ -55,6 +58,26 @@ TEST_F(GridTest, ARowThatMayNotBeLeftStays) {
     QTest::keyClick(&view(), Qt::Key_Down);
     press(4, 1);
     EXPECT_EQ(form.grdOrders.row(), 1);
+}
+
+TEST_F(GridTest, TheContextMenuCopiesAllRowsAsATable) {
+    QTimer::singleShot(0, qApp, [] {
+        auto* const menu = dynamic_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* entry : menu->actions())
+            if (entry->text() == QStringLiteral("Copy All Rows"))
+                menu->setActiveAction(entry);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    emit view().customContextMenuRequested(at(3, 1));
+    EXPECT_EQ(form.grdOrders.row(), 3);
+    const QMimeData* const copied = QApplication::clipboard()->mimeData();
+    EXPECT_EQ(copied->text().count(QLatin1Char('\n')), form.grdOrders.dataRows());
+    EXPECT_TRUE(copied->html().contains(QStringLiteral("<th>")));
+    QTest::keyClick(&view(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QString::fromStdString(form.grdOrders.text(3, 1)));
+    QTest::keyClick(&view(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().count(QLatin1Char('\n')), form.grdOrders.dataRows());
 }
 
 TEST_F(GridTest, EditingInTheCellRunsEveryStep) {
