@@ -79,6 +79,43 @@ TEST_F(LookupsTest, NoKeyOfAScannerIsLostWhileASearchRuns) {
     run.desk.enter([&] { form.unload(); });
 }
 
+TEST_F(LookupsTest, TheGridTakesTheRoomAndTheWindowKeepsItsDesignSize) {
+    Run run;
+    auto& form = run.lookup();
+    ui::FormWindow* const window = run.desk.window(form);
+    QCoreApplication::processEvents();
+    const QSize design = window->size();
+    auto* const drawn = window->drawing(grid(form))->widget();
+    auto* const edit = window->drawing(*form.find("cmdEdit"))->widget();
+    auto* const add = window->drawing(*form.find("cmdAddNewItem"))->widget();
+    const QRect gridThen = drawn->geometry();
+    const QPoint editThen = edit->pos();
+    const QPoint addThen = add->pos();
+    for (const QSize more : {QSize(150, 90), QSize(40, 10)}) {
+        window->resize(design + more);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(drawn->geometry(), QRect(gridThen.topLeft(), gridThen.size() + more));
+        EXPECT_EQ(edit->pos(), editThen + QPoint(more.width(), more.height()));
+        EXPECT_EQ(add->pos(), addThen + QPoint(0, more.height()));
+    }
+    window->resize(design - QSize(100, 100));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window->size(), design);
+    EXPECT_EQ(drawn->geometry(), gridThen);
+    window->resize(design + QSize(150, 90));
+    QCoreApplication::processEvents();
+    run.desk.enter([&] { form.unload(); });
+    // The size is remembered; the design size stays the least.
+    auto& again = run.lookup();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(run.desk.window(again)->size(), design + QSize(150, 90));
+    EXPECT_EQ(run.desk.window(again)->drawing(grid(again))->widget()->size(), gridThen.size() + QSize(150, 90));
+    run.desk.window(again)->resize(design);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(run.desk.window(again)->size(), design);
+    run.desk.enter([&] { again.unload(); });
+}
+
 TEST_F(LookupsTest, TheSortIsRememberedFromOneRunToTheNext) {
     {
         Run run;

@@ -30,6 +30,14 @@ constexpr int kNarrowest = 300;
 constexpr int kMark = 144;
 constexpr QSize kRoomy(920, 620);
 
+// A widget that is not shown yet would lay out what it holds only when it is.
+void layOutUnseen(QWidget& widget) {
+    QResizeEvent resized(widget.size(), QSize());
+    QCoreApplication::sendEvent(&widget, &resized);
+    for (QWidget* child : widget.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        layOutUnseen(*child);
+}
+
 } // namespace
 
 FormWindow::FormWindow(QtDesk& desk, Form& form) : desk_(desk), form_(&form) {
@@ -144,8 +152,11 @@ void FormWindow::takeRememberedSize() {
     if (!form_->sizeable())
         return;
     outer_->activate();
-    if (!freed_)
+    if (!freed_) {
+        outer_->setGeometry(rect());
+        layOutUnseen(*content_);
         recordPlaces(); // a screen may have hidden controls before it is shown
+    }
     resize(rememberedSize(form_->name(), size()).expandedTo(outer_->minimumSize()).boundedTo(screen()->availableSize()));
 }
 
