@@ -43,7 +43,6 @@ frmItems_Sales::frmItems_Sales(Desk& desk) : Form(desk, "frmItems_Sales", "Sales
     cmdDelete.setToolTip("A new sale that was never saved is saved all the same when you delete it here; leave with Cancel to drop it.");
     cmdDelete.isDanger = true;
     cmdExit.isCancel = true;
-    cmdSave.isDefault = true;
 
     for (CheckBox* box : {&chkCurrentSales, &chkFutureSales, &chkPastSales})
         box->click = [this] {
