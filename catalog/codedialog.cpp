@@ -52,6 +52,7 @@ std::string frmSKU::GetSKU() {
 }
 
 frmMatrixSKU::frmMatrixSKU(Desk& desk) : CodeDialog(desk, "frmMatrixSKU", "Matrix SKU", "Parent SKU:") {
+    cmdLookupMatrixParent.setToolTip("Empties the field; it takes the parent that you pick, or stays empty.");
     cmdLookupMatrixParent.click = [this] { cmdLookupMatrixParent_Click(); };
     setLayout(layoutWith({at(cmdLookupMatrixParent)}));
 }

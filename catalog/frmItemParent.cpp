@@ -36,7 +36,9 @@ frmItemParent::frmItemParent(Desk& desk) : Form(desk, "frmItemParent", "Matrix P
     txtSalesMsg.setLocked(true);
     txtSalesMsg.setToolTip("The message that the registers show. One looked up here is only shown; the parent keeps the one it has.");
     cmdDeleteItem.isDanger = true;
+    cmdDeleteItem.setToolTip("Deletes the parent alone; its items stay.");
     cmdExit.isCancel = true;
+    cmdExit.setToolTip("Leaves without saving what was changed in the parent's details.");
     cmdUpdateItem.isDefault = true;
     grdItems.setColumns({{.heading = "SKU", .fixedWidth = true},
                          {.heading = "MatrixSKU", .fixedWidth = true, .characters = 22},
