@@ -44,8 +44,8 @@ ItemPanel::ItemPanel(Form& form)
     chtStock.heading = "Stock over the last year";
     chtStock.emptyText = "No movements in the last year.";
     chtStock.xText = [](std::int64_t day) { return Date::fromMs(day * Date::kMsPerDay).toShortText(); };
-    grdLedger.setColumns({{.heading = "Date", .characters = 21},
-                          {.heading = "Type", .characters = 14},
+    grdLedger.setColumns({{.heading = "Date", .characters = 12},
+                          {.heading = "Type", .characters = 13},
                           {.heading = "Qty", .format = Format::Number},
                           {.heading = "Cost", .format = Format::Currency},
                           {.heading = "Average", .format = Format::Currency},
@@ -138,7 +138,8 @@ void ItemPanel::showStock() {
 
 void ItemPanel::showMovements() {
     release();
-    movements_ = openDirect(Sql("SELECT PostDate, Type, Qty, Cost_ea, Cost_wt, QtyAfter, LedgerID, ReversesID FROM InventoryLedger ") +
+    movements_ = openDirect(Sql("SELECT CONVERT(varchar(10), PostDate, 101) AS Posted, Type, Qty, Cost_ea, Cost_wt, QtyAfter, LedgerID, "
+                                "ReversesID FROM InventoryLedger ") +
                                 whereItem() + " ORDER BY PostDate DESC, LedgerID DESC",
                             db::CursorType::Static, db::LockType::ReadOnly);
     grdLedger.bind(movements_.get());
