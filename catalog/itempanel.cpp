@@ -138,10 +138,11 @@ void ItemPanel::showStock() {
 
 void ItemPanel::showMovements() {
     release();
-    movements_ = openDirect(Sql("SELECT CONVERT(varchar(10), PostDate, 101) AS Posted, Type, Qty, Cost_ea, Cost_wt, QtyAfter, LedgerID, "
-                                "ReversesID FROM InventoryLedger ") +
-                                whereItem() + " ORDER BY PostDate DESC, LedgerID DESC",
-                            db::CursorType::Static, db::LockType::ReadOnly);
+    movements_ =
+        openDirect(Sql("SELECT DATEADD(day, DATEDIFF(day, 0, PostDate), 0) AS Posted, Type, Qty, Cost_ea, Cost_wt, QtyAfter, LedgerID, "
+                       "ReversesID FROM InventoryLedger ") +
+                       whereItem() + " ORDER BY PostDate DESC, LedgerID DESC",
+                   db::CursorType::Static, db::LockType::ReadOnly);
     grdLedger.bind(movements_.get());
     grdLedger.setStatusText(withThousands(movements_->RecordCount()) + (movements_->RecordCount() == 1 ? " movement" : " movements") +
                             ", newest first");
