@@ -115,7 +115,8 @@ public:
     // Stops the running batch as soon as possible: it throws Category::Cancelled. May be called from another thread.
     virtual void cancel() = 0;
 
-    // From here on every change is refused with error 3906, also in what is called; temporary tables included. False again after the session.
+    // From here on every change is refused with error 3906, also in what is called, temporary tables included. The session's end takes it
+    // back.
     virtual void setReadOnly(bool readOnly) = 0;
 
     // The clock that GETDATE() reads. The caller owns it; null means the system's.
