@@ -232,6 +232,7 @@ void frmItems::txtPriceAmt_LostFocus() {
         lblSupRetailPrice.setCaption("$" + txtPriceAmt.text());
         reloadPrices(lbxTier.listIndex() + 1);
     });
+    panel.pricesChanged();
 }
 
 void frmItems::txtStockAmt_LostFocus() {

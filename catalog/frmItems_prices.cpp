@@ -149,6 +149,7 @@ void frmItems::cmdPriceDelete_Click() {
         else
             desk().message("You must first select a row to delete.", kProduct);
     });
+    panel.pricesChanged();
 }
 
 void frmItems::grdPriceMatrix_Error() {

@@ -98,6 +98,11 @@ void ItemPanel::refresh() {
     });
 }
 
+void ItemPanel::pricesChanged() {
+    if (shown())
+        guarded({"MR_frmItems", "ItemPanel"}, [this] { showPrices(); });
+}
+
 void ItemPanel::showPrices() {
     const auto breaks =
         openDirect(Sql("SELECT TierDefs.TierName, PriceMatrix.Tier, PriceMatrix.Quantity, PriceMatrix.Price FROM PriceMatrix "

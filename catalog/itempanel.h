@@ -21,6 +21,8 @@ public:
     ui::Item item();
     // Shows what the store has of the current item, if anybody looks.
     void refresh();
+    // Only the picture of the prices; the movement that is chosen stays chosen.
+    void pricesChanged();
     void toggle();
     bool shown() const { return fraPanel.visible(); }
     // Lets go of the rows, before the screen is left.
