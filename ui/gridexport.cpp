@@ -51,6 +51,17 @@ struct Kind {
     std::unique_ptr<GridWriter> (*writer)(const Grid& grid, const std::filesystem::path& target);
 };
 
+class Waiting {
+public:
+    explicit Waiting(Desk& desk) : desk_(desk) { desk_.waitCursor(true); }
+    ~Waiting() { desk_.waitCursor(false); }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+
+private:
+    Desk& desk_;
+};
+
 void exportTo(Grid& grid, const Kind& kind) {
     Desk& desk = grid.form().desk();
     auto target = desk.file({kind.title, kind.filter, desk.documentsFolder().string(), true});
@@ -64,6 +75,7 @@ void exportTo(Grid& grid, const Kind& kind) {
             desk.status("Stopped. " + target->string() + " was not written.");
             return;
         }
+        const Waiting wait(desk); // packing the file takes a second for a long list
         writer->finish();
         desk.status("Wrote " + withThousands(grid.dataRows()) + " rows to " + target->string() + ".");
     } catch (const std::exception& error) {

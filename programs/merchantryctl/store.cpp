@@ -42,8 +42,8 @@ bool tellProof(const Options& options) {
               << withThousands(static_cast<std::int64_t>(proof.ledger.size())) << " with a wrong row.\n";
     if (proof.stock.empty())
         return proof.ledger.empty();
-    std::cout << "In " << withThousands(static_cast<std::int64_t>(proof.stock.size())) << " items the stock differs from the ledger"
-              << (options.items ? ":\n" : "; --items lists them.\n");
+    std::cout << "In " << withThousands(static_cast<std::int64_t>(proof.stock.size())) << (proof.stock.size() == 1 ? " item" : " items")
+              << " the stock differs from the ledger" << (options.items ? ":\n" : "; --items lists them.\n");
     for (const app::ProofFinding& finding : proof.stock)
         if (options.items)
             std::cout << "  " << finding.sentence() << "\n";
