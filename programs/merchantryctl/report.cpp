@@ -54,12 +54,15 @@ void write(const reports::Report& report, const std::string& out) {
         reports::writeCsv(report, text);
     } else if (ending == ".html") {
         reports::writeHtml(report, text);
+    } else if (ending == ".xlsx") {
+        reports::writeWorkbook(report, out);
+        return;
 #ifdef MERCHANTRY_PDF
     } else if (ending == ".pdf") {
         return writeReportPdf(report, out);
 #endif
     } else {
-        throw std::runtime_error("A report is written to a file that ends in .csv, .html"
+        throw std::runtime_error("A report is written to a file that ends in .csv, .html, .xlsx"
 #ifdef MERCHANTRY_PDF
                                  ", .pdf"
 #endif

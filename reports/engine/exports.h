@@ -17,4 +17,8 @@ bool writeCsv(const Report& report, std::ostream& out, const KeepWriting& goOn =
 // A page for a browser, with groups and totals, that needs nothing beside it. False when it was stopped.
 bool writeHtml(const Report& report, std::ostream& out, const KeepWriting& goOn = {});
 
+// A workbook with typed cells, the titles frozen, and a second sheet that tells report, criteria and date. The file appears whole or not at
+// all. Throws std::exception with a sentence when it cannot be written. False when it was stopped.
+bool writeWorkbook(const Report& report, const std::filesystem::path& file, const KeepWriting& goOn = {});
+
 } // namespace merchantry::reports

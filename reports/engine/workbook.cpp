@@ -1,0 +1,187 @@
+#include "base/numbers.h"
+#include "base/text.h"
+#include "reports/engine/exports.h"
+
+#include <xlsxwriter.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <stdexcept>
+#include <utility>
+
+namespace merchantry::reports {
+namespace {
+
+constexpr int kRowsBetweenQuestions = 4096;
+constexpr int kMostRows = LXW_ROW_MAX - 1;
+
+lxw_datetime forSheet(const Date& date) {
+    const std::string iso = date.toIsoText(); // yyyy-mm-dd hh:mm:ss
+    const auto number = [&](std::size_t at, std::size_t length) { return std::atoi(iso.substr(at, length).c_str()); };
+    return {number(0, 4), number(5, 2), number(8, 2), number(11, 2), number(14, 2), static_cast<double>(number(17, 2))};
+}
+
+// Two sheets: the rows, and what they are.
+class Workbook {
+public:
+    Workbook(const Report& report, const std::filesystem::path& file) : report_(report), outline_(report.outline()) {
+        lxw_workbook_options options{};
+        options.constant_memory = LXW_TRUE; // row by row into the file
+        book_ = workbook_new_opt(file.string().c_str(), &options);
+        sheet_ = book_ == nullptr ? nullptr : workbook_add_worksheet(book_, "Rows");
+        if (sheet_ == nullptr)
+            throw std::runtime_error("There is no memory for the workbook.");
+        bold_ = workbook_add_format(book_);
+        format_set_bold(bold_);
+        format_set_text_wrap(bold_);
+        for (std::size_t i = 0; i < outline_.columns().size(); ++i)
+            formats_.push_back(formatOf(outline_.columns()[i].kind.format));
+        headings();
+    }
+    ~Workbook() {
+        if (book_ != nullptr)
+            workbook_close(book_);
+    }
+    Workbook(const Workbook&) = delete;
+    Workbook& operator=(const Workbook&) = delete;
+
+    void row(int row) {
+        for (std::size_t i = 0; i < outline_.columns().size(); ++i)
+            cell(row, i);
+    }
+    void finish() {
+        about();
+        const lxw_error error = workbook_close(std::exchange(book_, nullptr));
+        if (error != LXW_NO_ERROR)
+            throw std::runtime_error(lxw_strerror(error));
+    }
+
+private:
+    lxw_format* formatOf(Format format) {
+        const char* number = nullptr;
+        switch (format) {
+        case Format::Money:
+            number = "$#,##0.00;($#,##0.00)";
+            break;
+        case Format::Cost:
+            number = "$#,##0.00##;($#,##0.00##)";
+            break;
+        case Format::Percent:
+            number = "0.0%";
+            break;
+        case Format::Date:
+            number = "mm/dd/yyyy";
+            break;
+        case Format::Time:
+            number = "h:mm:ss AM/PM";
+            break;
+        case Format::DateTime:
+            number = "mm/dd/yyyy h:mm:ss AM/PM";
+            break;
+        case Format::Integer:
+        case Format::Quantity:
+            number = "#,##0.##";
+            break;
+        default:
+            return nullptr;
+        }
+        lxw_format* made = workbook_add_format(book_);
+        format_set_num_format(made, format == Format::Integer ? "#,##0" : number);
+        return made;
+    }
+
+    void headings() {
+        for (std::size_t i = 0; i < outline_.columns().size(); ++i) {
+            const ColumnDefinition& column = *outline_.columns()[i].definition;
+            const auto at = static_cast<lxw_col_t>(i);
+            worksheet_set_column(sheet_, at, at, std::clamp(column.width * 1.2, 8.0, 60.0), nullptr);
+            worksheet_write_string(sheet_, 0, at, column.title.c_str(), bold_);
+        }
+        worksheet_freeze_panes(sheet_, 1, 0);
+    }
+
+    void cell(int row, std::size_t i) {
+        const Outline::ShownColumn& column = outline_.columns()[i];
+        const auto line = static_cast<lxw_row_t>(row + 1);
+        const auto at = static_cast<lxw_col_t>(i);
+        if (column.expression || column.definition->share != Scope::None) {
+            const auto own = outline_.figure(row, i);
+            const auto figure = column.expression || !own ? own : own->over(outline_.grand()[*column.measure].sum);
+            if (figure)
+                worksheet_write_number(sheet_, line, at, figure->toDouble(), formats_[i]);
+            return;
+        }
+        const Value value = outline_.rows().value(row, column.source);
+        if (value.isNull())
+            return;
+        if (value.is<Date>()) {
+            lxw_datetime there = forSheet(value.as<Date>());
+            worksheet_write_datetime(sheet_, line, at, &there, formats_[i]);
+        } else if (value.is<bool>()) {
+            worksheet_write_boolean(sheet_, line, at, value.as<bool>() ? 1 : 0, nullptr);
+        } else if (value.is<std::string>() || value.is<Bytes>()) {
+            worksheet_write_string(sheet_, line, at, value.toText().c_str(), nullptr);
+        } else {
+            worksheet_write_number(sheet_, line, at, value.toNumber(), formats_[i]);
+        }
+    }
+
+    void about() {
+        lxw_worksheet* sheet = workbook_add_worksheet(book_, "About");
+        const PageHead& head = report_.head();
+        const std::pair<const char*, std::string> lines[] = {{"Report", report_.definition().title},
+                                                             {"Store", head.store},
+                                                             {"Made", head.made.toShortText()},
+                                                             {"Criteria", head.criteria.empty() ? "None" : head.criteria},
+                                                             {"Rows", withThousands(outline_.rows().rowCount())}};
+        worksheet_set_column(sheet, 0, 0, 12, nullptr);
+        worksheet_set_column(sheet, 1, 1, 80, nullptr);
+        lxw_row_t line = 0;
+        for (const auto& [name, text] : lines) {
+            worksheet_write_string(sheet, line, 0, name, bold_);
+            worksheet_write_string(sheet, line, 1, text.c_str(), nullptr);
+            ++line;
+        }
+    }
+
+    const Report& report_;
+    const Outline& outline_;
+    lxw_workbook* book_ = nullptr;
+    lxw_worksheet* sheet_ = nullptr;
+    lxw_format* bold_ = nullptr;
+    std::vector<lxw_format*> formats_;
+};
+
+} // namespace
+
+bool writeWorkbook(const Report& report, const std::filesystem::path& file, const KeepWriting& goOn) {
+    const int rows = report.outline().rows().rowCount();
+    if (rows > kMostRows)
+        throw std::runtime_error("A workbook holds no more than " + withThousands(kMostRows) + " rows. Export to CSV instead.");
+    const std::filesystem::path beside = file.string() + ".part";
+    const auto tidyUp = [&] {
+        std::error_code ignored;
+        std::filesystem::remove(beside, ignored);
+    };
+    try {
+        {
+            Workbook book(report, beside);
+            for (int row = 0; row < rows; ++row) {
+                book.row(row);
+                if (goOn && row % kRowsBetweenQuestions == 0 && !goOn(row)) {
+                    book.finish();
+                    tidyUp();
+                    return false;
+                }
+            }
+            book.finish();
+        }
+        std::filesystem::rename(beside, file);
+    } catch (...) {
+        tidyUp();
+        throw;
+    }
+    return true;
+}
+
+} // namespace merchantry::reports
