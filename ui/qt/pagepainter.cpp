@@ -11,6 +11,7 @@
 #include <QSaveFile>
 
 #include <array>
+#include <memory>
 
 namespace merchantry::ui {
 namespace {
@@ -71,29 +72,54 @@ void fillShape(QPainter& painter, const QPainterPath& shape, const PageItem& ite
     hatch(painter, shape, item.pattern);
 }
 
-void paintText(QPainter& painter, const PageItem& item) {
-    const QFont font = pageFont(item.halfPoints, item.bold);
-    painter.save();
+// The fonts of one page, each made once.
+class Fonts {
+public:
+    struct Font {
+        QFont font;
+        LetterWidths widths;
+        double height;
+        double ascent;
+    };
+    Font& of(const PageItem& item) {
+        auto& known = fonts_[{item.halfPoints, item.bold}];
+        if (!known) {
+            const QFont font = pageFont(item.halfPoints, item.bold);
+            const QFontMetricsF metrics(font);
+            known = std::make_unique<Font>(Font{font, LetterWidths(font), metrics.ascent() + metrics.descent(), metrics.ascent()});
+        }
+        return *known;
+    }
+    // The painter takes a font only when it is another one.
+    void use(QPainter& painter, const Font& font) {
+        if (used_ != &font)
+            painter.setFont(font.font);
+        used_ = &font;
+    }
+
+private:
+    std::map<std::pair<int, bool>, std::unique_ptr<Font>> fonts_;
+    const Font* used_ = nullptr;
+};
+
+void paintText(QPainter& painter, const PageItem& item, Fonts& fonts) {
+    Fonts::Font& font = fonts.of(item);
+    fonts.use(painter, font);
     painter.setPen(colorOf(item.ink));
-    painter.translate(item.x, item.y);
-    painter.setFont(font);
-    const QFontMetricsF metrics(font);
     const QString text = toQt(item.text);
-    const double width = metrics.horizontalAdvance(text);
-    double x = 0;
-    if (item.align == PageAlign::Right)
-        x = item.width - width;
-    else if (item.align == PageAlign::Center)
-        x = (item.width - width) / 2;
-    painter.drawText(QPointF(x, (item.height + metrics.ascent() - metrics.descent()) / 2), text);
-    painter.restore();
+    double x = item.x;
+    if (item.align != PageAlign::Left) {
+        const double room = item.width - font.widths.of(text);
+        x += item.align == PageAlign::Right ? room : room / 2;
+    }
+    painter.drawText(QPointF(x, item.y + (item.height - font.height) / 2 + font.ascent), text);
 }
 
-void paintItem(QPainter& painter, const PageItem& item) {
+void paintItem(QPainter& painter, const PageItem& item, Fonts& fonts) {
     const QRectF box(item.x, item.y, item.width, item.height);
     switch (item.kind) {
     case PageItem::Kind::Text:
-        paintText(painter, item);
+        paintText(painter, item, fonts);
         break;
     case PageItem::Kind::Line:
         painter.setPen(QPen(colorOf(item.ink), item.ink == PageInk::Black ? 12 : 8));
@@ -143,24 +169,41 @@ QFont pageFont(int halfPoints, bool bold) {
     return font;
 }
 
-int QtTextMeasure::width(const std::string& text, int halfPoints, bool bold) const {
-    auto& letters = letters_[{0, bold}];
+double LetterWidths::of(const QString& text) {
     double width = 0;
-    for (const char32_t letter : toQt(text).toStdU32String()) {
-        const auto [known, isNew] = letters.try_emplace(letter, 0);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar letter = text[i];
+        if (letter.unicode() < plain_.size()) {
+            double& known = plain_[letter.unicode()];
+            if (known < 0)
+                known = metrics_.horizontalAdvance(letter);
+            width += known;
+            continue;
+        }
+        const bool pair = letter.isHighSurrogate() && i + 1 < text.size();
+        const char32_t point = pair ? QChar::surrogateToUcs4(letter, text[i + 1]) : letter.unicode();
+        const auto [known, isNew] = others_.try_emplace(point, 0);
         if (isNew)
-            known->second = QFontMetricsF(pageFont(kMeasured, bold)).horizontalAdvance(QString::fromUcs4(&letter, 1));
+            known->second = metrics_.horizontalAdvance(text.mid(i, pair ? 2 : 1));
         width += known->second;
+        i += pair ? 1 : 0;
     }
-    return static_cast<int>(width * halfPoints / kMeasured);
+    return width;
+}
+
+QtTextMeasure::QtTextMeasure() : regular_(pageFont(kMeasured, false)), bold_(pageFont(kMeasured, true)) {}
+
+int QtTextMeasure::width(const std::string& text, int halfPoints, bool bold) const {
+    return static_cast<int>((bold ? bold_ : regular_).of(toQt(text)) * halfPoints / kMeasured);
 }
 
 void paintPage(QPainter& painter, const Page& page) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::TextAntialiasing);
+    Fonts fonts;
     for (const PageItem& item : page.items)
-        paintItem(painter, item);
+        paintItem(painter, item, fonts);
     painter.restore();
 }
 

@@ -3,9 +3,11 @@
 #include "ui/page.h"
 
 #include <QFont>
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QString>
 
+#include <array>
 #include <functional>
 #include <map>
 
@@ -14,14 +16,27 @@ namespace merchantry::ui {
 // The font of printed pages.
 QFont pageFont(int halfPoints, bool bold);
 
+// Widths of single letters, which add up to those of texts since pages are drawn without kerning. Each letter is measured once.
+class LetterWidths {
+public:
+    explicit LetterWidths(const QFont& font) : metrics_(font) { plain_.fill(-1); }
+    double of(const QString& text);
+
+private:
+    QFontMetricsF metrics_;
+    std::array<double, 128> plain_{}; // of ASCII; below 0 for not measured
+    std::map<char32_t, double> others_;
+};
+
 // Widths as pages are drawn, on whatever they are drawn. Wants a running application object.
 class QtTextMeasure : public TextMeasure {
 public:
+    QtTextMeasure();
     int width(const std::string& text, int halfPoints, bool bold) const override;
 
 private:
-    // By size and weight: widths of single letters, which add up since pages are drawn without kerning.
-    mutable std::map<std::pair<int, bool>, std::map<char32_t, double>> letters_;
+    mutable LetterWidths regular_;
+    mutable LetterWidths bold_;
 };
 
 // Draws a page; the painter's coordinates are twips then, and as before behind it.
