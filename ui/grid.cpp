@@ -12,13 +12,22 @@ namespace {
 
 using Format = GridColumn::Format;
 
+// A number that is no amount of money, because it is too large or has an exponent, stands as it was typed.
+std::string moneyShown(const std::string& number) {
+    try {
+        return Currency::fromText(number).toDisplay();
+    } catch (const std::exception&) {
+        return number;
+    }
+}
+
 std::string shown(const GridColumn& column, const std::string& raw) {
     if (column.editor == GridColumn::Editor::Combo)
         for (const auto& [text, stored] : column.choices)
             if (sameText(stored, raw))
                 return text;
     if (column.format == Format::Currency && isNumeric(raw))
-        return Currency::fromText(raw).toDisplay();
+        return moneyShown(raw);
     if (column.format == Format::Date)
         if (const auto date = Date::fromText(raw))
             return date->toShortText();
