@@ -108,6 +108,7 @@ private:
 
     // Substitutes.
     void reloadSubstitutes();
+    void showSubstituteCount();
     void cmdSubsAddNew_Click();
     void grdSubs_ChangePriority(bool Up);
     void grdSubs_Error();

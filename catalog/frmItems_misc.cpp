@@ -43,15 +43,14 @@ void frmItems::wireSubstitutes() {
         handled = true;
         grdSubs_Error();
     };
-    grdSubs.afterRefresh = [this] {
-        guarded({kItemsTag, "grdSubs_AfterDataRefresh"}, [this] {
-            const int rows = grdSubs.dataRows();
-            grdSubs.setStatusText(std::to_string(rows) + (rows == 1 ? " substitute" : " substitutes") +
-                                  ". Each change is saved at once, deletions too.");
+    grdSubs.afterRefresh = [this] { guarded({kItemsTag, "grdSubs_AfterDataRefresh"}, [this] { showSubstituteCount(); }); };
+    cmdSubsAddNew.click = [this] { cmdSubsAddNew_Click(); };
+    cmdSubsDelete.click = [this] {
+        guarded({kItemsTag, "cmdSubsDelete_Click"}, [this] {
+            if (grdSubs.removeRow(grdSubs.row()))
+                showSubstituteCount();
         });
     };
-    cmdSubsAddNew.click = [this] { cmdSubsAddNew_Click(); };
-    cmdSubsDelete.click = [this] { guarded({kItemsTag, "cmdSubsDelete_Click"}, [this] { grdSubs.removeRow(grdSubs.row()); }); };
     imgSubUp.click = [this] { grdSubs_ChangePriority(true); };
     imgSubDown.click = [this] { grdSubs_ChangePriority(false); };
 }
@@ -67,6 +66,12 @@ void frmItems::reloadSubstitutes() {
     grdSubs.bind(subsRows_.get());
 }
 
+void frmItems::showSubstituteCount() {
+    const int rows = grdSubs.dataRows();
+    grdSubs.setStatusText(std::to_string(rows) + (rows == 1 ? " substitute" : " substitutes") +
+                          ". Each change is saved at once, deletions too.");
+}
+
 void frmItems::cmdSubsAddNew_Click() {
     guarded({kItemsTag, "cmdSubsAddNew_Click"}, [this] {
         const std::vector<std::string> picked = pickedItem();
@@ -80,7 +85,8 @@ void frmItems::cmdSubsAddNew_Click() {
                 desk().message("This item already exists as a substitute!", kProduct);
                 return;
             }
-        grdSubs.addRow({modMain().CurrentSKU, modMain().CurrentMatrixSKU, picked[0], picked[1], std::to_string(priority)});
+        if (grdSubs.addRow({modMain().CurrentSKU, modMain().CurrentMatrixSKU, picked[0], picked[1], std::to_string(priority)}))
+            showSubstituteCount();
     });
 }
 
@@ -184,11 +190,11 @@ void frmItems::lbxSplitParentSKU_Click() {
         const std::string parent = lbxSplitParentSKU.text();
         const std::string& mine = modMain().CurrentMatrixSKU;
         const bool own = sameText(parent, modMain().CurrentSKU);
+        lbxSplitParentMatrixSKU.clear(); // also when the new parent's items cannot be read
         const auto children =
             own ? openDirect(Sql("SELECT MatrixSKU FROM Item WHERE (SKU = '") + parent + "' AND MatrixSKU <> '" + mine +
                              "' AND TypeID <> 4) ORDER BY MatrixSKU")
                 : openDirect(Sql("SELECT MatrixSKU FROM Item WHERE (SKU = '") + parent + "' AND TypeID <> 4) ORDER BY MatrixSKU");
-        lbxSplitParentMatrixSKU.clear();
         for (; !children->Eof(); children->MoveNext())
             if (const std::string child = (*children)[0].text(); !own || !sameText(child, mine))
                 lbxSplitParentMatrixSKU.add(child);
