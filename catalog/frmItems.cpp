@@ -54,6 +54,9 @@ void frmItems::wireGeneral() {
     txtPriceAmt.setToolTip("The retail price. Type a plain number without a currency sign; anything else counts as 0.");
     lblProfitPercent.setToolTip("Margin on the price, as it was when the item was opened");
     cmdDeleteItem.isDanger = true;
+    lbxType.setToolTip(
+        "Serialized sets Serial Item and the tax class None. Any other type puts back what Serialized had displaced, also when "
+        "Adjust or a change in the price matrix reads the item again.");
 
     txtName.lostFocus = [this] {
         if (writeField("txtName_LostFocus", "Name", [this] { return Value(trimmed(txtName.text())); }))
