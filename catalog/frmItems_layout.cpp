@@ -42,7 +42,7 @@ Item frmItems::suppliersPage() {
 Item frmItems::pricePage() {
     return column({
         row({column({title(lblPricePName), at(lblPriceSKU)}), stretch()}),
-        row({fields({field("&Tier:", lbxTier).wide(20)}), gap(), stretch(), figure("Retail Unit Price:", lblRetailUnitPriceAmt),
+        row({fields({field("&Tier:", lbxTier).wide(12)}), gap(), stretch(), figure("Retail Unit Price:", lblRetailUnitPriceAmt),
              figure("Weighted Cost:", lblPriceCostAmt), figure("Weighted Cost (Current):", lblCurCostAmt),
              figure("Sale Price:", lblPriceSaleAmt)}),
         at(grdPriceMatrix).stretched(),
@@ -70,8 +70,8 @@ Item frmItems::matrixPage() {
     return column({
         row({column({title(lblMatrixPName), at(lblMatrixSKU)}), stretch()}),
         at(lblMatrixMessage),
-        row({column({at(lblMatrixGroups), at(lbxMatrixGroups).wide(26).high(5)}),
-             column({at(lblMatrixCategories), at(lbxMatrixCategories).wide(26).high(5)}), column({stretch(), at(cmdAddCategory)}),
+        row({column({at(lblMatrixGroups), at(lbxMatrixGroups).wide(26).high(4)}),
+             column({at(lblMatrixCategories), at(lbxMatrixCategories).wide(26).high(4)}), column({stretch(), at(cmdAddCategory)}),
              stretch()}),
         at(grdItemMatrix).stretched(),
         buttons({at(cmdDeleteCatgory), stretch(), at(cmdExit5)}),
@@ -81,12 +81,14 @@ Item frmItems::matrixPage() {
 Item frmItems::miscPage() {
     return column({
         row({column({title(lblMiscPName), at(lblMiscSKU)}), stretch()}),
-        box("Tag-along item", column({row({at(lblTagAlongSKU), stretch(), at(cmdAddTagAlong), at(cmdRemoveTagAlong)}),
-                                      fields({field("Tag Along &Quantity:", txtTagAlongQty).wide(10)})})),
-        box("Sales message", row({at(lblSalesMsg), stretch()})),
-        group(fraSplit, column({row({at(lblMiscItemSplit0), at(lbxSplitParentSKU).stretched(), at(lblMiscItemSplit1),
+        box("At the sale", fields({
+                               field("Tag Along Item:", lblTagAlongSKU, {stretch(), at(cmdAddTagAlong), at(cmdRemoveTagAlong)}),
+                               field("Tag Along &Quantity:", txtTagAlongQty).wide(10),
+                               field("Sales Message:", lblSalesMsg),
+                           })),
+        group(fraSplit, column({row({at(lblMiscItemSplit0).wide(10), at(lbxSplitParentSKU).stretched(), at(lblMiscItemSplit1),
                                      at(lbxSplitParentMatrixSKU).stretched()}),
-                                row({at(lblMiscItemSplit2), at(txtSplitQty).wide(10), stretch(), at(cmdUpdateSplit)})})),
+                                row({at(lblMiscItemSplit2).wide(10), at(txtSplitQty).wide(10), stretch(), at(cmdUpdateSplit)})})),
         stretch(),
         buttons({stretch(), at(cmdExit6)}),
     });

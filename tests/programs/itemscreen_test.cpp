@@ -68,6 +68,21 @@ protected:
 
 } // namespace
 
+TEST_F(ItemScreenTest, FitsASmallScreenAndLeavesNoRoomForAHiddenPanel) {
+    ui::Button& panel = dynamic_cast<ui::Button&>(*form().find("cmdPanel"));
+    QWidget& tabs = *window().drawing(*form().find("tabItems"))->widget();
+    const int margin = tabs.mapTo(&window(), QPoint(0, 0)).x();
+    QCoreApplication::processEvents();
+    EXPECT_LE(window().minimumSizeHint().width(), 800);
+    EXPECT_LE(window().minimumSizeHint().height(), 600);
+    EXPECT_EQ(window().width() - tabs.mapTo(&window(), QPoint(tabs.width(), 0)).x(), margin);
+    desk.enter([&] { ui::gestures::press(panel); });
+    QCoreApplication::processEvents();
+    const QWidget& shown = *window().drawing(*form().find("fraPanel"))->widget();
+    EXPECT_EQ(window().width() - shown.mapTo(&window(), QPoint(shown.width(), 0)).x(), margin);
+    desk.enter([&] { ui::gestures::press(panel); });
+}
+
 TEST_F(ItemScreenTest, ABreakIsTypedFromCellToCell) {
     ui::Grid& prices = grid("grdPriceMatrix");
     const ui::GridView& view = stand(2, "grdPriceMatrix", 1, 3);

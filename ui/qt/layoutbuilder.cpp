@@ -140,6 +140,14 @@ LayoutBuilder::Piece LayoutBuilder::build(const Item& item) {
     return {};
 }
 
+// A group that the screen may hide has the distance to its left within, and takes it along.
+void LayoutBuilder::keepApart(QBoxLayout& box, const Item& item, const Piece& piece, int distance) {
+    if (item.kind() == Kind::Group && item.control() != nullptr)
+        piece.widget->layout()->setContentsMargins(distance, 0, 0, 0);
+    else
+        box.addSpacing(distance);
+}
+
 // What grows shares the room that is left, also when the item asks for no share of its own.
 void LayoutBuilder::place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment, bool grows) {
     const int share = std::max(item.stretch(), grows ? 1 : 0);
@@ -223,7 +231,7 @@ LayoutBuilder::Piece LayoutBuilder::row(const Item& item) {
     }
     for (const auto& [child, piece] : pieces) {
         if (before != nullptr && !isSpace(*child))
-            box->addSpacing(beside(*before, *child));
+            keepApart(*box, *child, piece, beside(*before, *child));
         place(*box, *child, piece, tall && !piece.tall && piece.widget != nullptr ? Qt::AlignTop : Qt::Alignment(), piece.wide && !shared);
         wide = wide || piece.wide || child->stretch() > 0;
         before = isSpace(*child) ? before : child;
