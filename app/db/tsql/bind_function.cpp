@@ -436,6 +436,13 @@ private:
         return small ? value : as(std::move(value), TypeKind::DateTime);
     }
 
+    // Days since 1900 of a date in milliseconds, in SQLite's own arithmetic, which cuts towards zero.
+    static std::string dayNumber(const std::string& date) {
+        const std::string day = std::to_string(Date::kMsPerDay);
+        return "(CASE WHEN " + date + "<0 THEN (" + date + "-" + std::to_string(Date::kMsPerDay - 1) + ")/" + day + " ELSE " + date + "/" +
+               day + " END)";
+    }
+
     Typed dateAdd() {
         requireCount(3, 3);
         const std::string number = as(argument(1), TypeKind::Int).sql;
@@ -445,8 +452,13 @@ private:
 
     Typed dateDiff() {
         requireCount(3, 3);
-        const std::string from = date(1).sql;
-        return made("ts_datediff(" + part() + "," + from + "," + date(2).sql + ")", simpleType(TypeKind::Int));
+        const Typed from = date(1);
+        const Typed to = date(2);
+        const std::string what = part();
+        const auto plain = [](const Typed& value) { return value.isColumn || value.literal.has_value(); };
+        if (what == std::to_string(static_cast<int>(DatePart::Day)) && plain(from) && plain(to)) // the commonest grouping of all
+            return made("(" + dayNumber(to.sql) + "-" + dayNumber(from.sql) + ")", simpleType(TypeKind::Int));
+        return made("ts_datediff(" + what + "," + from.sql + "," + to.sql + ")", simpleType(TypeKind::Int));
     }
 
     Typed datePart() {
