@@ -114,6 +114,7 @@ void frmItemMatrix::selectGroup() {
 void frmItemMatrix::loadCategories() {
     guarded({kOtherTag, "grdMatrixGroups_Click"}, [this] {
         grdMatrixCategs.bind(nullptr);
+        categories_.reset(); // those of another group
         categories_ = openBroker("bsp_ItemCategorysLookup", CommandType::StoredProcedure, CursorType::Dynamic, LockType::Optimistic,
                                  {intParameter("GroupID", lbxMatrixGroups.itemData())});
         grdMatrixCategs.bind(categories_.get());
@@ -124,9 +125,9 @@ void frmItemMatrix::loadCategories() {
 
 void frmItemMatrix::cmdAddGroup_Click() {
     guarded({kOtherTag, "cmdAddGroup"}, [this] {
-        groups_->AddNew();
-        (*groups_)["GroupName"] = std::string("Edit this Group Name");
-        groups_->Update();
+        if (groups_ == nullptr)
+            return; // the groups could not be loaded
+        groups_->addRow({Value(), std::string("Edit this Group Name")});
         grdMatrixGroups.setCurrent(grdMatrixGroups.dataRows(), kGroupName);
         grdMatrixGroups.showCurrent();
     });
@@ -165,10 +166,9 @@ void frmItemMatrix::cmdAddCategory_Click() {
     if (lbxMatrixGroups.listIndex() < 0)
         return desk().status("Add a group on the first page and choose it here.");
     guarded({kOtherTag, "cmdAddCategory"}, [this] {
-        categories_->AddNew();
-        (*categories_)["CategoryName"] = std::string("Edit this Category Name");
-        (*categories_)["GroupID"] = lbxMatrixGroups.itemData();
-        categories_->Update();
+        if (categories_ == nullptr)
+            return; // the categories could not be loaded
+        categories_->addRow({lbxMatrixGroups.itemData(), std::string("Edit this Category Name")});
         grdMatrixCategs.setCurrent(grdMatrixCategs.dataRows(), kCategoryName);
         grdMatrixCategs.showCurrent();
     });

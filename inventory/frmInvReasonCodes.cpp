@@ -71,9 +71,7 @@ void frmInvReasonCodes::cmdAdd_Click() {
     guarded({"MR_frmReasonCodes", "Add_Click"}, [this] {
         if (rsReasonCodes == nullptr)
             return; // the codes could not be loaded
-        rsReasonCodes->AddNew();
-        (*rsReasonCodes)["ReasonCode"] = "ReasonCode";
-        rsReasonCodes->Update();
+        rsReasonCodes->addRow({Value(), std::string("ReasonCode")});
         grdInvCode.setCurrent(grdInvCode.dataRows(), kCodeColumn);
         grdInvCode.setFocus();
     });
