@@ -24,6 +24,7 @@ namespace {
 
 constexpr int kSampledRows = 60;
 constexpr int kWidest = 380;
+constexpr int kLeastPercent = 60; // of its wish, that a column of words gives way to
 
 } // namespace
 
@@ -161,7 +162,8 @@ void GridView::layOutColumns() {
 }
 
 // Widths from headings and the first rows, growing only, so that a list does not jump while it is filtered; what is left over goes to the
-// columns of words, or to all when there are none.
+// columns of words, or to all when there are none. In a window too narrow for all of them the columns of words give way, if that is enough
+// to show every column.
 void GridView::fitColumns() {
     std::vector<int> words;
     std::vector<int> shown;
@@ -176,12 +178,33 @@ void GridView::fitColumns() {
             words.push_back(i);
         shown.push_back(i);
     }
+    if (left < 0)
+        return narrowWords(words, -left);
     if (words.empty())
         words = shown;
     for (std::size_t k = 0; left > 0 && k < words.size(); ++k) {
         const int share = left / static_cast<int>(words.size() - k);
         setColumnWidth(words[k], columnWidth(words[k]) + share);
         left -= share;
+    }
+}
+
+// Takes so many pixels from these columns, each its part of what it can give; nothing when together they cannot give enough.
+void GridView::narrowWords(const std::vector<int>& columns, int missing) {
+    const auto spare = [this](int column) {
+        const int heading = QFontMetrics(host_.skin().strong()).horizontalAdvance(toQt(grid_.text(0, column))) + 2 * kCellMargin + 4;
+        return std::max(0, asked_[column] - std::max(heading, asked_[column] * kLeastPercent / 100));
+    };
+    int all = 0;
+    for (const int column : columns)
+        all += spare(column);
+    if (all < missing)
+        return;
+    for (const int column : columns) {
+        const int given = all == 0 ? 0 : (missing * spare(column) + all - 1) / all;
+        missing -= given;
+        all -= spare(column);
+        setColumnWidth(column, asked_[column] - given);
     }
 }
 
@@ -243,6 +266,15 @@ bool GridView::viewportEvent(QEvent* event) {
 
 // --- the mouse ---
 
+std::vector<std::string> GridView::textsOf(int row) {
+    std::vector<std::string> texts;
+    host_.read([&] {
+        for (int column = 0; column < grid_.columnCount(); ++column)
+            texts.push_back(grid_.text(row, column));
+    });
+    return texts;
+}
+
 void GridView::mousePressEvent(QMouseEvent* event) {
     const QModelIndex at = indexAt(event->position().toPoint());
     if (!at.isValid() || event->button() != Qt::LeftButton) {
@@ -253,6 +285,7 @@ void GridView::mousePressEvent(QMouseEvent* event) {
     const int row = at.row() + 1;
     pressedAt_ = event->position().toPoint();
     pressedRow_ = 0;
+    firstClick_ = {row, at.column(), textsOf(row)};
     if ((event->modifiers() & Qt::ShiftModifier) && grid_.selected()) {
         extendTo(row);
         return;
@@ -291,16 +324,25 @@ void GridView::mouseReleaseEvent(QMouseEvent* event) {
     pressedRow_ = 0;
 }
 
+// The row is that of the first click, also when that one scrolled the table. Where it sorted the list, another row is there now, which the
+// user did not mean.
 void GridView::mouseDoubleClickEvent(QMouseEvent* event) {
-    const QModelIndex at = indexAt(event->position().toPoint());
+    const QPoint where = event->position().toPoint();
+    const QModelIndex at = indexAt(where);
     if (!at.isValid() || event->button() != Qt::LeftButton || host_.form() == nullptr)
         return;
-    if (grid_.dblClick)
-        act([&] { gestures::doubleClick(grid_, at.row() + 1, at.column()); });
-    else if (grid_.column(at.column()).editor == GridColumn::Editor::Check)
+    const bool second = firstClick_.row >= 1 && (where - pressedAt_).manhattanLength() < QApplication::startDragDistance();
+    const int row = second ? firstClick_.row : at.row() + 1;
+    const int column = second ? firstClick_.column : at.column();
+    if (grid_.dblClick && second && textsOf(row) != firstClick_.texts)
+        QToolTip::showText(event->globalPosition().toPoint(),
+                           QStringLiteral("The first click sorted the list. Double-click the row again."), this);
+    else if (grid_.dblClick)
+        act([&] { gestures::doubleClick(grid_, row, column); });
+    else if (grid_.column(column).editor == GridColumn::Editor::Check)
         mousePressEvent(event);
     else
-        beginEdit(at.row() + 1, at.column());
+        beginEdit(row, column);
 }
 
 // --- the keyboard ---

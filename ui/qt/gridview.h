@@ -46,12 +46,14 @@ private:
     bool act(const std::function<void()>& procedure);
     void layOutColumns();
     void fitColumns();
+    void narrowWords(const std::vector<int>& columns, int missing);
     bool isWords(int column) const;
     int contentWidth(int column) const;
     void hideColumns();
     void rememberWidths();
 
     void select(int row, int column);
+    std::vector<std::string> textsOf(int row);
     void extendTo(int row);
     void moveBy(int rows, int columns);
     void step(int rows, bool extend);
@@ -84,6 +86,12 @@ private:
     QPoint pressedAt_;
     int pressedRow_ = 0; // 0 when the press selected nothing or began a drag
     int pressedColumn_ = 0;
+    struct Click {
+        int row = 0;
+        int column = 0;
+        std::vector<std::string> texts; // of the row, before the click did anything
+    };
+    Click firstClick_;         // of what may become a double click
     bool secondPress_ = false; // on the cell that was current
     bool committing_ = false;
 };

@@ -158,6 +158,44 @@ TEST_F(GridTest, HeadingsAndDoubleClicksAreHeard) {
     EXPECT_EQ(form.events, Events{"double"});
 }
 
+// A click into the first row sorts some lists: its second half must not choose the row that came there.
+TEST_F(GridTest, ADoubleClickChoosesTheRowOfItsFirstClickOrNone) {
+    form.grdOrders.dblClick = [this] { form.events.push_back("double " + form.grdOrders.text(form.grdOrders.row(), 0)); };
+    form.grdOrders.click = [this] {
+        form.grdOrders.setText(1, 0, "1037");
+        form.grdOrders.setText(6, 0, "1042");
+    };
+    const auto doubleClick = [this](int row) {
+        form.events.clear();
+        press(row, 1);
+        QTest::mouseDClick(view().viewport(), Qt::LeftButton, {}, at(row, 1));
+    };
+    doubleClick(1);
+    EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "double 1037"), 0);
+    doubleClick(1); // sorted already
+    EXPECT_EQ(form.events.back(), "double 1037");
+}
+
+TEST_F(GridTest, WordsGiveWayBeforeAColumnIsCutOff) {
+    const auto width = [this] {
+        int all = 0;
+        for (int column = 0; column < view().model()->columnCount(); ++column)
+            all += view().columnWidth(column);
+        return all;
+    };
+    const int asked = view().wishedWidth();
+    const auto resizeTo = [&](int viewport) {
+        view().resize(view().width() - view().viewport()->width() + viewport, view().height());
+        QCoreApplication::processEvents();
+    };
+    resizeTo(asked + 50);
+    EXPECT_EQ(width(), asked + 50);
+    resizeTo(asked - 30);
+    EXPECT_EQ(width(), asked - 30);
+    resizeTo(asked / 3);
+    EXPECT_EQ(width(), asked) << "too little for all of them: nothing is squeezed in vain";
+}
+
 TEST_F(GridTest, ColoursSurviveTheSheetInBothTones) {
     for (const Tone tone : {Tone::Light, Tone::Dark}) {
         desk.setTone(tone);
