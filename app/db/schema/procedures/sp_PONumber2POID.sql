@@ -1,0 +1,3 @@
+-- The key of the order of that number; no row when there is none.
+CREATE PROCEDURE sp_PONumber2POID @PONumber smallint AS
+SELECT POID FROM PurchaseOrder WHERE PONumber = @PONumber

@@ -1,0 +1,27 @@
+-- Books what has arrived of one line: receipt, line, stock and ledger together. The number of the receipt comes back; -1 asks for a new one.
+--
+-- The ledger's cost of a piece is what the delivery really cost: Cost_ea = Cost + Share / Quantity, with four decimals; its trigger averages it into Cost_wt.
+-- Example: 10 pieces at 2.00 with 1.50 of the freight: 2.15 a piece.
+-- The first argument is the store and stays 1.
+CREATE PROCEDURE sp_ReceiveItem @StoreID int, @PONumber smallint, @SKU varchar(100), @MatrixSKU varchar(100), @Quantity smallint, @Cost money, @Share money, @CostID int,
+  @ReceiptNumber int, @PartNo varchar(50) AS
+SET NOCOUNT ON
+DECLARE @POID smallint
+SELECT @POID = POID FROM PurchaseOrder WHERE PONumber = @PONumber
+IF @POID IS NULL OR NOT EXISTS (SELECT * FROM PurchaseOrderItem WHERE POID = @POID AND SKU = @SKU AND MatrixSKU = @MatrixSKU)
+BEGIN
+  RAISERROR('Order %d has no line for the item %s.', 16, 1, @PONumber, @MatrixSKU)
+  RETURN
+END
+IF @ReceiptNumber = -1
+  SELECT @ReceiptNumber = ISNULL(MAX(ReceiptNumber), 0) + 1 FROM PurchaseOrderReceipt
+INSERT INTO PurchaseOrderReceipt (ReceiptNumber, POID, SKU, MatrixSKU, Quantity, Cost, OtherCost, CostID)
+  VALUES (@ReceiptNumber, @POID, @SKU, @MatrixSKU, @Quantity, @Cost, @Share, NULLIF(@CostID, 0))
+UPDATE PurchaseOrderItem SET QtyRecvd = QtyRecvd + @Quantity, PartNo = @PartNo WHERE POID = @POID AND SKU = @SKU AND MatrixSKU = @MatrixSKU
+IF EXISTS (SELECT * FROM Stock WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU)
+  UPDATE Stock SET Quantity = Quantity + @Quantity WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU
+ELSE
+  INSERT INTO Stock (SKU, MatrixSKU, Quantity) VALUES (@SKU, @MatrixSKU, @Quantity)
+INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea)
+  VALUES (@SKU, @MatrixSKU, 'Receipt', @Quantity, ROUND(@Cost + CAST(@Share AS decimal(19, 6)) / @Quantity, 4))
+SELECT @ReceiptNumber AS ReceiptNumber

@@ -1,0 +1,5 @@
+-- Gives a complete order its number, one above the highest so far; an order that has one keeps it.
+CREATE PROCEDURE sp_UpdatePONumber @POID smallint AS
+SET NOCOUNT ON
+UPDATE PurchaseOrder SET PONumber = (SELECT ISNULL(MAX(PONumber), 0) + 1 FROM PurchaseOrder) WHERE POID = @POID AND PONumber IS NULL
+SELECT PONumber FROM PurchaseOrder WHERE POID = @POID
