@@ -63,12 +63,17 @@ void frmItems::wireGeneral() {
             showNameOnTabs();
     };
     txtReorder.lostFocus = [this] {
-        writeField("txtReorder_LostFocus", "Reorder", [this] { return Value(numericPrefix(txtReorder.text())); });
+        if (!neverFilled(txtReorder))
+            writeField("txtReorder_LostFocus", "Reorder", [this] { return Value(numericPrefix(txtReorder.text())); });
     };
     txtRestock.lostFocus = [this] {
-        writeField("txtRestock_LostFocus", "Restock", [this] { return Value(numericPrefix(txtRestock.text())); });
+        if (!neverFilled(txtRestock))
+            writeField("txtRestock_LostFocus", "Restock", [this] { return Value(numericPrefix(txtRestock.text())); });
     };
-    txtNotes.lostFocus = [this] { writeField("txtNotes_LostFocus", "Notes", [this] { return Value(txtNotes.text()); }); };
+    txtNotes.lostFocus = [this] {
+        if (!neverFilled(txtNotes))
+            writeField("txtNotes_LostFocus", "Notes", [this] { return Value(txtNotes.text()); });
+    };
     txtPriceAmt.lostFocus = [this] { txtPriceAmt_LostFocus(); };
     txtStockAmt.lostFocus = [this] { txtStockAmt_LostFocus(); };
     cbxActive.click = [this] { writeField("cbxActive_Click", "Active", [this] { return Value(cbxActive.value()); }); };
@@ -174,6 +179,11 @@ bool frmItems::writeItem(const std::string& procedure, const std::function<void(
     if (!written)
         item->CancelUpdate();
     return written;
+}
+
+// The population ended before this box, and nobody has typed in it: writing it back would empty what the store holds.
+bool frmItems::neverFilled(const TextBox& box) const {
+    return !filled_ && box.text().empty();
 }
 
 void frmItems::showNameOnTabs() {

@@ -63,6 +63,7 @@ private:
     // False when the store refused it.
     bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
     bool writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set);
+    bool neverFilled(const ui::TextBox& box) const;
     void showNameOnTabs();
     void lbxTaxClass_Click();
     void lbxType_Click();
@@ -248,6 +249,7 @@ private:
     bool Loaded = false;  // the screen has been populated
     bool Loading = false; // Form_Load is running
     bool Modal = false;
+    bool filled_ = false;                 // a population has come to its end
     bool deleted_ = false;                // the item is gone from the store: nothing of it is to be saved
     int CurrentTab = 1;                   // from 1
     int TaxNoneIndex = 0;                 // position of the tax class "None"

@@ -77,6 +77,8 @@ void frmItems::cmdSubsAddNew_Click() {
         const std::vector<std::string> picked = pickedItem();
         if (picked.empty())
             return;
+        if (grdSubs.rows() == nullptr)
+            reloadSubstitutes(); // the last reading failed: a row of an unbound grid would go nowhere
         // Without a row this is the heading, which counts as 0.
         const std::string last = grdSubs.rawText(grdSubs.dataRows(), kPriority);
         const auto priority = (last == "Priority" ? 0 : Value(last).toInteger()) + 1;

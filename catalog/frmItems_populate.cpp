@@ -68,7 +68,8 @@ bool frmItems::FetchItemData() {
 }
 
 void frmItems::Populate_FormData() {
-    guarded({"MR_frmItems", "Populate_FormData"}, [this] {
+    txtStockAmt.setText(""); // a figure that is not read below must not be written back by leaving the field
+    const bool whole = guarded({"MR_frmItems", "Populate_FormData"}, [this] {
         populateGeneral();
         showCost();
         showPrice();
@@ -81,7 +82,10 @@ void frmItems::Populate_FormData() {
         populateNotes();
         populateMatrix();
         populateMisc();
+        filled_ = true;
     });
+    if (!whole)
+        desk().status("The item could not be read to its end. An item with a cost needs a price: give it one, and open the item again.");
     panel.refresh();
 }
 

@@ -101,6 +101,8 @@ void frmItems::lbxTier_Click() {
 
 void frmItems::cmdAddPriceMatrixItem_Click() {
     guarded({kItemsTag, "cmdAddPriceMatrixItem_Click"}, [this] {
+        if (grdPriceMatrix.rows() == nullptr)
+            reloadPrices(selectedTier()); // the last reading failed: a row of an unbound grid would go nowhere
         const bool added =
             grdPriceMatrix.addRow({modMain().CurrentSKU, modMain().CurrentMatrixSKU, std::to_string(selectedTier()), "0", "1"});
         if (!added)
