@@ -34,7 +34,7 @@ void frmItems::wirePrices() {
     };
     lbxTier.setToolTip("After Adjust each tier stands here twice; both entries of a name mean the same tier.");
     cmdPriceDelete.setToolTip("Deletes the selected row at once, also the retail price, without which the price on General is not kept.");
-    lblPriceSaleAmt.setToolTip("The sale price in force when the item was read");
+    lblPriceSaleAmt.setToolTip("The price of the sale that ends last, also when it has not begun yet, as it was when the item was read");
     lbxTier.click = [this] { lbxTier_Click(); };
     cmdAddPriceMatrixItem.click = [this] { cmdAddPriceMatrixItem_Click(); };
     cmdPriceDelete.click = [this] { cmdPriceDelete_Click(); };
