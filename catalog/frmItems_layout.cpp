@@ -82,7 +82,7 @@ Item frmItems::miscPage() {
     return column({
         row({column({title(lblMiscPName), at(lblMiscSKU)}), stretch()}),
         box("At the sale", fields({
-                               field("Tag Along Item:", lblTagAlongSKU, {stretch(), at(cmdAddTagAlong), at(cmdRemoveTagAlong)}),
+                               field("Tag Along Item:", lblTagAlongSKU, {at(cmdAddTagAlong), at(cmdRemoveTagAlong)}),
                                field("Tag Along &Quantity:", txtTagAlongQty).wide(10),
                                field("Sales Message:", lblSalesMsg),
                            })),

@@ -4,6 +4,7 @@
 #include "programs/screens.h"
 #include "tests/scratchfolder.h"
 #include "ui/gestures.h"
+#include "ui/label.h"
 #include "ui/qt/formwindow.h"
 #include "ui/qt/gridview.h"
 #include "ui/qt/qtdesk.h"
@@ -81,6 +82,19 @@ TEST_F(ItemScreenTest, FitsASmallScreenAndLeavesNoRoomForAHiddenPanel) {
     const QWidget& shown = *window().drawing(*form().find("fraPanel"))->widget();
     EXPECT_EQ(window().width() - shown.mapTo(&window(), QPoint(shown.width(), 0)).x(), margin);
     desk.enter([&] { ui::gestures::press(panel); });
+}
+
+TEST_F(ItemScreenTest, ALongSalesMessageStandsWhole) {
+    auto& message = dynamic_cast<ui::Label&>(*form().find("lblSalesMsg"));
+    desk.enter([&] {
+        message.setCaption("Ask whether it is a gift, and offer to wrap it for free; returns are possible within thirty days with the "
+                           "receipt, but not for opened cosmetics, food or earrings.");
+        dynamic_cast<ui::TabSet&>(*form().find("tabItems")).setCurrent(6);
+    });
+    QCoreApplication::processEvents();
+    const QWidget& shown = *window().drawing(message)->widget();
+    EXPECT_GT(shown.width(), window().width() / 2);
+    EXPECT_GE(shown.height(), shown.heightForWidth(shown.width()));
 }
 
 TEST_F(ItemScreenTest, ABreakIsTypedFromCellToCell) {

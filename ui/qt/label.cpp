@@ -74,6 +74,9 @@ public:
             shown().setAlignment(Qt::AlignLeft | Qt::AlignTop);
     }
 
+    // What is chosen by a link may be a long text.
+    bool wide() const override { return static_cast<bool>(label_.click); }
+
     void refresh(Aspect aspect) override {
         if (aspect == Aspect::Text)
             showText();
