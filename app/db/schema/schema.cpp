@@ -127,6 +127,9 @@ std::span<const UpgradeStep> upgradeSteps() {
         UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
         // which movement takes back which
         UpgradeStep{4, "IF COL_LENGTH('InventoryLedger', 'ReversesID') IS NULL ALTER TABLE InventoryLedger ADD ReversesID int NULL"},
+        // the last movement of an item by its posting
+        UpgradeStep{5, "IF NOT EXISTS (SELECT * FROM sys.indexes WHERE name = 'IX_InventoryLedger_Posting') "
+                       "CREATE INDEX IX_InventoryLedger_Posting ON InventoryLedger (SKU, MatrixSKU, LedgerID)"},
     };
     return kSteps;
 }

@@ -119,6 +119,10 @@ TEST_F(StoreRules, TheLedgerKeepsTheMovingWeightedAverage) {
     run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) VALUES ('b', 'b', 'x', 2, 1), ('a', 'a', 'x', 1, 2.3333), ('b', "
         "'b', 'x', 2, 2)");
     EXPECT_EQ(rowsOf("SELECT Cost_wt, QtyAfter FROM InventoryLedger WHERE SKU = 'b' ORDER BY LedgerID"), "1|2;1.5|4");
+    // A clock that was set back between two movements.
+    run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea, PostDate) VALUES ('b', 'b', 'x', 2, 3, '2099-01-01'), "
+        "('b', 'b', 'x', 2, 6, '2098-01-01'), ('b', 'b', 'x', -1, 0, GETDATE())");
+    EXPECT_EQ(rowsOf("SELECT Cost_wt, QtyAfter FROM InventoryLedger WHERE SKU = 'b' AND LedgerID > 11 ORDER BY LedgerID"), "2|6;3|8;3|7");
     EXPECT_TRUE(brokenInvariants(*session).empty());
     run("ALTER TABLE InventoryLedger DISABLE TRIGGER InventoryLedger_Insert INSERT INTO InventoryLedger (SKU, MatrixSKU, Qty, QtyAfter) "
         "VALUES ('b', 'b', 1, 77)");

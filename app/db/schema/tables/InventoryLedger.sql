@@ -15,4 +15,5 @@ CREATE TABLE InventoryLedger (
   CONSTRAINT FK_InventoryLedger_Item FOREIGN KEY (SKU, MatrixSKU) REFERENCES Item (SKU, MatrixSKU) ON DELETE CASCADE
 )
 CREATE INDEX IX_InventoryLedger_Item ON InventoryLedger (SKU, MatrixSKU, PostDate)
+CREATE INDEX IX_InventoryLedger_Posting ON InventoryLedger (SKU, MatrixSKU, LedgerID)
 CREATE INDEX IX_InventoryLedger_Type ON InventoryLedger (Type)

@@ -1,4 +1,4 @@
--- Fills the running balance and the weighted average cost of each new movement, in the order of posting.
+-- Fills the running balance and the weighted average cost of each new movement, in the order of posting: the order of LedgerID, whatever the clocks said.
 --
 -- Moving weighted average (perpetual inventory): units that come in are averaged with those on hand,
 --   Cost_wt = (on hand * old Cost_wt + Qty * Cost_ea) / (on hand + Qty),
@@ -14,16 +14,16 @@ BEGIN
   SET NOCOUNT ON
   IF NOT EXISTS (SELECT * FROM inserted WHERE QtyAfter IS NULL OR Cost_wt IS NULL)
     RETURN
-  DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @posted datetime, @onHand int, @average money, @reverses int, @rest decimal(19, 4)
+  DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @onHand int, @average money, @reverses int, @rest decimal(19, 4)
   SELECT @id = MIN(LedgerID) FROM inserted
   WHILE @id IS NOT NULL
   BEGIN
-    SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @posted = PostDate, @reverses = ReversesID FROM inserted WHERE LedgerID = @id
+    SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @reverses = ReversesID FROM inserted WHERE LedgerID = @id
     SET @onHand = 0
     SET @average = NULL
     SELECT TOP 1 @onHand = QtyAfter, @average = Cost_wt FROM InventoryLedger
-      WHERE SKU = @sku AND MatrixSKU = @matrix AND LedgerID <> @id AND QtyAfter IS NOT NULL
-      ORDER BY PostDate DESC, LedgerID DESC
+      WHERE SKU = @sku AND MatrixSKU = @matrix AND LedgerID < @id AND QtyAfter IS NOT NULL
+      ORDER BY LedgerID DESC
     IF @reverses IS NOT NULL AND @average IS NOT NULL
     BEGIN
       IF @qty < 0 AND @onHand + @qty > 0
