@@ -24,6 +24,8 @@
 #include "inventory/frmInventory_Adjust.h"
 #include "inventory/frmInventory_Serial.h"
 #include "inventory/frmStockProof.h"
+#include "purchasing/frmSuppliers.h"
+#include "purchasing/frmSuppliers_Info.h"
 
 namespace merchantry::programs {
 namespace {
@@ -58,6 +60,8 @@ constexpr Screen kScreens[] = {
     {"frmItems_Sales", instanceOf<catalog::frmItems_Sales>, false},
     {"frmItems_SalesMsg", instanceOf<catalog::frmItems_SalesMsg>, false},
     {"frmPriceTiers", instanceOf<catalog::frmPriceTiers>, true},
+    {"frmSuppliers", instanceOf<purchasing::frmSuppliers>, true},
+    {"frmSuppliers_Info", instanceOf<purchasing::frmSuppliers_Info>, false},
 };
 
 } // namespace

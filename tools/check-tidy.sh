@@ -3,5 +3,5 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 files=("$@")
-[ ${#files[@]} -gt 0 ] || mapfile -t files < <(git ls-files 'base/*.cpp' 'ui/*.cpp' 'app/*.cpp' 'catalog/*.cpp' 'inventory/*.cpp' 'programs/*.cpp' 'demo/*.cpp' 'tools/*.cpp')
+[ ${#files[@]} -gt 0 ] || mapfile -t files < <(git ls-files 'base/*.cpp' 'ui/*.cpp' 'app/*.cpp' 'catalog/*.cpp' 'inventory/*.cpp' 'purchasing/*.cpp' 'reports/*.cpp' 'programs/*.cpp' 'demo/*.cpp' 'tools/*.cpp')
 printf '%s\0' "${files[@]}" | xargs -0 -n 4 -P 2 clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option
