@@ -44,12 +44,14 @@ template <class F> void showPainted(ui::QtDesk& desk, PaintWatch& watch) {
 }
 
 // Alternating, with the closing outside of the watch.
-template <class F> void measure(const char* what, ui::QtDesk& desk, PaintWatch& watch, const db::Sql& list) {
+template <class F> void measure(const char* what, const char* grid, ui::QtDesk& desk, PaintWatch& watch, const db::Sql& list) {
     std::vector<double> shown;
     std::vector<double> loaded;
     for (int i = 0; i < kRuns; ++i) {
         loaded.push_back(msOf([&] { app::openDirect(list, db::CursorType::Static, db::LockType::ReadOnly); }));
         shown.push_back(msOf([&] { showPainted<F>(desk, watch); }));
+        if (const int rows = dynamic_cast<ui::Grid&>(*desk.form<F>().find(grid)).dataRows(); rows != kItems)
+            std::printf("DIFFERENT: %d rows shown\n", rows);
         desk.enter([&] { desk.form<F>().unload(); });
         QCoreApplication::processEvents();
     }
@@ -73,9 +75,9 @@ int main(int argc, char** argv) {
     desk.enter([] { app::StartUpSystem(); });
     PaintWatch watch;
     application.installEventFilter(&watch);
-    measure<catalog::frmItemLookup>("frmItemLookup on 100,000 items until painted", desk, watch, "sp_GetAllItems 1, 0");
+    measure<catalog::frmItemLookup>("frmItemLookup on 100,000 items until painted", "grdItems", desk, watch, "sp_GetAllItems 1, 0");
     measure<inventory::frmInventory>(
-        "frmInventory on 100,000 items until painted", desk, watch,
+        "frmInventory on 100,000 items until painted", "grdInv", desk, watch,
         "select Stock.SKU, Stock.MatrixSKU, Item.Name, Stock.Quantity, Stock.QtyCommitt, Item.SerialFlag FROM Stock INNER JOIN Item ON "
         "Stock.SKU = Item.SKU AND Stock.MatrixSKU = Item.MatrixSKU WHERE Item.TypeID <> 4 ORDER BY Stock.SKU, Stock.MatrixSKU");
     app::resetModMain();
