@@ -44,6 +44,7 @@ void CodeDialog::Form_Activate() {
 }
 
 frmSKU::frmSKU(Desk& desk) : CodeDialog(desk, "frmSKU", "Enter SKU", "SKU:") {
+    cmdCancel.setToolTip("Counts as an empty field: the item's own code is that of its parent.");
     setLayout(layoutWith({}));
 }
 
