@@ -1,6 +1,7 @@
 #include "catalog/frmBulkPrice.h"
 
 #include "app/modMain.h"
+#include "base/numbers.h"
 #include "base/text.h"
 #include "catalog/itemscreen.h"
 #include "catalog/modItemLookup.h"
@@ -18,6 +19,7 @@ namespace {
 
 constexpr const char* kTag = "MR_frmBulkPrice";
 constexpr std::size_t kNamedAtMost = 10;
+constexpr int kToCents = 1;  // among the roundings: what the grid shows of a price is then all of it
 constexpr int kChangeId = 0; // columns of the earlier changes
 constexpr int kChangeUndone = 4;
 
@@ -33,7 +35,7 @@ db::ConnectionPtr ownConnection() {
 }
 
 std::string priceCount(int count) {
-    return std::to_string(count) + (count == 1 ? " price" : " prices");
+    return withThousands(count) + (count == 1 ? " price" : " prices");
 }
 
 // The prices left alone, the first of them by name.
@@ -46,7 +48,7 @@ std::string wordsForSkipped(const std::vector<PriceStep>& skipped) {
     for (std::size_t i = 0; i < std::min(skipped.size(), kNamedAtMost); ++i)
         words += "\r\n" + skipped[i].matrixSku + " (" + skipped[i].sku + ")";
     if (skipped.size() > kNamedAtMost)
-        words += "\r\nand " + std::to_string(skipped.size() - kNamedAtMost) + " more";
+        words += "\r\nand " + withThousands(count - static_cast<int>(kNamedAtMost)) + " more";
     return words;
 }
 
@@ -80,7 +82,7 @@ frmBulkPrice::frmBulkPrice(Desk& desk) : Form(desk, "frmBulkPrice", "Change Pric
     for (const PriceRounding& rounding : priceRoundings())
         lbxRounding.add(rounding.caption);
     lbxBy.setListIndex(0);
-    lbxRounding.setListIndex(0);
+    lbxRounding.setListIndex(kToCents);
     chkBreaks.setValue(true);
     txtChange.alignRight = true;
     txtChange.placeholder = "5 or -2.5";
@@ -197,8 +199,8 @@ void frmBulkPrice::show() {
         else
             preview_.applyNone();
         says = countOfItems(static_cast<int>(items_.size())) + " in the list, " + priceCount(preview_.rowCount()) +
-               " in this tier: " + std::to_string(preview_.changing()) + " would change" +
-               (preview_.refused() > 0 ? ", " + std::to_string(preview_.refused()) + " cannot" : "") + ".";
+               " in this tier: " + withThousands(preview_.changing()) + " would change" +
+               (preview_.refused() > 0 ? ", " + withThousands(preview_.refused()) + " cannot" : "") + ".";
     } catch (const std::exception&) {
         preview_.applyNone();
         says = "With this change a price would be larger than money can be.";
@@ -208,7 +210,7 @@ void frmBulkPrice::show() {
                                       : "The change must be a number with at most four decimals, such as 0.5 or -1.25.";
     lblSays.setCaption(says);
     cmdApply.setEnabled(preview_.changing() > 0);
-    grdPrices.setStatusText(priceCount(preview_.rowCount()) + ", " + std::to_string(preview_.changing()) + " would change");
+    grdPrices.setStatusText(priceCount(preview_.rowCount()) + ", " + withThousands(preview_.changing()) + " would change");
 }
 
 void frmBulkPrice::loadChanges() {

@@ -126,7 +126,8 @@ PriceOutcome undoPriceChange(const db::ConnectionPtr& connection, int priceChang
     }
     if (!writeAll(connection, std::nullopt, steps, progress, outcome))
         return stopped();
-    transaction.commit();
+    if (outcome.written > 0)
+        transaction.commit(); // one that put nothing back can be tried again, when a later change has been undone
     return outcome;
 }
 

@@ -35,7 +35,8 @@ using PriceProgress = std::function<bool(int done)>;
 PriceOutcome changePrices(const db::ConnectionPtr& connection, const std::string& words, const std::vector<PriceStep>& steps,
                           const PriceProgress& progress);
 
-// Puts all prices of such a change back in one transaction, in the same manner. A change that was undone before is left alone.
+// Puts all prices of such a change back in one transaction, in the same manner. A change that was undone before is left alone; one of which
+// every price has changed again stays to be undone.
 PriceOutcome undoPriceChange(const db::ConnectionPtr& connection, int priceChangeId, const PriceProgress& progress);
 
 } // namespace merchantry::catalog

@@ -79,6 +79,19 @@ TEST_F(PriceChangeTest, LeavesAloneWhatSomeoneElseChanged) {
     EXPECT_EQ((*connection->Execute("SELECT Price FROM PriceMatrix WHERE SKU = 'A9'"))[0].text(), "4");
 }
 
+TEST_F(PriceChangeTest, AnUndoOutOfOrderCanBeTriedAgain) {
+    const auto go = [](int) { return true; };
+    changePrices(connection, "first", steps, go);
+    const int first = change();
+    for (PriceStep& step : steps)
+        step = {step.sku, step.matrixSku, 1, 1, step.to, Currency::fromInteger(4)};
+    changePrices(connection, "second", steps, go);
+    EXPECT_EQ(undoPriceChange(connection, first, go).written, 0);
+    EXPECT_EQ(undoPriceChange(connection, change(), go).written, kItems);
+    EXPECT_EQ(undoPriceChange(connection, first, go).written, kItems);
+    EXPECT_EQ(sum(), "500");
+}
+
 TEST_F(PriceChangeTest, AChangeOfNothingLeavesNoTrace) {
     connection->Execute("UPDATE PriceMatrix SET Price = 5");
     EXPECT_EQ(changePrices(connection, "", steps, [](int) { return true; }).written, 0);
