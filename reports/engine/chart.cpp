@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <utility>
 
 namespace merchantry::reports {
 namespace {
@@ -123,7 +124,7 @@ private:
         const double top = niceAbove(largest());
         const bool below = std::any_of(values_.begin(), values_.end(), [](const ChartValue& value) { return value.value < Figure(); });
         const double bottom = below ? -top : 0;
-        const int scale = widest(false) + 120;
+        const int scale = measure_.width(figureText(Figure::ofDouble(below ? -top : top), format_), kSize, false) + 120;
         const PageBox plot{box_.x + scale, box_.y + kLine / 2, box_.width - scale - 200, box_.height - 2 * kLine};
         const auto yOf = [&](double value) { return plot.y + static_cast<int>(plot.height * (top - value) / (top - bottom)); };
         for (int i = 0; i <= 4; ++i) {
@@ -239,11 +240,22 @@ std::vector<ChartValue> chartValues(const ChartDefinition& chart, const Outline&
             values.push_back({words, Figure()});
         values[place->second].value = values[place->second].value + *figure;
     }
-    if (rows.columns()[static_cast<std::size_t>(label)].type.isDate() || chart.kind == ChartKind::Line)
+    if (rows.columns()[static_cast<std::size_t>(label)].type.isDate()) {
+        std::vector<std::pair<Date, ChartValue>> inTime;
+        for (const ChartValue& one : values)
+            inTime.emplace_back(Date::fromText(one.label).value_or(Date()), one);
+        std::stable_sort(inTime.begin(), inTime.end(), [](const auto& left, const auto& right) { return left.first < right.first; });
+        for (std::size_t i = 0; i < values.size(); ++i)
+            values[i] = inTime[i].second;
+        return values;
+    }
+    if (chart.kind == ChartKind::Line)
         return values;
     std::stable_sort(values.begin(), values.end(),
                      [](const ChartValue& left, const ChartValue& right) { return left.value > right.value; });
     const auto most = static_cast<std::size_t>(chart.most);
+    if (values.size() > most && !chart.others)
+        values.resize(most);
     if (values.size() > most) {
         ChartValue others{"Others", Figure()};
         for (std::size_t i = most - 1; i < values.size(); ++i)

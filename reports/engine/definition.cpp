@@ -249,6 +249,7 @@ ChartDefinition chart(Table& table) {
     if (chart.label.empty() || chart.value.empty())
         table.failHere("A chart wants its \"label\" and its \"value\".");
     table.read("most", chart.most, 2, 400);
+    table.read("others", chart.others);
     table.read("place", chart.atStart, Words<bool>{{"start", true}, {"end", false}});
     table.read("height", chart.height, 60, 500);
     table.finish();

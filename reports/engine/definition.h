@@ -88,9 +88,10 @@ enum class ChartKind { Bar, Line, Pie };
 struct ChartDefinition {
     ChartKind kind = ChartKind::Bar;
     std::string title;
-    std::string label; // field
-    std::string value; // field, summed for each label
-    int most = 12;     // labels drawn; the rest together
+    std::string label;  // field
+    std::string value;  // field, summed for each label
+    int most = 12;      // labels drawn
+    bool others = true; // the rest together as one more
     bool atStart = false;
     double height = 160; // points
     int line = 0;

@@ -78,33 +78,57 @@ private:
         return quoted + "'";
     }
 
-    // The groups first, then the chosen column, or the order of last resort. What stands there already is not said again.
+    // The groups first, then the chosen columns, or the order of last resort. What stands there already is not said again.
     std::string order() const {
-        std::vector<std::string> parts;
+        std::vector<std::vector<std::string>> groups;
         for (const GroupDefinition& group : definition_.groups)
-            parts.push_back(group.order.empty() ? "[" + group.field + "]" : group.order);
+            groups.push_back(group.order.empty() ? std::vector<std::string>{"[" + group.field + "]"} : columnsIn(group.order));
+        std::vector<std::string> rest;
         const std::string sort(trimmed(ofKind(ParameterKind::Sort)));
         if (sort.empty()) {
             if (!trimmed(definition_.query.order).empty())
-                parts.push_back(definition_.query.order);
+                rest.push_back(definition_.query.order);
         } else {
             const auto known = definition_.query.sort.find(lowerCase(sort));
-            const std::string column = known == definition_.query.sort.end() ? sort : known->second;
             const std::string direction = upperCase(trimmed(ofKind(ParameterKind::Direction)));
-            sortInto(parts, column, direction);
+            for (const std::string& column : columnsIn(known == definition_.query.sort.end() ? sort : known->second))
+                if (!turned(groups, column, direction))
+                    rest.push_back(column + (direction.empty() ? "" : " " + direction));
         }
+        std::vector<std::string> parts;
+        for (const std::vector<std::string>& group : groups)
+            parts.insert(parts.end(), group.begin(), group.end());
+        parts.insert(parts.end(), rest.begin(), rest.end());
         return parts.empty() ? "" : " ORDER BY " + joined(parts, ", ");
     }
 
-    // A chosen column that is a group's turns the group's order.
-    static void sortInto(std::vector<std::string>& parts, const std::string& column, const std::string& direction) {
-        for (std::string& part : parts) {
-            if (!sameText(part, column))
-                continue;
-            part += direction == "DESC" ? " DESC" : "";
-            return;
+    // "Month, MIN(a, b)" are two.
+    static std::vector<std::string> columnsIn(const std::string& list) {
+        std::vector<std::string> columns(1);
+        int depth = 0;
+        for (const char c : list) {
+            depth += c == '(' ? 1 : c == ')' ? -1 : 0;
+            if (c == ',' && depth == 0)
+                columns.emplace_back();
+            else
+                columns.back() += c;
         }
-        parts.push_back(column + (direction.empty() ? "" : " " + direction));
+        for (std::string& column : columns)
+            column = std::string(trimmed(column));
+        return columns;
+    }
+
+    // A chosen column that is one of a group's becomes the first of that group's order, in the chosen direction.
+    static bool turned(std::vector<std::vector<std::string>>& groups, const std::string& column, const std::string& direction) {
+        for (std::vector<std::string>& group : groups)
+            for (auto part = group.begin(); part != group.end(); ++part) {
+                if (!sameText(*part, column))
+                    continue;
+                *part += direction == "DESC" ? " DESC" : "";
+                std::rotate(group.begin(), part, part + 1);
+                return true;
+            }
+        return false;
     }
 
     const Definition& definition_;

@@ -40,6 +40,11 @@ TEST(QueryText, ConditionsAndOrderStandInTheirPlaces) {
     EXPECT_EQ(queryText(report, {"", "Item.SKU", " ASC"}), "SELECT * FROM Item  ORDER BY Departments.Department, [Kind], Code ASC");
     EXPECT_EQ(queryText(report, {"", "Departments.Department", " DESC"}),
               "SELECT * FROM Item  ORDER BY Departments.Department DESC, [Kind]");
+    // A column among those that order a group comes first there; a sort may name several.
+    report.groups[1].order = "Item.Name, ISNULL(Item.SKU, 'a, b')";
+    report.query.sort["item.notes"] = "ISNULL(Item.SKU, 'a, b'), Code";
+    EXPECT_EQ(queryText(report, {"", "Item.Notes", " DESC"}),
+              "SELECT * FROM Item  ORDER BY Departments.Department, ISNULL(Item.SKU, 'a, b') DESC, Item.Name, Code DESC");
     report = reportOf("SELECT 1 AS A FROM Item WHERE TypeID <> 4{and}");
     EXPECT_EQ(queryText(report, {"where (A = 1) OR (B = 2)", "", ""}),
               "SELECT 1 AS A FROM Item WHERE TypeID <> 4 AND ((A = 1) OR (B = 2))");
