@@ -103,6 +103,9 @@ TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheTablesAndProceduresMadeSince) {
     makeStore();
     run(file, "DELETE FROM SchemaVersion WHERE Version > 1 INSERT INTO SchemaVersion (Version) VALUES (1) DROP PROCEDURE bsp_SubsGrid "
               "DROP TABLE PriceChangeItem DROP TABLE PriceChange");
+    run(file, "DROP TABLE LabelReports DELETE FROM reportfieldsmapping");
+    run(file, "ALTER TABLE reportfieldsmapping DROP CONSTRAINT DF_reportfieldsmapping_Position");
+    run(file, "ALTER TABLE reportfieldsmapping DROP COLUMN position");
     run(file, "DROP TRIGGER InventoryLedger_Insert ALTER TABLE InventoryLedger DROP COLUMN ReversesID");
     run(file,
         "INSERT INTO Item (SKU, MatrixSKU) VALUES ('a', 'a') INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea, Cost_wt, "
@@ -116,6 +119,10 @@ TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheTablesAndProceduresMadeSince) {
     run(file, "bsp_NewPriceChange 'a' INSERT INTO PriceChangeItem VALUES (1, 'a', 'a', 1, 1, 2, 3) EXEC bsp_PriceChangeItems 1");
     run(file, "bsp_UndoAdjustment 1"); // a movement of the older store can be taken back now
     run(file, "IF NOT EXISTS (SELECT * FROM InventoryLedger WHERE ReversesID = 1 AND QtyAfter = 0) RAISERROR('not undone', 16, 1)");
+    run(file, "IF NOT EXISTS (SELECT * FROM reportfieldsmapping WHERE reportname = 'DailySales' AND position = 1 AND dateconvert = 1) "
+              "RAISERROR('no criteria', 16, 1)");
+    run(file, "CREATE TABLE #r (Report varchar(255)) INSERT INTO #r EXEC sp_GetLabelRpt 'Roll, 1 1/2 x 1 in', 'PO #' "
+              "IF NOT EXISTS (SELECT * FROM #r WHERE Report = 'ItemRollSmallPO.rpt') RAISERROR('no labels', 16, 1)");
     EXPECT_FALSE(isOlderStore(folder / "none.store"));
 }
 

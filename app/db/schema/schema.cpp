@@ -74,6 +74,17 @@ std::string newTable(const std::string& table) {
     return "";
 }
 
+// What fills a table with the schema's first rows unless it has some. As a text within the batch, so that a column which the batch adds is
+// known by then.
+std::string firstRows(const std::string& table, std::string_view file) {
+    std::string rows;
+    for (const SchemaFile& one : schemaFiles())
+        if (one.name == file)
+            for (const char c : one.text)
+                rows += c == '\'' ? std::string("''") : std::string(1, c);
+    return "IF NOT EXISTS (SELECT * FROM " + table + ") EXEC ('" + rows + "')\n";
+}
+
 class Counter : public ResultSink {
 public:
     void beginSet(const std::vector<Column>&) override {}
@@ -122,14 +133,20 @@ void checkSchemaVersion(Session& session) {
 std::span<const UpgradeStep> upgradeSteps() {
     // Procedures and triggers are renewed by every upgrade: a step tells only what happens to tables and rows.
     static const std::string priceChanges = newTable("PriceChange") + newTable("PriceChangeItem");
+    // The last movement of an item by its posting; what the reports offer as criteria, and the label reports.
+    static const std::string fifth =
+        "IF NOT EXISTS (SELECT * FROM sys.indexes WHERE name = 'IX_InventoryLedger_Posting') "
+        "CREATE INDEX IX_InventoryLedger_Posting ON InventoryLedger (SKU, MatrixSKU, LedgerID)\n"
+        "IF COL_LENGTH('reportfieldsmapping', 'position') IS NULL ALTER TABLE reportfieldsmapping ADD position smallint NOT NULL "
+        "CONSTRAINT DF_reportfieldsmapping_Position DEFAULT 0\n" +
+        newTable("LabelReports") + firstRows("reportfieldsmapping", "rows/ReportFields.sql") +
+        firstRows("LabelReports", "rows/LabelReports.sql");
     static const std::array kSteps{
         UpgradeStep{2, ""},           // the procedures of item catalogue and stock
         UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
         // which movement takes back which
         UpgradeStep{4, "IF COL_LENGTH('InventoryLedger', 'ReversesID') IS NULL ALTER TABLE InventoryLedger ADD ReversesID int NULL"},
-        // the last movement of an item by its posting
-        UpgradeStep{5, "IF NOT EXISTS (SELECT * FROM sys.indexes WHERE name = 'IX_InventoryLedger_Posting') "
-                       "CREATE INDEX IX_InventoryLedger_Posting ON InventoryLedger (SKU, MatrixSKU, LedgerID)"},
+        UpgradeStep{5, fifth},
     };
     return kSteps;
 }

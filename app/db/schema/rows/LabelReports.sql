@@ -1,0 +1,22 @@
+-- Which report file prints labels of a size by a rule of quantity.
+INSERT INTO LabelReports (Printer, Quantity, Report, position) VALUES
+  ('Letter sheet, 30 labels of 2 5/8 x 1 in', 'Stock', 'ItemLabels30.rpt', 1),
+  ('Letter sheet, 30 labels of 2 5/8 x 1 in', 'Specific Quantity', 'ItemLabels30Qty.rpt', 2),
+  ('Letter sheet, 30 labels of 2 5/8 x 1 in', 'PO #', 'ItemLabels30PO.rpt', 3),
+  ('Letter sheet, 30 labels of 2 5/8 x 1 in', 'Receipt', 'ItemLabels30Rcpt.rpt', 4),
+  ('Letter sheet, 80 labels of 1 3/4 x 1/2 in', 'Stock', 'ItemLabels80.rpt', 5),
+  ('Letter sheet, 80 labels of 1 3/4 x 1/2 in', 'Specific Quantity', 'ItemLabels80Qty.rpt', 6),
+  ('Letter sheet, 80 labels of 1 3/4 x 1/2 in', 'PO #', 'ItemLabels80PO.rpt', 7),
+  ('Letter sheet, 80 labels of 1 3/4 x 1/2 in', 'Receipt', 'ItemLabels80Rcpt.rpt', 8),
+  ('A4 sheet, 24 labels of 70 x 37 mm', 'Stock', 'ItemLabelsA4.rpt', 9),
+  ('A4 sheet, 24 labels of 70 x 37 mm', 'Specific Quantity', 'ItemLabelsA4Qty.rpt', 10),
+  ('A4 sheet, 24 labels of 70 x 37 mm', 'PO #', 'ItemLabelsA4PO.rpt', 11),
+  ('A4 sheet, 24 labels of 70 x 37 mm', 'Receipt', 'ItemLabelsA4Rcpt.rpt', 12),
+  ('Roll, 2 1/4 x 1 1/4 in', 'Stock', 'ItemRollLarge.rpt', 13),
+  ('Roll, 2 1/4 x 1 1/4 in', 'Specific Quantity', 'ItemRollLargeQty.rpt', 14),
+  ('Roll, 2 1/4 x 1 1/4 in', 'PO #', 'ItemRollLargePO.rpt', 15),
+  ('Roll, 2 1/4 x 1 1/4 in', 'Receipt', 'ItemRollLargeRcpt.rpt', 16),
+  ('Roll, 1 1/2 x 1 in', 'Stock', 'ItemRollSmall.rpt', 17),
+  ('Roll, 1 1/2 x 1 in', 'Specific Quantity', 'ItemRollSmallQty.rpt', 18),
+  ('Roll, 1 1/2 x 1 in', 'PO #', 'ItemRollSmallPO.rpt', 19),
+  ('Roll, 1 1/2 x 1 in', 'Receipt', 'ItemRollSmallRcpt.rpt', 20)
