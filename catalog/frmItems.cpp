@@ -51,7 +51,8 @@ void frmItems::wireGeneral() {
     txtStockAmt.setToolTip(
         "Stock changes through Adjust. Leaving this field writes the figure shown, also when a register has sold meanwhile.");
     txtPriceAmt.money = true;
-    txtPriceAmt.setToolTip("The retail price. Type a plain number without a currency sign; anything else counts as 0.");
+    txtPriceAmt.setToolTip(
+        "The retail price. Type a plain number: what stands before a comma or the first other sign counts, 0 when that is nothing.");
     lblProfitPercent.setToolTip("Margin on the price, as it was when the item was opened");
     cmdDeleteItem.isDanger = true;
     lbxType.setToolTip(

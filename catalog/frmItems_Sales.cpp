@@ -183,6 +183,8 @@ void frmItems_Sales::cmdAdd_Click() {
         sale.SalePrice = Currency::fromInteger(1);
         sales_.push_back(std::move(sale));
         showGrid();
+        if (!wanted(sales_.back()))
+            grdSales.setStatusText("A sale was added that shows only while Current is ticked. Nothing is written before Save and Exit.");
         grdSales.setCurrent(grdSales.dataRows(), kDateFrom);
         grdSales.setFocus();
     });

@@ -85,7 +85,7 @@ void frmItems::Populate_FormData() {
         filled_ = true;
     });
     if (!whole)
-        desk().status("The item could not be read to its end. An item with a cost needs a price: give it one, and open the item again.");
+        desk().status("The item could not be read to its end. If it has a cost but no price, give it a price and open it again.");
     panel.refresh();
 }
 
