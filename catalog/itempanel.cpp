@@ -12,7 +12,6 @@ using db::Sql;
 
 namespace {
 
-constexpr Twips kWidth = 460 * kTwipsPerPixel;
 constexpr int kDaysShown = 365;
 constexpr int kDaysBetweenTicks = 73;
 enum Column { kDate, kType, kQty, kCost, kAverage, kBalance, kRow, kReverses };
@@ -73,10 +72,12 @@ void ItemPanel::toggle() {
 }
 
 void ItemPanel::present(bool on) {
+    const Twips before = form_.width(); // the window may grow as soon as the panel shows
     fraPanel.setVisible(on);
     form_.desk().remember("frmItems", "panel", on ? "shown" : "hidden");
-    if (form_.width() > 0)
-        form_.setSize(form_.width() + (on ? kWidth : -kWidth), form_.height());
+    if (before > 0)
+        form_.setSize(before + (on ? kWidth : -gained_), form_.height());
+    gained_ = on ? form_.width() - before : kWidth;
     if (on)
         refresh();
     else

@@ -34,6 +34,7 @@ public:
     ui::Button cmdPanel; // shows and hides it; stands on the screen
 
 private:
+    static constexpr ui::Twips kWidth = 460 * ui::kTwipsPerPixel;
     void present(bool on);
     void showPrices();
     void showStock();
@@ -49,6 +50,7 @@ private:
     ui::Button cmdHidePanel;
     ui::Button cmdUndo;
     db::RecordsetPtr movements_;
+    ui::Twips gained_ = kWidth; // by which the window grew for the panel; less where the screen ends
 };
 
 } // namespace merchantry::catalog

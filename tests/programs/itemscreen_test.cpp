@@ -77,11 +77,15 @@ TEST_F(ItemScreenTest, FitsASmallScreenAndLeavesNoRoomForAHiddenPanel) {
     EXPECT_LE(window().minimumSizeHint().width(), 800);
     EXPECT_LE(window().minimumSizeHint().height(), 600);
     EXPECT_EQ(window().width() - tabs.mapTo(&window(), QPoint(tabs.width(), 0)).x(), margin);
+    const int width = window().width();
     desk.enter([&] { ui::gestures::press(panel); });
     QCoreApplication::processEvents();
+    EXPECT_GT(window().width(), width);
     const QWidget& shown = *window().drawing(*form().find("fraPanel"))->widget();
     EXPECT_EQ(window().width() - shown.mapTo(&window(), QPoint(shown.width(), 0)).x(), margin);
     desk.enter([&] { ui::gestures::press(panel); });
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window().width(), width);
 }
 
 TEST_F(ItemScreenTest, ALongSalesMessageStandsWhole) {

@@ -257,10 +257,13 @@ void FormWindow::formChanged() {
         hide();
     }
     const QSize wanted = QSize(form_->width(), form_->height()) / kTwipsPerPixel;
-    if (settled_ && !placing_)
-        outer_->activate(); // what was hidden just now no longer holds the window wide
+    if (settled_ && !placing_) { // what was hidden just now no longer holds the window wide
+        if (content_->layout() != nullptr)
+            content_->layout()->activate();
+        outer_->activate();
+    }
     if (settled_ && !placing_ && embeddedIn_ == nullptr && wanted != size() && !wanted.isEmpty())
-        resize(wanted);
+        resize(wanted.boundedTo(screen()->availableSize()));
 }
 
 void FormWindow::focusChanged() {
