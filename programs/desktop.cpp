@@ -44,6 +44,7 @@ public:
         windows_.erase(&form);
     }
     void settle() override { QCoreApplication::processEvents(); }
+    const ui::TextMeasure* textMeasure() const override { return &painter_.textMeasure(); }
     void picture(Form& form, const std::string& name) override {
         FormWindow* window = windowOf(&form);
         if (window == nullptr || folder_.empty())

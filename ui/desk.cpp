@@ -3,6 +3,7 @@
 #include "base/platform/platform.h"
 #include "ui/form.h"
 #include "ui/frame.h"
+#include "ui/page.h"
 
 #include <algorithm>
 
@@ -123,6 +124,24 @@ void Desk::timerStarted(Timer& timer) {
 
 void Desk::timerStopped(Timer& timer) {
     disarmTimer(timer);
+}
+
+std::string Desk::defaultPrinter() {
+    const std::vector<std::string> all = printers();
+    return all.empty() ? "" : all.front();
+}
+
+std::optional<PrintChoice> Desk::printerSetup(const std::string& /*title*/, int /*pages*/) {
+    return std::nullopt;
+}
+
+std::unique_ptr<PageSink> Desk::pdf(const std::filesystem::path& /*file*/, const std::string& /*title*/) {
+    return nullptr;
+}
+
+const TextMeasure& Desk::textMeasure() const {
+    static const FixedMeasure letters;
+    return letters;
 }
 
 std::filesystem::path Desk::programFolder() const {

@@ -14,6 +14,8 @@
 namespace merchantry::ui {
 
 class Form;
+class PageSink;
+class TextMeasure;
 class Timer;
 
 enum class MessageIcon { None, Stop, Question, Exclamation, Information };
@@ -40,6 +42,13 @@ struct FileDialog {
     std::string filter;
     std::string folder;
     bool save = false;
+};
+
+// What the user chose in a print dialogue: the printer, made ready, and the pages, from 1.
+struct PrintChoice {
+    std::unique_ptr<PageSink> printer;
+    int first = 1;
+    int last = 1;
 };
 
 // Thrown where the program ends: through every procedure up to the desk's outermost loop, caught nowhere between.
@@ -115,6 +124,16 @@ public:
     // A table for the clipboard: the text with tabs between cells, and the same as HTML where something takes that.
     virtual void copyTable(const std::string& text, const std::string& /*html*/) { copyText(text); }
     virtual std::vector<std::string> printers() = 0;
+    // The printer that is taken when none is chosen; empty when there is none. A print dialogue makes the chosen one the default.
+    virtual std::string defaultPrinter();
+    // Nothing happens for a name that is empty or no printer's.
+    virtual void setDefaultPrinter(const std::string& /*printer*/) {}
+    // The print dialogue for so many pages; nothing when it was cancelled.
+    virtual std::optional<PrintChoice> printerSetup(const std::string& title, int pages);
+    // A PDF to be made in place of the file; null where pages cannot be drawn.
+    virtual std::unique_ptr<PageSink> pdf(const std::filesystem::path& file, const std::string& title);
+    // How wide texts on pages will be drawn: letters of one width where nothing is drawn.
+    virtual const TextMeasure& textMeasure() const;
     // Shown in the status bar of the main window; empty takes it away.
     virtual void status(const std::string& text) = 0;
 

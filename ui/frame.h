@@ -21,7 +21,7 @@ private:
     std::string caption_;
 };
 
-// How far a long work is, from 0 to most.
+// How far a long work is, from 0 to most; with most 0 it is at work and nobody knows how far.
 class ProgressBar : public Control {
 public:
     ProgressBar(Form& form, std::string name) : Control(form, std::move(name)) {}
@@ -55,14 +55,6 @@ public:
 
 private:
     bool running_ = false;
-};
-
-// Where a report's pages are shown. Its content is the report window's own; here it only has its place.
-class ReportView : public Control {
-public:
-    ReportView(Form& form, std::string name) : Control(form, std::move(name)) {}
-    Role role() const override { return Role::ReportView; }
-    bool takesFocus() const override { return true; }
 };
 
 } // namespace merchantry::ui

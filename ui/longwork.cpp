@@ -6,6 +6,7 @@
 #include "ui/frame.h"
 #include "ui/label.h"
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 
@@ -24,8 +25,9 @@ public:
         cmdStop.click = [this] { stopped = true; };
         setLayout(column({at(lblWhat).wide(56), at(prgWork), buttons({stretch(), at(cmdStop)})}));
     }
-    void work(const std::string& what, const std::function<int()>& oneStep) {
+    void work(const std::string& what, const std::function<int()>& oneStep, const std::function<std::string()>& words) {
         step_ = oneStep;
+        words_ = words;
         lblWhat.setCaption(what);
         desk().showModal(*this);
         if (failure)
@@ -39,7 +41,9 @@ private:
         try {
             for (int done = 0; !stopped && done < kDone;) {
                 done = step_();
-                prgWork.set(done);
+                prgWork.set(std::max(0, done), done < 0 ? 0 : kDone);
+                if (words_)
+                    lblWhat.setCaption(words_());
                 desk().yield();
             }
         } catch (const std::exception&) {
@@ -58,17 +62,18 @@ private:
     ProgressBar prgWork{*this, "prgWork"};
     Button cmdStop{*this, "cmdStop", "&Stop"};
     std::function<int()> step_;
+    std::function<std::string()> words_;
     bool finished_ = false;
 };
 
 } // namespace
 
-bool longWork(Desk& desk, const std::string& what, const std::function<int()>& step) {
+bool longWork(Desk& desk, const std::string& what, const std::function<int()>& step, const std::function<std::string()>& words) {
     for (const auto end = SteadyClock::now() + kMoment; SteadyClock::now() < end;)
         if (step() >= kDone)
             return true;
     auto& progress = desk.newForm<frmProgress>();
-    progress.work(what, step);
+    progress.work(what, step, words);
     return !progress.stopped;
 }
 

@@ -55,6 +55,23 @@ public:
     virtual Page page(int number) const = 0;
 };
 
+// A place of a report's group tree: a header and the page that it stands on, from 0.
+struct PageBranch {
+    std::string text;
+    int level = 0;
+    int page = 0;
+};
+
+// Where pages are put one after the other: a printer, a file. Gone unfinished it leaves nothing behind that was not there before; what a
+// printer has taken is the printer's.
+class PageSink {
+public:
+    virtual ~PageSink() = default;
+    // Throws std::runtime_error with a sentence for the user.
+    virtual void put(const Page& page) = 0;
+    virtual void finish() = 0;
+};
+
 // How wide a text will be drawn. The desktop measures with its fonts, a test with letters of one width.
 class TextMeasure {
 public:

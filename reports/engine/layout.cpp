@@ -83,7 +83,7 @@ public:
     Filler(const Layout& layout, ui::Page* page, int number) : layout_(layout), page_(page), number_(number) {}
 
     // False when this was the last page.
-    bool fill(Start& at, std::vector<TreeEntry>* tree) {
+    bool fill(Start& at, std::vector<ui::PageBranch>* tree) {
         bottom_ = layout_.paperHeight_ - kMargin - layout_.height(kFootSize);
         head();
         if (number_ == 0 && !first())
@@ -285,7 +285,7 @@ private:
     }
 
     // Lines until the page is full, false then.
-    bool rows(Start& at, std::vector<TreeEntry>* tree) {
+    bool rows(Start& at, std::vector<ui::PageBranch>* tree) {
         bool any = false;
         std::vector<std::string> above;
         while (const auto kind = at.walk.peek()) {
@@ -304,7 +304,7 @@ private:
         }
         return true;
     }
-    void opened(Start& at, const Band& header, std::vector<TreeEntry>* tree) const {
+    void opened(Start& at, const Band& header, std::vector<ui::PageBranch>* tree) const {
         at.open.resize(static_cast<std::size_t>(header.group));
         at.open.push_back(header.label);
         if (tree != nullptr && !header.label.empty())

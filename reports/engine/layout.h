@@ -17,13 +17,6 @@ struct PageHead {
     Date made;
 };
 
-// A place of the group tree: a header and the page that it stands on, from 0.
-struct TreeEntry {
-    std::string text;
-    int level = 0;
-    int page = 0;
-};
-
 // Lays a report out on pages. Only where each page begins is kept; a page is made when it is asked for and owned by the caller.
 // Borrows outline and measure, which must outlive it.
 class Layout : public ui::Pages {
@@ -34,7 +27,7 @@ public:
     bool layOut(int pages);
     bool complete() const override { return complete_; }
     int count() const override { return static_cast<int>(starts_.size()); }
-    const std::vector<TreeEntry>& tree() const { return tree_; }
+    const std::vector<ui::PageBranch>& tree() const { return tree_; }
     // "Page n of m" has its m once all pages are laid out.
     ui::Page page(int number) const override;
 
@@ -70,7 +63,7 @@ private:
     int headingLines_ = 1;
     bool wraps_ = false;
     std::vector<Start> starts_;
-    std::vector<TreeEntry> tree_;
+    std::vector<ui::PageBranch> tree_;
     bool complete_ = false;
 };
 

@@ -37,6 +37,7 @@ public:
         windows_.erase(&form);
     }
     void settle() override { QCoreApplication::processEvents(); }
+    const ui::TextMeasure* textMeasure() const override { return &painter_.textMeasure(); }
     void picture(Form& form, const std::string& name) override {
         FormWindow* const window = windowOf(&form);
         ASSERT_NE(window, nullptr) << name;

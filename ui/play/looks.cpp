@@ -8,6 +8,7 @@
 #include "ui/label.h"
 #include "ui/list.h"
 #include "ui/menu.h"
+#include "ui/reportview.h"
 #include "ui/tabset.h"
 #include "ui/textbox.h"
 
@@ -64,6 +65,17 @@ void collectTexts(const Item& item, std::vector<std::string>& texts) {
             collectTexts(item.children()[i], texts);
 }
 
+// The texts of the page looked at, one below the other.
+std::string pageText(const ReportView& view) {
+    if (view.page() == 0)
+        return "";
+    const Page page = view.pages()->page(view.page() - 1);
+    std::string text;
+    for (const PageItem* item : readingOrder(page))
+        text += (text.empty() ? "" : "\n") + item->text;
+    return text;
+}
+
 } // namespace
 
 std::optional<std::string> shownText(const Target& target) {
@@ -74,6 +86,8 @@ std::optional<std::string> shownText(const Target& target) {
         return tabs->captions().at(static_cast<std::size_t>(tabs->current()));
     if (const auto* bar = dynamic_cast<const ProgressBar*>(&control))
         return std::to_string(bar->value());
+    if (const auto* view = dynamic_cast<const ReportView*>(&control))
+        return pageText(*view);
     if (const auto* chart = dynamic_cast<const Chart*>(&control))
         return chart->text();
     if (auto text = readAs<TextBox, ListBox, ComboBox>(control, [](const auto& box) { return box.text(); }))

@@ -2,6 +2,7 @@
 
 #include "ui/form.h"
 #include "ui/frame.h"
+#include "ui/page.h"
 #include "ui/play/script.h"
 
 #include <algorithm>
@@ -96,6 +97,38 @@ std::optional<std::filesystem::path> PlayDesk::file(const FileDialog& dialog) {
 void PlayDesk::beep() {
     doings.beeped = true;
     transcript_.event("beep");
+}
+
+namespace {
+
+// Paper of which only the transcript tells.
+class ToldPaper : public PageSink {
+public:
+    ToldPaper(Transcript& transcript, std::string title) : transcript_(transcript), title_(std::move(title)) {}
+    void put(const Page&) override { ++pages_; }
+    void finish() override {
+        transcript_.event("paper " + inQuotes(title_) + " " + std::to_string(pages_) + (pages_ == 1 ? " page" : " pages"));
+    }
+
+private:
+    Transcript& transcript_;
+    std::string title_;
+    int pages_ = 0;
+};
+
+} // namespace
+
+void PlayDesk::setDefaultPrinter(const std::string& printer) {
+    transcript_.event("default printer " + inQuotes(printer));
+}
+
+std::optional<PrintChoice> PlayDesk::printerSetup(const std::string& title, int pages) {
+    return PrintChoice{std::make_unique<ToldPaper>(transcript_, title), 1, pages};
+}
+
+const TextMeasure& PlayDesk::textMeasure() const {
+    const TextMeasure* drawn = stage_ == nullptr ? nullptr : stage_->textMeasure();
+    return drawn == nullptr ? Desk::textMeasure() : *drawn;
 }
 
 void PlayDesk::browse(const std::string& topic) {

@@ -20,6 +20,8 @@ public:
     virtual void settle() = 0;
     // Leaves a picture of the form's window under that name.
     virtual void picture(Form& form, const std::string& name) = 0;
+    // How wide it draws the texts of pages; null when it draws none.
+    virtual const TextMeasure* textMeasure() const { return nullptr; }
 };
 
 struct PrintedReport {
@@ -84,6 +86,10 @@ public:
     void browse(const std::string& topic) override;
     void copyText(const std::string& text) override { clipboard = text; }
     std::vector<std::string> printers() override { return {"PDF"}; }
+    void setDefaultPrinter(const std::string& printer) override;
+    // All pages, onto paper that only the transcript sees.
+    std::optional<PrintChoice> printerSetup(const std::string& title, int pages) override;
+    const TextMeasure& textMeasure() const override;
     void status(const std::string& text) override { statusText = text; }
     // For the length of the play, as its one user.
     std::string remembered(const std::string& form, const std::string& what) override { return kept_[{form, what}]; }

@@ -6,6 +6,7 @@
 #include "ui/qt/roles.h"
 #include "ui/qt/skin.h"
 #include "ui/qt/texts.h"
+#include "ui/reportview.h"
 
 #include <QFontMetrics>
 #include <QLabel>

@@ -36,31 +36,13 @@ public:
     void refresh(Aspect aspect) override {
         if (aspect != Aspect::Text)
             return;
-        shown().setRange(0, std::max(bar_.most(), 1));
+        shown().setRange(0, bar_.most());
         shown().setValue(bar_.value());
     }
 
 private:
     QProgressBar& shown() { return *static_cast<QProgressBar*>(widget_); }
     ProgressBar& bar_;
-};
-
-// The place of a report's pages, filled by whoever draws them.
-class ReportViewDrawing : public Drawing {
-public:
-    ReportViewDrawing(FormWindow& host, ReportView& view, QWidget* parent) : Drawing(host, view, new QFrame(parent)) {
-        setLook(*widget_, "panel");
-        widget_->setMinimumSize(480, 320);
-        widget_->setFocusPolicy(Qt::StrongFocus);
-        auto* inside = new QVBoxLayout(widget_);
-        inside->setContentsMargins(1, 1, 1, 1);
-        if (host.desk().reportContent)
-            inside->addWidget(host.desk().reportContent(view));
-        host.watch(*widget_, view);
-    }
-    bool wide() const override { return true; }
-    bool tall() const override { return true; }
-    void refresh(Aspect) override {}
 };
 
 class NoDrawing : public Drawing {
@@ -102,10 +84,6 @@ Drawn drawFrame(FormWindow& host, Frame& frame, QWidget* parent) {
 
 Drawn drawProgress(FormWindow& host, ProgressBar& bar, QWidget* parent) {
     return std::make_unique<ProgressDrawing>(host, bar, parent);
-}
-
-Drawn drawReportView(FormWindow& host, ReportView& view, QWidget* parent) {
-    return std::make_unique<ReportViewDrawing>(host, view, parent);
 }
 
 Drawn drawNothing(FormWindow& host, Control& control, QWidget* parent) {

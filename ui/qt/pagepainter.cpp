@@ -12,6 +12,7 @@
 
 #include <array>
 #include <memory>
+#include <stdexcept>
 
 namespace merchantry::ui {
 namespace {
@@ -156,6 +157,48 @@ void paintItem(QPainter& painter, const PageItem& item, Fonts& fonts) {
     }
 }
 
+class PdfFile : public PageSink {
+public:
+    PdfFile(const QString& file, const QString& title) : out_(file) {
+        if (!out_.open(QIODevice::WriteOnly))
+            throw std::runtime_error(fromQt(QStringLiteral("The file %1 cannot be written: %2").arg(out_.fileName(), out_.errorString())));
+        writer_ = std::make_unique<QPdfWriter>(&out_);
+        writer_->setResolution(kPdfResolution);
+        writer_->setTitle(title);
+        writer_->setCreator(QStringLiteral("Merchantry"));
+        writer_->setPageMargins(QMarginsF(0, 0, 0, 0));
+    }
+    ~PdfFile() override {
+        close();
+        out_.cancelWriting(); // no file comes of it, unless it is finished already
+    }
+    void put(const Page& page) override {
+        writer_->setPageSize(QPageSize(QSizeF(page.width / kTwipsPerPoint, page.height / kTwipsPerPoint), QPageSize::Point));
+        if (painter_.isActive())
+            writer_->newPage();
+        else
+            painter_.begin(writer_.get());
+        paintPage(painter_, page);
+    }
+    void finish() override {
+        close();
+        if (!out_.commit())
+            throw std::runtime_error(
+                fromQt(QStringLiteral("The file %1 could not be written: %2").arg(out_.fileName(), out_.errorString())));
+    }
+
+private:
+    void close() {
+        if (painter_.isActive())
+            painter_.end();
+        writer_.reset();
+    }
+
+    QSaveFile out_;
+    std::unique_ptr<QPdfWriter> writer_;
+    QPainter painter_;
+};
+
 } // namespace
 
 // Sizes are pixels of the painter's coordinates, which are twips.
@@ -207,34 +250,23 @@ void paintPage(QPainter& painter, const Page& page) {
     painter.restore();
 }
 
+std::unique_ptr<PageSink> pdfFile(const QString& file, const QString& title) {
+    return std::make_unique<PdfFile>(file, title);
+}
+
 QString writePdf(const QString& file, const QString& title, const Pages& pages, const std::function<bool(int done)>& goOn) {
-    QSaveFile out(file);
-    if (!out.open(QIODevice::WriteOnly))
-        return QStringLiteral("The file %1 cannot be written: %2").arg(file, out.errorString());
-    {
-        QPdfWriter writer(&out);
-        writer.setResolution(kPdfResolution);
-        writer.setTitle(title);
-        writer.setCreator(QStringLiteral("Merchantry"));
-        writer.setPageMargins(QMarginsF(0, 0, 0, 0));
-        QPainter painter;
+    try {
+        const auto pdf = pdfFile(file, title);
         for (int number = 0; number < pages.count(); ++number) {
-            const Page next = pages.page(number);
-            writer.setPageSize(QPageSize(QSizeF(next.width / kTwipsPerPoint, next.height / kTwipsPerPoint), QPageSize::Point));
-            if (number == 0)
-                painter.begin(&writer);
-            else
-                writer.newPage();
-            paintPage(painter, next);
-            if (goOn && !goOn(number + 1)) {
-                painter.end();
-                out.cancelWriting();
+            pdf->put(pages.page(number));
+            if (goOn && !goOn(number + 1))
                 return QStringLiteral("Stopped: nothing was written.");
-            }
         }
-        painter.end();
+        pdf->finish();
+    } catch (const std::runtime_error& failure) {
+        return QString::fromUtf8(failure.what());
     }
-    return out.commit() ? QString() : QStringLiteral("The file %1 could not be written: %2").arg(file, out.errorString());
+    return {};
 }
 
 } // namespace merchantry::ui

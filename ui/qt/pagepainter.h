@@ -10,6 +10,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <memory>
 
 namespace merchantry::ui {
 
@@ -42,8 +43,11 @@ private:
 // Draws a page; the painter's coordinates are twips then, and as before behind it.
 void paintPage(QPainter& painter, const Page& page);
 
-// Writes pages into a PDF with its fonts inside and its text as text. The file appears whole or not at all; a sentence tells what went
-// wrong, empty when nothing did. False from `goOn` stops it.
+// A PDF with its fonts inside and its text as text, one page put after the other. The file appears whole when it is finished. Throws
+// std::runtime_error when it cannot be written.
+std::unique_ptr<PageSink> pdfFile(const QString& file, const QString& title);
+
+// Writes all pages into a PDF; a sentence tells what went wrong, empty when nothing did. False from `goOn` stops it.
 QString writePdf(const QString& file, const QString& title, const Pages& pages, const std::function<bool(int done)>& goOn);
 
 } // namespace merchantry::ui

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/desk.h"
+#include "ui/qt/pagepainter.h"
 #include "ui/qt/skin.h"
 
 #include <QObject>
@@ -19,7 +20,6 @@ class QWidget;
 namespace merchantry::ui {
 
 class FormWindow;
-class ReportView;
 
 // The desktop: draws forms as windows and asks the user. One stands for the whole life of a program, made after the QApplication and
 // gone before it. It owns the windows; forms belong to the desk as always.
@@ -52,9 +52,6 @@ public:
 
     // The window of a form; null when it has none.
     FormWindow* window(const Form& form) const;
-    // Makes the widget that fills a report view; asked once per view. The view's window takes it over.
-    std::function<QWidget*(ReportView&)> reportContent;
-
     using Desk::message;
     Answer message(const Message& message) override;
     std::optional<std::string> input(const Input& input) override;
@@ -66,6 +63,11 @@ public:
     void copyText(const std::string& text) override;
     void copyTable(const std::string& text, const std::string& html) override;
     std::vector<std::string> printers() override;
+    std::string defaultPrinter() override;
+    void setDefaultPrinter(const std::string& printer) override;
+    std::optional<PrintChoice> printerSetup(const std::string& title, int pages) override;
+    std::unique_ptr<PageSink> pdf(const std::filesystem::path& file, const std::string& title) override;
+    const TextMeasure& textMeasure() const override { return measure_; }
     void status(const std::string& text) override;
     std::string remembered(const std::string& form, const std::string& what) override;
     void remember(const std::string& form, const std::string& what, const std::string& text) override;
@@ -101,9 +103,11 @@ private:
     std::vector<Loop> loops_;
     std::optional<ProcessEnd> end_;
     std::string status_;
-    QObject here_;  // what is put off ends with it
-    int depth_ = 0; // procedures that are running
-    int base_ = 0;  // 1 while the loop of run() is the outermost: its own procedure and loop hold no form
+    QtTextMeasure measure_;
+    std::optional<std::string> defaultPrinter_; // once the program has changed it; the system's own until then
+    QObject here_;                              // what is put off ends with it
+    int depth_ = 0;                             // procedures that are running
+    int base_ = 0;                              // 1 while the loop of run() is the outermost: its own procedure and loop hold no form
     bool sweeping_ = false;
     int waits_ = 0;
     int loopsRun_ = 0;

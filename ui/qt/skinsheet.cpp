@@ -44,6 +44,13 @@ QListView[look="list"]::item, QComboBox QAbstractItemView::item { min-height: 28
 QListView[look="list"]::item:hover, QComboBox QAbstractItemView::item:hover { background: {head}; color: {ink}; }
 QListView[look="list"]::item:selected, QComboBox QAbstractItemView::item:selected { background: {soft}; color: {ink}; }
 
+QTreeView[look="reporttree"] { background: {panel}; color: {ink}; border: none; border-right: 1px solid {line}; padding: 6px;
+  show-decoration-selected: 0; }
+QTreeView[look="reporttree"]::item { min-height: 26px; padding: 0 4px; border-radius: 4px; }
+QTreeView[look="reporttree"]::item:hover { background: {head}; color: {ink}; }
+QTreeView[look="reporttree"]::item:selected { background: {soft}; color: {ink}; }
+QSplitter::handle { background: transparent; }
+
 QPushButton { background: {panel}; color: {ink}; border: 1px solid {line}; border-radius: 6px; padding: 0 15px; min-height: 30px; }
 QPushButton:hover { background: {soft}; border-color: {accent}; }
 QPushButton:pressed { background: {line}; }

@@ -117,7 +117,7 @@ TEST_F(Layouts, EveryRowStandsOnOnePageAndPagesCanBeDrawnInAnyOrder) {
     EXPECT_NE(pages[1].find("(continued)"), std::string::npos);
     EXPECT_NE(pages.back().find("$1,000.00"), std::string::npos) << pages.back();
     // A header never stands last on its page.
-    for (const TreeEntry& entry : layout->tree()) {
+    for (const ui::PageBranch& entry : layout->tree()) {
         const std::string& page = pages[static_cast<std::size_t>(entry.page)];
         EXPECT_NE(page.find("Item1", page.find(entry.text)), std::string::npos) << entry.text << "\n" << page;
     }
