@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace merchantry::app {
 
@@ -24,8 +25,13 @@ struct Doors {
     std::function<void()> ItemMatrixLookup;
     // frmReportCriteria: the criteria of the report with this key.
     std::function<void(const std::string& reportKey)> ReportCriteria;
-    // frmReport_Generate: a report file by its full path, shown not modally.
-    std::function<void(const std::string& path)> GenerateFromRpt;
+    // frmReport_Generate.CustomGenerate: a report file of the user's own by its full path, shown not modally.
+    std::function<void(const std::string& path)> CustomReport;
+    // frmReport_Generate.GenerateFromRpt: a file of the report folder ("PurchaseOrder.rpt") with its parameters from number 1 on, with or
+    // without the viewer tools.
+    std::function<void(const std::string& file, const std::vector<std::string>& parameters, bool tools, bool modal)> ReportWindow;
+    // frmViewer: the same, modal, under a title.
+    std::function<void(const std::string& file, const std::vector<std::string>& parameters, const std::string& title)> ReportViewer;
     // frmItems_SalesMsg: mode 1 picks ("message|id", empty when none), any other maintains.
     std::function<std::string(int mode)> SalesMessages;
     // frmInventory_Adjust for the item with this key and name.

@@ -270,7 +270,8 @@ void frmMain::mnuCustomReport_Click() {
             break;
         desk().message("Custom reports are not allowed in this directory", kProduct, MessageIcon::Information);
     }
-    const auto& generate = modMain().doors.GenerateFromRpt;
+    desk().yield();
+    const auto& generate = modMain().doors.CustomReport;
     if (generate)
         generate(path.string());
     else

@@ -6,8 +6,10 @@
 #include "app/doors.h"
 #include "app/failure.h"
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace merchantry::app {
 
@@ -33,6 +35,9 @@ struct ModMain {
     std::string CurrentItemName;
 
     db::RecordsetPtr ReportRS; // of the report being shown
+
+    // Called with each report file that is run and its numbered parameters. For scripts that look on.
+    std::function<void(const std::string& file, const std::vector<std::string>& parameters)> reportOpened;
 
     // What the program composed before its start: the desk, the provider of sessions, the doors between screens.
     ui::Desk* desk = nullptr;

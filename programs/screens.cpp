@@ -26,6 +26,10 @@
 #include "inventory/frmStockProof.h"
 #include "purchasing/frmSuppliers.h"
 #include "purchasing/frmSuppliers_Info.h"
+#include "reports/frmOrphanedItems.h"
+#include "reports/frmReportCriteria.h"
+#include "reports/frmReport_Generate.h"
+#include "reports/frmViewer.h"
 
 namespace merchantry::programs {
 namespace {
@@ -62,7 +66,19 @@ constexpr Screen kScreens[] = {
     {"frmPriceTiers", instanceOf<catalog::frmPriceTiers>, true},
     {"frmSuppliers", instanceOf<purchasing::frmSuppliers>, true},
     {"frmSuppliers_Info", instanceOf<purchasing::frmSuppliers_Info>, false},
+    {"frmReportCriteria", instanceOf<reports::frmReportCriteria>, false},
+    {"frmReport_Generate", instanceOf<reports::frmReport_Generate>, false},
+    {"frmViewer", instanceOf<reports::frmViewer>, false},
+    {"frmOrphanedItems", instanceOf<reports::frmOrphanedItems>, false},
 };
+
+// A file of the report folder with its parameters; null when it cannot be opened, which was said.
+reports::RptFilePtr preparedReport(ui::Desk& desk, const std::string& file, const std::vector<std::string>& parameters) {
+    const auto report = reports::openReport(desk, reports::reportFolder(desk) / file);
+    for (std::size_t i = 0; report != nullptr && i < parameters.size(); ++i)
+        report->setParameter(i + 1, parameters[i]);
+    return report;
+}
 
 } // namespace
 
@@ -97,6 +113,33 @@ void bindDoors(ui::Desk& desk) {
     };
     doors.SalesMessages = [&desk](int mode) { return desk.form<frmItems_SalesMsg>().ShowForm(mode); };
     doors.ItemSales = [&desk] { desk.showModal(desk.form<frmItems_Sales>()); };
+    doors.ReportCriteria = [&desk](const std::string& key) { desk.form<reports::frmReportCriteria>().LoadForm(key); };
+    doors.CustomReport = [&desk](const std::string& file) {
+        auto& window = desk.newForm<reports::frmReport_Generate>();
+        window.CustomGenerate(file);
+        desk.show(window);
+    };
+    doors.ReportWindow = [&desk](const std::string& file, const std::vector<std::string>& parameters, bool tools, bool modal) {
+        const auto report = preparedReport(desk, file, parameters);
+        if (report == nullptr)
+            return;
+        auto& window = desk.newForm<reports::frmReport_Generate>();
+        window.GenerateFromRpt(report);
+        window.ViewerTools = tools;
+        if (modal)
+            desk.showModal(window);
+        else
+            desk.show(window);
+    };
+    doors.ReportViewer = [&desk](const std::string& file, const std::vector<std::string>& parameters, const std::string& title) {
+        const auto report = preparedReport(desk, file, parameters);
+        if (report == nullptr)
+            return;
+        auto& window = desk.newForm<reports::frmViewer>();
+        window.Report = report;
+        window.Title = title;
+        desk.showModal(window);
+    };
     doors.ShowScreen = [&desk](const std::string& form) {
         for (const Screen& screen : kScreens) {
             if (!screen.command || form != screen.name)

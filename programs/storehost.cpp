@@ -72,6 +72,9 @@ void StoreHost::start(ui::play::PlayDesk& desk, const ui::play::StartUp& startUp
     session.desk = &desk;
     session.provider = std::make_unique<db::Provider>(&desk.clock());
     session.provider->statementSent = [&desk](const std::string& statement) { desk.statementSent(statement); };
+    session.reportOpened = [&desk](const std::string& file, const std::vector<std::string>& parameters) {
+        desk.reportOpened(file, parameters);
+    };
     session.configFile = folder_ / "databases.toml";
     session.storeMaker = storeMaker();
     app::ConfigStore configurations(session.configFile);

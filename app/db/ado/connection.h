@@ -23,6 +23,8 @@ public:
     // 0 closed, 1 open.
     int State() const { return session_ != nullptr ? 1 : 0; }
     const std::string& ConnectionString() const { return connectionString_; }
+    // Seconds that a statement may take, 0 for no limit. A store in a file sets no limit of its own.
+    int CommandTimeout = 30;
 
     // Runs the statement; the first set of rows as a static, read-only recordset (closed when the statement gives none).
     RecordsetPtr Execute(const Sql& statement);

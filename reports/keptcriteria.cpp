@@ -1,0 +1,72 @@
+#include "reports/keptcriteria.h"
+
+#include "base/platform/platform.h"
+#include "base/text.h"
+#include "reports/conditions.h"
+
+#include <algorithm>
+#include <sstream>
+#include <toml.hpp>
+
+namespace merchantry::reports {
+
+CriteriaStore::CriteriaStore(std::filesystem::path file) : file_(std::move(file)) {
+    if (!std::filesystem::exists(file_))
+        return;
+    try {
+        const toml::value root = toml::parse(file_.string());
+        for (const toml::value& table : toml::find<std::vector<toml::value>>(root, "Criteria")) {
+            KeptCriteria one{toml::find<std::string>(table, "Report"),
+                             toml::find<std::string>(table, "Name"),
+                             toml::find<std::vector<std::string>>(table, "Conditions"),
+                             toml::find<std::vector<std::string>>(table, "Shown"),
+                             toml::find<std::string>(table, "SortBy"),
+                             toml::find<bool>(table, "Ascending")};
+            if (one.sql.size() != one.display.size() || one.sql.size() > Criteria::kMost)
+                throw std::runtime_error("too many conditions");
+            all_.push_back(std::move(one));
+        }
+    } catch (const std::exception&) {
+        throw std::runtime_error("The file of kept criteria, " + file_.string() + ", cannot be read. It stays as it is.");
+    }
+}
+
+std::vector<KeptCriteria> CriteriaStore::of(const std::string& reportKey) const {
+    std::vector<KeptCriteria> found;
+    std::copy_if(all_.begin(), all_.end(), std::back_inserter(found), [&](const KeptCriteria& one) { return one.reportKey == reportKey; });
+    std::sort(found.begin(), found.end(),
+              [](const KeptCriteria& a, const KeptCriteria& b) { return lowerCase(a.name) < lowerCase(b.name); });
+    return found;
+}
+
+void CriteriaStore::erase(const std::string& reportKey, const std::string& name) {
+    std::erase_if(all_, [&](const KeptCriteria& one) { return one.reportKey == reportKey && lowerCase(one.name) == lowerCase(name); });
+}
+
+void CriteriaStore::put(const KeptCriteria& criteria) {
+    erase(criteria.reportKey, criteria.name);
+    all_.push_back(criteria);
+    save();
+}
+
+void CriteriaStore::remove(const std::string& reportKey, const std::string& name) {
+    erase(reportKey, name);
+    save();
+}
+
+void CriteriaStore::save() const {
+    toml::array tables;
+    for (const KeptCriteria& one : all_)
+        tables.push_back(toml::table{{"Report", one.reportKey},
+                                     {"Name", one.name},
+                                     {"Conditions", one.sql},
+                                     {"Shown", one.display},
+                                     {"SortBy", one.sortBy},
+                                     {"Ascending", one.ascending}});
+    std::ostringstream text;
+    text << toml::value(toml::table{{"Criteria", tables}});
+    std::filesystem::create_directories(file_.parent_path());
+    platform::replaceFile(file_, text.str(), true);
+}
+
+} // namespace merchantry::reports

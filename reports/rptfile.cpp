@@ -1,0 +1,99 @@
+#include "reports/rptfile.h"
+
+#include "app/modMain.h"
+#include "reports/aside.h"
+
+namespace merchantry::reports {
+namespace {
+
+Definition definitionAt(const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored))
+        throw ReportNotFound();
+    return readDefinition(path);
+}
+
+// A session of the report's own: what else the program does goes on meanwhile.
+std::unique_ptr<db::Session> ownSession() {
+    app::ModMain& session = app::modMain();
+    return session.provider->open(session.Conn->ConnectionString());
+}
+
+// Counts what it is given and keeps nothing.
+class Counter : public db::ResultSink {
+public:
+    explicit Counter(AsideState& state) : state_(state) {}
+    void beginSet(const std::vector<db::Column>&) override { ++sets_; }
+    void row(const db::RowView&) override {
+        if (sets_ == 1)
+            ++state_.rows;
+    }
+
+private:
+    AsideState& state_;
+    int sets_ = 0;
+};
+
+} // namespace
+
+RptFile::RptFile(std::filesystem::path path) : path_(std::move(path)), definition_(definitionAt(path_)) {}
+
+void RptFile::setParameter(std::size_t number, const std::string& value) {
+    if (parameters_.size() < number)
+        parameters_.resize(number);
+    parameters_[number - 1] = value;
+}
+
+std::unique_ptr<Report> RptFile::run(ui::Desk& desk) const {
+    if (const auto& opened = app::modMain().reportOpened)
+        opened(path_.filename().string(), parameters_);
+    const auto session = ownSession();
+    std::unique_ptr<Report> report;
+    const bool ended = runAside(
+        desk, "Reading \"" + title() + "\" …",
+        [&](AsideState& state) {
+            report = Report::run(*session, definition_, parameters_, criteria, [&state](int rows) {
+                state.rows = rows;
+                return !state.stop;
+            });
+        },
+        [&session] { session->cancel(); });
+    return ended ? std::move(report) : nullptr;
+}
+
+std::optional<int> RptFile::countRows(ui::Desk& desk) const {
+    const auto session = ownSession();
+    const std::string statement = queryText(definition_, parameters_);
+    session->setReadOnly(true);
+    int rows = 0;
+    const bool ended = runAside(
+        desk, "Counting the rows of \"" + title() + "\" …",
+        [&](AsideState& state) {
+            Counter counter(state);
+            session->execute(statement, counter);
+            rows = state.rows;
+        },
+        [&session] { session->cancel(); });
+    return ended ? std::optional(rows) : std::nullopt;
+}
+
+std::filesystem::path reportFolder(const ui::Desk& desk) {
+    return desk.programFolder() / "Reports";
+}
+
+std::string openFailure(const std::filesystem::path& path, const std::exception& error) {
+    if (dynamic_cast<const ReportNotFound*>(&error) != nullptr)
+        return "Report file " + path.string() + " was not found. Please ensure the file is in the folder and generate the report again.";
+    return std::string(error.what()) + " Please contact technical support";
+}
+
+RptFilePtr openReport(ui::Desk& desk, const std::filesystem::path& path) {
+    try {
+        return std::make_shared<RptFile>(path);
+    } catch (const std::exception& error) {
+        desk.message(openFailure(path, error), kProduct);
+        return nullptr;
+    }
+}
+
+} // namespace merchantry::reports
