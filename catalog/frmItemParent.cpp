@@ -117,6 +117,7 @@ void frmItemParent::UpdateParent(const std::string& SKUPair) {
 void frmItemParent::Form_Load() {
     resizer_.Initialize(*this);
     guarded({kTag, "Form_Load"}, [this] { load(); });
+    showing_ = false; // also when what was to be shown could not be read
 }
 
 void frmItemParent::load() {
@@ -134,7 +135,6 @@ void frmItemParent::load() {
     dcxDepartment.fill(*departments_, "Department");
     showDepartment();
     showSalesMessage();
-    showing_ = false;
     lblHeading.setCaption(txtField0.text().empty() ? sku_ : txtField0.text());
     loadChildren("");
 }
