@@ -208,6 +208,8 @@ QFont pageFont(int halfPoints, bool bold) {
     font.setPixelSize(static_cast<int>(halfPoints * kTwipsPerPoint / 2));
     font.setWeight(bold ? QFont::DemiBold : QFont::Normal);
     font.setKerning(false);
+    // Letters as they are: a font's contextual forms (a raised colon between digits, brackets around capitals) have no text in a PDF.
+    font.setStyleStrategy(QFont::PreferNoShaping);
     font.setHintingPreference(QFont::PreferNoHinting);
     return font;
 }
