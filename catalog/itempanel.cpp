@@ -43,7 +43,7 @@ ItemPanel::ItemPanel(Form& form)
     chtStock.heading = "Stock over the last year";
     chtStock.emptyText = "No movements in the last year.";
     chtStock.xText = [](std::int64_t day) { return Date::fromMs(day * Date::kMsPerDay).toShortText(); };
-    grdLedger.setColumns({{.heading = "Date", .characters = 10},
+    grdLedger.setColumns({{.heading = "Date", .characters = 12},
                           {.heading = "Type", .characters = 13},
                           {.heading = "Qty", .format = Format::Number},
                           {.heading = "Cost", .format = Format::Currency},
@@ -59,8 +59,8 @@ ItemPanel::ItemPanel(Form& form)
 
 Item ItemPanel::item() {
     return group(fraPanel, column({
-                               at(chtPrices).high(7),
-                               at(chtStock).high(7),
+                               at(chtPrices).high(9),
+                               at(chtStock).high(9),
                                at(grdLedger).high(6).wide(60).stretched(),
                                row({at(cmdUndo), stretch(), at(cmdHidePanel)}),
                            }))

@@ -33,6 +33,8 @@ public:
         for (const Outline::ShownColumn& column : outline.columns())
             if (column.source == source && column.definition->share == Scope::None)
                 format_ = column.kind.format;
+        if (format_ == Format::Auto && outline.rows().columns()[static_cast<std::size_t>(source)].type.isMoney())
+            format_ = Format::Money; // of a field that is no column
     }
 
     void draw() {

@@ -141,7 +141,7 @@ const char* const kPieces = "SELECT -SUM(Qty) FROM InventoryLedger WHERE Type IN
 const char* const kReceipts = "SELECT COUNT(*) FROM [Transaction] WHERE TransType IN ('Sale', 'Return')";
 const char* const kTax = "SELECT SUM(Amount) FROM TransactionTax";
 const char* const kBought = "SELECT SUM(Quantity * Cost + OtherCost) FROM PurchaseOrderReceipt";
-const char* const kAdjusted = "SELECT SUM(Qty) FROM InventoryLedger WHERE Type IN ('Damaged', 'Stock Count')";
+const char* const kAdjusted = "SELECT SUM(Qty) FROM InventoryLedger WHERE Type IN ('Damaged', 'Stock Count', 'Adjustment')";
 const char* const kAdjustedValue =
     "SELECT SUM(CASE WHEN Type = 'Damaged' THEN Qty ELSE 0 END * Cost_ea) + SUM(CASE WHEN Type = 'Stock Count' THEN Qty ELSE 0 "
     "END * Cost_ea) FROM InventoryLedger";
@@ -228,17 +228,22 @@ const Control kControls[] = {
      "AND p.Quantity = 1"},
     {"CommittedInventory.rpt", "Committed", "SELECT SUM(Quantity) FROM LayawayEntry"},
     {"CommittedInventory.rpt", "On layaway", "SELECT SUM(QtyCommitt) FROM Stock"},
-    {"InvBelowReorder.rpt", "Item",
-     "SELECT COUNT(*) FROM Stock s, Item i WHERE i.SKU = s.SKU AND i.MatrixSKU = s.MatrixSKU AND s.Quantity < i.Reorder AND i.TypeID <> 4"},
+    {"InvBelowReorder.rpt", "To order",
+     "SELECT SUM(CASE WHEN x.Missing > 0 THEN x.Missing ELSE 0 END) FROM (SELECT CAST(i.Restock AS int) - s.Quantity - ISNULL(o.Coming, 0) "
+     "AS Missing FROM Stock s INNER "
+     "JOIN Item i ON i.SKU = s.SKU AND i.MatrixSKU = s.MatrixSKU LEFT JOIN (SELECT SKU, MatrixSKU, SUM(Qty - QtyRecvd - QtyCanceled) AS "
+     "Coming FROM PurchaseOrderItem WHERE POID IN "
+     "(SELECT POID FROM PurchaseOrder WHERE Status IN ('O', 'P')) GROUP BY SKU, MatrixSKU) o ON o.SKU = s.SKU AND o.MatrixSKU = "
+     "s.MatrixSKU WHERE s.Quantity < i.Reorder AND "
+     "i.TypeID <> 4) x"},
     {"InvBelowReorder.rpt", "On order",
      "SELECT SUM(l.Qty - l.QtyRecvd - l.QtyCanceled) FROM PurchaseOrderItem l INNER JOIN Stock s ON s.SKU = l.SKU AND s.MatrixSKU = "
      "l.MatrixSKU INNER JOIN Item i "
      "ON i.SKU = l.SKU AND i.MatrixSKU = l.MatrixSKU AND s.Quantity < i.Reorder WHERE l.POID IN (SELECT POID FROM PurchaseOrder WHERE "
      "Status IN ('O', 'P'))"},
-    {"ItemWithNoCost.rpt", "Item",
-     "SELECT COUNT(*) FROM Item i WHERE i.TypeID <> 4 AND LEFT(i.SKU, 1) <> '$' AND NOT EXISTS (SELECT * FROM InventoryLedger l WHERE "
-     "l.SKU = i.SKU AND l.MatrixSKU = "
-     "i.MatrixSKU AND l.Cost_wt > 0)"},
+    {"ItemWithNoCost.rpt", "On hand",
+     "SELECT SUM(s.Quantity) FROM Stock s WHERE NOT EXISTS (SELECT * FROM InventoryLedger l WHERE l.SKU = s.SKU AND l.MatrixSKU = "
+     "s.MatrixSKU AND l.Cost_wt > 0)"},
     {"InvWithNoSupplier.rpt", "Item",
      "SELECT COUNT(*) - (SELECT COUNT(DISTINCT SKU + '|' + MatrixSKU) FROM SupplierMatrixDetail) FROM Item WHERE TypeID <> 4 AND LEFT(SKU, "
      "1) <> '$'"},

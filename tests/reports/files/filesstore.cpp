@@ -23,6 +23,9 @@ INSERT INTO CreditTransaction (CustomerID, CreditID, CreditCode, Total, Outstand
 UPDATE Customer SET Balance = Balance - 12.5 WHERE ID = 1
 INSERT INTO ErrorLog (Tag, ProcedureName, ErrorNumber, Description) VALUES ('MR_frmItems', 'Form_Load', 91, 'It''s a long story about an object that was never set')
 INSERT INTO StockSerials (SKU, MatrixSKU, SerialNo, LockedFlag) SELECT TOP 1 SKU, MatrixSKU, 'TOO-MANY', 1 FROM Item WHERE SerialFlag = 1 ORDER BY SKU
+INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea)
+  SELECT TOP 1 i.SKU, i.MatrixSKU, 'Adjustment', 7, 0 FROM Item i WHERE i.TypeID = 6 AND i.SKU NOT LIKE '$%' AND NOT EXISTS (SELECT * FROM InventoryLedger l WHERE l.SKU = i.SKU) ORDER BY i.SKU
+UPDATE Stock SET Quantity = 7 WHERE SKU = (SELECT SKU FROM InventoryLedger WHERE Type = 'Adjustment')
 INSERT INTO [Transaction] (CashierID, TransType, SubTotal, Total) VALUES (5, 'Payout', -20, -20)
 INSERT INTO TransactionEntry (TransactionNumber, SKU, MatrixSKU, Quantity, FullPrice) SELECT MAX(TransactionNumber), '$Payout', '$Payout', -1, 20 FROM [Transaction]
 )";
