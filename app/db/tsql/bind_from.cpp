@@ -31,14 +31,20 @@ bool mentions(const TableRef& ref, const std::string& name) {
     }
 }
 
+// Whether rows of the right side come without one of the left: such a join may not take in what a comma put before it.
+bool keepsRight(const TableRef& ref) {
+    return ref.kind == TableRef::Kind::Join && (ref.join == JoinKind::Right || ref.join == JoinKind::Full || keepsRight(*ref.left));
+}
+
 } // namespace
 
 std::string Binder::bindFrom(const std::vector<TableRefPtr>& from, Scope& scope) {
     std::string sql;
     for (const TableRefPtr& ref : from) {
         const std::string one = bindTableRef(*ref, scope);
-        const bool isJoin = ref->kind == TableRef::Kind::Join && from.size() > 1;
-        sql += (sql.empty() ? "" : ",") + (isJoin ? "(" + one + ")" : one);
+        // Brackets only where they matter: a table within them hides its row from the select around.
+        const bool apart = !sql.empty() && keepsRight(*ref);
+        sql += (sql.empty() ? "" : ",") + (apart ? "(" + one + ")" : one);
     }
     return sql;
 }

@@ -34,6 +34,8 @@ TEST_F(Provenance, isKnownForPlainColumns) {
     EXPECT_EQ(originsOf("SELECT label FROM cheap"), "item.name");
     EXPECT_EQ(originsOf("list 5"), "item.id item.name stock.qty");
     EXPECT_EQ(originsOf("SELECT d.id FROM (SELECT id FROM item) d"), "item.id");
+    EXPECT_EQ(originsOf("SELECT d.id FROM (SELECT i.id FROM stock s, item i LEFT JOIN stock t ON t.id = i.id) d"), "item.id");
+    EXPECT_EQ(originsOf("SELECT i.id FROM stock s, item i RIGHT JOIN stock t ON t.id = i.id"), "item.id");
 }
 
 TEST_F(Provenance, isNotClaimedWhereRowsAreNoRowsOfTheTable) {
