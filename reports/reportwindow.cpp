@@ -101,6 +101,8 @@ ReportWindow::ReportWindow(Desk& desk, std::string name, std::string caption) : 
     onKey("PageDown", [this] { imgNext.press(); });
     onKey("Ctrl+Home", [this] { imgFirst.press(); });
     onKey("Ctrl+End", [this] { imgLast.press(); });
+    onKey("Ctrl+Up", [this] { CRViewer1.turnToGroup(true); });
+    onKey("Ctrl+Down", [this] { CRViewer1.turnToGroup(false); });
     onKey("Ctrl++", [this] { zoomStep(1); });
     onKey("Ctrl+-", [this] { zoomStep(-1); });
 

@@ -90,6 +90,19 @@ void ReportView::setTreeShown(bool on) {
     changed(Aspect::Items);
 }
 
+void ReportView::turnToGroup(bool backwards) {
+    int found = 0;
+    for (std::size_t i = 0; tree_ != nullptr && i < tree_->size(); ++i) {
+        const int page = (*tree_)[i].page + 1;
+        if (backwards && page < page_)
+            found = page;
+        else if (!backwards && page > page_ && found == 0)
+            found = page;
+    }
+    if (found > 0)
+        turnTo(found);
+}
+
 void ReportView::select(PageSpot from, PageSpot to) {
     anchor_ = from;
     end_ = to;

@@ -55,6 +55,8 @@ public:
 
     // The branches in order; null without.
     const std::vector<PageBranch>* tree() const { return tree_; }
+    // To the page of the next group, or of the one before; the first branch on another page counts.
+    void turnToGroup(bool backwards);
     bool treeShown() const { return treeShown_; }
     void setTreeShown(bool on);
 

@@ -2,6 +2,7 @@
 #include "app/storefile.h"
 #include "programs/screens.h"
 #include "reports/frmReport_Generate.h"
+#include "reports/reportexport.h"
 #include "tests/scratchfolder.h"
 #include "ui/gestures.h"
 #include "ui/qt/formwindow.h"
@@ -92,6 +93,29 @@ TEST_F(ReportsTest, TheFirstPageShowsWhileOthersAreLaidOut) {
     QTest::keyClick(desk.window(*form)->focusWidget(), Qt::Key_End, Qt::ControlModifier);
     EXPECT_EQ(view.page(), view.pageCount());
     desk.enter([form] { form->unload(); });
+}
+
+TEST_F(ReportsTest, APdfComesWholeOrNotAtAll) {
+    const reports::RptFile file(report("SELECT Name FROM Item {where}"));
+    auto run = file.run(desk);
+    ASSERT_NE(run, nullptr);
+    reports::ReportPages pages(std::move(run), desk.textMeasure());
+    while (!pages.layOut(std::chrono::milliseconds(50))) {
+    }
+    const auto target = folder_ / "items.pdf";
+    std::ofstream(target) << "what stood there";
+    {
+        const auto begun = desk.pdf(target, "Items");
+        begun->put(pages.pages().page(0)); // and not finished
+    }
+    std::string content;
+    std::getline(std::ifstream(target), content);
+    EXPECT_EQ(content, "what stood there");
+    desk.enter([&] { EXPECT_TRUE(reports::exportReport(desk, pages, folder_ / "items")); }); // a PDF without an ending
+    std::getline(std::ifstream(target), content);
+    EXPECT_TRUE(content.starts_with("%PDF-"));
+    EXPECT_THROW(reports::exportReport(desk, pages, folder_ / "none" / "items.pdf"), std::runtime_error);
+    EXPECT_THROW(reports::exportReport(desk, pages, folder_ / "none" / "items.csv"), std::runtime_error);
 }
 
 } // namespace merchantry::programs

@@ -7,6 +7,7 @@
 #include "ui/qt/reporttree.h"
 #include "ui/qt/roles.h"
 
+#include <QShortcut>
 #include <QSplitter>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -47,6 +48,14 @@ public:
         QObject::connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, widget_,
                          [this](const QModelIndex& now) { chosen(now); });
         QObject::connect(tree_, &QTreeView::clicked, widget_, [this](const QModelIndex& now) { chosen(now); });
+        // Between the pages and the groups by keyboard.
+        auto* const away = new QShortcut(Qt::Key_F6, pages_, nullptr, nullptr, Qt::WidgetShortcut);
+        QObject::connect(away, &QShortcut::activated, tree_, [this] {
+            if (tree_->isVisible())
+                tree_->setFocus();
+        });
+        auto* const back = new QShortcut(Qt::Key_F6, tree_, nullptr, nullptr, Qt::WidgetShortcut);
+        QObject::connect(back, &QShortcut::activated, pages_, [this] { pages_->setFocus(); });
         host.watch(*pages_, view);
     }
 

@@ -174,6 +174,12 @@ TEST_F(ReportViewTest, TheTreeTurnsPages) {
     desk.enter([this] { view().turnTo(3500); });
     EXPECT_EQ(groups.currentIndex().data().toString(), QStringLiteral("Kitchen"));
     EXPECT_EQ(view().page(), 3500); // following the page does not turn it
+    QTest::keyClick(&shown(), Qt::Key_F6);
+    EXPECT_TRUE(groups.hasFocus());
+    QTest::keyClick(&groups, Qt::Key_Up);
+    EXPECT_EQ(view().page(), 41);
+    QTest::keyClick(&groups, Qt::Key_F6);
+    EXPECT_TRUE(shown().hasFocus());
     tree.push_back({"Bowls", 1, 4000});
     desk.enter([this] { view().grown(); });
     EXPECT_EQ(groups.model()->rowCount(groups.model()->index(1, 0)), 1);
