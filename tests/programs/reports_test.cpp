@@ -40,7 +40,7 @@ protected:
 
     std::string report(const std::string& sql) {
         const auto file = folder_ / "own.rpt";
-        std::ofstream(file) << "title = \"Own\"\n[query]\nsql = \"\"\"" << sql << "\"\"\"\n[[column]]\nfield = \"Name\"\n";
+        std::ofstream(file) << "title = \"Own\"\n[query]\nsql = \"\"\"" << sql << "\"\"\"\n[[column]]\nfield = \"Name\"\nwrap = true\n";
         return file.string();
     }
     ui::Form* openForm(const std::string& name) {
