@@ -120,6 +120,15 @@ void CloseReportForms() {
         form->unload();
 }
 
+void closeRows(db::RecordsetPtr& rows) {
+    if (rows != nullptr && rows->State() != 0) {
+        if (rows->onRow())
+            rows->CancelUpdate();
+        rows->Close();
+    }
+    rows.reset();
+}
+
 db::RecordsetPtr openBroker(const db::Sql& text, db::CommandType type, db::CursorType cursor, db::LockType lock,
                             const std::vector<db::Parameter>& parameters) {
     ModMain& session = modMain();

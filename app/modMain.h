@@ -67,6 +67,8 @@ void CloseReportForms();
 // Opens a broker recordset the way all screens do: a command on a connection of its own, made from Conn's string.
 db::RecordsetPtr openBroker(const db::Sql& text, db::CommandType type, db::CursorType cursor, db::LockType lock,
                             const std::vector<db::Parameter>& parameters = {});
+// Lets a screen's recordset go: a pending change is cancelled, the rows are closed. Null or closed rows are let go as they are.
+void closeRows(db::RecordsetPtr& rows);
 // A varchar parameter of that length.
 db::Parameter textParameter(const std::string& name, int length, const std::string& value);
 db::Parameter intParameter(const std::string& name, int value);

@@ -75,11 +75,7 @@ void frmItems_SalesMsg::load() {
 
 void frmItems_SalesMsg::Form_Unload(bool& /*cancel*/) {
     grdSalesMsg.bind(nullptr);
-    if (rows_ == nullptr || rows_->State() == 0)
-        return;
-    if (rows_->onRow())
-        rows_->CancelUpdate();
-    rows_->Close();
+    closeRows(rows_);
 }
 
 void frmItems_SalesMsg::cmdAddMsg_Click() {

@@ -51,12 +51,7 @@ void frmInvReasonCodes::Form_Load() {
 
 void frmInvReasonCodes::release() {
     grdInvCode.bind(nullptr);
-    if (rsReasonCodes == nullptr || rsReasonCodes->State() == 0)
-        return;
-    if (rsReasonCodes->onRow())
-        rsReasonCodes->CancelUpdate();
-    rsReasonCodes->Close();
-    rsReasonCodes.reset();
+    closeRows(rsReasonCodes);
 }
 
 void frmInvReasonCodes::Form_Unload(bool& /*cancel*/) {

@@ -85,12 +85,7 @@ void frmInventory::Form_Load() {
 
 void frmInventory::release() {
     grdInv.bind(nullptr);
-    if (rsInv == nullptr || rsInv->State() == 0)
-        return;
-    if (rsInv->onRow())
-        rsInv->CancelUpdate();
-    rsInv->Close();
-    rsInv.reset();
+    closeRows(rsInv);
 }
 
 void frmInventory::Form_Unload(bool& /*cancel*/) {

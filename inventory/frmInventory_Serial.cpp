@@ -80,12 +80,7 @@ void frmInventory_Serial::Form_Activate() {
 
 void frmInventory_Serial::release() {
     grdInv.bind(nullptr);
-    if (rsSerials == nullptr || rsSerials->State() == 0)
-        return;
-    if (rsSerials->onRow())
-        rsSerials->CancelUpdate();
-    rsSerials->Close();
-    rsSerials.reset();
+    closeRows(rsSerials);
 }
 
 void frmInventory_Serial::Form_Unload(bool& /*cancel*/) {

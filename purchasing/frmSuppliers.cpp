@@ -68,12 +68,7 @@ void frmSuppliers::reload() {
 
 void frmSuppliers::release() {
     grdSuppliers.bind(nullptr);
-    if (suppliers_ == nullptr || suppliers_->State() == 0)
-        return;
-    if (suppliers_->onRow())
-        suppliers_->CancelUpdate();
-    suppliers_->Close();
-    suppliers_.reset();
+    closeRows(suppliers_);
 }
 
 void frmSuppliers::Form_Unload(bool& /*cancel*/) {

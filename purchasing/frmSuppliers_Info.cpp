@@ -136,14 +136,7 @@ bool frmSuppliers_Info::Populate_FormData() {
 }
 
 void frmSuppliers_Info::Form_Unload(bool& /*cancel*/) {
-    guarded({kTag, "Form_Unload"}, [this] {
-        if (supplier_ == nullptr || supplier_->State() == 0)
-            return;
-        if (supplier_->onRow())
-            supplier_->CancelUpdate();
-        supplier_->Close();
-        supplier_.reset();
-    });
+    guarded({kTag, "Form_Unload"}, [this] { closeRows(supplier_); });
 }
 
 void frmSuppliers_Info::txtName_LostFocus() {

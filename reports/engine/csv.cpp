@@ -32,8 +32,7 @@ void appendCell(std::string& line, const Outline& outline, int row, std::size_t 
     const Outline::ShownColumn& column = outline.columns()[at];
     const db::RowStore& rows = outline.rows();
     if (column.expression || column.definition->share != Scope::None) {
-        const auto own = outline.figure(row, at);
-        const auto figure = column.expression || !own ? own : own->over(outline.grand()[*column.measure].sum);
+        const auto figure = outline.exported(row, at);
         line += figure ? figure->toShortText() : "";
         return;
     }

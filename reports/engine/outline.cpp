@@ -162,6 +162,12 @@ std::optional<Figure> Outline::figure(int row, std::size_t column) const {
     return figureAt(row, shown.source);
 }
 
+std::optional<Figure> Outline::exported(int row, std::size_t column) const {
+    const ShownColumn& shown = columns_[column];
+    const auto own = figure(row, column);
+    return own && shown.definition->share != Scope::None ? own->over(grand_[*shown.measure].sum) : own;
+}
+
 std::vector<std::string> Outline::cells(int row, const Sums& group, const std::vector<Sums>& running) const {
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < columns_.size(); ++i) {

@@ -72,6 +72,9 @@ public:
     // The number behind a shown cell of a row, for styles and exports; nothing where there is none.
     std::optional<Figure> figure(int row, std::size_t column) const;
 
+    // The same for exports, a share as its part of the whole report.
+    std::optional<Figure> exported(int row, std::size_t column) const;
+
     std::string header(int group, int row) const { return groups_[static_cast<std::size_t>(group)].header.in(rows_, row); }
     std::string footer(int group, int row) const { return groups_[static_cast<std::size_t>(group)].footer.in(rows_, row); }
     // The outermost group in which the row differs from the one before it; groupCount() when in none, 0 for the first row.

@@ -105,9 +105,7 @@ private:
         const auto line = static_cast<lxw_row_t>(row + 1);
         const auto at = static_cast<lxw_col_t>(i);
         if (column.expression || column.definition->share != Scope::None) {
-            const auto own = outline_.figure(row, i);
-            const auto figure = column.expression || !own ? own : own->over(outline_.grand()[*column.measure].sum);
-            if (figure)
+            if (const auto figure = outline_.exported(row, i))
                 worksheet_write_number(sheet_, line, at, figure->toDouble(), formats_[i]);
             return;
         }

@@ -1,14 +1,3 @@
--- What to order of an item and from whom, the first priority first, ties by cost. How much: as sp_GetPOInfoByCost tells.
+-- What to order of an item and from whom, the first priority first, ties by cost. How much: as bsp_POInfo tells.
 CREATE PROCEDURE sp_GetPOInfoByPriority @SKU varchar(100), @MatrixSKU varchar(100), @Wanted smallint AS
-DECLARE @short int, @case int
-SELECT @short = Item.Restock + 1 - Stock.Quantity - (Item.Reorder - @Wanted) FROM Item INNER JOIN Stock ON Stock.SKU = Item.SKU AND Stock.MatrixSKU = Item.MatrixSKU
-  WHERE Item.SKU = @SKU AND Item.MatrixSKU = @MatrixSKU
-SELECT @case = SplitQuantity FROM ItemSplitMatrix WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU AND SplitQuantity >= 2
-SELECT CASE WHEN n.Least <= 0 THEN 0 WHEN @case IS NULL THEN n.Least ELSE (n.Least + @case - 1) / @case * @case END AS ReorderQty, n.Cost, n.PartNo, n.SupID, n.Priority
-FROM (SELECT d.Cost, d.PartNo, d.SupID, d.Priority,
-    CASE WHEN @Wanted <= 0 THEN 0
-      WHEN ISNULL(d.MinOrder, 0) > @Wanted AND ISNULL(d.MinOrder, 0) > @short THEN ISNULL(d.MinOrder, 0)
-      WHEN @short > @Wanted THEN @short ELSE @Wanted END AS Least
-  FROM SupplierMatrixDetail d INNER JOIN wrkPOSuppliers w ON w.SupID = d.SupID
-  WHERE d.SKU = @SKU AND d.MatrixSKU = @MatrixSKU) n
-ORDER BY n.Priority, n.Cost, n.SupID
+EXEC bsp_POInfo @SKU, @MatrixSKU, @Wanted, 0
