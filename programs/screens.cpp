@@ -24,6 +24,8 @@
 #include "inventory/frmInventory_Adjust.h"
 #include "inventory/frmInventory_Serial.h"
 #include "inventory/frmStockProof.h"
+#include "purchasing/frmPOFrom.h"
+#include "purchasing/frmPOPickItems.h"
 #include "purchasing/frmSuppliers.h"
 #include "purchasing/frmSuppliers_Info.h"
 #include "reports/frmOrphanedItems.h"
@@ -66,6 +68,8 @@ constexpr Screen kScreens[] = {
     {"frmPriceTiers", instanceOf<catalog::frmPriceTiers>, true},
     {"frmSuppliers", instanceOf<purchasing::frmSuppliers>, true},
     {"frmSuppliers_Info", instanceOf<purchasing::frmSuppliers_Info>, false},
+    {"frmPOFrom", instanceOf<purchasing::frmPOFrom>, false},
+    {"frmPOPickItems", instanceOf<purchasing::frmPOPickItems>, false},
     {"frmReportCriteria", instanceOf<reports::frmReportCriteria>, false},
     {"frmReport_Generate", instanceOf<reports::frmReport_Generate>, false},
     {"frmViewer", instanceOf<reports::frmViewer>, false},

@@ -7,6 +7,7 @@
 #include "ui/form.h"
 #include "ui/gridcopy.h"
 #include "ui/longwork.h"
+#include "ui/waiting.h"
 
 namespace merchantry::ui {
 namespace {
@@ -49,17 +50,6 @@ struct Kind {
     const char* filter;
     const char* ending;
     std::unique_ptr<GridWriter> (*writer)(const Grid& grid, const std::filesystem::path& target);
-};
-
-class Waiting {
-public:
-    explicit Waiting(Desk& desk) : desk_(desk) { desk_.waitCursor(true); }
-    ~Waiting() { desk_.waitCursor(false); }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
-
-private:
-    Desk& desk_;
 };
 
 void exportTo(Grid& grid, const Kind& kind) {
