@@ -1,6 +1,7 @@
 #include "catalog/pricechange.h"
 
 #include "app/db/ado/recordset.h"
+#include "app/db/ado/transaction.h"
 #include "app/db/session.h"
 #include "app/modMain.h"
 
@@ -26,30 +27,6 @@ db::RecordsetPtr run(const db::ConnectionPtr& connection, const db::Sql& procedu
     rows->Open(command);
     return rows;
 }
-
-// Rolls back unless told that the work is done.
-class Transaction {
-public:
-    explicit Transaction(db::ConnectionPtr connection) : connection_(std::move(connection)) { connection_->BeginTrans(); }
-    ~Transaction() {
-        try {
-            if (!done_)
-                connection_->RollbackTrans();
-        } catch (const std::exception&) {
-            // The store does so itself when the connection goes.
-        }
-    }
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
-    void commit() {
-        connection_->CommitTrans();
-        done_ = true;
-    }
-
-private:
-    db::ConnectionPtr connection_;
-    bool done_ = false;
-};
 
 // The one cell of a result.
 class OneCell : public db::ResultSink {
@@ -101,7 +78,7 @@ PriceOutcome stopped() {
 PriceOutcome changePrices(const db::ConnectionPtr& connection, const std::string& words, const std::vector<PriceStep>& steps,
                           const PriceProgress& progress) {
     PriceOutcome outcome;
-    Transaction transaction(connection);
+    db::Transaction transaction(connection);
     const auto made = run(connection, "bsp_NewPriceChange", {textParameter("Words", 255, words)});
     const int changeId = static_cast<int>((*made)["PriceChangeID"].Value().toInteger());
     if (!writeAll(connection, changeId, steps, progress, outcome))
@@ -113,7 +90,7 @@ PriceOutcome changePrices(const db::ConnectionPtr& connection, const std::string
 
 PriceOutcome undoPriceChange(const db::ConnectionPtr& connection, int priceChangeId, const PriceProgress& progress) {
     PriceOutcome outcome;
-    Transaction transaction(connection);
+    db::Transaction transaction(connection);
     const auto marked = run(connection, "bsp_UndoPriceChange", {intParameter("PriceChangeID", priceChangeId)});
     if ((*marked)["Marked"].Value().toInteger() == 0)
         return stopped();
