@@ -1,16 +1,22 @@
 #include "reports/rptfile.h"
 
 #include "app/modMain.h"
+#include "base/text.h"
 #include "reports/aside.h"
 
 namespace merchantry::reports {
 namespace {
 
-Definition definitionAt(const std::filesystem::path& path) {
+// The file of that name in its folder, its letters in either case: screens name some files otherwise than they are kept.
+std::filesystem::path fileNamed(const std::filesystem::path& path) {
     std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored))
-        throw ReportNotFound();
-    return readDefinition(path);
+    if (std::filesystem::is_regular_file(path, ignored))
+        return path;
+    const std::string wanted = lowerCase(path.filename().string());
+    for (std::filesystem::directory_iterator entry(path.parent_path(), ignored), end; entry != end; entry.increment(ignored))
+        if (lowerCase(entry->path().filename().string()) == wanted && entry->is_regular_file(ignored))
+            return entry->path();
+    throw ReportNotFound();
 }
 
 // A session of the report's own: what else the program does goes on meanwhile.
@@ -36,7 +42,7 @@ private:
 
 } // namespace
 
-RptFile::RptFile(std::filesystem::path path) : path_(std::move(path)), definition_(definitionAt(path_)) {}
+RptFile::RptFile(std::filesystem::path path) : path_(std::move(path)), definition_(readDefinition(fileNamed(path_))) {}
 
 void RptFile::setParameter(std::size_t number, const std::string& value) {
     if (parameters_.size() < number)

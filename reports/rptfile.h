@@ -23,7 +23,7 @@ public:
 // that shows it.
 class RptFile {
 public:
-    // Throws ReportNotFound, or DefinitionError for a file with a mistake.
+    // The name's case does not matter. Throws ReportNotFound, or DefinitionError for a file with a mistake.
     explicit RptFile(std::filesystem::path path);
 
     const std::filesystem::path& path() const { return path_; }

@@ -177,7 +177,7 @@ void expectStatus(Step& step) {
 }
 
 bool isPrinted(const PrintedReport& report, const Wanted& file, const std::vector<std::string>& parameters) {
-    if (!file.holds(report.file))
+    if (!Wanted{lowerCase(file.text), file.like}.holds(lowerCase(report.file)))
         return false;
     return parameters.empty() || std::equal(parameters.begin(), parameters.end(), report.parameters.begin(), report.parameters.end(),
                                             [&](const std::string& text, const std::string& seen) {
