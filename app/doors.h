@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -32,6 +33,9 @@ struct Doors {
     std::function<void(const std::string& file, const std::vector<std::string>& parameters, bool tools, bool modal)> ReportWindow;
     // frmViewer: the same, modal, under a title.
     std::function<void(const std::string& file, const std::vector<std::string>& parameters, const std::string& title)> ReportViewer;
+    // frmPurchaseOrder_View, modal: 0 an order, 1 its history (the number is the POID; of several joined by "," the first), 2 items that no
+    // supplier serves, 3 a receipt, 4 a cancellation (the criteria are its number).
+    std::function<void(std::int16_t type, const std::string& number, const std::string& criteria)> OrderReport;
     // frmItems_SalesMsg: mode 1 picks ("message|id", empty when none), any other maintains.
     std::function<std::string(int mode)> SalesMessages;
     // frmInventory_Adjust for the item with this key and name.

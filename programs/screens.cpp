@@ -25,10 +25,12 @@
 #include "inventory/frmInventory_Serial.h"
 #include "inventory/frmStockProof.h"
 #include "purchasing/frmPOFrom.h"
+#include "purchasing/frmPOItemHistory.h"
 #include "purchasing/frmPOPickItems.h"
 #include "purchasing/frmSuppliers.h"
 #include "purchasing/frmSuppliers_Info.h"
 #include "reports/frmOrphanedItems.h"
+#include "reports/frmPurchaseOrder_View.h"
 #include "reports/frmReportCriteria.h"
 #include "reports/frmReport_Generate.h"
 #include "reports/frmViewer.h"
@@ -70,6 +72,8 @@ constexpr Screen kScreens[] = {
     {"frmSuppliers_Info", instanceOf<purchasing::frmSuppliers_Info>, false},
     {"frmPOFrom", instanceOf<purchasing::frmPOFrom>, false},
     {"frmPOPickItems", instanceOf<purchasing::frmPOPickItems>, false},
+    {"frmPOItemHistory", instanceOf<purchasing::frmPOItemHistory>, false},
+    {"frmPurchaseOrder_View", instanceOf<reports::frmPurchaseOrder_View>, false},
     {"frmReportCriteria", instanceOf<reports::frmReportCriteria>, false},
     {"frmReport_Generate", instanceOf<reports::frmReport_Generate>, false},
     {"frmViewer", instanceOf<reports::frmViewer>, false},
@@ -143,6 +147,11 @@ void bindDoors(ui::Desk& desk) {
         window.Report = report;
         window.Title = title;
         desk.showModal(window);
+    };
+    doors.OrderReport = [&desk](std::int16_t type, const std::string& number, const std::string& criteria) {
+        auto& view = desk.form<reports::frmPurchaseOrder_View>();
+        view.ReportType = type;
+        view.OpenReport(number, criteria);
     };
     doors.ShowScreen = [&desk](const std::string& form) {
         for (const Screen& screen : kScreens) {
