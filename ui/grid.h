@@ -14,7 +14,7 @@ namespace merchantry::ui {
 
 // How a grid shows and edits one column.
 struct GridColumn {
-    enum class Format { Plain, Number, Currency, Date, Flag };
+    enum class Format { Plain, Number, Currency, Date, Flag, Bar };
     enum class Editor { Text, Check, Combo };
 
     std::string heading{};
@@ -29,6 +29,13 @@ struct GridColumn {
     std::string mask{};      // of the cell's editor
     // Combo: shown text and stored value of each choice.
     std::vector<std::pair<std::string, std::string>> choices{};
+};
+
+// What a cell of the format Bar draws: shares of the whole from 0 to 1, what is done first, then what was dropped; the rest is still to
+// come. The cell's text says the same in words, for tool tips, scripts and copies.
+struct GridBar {
+    double done = 0;
+    double dropped = 0;
 };
 
 // Columns by rows of cells. Row 0 is the heading, data rows count from 1, columns from 0.
@@ -80,6 +87,9 @@ public:
     Color cellColor(int row, int column) const;
     // Colours that follow from the content, asked when a cell is drawn; goes before setCellColor.
     std::function<Color(int row, int column)> colorOf;
+
+    // Asked when a cell of the format Bar is drawn.
+    std::function<GridBar(int row, int column)> barOf;
 
     // Where the user stands: row 0 is none. Setting it by program runs the same events as the user's move.
     int row() const { return row_; }

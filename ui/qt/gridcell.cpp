@@ -9,10 +9,13 @@
 #include <QPainterPath>
 #include <QTableView>
 
+#include <algorithm>
+
 namespace merchantry::ui {
 namespace {
 
 constexpr int kTick = 16;
+constexpr int kBarHeight = 8;
 
 QRect tickIn(const QRect& cell) {
     QRect box(0, 0, kTick, kTick);
@@ -62,6 +65,8 @@ void GridCell::paintCell(QPainter& painter, const QStyleOptionViewItem& option, 
     const GridColumn& shape = grid_.column(column);
     if (shape.editor == GridColumn::Editor::Check || shape.format == GridColumn::Format::Flag)
         host_.skin().drawTick(painter, tickIn(option.rect), isOn(grid_.text(row, column)), true, false);
+    else if (shape.format == GridColumn::Format::Bar)
+        paintBar(painter, option.rect.adjusted(kCellMargin, 0, -kCellMargin, -1), row, column);
     else
         paintText(painter, option.rect.adjusted(kCellMargin, 0, -kCellMargin, -1), row, column);
     const auto* view = dynamic_cast<const QTableView*>(option.widget);
@@ -70,6 +75,24 @@ void GridCell::paintCell(QPainter& painter, const QStyleOptionViewItem& option, 
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -2.5), 4, 4);
     }
+}
+
+void GridCell::paintBar(QPainter& painter, const QRect& where, int row, int column) const {
+    if (!grid_.barOf || grid_.text(row, column).empty())
+        return;
+    const Tokens& t = host_.skin().tokens();
+    const GridBar bar = grid_.barOf(row, column);
+    QRectF whole(where.left(), 0, where.width(), kBarHeight);
+    whole.moveCenter(QRectF(where).center());
+    QPainterPath edge;
+    edge.addRoundedRect(whole, kBarHeight / 2.0, kBarHeight / 2.0);
+    painter.setClipPath(edge, Qt::IntersectClip);
+    painter.fillRect(whole, t.line);
+    const double done = std::clamp(bar.done, 0.0, 1.0) * whole.width();
+    const double dropped = std::clamp(bar.dropped, 0.0, 1.0) * whole.width();
+    painter.fillRect(QRectF(whole.left(), whole.top(), done, whole.height()), t.fine);
+    painter.fillRect(QRectF(whole.left() + done, whole.top(), dropped, whole.height()), t.danger);
+    painter.setClipping(false);
 }
 
 void GridCell::paintText(QPainter& painter, const QRect& where, int row, int column) const {

@@ -255,7 +255,8 @@ bool GridView::viewportEvent(QEvent* event) {
         const QModelIndex at = indexAt(help->pos());
         QString text;
         host_.read([&] { text = at.isValid() ? toQt(grid_.text(at.row() + 1, at.column())) : QString(); });
-        if (at.isValid() && Skin::figuresWidth(fontMetrics(), text) > columnWidth(at.column()) - 2 * kCellMargin)
+        const bool bar = at.isValid() && grid_.column(at.column()).format == GridColumn::Format::Bar;
+        if (bar || (at.isValid() && Skin::figuresWidth(fontMetrics(), text) > columnWidth(at.column()) - 2 * kCellMargin))
             QToolTip::showText(help->globalPos(), text, this);
         else
             QToolTip::showText(help->globalPos(), toQt(grid_.toolTip()), this);

@@ -255,6 +255,26 @@ TEST_F(GridTest, AHundredThousandRowsAreReadInPlace) {
     form.grdOrders.bind(nullptr);
 }
 
+TEST_F(GridTest, ABarShowsItsSharesAndToldWordsAreNotDrawnOverIt) {
+    Grid& grid = form.grdOrders;
+    grid.setColumn(1, {.heading = "Progress", .format = GridColumn::Format::Bar, .characters = 20});
+    grid.barOf = [](int row, int) { return row == 1 ? GridBar{0.5, 0.25} : GridBar{2, 1}; };
+    grid.setText(3, 1, "");
+    QCoreApplication::processEvents();
+    const QImage drawn = view().viewport()->grab().toImage();
+    const auto colour = [&](int row, double share) {
+        const QRect cell = view().visualRect(view().model()->index(row - 1, 1)).adjusted(10, 0, -10, -1);
+        return drawn.pixelColor(QPointF(cell.left() + share * cell.width(), cell.center().y()).toPoint() * view().devicePixelRatioF());
+    };
+    const Tokens& t = desk.skin().tokens();
+    EXPECT_EQ(colour(1, 0.1), t.fine);
+    EXPECT_EQ(colour(1, 0.4), t.fine);
+    EXPECT_EQ(colour(1, 0.6), t.danger);
+    EXPECT_EQ(colour(1, 0.9), t.line);
+    EXPECT_EQ(colour(2, 0.9), t.fine); // no more than all of it
+    EXPECT_NE(colour(3, 0.5), t.line); // nothing told, nothing drawn
+}
+
 // A source that fails while its cells are drawn ends the run as any failure does, and never passes through the toolkit.
 TEST_F(GridTest, AFailureWhileDrawingEndsTheRun) {
     form.grdOrders.colorOf = [](int, int) -> Color { throw std::runtime_error("The object is closed"); };
