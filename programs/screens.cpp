@@ -27,6 +27,7 @@
 #include "purchasing/frmPOFrom.h"
 #include "purchasing/frmPOItemHistory.h"
 #include "purchasing/frmPOPickItems.h"
+#include "purchasing/frmPurchaseOrders.h"
 #include "purchasing/frmSuppliers.h"
 #include "purchasing/frmSuppliers_Info.h"
 #include "reports/frmOrphanedItems.h"
@@ -72,6 +73,7 @@ constexpr Screen kScreens[] = {
     {"frmSuppliers_Info", instanceOf<purchasing::frmSuppliers_Info>, false},
     {"frmPOFrom", instanceOf<purchasing::frmPOFrom>, false},
     {"frmPOPickItems", instanceOf<purchasing::frmPOPickItems>, false},
+    {"frmPurchaseOrders", instanceOf<purchasing::frmPurchaseOrders>, true},
     {"frmPOItemHistory", instanceOf<purchasing::frmPOItemHistory>, false},
     {"frmPurchaseOrder_View", instanceOf<reports::frmPurchaseOrder_View>, false},
     {"frmReportCriteria", instanceOf<reports::frmReportCriteria>, false},
