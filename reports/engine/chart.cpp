@@ -17,6 +17,7 @@ using ui::PageItem;
 
 constexpr int kSize = 16; // half points
 constexpr int kLine = kSize * 13;
+constexpr int kHead = kLine + 60; // the title above
 constexpr int kPatterns = 6;
 constexpr int kFullCircle = 360 * 16;
 constexpr int kQuarter = 90 * 16;
@@ -40,8 +41,8 @@ public:
     void draw() {
         if (!chart_.title.empty()) {
             text(box_.x, box_.y, box_.width, chart_.title, PageAlign::Left, true);
-            box_.y += kLine + 60;
-            box_.height -= kLine + 60;
+            box_.y += kHead;
+            box_.height -= kHead;
         }
         if (values_.empty())
             return;
@@ -154,7 +155,7 @@ private:
     }
     static double niceAbove(double value) {
         const double power = std::pow(10.0, std::floor(std::log10(value)));
-        for (const double step : {1.0, 2.0, 4.0, 5.0, 8.0, 10.0})
+        for (const double step : {1.0, 1.6, 2.0, 2.4, 3.2, 4.0, 6.0, 8.0, 10.0}) // quarters of them are round
             if (value <= step * power)
                 return step * power;
         return 10 * power;
@@ -266,6 +267,14 @@ std::vector<ChartValue> chartValues(const ChartDefinition& chart, const Outline&
         values.push_back(others);
     }
     return values;
+}
+
+int chartHeight(const ChartDefinition& chart, const Outline& outline) {
+    const int wished = static_cast<int>(chart.height * 20); // points
+    if (chart.kind != ChartKind::Bar)
+        return wished;
+    const int head = chart.title.empty() ? 0 : kHead;
+    return std::min(wished, head + static_cast<int>(chartValues(chart, outline).size()) * 2 * kLine);
 }
 
 void drawChart(Page& page, const PageBox& box, const ChartDefinition& chart, const Outline& outline, const ui::TextMeasure& measure) {

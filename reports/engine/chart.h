@@ -26,6 +26,9 @@ struct ChartValue {
 // The labels in the order of the rows (dates) or from the largest value down, those beyond the definition's number as "Others".
 std::vector<ChartValue> chartValues(const ChartDefinition& chart, const Outline& outline);
 
+// What the chart takes of a page, in twips: its own height, or less when there are few bars.
+int chartHeight(const ChartDefinition& chart, const Outline& outline);
+
 void drawChart(ui::Page& page, const PageBox& box, const ChartDefinition& chart, const Outline& outline, const ui::TextMeasure& measure);
 
 } // namespace merchantry::reports

@@ -220,9 +220,10 @@ private:
     }
 
     void drawn(const ChartDefinition& chart) {
+        const int height = chartHeight(chart, layout_.outline_);
         if (page_ != nullptr)
-            drawChart(*page_, {kMargin, y_, inner(), twips(chart.height)}, chart, layout_.outline_, layout_.measure_);
-        y_ += twips(chart.height) + kAfterHead;
+            drawChart(*page_, {kMargin, y_, inner(), height}, chart, layout_.outline_, layout_.measure_);
+        y_ += height + kAfterHead;
     }
 
     void headings() {
