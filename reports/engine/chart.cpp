@@ -171,6 +171,8 @@ private:
         int index = 0;
         const int step = std::min(box_.height / static_cast<int>(values_.size()), kLine + 60);
         const int list = box_.x + side + 400;
+        const int width = box_.x + box_.width - list - kLine - 80;
+        const int labels = std::min(widest(true) + 120, width / 2);
         for (const ChartValue& value : values_) {
             const auto share = value.value > Figure() ? value.value.over(sum) : std::nullopt;
             const int span = share ? static_cast<int>(std::lround(share->toDouble() * kFullCircle)) : 0;
@@ -180,9 +182,8 @@ private:
             sample(list, y + 30, index);
             const std::string figures =
                 figureText(value.value, format_) + (share ? "  " + figureText(*share, Format::Percent) : std::string());
-            const int width = box_.x + box_.width - list - kLine - 80;
-            text(list + kLine + 80, y, width / 2, value.label);
-            text(list + kLine + 80 + width / 2, y, width / 2, figures, PageAlign::Right);
+            text(list + kLine + 80, y, labels, value.label);
+            text(list + kLine + 80 + labels, y, widest(false) + 1000, figures, PageAlign::Right);
             ++index;
         }
     }

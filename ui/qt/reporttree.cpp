@@ -33,9 +33,11 @@ void ReportTree::follow(const std::vector<PageBranch>* branches) {
 QModelIndex ReportTree::at(int page) const {
     if (branches_ == nullptr)
         return {};
-    const auto after = std::upper_bound(branches_->begin(), branches_->begin() + static_cast<std::ptrdiff_t>(nodes_.size()), page,
-                                        [](int wanted, const PageBranch& branch) { return wanted < branch.page; });
-    return indexOf(static_cast<int>(after - branches_->begin()) - 1);
+    const auto end = branches_->begin() + static_cast<std::ptrdiff_t>(nodes_.size());
+    const auto first =
+        std::lower_bound(branches_->begin(), end, page, [](const PageBranch& branch, int wanted) { return branch.page < wanted; });
+    const bool begins = first != end && first->page == page;
+    return indexOf(static_cast<int>(first - branches_->begin()) - (begins ? 0 : 1));
 }
 
 QModelIndex ReportTree::indexOf(int node) const {

@@ -15,7 +15,7 @@ public:
 
     // Takes over what is new; another list, or a shorter one, begins anew. Borrows the branches.
     void follow(const std::vector<PageBranch>* branches);
-    // The last branch at or before a page, from 0; none before the first.
+    // The first branch that begins on a page, from 0, or else the one that goes on there; none before the first.
     QModelIndex at(int page) const;
     int pageOf(const QModelIndex& index) const { return branch(index).page; }
 
