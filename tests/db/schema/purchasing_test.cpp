@@ -16,6 +16,7 @@ protected:
         item("Rod", -20, 4, 10);
         item("Tap", 0, 0, 0); // never reordered
         item("Old", 0, 4, 10);
+        item("Orphan", 0, 4, 10); // nobody delivers it
         run("UPDATE Item SET Active = 0 WHERE SKU = 'Old' UPDATE Item SET DepartmentID = 2 WHERE SKU = 'Rod'");
         run("INSERT INTO SupplierMatrixDetail (SKU, MatrixSKU, SupID, Cost, MinOrder, Priority, PartNo) VALUES ('Nut', 'Nut', 1, 2, 12, 2, "
             "'A-1'), "
@@ -51,6 +52,9 @@ TEST_F(Purchasing, ItemsAtTheirLevelAreToldWithWhatIsOnOrder) {
     EXPECT_EQ(rowsOf("sp_GetReorderItemsByDept"), "Rod|Rod|-20|4|10|0");
     run("sp_InsertWrkSupplier 1 EXEC sp_InsertWrkSupplier 1");
     EXPECT_EQ(rowsOf("sp_GetReorderItemsBySupplier"), "Nut|Nut|2|4|10|0");
+    run("INSERT INTO SupplierMatrixDetail (SKU, MatrixSKU, SupID) VALUES ('Orphan', 'Orphan', 0) UPDATE Item SET DepartmentID = 2 WHERE "
+        "SKU = 'Orphan'");
+    EXPECT_EQ(rowsOf("sp_GetReorderItemsByDept"), "Rod|Rod|-20|4|10|0"); // the Empty Supplier is nobody
     run("sp_POBreakGround");
     EXPECT_EQ(rowsOf("sp_GetReorderItemsBySupplier"), "");
     EXPECT_EQ(rowsOf("sp_GetAllItemsBySupplier 2"), "Nut|Nut|Nut|2|4;Rod|Rod|Rod|-20|4");
