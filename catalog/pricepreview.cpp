@@ -51,8 +51,7 @@ void PricePreview::take(const std::vector<NewPrice>& prices) {
         changing_ += prices[i].remark == NewPrice::Remark::None ? 1 : 0;
         refused_ += prices[i].remark == NewPrice::Remark::NoPrice || prices[i].remark == NewPrice::Remark::NotAboveZero ? 1 : 0;
     }
-    for (const auto& [number, changed] : std::map(listeners_))
-        changed();
+    tellListeners();
 }
 
 std::vector<PriceStep> PricePreview::steps() const {
@@ -90,16 +89,6 @@ Value PricePreview::cell(int row, int column) const {
     default:
         return wordsFor(line.remark);
     }
-}
-
-std::string_view PricePreview::cellText(int row, int column) const {
-    scratch_ = cell(row, column).toText();
-    return scratch_;
-}
-
-int PricePreview::listen(std::function<void()> changed) {
-    listeners_[nextListener_] = std::move(changed);
-    return nextListener_++;
 }
 
 } // namespace merchantry::catalog

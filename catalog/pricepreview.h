@@ -1,11 +1,9 @@
 #pragma once
 
-#include "base/rows.h"
+#include "base/listrows.h"
 #include "catalog/pricechange.h"
 #include "catalog/pricerule.h"
 
-#include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -13,7 +11,7 @@ namespace merchantry::catalog {
 
 // The prices that a rule would change, before and after: what the grid of frmBulkPrice shows. Columns: SKU, MatrixSKU, Name, Qty >=,
 // Before, After, Remark. Read only; it works out nothing anew but when the rule changes.
-class PricePreview : public Rows {
+class PricePreview : public ListRows {
 public:
     struct Line {
         PriceStep step; // `from` the price that stands, `to` the one that the rule gives
@@ -36,13 +34,6 @@ public:
     std::string columnName(int column) const override;
     int rowCount() const override { return static_cast<int>(lines_.size()); }
     Value cell(int row, int column) const override;
-    std::string_view cellText(int row, int column) const override;
-    bool canChange() const override { return false; }
-    void setCell(int, int, const Value&) override {}
-    void addRow(const std::vector<Value>&) override {}
-    void removeRow(int) override {}
-    int listen(std::function<void()> changed) override;
-    void stopListening(int listener) override { listeners_.erase(listener); }
 
 private:
     void take(const std::vector<NewPrice>& prices);
@@ -50,9 +41,6 @@ private:
     std::vector<Line> lines_;
     int changing_ = 0;
     int refused_ = 0;
-    std::map<int, std::function<void()>> listeners_;
-    int nextListener_ = 1;
-    mutable std::string scratch_;
 };
 
 } // namespace merchantry::catalog

@@ -24,10 +24,12 @@
 #include "inventory/frmInventory_Adjust.h"
 #include "inventory/frmInventory_Serial.h"
 #include "inventory/frmStockProof.h"
+#include "purchasing/frmPOCreate.h"
 #include "purchasing/frmPOFrom.h"
 #include "purchasing/frmPOItemHistory.h"
 #include "purchasing/frmPOPickItems.h"
 #include "purchasing/frmPurchaseOrders.h"
+#include "purchasing/frmPurchaseOrders_New.h"
 #include "purchasing/frmSuppliers.h"
 #include "purchasing/frmSuppliers_Info.h"
 #include "reports/frmOrphanedItems.h"
@@ -71,11 +73,13 @@ constexpr Screen kScreens[] = {
     {"frmPriceTiers", instanceOf<catalog::frmPriceTiers>, true},
     {"frmSuppliers", instanceOf<purchasing::frmSuppliers>, true},
     {"frmSuppliers_Info", instanceOf<purchasing::frmSuppliers_Info>, false},
+    {"frmPOCreate", instanceOf<purchasing::frmPOCreate>, false},
     {"frmPOFrom", instanceOf<purchasing::frmPOFrom>, false},
     {"frmPOPickItems", instanceOf<purchasing::frmPOPickItems>, false},
     {"frmPurchaseOrders", instanceOf<purchasing::frmPurchaseOrders>, true},
     {"frmPOItemHistory", instanceOf<purchasing::frmPOItemHistory>, false},
     {"frmPurchaseOrder_View", instanceOf<reports::frmPurchaseOrder_View>, false},
+    {"frmPurchaseOrders_New", instanceOf<purchasing::frmPurchaseOrders_New>, false},
     {"frmReportCriteria", instanceOf<reports::frmReportCriteria>, false},
     {"frmReport_Generate", instanceOf<reports::frmReport_Generate>, false},
     {"frmViewer", instanceOf<reports::frmViewer>, false},

@@ -4,6 +4,8 @@
 #include "base/numbers.h"
 #include "ui/desk.h"
 
+#include <algorithm>
+
 namespace merchantry::purchasing {
 
 using namespace app;
@@ -22,8 +24,11 @@ std::vector<SourcePick> allSources(std::int16_t from) {
 }
 
 // Shows the list to the user; its entries as the user left them, none on Cancel.
-std::vector<SourcePick> askedFor(Desk& desk, std::int16_t from, bool manual, const std::string& title) {
+std::vector<SourcePick> askedFor(Desk& desk, std::int16_t from, bool manual, const std::string& title,
+                                 const std::vector<std::int16_t>& ticked = {}) {
     std::vector<SourcePick> sources = allSources(from);
+    for (SourcePick& source : sources)
+        source.Selected = std::find(ticked.begin(), ticked.end(), source.Key) != ticked.end();
     if (sources.empty()) {
         desk.message("No suppliers found in the database.", "Velmora Tillmark Professional");
         return {};
@@ -50,14 +55,6 @@ frmPOFrom::frmPOFrom(Desk& desk)
                         {.heading = "Department", .characters = 40},
                         {.heading = "Index", .hidden = true}});
     setLayout(layoutAround(lblHeading, 72));
-    offer("PickSources", [this](const auto& arguments) {
-        const bool suppliers = !arguments.empty() && arguments[0] == "2";
-        return std::to_string(PickSources(this->desk(), suppliers ? kSuppliers : kDepartments).size());
-    });
-    offer("PickSupplier", [this](const auto& arguments) {
-        const auto key = PickSupplier(this->desk(), arguments.empty() ? "" : arguments[0]);
-        return key ? std::to_string(*key) : std::string();
-    });
 }
 
 void frmPOFrom::Form_Load() {
@@ -88,9 +85,9 @@ bool frmPOFrom::accepts() {
     return false;
 }
 
-std::vector<std::int16_t> PickSources(Desk& desk, std::int16_t from) {
+std::vector<std::int16_t> PickSources(Desk& desk, std::int16_t from, const std::vector<std::int16_t>& ticked) {
     std::vector<std::int16_t> keys;
-    for (const SourcePick& source : askedFor(desk, from, false, ""))
+    for (const SourcePick& source : askedFor(desk, from, false, "", ticked))
         keys.push_back(source.Key);
     return keys;
 }

@@ -40,9 +40,9 @@ private:
     PickRows<SourcePick> rows_;
 };
 
-// The keys that the user ticks among all departments or suppliers, by name; empty when there are none, which is said, or on Cancel.
-// Throws DbError.
-std::vector<std::int16_t> PickSources(ui::Desk& desk, std::int16_t from);
+// The keys that the user ticks among all departments or suppliers, by name; those given are ticked beforehand. Empty when there are none,
+// which is said, or on Cancel. Throws DbError.
+std::vector<std::int16_t> PickSources(ui::Desk& desk, std::int16_t from, const std::vector<std::int16_t>& ticked = {});
 // The one supplier that the user picks, the Empty Supplier (0) among them; nothing when there are none, which is said, or on Cancel. An
 // empty title leaves the heading of a manual order. Throws DbError.
 std::optional<std::int16_t> PickSupplier(ui::Desk& desk, const std::string& title);

@@ -39,9 +39,6 @@ frmPOPickItems::frmPOPickItems(Desk& desk)
                          {.heading = "Qty in Stock", .format = Format::Number},
                          {.heading = "Index", .hidden = true}});
     setLayout(layoutAround(lblHeading, 100));
-    offer("PickItems", [this](const auto& arguments) {
-        return std::to_string(PickItems(this->desk(), "sp_GetAllItems", arguments.empty() ? "" : arguments[0]).size());
-    });
 }
 
 void frmPOPickItems::Form_Load() {
@@ -57,8 +54,10 @@ bool frmPOPickItems::accepts() {
     return false;
 }
 
-std::vector<ItemPick> PickItems(Desk& desk, const db::Sql& procedure, const std::string& supplierName) {
+std::vector<ItemPick> PickItems(Desk& desk, const db::Sql& procedure, const std::string& supplierName, const ItemKeys& ticked) {
     std::vector<ItemPick> items = itemsOf(desk, procedure);
+    for (ItemPick& item : items)
+        item.Selected = ticked.contains({item.SKU, item.MatrixSKU});
     if (items.empty()) {
         desk.message("No items that can or should be reordered found.", "Velmora Tillmark Profesional");
         return {};

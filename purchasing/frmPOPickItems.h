@@ -5,7 +5,9 @@
 #include "purchasing/pickrows.h"
 
 #include <cstdint>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace merchantry::purchasing {
@@ -38,8 +40,9 @@ private:
     PickRows<ItemPick> rows_;
 };
 
-// The items that the user ticks among those of the procedure (columns MatrixSKU, SKU, Name, Quantity, Restock); empty when there are none,
-// which is said, or on Cancel. Throws DbError.
-std::vector<ItemPick> PickItems(ui::Desk& desk, const db::Sql& procedure, const std::string& supplierName);
+// The items that the user ticks among those of the procedure (columns MatrixSKU, SKU, Name, Quantity, Restock); those of `ticked` (pairs of
+// SKU and MatrixSKU) are ticked beforehand. Empty when there are none, which is said, or on Cancel. Throws DbError.
+using ItemKeys = std::set<std::pair<std::string, std::string>>;
+std::vector<ItemPick> PickItems(ui::Desk& desk, const db::Sql& procedure, const std::string& supplierName, const ItemKeys& ticked = {});
 
 } // namespace merchantry::purchasing

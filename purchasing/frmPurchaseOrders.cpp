@@ -66,6 +66,7 @@ frmPurchaseOrders::frmPurchaseOrders(Desk& desk) : Form(desk, "frmPurchaseOrders
     optDescending.click = [this] { sortList(); };
     grdPO.rowColChange = [this] { setButtons(); };
     grdPO.dblClick = [this] { cmdEdit_Click(); };
+    cmdAdd.click = [this] { cmdAdd_Click(); };
     cmdEdit.click = [this] { cmdEdit_Click(); };
     cmdDelete.click = [this] { cmdDelete_Click(); };
     cmdRecvInvent.click = [this] { cmdRecvInvent_Click(); };

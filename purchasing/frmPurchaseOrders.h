@@ -43,6 +43,9 @@ private:
     void setButtons();
     std::int16_t currentNumber() const;
     bool currentIs(const char* status) const;
+    void cmdAdd_Click();
+    void createByRun();
+    void createByHand();
     void cmdEdit_Click();
     void cmdDelete_Click();
     void cmdRecvInvent_Click();

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "base/rows.h"
+#include "base/listrows.h"
 
-#include <functional>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,7 +10,7 @@ namespace merchantry::purchasing {
 
 // The entries of a pick list as the rows of a grid: the tick (Entry::Selected) in column 0, what the screen shows of an entry behind it,
 // and in the last column the entry's place in the list, from 1. Only the tick can be changed. Borrows the list, which keeps its length.
-template <class Entry> class PickRows : public Rows {
+template <class Entry> class PickRows : public ListRows {
 public:
     using Shown = Value (*)(const Entry&);
     PickRows(std::vector<Entry>& entries, std::vector<Shown> shown) : entries_(entries), shown_(std::move(shown)) {}
@@ -27,29 +25,15 @@ public:
         const auto shown = static_cast<std::size_t>(column) - 1;
         return shown < shown_.size() ? shown_[shown](entry) : Value(row + 1);
     }
-    std::string_view cellText(int row, int column) const override {
-        scratch_ = cell(row, column).toText();
-        return scratch_;
-    }
     bool canChange() const override { return true; }
     void setCell(int row, int column, const Value& value) override {
         if (column == 0)
             entries_.at(static_cast<std::size_t>(row)).Selected = value.toFlag();
     }
-    void addRow(const std::vector<Value>&) override {}
-    void removeRow(int) override {}
-    int listen(std::function<void()> changed) override {
-        listeners_[nextListener_] = std::move(changed);
-        return nextListener_++;
-    }
-    void stopListening(int listener) override { listeners_.erase(listener); }
 
 private:
     std::vector<Entry>& entries_;
     std::vector<Shown> shown_;
-    std::map<int, std::function<void()>> listeners_;
-    int nextListener_ = 1;
-    mutable std::string scratch_;
 };
 
 } // namespace merchantry::purchasing

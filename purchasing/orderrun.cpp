@@ -1,0 +1,146 @@
+#include "purchasing/orderrun.h"
+
+#include "app/db/ado/transaction.h"
+#include "base/numbers.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace merchantry::purchasing {
+
+using db::Sql;
+
+namespace {
+
+constexpr int kNoSupplier = -999; // a number that no supplier has
+
+std::int16_t shortOf(db::Recordset& row, const char* column) {
+    return toInt16(row[column].Value().toNumber());
+}
+
+// The order that is being written, and the transaction around it.
+class OrderWriter {
+public:
+    explicit OrderWriter(db::ConnectionPtr connection) : connection_(std::move(connection)) {}
+
+    void add(const OrderLine& line) {
+        if (line.SupID != supplier_) {
+            close();
+            open(line.SupID);
+        }
+        const auto entered = connection_->Execute(Sql("sp_InsertPOItem ") + poid_ + ", '" + line.SKU + "', '" + line.MatrixSKU + "', " +
+                                                  line.ReorderQty + ", " + line.Cost + ", '" + line.PartNo + "'");
+        if (shortOf(*entered, "Qty") > 0)
+            ++taken_;
+    }
+    // An order without lines is given up, and no number is used up for it.
+    void close() {
+        if (transaction_ && taken_ > 0) {
+            connection_->Execute(Sql("sp_UpdatePONumber ") + poid_);
+            transaction_->commit();
+            written_.lines += taken_;
+            ++written_.orders;
+        }
+        transaction_.reset();
+        taken_ = 0;
+    }
+    OrdersWritten stop() {
+        written_.stopped = true;
+        return written_;
+    }
+    const OrdersWritten& written() const { return written_; }
+
+private:
+    void open(std::int16_t supplier) {
+        transaction_.emplace(connection_);
+        const auto header = connection_->Execute(Sql("sp_InsertPOHeader ") + supplier);
+        poid_ = shortOf(*header, "POID");
+        supplier_ = supplier;
+    }
+
+    db::ConnectionPtr connection_;
+    std::optional<db::Transaction> transaction_;
+    int supplier_ = kNoSupplier;
+    int poid_ = 0;
+    int taken_ = 0;
+    OrdersWritten written_;
+};
+
+} // namespace
+
+void addLine(std::vector<OrderLine>& lines, db::Recordset& row) {
+    OrderLine line;
+    line.SKU = row["SKU"].text();
+    line.MatrixSKU = row["MatrixSKU"].text();
+    line.Quantity = shortOf(row, "Quantity");
+    line.Restock = shortOf(row, "Restock");
+    line.ReorderQty = toInt16(row["Reorder"].Value().toNumber() - row["QtyOrdered"].Value().toNumber());
+    toInt16(static_cast<double>(lines.size() + 1)); // lines are counted in 16 bits
+    lines.push_back(std::move(line));
+}
+
+void addLines(std::vector<OrderLine>& lines, db::Recordset& rows) {
+    const std::size_t first = lines.size();
+    for (; !rows.Eof(); rows.MoveNext())
+        if (lines.size() == first || lines.back().SKU != rows["SKU"].text() || lines.back().MatrixSKU != rows["MatrixSKU"].text())
+            addLine(lines, rows);
+}
+
+db::RecordsetPtr offersFor(db::Connection& connection, const OrderLine& line, SupplierRule rule) {
+    return connection.Execute((rule == SupplierRule::LowestCost ? Sql("sp_GetPOInfoByCost '") : Sql("sp_GetPOInfoByPriority '")) +
+                              line.SKU + "', '" + line.MatrixSKU + "', " + line.ReorderQty);
+}
+
+void takeOffer(OrderLine& line, db::Recordset& offer) {
+    line.ReorderQty = shortOf(offer, "ReorderQty");
+    line.Cost = offer["Cost"].Value().toCurrency();
+    line.PartNo = offer["PartNo"].text();
+    line.SupID = shortOf(offer, "SupID");
+    line.Priority = shortOf(offer, "Priority");
+}
+
+void groupBySupplier(std::vector<OrderLine>& lines) {
+    const int count = static_cast<int>(lines.size());
+    // A supplier and, in the lower half, the line's place: what changes places in the passes. Comparing the places of one supplier's lines
+    // never moves them, since they begin in order.
+    std::vector<std::uint32_t> keys(static_cast<std::size_t>(count) + 1); // counted from 1
+    for (int i = 1; i <= count; ++i) {
+        const auto supplier = static_cast<std::uint32_t>(lines[static_cast<std::size_t>(i) - 1].SupID + 0x8000);
+        keys[static_cast<std::size_t>(i)] = supplier << 16 | static_cast<std::uint32_t>(i - 1);
+    }
+    for (int i = count - 1; i >= 2; --i) {
+        std::uint32_t exchanged = 0;
+        std::uint32_t carried = keys[1]; // line j, which moves on while the next one is smaller
+        for (int j = 1; j <= i; ++j) {
+            const std::uint32_t next = keys[static_cast<std::size_t>(j) + 1];
+            const std::uint32_t smaller = std::min(carried, next);
+            exchanged |= smaller ^ carried;
+            keys[static_cast<std::size_t>(j)] = smaller;
+            carried = std::max(carried, next);
+        }
+        keys[static_cast<std::size_t>(i) + 1] = carried;
+        if (exchanged == 0)
+            break;
+    }
+    std::vector<OrderLine> grouped;
+    grouped.reserve(lines.size());
+    for (int i = 1; i <= count; ++i)
+        grouped.push_back(std::move(lines[keys[static_cast<std::size_t>(i)] & 0xffff]));
+    lines = std::move(grouped);
+}
+
+OrdersWritten writeOrders(const db::ConnectionPtr& connection, const std::vector<OrderLine>& lines,
+                          const std::function<bool(int done)>& progress) {
+    OrderWriter writer(connection);
+    int done = 0;
+    for (const OrderLine& line : lines) {
+        writer.add(line);
+        if (!progress(++done))
+            return writer.stop();
+    }
+    writer.close();
+    return writer.written();
+}
+
+} // namespace merchantry::purchasing
