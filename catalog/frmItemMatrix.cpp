@@ -202,13 +202,8 @@ void frmItemMatrix::Form_Unload(bool& /*cancel*/) {
     guarded({kTag, "Form_Unload"}, [this] {
         grdMatrixGroups.bind(nullptr);
         grdMatrixCategs.bind(nullptr);
-        for (const db::RecordsetPtr& rows : {groups_, categories_}) {
-            if (rows == nullptr || rows->State() == 0)
-                continue;
-            if (rows->onRow())
-                rows->CancelUpdate();
-            rows->Close();
-        }
+        closeRows(groups_);
+        closeRows(categories_);
     });
 }
 

@@ -237,13 +237,8 @@ void frmItemParent::Form_Unload(bool& /*cancel*/) {
     guarded({kTag, "Form_Unload"}, [this] {
         tmrSearchCriteriaDelay.stop();
         grdItems.bind(nullptr);
-        for (const db::RecordsetPtr& rows : {children_, item_, departments_}) {
-            if (rows == nullptr || rows->State() == 0)
-                continue;
-            if (rows->onRow())
-                rows->CancelUpdate();
-            rows->Close();
-        }
+        for (db::RecordsetPtr* rows : {&children_, &item_, &departments_})
+            closeRows(*rows);
     });
 }
 

@@ -319,18 +319,12 @@ void frmItems::Form_Unload(bool& cancel) {
         panel.release();
         for (Grid* grid : {&grdSuppliers, &grdPriceMatrix, &grdSubs, &grdItemMatrix})
             grid->bind(nullptr);
-        for (const db::RecordsetPtr& rows : {modMain().ItemRecordset, priceRows_, supplierRows_, subsRows_, matrixRows_}) {
-            if (rows == nullptr || rows->State() == 0)
-                continue;
-            if (rows->onRow())
-                rows->CancelUpdate();
-            rows->Close();
-        }
         ModMain& session = modMain();
+        for (db::RecordsetPtr* rows : {&session.ItemRecordset, &priceRows_, &supplierRows_, &subsRows_, &matrixRows_})
+            closeRows(*rows);
         session.CurrentSKU.clear();
         session.CurrentMatrixSKU.clear();
         session.CurrentItemName.clear();
-        session.ItemRecordset.reset();
     });
     if (!Modal && modMain().doors.ShowItemList)
         modMain().doors.ShowItemList();

@@ -67,8 +67,7 @@ void frmItems::reloadPrices(int tier) {
     auto key = itemKey();
     key.push_back(intParameter("Tier", tier));
     grdPriceMatrix.bind(nullptr);
-    if (priceRows_ != nullptr && priceRows_->State() != 0)
-        priceRows_->Close();
+    closeRows(priceRows_);
     priceRows_ = openUpdatable("bsp_PriceMatrixGrid", key);
     grdPriceMatrix.bind(priceRows_.get());
     grdPriceMatrix.setStatusText(selectedTier() == tier || lbxTier.listIndex() < 0

@@ -45,10 +45,7 @@ void frmPriceTiers::Form_Load() {
 
 void frmPriceTiers::Form_Unload(bool& /*cancel*/) {
     grdTiers.bind(nullptr);
-    if (rows_ == nullptr || rows_->State() == 0)
-        return;
-    rows_->CancelUpdate();
-    rows_->Close();
+    closeRows(rows_);
 }
 
 void frmPriceTiers::cmdAdd_Click() {

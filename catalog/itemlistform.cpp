@@ -113,11 +113,7 @@ void ItemListForm::Form_Unload(bool& /*cancel*/) {
         if (search_ != nullptr)
             search_->Close();
         grdItems.bind(nullptr);
-        if (rows_ != nullptr && rows_->State() != 0) {
-            if (rows_->onRow())
-                rows_->CancelUpdate();
-            rows_->Close();
-        }
+        closeRows(rows_);
     });
 }
 
@@ -153,8 +149,7 @@ void ItemListForm::Init_Grid(bool activeOnly, bool inactiveOnly) {
 
 void ItemListForm::loadGrid(const Sql& command) {
     grdItems.bind(nullptr);
-    if (rows_ != nullptr && rows_->State() != 0)
-        rows_->Close();
+    closeRows(rows_);
     rows_ = openDirect(command, db::CursorType::Static, db::LockType::ReadOnly);
     const std::string sort = desk().remembered(name(), "sort");
     if (std::find(kSorts.begin(), kSorts.end(), sort) != kSorts.end())

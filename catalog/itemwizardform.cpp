@@ -92,11 +92,7 @@ void ItemWizardForm::Form_Unload(bool& /*cancel*/) {
     guarded({kTag, "Form_Unload"}, [this] {
         tmrSearchCriteriaDelay.stop();
         grdItems.bind(nullptr);
-        if (rows_ == nullptr || rows_->State() == 0)
-            return;
-        if (rows_->onRow())
-            rows_->CancelUpdate();
-        rows_->Close();
+        closeRows(rows_);
     });
 }
 
