@@ -2,11 +2,10 @@
 
 #include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
+#include "app/movingaverage.h"
 #include "base/currency.h"
-#include "base/division.h"
 #include "base/text.h"
 
-#include <optional>
 #include <unordered_map>
 
 namespace merchantry::app {
@@ -19,12 +18,11 @@ constexpr const char* kNothing = "nothing";
 
 struct Stopped {};
 
-// An item's figures as its movements so far make them; money in ten-thousandths.
+// An item's figures as its movements so far make them.
 struct Built {
     std::string sku;
     std::string matrixSku;
-    std::int64_t onHand = 0;
-    std::optional<std::int64_t> average;
+    MovingAverage figures;
     bool wrong = false; // a row was found already
 };
 
@@ -38,7 +36,7 @@ public:
             return built_[known->second];
         const auto [place, added] = byKey_.emplace(lowerCase(withoutEnd(sku)) + '\0' + lowerCase(withoutEnd(matrixSku)), built_.size());
         if (added)
-            built_.push_back({std::string(sku), std::string(matrixSku), 0, {}, false});
+            built_.push_back({std::string(sku), std::string(matrixSku), {}, false});
         bySpelling_.emplace(spelled_, place->second);
         return built_[place->second];
     }
@@ -56,25 +54,6 @@ private:
     std::string spelled_;
 };
 
-std::int64_t averaged(const Built& item, std::int64_t quantity, std::int64_t cost) {
-    return dividedAwayFromZero(static_cast<__int128>(item.onHand) * *item.average + static_cast<__int128>(quantity) * cost,
-                               item.onHand + quantity);
-}
-
-// The rule of the ledger's trigger for one more movement.
-void move(Built& item, std::int64_t quantity, std::int64_t cost, bool reversal) {
-    if (reversal && item.average) {
-        if (quantity < 0 && item.onHand + quantity > 0)
-            if (const std::int64_t rest = averaged(item, quantity, cost); rest >= 0)
-                item.average = rest;
-    } else if (quantity > 0 && item.onHand > 0 && item.average) {
-        item.average = averaged(item, quantity, cost);
-    } else if (quantity > 0 || !item.average) {
-        item.average = cost;
-    }
-    item.onHand += quantity;
-}
-
 // Follows the ledger row by row.
 class LedgerWalk : public db::ResultSink {
 public:
@@ -84,9 +63,9 @@ public:
     void row(const RowView& row) override {
         Built& item = items_.at(row.text(0), row.text(1));
         const std::int64_t id = row.number(2);
-        move(item, row.number(3), row.number(4), !row.isNull(7));
-        compare(item, row, id, 6, What::Balance, item.onHand);
-        compare(item, row, id, 5, What::WeightedCost, *item.average);
+        item.figures.move(row.number(3), row.number(4), !row.isNull(7));
+        compare(item, row, id, 6, What::Balance, item.figures.onHand);
+        compare(item, row, id, 5, What::WeightedCost, *item.figures.average);
         if (++proof_.rows % kRowsBetweenTellings == 0 && !progress_(static_cast<int>(std::min<std::int64_t>(99, id * 100 / lastId_))))
             throw Stopped();
     }
@@ -117,8 +96,9 @@ public:
     void beginSet(const std::vector<db::Column>&) override {}
     void row(const RowView& row) override {
         Built& item = items_.at(row.text(0), row.text(1));
-        if (item.onHand != row.number(2))
-            proof_.stock.push_back({What::Stock, item.sku, item.matrixSku, 0, std::to_string(row.number(2)), std::to_string(item.onHand)});
+        if (item.figures.onHand != row.number(2))
+            proof_.stock.push_back(
+                {What::Stock, item.sku, item.matrixSku, 0, std::to_string(row.number(2)), std::to_string(item.figures.onHand)});
     }
 
 private:

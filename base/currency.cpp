@@ -1,5 +1,7 @@
 #include "base/currency.h"
 
+#include "base/division.h"
+
 #include <cmath>
 
 namespace merchantry {
@@ -11,23 +13,6 @@ Currency narrowed(Wide units) {
     if (units > INT64_MAX || units < INT64_MIN)
         throw OverflowError("The amount is too large for money.");
     return Currency::fromUnits(static_cast<std::int64_t>(units));
-}
-
-// Quotient rounded to nearest, halves to even. Requires: divisor != 0.
-Wide divideHalfEven(Wide dividend, Wide divisor) {
-    if (divisor < 0) {
-        dividend = -dividend;
-        divisor = -divisor;
-    }
-    Wide quotient = dividend / divisor;
-    Wide rest = dividend % divisor;
-    const bool negative = rest < 0;
-    if (negative)
-        rest = -rest;
-    const Wide twice = rest * 2;
-    if (twice > divisor || (twice == divisor && (quotient & 1) != 0))
-        quotient += negative ? -1 : 1;
-    return quotient;
 }
 
 std::string digitsOf(unsigned long long number, int atLeast) {
@@ -130,7 +115,7 @@ Currency Currency::operator-() const {
 }
 
 Currency Currency::operator*(Currency other) const {
-    return narrowed(divideHalfEven(static_cast<Wide>(units_) * other.units_, kUnitsPerOne));
+    return narrowed(dividedHalfEven(static_cast<Wide>(units_) * other.units_, kUnitsPerOne));
 }
 
 Currency Currency::operator*(std::int64_t factor) const {
@@ -140,14 +125,14 @@ Currency Currency::operator*(std::int64_t factor) const {
 Currency Currency::operator/(Currency other) const {
     if (other.units_ == 0)
         throw std::domain_error("Division by zero");
-    return narrowed(divideHalfEven(static_cast<Wide>(units_) * kUnitsPerOne, other.units_));
+    return narrowed(dividedHalfEven(static_cast<Wide>(units_) * kUnitsPerOne, other.units_));
 }
 
 Currency Currency::rounded(int decimals) const {
     Wide step = 1;
     for (int i = decimals; i < 4; ++i)
         step *= 10;
-    return narrowed(divideHalfEven(units_, step) * step);
+    return narrowed(dividedHalfEven(units_, step) * step);
 }
 
 std::string Currency::toText() const {

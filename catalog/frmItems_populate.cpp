@@ -1,9 +1,9 @@
 #include "catalog/frmItems.h"
 
+#include "app/profit.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "catalog/itemscreen.h"
-#include "catalog/profit.h"
 #include "ui/desk.h"
 
 namespace merchantry::catalog {

@@ -1,8 +1,8 @@
-#include "catalog/profit.h"
+#include "app/profit.h"
 
 #include <gtest/gtest.h>
 
-namespace merchantry::catalog {
+namespace merchantry::app {
 namespace {
 
 TEST(Profit, IsTheMarginOnThePriceRoundedHalvesToEven) {
@@ -19,4 +19,4 @@ TEST(Profit, IsTheMarginOnThePriceRoundedHalvesToEven) {
 }
 
 } // namespace
-} // namespace merchantry::catalog
+} // namespace merchantry::app
