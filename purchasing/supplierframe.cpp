@@ -15,17 +15,12 @@ SupplierFrame::SupplierFrame(ui::Form& form)
 
 ui::Item SupplierFrame::item() {
     using namespace ui;
-    return group(fraSupplier, row({
-                                  column({at(lblSupplier), at(lblAddress1), at(lblAddress2), at(lblAddress3), at(lblCity)}).stretched(),
-                                  fields({
-                                             field("Sales person:", lblSalesPerson),
-                                             field("Phone:", lblPhone),
-                                             field("Fax:", lblFax),
-                                             field("Email:", lblEmail),
-                                             field("Web site:", lblWebsite),
-                                         })
-                                      .stretched(),
-                              }));
+    return group(fraSupplier,
+                 row({
+                     column({at(lblSupplier), at(lblAddress1), at(lblAddress2), at(lblAddress3), at(lblCity)}).stretched(),
+                     fields({field("Sales person:", lblSalesPerson), field("Phone:", lblPhone), field("Fax:", lblFax)}).stretched(),
+                     fields({field("Email:", lblEmail), field("Web site:", lblWebsite)}).stretched(),
+                 }));
 }
 
 SupplierFrame::Supplier SupplierFrame::load(std::int16_t PONumber, std::int16_t SupplierID) {
