@@ -83,6 +83,11 @@ void ComboBox::setListIndex(int index) {
         click();
 }
 
+void ComboBox::dropDown() {
+    ++dropWishes_;
+    changed(Aspect::Choice);
+}
+
 void ComboBox::setLocked(bool on) {
     locked_ = on;
     changed(Aspect::State);

@@ -68,6 +68,10 @@ public:
 
     bool locked() const { return locked_; }
     void setLocked(bool on);
+    // Opens the list before the user, where one is drawn.
+    void dropDown();
+    // Counts these wishes, so that a drawing notices a new one.
+    int dropWishes() const { return dropWishes_; }
 
     bool editable = false;
     std::function<void()> change;
@@ -77,6 +81,7 @@ private:
     std::vector<ListEntry> entries_;
     std::string text_;
     int index_ = -1;
+    int dropWishes_ = 0;
     bool locked_ = false;
 };
 

@@ -122,6 +122,9 @@ public:
         if (aspect == Aspect::Text || aspect == Aspect::Choice)
             showChoice();
         if constexpr (std::is_base_of_v<ComboBox, L>)
+            if (aspect == Aspect::Choice && std::exchange(dropWishes_, list_.dropWishes()) != list_.dropWishes())
+                openSoon();
+        if constexpr (std::is_base_of_v<ComboBox, L>)
             if (aspect == Aspect::State && widget_->property("readOnly").toBool() != list_.locked()) {
                 widget_->setProperty("readOnly", list_.locked());
                 setLook(*widget_, "field");
@@ -143,6 +146,17 @@ private:
             if (host_.form() != nullptr)
                 showChoice();
         });
+    }
+
+    // When the procedure that wishes it is done, and the keyboard is here.
+    void openSoon() {
+        QMetaObject::invokeMethod(
+            widget_,
+            [this] {
+                if (host_.form() != nullptr && combo().hasFocus())
+                    combo().showPopup();
+            },
+            Qt::QueuedConnection);
     }
 
     void picked(int index) {
@@ -174,6 +188,7 @@ private:
     L& list_;
     EntryModel* model_;
     Reloader* reloader_;
+    int dropWishes_ = 0;
 };
 
 // A list that stands open.
