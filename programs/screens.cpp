@@ -24,12 +24,15 @@
 #include "inventory/frmInventory_Adjust.h"
 #include "inventory/frmInventory_Serial.h"
 #include "inventory/frmStockProof.h"
+#include "purchasing/frmOtherCost.h"
+#include "purchasing/frmPOCancel.h"
 #include "purchasing/frmPOCreate.h"
 #include "purchasing/frmPOFrom.h"
 #include "purchasing/frmPOItemHistory.h"
 #include "purchasing/frmPOPickItems.h"
 #include "purchasing/frmPurchaseOrders.h"
 #include "purchasing/frmPurchaseOrders_New.h"
+#include "purchasing/frmPurchaseOrders_Recv.h"
 #include "purchasing/frmSuppliers.h"
 #include "purchasing/frmSuppliers_Info.h"
 #include "reports/frmOrphanedItems.h"
@@ -77,6 +80,9 @@ constexpr Screen kScreens[] = {
     {"frmPOFrom", instanceOf<purchasing::frmPOFrom>, false},
     {"frmPOPickItems", instanceOf<purchasing::frmPOPickItems>, false},
     {"frmPurchaseOrders", instanceOf<purchasing::frmPurchaseOrders>, true},
+    {"frmPurchaseOrders_Recv", instanceOf<purchasing::frmPurchaseOrders_Recv>, false},
+    {"frmOtherCost", instanceOf<purchasing::frmOtherCost>, false},
+    {"frmPOCancel", instanceOf<purchasing::frmPOCancel>, false},
     {"frmPOItemHistory", instanceOf<purchasing::frmPOItemHistory>, false},
     {"frmPurchaseOrder_View", instanceOf<reports::frmPurchaseOrder_View>, false},
     {"frmPurchaseOrders_New", instanceOf<purchasing::frmPurchaseOrders_New>, false},

@@ -3,7 +3,9 @@
 #include "app/modMain.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "purchasing/frmPOCancel.h"
 #include "purchasing/frmPOFrom.h"
+#include "purchasing/frmPurchaseOrders_Recv.h"
 #include "ui/desk.h"
 
 namespace merchantry::purchasing {
@@ -236,13 +238,24 @@ void frmPurchaseOrders::cmdEdit_Click() {
 }
 
 void frmPurchaseOrders::cmdDelete_Click() {
-    if (!grdPO.selected())
-        desk().message("Please select a valid Purchase Order", kProduct);
+    takeFrom<frmPOCancel>();
 }
 
 void frmPurchaseOrders::cmdRecvInvent_Click() {
-    if (!grdPO.selected())
+    takeFrom<frmPurchaseOrders_Recv>();
+}
+
+// Opens the screen that receives or cancels what is open of the current order.
+template <class Screen> void frmPurchaseOrders::takeFrom() {
+    if (!grdPO.selected()) {
         desk().message("Please select a valid Purchase Order", kProduct);
+        return;
+    }
+    auto& screen = desk().form<Screen>();
+    screen.PONumber = currentNumber();
+    desk().showModal(screen);
+    if (screen.DialogResult)
+        reload();
 }
 
 void frmPurchaseOrders::openReport(std::int16_t type) {

@@ -49,6 +49,7 @@ private:
     void cmdEdit_Click();
     void cmdDelete_Click();
     void cmdRecvInvent_Click();
+    template <class Screen> void takeFrom();
     void openReport(std::int16_t type);
 
     ui::Label lblHeading{*this, "lblHeading", "Purchase Orders"};

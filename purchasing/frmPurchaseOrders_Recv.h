@@ -1,0 +1,97 @@
+#pragma once
+
+#include "purchasing/receiveline.h"
+#include "purchasing/supplierframe.h"
+#include "ui/button.h"
+#include "ui/choice.h"
+#include "ui/form.h"
+#include "ui/grid.h"
+#include "ui/label.h"
+#include "ui/list.h"
+#include "ui/tabset.h"
+#include "ui/textbox.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace merchantry::purchasing {
+
+// Books what has arrived of one order: quantities, costs and other costs of its open lines, all in one transaction. A code typed or scanned
+// selects its line; the second page works out what the receipt would make of each item's cost. Set the members, show it modally, read
+// DialogResult.
+class frmPurchaseOrders_Recv : public ui::Form {
+public:
+    explicit frmPurchaseOrders_Recv(ui::Desk& desk);
+
+    std::int16_t PONumber = 0;
+    std::int16_t SupplierID = 0;
+    bool DialogResult = false; // a receipt was posted
+
+private:
+    void Form_Load() override;
+
+    void ShowSupplier();
+    void loadLines();
+    void loadPrinters();
+    void showLines();
+    void showRow(int row, const ReceiveLine& line);
+    void showTotals();
+    void showStatus();
+    void setAvailable();
+
+    void txtCode_KeyDown(const std::string& key, bool& swallow);
+    int rowOfCode(const std::string& code);
+    void loadBarcodes();
+
+    void grdPOItems_BeforeEdit(int row, int column, bool& cancel);
+    void grdPOItems_AfterEdit(int row, int column);
+    void takeQuantity(int row, ReceiveLine& line);
+    void takeCost(int row, ReceiveLine& line);
+    void tabReceive_Change();
+    void rehearse();
+    void chkPrintLabels_Click();
+    void cmdNotReceived_Click();
+    void cmdOtherCost_Click();
+    void cmdViewHist_Click();
+
+    void cmdOK_Click();
+    void post();
+    void MemorizePO();
+    void printLabels();
+
+    ui::Label lblHeading{*this, "lblHeading", "Receive Inventory"};
+    SupplierFrame supplier_{*this};
+    ui::TabSet tabReceive{*this, "tabReceive", {"Order Lines", "Rehearsal"}};
+
+    // Order Lines
+    ui::TextBox txtCode{*this, "txtCode"};
+    ui::Label lblCode{*this, "lblCode"}; // what the code found
+    ui::Grid grdPOItems{*this, "grdPOItems"};
+
+    // Rehearsal
+    ui::Label lblRehearsal{*this, "lblRehearsal"};
+    ui::Grid grdRehearsal{*this, "grdRehearsal"};
+
+    ui::CheckBox chkPrintLabels{*this, "chkPrintLabels", "Print &labels"};
+    ui::Label lblLabelT{*this, "lblLabelT", "Label size and printer:"};
+    ui::ComboBox cboPrint{*this, "cboPrint"};
+    ui::Label lblSubtotal{*this, "lblSubtotal"};
+    ui::Label lblOtherCosts{*this, "lblOtherCosts"};
+    ui::Label lblTotal{*this, "lblTotal"};
+    ui::Button cmdNotReceived{*this, "cmdNotReceived", "&Not Received"};
+    ui::Button cmdOtherCost{*this, "cmdOtherCost", "O&ther Costs"};
+    ui::Button cmdViewHist{*this, "cmdViewHist", "Item &History"};
+    ui::Button cmdCancel{*this, "cmdCancel", "&Cancel"};
+    ui::Button cmdOK{*this, "cmdOK", "&OK"};
+
+    std::vector<ReceiveLine> lines_;
+    std::vector<std::string> barcodes_; // of the lines; empty until the first code is looked for
+    Currency Subtotal_;
+    Currency OtherCost_;
+    std::string OtherCostDesc_;
+    std::int16_t ReceiptNumber_ = -1; // until the database gives one
+    std::string saved_;               // the cell before its edit
+};
+
+} // namespace merchantry::purchasing

@@ -1,0 +1,60 @@
+#include "purchasing/openlines.h"
+
+#include "app/modMain.h"
+#include "base/numbers.h"
+
+#include <cmath>
+
+namespace merchantry::purchasing {
+
+using app::modMain;
+using app::openDirect;
+
+std::vector<OpenLine> openLines(std::int16_t PONumber) {
+    const auto rows = openDirect(db::Sql("sp_GetPOItemToReceive ") + int{PONumber});
+    auto& row = *rows;
+    const auto quantity = [&row](const char* column) { return toInt16(static_cast<double>(row[column].Value().toInteger())); };
+    std::vector<OpenLine> lines;
+    for (; !row.Eof(); row.MoveNext()) {
+        OpenLine line{row["SKU"].text(),
+                      row["MatrixSKU"].text(),
+                      row["PartNo"].text(),
+                      row["Name"].text(),
+                      quantity("Qty"),
+                      quantity("QtyRecvd"),
+                      quantity("QtyCanceled"),
+                      0,
+                      row["Cost"].Value().toCurrency()};
+        line.OpenQty = static_cast<std::int16_t>(line.Qty - line.QtyRecvd - line.QtyCanceled);
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+std::optional<std::int16_t> wholeQuantity(const std::string& text) {
+    const auto number = numberOf(text);
+    if (!number || *number < 0 || *number != std::trunc(*number))
+        return std::nullopt;
+    return toInt16(*number);
+}
+
+bool breaksStatement(const std::string& text) {
+    try {
+        (db::Sql("'") + text + "'").check();
+        return false;
+    } catch (const db::DbError&) {
+        return true;
+    }
+}
+
+std::int16_t postedNumber(const db::Sql& statement, const char* column) {
+    const auto answer = modMain().Conn->Execute(statement);
+    return toInt16(static_cast<double>((*answer)[column].Value().toInteger()));
+}
+
+void changeStatus(std::int16_t PONumber, bool anyOpen) {
+    const std::string status = anyOpen ? "P" : "C";
+    modMain().Conn->Execute(db::Sql("sp_ChangePOStatus ") + int{PONumber} + ", '" + status + "'");
+}
+
+} // namespace merchantry::purchasing

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "app/db/sql.h"
+#include "base/currency.h"
+#include "ui/grid.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace merchantry::purchasing {
+
+// What the screens that receive and cancel an order's open lines share.
+
+// Titles of their boxes; the second one where a posting is refused.
+constexpr const char* kBoxTitle = "Velmora Tillmark Professional";
+constexpr const char* kPostingTitle = "Velmora Tillmark Professonal";
+
+// A line of an order of which something is still open, as it was when it was read.
+struct OpenLine {
+    std::string SKU;
+    std::string MatrixSKU;
+    std::string PartNo; // the supplier's
+    std::string Name;
+    std::int16_t Qty = 0; // ordered
+    std::int16_t QtyRecvd = 0;
+    std::int16_t QtyCanceled = 0;
+    std::int16_t OpenQty = 0;
+    Currency Cost; // of a piece
+
+    // Whether something stays open when so many are received or cancelled now. What exceeds the order leaves nothing open.
+    bool staysOpen(std::int16_t quantity) const { return quantity + QtyRecvd + QtyCanceled < Qty; }
+};
+
+// The open lines of the order with that number, in the order of their names. Throws DbError.
+std::vector<OpenLine> openLines(std::int16_t PONumber);
+
+// A whole number from 0 on; nothing for any other text. Throws OverflowError above 32767.
+std::optional<std::int16_t> wholeQuantity(const std::string& text);
+
+// Whether a text between quotes would make its statement fail: an apostrophe that stands alone.
+bool breaksStatement(const std::string& text);
+
+// Runs a statement of a posting that answers with the posting's number, which stands in that column. Throws DbError.
+std::int16_t postedNumber(const db::Sql& statement, const char* column);
+// Writes that the order is partial, when a line stays open, or closed. Throws DbError.
+void changeStatus(std::int16_t PONumber, bool anyOpen);
+
+// The line of a data row, whose hidden column holds its place in the list from 1; nothing for the heading or no row.
+template <class Line> Line* lineOf(std::vector<Line>& lines, const ui::Grid& grid, int row, int indexColumn) {
+    return row < 1 || row > grid.dataRows() ? nullptr : &lines.at(static_cast<std::size_t>(std::stoi(grid.rawText(row, indexColumn)) - 1));
+}
+
+} // namespace merchantry::purchasing
