@@ -74,9 +74,7 @@ BaseRow Binder::changeTarget(const ObjectName& name, const std::vector<TableRefP
     return source.bases[0];
 }
 
-std::string Binder::assignedValue(const Assignment& assignment, const TableDef& table, int column, Scope& scope,
-                                  const std::string& current) {
-    (void)scope;
+std::string Binder::assignedValue(const Assignment& assignment, const TableDef& table, int column, const std::string& current) {
     Typed value = assignment.value->kind == ExprKind::Default ? defaultOf(table, column) : bindValue(*assignment.value);
     if (assignment.op != "=") {
         Typed before;
@@ -94,6 +92,135 @@ std::string Binder::assignedValue(const Assignment& assignment, const TableDef& 
     return sql;
 }
 
+// An UPDATE while it is bound.
+struct Binder::Updating {
+    explicit Updating(const UpdateStatement& of) : statement(of) {}
+
+    const UpdateStatement& statement;
+    Scope scope;
+    std::string from;
+    Source source;                                    // what FROM or the statement names
+    BaseRow base;                                     // the row that changes
+    bool instead = false;                             // a trigger takes the statement's place
+    std::map<int, std::string> values;                // by column of the table
+    std::map<std::string, std::string> insteadValues; // by lower-case name of the shown column
+    std::string variables;                            // what is assigned to variables alone
+    bool subqueries = false;
+    std::string where;
+    std::string limit;
+
+    const TableDef& table() const { return *base.table; }
+    // What the values come from.
+    std::string tail() const { return " FROM " + from + where + limit; }
+};
+
+// Through a view of several tables the assigned columns say which one is meant.
+void Binder::chooseBase(Updating& update) {
+    update.base = changeTarget(update.statement.table, update.statement.from, update.scope, update.from, update.source);
+    const Source& source = update.source;
+    update.instead = context_.catalog.hasInsteadTrigger(source.viewId != 0 ? source.viewId : update.base.table->id, "update");
+    for (const Assignment& assignment : update.statement.assignments) {
+        for (const BoundColumn& column : source.columns) {
+            if (assignment.column.empty() || !sameName(column.name, assignment.column) || !column.value.table)
+                continue;
+            for (const BaseRow& one : source.bases) {
+                if (one.table->id == column.value.table->id)
+                    update.base = one;
+            }
+        }
+    }
+}
+
+void Binder::assignVariable(Updating& update, const Assignment& assignment) {
+    const int slot = variableSlot(assignment.variable, assignment.line);
+    const SqlType& type = context_.variables[static_cast<std::size_t>(slot)].type;
+    Typed value = bindValue(*assignment.value);
+    if (assignment.op != "=") {
+        Typed old;
+        old.type = type;
+        old.sql = "ts_var(" + std::to_string(slot) + ")";
+        value = arithmetic(assignment.op[0], std::move(old), std::move(value), assignment.line);
+    }
+    update.variables += "ts_setvar(" + std::to_string(slot) + "," + implicitTo(std::move(value), type, assignment.line).sql + "),";
+}
+
+// The table's column that a shown column stands for; throws for one that cannot be assigned.
+int Binder::assignedColumn(const Updating& update, const Assignment& assignment, const BoundColumn& target) const {
+    const TableDef& table = update.table();
+    if (!target.value.table || target.value.table->id != table.id)
+        throw typeError(4406,
+                        "Update or insert of view or function '" + update.statement.table.last() +
+                            "' failed because it contains a derived or constant field.",
+                        assignment.line);
+    const ColumnDef& definition = table.columns[static_cast<std::size_t>(target.value.column)];
+    if (definition.computed)
+        throw typeError(271,
+                        "The column \"" + definition.name +
+                            "\" cannot be modified because it is either a computed column or is the result of a UNION operator.",
+                        assignment.line);
+    if (definition.identity)
+        throw typeError(8102, "Cannot update identity column '" + definition.name + "'.", assignment.line);
+    if (update.values.count(target.value.column) != 0)
+        throw syntaxError(264,
+                          "The column name '" + definition.name +
+                              "' is specified more than once in the SET clause. A column cannot be assigned more than one value in the "
+                              "same SET clause.",
+                          assignment.line);
+    return target.value.column;
+}
+
+void Binder::assign(Updating& update, const Assignment& assignment, ChangePlan& plan) {
+    update.subqueries = update.subqueries || containsSubquery(*assignment.value);
+    if (assignment.column.empty())
+        return assignVariable(update, assignment);
+    const BoundColumn* target = nullptr;
+    for (const BoundColumn& column : update.source.columns) {
+        if (sameName(column.name, assignment.column))
+            target = &column;
+    }
+    if (!target)
+        throw nameError(207, "Invalid column name '" + assignment.column + "'.", assignment.line);
+    if (update.instead) {
+        update.insteadValues[lowerCase(target->name)] = implicitTo(bindValue(*assignment.value), target->value.type, assignment.line).sql;
+        return;
+    }
+    const TableDef& table = update.table();
+    const int column = assignedColumn(update, assignment, *target);
+    update.values[column] = assignedValue(assignment, table, column, target->value.sql);
+    plan.updated[static_cast<std::size_t>(column)] = true;
+    plan.changesKey = plan.changesKey || isOfKey(table, table.columns[static_cast<std::size_t>(column)].name);
+}
+
+// One table and nothing looked up elsewhere is updated in place; otherwise the new values are worked out first, by row.
+void Binder::updateText(const Updating& update, ChangePlan& plan) {
+    const TableDef& table = update.table();
+    const bool simple = update.statement.from.empty() && update.limit.empty() && !update.subqueries && update.source.viewId == 0 &&
+                        update.source.sqlAlias + "._rowid_" == update.base.sql;
+    std::string sets;
+    std::string given;
+    for (const auto& [column, value] : update.values) {
+        const std::string name = quotedName(table.columns[static_cast<std::size_t>(column)].name);
+        const std::string number = std::to_string(column);
+        sets += (sets.empty() ? "" : ",") + name + "=" + (simple ? value : "u._v" + number);
+        given += "," + value + " AS _v" + number;
+    }
+    const std::string rows = "SELECT " + update.base.sql + " AS _rid" + given + update.tail();
+    if (simple)
+        plan.sql.text = "UPDATE " + table.storage + " AS " + update.source.sqlAlias + " SET " + sets + update.where;
+    else
+        plan.sql.text = "UPDATE " + table.storage + " AS tt SET " + sets + " FROM (" + rows + ") AS u WHERE tt._rowid_=u._rid";
+    plan.sql.places = places_;
+    if (!plan.changesKey || table.isTemporary())
+        return;
+    std::string all;
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        if (!table.columns[i].computed)
+            all += "," +
+                   (update.values.count(static_cast<int>(i)) != 0 ? "u._v" + std::to_string(i) : "tt." + quotedName(table.columns[i].name));
+    }
+    plan.newRows = {"SELECT u._rid" + all + " FROM (" + rows + ") AS u JOIN " + table.storage + " AS tt ON tt._rowid_=u._rid", places_};
+}
+
 ChangePlan Binder::update(const UpdateStatement& statement) {
     if (!statement.currentOf.empty())
         throw unsupported("WHERE CURRENT OF", statement.line);
@@ -103,129 +230,31 @@ ChangePlan Binder::update(const UpdateStatement& statement) {
         if (!assignment.variable.empty())
             assigned_.insert(variableSlot(assignment.variable, assignment.line));
     }
-    Scope scope;
-    Scope* before = scope_;
-    scope_ = &scope;
-    std::string from;
-    Source source;
-    BaseRow base = changeTarget(statement.table, statement.from, scope, from, source);
-    const bool instead = (source.viewId != 0 && context_.catalog.hasInsteadTrigger(source.viewId, "update")) ||
-                         (source.viewId == 0 && context_.catalog.hasInsteadTrigger(base.table->id, "update"));
-    // Through a view of several tables the assigned columns say which one is meant.
-    for (const Assignment& assignment : statement.assignments) {
-        for (const BoundColumn& column : source.columns) {
-            if (assignment.column.empty() || !sameName(column.name, assignment.column) || !column.value.table)
-                continue;
-            for (const BaseRow& one : source.bases) {
-                if (one.table->id == column.value.table->id)
-                    base = one;
-            }
-        }
-    }
-    const TableDef& table = *base.table;
-    std::map<int, std::string> values;
-    std::map<std::string, std::string> insteadValues;
-    std::string variables;
-    bool subqueries = false;
+    Updating update(statement);
+    Scope* const before = scope_;
+    scope_ = &update.scope;
+    chooseBase(update);
     ChangePlan plan;
-    plan.updated.assign(table.columns.size(), false);
-    for (const Assignment& assignment : statement.assignments) {
-        subqueries = subqueries || containsSubquery(*assignment.value);
-        if (assignment.column.empty()) {
-            const int slot = variableSlot(assignment.variable, assignment.line);
-            const SqlType& type = context_.variables[static_cast<std::size_t>(slot)].type;
-            Typed value = bindValue(*assignment.value);
-            if (assignment.op != "=") {
-                Typed old;
-                old.type = type;
-                old.sql = "ts_var(" + std::to_string(slot) + ")";
-                value = arithmetic(assignment.op[0], std::move(old), std::move(value), assignment.line);
-            }
-            variables += "ts_setvar(" + std::to_string(slot) + "," + implicitTo(std::move(value), type, assignment.line).sql + "),";
-            continue;
-        }
-        const BoundColumn* target = nullptr;
-        for (const BoundColumn& column : source.columns) {
-            if (sameName(column.name, assignment.column))
-                target = &column;
-        }
-        if (!target)
-            throw nameError(207, "Invalid column name '" + assignment.column + "'.", assignment.line);
-        if (instead) {
-            Typed value = implicitTo(bindValue(*assignment.value), target->value.type, assignment.line);
-            insteadValues[lowerCase(target->name)] = value.sql;
-            continue;
-        }
-        if (!target->value.table || target->value.table->id != table.id)
-            throw typeError(4406,
-                            "Update or insert of view or function '" + statement.table.last() +
-                                "' failed because it contains a derived or constant field.",
-                            assignment.line);
-        const int column = target->value.column;
-        const ColumnDef& definition = table.columns[static_cast<std::size_t>(column)];
-        if (definition.computed)
-            throw typeError(271,
-                            "The column \"" + definition.name +
-                                "\" cannot be modified because it is either a computed column or is the result of a UNION operator.",
-                            assignment.line);
-        if (definition.identity)
-            throw typeError(8102, "Cannot update identity column '" + definition.name + "'.", assignment.line);
-        if (values.count(column) != 0)
-            throw syntaxError(264,
-                              "The column name '" + definition.name +
-                                  "' is specified more than once in the SET clause. A column cannot be assigned more than one value in the "
-                                  "same SET clause.",
-                              assignment.line);
-        values[column] = assignedValue(assignment, table, column, scope, target->value.sql);
-        plan.updated[static_cast<std::size_t>(column)] = true;
-        plan.changesKey = plan.changesKey || isOfKey(table, definition.name);
-    }
-    std::string where;
-    if (statement.where) {
-        scope.clause = "WHERE";
-        where = " WHERE " + bindCondition(*statement.where);
-    }
-    const std::string limit = topLimit(statement.top);
     plan.kind = ChangePlan::Kind::Update;
-    plan.table = base.table;
-    if (instead) {
-        std::string tail = " FROM " + from + where + limit;
-        bindInstead(plan, source, insteadValues, tail, true, true);
-        scope_ = before;
+    plan.table = update.base.table;
+    plan.updated.assign(update.table().columns.size(), false);
+    for (const Assignment& assignment : statement.assignments)
+        assign(update, assignment, plan);
+    if (statement.where) {
+        update.scope.clause = "WHERE";
+        update.where = " WHERE " + bindCondition(*statement.where);
+    }
+    update.limit = topLimit(statement.top);
+    scope_ = before;
+    if (update.instead) {
+        bindInstead(plan, update.source, update.insteadValues, update.tail(), true, true);
         return plan;
     }
-    if (values.empty())
+    if (update.values.empty())
         throw unsupported("UPDATE that sets variables only", statement.line);
-    if (!variables.empty())
-        values.begin()->second = "ts_last(" + variables + values.begin()->second + ")";
-    const bool simple =
-        statement.from.empty() && limit.empty() && !subqueries && source.viewId == 0 && source.sqlAlias + "._rowid_" == base.sql;
-    std::string sets;
-    std::string given;
-    for (const auto& [column, value] : values) {
-        const std::string name = quotedName(table.columns[static_cast<std::size_t>(column)].name);
-        const std::string number = std::to_string(column);
-        sets += (sets.empty() ? "" : ",") + name + "=" + (simple ? value : "u._v" + number);
-        given += "," + value + " AS _v" + number;
-    }
-    if (simple)
-        plan.sql.text = "UPDATE " + table.storage + " AS " + source.sqlAlias + " SET " + sets + where;
-    else
-        plan.sql.text = "UPDATE " + table.storage + " AS tt SET " + sets + " FROM (SELECT " + base.sql + " AS _rid" + given + " FROM " +
-                        from + where + limit + ") AS u WHERE tt._rowid_=u._rid";
-    if (plan.changesKey && !table.isTemporary()) {
-        const std::string rows = "SELECT " + base.sql + " AS _rid" + given + " FROM " + from + where + limit;
-        std::string all;
-        for (std::size_t i = 0; i < table.columns.size(); ++i) {
-            if (table.columns[i].computed)
-                continue;
-            all += "," + (values.count(static_cast<int>(i)) != 0 ? "u._v" + std::to_string(i) : "tt." + quotedName(table.columns[i].name));
-        }
-        plan.newRows.text = "SELECT u._rid" + all + " FROM (" + rows + ") AS u JOIN " + table.storage + " AS tt ON tt._rowid_=u._rid";
-        plan.newRows.places = places_;
-    }
-    scope_ = before;
-    plan.sql.places = places_;
+    if (!update.variables.empty())
+        update.values.begin()->second = "ts_last(" + update.variables + update.values.begin()->second + ")";
+    updateText(update, plan);
     if (statement.output)
         bindOutput(plan, *statement.output);
     return plan;

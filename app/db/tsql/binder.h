@@ -228,7 +228,13 @@ private:
     void checkWidth(const InsertStatement& statement, std::size_t wanted, std::size_t given, bool values) const;
     void bindOutput(ChangePlan& plan, const OutputClause& output);
     BaseRow changeTarget(const ObjectName& name, const std::vector<TableRefPtr>& from, Scope& scope, std::string& tail, Source& source);
-    std::string assignedValue(const Assignment& assignment, const TableDef& table, int column, Scope& scope, const std::string& current);
+    struct Updating;
+    void chooseBase(Updating& update);
+    void assign(Updating& update, const Assignment& assignment, ChangePlan& plan);
+    void assignVariable(Updating& update, const Assignment& assignment);
+    int assignedColumn(const Updating& update, const Assignment& assignment, const BoundColumn& target) const;
+    std::string assignedValue(const Assignment& assignment, const TableDef& table, int column, const std::string& current);
+    void updateText(const Updating& update, ChangePlan& plan);
     bool containsSubquery(const Expr& expr) const;
     std::string topLimit(const std::optional<TopClause>& top);
     void bindInstead(ChangePlan& plan, const Source& source, const std::map<std::string, std::string>& values, const std::string& tail,
