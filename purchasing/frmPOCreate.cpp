@@ -237,7 +237,6 @@ void frmPOCreate::cmdOK_Click() {
     guarded({kTag, "cmdOK_Click"}, [&] {
         if (!lookUpSuppliers([](OrderLine& line, db::Recordset& offers) { takeOffer(line, offers); }))
             return;
-        groupBySupplier(lines_);
         setWriting(true);
         written = write();
     });
@@ -254,6 +253,10 @@ void frmPOCreate::cmdOK_Click() {
 
 OrdersWritten frmPOCreate::write() {
     const int count = static_cast<int>(lines_.size());
+    {
+        const Waiting hourglass(desk());
+        groupBySupplier(lines_);
+    }
     pbPO.set(0, count);
     pbPO.setVisible(count > 1);
     return writeOrders(modMain().Conn, lines_, [&](int done) {
@@ -296,8 +299,8 @@ void frmPOCreate::preview() {
     });
     if (!whole)
         return;
-    groupBySupplier(lines_);
     const Waiting hourglass(desk());
+    groupBySupplier(lines_);
     const auto suppliers = supplierNames();
     const auto items = itemNames();
     std::vector<PreviewLine> shown;

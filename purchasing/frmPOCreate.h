@@ -44,6 +44,7 @@ private:
     // Looks up who serves each of the lines, and gives the answer to `choose`; false when the user stopped it.
     bool lookUpSuppliers(const std::function<void(OrderLine& line, db::Recordset& offers)>& choose);
     bool forEach(const std::string& what, std::size_t count, const std::function<void(std::size_t index)>& work);
+    // Groups the lines and writes them.
     OrdersWritten write();
     void setWriting(bool on);
 

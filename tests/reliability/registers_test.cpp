@@ -2,22 +2,19 @@
 // nothing is lost but what an adjustment's absolute balance may overwrite.
 
 #include "tests/reliability/shopfolder.h"
+#include "tests/reliability/shopregisters.h"
 
 #include "app/db/ado/recordset.h"
 #include "app/db/schema/schema.h"
 #include "app/stockproof.h"
 #include "inventory/adjustment.h"
-#include "tools/registersim/liveregister.h"
-#include "tools/registersim/query.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <set>
 #include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 
 using namespace merchantry;
 
@@ -25,30 +22,6 @@ namespace {
 
 constexpr int kRegisters = 8;
 constexpr int kItemsEdited = 5;
-
-int receiptsWanted() {
-    const char* text = std::getenv("MERCHANTRY_RECEIPTS");
-    return text != nullptr ? std::atoi(text) : 12;
-}
-
-std::string cell(const std::filesystem::path& file, const std::string& select) {
-    return registersim::query(*db::Store::open(file)->session(), select).at(0).at(0).toScriptText();
-}
-
-// One register in a process of its own, as in a shop: exit code 0 when every receipt was posted.
-pid_t startRegister(const std::filesystem::path& file, int number, int receipts) {
-    const pid_t child = fork();
-    if (child != 0)
-        return child;
-    const std::string failed = saidBy([&] {
-        registersim::LiveRegister till(db::Store::open(file)->session(), number, static_cast<std::uint64_t>(number));
-        for (int posted = 0; posted < receipts;)
-            posted += till.postOne(*Date::fromParts(2026, 11, 21, 16)) ? 1 : 0;
-    });
-    if (!failed.empty() && write(STDERR_FILENO, failed.data(), failed.size()) < 0)
-        _exit(2);
-    _exit(failed.empty() ? 0 : 1);
-}
 
 // A manager at the item screen: a field through an updatable recordset, a price through a statement, each turn one item.
 class Manager {
