@@ -31,6 +31,7 @@
 #include "purchasing/frmPOItemHistory.h"
 #include "purchasing/frmPOPickItems.h"
 #include "purchasing/frmPurchaseOrders.h"
+#include "purchasing/frmPurchaseOrders_Edit.h"
 #include "purchasing/frmPurchaseOrders_New.h"
 #include "purchasing/frmPurchaseOrders_Recv.h"
 #include "purchasing/frmSuppliers.h"
@@ -80,6 +81,7 @@ constexpr Screen kScreens[] = {
     {"frmPOFrom", instanceOf<purchasing::frmPOFrom>, false},
     {"frmPOPickItems", instanceOf<purchasing::frmPOPickItems>, false},
     {"frmPurchaseOrders", instanceOf<purchasing::frmPurchaseOrders>, true},
+    {"frmPurchaseOrders_Edit", instanceOf<purchasing::frmPurchaseOrders_Edit>, false},
     {"frmPurchaseOrders_Recv", instanceOf<purchasing::frmPurchaseOrders_Recv>, false},
     {"frmOtherCost", instanceOf<purchasing::frmOtherCost>, false},
     {"frmPOCancel", instanceOf<purchasing::frmPOCancel>, false},

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "purchasing/frmPOCancel.h"
 #include "purchasing/frmPOFrom.h"
+#include "purchasing/frmPurchaseOrders_Edit.h"
 #include "purchasing/frmPurchaseOrders_Recv.h"
 #include "ui/desk.h"
 
@@ -166,8 +167,8 @@ std::optional<frmPurchaseOrders::Filter> frmPurchaseOrders::askedItem() {
 // A list that cannot be read leaves the one that is shown.
 void frmPurchaseOrders::LoadPOList(Filter filter) {
     auto rows = std::make_unique<OrderRows>(openDirect(filter.statement, db::CursorType::Static));
-    grdPO.bind(rows.get());
     std::swap(rows_, rows);
+    grdPO.bind(rows_.get());
     filter_ = std::move(filter);
     if (cboSortBy.count() == 0) {
         for (int column = 0; column < rows_->orders().columnCount(); ++column)
@@ -233,8 +234,18 @@ std::int16_t frmPurchaseOrders::currentNumber() const {
 }
 
 void frmPurchaseOrders::cmdEdit_Click() {
-    if (grdPO.text(grdPO.row(), kPONumber).empty() || !grdPO.selected())
+    if (!grdPO.selected() || grdPO.text(grdPO.row(), kPONumber).empty()) {
         desk().message("Please select a valid PO to edit", kProduct);
+        return;
+    }
+    auto& edit = desk().form<frmPurchaseOrders_Edit>();
+    edit.PONumber = currentNumber();
+    edit.ReadOnly = !currentIs("Open");
+    desk().showModal(edit);
+    const bool changed = !edit.ReadOnly && edit.DialogResult;
+    edit.unload();
+    if (changed)
+        reload();
 }
 
 void frmPurchaseOrders::cmdDelete_Click() {

@@ -4,7 +4,9 @@
 #include "purchasing/frmPOCreate.h"
 #include "purchasing/frmPOFrom.h"
 #include "purchasing/frmPurchaseOrders.h"
+#include "purchasing/frmPurchaseOrders_Edit.h"
 #include "purchasing/frmPurchaseOrders_New.h"
+#include "purchasing/orders.h"
 #include "ui/desk.h"
 
 namespace merchantry::purchasing {
@@ -44,7 +46,17 @@ void frmPurchaseOrders::createByHand() {
     const auto supplier = PickSupplier(desk(), "");
     if (!supplier || *supplier < 1)
         return;
-    modMain().Conn->Execute(Sql("sp_InsertWrkSupplier ") + *supplier);
+    modMain().Conn->Execute(Sql("sp_InsertWrkSupplier ") + int{*supplier});
+    auto& edit = desk().form<frmPurchaseOrders_Edit>();
+    edit.PONumber = kNewOrder;
+    edit.SupplierID = *supplier;
+    desk().showModal(edit);
+    const bool made = edit.DialogResult;
+    edit.unload();
+    if (!made)
+        return;
+    showFilter(cboSearch.indexOf(kEnteredToday));
+    reload();
 }
 
 } // namespace merchantry::purchasing

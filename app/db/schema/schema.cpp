@@ -147,6 +147,8 @@ std::span<const UpgradeStep> upgradeSteps() {
         // which movement takes back which
         UpgradeStep{4, "IF COL_LENGTH('InventoryLedger', 'ReversesID') IS NULL ALTER TABLE InventoryLedger ADD ReversesID int NULL"},
         UpgradeStep{5, fifth},
+        // the procedures of orders
+        UpgradeStep{6, ""},
     };
     return kSteps;
 }

@@ -90,6 +90,7 @@ TEST_F(Purchasing, HowMuchAndFromWhom) {
     EXPECT_EQ(rowsOf("sp_GetPOInfoByCost 'Nut', 'Nut', 10").substr(0, 3), "16|");
     run("sp_POBreakGround EXEC sp_InsertWrkSupplier 2");
     EXPECT_EQ(rowsOf("sp_GetPOInfoByCost 'Nut', 'Nut', 10"), "16|2.5|B-1|2|1");
+    EXPECT_EQ(rowsOf("bsp_POInfo 'Nut', 'Nut', 10, 1, 1"), "16|2|A-1|1|2"); // of one supplier, in the run or not
     run("UPDATE SupplierMatrixDetail SET Cost = 2 WHERE SupID = 2 AND SKU = 'Nut' EXEC sp_InsertAllSuppliers");
     EXPECT_EQ(rowsOf("sp_GetPOInfoByCost 'Nut', 'Nut', 10").substr(0, 11), "16|2|B-1|2|"); // equal costs: the lower priority
 }

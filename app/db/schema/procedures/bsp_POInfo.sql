@@ -1,10 +1,11 @@
--- What to order of an item and from whom: the cheapest supplier first (ByCost 1), ties by priority; or the first priority, ties by cost. Only suppliers that take part in the run.
+-- What to order of an item and from whom: the cheapest supplier first (ByCost 1), ties by priority; or the first priority, ties by cost. Only suppliers that take part in the run, or the
+-- one that is named.
 --
 -- How much, when Wanted (Reorder less what is on order) is above 0: the largest of
 --   Wanted; the supplier's minimum order; what brings the stock above its reorder level (Restock + 1 less stock and what is on order);
 -- and for a split item whole cases of its split parent, rounded up. When nothing is wanted, 0.
 -- Example: Reorder 10, nothing on order, 2 on hand, Restock 4, minimum 12: 12; sold in cases of 8: 16. With -20 on hand: Restock + 1 + 20 = 25, in cases 32.
-CREATE PROCEDURE bsp_POInfo @SKU varchar(100), @MatrixSKU varchar(100), @Wanted smallint, @ByCost bit AS
+CREATE PROCEDURE bsp_POInfo @SKU varchar(100), @MatrixSKU varchar(100), @Wanted smallint, @ByCost bit, @SupID smallint = NULL AS
 DECLARE @short int, @case int
 SELECT @short = Item.Restock + 1 - Stock.Quantity - (Item.Reorder - @Wanted) FROM Item INNER JOIN Stock ON Stock.SKU = Item.SKU AND Stock.MatrixSKU = Item.MatrixSKU
   WHERE Item.SKU = @SKU AND Item.MatrixSKU = @MatrixSKU
@@ -14,6 +15,7 @@ FROM (SELECT d.Cost, d.PartNo, d.SupID, d.Priority,
     CASE WHEN @Wanted <= 0 THEN 0
       WHEN ISNULL(d.MinOrder, 0) > @Wanted AND ISNULL(d.MinOrder, 0) > @short THEN ISNULL(d.MinOrder, 0)
       WHEN @short > @Wanted THEN @short ELSE @Wanted END AS Least
-  FROM SupplierMatrixDetail d INNER JOIN wrkPOSuppliers w ON w.SupID = d.SupID
-  WHERE d.SKU = @SKU AND d.MatrixSKU = @MatrixSKU) n
+  FROM SupplierMatrixDetail d
+  WHERE d.SKU = @SKU AND d.MatrixSKU = @MatrixSKU
+    AND (d.SupID = @SupID OR @SupID IS NULL AND EXISTS (SELECT * FROM wrkPOSuppliers w WHERE w.SupID = d.SupID))) n
 ORDER BY CASE WHEN @ByCost = 1 THEN n.Cost ELSE n.Priority END, CASE WHEN @ByCost = 1 THEN n.Priority ELSE n.Cost END, n.SupID
