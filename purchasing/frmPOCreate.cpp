@@ -94,7 +94,9 @@ frmPOCreate::frmPOCreate(Desk& desk) : Form(desk, "frmPOCreate", "Create a Purch
     grdOffers.emptyText = "Choose a line above to see why it goes to its supplier.";
     grdPreview.editable = grdOffers.editable = false;
     cmdPreview.setToolTip("Works out what OK would order now, and writes nothing. What is picked for it is ticked again on OK.");
-    cmdOK.setToolTip("Writes the orders, each supplier's whole or not at all.");
+    cmdOK.setToolTip(
+        "Writes the orders, each whole or not at all, in the order of the preview: a supplier who comes up twice there gets two.");
+    optSpecSupplier.setToolTip("Only the chosen suppliers are asked, whoever else delivers the items.");
     for (OptionButton* option : {&optLowestCost, &optPriorityOrder})
         option->group = "rule";
     pbPO.setVisible(false);
@@ -151,7 +153,7 @@ void frmPOCreate::choiceClicked() {
     grdPreview_RowColChange();
 }
 
-void frmPOCreate::collectLines() {
+bool frmPOCreate::collectLines() {
     lines_.clear();
     if (optAll.value())
         GetAllReorderItems();
@@ -161,6 +163,9 @@ void frmPOCreate::collectLines() {
         PickItemsBySuppliers();
     else
         PickItemsByDepartments();
+    if (lines_.empty() && (optAll.value() || !pickedSources_.empty()))
+        grdPreview.setStatusText("No item is at or below its reorder level");
+    return !lines_.empty();
 }
 
 void frmPOCreate::GetAllReorderItems() {
@@ -230,8 +235,7 @@ bool frmPOCreate::lookUpSuppliers(const std::function<void(OrderLine& line, db::
 }
 
 void frmPOCreate::cmdOK_Click() {
-    collectLines();
-    if (lines_.empty())
+    if (!collectLines())
         return;
     std::optional<OrdersWritten> written;
     guarded({kTag, "cmdOK_Click"}, [&] {
@@ -282,11 +286,8 @@ void frmPOCreate::setWriting(bool on) {
 }
 
 void frmPOCreate::cmdPreview_Click() {
-    collectLines();
-    if (!lines_.empty())
+    if (collectLines())
         guarded({kTag, "cmdPreview_Click"}, [this] { preview(); });
-    else
-        grdPreview.setStatusText("No item to order was found.");
 }
 
 // The steps of the run up to the grouping.

@@ -33,8 +33,8 @@ private:
     void cmdPreview_Click();
     void cmdOK_Click();
 
-    // The lines of the chosen filter, into lines_. A failure is reported, and the lines so far stay.
-    void collectLines();
+    // The lines of the chosen filter, into lines_; false when there are none. A failure is reported, and the lines so far stay.
+    bool collectLines();
     void GetAllReorderItems();
     void PickIndividualItemsItems();
     void PickItemsBySuppliers();
