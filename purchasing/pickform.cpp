@@ -2,6 +2,9 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "ui/desk.h"
+
+#include <algorithm>
 
 namespace merchantry::purchasing {
 
@@ -13,11 +16,11 @@ PickForm::PickForm(Desk& desk, const char* name, const char* caption, Grid& grid
       cmdCancel(*this, "cmdCancel", "Cancel"), cmdOK(*this, "cmdOK", "&OK") {
     setIcon("items");
     txtFind.placeholder = "First letters";
-    txtFind.setToolTip("Goes to the first row that begins so.");
     cmdOK.isDefault = true;
     cmdCancel.isCancel = true;
 
     txtFind.change = [this] { find(); };
+    txtFind.keyDown = [this](const std::string& key, bool& swallow) { txtFind_KeyDown(key, swallow); };
     cmdSelectAll.click = [this] { setAll(true); };
     cmdClearAll.click = [this] { setAll(false); };
     cmdCancel.click = [this] { unload(); };
@@ -37,17 +40,13 @@ void PickForm::show(Rows& rows, int lastFound, bool ticks) {
     rows_ = &rows;
     lastFound_ = lastFound;
     ticks_ = ticks;
-    selected_ = 0;
-    for (int row = 0; row < rows.rowCount(); ++row)
-        selected_ += rows.cell(row, 0).as<bool>() ? 1 : 0;
     grid_.beforeEdit = [this](int, int column, bool& cancel) { cancel = column != 0 || !ticks_; };
-    grid_.afterEdit = [this](int row, int) {
-        selected_ += ticked(row) ? 1 : -1;
-        afterTick();
-    };
+    grid_.afterEdit = [this](int, int) { afterTick(); };
     grid_.bind(&rows);
     lblItems.setCaption(withThousands(rows.rowCount()));
     lblSelected.setVisible(ticks);
+    txtFind.setToolTip(ticks ? "Goes to the first row that begins so; Enter ticks it."
+                             : "Goes to the first row that begins so; Enter takes it.");
     afterTick();
 }
 
@@ -56,6 +55,9 @@ void PickForm::Form_Unload(bool& /*cancel*/) {
 }
 
 void PickForm::afterTick() {
+    selected_ = 0;
+    for (int row = 0; row < rows_->rowCount(); ++row)
+        selected_ += rows_->cell(row, 0).as<bool>() ? 1 : 0;
     lblSelected.setCaption(withThousands(selected_));
     cmdSelectAll.setEnabled(ticks_ && selected_ < rows_->rowCount());
     cmdClearAll.setEnabled(ticks_ && selected_ > 0);
@@ -64,21 +66,44 @@ void PickForm::afterTick() {
 void PickForm::setAll(bool on) {
     for (int row = 0; row < rows_->rowCount(); ++row)
         rows_->setCell(row, 0, on);
-    selected_ = on ? rows_->rowCount() : 0;
     grid_.changed(Aspect::Cells);
     afterTick();
 }
 
-void PickForm::find() {
+bool PickForm::find() {
     const std::string wanted(trimmed(txtFind.text()));
     if (wanted.empty())
-        return;
+        return false;
     for (int column = 1; column <= lastFound_; ++column)
         if (const int row = grid_.findRow(wanted, column); row != 0) {
-            grid_.setCurrent(row, ticks_ ? 0 : 1);
-            grid_.showCurrent();
-            return;
+            stand(row);
+            return true;
         }
+    return false;
+}
+
+void PickForm::stand(int row) {
+    grid_.setCurrent(row, ticks_ ? 0 : 1);
+    grid_.showCurrent();
+}
+
+// Enter, which a scanner sends behind a code, ticks the row and makes ready for the next one; in an empty box it is OK, as it is where one
+// row is chosen. Up and Down move through the list without leaving the box.
+void PickForm::txtFind_KeyDown(const std::string& key, bool& swallow) {
+    if (key == "Up" || key == "Down") {
+        swallow = true;
+        if (rows_->rowCount() > 0)
+            stand(std::clamp(grid_.row() + (key == "Up" ? -1 : 1), 1, rows_->rowCount()));
+    } else if (key == "Enter" && ticks_ && !trimmed(txtFind.text()).empty()) {
+        swallow = true;
+        if (find())
+            rows_->setCell(grid_.row() - 1, 0, true);
+        else
+            desk().beep();
+        txtFind.selectAll();
+        grid_.changed(Aspect::Cells);
+        afterTick();
+    }
 }
 
 void PickForm::cmdOK_Click() {

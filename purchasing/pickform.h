@@ -39,10 +39,12 @@ protected:
     ui::Button cmdOK;
 
 private:
-    bool ticked(int row) const { return rows_->cell(row - 1, 0).as<bool>(); }
     void setAll(bool on);
     void afterTick();
-    void find();
+    // To the first row that begins with the box's text; false when there is none.
+    bool find();
+    void stand(int row);
+    void txtFind_KeyDown(const std::string& key, bool& swallow);
 
     Rows* rows_ = nullptr;
     int lastFound_ = 1;
