@@ -81,7 +81,7 @@ void Goods::addItems() {
         const std::string location = "Aisle " + std::to_string(departmentId) + ", shelf " + std::to_string(i % 8 + 1);
         const bool slow = type == 6 && items_.number(i, "popularity") == 1;
         rows.add({items_.at(i, "sku"), items_.at(i, "matrixsku"), items_.at(i, "name"), location, messageOf(department), departmentId,
-                  taxOf(department), type, items_.number(i, "reorder"), items_.number(i, "restock"), orNull(items_.at(i, "barcode")),
+                  taxOf(department), type, items_.number(i, "reorderqty"), items_.number(i, "reorderat"), orNull(items_.at(i, "barcode")),
                   type == 2 || type == 4, items_.number(i, "serial") == 1, !slow});
     }
     rows.finish();

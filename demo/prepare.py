@@ -171,8 +171,8 @@ def gift_items(goods):
         department = department_of(name)
         cost = max(4, price * (42 + spread("cost" + code, 17)) // 100)
         sold = max(1, good["lines"])
-        reorder = min(120, max(4, sold // 25 + 4))
-        items.append([code, code, name, department, 6, price_text(price), price_text(cost), sold, reorder, reorder * 3, barcode(code), "", "", quantity_break(good, price), 0])
+        reorder_at = min(120, max(4, sold // 25 + 4))
+        items.append([code, code, name, department, 6, price_text(price), price_text(cost), sold, reorder_at, reorder_at * 2, barcode(code), "", "", quantity_break(good, price), 0])
         makers = [maker for maker, (_, departments) in enumerate(GIFT_SUPPLIERS) if department in departments]
         for priority, maker in enumerate(makers[:2], 1):
             own = cost if priority == 1 else cost * (103 + spread("second" + code, 9)) // 100
@@ -253,10 +253,10 @@ def cycle_items(source):
             price = (dearest * 150 // 100) // 100 * 100 + 95
         parent = parent_of.get(number, product)
         kind = 2 if number in parent_of else 6
-        reorder = {"Bikes": 1, "Bike Components": 2, WORKSHOP: 4}.get(department, 6)
+        reorder_at = {"Bikes": 1, "Bike Components": 2, WORKSHOP: 4}.get(department, 6)
         weight = {"Bikes": 12, "Bike Components": 8, WORKSHOP: 15, "Cycle Clothing": 45}.get(department, 60)
         serial = 1 if department == "Bikes" else 0
-        items.append([parent, product, row[1], department, kind, price_text(price), price_text(cost), max(1, weight - spread("w" + product, weight // 2)), reorder, reorder * 3,
+        items.append([parent, product, row[1], department, kind, price_text(price), price_text(cost), max(1, weight - spread("w" + product, weight // 2)), reorder_at, reorder_at * 2,
                       barcode(product), color, size, "", serial])
         made = sorted(offers[number])[:3] or [(cost, preferred[spread("maker" + parent, len(preferred))], 1)]
         for priority, (offer, vendor, least) in enumerate(made, 1):
@@ -318,7 +318,7 @@ def main():
     addresses = read_addresses(source)
     departments = [name for name, _ in DEPARTMENTS] + list(CATEGORY_DEPARTMENTS.values()) + [WORKSHOP]
     write(folder, "departments.tsv", ["department"], [[name] for name in departments])
-    write(folder, "items.tsv", ["sku", "matrixsku", "name", "department", "type", "price", "cost", "popularity", "reorder", "restock", "barcode", "color", "size", "break", "serial"],
+    write(folder, "items.tsv", ["sku", "matrixsku", "name", "department", "type", "price", "cost", "popularity", "reorderat", "reorderqty", "barcode", "color", "size", "break", "serial"],
           sorted(gifts + singles + cycles, key=lambda row: (row[0], row[4] != 4, row[1])))
     write(folder, "splits.tsv", ["sku", "matrixsku", "parentsku", "parentmatrixsku", "quantity"], splits)
     write(folder, "itemsuppliers.tsv", ["sku", "matrixsku", "supplier", "cost", "minorder", "priority", "partno"], sorted(gift_supplies + cycle_supplies))

@@ -73,9 +73,9 @@ private:
 void History::fillShelves() {
     int serial = 1;
     for (Good& good : shop_.goods) {
-        if (good.hasLedger || good.onHand != 0 || good.restock == 0)
+        if (good.hasLedger || good.onHand != 0 || good.reorderQty == 0)
             continue;
-        const int quantity = good.reorder + 1 + random_.below(std::max(1, good.restock - good.reorder));
+        const int quantity = good.reorderAt + 1 + random_.below(good.reorderQty);
         good.move(quantity, good.supplierCost);
         postings_.move(good, "Opening Stock", quantity, good.supplierCost, at(plan_.from, 7 * kHour));
         for (int i = 0; good.serialized && i < quantity; ++i)

@@ -49,9 +49,9 @@ void Purchasing::placeOrders(Date morning) {
     std::map<int, Order> bySupplier;
     for (std::size_t i = 0; i < shop_.goods.size(); ++i) {
         const Good& good = shop_.goods[i];
-        if (good.supplierId == 0 || good.restock == 0 || good.onHand + onOrder_[i] > good.reorder)
+        if (good.supplierId == 0 || good.reorderQty == 0 || good.onHand + onOrder_[i] > good.reorderAt)
             continue;
-        const int quantity = std::max(good.restock - good.onHand - onOrder_[i], good.minOrder);
+        const int quantity = std::max({good.reorderQty, good.reorderAt + 1 - good.onHand - onOrder_[i], good.minOrder});
         bySupplier[good.supplierId].lines.push_back({static_cast<int>(i), quantity, 0, askedFor(good)});
         onOrder_[i] += quantity;
     }

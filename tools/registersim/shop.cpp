@@ -33,8 +33,8 @@ void readGoods(db::Session& session, Shop& shop, Places& places) {
         good.departmentId = wholeOf(row[2]);
         good.taxId = wholeOf(row[3]);
         good.onHand = wholeOf(row[4]);
-        good.reorder = wholeOf(row[5]);
-        good.restock = wholeOf(row[6]);
+        good.reorderQty = wholeOf(row[5]);
+        good.reorderAt = wholeOf(row[6]);
         good.serialized = row[7].toFlag();
         places[{good.sku, good.matrixSku}] = shop.goods.size();
         shop.goods.push_back(std::move(good));

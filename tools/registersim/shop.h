@@ -31,8 +31,8 @@ struct Good {
     int taxId = 0;
     int popularity = 1; // weight in a shopper's choice
     int onHand = 0;
-    int reorder = 0;
-    int restock = 0;
+    int reorderAt = 0;    // Item.Restock: at so many or fewer on hand it is ordered
+    int reorderQty = 0;   // Item.Reorder: how many; 0 for never
     Currency averageCost; // weighted, as the ledger has it
     std::vector<PriceBreak> prices;
     std::vector<SaleEvent> events;

@@ -147,8 +147,9 @@ std::span<const UpgradeStep> upgradeSteps() {
         // which movement takes back which
         UpgradeStep{4, "IF COL_LENGTH('InventoryLedger', 'ReversesID') IS NULL ALTER TABLE InventoryLedger ADD ReversesID int NULL"},
         UpgradeStep{5, fifth},
-        // the procedures of orders
-        UpgradeStep{6, ""},
+        // the procedures of orders; the level at which an item is ordered is Restock, which reports took for Reorder
+        UpgradeStep{6, "UPDATE reportfieldsmapping SET fieldname = 'Item.Restock', fielddescription = 'Reorder at' "
+                       "WHERE fieldname = 'Item.Reorder' AND fielddescription = 'Reorder point'"},
     };
     return kSteps;
 }

@@ -215,17 +215,20 @@ const Control kControls[] = {
     {"CommittedInventory.rpt", "Committed", "SELECT SUM(Quantity) FROM LayawayEntry"},
     {"CommittedInventory.rpt", "On layaway", "SELECT SUM(QtyCommitt) FROM Stock"},
     {"InvBelowReorder.rpt", "To order",
-     "SELECT SUM(CASE WHEN x.Missing > 0 THEN x.Missing ELSE 0 END) FROM (SELECT CAST(i.Restock AS int) - s.Quantity - ISNULL(o.Coming, 0) "
-     "AS Missing FROM Stock s INNER "
+     "SELECT SUM(CASE WHEN x.Wanted <= 0 THEN 0 WHEN x.Least >= x.Wanted AND x.Least >= x.Missing THEN x.Least WHEN x.Missing > x.Wanted "
+     "THEN x.Missing ELSE x.Wanted END) FROM (SELECT CAST(i.Restock AS int) + 1 - s.Quantity - ISNULL(o.Coming, 0) AS Missing, "
+     "CAST(i.Reorder AS int) - ISNULL(o.Coming, 0) AS Wanted, ISNULL((SELECT TOP 1 d.MinOrder FROM SupplierMatrixDetail d "
+     "WHERE d.SKU = i.SKU AND d.MatrixSKU = i.MatrixSKU ORDER BY d.Priority, d.Cost, d.SupID), 0) AS Least FROM Stock s INNER "
      "JOIN Item i ON i.SKU = s.SKU AND i.MatrixSKU = s.MatrixSKU LEFT JOIN (SELECT SKU, MatrixSKU, SUM(Qty - QtyRecvd - QtyCanceled) AS "
      "Coming FROM PurchaseOrderItem WHERE POID IN "
      "(SELECT POID FROM PurchaseOrder WHERE Status IN ('O', 'P')) GROUP BY SKU, MatrixSKU) o ON o.SKU = s.SKU AND o.MatrixSKU = "
-     "s.MatrixSKU WHERE s.Quantity < i.Reorder AND "
+     "s.MatrixSKU WHERE s.Quantity <= i.Restock AND i.Reorder > 0 AND "
      "i.TypeID <> 4) x"},
     {"InvBelowReorder.rpt", "On order",
      "SELECT SUM(l.Qty - l.QtyRecvd - l.QtyCanceled) FROM PurchaseOrderItem l INNER JOIN Stock s ON s.SKU = l.SKU AND s.MatrixSKU = "
      "l.MatrixSKU INNER JOIN Item i "
-     "ON i.SKU = l.SKU AND i.MatrixSKU = l.MatrixSKU AND s.Quantity < i.Reorder WHERE l.POID IN (SELECT POID FROM PurchaseOrder WHERE "
+     "ON i.SKU = l.SKU AND i.MatrixSKU = l.MatrixSKU AND s.Quantity <= i.Restock AND i.Reorder > 0 WHERE l.POID IN (SELECT POID FROM "
+     "PurchaseOrder WHERE "
      "Status IN ('O', 'P'))"},
     {"ItemWithNoCost.rpt", "On hand",
      "SELECT SUM(s.Quantity) FROM Stock s WHERE NOT EXISTS (SELECT * FROM InventoryLedger l WHERE l.SKU = s.SKU AND l.MatrixSKU = "

@@ -267,7 +267,7 @@ INSERT INTO reportfieldsmapping (reportname, fieldname, fielddescription, dateco
   ('ItemDetailList', 'Item.Active', 'Active (1 or 0)', 0, 8),
   ('ItemDetailList', 'ItemTypes.Description', 'Item type', 0, 9),
   ('ItemDetailList', 'TaxDef.Description', 'Tax class', 0, 10),
-  ('ItemDetailList', 'Item.Reorder', 'Reorder point', 0, 11),
+  ('ItemDetailList', 'Item.Restock', 'Reorder at', 0, 11),
   ('ItemDetailList', 'Item.DateLastSold', 'Last sold', 1, 12),
   ('ItemDetailList', 'Item.SerialFlag', 'Serial numbers (1 or 0)', 0, 13),
   ('ItemDetailList', 'Item.FoodStampFlag', 'Food stamps (1 or 0)', 0, 14),
@@ -309,7 +309,7 @@ INSERT INTO reportfieldsmapping (reportname, fieldname, fielddescription, dateco
   ('ItemBelowReorder', 'Departments.Department', 'Department', 0, 5),
   ('ItemBelowReorder', 'Item.StoreLocation', 'Location', 0, 6),
   ('ItemBelowReorder', 'Stock.Quantity', 'On hand', 0, 7),
-  ('ItemBelowReorder', 'Item.Reorder', 'Reorder point', 0, 8),
+  ('ItemBelowReorder', 'Item.Restock', 'Reorder at', 0, 8),
   ('ItemBelowReorder', 'Item.Active', 'Active (1 or 0)', 0, 9)
 INSERT INTO reportfieldsmapping (reportname, fieldname, fielddescription, dateconvert, position) VALUES
   ('ItemWithNoCost', 'Item.Name', 'Item name', 0, 1),
