@@ -149,7 +149,8 @@ std::span<const UpgradeStep> upgradeSteps() {
         UpgradeStep{5, fifth},
         // the procedures of orders; the level at which an item is ordered is Restock, which reports took for Reorder
         UpgradeStep{6, "UPDATE reportfieldsmapping SET fieldname = 'Item.Restock', fielddescription = 'Reorder at' "
-                       "WHERE fieldname = 'Item.Reorder' AND fielddescription = 'Reorder point'"},
+                       "WHERE fieldname = 'Item.Reorder' AND fielddescription = 'Reorder point'\n"
+                       "DELETE FROM reportfieldsmapping WHERE reportname = 'ItemBelowReorder' AND fieldname = 'Item.Active'"},
     };
     return kSteps;
 }

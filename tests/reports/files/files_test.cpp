@@ -222,12 +222,13 @@ const Control kControls[] = {
      "JOIN Item i ON i.SKU = s.SKU AND i.MatrixSKU = s.MatrixSKU LEFT JOIN (SELECT SKU, MatrixSKU, SUM(Qty - QtyRecvd - QtyCanceled) AS "
      "Coming FROM PurchaseOrderItem WHERE POID IN "
      "(SELECT POID FROM PurchaseOrder WHERE Status IN ('O', 'P')) GROUP BY SKU, MatrixSKU) o ON o.SKU = s.SKU AND o.MatrixSKU = "
-     "s.MatrixSKU WHERE s.Quantity <= i.Restock AND i.Reorder > 0 AND "
+     "s.MatrixSKU WHERE s.Quantity <= i.Restock AND i.Reorder > 0 AND i.Active = 1 AND "
      "i.TypeID <> 4) x"},
     {"InvBelowReorder.rpt", "On order",
      "SELECT SUM(l.Qty - l.QtyRecvd - l.QtyCanceled) FROM PurchaseOrderItem l INNER JOIN Stock s ON s.SKU = l.SKU AND s.MatrixSKU = "
      "l.MatrixSKU INNER JOIN Item i "
-     "ON i.SKU = l.SKU AND i.MatrixSKU = l.MatrixSKU AND s.Quantity <= i.Restock AND i.Reorder > 0 WHERE l.POID IN (SELECT POID FROM "
+     "ON i.SKU = l.SKU AND i.MatrixSKU = l.MatrixSKU AND s.Quantity <= i.Restock AND i.Active = 1 AND i.Reorder > 0 WHERE l.POID IN "
+     "(SELECT POID FROM "
      "PurchaseOrder WHERE "
      "Status IN ('O', 'P'))"},
     {"ItemWithNoCost.rpt", "On hand",

@@ -309,8 +309,7 @@ INSERT INTO reportfieldsmapping (reportname, fieldname, fielddescription, dateco
   ('ItemBelowReorder', 'Departments.Department', 'Department', 0, 5),
   ('ItemBelowReorder', 'Item.StoreLocation', 'Location', 0, 6),
   ('ItemBelowReorder', 'Stock.Quantity', 'On hand', 0, 7),
-  ('ItemBelowReorder', 'Item.Restock', 'Reorder at', 0, 8),
-  ('ItemBelowReorder', 'Item.Active', 'Active (1 or 0)', 0, 9)
+  ('ItemBelowReorder', 'Item.Restock', 'Reorder at', 0, 8)
 INSERT INTO reportfieldsmapping (reportname, fieldname, fielddescription, dateconvert, position) VALUES
   ('ItemWithNoCost', 'Item.Name', 'Item name', 0, 1),
   ('ItemWithNoCost', 'Item.MatrixSKU', 'SKU', 0, 2),
