@@ -55,6 +55,13 @@ public:
         if (!window->grab().save(QString::fromStdString(file.string())))
             throw std::runtime_error("The picture " + file.string() + " cannot be written.");
         pictured_.insert(form.name());
+        lastPicture_ = name;
+    }
+    std::unique_ptr<ui::PageSink> paper(const std::string& title) override {
+        return folder_.empty() ? nullptr : pdf(folder_ / (lastPicture_ + ".pdf"), title);
+    }
+    std::unique_ptr<ui::PageSink> pdf(const std::filesystem::path& file, const std::string& title) override {
+        return painter_.pdf(file, title);
     }
     const std::set<std::string>& pictured() const { return pictured_; }
 
@@ -69,6 +76,7 @@ private:
     std::string suffix_;
     std::map<const Form*, FormWindow*> windows_;
     std::set<std::string> pictured_;
+    std::string lastPicture_ = "printed";
 };
 
 int play(WindowStage& stage, const std::string& store, const std::vector<std::string>& scripts) {

@@ -101,18 +101,26 @@ void PlayDesk::beep() {
 
 namespace {
 
-// Paper of which only the transcript tells.
+// Paper of which the transcript tells, drawn where there is a stage for it.
 class ToldPaper : public PageSink {
 public:
-    ToldPaper(Transcript& transcript, std::string title) : transcript_(transcript), title_(std::move(title)) {}
-    void put(const Page&) override { ++pages_; }
+    ToldPaper(Transcript& transcript, std::string title, std::unique_ptr<PageSink> drawn)
+        : transcript_(transcript), title_(std::move(title)), drawn_(std::move(drawn)) {}
+    void put(const Page& page) override {
+        ++pages_;
+        if (drawn_ != nullptr)
+            drawn_->put(page);
+    }
     void finish() override {
+        if (drawn_ != nullptr)
+            drawn_->finish();
         transcript_.event("paper " + inQuotes(title_) + " " + std::to_string(pages_) + (pages_ == 1 ? " page" : " pages"));
     }
 
 private:
     Transcript& transcript_;
     std::string title_;
+    std::unique_ptr<PageSink> drawn_;
     int pages_ = 0;
 };
 
@@ -123,7 +131,12 @@ void PlayDesk::setDefaultPrinter(const std::string& printer) {
 }
 
 std::optional<PrintChoice> PlayDesk::printerSetup(const std::string& title, int pages) {
-    return PrintChoice{std::make_unique<ToldPaper>(transcript_, title), 1, pages};
+    auto drawn = stage_ == nullptr ? nullptr : stage_->paper(title);
+    return PrintChoice{std::make_unique<ToldPaper>(transcript_, title, std::move(drawn)), 1, pages};
+}
+
+std::unique_ptr<PageSink> PlayDesk::pdf(const std::filesystem::path& file, const std::string& title) {
+    return stage_ == nullptr ? nullptr : stage_->pdf(file, title);
 }
 
 const TextMeasure& PlayDesk::textMeasure() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/desk.h"
+#include "ui/page.h"
 #include "ui/play/transcript.h"
 
 #include <deque>
@@ -20,6 +21,9 @@ public:
     virtual void settle() = 0;
     // Leaves a picture of the form's window under that name.
     virtual void picture(Form& form, const std::string& name) = 0;
+    // A PDF in place of paper, named after the picture taken last, and one of any name; null where pages are not drawn.
+    virtual std::unique_ptr<PageSink> paper(const std::string& /*title*/) { return nullptr; }
+    virtual std::unique_ptr<PageSink> pdf(const std::filesystem::path& /*file*/, const std::string& /*title*/) { return nullptr; }
     // How wide it draws the texts of pages; null when it draws none.
     virtual const TextMeasure* textMeasure() const { return nullptr; }
 };
@@ -89,6 +93,7 @@ public:
     void setDefaultPrinter(const std::string& printer) override;
     // All pages, onto paper that only the transcript sees.
     std::optional<PrintChoice> printerSetup(const std::string& title, int pages) override;
+    std::unique_ptr<PageSink> pdf(const std::filesystem::path& file, const std::string& title) override;
     const TextMeasure& textMeasure() const override;
     void status(const std::string& text) override { statusText = text; }
     // For the length of the play, as its one user.
