@@ -208,6 +208,8 @@ private:
             int& end = line.rightBlock ? rightEnd : leftEnd;
             const int size = line.size > 0 ? static_cast<int>(line.size * 2) : layout_.body_;
             const std::string words = FieldText(line.text, rows, definition().file.filename().string(), line.line).in(rows, 0);
+            if (words.empty()) // an address line that is not there leaves no gap
+                continue;
             for (const std::string& part : wrapped(layout_.measure_, words, width, size, line.bold)) {
                 y_ = end;
                 text(line.rightBlock ? inner() / 2 + kGap : 0, width, part, size, alignOf(line.align, false), line.bold);

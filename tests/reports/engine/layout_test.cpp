@@ -123,6 +123,23 @@ TEST_F(Layouts, EveryRowStandsOnOnePageAndPagesCanBeDrawnInAnyOrder) {
     }
 }
 
+// A form's head: a line without anything to tell leaves no gap, one that was meant as a gap does.
+TEST_F(Layouts, EmptyLinesOfAHeadAreLeftOut) {
+    sell("('Toys', '', 1, 1, 1)");
+    const auto headOf = [&](const std::string& between) {
+        const ui::Page page =
+            layOut(std::string(kReport) + "[[header]]\ntext = \"First\"\n" + between + "[[header]]\ntext = \"Last\"\n").page(0);
+        std::map<std::string, int> places;
+        for (const ui::PageItem& item : page.items)
+            places[item.text] = item.y;
+        return places["Last"] - places["First"];
+    };
+    const int close = headOf("");
+    EXPECT_GT(close, 0);
+    EXPECT_EQ(headOf("[[header]]\ntext = \"{Item}\"\n"), close);
+    EXPECT_EQ(headOf("[[header]]\ntext = \" \"\n"), 2 * close);
+}
+
 TEST_F(Layouts, AReportWithoutRowsSaysSo) {
     const std::string page = pageText(layOut(kReport).page(0));
     EXPECT_NE(page.find("Nothing was found."), std::string::npos);
