@@ -23,6 +23,8 @@ Engine::Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<
     sqlite3* db = connection_.handle();
     readVersion_ = Statement3(db, "PRAGMA user_version", true);
     begin_ = Statement3(db, "BEGIN", true);
+    savepoint_ = Statement3(db, "SAVEPOINT ts_statement", true);
+    release_ = Statement3(db, "RELEASE ts_statement", true);
     beginWrite_ = Statement3(db, "BEGIN IMMEDIATE", true);
     commit_ = Statement3(db, "COMMIT", true);
     rollback_ = Statement3(db, "ROLLBACK", true);

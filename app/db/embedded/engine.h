@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <list>
 #include <memory>
+#include <tuple>
 #include <unordered_map>
 
 namespace merchantry::db::embedded {
@@ -173,6 +174,7 @@ private:
     void runDelete(const tsql::DeleteStatement& statement);
     void runTruncate(const tsql::TruncateStatement& statement);
     void runChange(const PlanPtr& plan);
+    bool undoesItself(const tsql::ChangePlan& change);
     void change(StatementPlan& plan, WriteScope& scope);
     std::int64_t runChangeSql(StatementPlan& plan);
     std::int64_t moveKeys(StatementPlan& plan);
@@ -185,7 +187,9 @@ private:
     DbError refined(const DbError& error, const tsql::TableDef& table);
 
     // triggers
-    void startCapture(const std::shared_ptr<const tsql::TableDef>& table, bool always);
+    using Tables = std::vector<std::shared_ptr<const tsql::TableDef>>;
+    void startCapture(const std::shared_ptr<const tsql::TableDef>& table, char event, bool always);
+    const Tables& watchedTables(const std::shared_ptr<const tsql::TableDef>& table, char event);
     void capture(int operation, const char* schema, const char* name);
     static void captureHook(void* engine, sqlite3*, int operation, const char* schema, const char* name, sqlite3_int64, sqlite3_int64);
     void fireTriggers(const std::shared_ptr<const tsql::TableDef>& table, char event, const std::shared_ptr<const Rowset>& inserted,
@@ -193,7 +197,8 @@ private:
     void runTrigger(const StoredObject& trigger, const std::shared_ptr<const tsql::TableDef>& table,
                     const std::shared_ptr<const Rowset>& inserted, const std::shared_ptr<const Rowset>& deleted,
                     const std::vector<bool>& updated);
-    std::vector<const StoredObject*> triggersOf(std::int64_t table, char event, bool insteadOf);
+    using Triggers = std::vector<const StoredObject*>;
+    const Triggers& triggersOf(std::int64_t table, char event, bool insteadOf);
     std::string pseudoName(const char* which, std::int64_t table) const;
     std::shared_ptr<const tsql::TableDef> pseudoTable(const char* which, const tsql::TableDef& table);
 
@@ -233,6 +238,7 @@ private:
     void rollbackAll();
     void rollbackTo(const std::string& name);
     void savePoint(const std::string& name);
+    void runKept(const Statement3& statement);
     void beforeRead();
     void beforeWrite();
     void endRead();
@@ -276,6 +282,7 @@ private:
     SqlType typeOf(const tsql::TypeName& name, bool& nullable);
     std::int64_t scalar(const std::string& sql);
     Counter& counterOf(std::int64_t table);
+    void keepCounters();
     void writeCounters();
     std::shared_ptr<const tsql::TableDef> anyTableById(std::int64_t id);
 
@@ -286,6 +293,20 @@ private:
     const Clock* clock_ = nullptr;
     Clock systemClock_;
 
+    // By table, event and whether they stand in place of it; found anew for each version of the schema.
+    struct Triggering {
+        std::uint64_t version = 0;
+        Triggers triggers;
+    };
+    std::map<std::tuple<std::int64_t, char, bool>, Triggering> triggering_;
+    // By table and event, those whose changed rows a trigger wants to see; likewise.
+    struct Watched {
+        std::uint64_t version = 0;
+        Tables tables;
+    };
+    std::map<std::pair<std::int64_t, char>, Watched> watched_;
+    bool hooked_ = false; // SQLite tells of each changed row
+
     // compiled code
     std::unordered_map<std::string, std::shared_ptr<Code>> batches_;
     std::array<std::size_t, 1024> seenBatches_{}; // hashes of the texts that came lately
@@ -294,6 +315,8 @@ private:
     std::uint64_t temporaryVersion_ = 1;
     std::int64_t fileVersion_ = -1;
     Statement3 readVersion_;
+    Statement3 savepoint_; // of a statement within a transaction
+    Statement3 release_;
     Statement3 begin_;
     Statement3 beginWrite_;
     Statement3 commit_;
@@ -331,6 +354,7 @@ private:
     int savedPointNumber_ = 0;
     std::vector<std::shared_ptr<const tsql::TableDef>> droppedTemporaries_; // in this transaction
     std::map<std::int64_t, Counter> counters_;                              // identities of the running statement
+    std::map<std::int64_t, std::int64_t> unwritten_;                        // last identities given in the transaction
     std::map<std::int64_t, std::int64_t> temporaryCounters_;
     bool checking_ = false;
 

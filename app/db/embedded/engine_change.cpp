@@ -15,6 +15,12 @@ bool isTemporaryName(const tsql::ObjectName& name) {
     return !name.last().empty() && (name.last().front() == '#' || name.last().front() == '@');
 }
 
+// The trigger's event: I, U or D.
+char eventOf(const tsql::ChangePlan& change) {
+    static constexpr char kEvents[] = {'I', 'U', 'D'};
+    return kEvents[static_cast<int>(change.kind)];
+}
+
 } // namespace
 
 void Engine::runInsert(const tsql::InsertStatement& statement) {
@@ -47,7 +53,7 @@ void Engine::runChange(const PlanPtr& plan) {
     if (settings_.rowCount > 0)
         throw tsql::unsupported("SET ROWCOUNT for INSERT, UPDATE and DELETE");
     tsql::ChangePlan& change_plan = *plan->change;
-    WriteScope scope(*this, change_plan.table->isTemporary());
+    WriteScope scope(*this, change_plan.table->isTemporary(), undoesItself(change_plan));
     if (plan->version != version_ && !change_plan.table->isTemporary())
         throw DbError(DbError::Category::Busy, 1205, "The tables were changed by another user while the statement began. Run it again.")
             .withSeverity(13, 1);
@@ -66,16 +72,25 @@ void Engine::runChange(const PlanPtr& plan) {
     sink_->changed(rowCount_);
 }
 
+// Whether a change is one statement of SQLite and nothing else: no trigger, no OUTPUT, no numbers given, no keys that rows may have to
+// swap.
+bool Engine::undoesItself(const tsql::ChangePlan& change) {
+    if (change.insteadOf != 0 || change.output || !change.newRows.text.empty() || change.table->isTemporary())
+        return false;
+    return !catalog_.hasTriggers() || watchedTables(change.table, eventOf(change)).empty();
+}
+
 void Engine::change(StatementPlan& plan, WriteScope& scope) {
     const tsql::ChangePlan& change = *plan.change;
     if (change.insteadOf != 0)
         return runInstead(plan);
+    const char event = eventOf(change);
     const CaptureState outer = std::move(capture_);
     capture_ = {};
     std::int64_t rows = 0;
     std::map<std::string, Captured> captured;
     try {
-        startCapture(change.table, change.output != nullptr);
+        startCapture(change.table, event, change.output != nullptr);
         rows = runChangeSql(plan);
         captured = std::move(capture_.tables);
     } catch (...) {
@@ -103,8 +118,7 @@ void Engine::change(StatementPlan& plan, WriteScope& scope) {
         tranCount_ = 1;
     const Cell scopeIdentity = frame_->scopeIdentity;
     try {
-        static constexpr char kEvents[] = {'I', 'U', 'D'};
-        fireFor(change, captured, kEvents[static_cast<int>(change.kind)]);
+        fireFor(change, captured, event);
     } catch (...) {
         if (own && !scope.isOver())
             tranCount_ = 0;
@@ -130,7 +144,7 @@ std::int64_t Engine::runChangeSql(StatementPlan& plan) {
         throw refined(error, *change.table);
     }
     const std::int64_t rows = sqlite3_changes64(connection_.handle());
-    writeCounters();
+    keepCounters();
     return rows;
 }
 
@@ -256,7 +270,7 @@ void Engine::insertRows(const tsql::ChangePlan& plan, const Rowset& rows) {
             throw refined(error, *plan.table);
         }
     }
-    writeCounters();
+    keepCounters();
 }
 
 void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
@@ -281,7 +295,7 @@ void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
         const tsql::ChangePlan plan = tsql::Binder(bindContext()).insertRow(statement, set.types);
         const CaptureState outer = std::move(capture_);
         capture_ = {};
-        startCapture(plan.table, false);
+        startCapture(plan.table, 'I', false);
         try {
             insertRows(plan, set.rows);
         } catch (...) {
@@ -312,6 +326,7 @@ void Engine::runTruncate(const tsql::TruncateStatement& statement) {
         shared_->lastIdentity.erase(table->id);
     }
     temporaryCounters_.erase(table->id);
+    unwritten_.erase(table->id);
     connection_.run("DELETE FROM ts_identity WHERE id = " + std::to_string(table->id));
     scope.finish();
     rowCount_ = 0;

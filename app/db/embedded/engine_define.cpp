@@ -178,6 +178,7 @@ void Engine::createTableOf(TableDef table, bool temporary) {
         const std::lock_guard lock(shared_->mutex);
         shared_->lastIdentity.erase(table.id);
     }
+    unwritten_.erase(table.id);
     connection_.run("DELETE FROM ts_identity WHERE id = " + std::to_string(table.id));
     catalog_.add({table.id, table.name, "U", 0, tsql::tableSource(table), true, nowMs()});
     buildTable(table);

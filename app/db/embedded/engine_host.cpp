@@ -103,20 +103,26 @@ void Engine::noteIdentity(std::int64_t table, std::int64_t given) {
     shared_->lastIdentity[table] = given;
 }
 
+// The file gets the numbers with the transaction's end: until then no other writer can ask for them.
+void Engine::keepCounters() {
+    for (const auto& [table, counter] : counters_)
+        if (table >= 0 && counter.changed)
+            unwritten_[table] = counter.last;
+    counters_.clear();
+}
+
 void Engine::writeCounters() {
-    for (const auto& [table, counter] : counters_) {
-        if (table < 0 || !counter.changed)
-            continue;
+    for (const auto& [table, last] : unwritten_) {
         if (!writeIdentity_)
             writeIdentity_ =
                 Statement3(connection_.handle(),
                            "INSERT INTO ts_identity(id, last) VALUES (?1, ?2) ON CONFLICT(id) DO UPDATE SET last = excluded.last");
         const ResetGuard guard(writeIdentity_.get());
         sqlite3_bind_int64(writeIdentity_.get(), 1, table);
-        sqlite3_bind_int64(writeIdentity_.get(), 2, counter.last);
+        sqlite3_bind_int64(writeIdentity_.get(), 2, last);
         connection_.step(writeIdentity_.get());
     }
-    counters_.clear();
+    unwritten_.clear();
 }
 
 // which: 0 the last number, 1 the seed, 2 the increment.

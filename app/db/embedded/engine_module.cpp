@@ -204,6 +204,7 @@ void Engine::dropTable(const tsql::ObjectName& name, bool ifExists) {
                                   name.line);
     }
     connection_.run("DROP TABLE " + table->storage);
+    unwritten_.erase(table->id);
     catalog_.remove(table->id);
     // Several tables of one statement may refer to each other.
     catalog_.load();

@@ -43,6 +43,12 @@ void Engine::refreshSchema() {
     }
 }
 
+// One of the statements that are prepared once.
+void Engine::runKept(const Statement3& statement) {
+    const ResetGuard guard(statement.get());
+    connection_.step(statement.get());
+}
+
 void Engine::endRead() {
     if (!inRead_)
         return;
@@ -120,8 +126,8 @@ void Engine::commitTransaction() {
         return;
     }
     if (inWrite_) {
-        const ResetGuard guard(commit_.get());
-        connection_.step(commit_.get());
+        writeCounters();
+        runKept(commit_);
         inWrite_ = false;
     }
     tranCount_ = 0;
@@ -143,6 +149,7 @@ void Engine::rollbackAll() {
     inRead_ = false;
     tranCount_ = 0;
     doomed_ = false;
+    unwritten_.clear();
     savedPoints_.clear();
     ++transaction_;
     if (undone) {
@@ -248,21 +255,21 @@ std::int64_t Engine::scalar(const std::string& sql) {
 
 // ---- one statement's piece of it
 
-WriteScope::WriteScope(Engine& engine, bool temporaryOnly) : engine_(engine) {
+WriteScope::WriteScope(Engine& engine, bool temporaryOnly, bool undoesItself) : engine_(engine) {
     if (temporaryOnly && engine_.tranCount_ == 0 && !engine_.inWrite_) {
         // SQLite's own statement is enough; the file is not locked.
         engine_.endRead();
-        engine_.connection_.run("SAVEPOINT ts_statement");
+        engine_.runKept(engine_.savepoint_);
         mode_ = Mode::Temporary;
         transaction_ = engine_.transaction_;
         return;
     }
     const bool own = engine_.tranCount_ == 0 && !engine_.inWrite_;
     engine_.beforeWrite();
-    mode_ = own ? Mode::Own : Mode::SavePoint;
+    mode_ = own ? Mode::Own : undoesItself ? Mode::Itself : Mode::SavePoint;
     transaction_ = engine_.transaction_;
-    if (!own)
-        engine_.connection_.run("SAVEPOINT ts_statement");
+    if (mode_ == Mode::SavePoint)
+        engine_.runKept(engine_.savepoint_);
 }
 
 bool WriteScope::isOver() const {
@@ -273,19 +280,19 @@ void WriteScope::finish() {
     if (isOver())
         return;
     if (mode_ == Mode::Own) {
-        const ResetGuard guard(engine_.commit_.get());
-        engine_.connection_.step(engine_.commit_.get());
+        engine_.writeCounters();
+        engine_.runKept(engine_.commit_);
         engine_.inWrite_ = false;
         engine_.schemaTouched_ = false;
         engine_.droppedTemporaries_.clear();
-    } else {
-        engine_.connection_.run("RELEASE ts_statement");
+    } else if (mode_ != Mode::Itself) {
+        engine_.runKept(engine_.release_);
     }
     mode_ = Mode::Done;
 }
 
 WriteScope::~WriteScope() {
-    if (mode_ == Mode::Done || isOver())
+    if (mode_ == Mode::Done || mode_ == Mode::Itself || isOver())
         return;
     if (mode_ == Mode::Own) {
         engine_.rollbackAll();

@@ -33,8 +33,11 @@ std::shared_ptr<const tsql::TableDef> Engine::pseudoTable(const char* which, con
     return shape;
 }
 
-std::vector<const StoredObject*> Engine::triggersOf(std::int64_t table, char event, bool insteadOf) {
-    std::vector<const StoredObject*> triggers;
+const Engine::Triggers& Engine::triggersOf(std::int64_t table, char event, bool insteadOf) {
+    Triggering& known = triggering_[{table, event, insteadOf}];
+    if (known.version == version_)
+        return known.triggers;
+    Triggers triggers;
     for (const StoredObject* object : catalog_.childrenOf(table, "TR")) {
         if (!object->enabled)
             continue;
@@ -43,37 +46,53 @@ std::vector<const StoredObject*> Engine::triggersOf(std::int64_t table, char eve
         if (trigger.insteadOf == insteadOf && firesFor(trigger, event))
             triggers.push_back(object);
     }
-    return triggers;
+    known.triggers = std::move(triggers);
+    known.version = version_;
+    return known.triggers;
 }
 
-// Begins to gather the rows that change in the table and in the tables that its deletes and updates reach, where someone wants to see them.
-void Engine::startCapture(const std::shared_ptr<const tsql::TableDef>& table, bool always) {
-    if (!always && !catalog_.hasTriggers()) {
-        capture_.active = false;
-        return;
-    }
-    std::vector<std::string> reached = {table->name};
+// The tables whose changed rows are wanted by a trigger that fires: the table itself, and those that its deletes and updates reach by their
+// foreign keys, which change or delete rows of their own.
+const Engine::Tables& Engine::watchedTables(const std::shared_ptr<const tsql::TableDef>& table, char event) {
+    Watched& watched = watched_[{table->id, event}];
+    if (watched.version == version_)
+        return watched.tables;
+    watched.tables.clear();
+    Tables reached = {table};
     for (std::size_t i = 0; i < reached.size(); ++i) {
-        const StoredObject* object = catalog_.find(reached[i]);
-        const bool isFirst = i == 0;
-        const std::shared_ptr<const tsql::TableDef> one = isFirst ? table : object ? catalog_.tableById(object->id) : nullptr;
-        if (!one)
-            continue;
-        if ((isFirst && always) || !catalog_.childrenOf(one->id, "TR").empty()) {
-            Captured captured;
-            captured.table = one;
-            capture_.tables[lowerCase(one->name)] = std::move(captured);
-        }
-        if (table->isTemporary() || !catalog_.hasReferences())
+        const std::shared_ptr<const tsql::TableDef> one = reached[i];
+        const bool fires = i == 0 ? !triggersOf(one->id, event, false).empty()
+                                  : !triggersOf(one->id, 'U', false).empty() || !triggersOf(one->id, 'D', false).empty();
+        if (fires)
+            watched.tables.push_back(one);
+        if (event == 'I' || !catalog_.hasReferences())
             break;
         for (const auto& [other, key] : catalog_.referencesTo(one->name)) {
             const bool follows = !key.onDelete.empty() || !key.onUpdate.empty();
-            if (follows && std::find(reached.begin(), reached.end(), other->name) == reached.end())
-                reached.push_back(other->name);
+            if (follows && std::none_of(reached.begin(), reached.end(), [&](const auto& known) { return known->id == other->id; }))
+                reached.push_back(other);
         }
     }
+    watched.version = version_;
+    return watched.tables;
+}
+
+// Begins to gather the rows that change, where someone wants to see them; always those of the table itself for an OUTPUT clause.
+void Engine::startCapture(const std::shared_ptr<const tsql::TableDef>& table, char event, bool always) {
+    const auto take = [this](const std::shared_ptr<const tsql::TableDef>& one) {
+        Captured captured;
+        captured.table = one;
+        capture_.tables[lowerCase(one->name)] = std::move(captured);
+    };
+    if (catalog_.hasTriggers() && !table->isTemporary())
+        for (const auto& one : watchedTables(table, event))
+            take(one);
+    if (always && !capture_.tables.contains(lowerCase(table->name)))
+        take(table);
     capture_.active = !capture_.tables.empty();
-    sqlite3_preupdate_hook(connection_.handle(), capture_.active ? captureHook : nullptr, this);
+    if (capture_.active || hooked_)
+        sqlite3_preupdate_hook(connection_.handle(), capture_.active ? captureHook : nullptr, this);
+    hooked_ = capture_.active;
 }
 
 void Engine::captureHook(void* engine, sqlite3*, int operation, const char* schema, const char* name, sqlite3_int64, sqlite3_int64) {
@@ -132,7 +151,8 @@ void Engine::fireTriggers(const std::shared_ptr<const tsql::TableDef>& table, ch
     while (inner && !inner->isTrigger)
         inner = inner->caller;
     const std::uint64_t transaction = transaction_;
-    for (const StoredObject* trigger : triggersOf(table->id, event, insteadOf)) {
+    const Triggers triggers = triggersOf(table->id, event, insteadOf); // a copy: a trigger may define objects
+    for (const StoredObject* trigger : triggers) {
         if (inner && inner->code->objectId == trigger->id)
             continue;
         runTrigger(*trigger, table, inserted, deleted, updated);
@@ -150,18 +170,18 @@ void Engine::runTrigger(const StoredObject& trigger, const std::shared_ptr<const
             .withSeverity(16, 1);
     const std::string insertedName = pseudoName("inserted", table->id);
     const std::string deletedName = pseudoName("deleted", table->id);
-    const auto insertedShape = pseudoTable("inserted", *table);
-    const auto deletedShape = pseudoTable("deleted", *table);
-    rows_.define(insertedName, *insertedShape);
-    rows_.define(deletedName, *deletedShape);
+    const std::shared_ptr<Code> code = moduleCode(trigger);
+    if (code->triggerTable != table) { // its first run on this version of the schema
+        code->triggerTable = table;
+        code->inserted = pseudoTable("inserted", *table);
+        code->deleted = pseudoTable("deleted", *table);
+        rows_.define(insertedName, *code->inserted);
+        rows_.define(deletedName, *code->deleted);
+    }
     const std::shared_ptr<const Rowset> outerInserted = rows_.get(insertedName);
     const std::shared_ptr<const Rowset> outerDeleted = rows_.get(deletedName);
     rows_.set(insertedName, inserted);
     rows_.set(deletedName, deleted);
-    const std::shared_ptr<Code> code = moduleCode(trigger);
-    code->triggerTable = table;
-    code->inserted = insertedShape;
-    code->deleted = deletedShape;
     Frame frame;
     frame.code = code;
     frame.isTrigger = true;

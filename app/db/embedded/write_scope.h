@@ -7,10 +7,11 @@ namespace merchantry::db::embedded {
 class Engine;
 
 // The piece of a transaction that one statement is: all of it or nothing. Outside a transaction it is one of its own, with the lock of the
-// writer from the start; inside it is a savepoint. Not finished, it undoes what was done.
+// writer from the start; inside it is a savepoint, or nothing where one statement of SQLite, which undoes itself, is all there is. Not
+// finished, it undoes what was done.
 class WriteScope {
 public:
-    explicit WriteScope(Engine& engine, bool temporaryOnly = false);
+    explicit WriteScope(Engine& engine, bool temporaryOnly = false, bool undoesItself = false);
     ~WriteScope();
     WriteScope(const WriteScope&) = delete;
     WriteScope& operator=(const WriteScope&) = delete;
@@ -23,7 +24,7 @@ public:
     bool isOwn() const { return mode_ == Mode::Own; }
 
 private:
-    enum class Mode { Own, SavePoint, Temporary, Done };
+    enum class Mode { Own, SavePoint, Temporary, Itself, Done };
     Engine& engine_;
     Mode mode_ = Mode::Own;
     std::uint64_t transaction_ = 0;
