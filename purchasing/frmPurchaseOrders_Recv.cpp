@@ -1,6 +1,5 @@
 #include "purchasing/frmPurchaseOrders_Recv.h"
 
-#include "app/db/ado/transaction.h"
 #include "app/modMain.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -385,38 +384,13 @@ void frmPurchaseOrders_Recv::cmdOK_Click() {
         return;
     }
     spreadOver(lines_, Subtotal_, OtherCost_);
-    post();
+    ReceiptNumber_ = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_);
     MemorizePO();
     if (chkPrintLabels.value())
         printLabels();
     modMain().doors.OrderReport(kReceiptReport, std::to_string(PONumberToPOID(PONumber)), std::to_string(ReceiptNumber_));
     DialogResult = true;
     unload();
-}
-
-void frmPurchaseOrders_Recv::post() {
-    db::Transaction transaction(modMain().Conn);
-    ReceiptNumber_ = -1;
-    int CostID = 0;
-    if (OtherCost_ > Currency()) {
-        const auto cost =
-            modMain().Conn->Execute(Sql("sp_InsertOtherCost ") + int{PONumber} + ", " + OtherCost_ + ", '" + OtherCostDesc_ + "'");
-        CostID = static_cast<int>((*cost)["CostID"].Value().toInteger());
-    }
-    bool anyOpen = false;
-    for (const ReceiveLine& line : lines_) {
-        anyOpen = anyOpen || line.staysOpen();
-        if (line.RecvQty <= 0)
-            continue;
-        const std::int16_t number = postedNumber(Sql("sp_ReceiveItem 1, ") + int{PONumber} + ", '" + line.SKU + "', '" + line.MatrixSKU +
-                                                     "', " + int{line.RecvQty} + ", " + line.Cost + ", " + line.OtherCostShare + ", " +
-                                                     CostID + ", " + int{ReceiptNumber_} + ", '" + line.PartNo + "'",
-                                                 "ReceiptNumber");
-        if (ReceiptNumber_ == -1)
-            ReceiptNumber_ = number;
-    }
-    changeStatus(PONumber, anyOpen);
-    transaction.commit();
 }
 
 void frmPurchaseOrders_Recv::MemorizePO() {

@@ -56,7 +56,6 @@ private:
     void cmdViewHist_Click();
 
     void cmdOK_Click();
-    void post();
     void MemorizePO();
     void printLabels();
 

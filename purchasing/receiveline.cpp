@@ -1,5 +1,7 @@
 #include "purchasing/receiveline.h"
 
+#include "app/db/ado/transaction.h"
+#include "app/modMain.h"
 #include "purchasing/othercosts.h"
 
 namespace merchantry::purchasing {
@@ -19,6 +21,34 @@ void spreadOver(std::vector<ReceiveLine>& lines, Currency Subtotal, Currency Oth
     const auto shares = SpreadOtherCosts(received, Subtotal, OtherCost);
     for (std::size_t i = 0; i < lines.size(); ++i)
         lines[i].OtherCostShare = shares[i];
+}
+
+std::int16_t postReceipt(std::int16_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost,
+                         const std::string& OtherCostDesc) {
+    using db::Sql;
+    db::Transaction transaction(app::modMain().Conn);
+    std::int16_t ReceiptNumber = -1;
+    int CostID = 0;
+    if (OtherCost > Currency()) {
+        const auto cost =
+            app::modMain().Conn->Execute(Sql("sp_InsertOtherCost ") + int{PONumber} + ", " + OtherCost + ", '" + OtherCostDesc + "'");
+        CostID = static_cast<int>((*cost)["CostID"].Value().toInteger());
+    }
+    bool anyOpen = false;
+    for (const ReceiveLine& line : lines) {
+        anyOpen = anyOpen || line.staysOpen();
+        if (line.RecvQty <= 0)
+            continue;
+        const std::int16_t number = postedNumber(Sql("sp_ReceiveItem 1, ") + int{PONumber} + ", '" + line.SKU + "', '" + line.MatrixSKU +
+                                                     "', " + int{line.RecvQty} + ", " + line.Cost + ", " + line.OtherCostShare + ", " +
+                                                     CostID + ", " + int{ReceiptNumber} + ", '" + line.PartNo + "'",
+                                                 "ReceiptNumber");
+        if (ReceiptNumber == -1)
+            ReceiptNumber = number;
+    }
+    changeStatus(PONumber, anyOpen);
+    transaction.commit();
+    return ReceiptNumber;
 }
 
 } // namespace merchantry::purchasing

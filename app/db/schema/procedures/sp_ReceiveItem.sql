@@ -7,8 +7,9 @@ CREATE PROCEDURE sp_ReceiveItem @StoreID int, @PONumber smallint, @SKU varchar(1
   @ReceiptNumber int, @PartNo varchar(50) AS
 SET NOCOUNT ON
 DECLARE @POID smallint
-SELECT @POID = POID FROM PurchaseOrder WHERE PONumber = @PONumber
-IF @POID IS NULL OR NOT EXISTS (SELECT * FROM PurchaseOrderItem WHERE POID = @POID AND SKU = @SKU AND MatrixSKU = @MatrixSKU)
+SELECT @POID = o.POID FROM PurchaseOrder o INNER JOIN PurchaseOrderItem i ON i.POID = o.POID
+  WHERE o.PONumber = @PONumber AND i.SKU = @SKU AND i.MatrixSKU = @MatrixSKU
+IF @POID IS NULL
 BEGIN
   RAISERROR('Order %d has no line for the item %s.', 16, 1, @PONumber, @MatrixSKU)
   RETURN
@@ -18,9 +19,8 @@ IF @ReceiptNumber = -1
 INSERT INTO PurchaseOrderReceipt (ReceiptNumber, POID, SKU, MatrixSKU, Quantity, Cost, OtherCost, CostID)
   VALUES (@ReceiptNumber, @POID, @SKU, @MatrixSKU, @Quantity, @Cost, @Share, NULLIF(@CostID, 0))
 UPDATE PurchaseOrderItem SET QtyRecvd = QtyRecvd + @Quantity, PartNo = @PartNo WHERE POID = @POID AND SKU = @SKU AND MatrixSKU = @MatrixSKU
-IF EXISTS (SELECT * FROM Stock WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU)
-  UPDATE Stock SET Quantity = Quantity + @Quantity WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU
-ELSE
+UPDATE Stock SET Quantity = Quantity + @Quantity WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU
+IF @@ROWCOUNT = 0
   INSERT INTO Stock (SKU, MatrixSKU, Quantity) VALUES (@SKU, @MatrixSKU, @Quantity)
 INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea)
   VALUES (@SKU, @MatrixSKU, 'Receipt', @Quantity, ROUND(@Cost + CAST(@Share AS decimal(19, 6)) / @Quantity, 4))

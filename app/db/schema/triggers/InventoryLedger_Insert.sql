@@ -18,9 +18,7 @@ BEGIN
   SELECT @id = MIN(LedgerID) FROM inserted
   WHILE @id IS NOT NULL
   BEGIN
-    SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @reverses = ReversesID FROM inserted WHERE LedgerID = @id
-    SET @onHand = 0
-    SET @average = NULL
+    SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @reverses = ReversesID, @onHand = 0, @average = NULL FROM inserted WHERE LedgerID = @id
     SELECT TOP 1 @onHand = QtyAfter, @average = Cost_wt FROM InventoryLedger
       WHERE SKU = @sku AND MatrixSKU = @matrix AND LedgerID < @id AND QtyAfter IS NOT NULL
       ORDER BY LedgerID DESC
