@@ -4,13 +4,14 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmPOItemHistory.h"
-#include "purchasing/frmPOPickItems.h"
 #include "purchasing/orders.h"
 #include "ui/desk.h"
+#include "ui/longwork.h"
+#include "ui/waiting.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <set>
 #include <utility>
 
 namespace merchantry::purchasing {
@@ -24,6 +25,14 @@ namespace {
 constexpr const char* kTag = "frmPurchaseOrders_Edit";
 constexpr const char* kProduct = "Velmora Tillmark Professional";
 enum Column { kMemorize, kSku, kName, kPartNo, kQty, kOpenQty, kCost, kExt, kIndex };
+
+constexpr std::size_t kPicksAtOnce = 20;
+constexpr std::size_t kLongestPartNo = 50; // that the store holds
+
+// One text for an item's two codes, as the store compares them.
+std::string itemKey(const std::string& SKU, const std::string& MatrixSKU) {
+    return lowerCase(trimmedRight(SKU)) + "|" + lowerCase(trimmedRight(MatrixSKU));
+}
 
 std::int16_t smallNumber(const Value& value) {
     return toInt16(value.toNumber());
@@ -135,6 +144,7 @@ void frmPurchaseOrders_Edit::ShowSupplierInfo() {
 
 void frmPurchaseOrders_Edit::LoadData() {
     guarded({kTag, "LoadData"}, [this] {
+        const Waiting hourglass(desk());
         const auto rows = openDirect(Sql("sp_GetPOItems ") + int{PONumber});
         for (; !rows->Eof(); rows->MoveNext()) {
             db::Recordset& row = *rows;
@@ -196,10 +206,15 @@ void frmPurchaseOrders_Edit::showTotal() {
     };
     if (ReadOnly)
         text += ". Ext. and the total count what is still open.";
-    else if (any([](const Line& line) { return line.PartNo.find('\'') != std::string::npos; }))
-        text += ". A part number with an apostrophe keeps the order from being saved: OK would lose what you changed.";
+    else if (any([](const Line& line) {
+                 return line.PartNo.find('\'') != std::string::npos || characterCount(line.PartNo) > kLongestPartNo;
+             }))
+        text += ". A part number with an apostrophe or more than 50 characters keeps the order from being saved: OK would lose what you "
+                "changed.";
     else if (any([](const Line& line) { return line.Qty == 0 && !line.InDatabase; }))
         text += ". A new line with quantity 0 is not ordered.";
+    else if (unsaved_)
+        text += ". OK and Print save what you changed, Cancel does not.";
     grdPOItems.setStatusText(text);
 }
 
@@ -212,37 +227,45 @@ frmPurchaseOrders_Edit::Line* frmPurchaseOrders_Edit::lineAt(int row) {
 
 // --- lines ---
 
-bool frmPurchaseOrders_Edit::isListed(const std::string& SKU, const std::string& MatrixSKU) const {
-    return std::any_of(lines_.begin(), lines_.end(),
-                       [&](const Line& line) { return !line.Deleted && sameText(line.SKU, SKU) && sameText(line.MatrixSKU, MatrixSKU); });
+// A line for an item that is picked, with the supplier's terms.
+frmPurchaseOrders_Edit::Line frmPurchaseOrders_Edit::lineFor(const ItemPick& item) const {
+    Line line;
+    line.Name = item.Name;
+    line.SKU = item.SKU;
+    line.MatrixSKU = item.MatrixSKU;
+    line.Qty = price_.DefaultQuantity(SupplierID, item.SKU, item.MatrixSKU);
+    line.Cost = price_.UnitCost(SupplierID, item.SKU, item.MatrixSKU, line.Qty);
+    line.PartNo = price_.PartNo(SupplierID, item.SKU, item.MatrixSKU, line.Qty, line.Cost);
+    line.OpenQty = line.Qty;
+    return line;
 }
 
 void frmPurchaseOrders_Edit::cmdAddItem_Click() {
     guarded({kTag, "cmdAddItem_Click"}, [this] {
         const auto picked = PickItems(desk(), Sql("sp_GetAllItemsBySupplier ") + int{SupplierID}, supplierName_);
-        const int before = grdPOItems.dataRows();
-        std::size_t duplicates = 0;
-        for (const ItemPick& item : picked) {
-            if (isListed(item.SKU, item.MatrixSKU)) {
-                ++duplicates;
-                continue;
-            }
-            Line line;
-            line.Name = item.Name;
-            line.SKU = item.SKU;
-            line.MatrixSKU = item.MatrixSKU;
-            line.Qty = price_.DefaultQuantity(SupplierID, item.SKU, item.MatrixSKU);
-            line.Cost = price_.UnitCost(SupplierID, item.SKU, item.MatrixSKU, line.Qty);
-            line.PartNo = price_.PartNo(SupplierID, item.SKU, item.MatrixSKU, line.Qty, line.Cost);
-            line.OpenQty = line.Qty;
-            lines_.push_back(std::move(line));
-        }
-        if (duplicates > 0)
+        if (picked.empty())
+            return;
+        std::set<std::string> listed;
+        for (const Line& line : lines_)
+            if (!line.Deleted)
+                listed.insert(itemKey(line.SKU, line.MatrixSKU));
+        std::vector<Line> added;
+        std::size_t next = 0;
+        const bool all = longWork(desk(), "Looking up the supplier's terms …", [&] {
+            for (const std::size_t end = std::min(next + kPicksAtOnce, picked.size()); next < end; ++next)
+                if (listed.insert(itemKey(picked[next].SKU, picked[next].MatrixSKU)).second)
+                    added.push_back(lineFor(picked[next]));
+            return static_cast<int>(next * 100 / picked.size());
+        });
+        if (!all)
+            return; // stopped: nothing is added
+        if (const std::size_t duplicates = picked.size() - added.size(); duplicates > 0)
             desk().message("Out of " + std::to_string(picked.size()) + " item(s) you picked, " + std::to_string(duplicates) +
                                (duplicates == 1 ? " is" : " are") + " already in the list.",
                            kProduct);
-        if (picked.empty())
-            return;
+        const int before = grdPOItems.dataRows();
+        unsaved_ = unsaved_ || !added.empty();
+        lines_.insert(lines_.end(), added.begin(), added.end());
         fillGrid();
         if (grdPOItems.dataRows() > before)
             grdPOItems.setCurrent(before + 1, kQty);
@@ -256,6 +279,7 @@ void frmPurchaseOrders_Edit::cmdDeleteItem_Click() {
         return;
     }
     line->Deleted = true;
+    unsaved_ = true;
     grdPOItems.removeRow(grdPOItems.row());
     showTotal();
 }
@@ -280,6 +304,7 @@ void frmPurchaseOrders_Edit::grdPOItems_AfterEdit(int row, int column) {
     const Line before = *line;
     try {
         if (takeCell(*line, column, typed)) {
+            unsaved_ = true;
             showRow(row, *line);
             showTotal();
             return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/currency.h"
+#include "purchasing/frmPOPickItems.h"
 #include "purchasing/supplierframe.h"
 #include "purchasing/supplierprice.h"
 #include "ui/button.h"
@@ -56,7 +57,7 @@ private:
     Line* lineAt(int row);
 
     void cmdAddItem_Click();
-    bool isListed(const std::string& SKU, const std::string& MatrixSKU) const;
+    Line lineFor(const ItemPick& item) const;
     void cmdDeleteItem_Click();
     void grdPOItems_BeforeEdit(int row, int column, bool& cancel);
     void grdPOItems_AfterEdit(int row, int column);
@@ -82,7 +83,8 @@ private:
     std::vector<Line> lines_;
     std::string supplierName_;
     SupplierPrice price_;
-    std::string oldText_; // of the cell that is being edited
+    std::string oldText_;  // of the cell that is being edited
+    bool unsaved_ = false; // something was changed since the last save
     bool activated_ = false;
 };
 

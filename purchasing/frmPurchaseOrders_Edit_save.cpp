@@ -5,6 +5,7 @@
 #include "app/modMain.h"
 #include "base/numbers.h"
 #include "purchasing/orders.h"
+#include "ui/waiting.h"
 
 namespace merchantry::purchasing {
 
@@ -25,6 +26,7 @@ std::int16_t numberFrom(const Sql& statement, const std::string& column) {
 
 void frmPurchaseOrders_Edit::SavePO() {
     guarded({kTag, "SavePO"}, [this] {
+        const ui::Waiting hourglass(desk());
         db::Transaction transaction(modMain().Conn);
         const bool isNew = PONumber == kNewOrder;
         const std::int16_t poid = isNew ? numberFrom(Sql("sp_InsertPOHeader ") + int{SupplierID}, "POID")
@@ -34,6 +36,7 @@ void frmPurchaseOrders_Edit::SavePO() {
         const std::int16_t number = isNew ? numberFrom(Sql("sp_UpdatePONumber ") + int{poid}, "PONumber") : PONumber;
         transaction.commit();
         PONumber = number;
+        unsaved_ = false;
         if (isNew)
             showHeading();
         for (Line& line : lines_)
@@ -41,6 +44,7 @@ void frmPurchaseOrders_Edit::SavePO() {
                 line.InDatabase = true;
                 line.Changed = false;
             }
+        showTotal();
     });
 }
 
