@@ -72,7 +72,7 @@ frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurc
     setLayout(column({
         row({title(lblHeading), stretch(), figure("Total", lblTotal)}),
         supplier_.item(),
-        at(grdPOItems).high(12).wide(118).stretched(),
+        at(grdPOItems).high(12).wide(130).stretched(),
         buttons({at(cmdAddItem), at(cmdDeleteItem), at(cmdViewHist), at(cmdPrint), stretch(), at(cmdCancel), at(cmdOK)}),
     }));
     // Number, supplier, "on" for looking only.
