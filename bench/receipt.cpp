@@ -103,7 +103,9 @@ public:
               "SELECT QtyAfter, Cost_wt FROM InventoryLedger WHERE SKU = ?1 AND MatrixSKU = ?2 AND LedgerID < ?3 AND QtyAfter IS NOT NULL "
               "ORDER BY LedgerID DESC LIMIT 1"),
           after_(store, "UPDATE InventoryLedger SET QtyAfter = ?2, Cost_wt = ?3 WHERE LedgerID = ?1"),
-          status_(store, "UPDATE PurchaseOrder SET Status = 'P' WHERE PONumber = ?1 AND Status <> 'C'") {}
+          status_(store,
+                  "UPDATE PurchaseOrder SET Status = CASE WHEN EXISTS (SELECT * FROM PurchaseOrderItem i WHERE i.POID = PurchaseOrder.POID "
+                  "AND i.Qty > i.QtyRecvd + i.QtyCanceled) THEN 'P' ELSE 'C' END WHERE PONumber = ?1 AND Status <> 'C'") {}
 
     void post(std::int64_t PONumber, const std::vector<purchasing::ReceiveLine>& lines) {
         begin_.run();

@@ -121,6 +121,15 @@ TEST_F(Purchasing, AnOrderLivesFromHeaderToClosed) {
     EXPECT_EQ(errorOf("sp_InsertPOItem 2, 'Nope', 'Nope', 1, 1, ''"), 547);
 }
 
+// Each of two managers saw the other's part open and asks for partial.
+TEST_F(Purchasing, AnOrderOfWhichNothingIsOpenIsClosed) {
+    order();
+    run("sp_ReceiveItem 1, 1, 'Nut', 'Nut', 10, 2, 0, 0, -1, '' EXEC sp_ChangePOStatus 1, 'P'");
+    EXPECT_EQ(rowsOf("SELECT Status FROM PurchaseOrder WHERE PONumber = 1"), "P");
+    run("sp_CancelItem 1, 1, 'Rod', 'Rod', 4, -1 EXEC sp_ChangePOStatus 1, 'P'");
+    EXPECT_EQ(rowsOf("SELECT Status FROM PurchaseOrder WHERE PONumber = 1"), "C");
+}
+
 TEST_F(Purchasing, ADeliveryMovesLineStockLedgerAndCostTogether) {
     order();
     run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) VALUES ('Nut', 'Nut', 'Opening Stock', 2, 1)");
