@@ -184,6 +184,8 @@ void frmPurchaseOrders::LoadPOList(Filter filter) {
 }
 
 void frmPurchaseOrders::reload() {
+    if (rows_ == nullptr) // nothing could be read so far
+        return cboSearch_Click();
     guarded({kTag, "LoadPOList"}, [this] { LoadPOList(filter_); });
 }
 
