@@ -49,8 +49,8 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
     grdPOItems.emptyText = "Nothing of this order is open.";
     grdPOItems.setToolTip("Part number, received quantity and cost can be changed. Memorize keeps cost and part number for the supplier.");
     grdRehearsal.setColumns({{.heading = "SKU", .fixedWidth = true, .characters = 12},
-                             {.heading = "Name", .characters = 16},
-                             {.heading = "Received", .format = Format::Number},
+                             {.heading = "Name", .characters = 22},
+                             {.heading = "Qty", .format = Format::Number},
                              {.heading = "Other Costs", .format = Format::Currency},
                              {.heading = "Cost of One", .format = Format::Number},
                              {.heading = "On Hand", .format = Format::Number},
@@ -58,7 +58,7 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
                              {.heading = "New Cost", .format = Format::Number},
                              {.heading = "Price", .format = Format::Currency},
                              {.heading = "Margin", .format = Format::Number},
-                             {.heading = "Remark", .characters = 20}});
+                             {.heading = "Remark", .characters = 15}});
     grdRehearsal.editable = false;
     grdRehearsal.emptyText = "No line brings anything.";
     grdRehearsal.setToolTip(

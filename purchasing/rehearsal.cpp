@@ -65,9 +65,7 @@ std::optional<int> RehearsedLine::margin() const {
 
 std::string RehearsedLine::remark() const {
     const int open = line.OpenQty - line.RecvQty;
-    std::string words = open > 0    ? std::to_string(open) + " stay open"
-                        : open == 0 ? "Line closes"
-                                    : std::to_string(-open) + " over, line closes";
+    std::string words = open > 0 ? std::to_string(open) + " stay open" : open == 0 ? "Closes" : std::to_string(-open) + " over, closes";
     if (before.average && before.onHand <= 0)
         words += "; none on hand";
     return words;

@@ -4,6 +4,7 @@
 #include "ui/qt/formwindow.h"
 #include "ui/qt/gridview.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -140,6 +141,27 @@ TEST_F(EventsTest, WhatTheScreenSetsIsShownAndBringsNoEventOfItsOwn) {
     EXPECT_TRUE(widget<QLineEdit>(form.txtPrice).isReadOnly());
     EXPECT_FALSE(widget<QPushButton>(form.cmdExit).isEnabled());
     EXPECT_FALSE(desk.window(form)->drawing(form.imgUp)->widget()->isVisible());
+}
+
+// As a screen sends its user to a list with nothing chosen.
+TEST_F(EventsTest, AListThatIsDroppedDownOpensWhereTheFocusIs) {
+    auto& form = shown<sample::ItemSheet>();
+    const QComboBox& combo = widget<QComboBox>(form.cboDepartment);
+    form.cboDepartment.setEnabled(false);
+    form.chkSerial.click = [&form] {
+        form.cboDepartment.setEnabled(true);
+        form.cboDepartment.setFocus();
+        form.cboDepartment.dropDown();
+    };
+    click<QCheckBox>(form.chkSerial);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(combo.view()->isVisible());
+    desk.enter([&] { gestures::pick(form.cboDepartment, 1); });
+    QTest::keyClick(combo.view(), Qt::Key_Escape);
+    EXPECT_FALSE(combo.view()->isVisible());
+    form.cboDepartment.setListIndex(0); // another choice opens nothing
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(combo.view()->isVisible());
 }
 
 TEST_F(EventsTest, AMaskTakesOnlyWhatFitsAndAChangeProcedureHasTheLastWord) {
