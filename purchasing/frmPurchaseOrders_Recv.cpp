@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 
 namespace merchantry::purchasing {
 
@@ -254,10 +255,12 @@ void frmPurchaseOrders_Recv::loadBarcodes() {
                        "o.POID INNER JOIN Item ON Item.SKU = i.SKU AND Item.MatrixSKU = i.MatrixSKU WHERE Item.BarcodeID <> '' AND "
                        "o.PONumber = ") +
                    int{PONumber});
+    std::map<std::string, std::size_t> places;
+    for (std::size_t i = 0; i < lines_.size(); ++i)
+        places.emplace(itemKey(lines_[i].SKU, lines_[i].MatrixSKU), i);
     for (; !codes->Eof(); codes->MoveNext())
-        for (std::size_t i = 0; i < lines_.size(); ++i)
-            if (sameText(lines_[i].SKU, (*codes)[0].text()) && sameText(lines_[i].MatrixSKU, (*codes)[1].text()))
-                barcodes_[i] = (*codes)[2].text();
+        if (const auto place = places.find(itemKey((*codes)[0].text(), (*codes)[1].text())); place != places.end())
+            barcodes_[place->second] = (*codes)[2].text();
 }
 
 void frmPurchaseOrders_Recv::grdPOItems_BeforeEdit(int row, int column, bool& cancel) {

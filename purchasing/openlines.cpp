@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "base/numbers.h"
+#include "base/text.h"
 
 #include <cmath>
 
@@ -29,6 +30,10 @@ std::vector<OpenLine> openLines(std::int16_t PONumber) {
         lines.push_back(std::move(line));
     }
     return lines;
+}
+
+std::string itemKey(const std::string& SKU, const std::string& MatrixSKU) {
+    return lowerCase(trimmedRight(SKU)) + '\0' + lowerCase(trimmedRight(MatrixSKU));
 }
 
 std::optional<std::int16_t> wholeQuantity(const std::string& text) {

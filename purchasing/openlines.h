@@ -36,6 +36,9 @@ struct OpenLine {
 // The open lines of the order with that number, in the order of their names. Throws DbError.
 std::vector<OpenLine> openLines(std::int16_t PONumber);
 
+// What stands for an item among others, whatever the case of its codes.
+std::string itemKey(const std::string& SKU, const std::string& MatrixSKU);
+
 // A whole number from 0 on; nothing for any other text. Throws OverflowError above 32767.
 std::optional<std::int16_t> wholeQuantity(const std::string& text);
 

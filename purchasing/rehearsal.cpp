@@ -3,7 +3,6 @@
 #include "app/modMain.h"
 #include "app/profit.h"
 #include "base/numbers.h"
-#include "base/text.h"
 
 #include <algorithm>
 #include <map>
@@ -16,10 +15,6 @@ struct Figures {
     app::MovingAverage ledger;
     std::optional<Currency> price;
 };
-
-std::string keyOf(const std::string& sku, const std::string& matrixSku) {
-    return lowerCase(sku) + '\0' + lowerCase(matrixSku);
-}
 
 std::map<std::string, Figures> figuresOf(std::int16_t PONumber) {
     const auto rows = app::openDirect(
@@ -46,7 +41,7 @@ std::map<std::string, Figures> figuresOf(std::int16_t PONumber) {
             figures.price = row["Price"].Value().toCurrency();
         if (figures.price && !row["SalePrice"].isNull())
             figures.price = std::min(*figures.price, row["SalePrice"].Value().toCurrency());
-        found.emplace(keyOf(row["SKU"].text(), row["MatrixSKU"].text()), figures);
+        found.emplace(itemKey(row["SKU"].text(), row["MatrixSKU"].text()), figures);
     }
     return found;
 }
@@ -81,7 +76,7 @@ std::vector<RehearsedLine> rehearsed(std::int16_t PONumber, const std::vector<Re
             continue;
         RehearsedLine one;
         one.line = line;
-        if (const auto item = figures.find(keyOf(line.SKU, line.MatrixSKU)); item != figures.end()) {
+        if (const auto item = figures.find(itemKey(line.SKU, line.MatrixSKU)); item != figures.end()) {
             one.before = item->second.ledger;
             one.price = item->second.price;
         }
