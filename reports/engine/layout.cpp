@@ -156,9 +156,10 @@ private:
     // The store and, from the second page on, the title; the foot with date and page.
     void head() {
         y_ = kMargin / 2 + 40;
-        text(0, inner() / 2, layout_.head_.store, kFootSize + 1, ui::PageAlign::Left, true, ui::PageInk::Grey);
+        const int store = inner() * (number_ > 0 ? 1 : 3) / 3;
+        text(0, store, layout_.head_.store, kFootSize + 1, ui::PageAlign::Left, true, ui::PageInk::Grey);
         if (number_ > 0)
-            text(inner() / 2, inner() / 2, definition().title, kFootSize + 1, ui::PageAlign::Right, false, ui::PageInk::Grey);
+            text(store, inner() - store, fullTitle(), kFootSize + 1, ui::PageAlign::Right, false, ui::PageInk::Grey);
         y_ = layout_.paperHeight_ - kMargin / 2 - layout_.height(kFootSize);
         text(0, inner() / 2, layout_.head_.made.toShortText(), kFootSize, ui::PageAlign::Left, false, ui::PageInk::Grey);
         const std::string of = layout_.complete_ ? " of " + std::to_string(layout_.count()) : "";
@@ -167,13 +168,26 @@ private:
         y_ = kMargin;
     }
 
+    // The line below the title; empty where there is none.
+    std::string subtitle() const {
+        const db::RowStore& rows = layout_.outline_.rows();
+        if (definition().subtitle.empty() || rows.rowCount() == 0)
+            return "";
+        return FieldText(definition().subtitle, rows, definition().file.filename().string(), 1).in(rows, 0);
+    }
+    // What tells the second page of one order from that of another.
+    std::string fullTitle() const {
+        const std::string below = subtitle();
+        return below.empty() ? definition().title : definition().title + ", " + below;
+    }
+
     // Title, criteria, the form's head and the charts of the start. False when there is nothing else, for want of rows.
     bool first() {
         text(0, inner(), definition().title, kTitleSize, ui::PageAlign::Left, true);
         y_ += layout_.height(kTitleSize);
         const db::RowStore& rows = layout_.outline_.rows();
-        if (!definition().subtitle.empty() && rows.rowCount() > 0)
-            line(FieldText(definition().subtitle, rows, definition().file.filename().string(), 1).in(rows, 0), 22);
+        if (const std::string below = subtitle(); !below.empty())
+            line(below, 22);
         for (const std::string& words : criteria())
             line(words, 17, ui::PageInk::Grey);
         y_ += kAfterHead;
