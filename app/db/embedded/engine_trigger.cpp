@@ -69,7 +69,8 @@ const Engine::Tables& Engine::watchedTables(const std::shared_ptr<const tsql::Ta
             break;
         for (const auto& [other, key] : catalog_.referencesTo(one->name)) {
             const bool follows = !key.onDelete.empty() || !key.onUpdate.empty();
-            if (follows && std::none_of(reached.begin(), reached.end(), [&](const auto& known) { return known->id == other->id; }))
+            const auto isOther = [id = other->id](const auto& known) { return known->id == id; };
+            if (follows && std::none_of(reached.begin(), reached.end(), isOther))
                 reached.push_back(other);
         }
     }
