@@ -121,6 +121,7 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
 }
 
 void frmPurchaseOrders_Recv::Form_Load() {
+    txtCode.setFocus(); // a scanner finds its field
     guarded({kTag, "Form_Load"}, [this] {
         ShowSupplier();
         loadLines();
