@@ -90,7 +90,7 @@ frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurc
 void frmPurchaseOrders_Edit::formatGrid() {
     using Format = GridColumn::Format;
     grdPOItems.setColumns({{.heading = "Memorize", .editor = GridColumn::Editor::Check, .fixedWidth = true},
-                           {.heading = "SKU", .fixedWidth = true, .characters = 9},
+                           {.heading = "SKU", .fixedWidth = true},
                            {.heading = "Name", .characters = 24},
                            {.heading = "Supplier Part #", .characters = 13},
                            {.heading = ReadOnly ? "PO Qty" : "Qty", .format = Format::Number, .characters = 5},
