@@ -58,7 +58,7 @@ TEST(OrderRuns, BesideEightRegistersLoseNothingAndHearOfNoLock) {
             ADD_FAILURE() << finding.sentence();
 
     // Numbers follow one another, and no order is without lines or number.
-    ASSERT_GT(all.orders, 10);
+    ASSERT_GT(all.orders, 0);
     EXPECT_EQ(number("SELECT COUNT(DISTINCT PONumber) FROM PurchaseOrder WHERE PONumber > " + std::to_string(lastNumber)), all.orders);
     EXPECT_EQ(number("SELECT MAX(PONumber) FROM PurchaseOrder"), lastNumber + all.orders);
     EXPECT_EQ(number(newLines + std::to_string(lastNumber)), all.lines);
