@@ -1,9 +1,8 @@
 #include "base/numbers.h"
 
-#include "base/currency.h"
-
 #include <charconv>
 #include <cmath>
+#include <stdexcept>
 #include <string>
 
 namespace merchantry {
@@ -110,6 +109,17 @@ std::optional<double> numberOf(std::string_view text) {
     if (error != std::errc{} || stop != view.data() + view.size())
         return std::nullopt;
     return number;
+}
+
+std::optional<Currency> amountOf(std::string_view text) {
+    const auto number = numberOf(text);
+    if (!number)
+        return std::nullopt;
+    try {
+        return Currency::fromText(text);
+    } catch (const std::invalid_argument&) { // with an exponent
+        return Currency::fromDouble(*number);
+    }
 }
 
 bool isNumeric(std::string_view text) {

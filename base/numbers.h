@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/currency.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -17,6 +19,10 @@ bool isNumeric(std::string_view text);
 
 // The number of such a text; nullopt exactly when isNumeric is false.
 std::optional<double> numberOf(std::string_view text);
+
+// The amount of such a text with all its digits; only what is written with an exponent goes by its number. nullopt exactly when isNumeric
+// is false; throws OverflowError for what money cannot hold.
+std::optional<Currency> amountOf(std::string_view text);
 
 // The nearest 16-bit number, halves to even. Throws OverflowError ("Overflow") outside -32768 to 32767.
 std::int16_t toInt16(double number);

@@ -19,14 +19,10 @@ db::RecordsetPtr openUpdatable(const db::Sql& procedure, const std::vector<db::P
 }
 
 Currency amountIn(const std::string& text) {
-    const auto number = numberOf(text);
-    if (!number)
+    const auto amount = amountOf(text);
+    if (!amount)
         throw std::invalid_argument("Type mismatch: \"" + text + "\" is not a number.");
-    try {
-        return Currency::fromText(text);
-    } catch (const std::invalid_argument&) { // with an exponent
-        return Currency::fromDouble(*number);
-    }
+    return *amount;
 }
 
 void ValueBefore::remember(const std::string& cell) {

@@ -75,13 +75,12 @@ bool frmOtherCost::refused(const char* message) {
 void frmOtherCost::cmdOK_Click() {
     guarded({"frmOtherCost", "cmdOK_Click"}, [this] {
         const std::string& text = txtAmount.text();
-        const auto number = numberOf(text);
-        if (!number && refused("Amount must be numeric."))
+        const auto amount = amountOf(text);
+        if (!amount && refused("Amount must be numeric."))
             return;
-        const Currency amount = Currency::fromDouble(*number);
-        if (tooFine(text, amount) && refused("Too many decimal digits."))
+        if (tooFine(text, *amount) && refused("Too many decimal digits."))
             return;
-        OtherCost = amount;
+        OtherCost = *amount;
         Description = txtDesc.text();
         DialogResult = true;
         unload();

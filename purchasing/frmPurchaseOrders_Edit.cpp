@@ -38,15 +38,6 @@ std::int16_t smallNumber(const Value& value) {
     return toInt16(value.toNumber());
 }
 
-// Every digit of an amount counts; only what is written with an exponent goes by its number.
-Currency costOf(const std::string& text, double number) {
-    try {
-        return Currency::fromText(text);
-    } catch (const std::invalid_argument&) {
-        return Currency::fromDouble(number);
-    }
-}
-
 } // namespace
 
 frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurchaseOrders_Edit", "Edit Purchase Order") {
@@ -327,7 +318,7 @@ bool frmPurchaseOrders_Edit::takeCell(Line& line, int column, const std::string&
         if (column == kQty)
             line.Qty = toInt16(*number);
         else
-            line.Cost = costOf(text, *number);
+            line.Cost = amountOf(text).value();
         (void)total(); // must stay a number, too
     }
     line.Changed = true;

@@ -303,13 +303,13 @@ void frmPurchaseOrders_Recv::takeQuantity(int row, ReceiveLine& line) {
 }
 
 void frmPurchaseOrders_Recv::takeCost(int row, ReceiveLine& line) {
-    const auto cost = numberOf(grdPOItems.rawText(row, kCost));
+    const auto cost = amountOf(grdPOItems.rawText(row, kCost));
     if (!cost) {
         desk().message("Cost must be numeric.", kBoxTitle);
         grdPOItems.setText(row, kCost, saved_);
         return;
     }
-    line.Cost = Currency::fromDouble(*cost);
+    line.Cost = *cost;
     showRow(row, line);
 }
 

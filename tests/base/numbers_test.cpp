@@ -40,6 +40,15 @@ TEST(Numbers, ShortestDecimalReadsBack) {
     EXPECT_EQ(shortestDecimal(123456789012.25), "123456789012.25");
 }
 
+TEST(Numbers, AnAmountKeepsAllItsDigits) {
+    EXPECT_EQ(amountOf("900719925474.1233")->toText(), "900719925474.1233"); // a double would lose the last digit
+    EXPECT_EQ(amountOf(" ($4.00) ")->toText(), "-4");
+    EXPECT_EQ(amountOf("1.5e2")->toText(), "150");
+    EXPECT_FALSE(amountOf("4 pounds"));
+    EXPECT_FALSE(amountOf(""));
+    EXPECT_THROW((void)amountOf("1e30"), OverflowError);
+}
+
 TEST(Decimals, KeepTheirScaleAndCompareByValue) {
     const auto number = [](const char* text) { return *Decimal::fromText(text); };
     EXPECT_EQ(number("1.50").toText(), "1.50");
