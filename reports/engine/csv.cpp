@@ -1,3 +1,4 @@
+#include "reports/engine/exportrows.h"
 #include "reports/engine/exports.h"
 
 #include <ostream>
@@ -28,11 +29,12 @@ std::string oneLine(std::string title) {
     return title;
 }
 
-void appendCell(std::string& line, const Outline& outline, int row, std::size_t at) {
+void appendCell(std::string& line, const Outline& outline, const ExportRows& exported, std::size_t at) {
     const Outline::ShownColumn& column = outline.columns()[at];
     const db::RowStore& rows = outline.rows();
-    if (column.expression || column.definition->share != Scope::None) {
-        const auto figure = outline.exported(row, at);
+    const int row = exported.row();
+    if (column.isComputed()) {
+        const auto figure = exported.computed(at);
         line += figure ? figure->toShortText() : "";
         return;
     }
@@ -56,28 +58,35 @@ void appendCell(std::string& line, const Outline& outline, int row, std::size_t 
 bool writeCsv(const Report& report, std::ostream& out, const KeepWriting& goOn) {
     const Outline& outline = report.outline();
     const std::string& criteria = report.head().criteria;
+    ExportRows rows(outline);
     std::string text;
+    for (const std::string& title : rows.groupTitles())
+        text += title + ",";
     for (std::size_t i = 0; i < outline.columns().size(); ++i) {
         text += i > 0 ? "," : "";
         append(text, oneLine(outline.columns()[i].definition->title));
     }
     text += criteria.empty() ? "\r\n" : ",Criteria\r\n";
-    for (int row = 0; row < outline.rows().rowCount(); ++row) {
+    while (rows.next()) {
+        for (const std::string& name : rows.groups()) {
+            append(text, name);
+            text += ',';
+        }
         for (std::size_t i = 0; i < outline.columns().size(); ++i) {
             if (i > 0)
                 text += ',';
-            appendCell(text, outline, row, i);
+            appendCell(text, outline, rows, i);
         }
         if (!criteria.empty()) {
             text += ',';
-            append(text, row == 0 ? criteria : "");
+            append(text, rows.row() == 0 ? criteria : "");
         }
         text += "\r\n";
         if (text.size() > kBuffer) {
             out << text;
             text.clear();
         }
-        if (goOn && row % kRowsBetweenQuestions == 0 && !goOn(row))
+        if (goOn && rows.row() % kRowsBetweenQuestions == 0 && !goOn(rows.row()))
             return false;
     }
     out << text;

@@ -10,8 +10,8 @@ namespace merchantry::reports {
 // Asked now and then with the rows written; false stops the writing.
 using KeepWriting = std::function<bool(int rows)>;
 
-// The rows as RFC 4180 has it: a line of titles, then a line a row, hidden columns too; numbers plain, dates as yyyy-mm-dd hh:mm:ss. With
-// criteria a last column carries them in its first row. False when it was stopped.
+// The rows as RFC 4180 has it: a line of titles, then a line a row, the groups' names first, hidden columns too; numbers plain, dates as
+// yyyy-mm-dd hh:mm:ss. With criteria a last column carries them in its first row. False when it was stopped.
 bool writeCsv(const Report& report, std::ostream& out, const KeepWriting& goOn = {});
 
 // A page for a browser, with groups and totals, that needs nothing beside it. False when it was stopped.

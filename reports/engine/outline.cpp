@@ -97,6 +97,7 @@ void Outline::bindColumn(const ColumnDefinition& definition) {
     }
     hasTotals_ = hasTotals_ || definition.total != Total::None;
     wantsGroupSums_ = wantsGroupSums_ || definition.share == Scope::Group;
+    wantsRunningSums_ = wantsRunningSums_ || definition.running != Scope::None;
     columns_.push_back(std::move(column));
 }
 
@@ -162,31 +163,30 @@ std::optional<Figure> Outline::figure(int row, std::size_t column) const {
     return figureAt(row, shown.source);
 }
 
-std::optional<Figure> Outline::exported(int row, std::size_t column) const {
+std::optional<Figure> Outline::computed(int row, std::size_t column, const Around& around) const {
     const ShownColumn& shown = columns_[column];
-    const auto own = figure(row, column);
-    return own && shown.definition->share != Scope::None ? own->over(grand_[*shown.measure].sum) : own;
+    const ColumnDefinition& definition = *shown.definition;
+    const bool inGroup = groupCount() > 0;
+    if (definition.share != Scope::None) {
+        const Sums& whole = definition.share == Scope::Group && inGroup ? around.group : grand_;
+        const auto part = figureAt(row, shown.source);
+        return part ? part->over(whole[*shown.measure].sum) : std::nullopt;
+    }
+    if (definition.running != Scope::None)
+        return (definition.running == Scope::Group && inGroup ? around.groupSoFar : around.reportSoFar)[*shown.measure].sum;
+    return figure(row, column);
 }
 
-std::vector<std::string> Outline::cells(int row, const Sums& group, const std::vector<Sums>& running) const {
+std::vector<std::string> Outline::cells(int row, const Around& around) const {
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         const ShownColumn& column = columns_[i];
-        const ColumnDefinition& definition = *column.definition;
-        if (column.expression) {
-            const auto value = figure(row, i);
-            texts.push_back(value ? figureText(*value, column.kind.format) : "");
-        } else if (definition.share != Scope::None) {
-            const Sums& whole = definition.share == Scope::Group && groupCount() > 0 ? group : grand_;
-            const auto part = figureAt(row, column.source);
-            const auto share = part ? part->over(whole[*column.measure].sum) : std::nullopt;
-            texts.push_back(share ? figureText(*share, Format::Percent) : "");
-        } else if (definition.running != Scope::None) {
-            const std::size_t level = definition.running == Scope::Group && groupCount() > 0 ? running.size() - 2 : running.size() - 1;
-            texts.push_back(figureText(running[level][*column.measure].sum, column.kind.format));
-        } else {
+        if (!column.isComputed()) {
             texts.push_back(cellText(rows_.value(row, column.source), column.kind.format));
+            continue;
         }
+        const auto value = computed(row, i, around);
+        texts.push_back(value ? figureText(*value, column.kind.format) : "");
     }
     return texts;
 }

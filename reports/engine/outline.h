@@ -56,6 +56,8 @@ public:
         std::vector<int> sources;           // of the expression's fields
         std::optional<std::size_t> measure; // of a total, a share or a running sum
         ColumnKind kind;
+        // Whether its cells are worked out rather than read: an expression, a share or a running sum.
+        bool isComputed() const { return expression || definition->share != Scope::None || definition->running != Scope::None; }
     };
     const std::vector<ShownColumn>& columns() const { return columns_; }
     const Definition& definition() const { return definition_; }
@@ -65,15 +67,21 @@ public:
     // Of the whole report.
     const Sums& grand() const { return grand_; }
 
-    // The cells of a row as shown; `group` are the sums of its innermost group, `running` what came before and with it.
-    std::vector<std::string> cells(int row, const Sums& group, const std::vector<Sums>& running) const;
+    // What shares and running sums of a row stand on: all of its innermost group, and what came before and with the row, in that group
+    // and in the report.
+    struct Around {
+        const Sums& group;
+        const Sums& groupSoFar;
+        const Sums& reportSoFar;
+    };
+    // The cells of a row as shown.
+    std::vector<std::string> cells(int row, const Around& around) const;
+    // The number of a column that isComputed; nothing where there is none.
+    std::optional<Figure> computed(int row, std::size_t column, const Around& around) const;
     // The figures of a total line.
     std::vector<std::string> totals(const Sums& sums, const Sums& enclosing) const;
     // The number behind a shown cell of a row, for styles and exports; nothing where there is none.
     std::optional<Figure> figure(int row, std::size_t column) const;
-
-    // The same for exports, a share as its part of the whole report.
-    std::optional<Figure> exported(int row, std::size_t column) const;
 
     std::string header(int group, int row) const { return groups_[static_cast<std::size_t>(group)].header.in(rows_, row); }
     std::string footer(int group, int row) const { return groups_[static_cast<std::size_t>(group)].footer.in(rows_, row); }
@@ -84,6 +92,7 @@ public:
     // The sums of the innermost group that begins with the row.
     Sums groupSums(int firstRow) const;
     bool wantsGroupSums() const { return wantsGroupSums_; }
+    bool wantsRunningSums() const { return wantsRunningSums_; }
 
 private:
     struct BoundGroup {
@@ -106,6 +115,7 @@ private:
     Sums grand_;
     bool hasTotals_ = false;
     bool wantsGroupSums_ = false;
+    bool wantsRunningSums_ = false;
 };
 
 // One line of a report, before it is known on which page it stands.

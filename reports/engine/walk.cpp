@@ -1,5 +1,7 @@
 #include "reports/engine/outline.h"
 
+#include <algorithm>
+
 namespace merchantry::reports {
 
 Walk::Walk(const Outline& outline)
@@ -104,7 +106,8 @@ Band Walk::take(bool withCells) {
     case Band::Kind::Row:
         addRow();
         if (withCells)
-            band.cells = outline_->cells(band.row, groupAhead_.empty() ? sums_.back() : groupAhead_, sums_);
+            band.cells = outline_->cells(band.row, {groupAhead_.empty() ? sums_.back() : groupAhead_,
+                                                    sums_[sums_.size() - std::min<std::size_t>(sums_.size(), 2)], sums_.back()});
         break;
     case Band::Kind::Footer:
         band.label = outline_->footer(level_, row_);

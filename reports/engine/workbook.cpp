@@ -1,5 +1,6 @@
 #include "base/numbers.h"
 #include "base/text.h"
+#include "reports/engine/exportrows.h"
 #include "reports/engine/exports.h"
 
 #include <xlsxwriter.h>
@@ -24,7 +25,7 @@ lxw_datetime forSheet(const Date& date) {
 // Two sheets: the rows, and what they are.
 class Workbook {
 public:
-    Workbook(const Report& report, const std::filesystem::path& file) : report_(report), outline_(report.outline()) {
+    Workbook(const Report& report, const std::filesystem::path& file) : report_(report), outline_(report.outline()), rows_(outline_) {
         lxw_workbook_options options{};
         options.constant_memory = LXW_TRUE; // row by row into the file
         book_ = workbook_new_opt(file.string().c_str(), &options);
@@ -45,9 +46,15 @@ public:
     Workbook(const Workbook&) = delete;
     Workbook& operator=(const Workbook&) = delete;
 
-    void row(int row) {
+    // Writes the next row and tells its number; below 0 after the last.
+    int nextRow() {
+        if (!rows_.next())
+            return -1;
+        for (std::size_t i = 0; i < rows_.groups().size(); ++i)
+            worksheet_write_string(sheet_, line(), static_cast<lxw_col_t>(i), rows_.groups()[i].c_str(), nullptr);
         for (std::size_t i = 0; i < outline_.columns().size(); ++i)
-            cell(row, i);
+            cell(i);
+        return rows_.row();
     }
     void finish() {
         about();
@@ -90,37 +97,45 @@ private:
         return made;
     }
 
+    // The groups' names stand before the columns.
+    lxw_col_t placeOf(std::size_t column) const { return static_cast<lxw_col_t>(rows_.groupTitles().size() + column); }
+    lxw_row_t line() const { return static_cast<lxw_row_t>(rows_.row() + 1); }
+
     void headings() {
+        for (std::size_t i = 0; i < rows_.groupTitles().size(); ++i) {
+            const auto at = static_cast<lxw_col_t>(i);
+            worksheet_set_column(sheet_, at, at, 30, nullptr);
+            worksheet_write_string(sheet_, 0, at, rows_.groupTitles()[i].c_str(), bold_);
+        }
         for (std::size_t i = 0; i < outline_.columns().size(); ++i) {
             const ColumnDefinition& column = *outline_.columns()[i].definition;
-            const auto at = static_cast<lxw_col_t>(i);
+            const lxw_col_t at = placeOf(i);
             worksheet_set_column(sheet_, at, at, std::clamp(column.width * 1.2, 8.0, 60.0), nullptr);
             worksheet_write_string(sheet_, 0, at, column.title.c_str(), bold_);
         }
         worksheet_freeze_panes(sheet_, 1, 0);
     }
 
-    void cell(int row, std::size_t i) {
+    void cell(std::size_t i) {
         const Outline::ShownColumn& column = outline_.columns()[i];
-        const auto line = static_cast<lxw_row_t>(row + 1);
-        const auto at = static_cast<lxw_col_t>(i);
-        if (column.expression || column.definition->share != Scope::None) {
-            if (const auto figure = outline_.exported(row, i))
-                worksheet_write_number(sheet_, line, at, figure->toDouble(), formats_[i]);
+        const lxw_col_t at = placeOf(i);
+        if (column.isComputed()) {
+            if (const auto figure = rows_.computed(i))
+                worksheet_write_number(sheet_, line(), at, figure->toDouble(), formats_[i]);
             return;
         }
-        const Value value = outline_.rows().value(row, column.source);
+        const Value value = outline_.rows().value(rows_.row(), column.source);
         if (value.isNull())
             return;
         if (value.is<Date>()) {
             lxw_datetime there = forSheet(value.as<Date>());
-            worksheet_write_datetime(sheet_, line, at, &there, formats_[i]);
+            worksheet_write_datetime(sheet_, line(), at, &there, formats_[i]);
         } else if (value.is<bool>()) {
-            worksheet_write_boolean(sheet_, line, at, value.as<bool>() ? 1 : 0, nullptr);
+            worksheet_write_boolean(sheet_, line(), at, value.as<bool>() ? 1 : 0, nullptr);
         } else if (value.is<std::string>() || value.is<Bytes>()) {
-            worksheet_write_string(sheet_, line, at, value.toText().c_str(), nullptr);
+            worksheet_write_string(sheet_, line(), at, value.toText().c_str(), nullptr);
         } else {
-            worksheet_write_number(sheet_, line, at, value.toNumber(), formats_[i]);
+            worksheet_write_number(sheet_, line(), at, value.toNumber(), formats_[i]);
         }
     }
 
@@ -144,6 +159,7 @@ private:
 
     const Report& report_;
     const Outline& outline_;
+    ExportRows rows_;
     lxw_workbook* book_ = nullptr;
     lxw_worksheet* sheet_ = nullptr;
     lxw_format* bold_ = nullptr;
@@ -164,8 +180,7 @@ bool writeWorkbook(const Report& report, const std::filesystem::path& file, cons
     try {
         {
             Workbook book(report, beside);
-            for (int row = 0; row < rows; ++row) {
-                book.row(row);
+            for (int row = book.nextRow(); row >= 0; row = book.nextRow()) {
                 if (goOn && row % kRowsBetweenQuestions == 0 && !goOn(row)) {
                     book.finish();
                     tidyUp();

@@ -32,6 +32,14 @@ field = "Came"
 expression = "Units * Price"
 title = "Worth"
 format = "money"
+[[column]]
+field = "Units"
+title = "So far"
+running = "group"
+[[column]]
+field = "Price"
+title = "% of kind"
+share = "group"
 [[group]]
 field = "Kind"
 order = "Goods.Kind"
@@ -61,15 +69,15 @@ protected:
 TEST_F(Exports, ValuesKeepTheirQuotesAndCarryTheirCriteria) {
     std::ostringstream out;
     EXPECT_TRUE(writeCsv(*report(), out));
-    EXPECT_EQ(out.str(), "Item name,Units,Price,Came,Worth\r\n"
-                         "\"Cup, \"\"tall\"\"\",2,1.25,2026-11-21 14:30:00,2.5\r\n"
-                         "Ümlaut & Söhne,,3,,\r\n"
-                         "\"Line\r\nbreak\",-4,0.5,2026-11-20 00:00:00,-2\r\n");
+    EXPECT_EQ(out.str(), "Group,Item name,Units,Price,Came,Worth,So far,% of kind\r\n"
+                         "A,\"Cup, \"\"tall\"\"\",2,1.25,2026-11-21 14:30:00,2.5,2,0.29411765\r\n"
+                         "A,Ümlaut & Söhne,,3,,,2,0.70588235\r\n"
+                         "B,\"Line\r\nbreak\",-4,0.5,2026-11-20 00:00:00,-2,-4,1\r\n");
     std::ostringstream filtered;
     EXPECT_TRUE(writeCsv(*report({"WHERE (Goods.Kind = 'A')", "Goods.Units", " DESC"}), filtered));
-    EXPECT_EQ(filtered.str(), "Item name,Units,Price,Came,Worth,Criteria\r\n"
-                              "\"Cup, \"\"tall\"\"\",2,1.25,2026-11-21 14:30:00,2.5,(Goods.Kind = 'A')\r\n"
-                              "Ümlaut & Söhne,,3,,,\r\n");
+    EXPECT_EQ(filtered.str(), "Group,Item name,Units,Price,Came,Worth,So far,% of kind,Criteria\r\n"
+                              "A,\"Cup, \"\"tall\"\"\",2,1.25,2026-11-21 14:30:00,2.5,2,0.29411765,(Goods.Kind = 'A')\r\n"
+                              "A,Ümlaut & Söhne,,3,,,2,0.70588235,\r\n");
     std::ostringstream stopped;
     EXPECT_FALSE(writeCsv(*report(), stopped, [](int) { return false; }));
 }
@@ -79,7 +87,7 @@ TEST_F(Exports, TheWebPageHasGroupsAndNothingThatABrowserWouldTakeForMarks) {
     EXPECT_TRUE(writeHtml(*report(), out));
     const std::string page = out.str();
     for (const char* part :
-         {"<h1>Goods &lt;all&gt;</h1>", "<td>Ümlaut &amp; Söhne</td>", "<tr class=\"h\"><td colspan=\"5\">A</td></tr>",
+         {"<h1>Goods &lt;all&gt;</h1>", "<td>Ümlaut &amp; Söhne</td>", "<tr class=\"h\"><td colspan=\"7\">A</td></tr>",
           "<tr class=\"f\"><td colspan=\"1\">All B</td><td class=\"n\">-4</td>", "<tr class=\"t\"><td colspan=\"1\">Total</td>"})
         EXPECT_NE(page.find(part), std::string::npos) << part << "\n" << page;
 }
