@@ -57,6 +57,7 @@ void appendCell(std::string& line, const Outline& outline, const ExportRows& exp
 
 bool writeCsv(const Report& report, std::ostream& out, const KeepWriting& goOn) {
     const Outline& outline = report.outline();
+    requireColumns(outline);
     const std::string& criteria = report.head().criteria;
     ExportRows rows(outline);
     std::string text;

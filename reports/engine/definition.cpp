@@ -1,6 +1,7 @@
 #include "reports/engine/definition.h"
 
 #include "base/text.h"
+#include "reports/engine/figure.h"
 
 #include <algorithm>
 #include <array>
@@ -29,6 +30,12 @@ public:
     }
 
     int line() const { return lineOf(value_); }
+    int lineOfKey(const char* key) const { return has(key) ? lineOf(value_.at(key)) : line(); }
+    // Where the text of a key begins: below its three quotes, when they end their line.
+    int lineOfText(const char* key) const {
+        const std::string line(trimmed(value_.at(key).location().line_str()));
+        return lineOfKey(key) + (line.ends_with("\"\"\"") || line.ends_with("'''") ? 1 : 0);
+    }
 
     [[noreturn]] void fail(const toml::value& where, const std::string& reason) const {
         throw DefinitionError(file_, lineOf(where), reason);
@@ -164,7 +171,7 @@ StyleRule styleRule(Table& table) {
         rule.operand = operand;
         break;
     }
-    if (rule.comparison.empty() || (rule.operand.empty() && !rule.isText))
+    if (rule.comparison.empty() || (!rule.isText && !Figure::fromText(rule.operand)))
         table.failHere("\"when\" is a comparison and a value, as \"< 0\" or \"= 'Open'\".");
     table.finish();
     return rule;
@@ -288,6 +295,7 @@ LabelDefinition label(Table& table, Table& root, PageDefinition& page) {
     table.read("gap_x", label.gapX, 0, 4);
     table.read("gap_y", label.gapY, 0, 4);
     if (const toml::value* quantity = table.find("quantity")) {
+        label.quantityLine = table.lineOfKey("quantity");
         if (quantity->is_string())
             label.quantityField = quantity->as_string().str;
         else
@@ -310,10 +318,10 @@ LabelDefinition label(Table& table, Table& root, PageDefinition& page) {
 
 QueryDefinition query(Table& table) {
     QueryDefinition query;
-    query.line = table.line();
     table.read("sql", query.sql);
     if (trimmed(query.sql).empty())
         table.failHere("[query] wants its \"sql\".");
+    query.line = table.lineOfText("sql");
     if (const toml::value* kinds = table.find("parameters")) {
         if (!kinds->is_array())
             table.fail(*kinds, "\"parameters\" must be a list of kinds.");
@@ -352,6 +360,7 @@ Definition definitionOf(const toml::value& root, const std::filesystem::path& fi
     if (result.title.empty())
         table.failHere("A report wants its \"title\".");
     table.read("subtitle", result.subtitle);
+    result.subtitleLine = table.lineOfKey("subtitle");
     std::optional<Table> queryTable = table.table("query");
     if (!queryTable)
         table.failHere("A report wants its [query].");

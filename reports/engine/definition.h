@@ -28,7 +28,7 @@ struct QueryDefinition {
     std::vector<ParameterKind> parameters{ParameterKind::Where, ParameterKind::Sort, ParameterKind::Direction};
     std::string order;                       // of last resort; may be empty
     std::map<std::string, std::string> sort; // what to order by for a sort column, by its name in lower case
-    int line = 0;
+    int line = 0;                            // where the statement begins
 };
 
 enum class Format { Auto, Text, Number, Integer, Quantity, Money, Cost, Percent, Date, Time, DateTime, Flag };
@@ -119,6 +119,7 @@ struct LabelDefinition {
     double gapY = 0;
     std::string quantityField; // empty: quantity
     int quantity = 1;
+    int quantityLine = 0;
     std::vector<BarcodeDefinition> barcodes;
     std::vector<TextLine> lines;
 };
@@ -137,6 +138,7 @@ struct Definition {
     std::filesystem::path file;
     std::string title;
     std::string subtitle;
+    int subtitleLine = 0;
     QueryDefinition query;
     PageDefinition page;
     std::vector<ColumnDefinition> columns;

@@ -1,6 +1,13 @@
 #include "reports/engine/exportrows.h"
 
+#include <stdexcept>
+
 namespace merchantry::reports {
+
+void requireColumns(const Outline& outline) {
+    if (outline.columns().empty())
+        throw std::runtime_error("Labels have no columns. They are written as PDF only.");
+}
 
 ExportRows::ExportRows(const Outline& outline)
     : outline_(outline), group_(outline.noSums()), groupSoFar_(outline.noSums()), reportSoFar_(outline.noSums()) {

@@ -8,6 +8,9 @@
 
 namespace merchantry::reports {
 
+// Throws std::runtime_error with a sentence for labels, which have no columns to write.
+void requireColumns(const Outline& outline);
+
 // The rows of a report as values for other programs, from the first to the last. Where a page names a group once above its rows, here
 // every row carries the name. Borrows the outline.
 class ExportRows {

@@ -7,6 +7,8 @@
 
 namespace merchantry::reports {
 
+// All of these throw std::runtime_error for labels, which have no columns.
+
 // Asked now and then with the rows written; false stops the writing.
 using KeepWriting = std::function<bool(int rows)>;
 

@@ -6,11 +6,13 @@ FieldText::FieldText(const std::string& text, const db::RowStore& rows, const st
     std::size_t at = 0;
     while (at < text.size()) {
         const std::size_t open = text.find('{', at);
-        const std::size_t close = open == std::string::npos ? open : text.find('}', open);
-        if (close == std::string::npos) {
+        if (open == std::string::npos) {
             pieces_.push_back({text.substr(at), -1, Format::Auto});
             return;
         }
+        const std::size_t close = text.find('}', open);
+        if (close == std::string::npos)
+            throw DefinitionError(file, line, "A brace is opened and not closed in \"" + text + "\".");
         Piece piece;
         piece.text = text.substr(at, open - at);
         std::string name = text.substr(open + 1, close - open - 1);

@@ -1,3 +1,4 @@
+#include "reports/engine/exportrows.h"
 #include "reports/engine/exports.h"
 
 #include <ostream>
@@ -79,6 +80,7 @@ private:
 } // namespace
 
 bool writeHtml(const Report& report, std::ostream& out, const KeepWriting& goOn) {
+    requireColumns(report.outline());
     Html html(report, out);
     html.head(report.head(), report.definition().title);
     Walk walk(report.outline());

@@ -32,7 +32,9 @@ Labels::Labels(const Outline& outline, const ui::TextMeasure& measure)
         lines_.emplace_back(line.text, rows, file, line.line);
     for (const BarcodeDefinition& barcode : label_.barcodes)
         codes_.push_back(sourceOf(barcode.field, barcode.line));
-    const int quantity = label_.quantityField.empty() ? -1 : sourceOf(label_.quantityField, 0);
+    const int quantity = label_.quantityField.empty() ? -1 : sourceOf(label_.quantityField, label_.quantityLine);
+    if (quantity >= 0 && rows.columns()[static_cast<std::size_t>(quantity)].type.isText())
+        throw DefinitionError(file, label_.quantityLine, "\"" + label_.quantityField + "\" is no number.");
     std::int64_t end = 0;
     for (int row = 0; row < rows.rowCount(); ++row) {
         const std::int64_t wanted = quantity < 0 ? label_.quantity : rows.value(row, quantity).toInteger();

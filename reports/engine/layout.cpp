@@ -173,7 +173,7 @@ private:
         const db::RowStore& rows = layout_.outline_.rows();
         if (definition().subtitle.empty() || rows.rowCount() == 0)
             return "";
-        return FieldText(definition().subtitle, rows, definition().file.filename().string(), 1).in(rows, 0);
+        return FieldText(definition().subtitle, rows, definition().file.filename().string(), definition().subtitleLine).in(rows, 0);
     }
     // What tells the second page of one order from that of another.
     std::string fullTitle() const {

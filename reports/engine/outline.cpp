@@ -49,8 +49,9 @@ Outline::Outline(const Definition& definition, const db::RowStore& rows) : defin
                            FieldText(group.footer, rows, file, group.line)});
     for (const ChartDefinition& chart : definition.charts) {
         sourceOf(chart.label, chart.line);
-        sourceOf(chart.value, chart.line);
+        numberOf(chart.value, chart.line);
     }
+    FieldText(definition.subtitle, rows, file, definition.subtitleLine);
     for (const auto* lines : {&definition.headers, &definition.footers})
         for (const TextLine& line : *lines)
             FieldText(line.text, rows, file, line.line); // refused here rather than on the page
@@ -63,6 +64,15 @@ int Outline::sourceOf(const std::string& field, int line) const {
     const int source = rows_.columnOf(field);
     if (source < 0)
         throw DefinitionError(definition_.file.filename().string(), line, "The query has no column \"" + field + "\".");
+    return source;
+}
+
+// The same, of a field to be reckoned with.
+int Outline::numberOf(const std::string& field, int line) const {
+    const int source = sourceOf(field, line);
+    const db::SqlType& type = rows_.columns()[static_cast<std::size_t>(source)].type;
+    if (!Figure::of(sampleOf(type)))
+        throw DefinitionError(definition_.file.filename().string(), line, "\"" + field + "\" is no number.");
     return source;
 }
 
@@ -84,12 +94,14 @@ void Outline::bindColumn(const ColumnDefinition& definition) {
             throw DefinitionError(definition_.file.filename().string(), definition.line, error.what());
         }
         for (const std::string& field : column.expression->fields()) {
-            column.sources.push_back(sourceOf(field, definition.line));
+            column.sources.push_back(numberOf(field, definition.line));
             column.measures.push_back(measureOf(column.sources.back()));
         }
         column.kind = kindOf(0.0, definition.format);
     } else {
-        column.source = sourceOf(definition.field, definition.line);
+        const bool anyKind = definition.total == Total::None || definition.total == Total::Count || definition.total == Total::First;
+        const bool reckoned = !anyKind || definition.share != Scope::None || definition.running != Scope::None;
+        column.source = reckoned ? numberOf(definition.field, definition.line) : sourceOf(definition.field, definition.line);
         const Value sample = sampleOf(rows_.columns()[static_cast<std::size_t>(column.source)].type);
         column.kind = kindOf(sample, definition.share != Scope::None ? Format::Percent : definition.format);
         if (definition.total != Total::None || definition.share != Scope::None || definition.running != Scope::None)

@@ -26,7 +26,7 @@ using Sums = std::vector<Sum>; // by measure
 class FieldText {
 public:
     FieldText() = default;
-    // Throws DefinitionError for a field that the rows do not have, or a word after ":" that is no format.
+    // Throws DefinitionError for a field that the rows do not have, a word after ":" that is no format, or a brace left open.
     FieldText(const std::string& text, const db::RowStore& rows, const std::string& file, int line);
     // In the row; requires a row of the rows it was made for.
     std::string in(const db::RowStore& rows, int row) const;
@@ -45,7 +45,7 @@ private:
 // Borrows definition and rows, which must outlive it.
 class Outline {
 public:
-    // Throws DefinitionError where the definition names a field that the rows do not have.
+    // Throws DefinitionError where the definition names a field that the rows do not have, or adds up one that is no number.
     Outline(const Definition& definition, const db::RowStore& rows);
 
     struct ShownColumn {
@@ -101,6 +101,7 @@ private:
         FieldText footer;
     };
     int sourceOf(const std::string& field, int line) const;
+    int numberOf(const std::string& field, int line) const;
     std::size_t measureOf(int source);
     void bindColumn(const ColumnDefinition& definition);
     std::optional<Figure> figureAt(int row, int source) const;

@@ -27,13 +27,12 @@ public:
         return result + sql.substr(at);
     }
 
+private:
     [[noreturn]] void fail(const std::string& reason, std::size_t at) const {
         const std::string& sql = definition_.query.sql;
         const auto lines = std::count(sql.begin(), sql.begin() + static_cast<std::ptrdiff_t>(std::min(at, sql.size())), '\n');
-        throw DefinitionError(definition_.file.filename().string(), definition_.query.line + static_cast<int>(lines), reason);
+        throw statementError(definition_, static_cast<int>(lines) + 1, reason);
     }
-
-private:
     std::string parameter(std::size_t number) const { return number <= parameters_.size() ? parameters_[number - 1] : std::string(); }
 
     // What the parameter of a kind holds; empty when the report has none.
@@ -144,6 +143,10 @@ bool isOneQuery(const db::tsql::Batch& batch) {
 
 } // namespace
 
+DefinitionError statementError(const Definition& definition, int line, const std::string& reason) {
+    return {definition.file.filename().string(), definition.query.line + std::max(1, line) - 1, reason};
+}
+
 std::string conditionsOf(const std::string& where) {
     const std::string_view text = trimmed(where);
     return std::string(sameText(text.substr(0, 5), "where") ? trimmed(text.substr(5)) : text);
@@ -156,9 +159,9 @@ std::string queryText(const Definition& definition, const ParameterTexts& parame
         if (isOneQuery(db::tsql::parseBatch(text)))
             return text;
     } catch (const db::DbError& error) {
-        query.fail(error.what(), 0);
+        throw statementError(definition, error.line(), error.what());
     }
-    query.fail("A report's query is one SELECT or one call.", 0);
+    throw statementError(definition, 1, "A report's query is one SELECT or one call.");
 }
 
 } // namespace merchantry::reports

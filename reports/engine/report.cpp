@@ -1,5 +1,6 @@
 #include "reports/engine/report.h"
 
+#include "base/text.h"
 #include "reports/engine/labels.h"
 
 #include <utility>
@@ -25,6 +26,19 @@ std::string conditionsAmong(const Definition& definition, const ParameterTexts& 
     return "";
 }
 
+// Whether the statement as the file has it is to blame, and not what was put into its places.
+bool isOfTheFile(const db::DbError& error, const Definition& definition, const ParameterTexts& parameters) {
+    using Category = db::DbError::Category;
+    if (error.category() != Category::Syntax && error.category() != Category::Name && error.category() != Category::Type)
+        return false;
+    for (std::size_t i = 0; i < definition.query.parameters.size() && i < parameters.size(); ++i) {
+        const ParameterKind kind = definition.query.parameters[i];
+        if ((kind == ParameterKind::Where || kind == ParameterKind::Sort) && !trimmed(parameters[i]).empty())
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 std::unique_ptr<Report> Report::run(db::Session& session, Definition definition, const ParameterTexts& parameters,
@@ -35,7 +49,13 @@ std::unique_ptr<Report> Report::run(db::Session& session, Definition definition,
     report->definition_ = std::move(definition);
     report->head_ = headOf(session);
     report->head_.criteria = criteria.empty() ? conditionsAmong(report->definition_, parameters) : criteria;
-    report->rows_ = readRows(session, statement, keepReading);
+    try {
+        report->rows_ = readRows(session, statement, keepReading);
+    } catch (const db::DbError& error) {
+        if (!isOfTheFile(error, report->definition_, parameters))
+            throw;
+        throw statementError(report->definition_, error.line(), error.what());
+    }
     report->outline_ = std::make_unique<Outline>(report->definition_, *report->rows_);
     return report;
 }

@@ -169,6 +169,7 @@ private:
 } // namespace
 
 bool writeWorkbook(const Report& report, const std::filesystem::path& file, const KeepWriting& goOn) {
+    requireColumns(report.outline());
     const int rows = report.outline().rows().rowCount();
     if (rows > kMostRows)
         throw std::runtime_error("A workbook holds no more than " + withThousands(kMostRows) + " rows. Export to CSV instead.");

@@ -106,6 +106,7 @@ TEST(Definition, AMistakeIsToldWithItsLine) {
         {head + "[[column]]\nfield = 'A'\nrepeat = 'no'\n", "own.rpt:6: \"repeat\" must be true or false."},
         {head + "[[column]]\nexpression = 'A'\ntotal = 'sum'\n", "own.rpt:6: A computed column is computed from the totals"},
         {head + "[[column]]\nfield = 'A'\nstyle = [{ when = 'negative' }]\n", "\"when\" is a comparison and a value"},
+        {head + "[[column]]\nfield = 'A'\nstyle = [{ when = '< none' }]\n", "own.rpt:6: \"when\" is a comparison and a value"},
         {head + "[column]\nfield = 'A'\n", "own.rpt:4: \"column\" stands in double brackets: [[column]]."},
         {head + "[[column]]\nfield = 'A'\n[[group]]\nfield = 'A'\ndetails = false\n[[group]]\nfield = 'B'\n",
          "own.rpt:6: Only the innermost group may leave out its rows."},

@@ -144,6 +144,15 @@ TEST_F(Exports, LabelsComeInTheQuantitiesAskedFor) {
     const ui::FixedMeasure measure;
     const auto byField = labels("'Units'"); // 2, none and -4
     EXPECT_EQ(Labels(byField->outline(), measure).labelCount(), 2);
+    std::ostringstream rows;
+    EXPECT_THROW(writeCsv(*byField, rows), std::runtime_error);
+    EXPECT_EQ(rows.str(), "");
+    try {
+        Labels(labels("'Name'")->outline(), measure);
+        ADD_FAILURE() << "a name is no quantity";
+    } catch (const DefinitionError& error) {
+        EXPECT_STREQ(error.what(), "l.rpt:9: \"Name\" is no number.");
+    }
     const auto three = labels("3");
     const Labels sheets(three->outline(), measure);
     EXPECT_EQ(sheets.labelCount(), 9);

@@ -2,7 +2,7 @@
 
 #include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
-#include "reports/engine/reportrows.h"
+#include "reports/engine/report.h"
 
 #include <gtest/gtest.h>
 
@@ -64,6 +64,34 @@ TEST(QueryText, AParameterCannotBecomeMoreThanItIs) {
     EXPECT_NE(refusalOf(reportOf("SELECT {4}"), {}).find("{4}"), std::string::npos);
     EXPECT_NE(refusalOf(reportOf("SELECT {where"), {}).find("not closed"), std::string::npos);
     EXPECT_NE(refusalOf(reportOf("UPDATE Item SET Name = ''"), {}).find("one SELECT or one call"), std::string::npos);
+}
+
+// What only the store can tell, and what only the rows can, is told with the line of the file as well.
+TEST(QueryText, AMistakeInTheStatementIsToldWithItsLine) {
+    const auto store = db::Store::scratch();
+    db::createSchema(*store->session());
+    const auto refusal = [&](const std::string& statement, const std::string& rest, const ParameterTexts& parameters = {}) -> std::string {
+        const std::string text = "title = 'T'\n[query]\nsql = \"\"\"\nSELECT Department AS Name, DepartmentID AS Number\n" + statement +
+                                 "\"\"\"\n" + (rest.empty() ? "[[column]]\nfield = 'Name'\n" : rest);
+        try {
+            Report::run(*store->session(), parseDefinition(text, "own.rpt"), parameters);
+            return "";
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+    };
+    EXPECT_EQ(refusal("FROM Departments {where}\n", ""), "");
+    EXPECT_EQ(refusal("FROM Departments\n{were}\n", ""), "own.rpt:6: The place {were} means nothing here.");
+    EXPECT_EQ(refusal("FORM Departments\n", "").substr(0, 11), "own.rpt:5: ");
+    EXPECT_EQ(refusal("FROM Departments\nWHERE Depratment = ''\n", ""), "own.rpt:6: Invalid column name 'Depratment'.");
+    EXPECT_EQ(refusal("FROM Departments {where}\n", "", {"WHERE Nothing = 1"}), "Invalid column name 'Nothing'.");
+    const std::string column = "[[column]]\nfield = 'Name'\n";
+    for (const auto& [rest, reason] :
+         {std::pair<std::string, std::string>{column + "total = 'sum'\n", "7: \"Name\" is no number."},
+          {column + "[[column]]\nexpression = 'Number * Name'\n", "9: \"Name\" is no number."},
+          {column + "[[chart]]\nlabel = 'Name'\nvalue = 'Name'\n", "9: \"Name\" is no number."},
+          {column + "[[group]]\nfield = 'Name'\nheader = 'In {Name'\n", "9: A brace is opened and not closed in \"In {Name\"."}})
+        EXPECT_EQ(refusal("FROM Departments\n", rest), "own.rpt:" + reason) << rest;
 }
 
 TEST(ReportRows, ComeFromASessionThatOnlyReads) {
