@@ -4,8 +4,7 @@
 #include "ui/form.h"
 #include "ui/gridcopy.h"
 #include "ui/gridexport.h"
-
-#include <xlsxwriter.h>
+#include "ui/sheetdate.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -18,12 +17,6 @@ constexpr int kSampledRows = 200;
 constexpr std::size_t kNarrowest = 8; // characters
 constexpr std::size_t kWidest = 60;
 constexpr int kMostRows = LXW_ROW_MAX - 1;
-
-lxw_datetime forSheet(const Date& date) {
-    const std::string iso = date.toIsoText(); // yyyy-mm-dd hh:mm:ss
-    const auto number = [&](std::size_t at, std::size_t length) { return std::atoi(iso.substr(at, length).c_str()); };
-    return {number(0, 4), number(5, 2), number(8, 2), number(11, 2), number(14, 2), static_cast<double>(number(17, 2))};
-}
 
 class WorkbookWriter : public GridWriter {
 public:

@@ -2,11 +2,9 @@
 #include "base/text.h"
 #include "reports/engine/exportrows.h"
 #include "reports/engine/exports.h"
-
-#include <xlsxwriter.h>
+#include "ui/sheetdate.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <stdexcept>
 #include <utility>
 
@@ -15,12 +13,6 @@ namespace {
 
 constexpr int kRowsBetweenQuestions = 4096;
 constexpr int kMostRows = LXW_ROW_MAX - 1;
-
-lxw_datetime forSheet(const Date& date) {
-    const std::string iso = date.toIsoText(); // yyyy-mm-dd hh:mm:ss
-    const auto number = [&](std::size_t at, std::size_t length) { return std::atoi(iso.substr(at, length).c_str()); };
-    return {number(0, 4), number(5, 2), number(8, 2), number(11, 2), number(14, 2), static_cast<double>(number(17, 2))};
-}
 
 // Two sheets: the rows, and what they are.
 class Workbook {
@@ -128,7 +120,7 @@ private:
         if (value.isNull())
             return;
         if (value.is<Date>()) {
-            lxw_datetime there = forSheet(value.as<Date>());
+            lxw_datetime there = ui::forSheet(value.as<Date>());
             worksheet_write_datetime(sheet_, line(), at, &there, formats_[i]);
         } else if (value.is<bool>()) {
             worksheet_write_boolean(sheet_, line(), at, value.as<bool>() ? 1 : 0, nullptr);
