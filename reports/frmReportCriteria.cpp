@@ -9,6 +9,8 @@
 #include "ui/desk.h"
 
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 namespace merchantry::reports {
 
@@ -270,7 +272,7 @@ std::optional<double> frmReportCriteria::wholeQuantity() const {
 }
 
 bool frmReportCriteria::orderExists(double number) const {
-    return !rowsOf(db::Sql("sp_GetPO ") + number)->Eof();
+    return number <= std::numeric_limits<std::int32_t>::max() && !rowsOf(db::Sql("sp_GetPO ") + number)->Eof();
 }
 
 bool frmReportCriteria::checkLabels() {
