@@ -39,11 +39,11 @@ void frmPurchaseOrders_Edit::SavePO() {
         unsaved_ = false;
         if (isNew)
             showHeading();
-        for (Line& line : lines_)
-            if (!line.Deleted) {
-                line.InDatabase = true;
-                line.Changed = false;
-            }
+        // A line that was taken off is written once: if its item was added again, the next save must not take that off.
+        for (Line& line : lines_) {
+            line.InDatabase = !line.Deleted;
+            line.Changed = false;
+        }
         showTotal();
     });
 }
