@@ -53,7 +53,8 @@ std::string objectIn(const SchemaFile& file, std::string_view folder) {
 }
 
 void putAgain(Session& session, const SchemaFile& file) {
-    for (const auto& [folder, kind] : {std::pair{"procedures/", "PROCEDURE"}, std::pair{"triggers/", "TRIGGER"}}) {
+    for (const auto& [folder, kind] :
+         {std::pair{"views/", "VIEW"}, std::pair{"procedures/", "PROCEDURE"}, std::pair{"triggers/", "TRIGGER"}}) {
         const std::string object = objectIn(file, folder);
         if (object.empty())
             continue;
@@ -131,7 +132,7 @@ void checkSchemaVersion(Session& session) {
 }
 
 std::span<const UpgradeStep> upgradeSteps() {
-    // Procedures and triggers are renewed by every upgrade: a step tells only what happens to tables and rows.
+    // Views, procedures and triggers are renewed by every upgrade: a step tells only what happens to tables and rows.
     static const std::string priceChanges = newTable("PriceChange") + newTable("PriceChangeItem");
     // The last movement of an item by its posting; what the reports offer as criteria, and the label reports.
     static const std::string fifth =
@@ -151,6 +152,7 @@ std::span<const UpgradeStep> upgradeSteps() {
         UpgradeStep{6, "UPDATE reportfieldsmapping SET fieldname = 'Item.Restock', fielddescription = 'Reorder at' "
                        "WHERE fieldname = 'Item.Reorder' AND fielddescription = 'Reorder point'\n"
                        "DELETE FROM reportfieldsmapping WHERE reportname = 'ItemBelowReorder' AND fieldname = 'Item.Active'"},
+        UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
     };
     return kSteps;
 }

@@ -8,7 +8,7 @@
 
 namespace merchantry::db {
 
-// One file of the store's schema: a table with its indexes, a trigger, a procedure, or the first rows.
+// One file of the store's schema: a table with its indexes, a view, a trigger, a procedure, or the first rows.
 struct SchemaFile {
     std::string_view name; // "tables/Item.sql"
     std::string_view text; // one batch
@@ -19,7 +19,7 @@ std::span<const SchemaFile> schemaFiles();
 
 // The version that this program knows and makes.
 // A release that changes a table or adds a procedure gets the next one, its step in upgradeSteps() and its row in rows/FirstRows.sql.
-constexpr int kSchemaVersion = 6;
+constexpr int kSchemaVersion = 7;
 
 // Makes the schema with its first rows in an empty store, in one transaction. Throws DbError, naming the file; nothing is left then.
 void createSchema(Session& session);
@@ -42,8 +42,8 @@ struct UpgradeStep {
 // All steps that this program knows, in their order.
 std::span<const UpgradeStep> upgradeSteps();
 
-// Runs the steps that the store lacks and puts this program's procedures and triggers in the place of the store's, in one transaction.
-// Throws DbError, naming the version or file; nothing is changed then.
+// Runs the steps that the store lacks and puts this program's views, procedures and triggers in the place of the store's, in one
+// transaction. Throws DbError, naming the version or file; nothing is changed then.
 void upgradeSchema(Session& session, std::span<const UpgradeStep> steps);
 
 // A store that breaks one of the program's own rules, in a sentence each; empty for a sound store.

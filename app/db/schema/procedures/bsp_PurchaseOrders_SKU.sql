@@ -1,9 +1,5 @@
--- The orders with an item of that code, its own or its parent's, the newest first. An order without a number is not complete yet and is not told.
+-- The orders with an item of that code, its own or its parent's, the newest first.
 CREATE PROCEDURE bsp_PurchaseOrders_SKU @SKU varchar(100) AS
-SELECT PurchaseOrder.PONumber, Suppliers.Supplier, PurchaseOrder.PODate,
-  (SELECT SUM(Qty * Cost) FROM PurchaseOrderItem WHERE POID = PurchaseOrder.POID) AS Amount,
-  (SELECT SUM((Qty - QtyRecvd - QtyCanceled) * Cost) FROM PurchaseOrderItem WHERE POID = PurchaseOrder.POID) AS OpenAmount,
-  CASE PurchaseOrder.Status WHEN 'O' THEN 'Open' WHEN 'P' THEN 'Partial' ELSE 'Closed' END AS Status, PurchaseOrder.POID
-FROM PurchaseOrder INNER JOIN Suppliers ON Suppliers.SupID = PurchaseOrder.SupID
-WHERE PurchaseOrder.PONumber IS NOT NULL AND PurchaseOrder.POID IN (SELECT POID FROM PurchaseOrderItem WHERE SKU = @SKU OR MatrixSKU = @SKU)
-ORDER BY PurchaseOrder.PONumber DESC
+SELECT PONumber, Supplier, PODate, Amount, OpenAmount, Status, POID FROM PurchaseOrderList
+WHERE POID IN (SELECT POID FROM PurchaseOrderItem WHERE SKU = @SKU OR MatrixSKU = @SKU)
+ORDER BY PONumber DESC

@@ -1,9 +1,5 @@
--- A supplier's orders, the newest first. An order without a number is not complete yet and is not told.
+-- A supplier's orders, the newest first.
 CREATE PROCEDURE bsp_PurchaseOrders_Supplier @SupID smallint AS
-SELECT PurchaseOrder.PONumber, Suppliers.Supplier, PurchaseOrder.PODate,
-  (SELECT SUM(Qty * Cost) FROM PurchaseOrderItem WHERE POID = PurchaseOrder.POID) AS Amount,
-  (SELECT SUM((Qty - QtyRecvd - QtyCanceled) * Cost) FROM PurchaseOrderItem WHERE POID = PurchaseOrder.POID) AS OpenAmount,
-  CASE PurchaseOrder.Status WHEN 'O' THEN 'Open' WHEN 'P' THEN 'Partial' ELSE 'Closed' END AS Status, PurchaseOrder.POID
-FROM PurchaseOrder INNER JOIN Suppliers ON Suppliers.SupID = PurchaseOrder.SupID
-WHERE PurchaseOrder.PONumber IS NOT NULL AND PurchaseOrder.SupID = @SupID
-ORDER BY PurchaseOrder.PONumber DESC
+SELECT PONumber, Supplier, PODate, Amount, OpenAmount, Status, POID FROM PurchaseOrderList
+WHERE SupID = @SupID
+ORDER BY PONumber DESC
