@@ -168,16 +168,9 @@ private:
         y_ = kMargin;
     }
 
-    // The line below the title; empty where there is none.
-    std::string subtitle() const {
-        const db::RowStore& rows = layout_.outline_.rows();
-        if (definition().subtitle.empty() || rows.rowCount() == 0)
-            return "";
-        return FieldText(definition().subtitle, rows, definition().file.filename().string(), definition().subtitleLine).in(rows, 0);
-    }
     // What tells the second page of one order from that of another.
     std::string fullTitle() const {
-        const std::string below = subtitle();
+        const std::string below = layout_.outline_.subtitle();
         return below.empty() ? definition().title : definition().title + ", " + below;
     }
 
@@ -186,7 +179,7 @@ private:
         text(0, inner(), definition().title, kTitleSize, ui::PageAlign::Left, true);
         y_ += layout_.height(kTitleSize);
         const db::RowStore& rows = layout_.outline_.rows();
-        if (const std::string below = subtitle(); !below.empty())
+        if (const std::string below = layout_.outline_.subtitle(); !below.empty())
             line(below, 22);
         for (const std::string& words : criteria())
             line(words, 17, ui::PageInk::Grey);

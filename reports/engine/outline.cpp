@@ -113,6 +113,12 @@ void Outline::bindColumn(const ColumnDefinition& definition) {
     columns_.push_back(std::move(column));
 }
 
+std::string Outline::subtitle() const {
+    if (rows_.rowCount() == 0)
+        return "";
+    return FieldText(definition_.subtitle, rows_, definition_.file.filename().string(), definition_.subtitleLine).in(rows_, 0);
+}
+
 bool Outline::sameCell(int row, int other, int source) const {
     const bool isNull = rows_.isNull(row, source);
     if (isNull || rows_.isNull(other, source))

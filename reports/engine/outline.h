@@ -83,6 +83,8 @@ public:
     // The number behind a shown cell of a row, for styles and exports; nothing where there is none.
     std::optional<Figure> figure(int row, std::size_t column) const;
 
+    // The line below the title, with the fields of the first row; empty without rows.
+    std::string subtitle() const;
     std::string header(int group, int row) const { return groups_[static_cast<std::size_t>(group)].header.in(rows_, row); }
     std::string footer(int group, int row) const { return groups_[static_cast<std::size_t>(group)].footer.in(rows_, row); }
     // The outermost group in which the row differs from the one before it; groupCount() when in none, 0 for the first row.

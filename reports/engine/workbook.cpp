@@ -135,6 +135,7 @@ private:
         lxw_worksheet* sheet = workbook_add_worksheet(book_, "About");
         const PageHead& head = report_.head();
         const std::pair<const char*, std::string> lines[] = {{"Report", report_.definition().title},
+                                                             {"Subtitle", outline_.subtitle()},
                                                              {"Store", head.store},
                                                              {"Made", head.made.toShortText()},
                                                              {"Criteria", head.criteria.empty() ? "None" : head.criteria},
@@ -143,6 +144,8 @@ private:
         worksheet_set_column(sheet, 1, 1, 80, nullptr);
         lxw_row_t line = 0;
         for (const auto& [name, text] : lines) {
+            if (text.empty())
+                continue;
             worksheet_write_string(sheet, line, 0, name, bold_);
             worksheet_write_string(sheet, line, 1, text.c_str(), nullptr);
             ++line;

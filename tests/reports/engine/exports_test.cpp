@@ -92,6 +92,25 @@ TEST_F(Exports, TheWebPageHasGroupsAndNothingThatABrowserWouldTakeForMarks) {
         EXPECT_NE(page.find(part), std::string::npos) << part << "\n" << page;
 }
 
+// A purchase order without the supplier would be none.
+TEST_F(Exports, TheWebPageHasTheHeadAndFootOfAForm) {
+    const std::string text = "subtitle = 'From {Kind}'\n" + std::string(kReport) +
+                             "[[header]]\ntext = 'To {Name}'\nbold = true\n[[header]]\ntext = '{Came:date}'\nright = true\n" +
+                             "[[header]]\ntext = '{Empty}'\n[[footer]]\ntext = 'Signed'\n";
+    const auto pageOf = [&](const std::string& where) {
+        std::string form = text;
+        form.replace(form.find("SELECT *"), 8, "SELECT *, '' AS Empty");
+        std::ostringstream out;
+        EXPECT_TRUE(writeHtml(*Report::run(*store->session(), parseDefinition(form, "form.rpt"), {where}), out));
+        return out.str();
+    };
+    const std::string page = pageOf("");
+    for (const char* part : {"</h1>\n<h2>From A</h2>\n<p>", "<div><b>To Cup, \"tall\"</b><br></div><div>11/21/2026<br></div>",
+                             "</table>\n<div class=\"b\"><div>Signed<br>"})
+        EXPECT_NE(page.find(part), std::string::npos) << part << "\n" << page;
+    EXPECT_NE(pageOf("WHERE 1 = 0").find("</table>\n<p>Nothing was found.</p>\n</body>"), std::string::npos);
+}
+
 TEST_F(Exports, AWorkbookComesWholeOrNotAtAll) {
     const ScratchFolder folder;
     const auto file = folder / "goods.xlsx";
