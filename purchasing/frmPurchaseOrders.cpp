@@ -54,7 +54,7 @@ frmPurchaseOrders::frmPurchaseOrders(Desk& desk) : Form(desk, "frmPurchaseOrders
     };
     cboSearch.setToolTip(
         "Which orders are listed. The line below the list tells what it shows: after a manual order the list stays as it was, "
-        "whatever stands here.");
+        "whatever stands here. Item takes a number or a word as it is; any other code stands in apostrophes there: 'A-12'.");
     cboSortBy.setToolTip("The order of the list until it is read again, which puts the newest first: then choose here again.");
     cmdPrint.setToolTip("One order at a time: of several selected, the first is printed.");
     cmdViewHist.setToolTip("One order at a time: of several selected, the first is shown.");

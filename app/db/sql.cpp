@@ -38,10 +38,12 @@ std::string wordAt(std::string_view text, std::size_t at) {
     return std::string(text.substr(at, end - at));
 }
 
-// A number with an optional sign, or one word; the empty text is no token and is left to the server.
+// A number with an optional sign, one word or one whole literal; the empty text is no token and is left to the server.
 bool isOneToken(std::string_view text) {
     if (text.empty())
         return true;
+    if (text.size() >= 2 && text.front() == '\'' && text.back() == '\'')
+        return breakOut(text.substr(1, text.size() - 2)) == std::string_view::npos;
     std::size_t at = text[0] == '-' || text[0] == '+' ? 1 : 0;
     if (at == text.size())
         return false;

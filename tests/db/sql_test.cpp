@@ -48,9 +48,10 @@ TEST(Sql, NoValueInQuotesCanLeaveThem) {
 }
 
 TEST(Sql, NoBareValueIsMoreThanOneToken) {
-    for (const char* good : {"12", "-3", "+1.5", "1e5", "-1.5E-3", "Item", "TierID", ""})
+    for (const char* good : {"12", "-3", "+1.5", "1e5", "-1.5E-3", "Item", "TierID", "", "''", "'x'", "'O''Brien'", "'1; --'"})
         EXPECT_EQ(errorOf(Sql("DELETE FROM T WHERE ID = ") + std::string(good)), 0) << good;
-    for (const char* bad : {"1 OR 1=1", "1;", "1--", "--1", "(1)", "1/**/", "a b", "'x'", "1,2", "-", "- 1"})
+    for (const char* bad :
+         {"1 OR 1=1", "1;", "1--", "--1", "(1)", "1/**/", "a b", "'x' OR 1=1 OR 'a'='a'", "'x''", "'", "N'x'", "x'y'", "1,2", "-", "- 1"})
         EXPECT_EQ(errorOf(Sql("DELETE FROM T WHERE ID = ") + std::string(bad)), 102) << bad;
 }
 
