@@ -36,7 +36,7 @@ frmPurchaseOrders::frmPurchaseOrders(Desk& desk) : Form(desk, "frmPurchaseOrders
                       {.heading = "Open Amount", .format = Format::Currency, .width = 1605},
                       {.heading = "Status", .centred = true, .characters = 9},
                       {.hidden = true},
-                      {.heading = "Progress", .format = Format::Bar, .characters = 14}});
+                      {.heading = "Progress", .format = Format::Bar, .characters = 11}});
     grdPO.editable = false;
     grdPO.emptyText = "No such orders. Choose another list above, or create an order.";
     grdPO.colorOf = [this](int row, int column) {

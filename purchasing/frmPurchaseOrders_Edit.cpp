@@ -197,6 +197,8 @@ void frmPurchaseOrders_Edit::showTotal() {
     };
     if (ReadOnly)
         text += ". Ext. and the total count what is still open.";
+    else if (count == 0)
+        text += ". Print would save the order without a line, and no order is taken away again.";
     else if (any([](const Line& line) {
                  return line.PartNo.find('\'') != std::string::npos || characterCount(line.PartNo) > kLongestPartNo;
              }))

@@ -28,6 +28,7 @@ frmSuppliers::frmSuppliers(Desk& desk) : Form(desk, "frmSuppliers", "Suppliers")
     grdSuppliers.emptyText = "No suppliers could be loaded.";
     grdSuppliers.setToolTip("Type over a name to change it; a double click opens address and contacts.");
     cmdDelete.isDanger = true;
+    cmdDelete.setToolTip("A supplier who was ever ordered from cannot be deleted.");
     cmdExit.isCancel = true;
     cmdSearch.isDefault = true;
     cmdSearch.setToolTip("Goes to the first supplier whose name contains the text.");
