@@ -71,6 +71,8 @@ void frmPOFrom::Form_Load() {
         grdFrom.dblClick = [this] { cmdOK_Click(); };
     }
     show(rows_, 1, !ManualPO);
+    if (ManualPO)
+        grdFrom.setCurrent(0, 1); // nobody is taken unasked
 }
 
 bool frmPOFrom::accepts() {
