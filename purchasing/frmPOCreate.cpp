@@ -147,6 +147,10 @@ void frmPOCreate::choiceClicked() {
             lblExplain.setCaption(rule() == SupplierRule::LowestCost ? kExplanations[i].byCost : kExplanations[i].byPriority);
     pickedSources_.clear();
     pickedItems_.clear();
+    clearPreview();
+}
+
+void frmPOCreate::clearPreview() {
     grdPreview.bind(nullptr);
     preview_.setLines({});
     grdPreview.setStatusText("Nothing worked out yet");
@@ -286,6 +290,7 @@ void frmPOCreate::setWriting(bool on) {
 }
 
 void frmPOCreate::cmdPreview_Click() {
+    clearPreview();
     if (collectLines())
         guarded({kTag, "cmdPreview_Click"}, [this] { preview(); });
 }

@@ -49,6 +49,7 @@ private:
     void setWriting(bool on);
 
     void preview();
+    void clearPreview();
     void grdPreview_RowColChange();
     void showOffers(const PreviewLine& shown);
 
