@@ -4,6 +4,7 @@
 #include "purchasing/frmPOCreate.h"
 #include "tests/scratchfolder.h"
 #include "ui/gestures.h"
+#include "ui/qt/formwindow.h"
 #include "ui/qt/qtdesk.h"
 
 #include <QApplication>
@@ -93,6 +94,13 @@ TEST_F(OrderCreation, ShowsEachLineAndStopsInTheMiddleOfAnOrder) {
     EXPECT_EQ(ordered(), "1 20");
     EXPECT_TRUE(form.DialogResult);
     EXPECT_TRUE(form.hidden());
+}
+
+TEST_F(OrderCreation, FitsASmallScreen) {
+    const ui::FormWindow& window = *desk.window(shown());
+    QCoreApplication::processEvents();
+    EXPECT_LE(window.minimumSizeHint().width(), 800);
+    EXPECT_LE(window.minimumSizeHint().height(), 600);
 }
 
 TEST_F(OrderCreation, ShowsNoProgressForOneLine) {

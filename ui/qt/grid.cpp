@@ -15,6 +15,7 @@ namespace merchantry::ui {
 namespace {
 
 constexpr int kOwnRows = 8;
+constexpr int kFewestRows = 1; // so that the buttons below stay on a screen of 800 by 600
 constexpr int kWidestOwn = 920;
 constexpr int kNarrowestWide = 360; // a list that asks for less is never narrower than it asks
 constexpr int kAround = 34 + 28;    // heading and status line
@@ -41,7 +42,7 @@ public:
         status_->setAttribute(Qt::WA_StyledBackground);
         status_->setIndent(0);
         status_->setContentsMargins(10, 4, 10, 5);
-        widget_->setMinimumHeight(kAround + 3 * measure::kRow);
+        widget_->setMinimumHeight(kAround + kFewestRows * measure::kRow);
     }
 
     QWidget* focusTarget() const override { return view_->editor() != nullptr ? view_->editor() : view_; }
