@@ -79,7 +79,7 @@ frmPurchaseOrders::frmPurchaseOrders(Desk& desk) : Form(desk, "frmPurchaseOrders
 
     setLayout(column({
         title(lblHeading),
-        row({fields({field("&Show:", cboSearch).wide(26)}), gap(),
+        row({fields({field("&Show:", cboSearch).wide(23)}), gap(),
              fields({field("Sort &by:", cboSortBy, {at(optAsc), at(optDescending)}).wide(16)}), stretch()}),
         at(grdPO).high(16).wide(118).stretched(),
         buttons({at(cmdViewHist), at(cmdPrint), at(cmdDelete), at(cmdRecvInvent), stretch(), at(cmdAdd), at(cmdExit), at(cmdEdit)}),
