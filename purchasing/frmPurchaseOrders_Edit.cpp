@@ -49,6 +49,7 @@ frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurc
         "Takes the current line away, without a question. A line that was changed before comes back when it is saved.");
     cmdViewHist.setToolTip("What was received and cancelled of the current line");
     cmdCancel.isCancel = true;
+    cmdCancel.setToolTip("Leaves without saving. What Print saved stays, and the list of orders tells it when it is read again.");
     cmdOK.isDefault = true;
 
     grdPOItems.beforeEdit = [this](int row, int column, bool& cancel) { grdPOItems_BeforeEdit(row, column, cancel); };

@@ -62,7 +62,7 @@ frmSuppliers_Info::frmSuppliers_Info(Desk& desk) : Form(desk, "frmSuppliers_Info
         fields({field("&Name:", txtName).wide(48)}),
         row({
             box("Address", fields({
-                               field("&Address:", txtAddress1).wide(24),
+                               field("&Address:", txtAddress1).wide(22),
                                field("Address &2:", txtAddress2),
                                field("Address &3:", txtAddress3),
                                field("Ci&ty:", txtCity),
@@ -71,7 +71,7 @@ frmSuppliers_Info::frmSuppliers_Info(Desk& desk) : Form(desk, "frmSuppliers_Info
                            }))
                 .stretched(),
             box("Contact", fields({
-                               field("&Phone:", txtPhone).wide(29),
+                               field("&Phone:", txtPhone).wide(31),
                                field("&Fax:", txtFax),
                                field("&Email:", txtEmail),
                                field("&Website:", txtWebsite),
