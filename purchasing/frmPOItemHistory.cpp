@@ -68,6 +68,7 @@ frmPOItemHistory::frmPOItemHistory(Desk& desk) : Form(desk, "frmPOItemHistory", 
 void frmPOItemHistory::Form_Load() {
     lblPONumber.setCaption(std::to_string(PONumber));
     lblSKU.setCaption(MatrixSKU);
+    lblPONothing.setVisible(false); // until it is known
     guarded({kTag, "Form_Load"}, [this] {
         std::vector<Event> events;
         auto history = openDirect(db::Sql("sp_GetPOItemHistory ") + int{PONumber} + ", '" + SKU + "', '" + MatrixSKU + "'");
