@@ -117,9 +117,9 @@ frmPOCreate::frmPOCreate(Desk& desk) : Form(desk, "frmPOCreate", "Create a Purch
              column({box("Supplier", column({at(optLowestCost), at(optPriorityOrder)})), at(lblExplain).wide(56), stretch(),
                      row({stretch(), at(cmdPreview)})})
                  .stretched()}),
-        at(grdPreview).high(7).wide(96).stretched(2),
+        at(grdPreview).high(7).wide(96).stretched(9),
         at(lblOffers),
-        at(grdOffers).high(3).stretched(1),
+        at(grdOffers).high(3).stretched(5),
         buttons({at(pbPO).wide(30), stretch(), at(cmdCancel), at(cmdOK)}),
     }));
 }
