@@ -23,6 +23,8 @@ constexpr const char* kTag = "MR_frmPrintCustLabels";
 constexpr const char* kLoadTag = "MR_frmPrintCustlabels";
 constexpr int kRows = 50; // of the grid, used or not
 constexpr Twips kSelWidth = 8100;
+constexpr Twips kWidth = 800 * kTwipsPerPixel;
+constexpr Twips kHeight = 780 * kTwipsPerPixel;
 
 const std::string kSkuField = "Item.MatrixSKU";
 
@@ -39,6 +41,7 @@ db::RecordsetPtr rowsOf(const db::Sql& statement) {
 
 frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria", "Report") {
     setIcon("report");
+    setSize(kWidth, kHeight);
     lbxFields.dropDown = lbxOperator.dropDown = lbxKept.dropDown = false;
     lbxOperator.setToolTip("Like takes the wildcards % and _, and does not work on dates.");
     txtCondition.setToolTip("A date as month/day/year covers the whole day.");
@@ -77,19 +80,20 @@ frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria
         pages(tabCriteria,
               {
                   column({
-                      row({column({at(lblFields), at(lbxFields).wide(34).high(8)}),
-                           column({at(lblOperator), at(lbxOperator).wide(10).high(8)}),
+                      row({column({at(lblFields), at(lbxFields).wide(34).high(3)}),
+                           column({at(lblOperator), at(lbxOperator).wide(10).high(3)}),
                            column({at(lblCondition), at(txtCondition), row({at(optAnd), at(optOr), stretch(), at(cmdAdd)}), stretch()})
-                               .stretched()}),
-                      at(grdSel).high(7).stretched(),
+                               .stretched()})
+                          .stretched(3),
+                      at(grdSel).high(7).stretched(2),
                       row({stretch(), at(cmdDelete)}),
                       group(fraSort, row({at(lblSort), at(lbxSortBy).wide(34), gap(), at(optAsc), at(optDesc), stretch()})),
-                      group(fraLabels, row({fields({field("&Quantity:", cboQty).wide(22)}), gap(), at(lblQtyN), at(txtQty).wide(10), gap(),
-                                            fields({field("&Labels:", cboPrn).wide(34)}), stretch()})),
+                      group(fraLabels, fields({field("&Quantity:", cboQty, {at(lblQtyN), at(txtQty).wide(10)}).wide(22),
+                                               field("&Labels:", cboPrn).wide(44)})),
                   }),
                   column({
                       at(lblKept),
-                      at(lbxKept).high(12).stretched(),
+                      at(lbxKept).high(6).stretched(),
                       row({at(cmdKeep), stretch(), at(cmdForget), at(cmdRecall)}),
                   }),
               }),

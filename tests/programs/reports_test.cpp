@@ -95,6 +95,16 @@ TEST_F(ReportsTest, TheFirstPageShowsWhileOthersAreLaidOut) {
     desk.enter([form] { form->unload(); });
 }
 
+TEST_F(ReportsTest, CriteriaFitASmallScreen) {
+    for (const char* key : {"DailySales", "ItemLabels"}) {
+        desk.enter([key] { app::modMain().doors.ReportCriteria(key); });
+        QCoreApplication::processEvents();
+        const ui::FormWindow& window = *desk.window(*openForm("frmReportCriteria"));
+        EXPECT_LE(window.minimumSizeHint().width(), 800) << key;
+        EXPECT_LE(window.minimumSizeHint().height(), 600) << key;
+    }
+}
+
 TEST_F(ReportsTest, APdfComesWholeOrNotAtAll) {
     const reports::RptFile file(report("SELECT Name FROM Item {where}"));
     auto run = file.run(desk);
