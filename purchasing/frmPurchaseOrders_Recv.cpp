@@ -198,8 +198,9 @@ void frmPurchaseOrders_Recv::showStatus() {
                      piecesIn(pieces) + " to receive");
 }
 
+// A marked line that the rehearsal covers is not set to 0 unseen.
 void frmPurchaseOrders_Recv::setAvailable() {
-    cmdNotReceived.setEnabled(grdPOItems.selected());
+    cmdNotReceived.setEnabled(grdPOItems.selected() && tabReceive.current() == kLinesPage);
     lblLabelT.setEnabled(chkPrintLabels.value());
     cboPrint.setEnabled(chkPrintLabels.value());
 }
@@ -314,6 +315,7 @@ void frmPurchaseOrders_Recv::takeCost(int row, ReceiveLine& line) {
 }
 
 void frmPurchaseOrders_Recv::tabReceive_Change() {
+    setAvailable();
     guarded({kTag, "tabReceive_Change"}, [this] {
         if (tabReceive.current() == kRehearsalPage)
             rehearse();
