@@ -108,10 +108,9 @@ ReportWindow::ReportWindow(Desk& desk, std::string name, std::string caption) : 
 
     setLayout(column({
         row({at(cmdPrint), at(cmdExport), at(cmdRefresh), gap(), at(imgTree), gap(), at(imgFirst), at(imgPrevious), at(txtPage).wide(6),
-             at(lblPages), at(imgNext), at(imgLast), gap(), at(lbxZoom).wide(12), gap(), at(txtFind).wide(20), at(imgFindPrevious),
-             at(imgFindNext), stretch()}),
+             at(lblPages), at(imgNext), at(imgLast), gap(), at(lbxZoom).wide(12), stretch()}),
         at(CRViewer1).stretched(),
-        buttons({at(lblState).stretched(), at(cmdClose)}),
+        buttons({at(lblState).stretched(), at(txtFind).wide(20), at(imgFindPrevious), at(imgFindNext), gap(), at(cmdClose)}),
     }));
 }
 

@@ -1,9 +1,11 @@
 #include "reports/engine/labels.h"
 
+#include "base/numbers.h"
 #include "reports/engine/barcode.h"
 #include "reports/engine/textfit.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace merchantry::reports {
 namespace {
@@ -38,7 +40,10 @@ Labels::Labels(const Outline& outline, const ui::TextMeasure& measure)
     std::int64_t end = 0;
     for (int row = 0; row < rows.rowCount(); ++row) {
         const std::int64_t wanted = quantity < 0 ? label_.quantity : rows.value(row, quantity).toInteger();
-        end = std::min(kMostLabels, end + std::max<std::int64_t>(0, wanted));
+        if (wanted > kMostLabels - end)
+            throw std::runtime_error("These are more than " + withThousands(kMostLabels) +
+                                     " labels. Narrow the conditions or the quantity.");
+        end += std::max<std::int64_t>(0, wanted);
         ends_.push_back(end);
     }
     const std::int64_t aPage = static_cast<std::int64_t>(label_.columns) * label_.rows;

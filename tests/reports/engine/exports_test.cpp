@@ -179,6 +179,7 @@ TEST_F(Exports, LabelsComeInTheQuantitiesAskedFor) {
     const ui::Page last = sheets.page(2);
     EXPECT_EQ(std::count_if(last.items.begin(), last.items.end(), [](const ui::PageItem& item) { return item.text.starts_with("Ümlaut"); }),
               1);
+    EXPECT_THROW(Labels(labels("400000")->outline(), measure), std::runtime_error); // of three rows: none is left out unsaid
     const auto none = labels("0");
     const Labels nothing(none->outline(), measure);
     EXPECT_EQ(nothing.count(), 1);
