@@ -18,7 +18,10 @@ public:
         shown().setAutoDefault(false);
         shown().setFixedHeight(measure::kField);
         shown().setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
-        QObject::connect(&shown(), &QPushButton::clicked, widget_, [this] { host_.act([this] { gestures::press(button_); }); });
+        QObject::connect(&shown(), &QPushButton::clicked, widget_, [this] {
+            if (host_.entered(button_))
+                host_.act([this] { gestures::press(button_); });
+        });
         host_.watch(*widget_, button);
     }
 

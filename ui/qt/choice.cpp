@@ -104,7 +104,8 @@ public:
         : Drawing(host, choice, new W(host, parent)), choice_(choice) {
         shown().setAutoExclusive(false);
         QObject::connect(&shown(), &QAbstractButton::clicked, widget_, [this, click] {
-            host_.act([&] { click(choice_); });
+            if (host_.entered(choice_))
+                host_.act([&] { click(choice_); });
             if (host_.form() != nullptr)
                 shown().setChecked(choice_.value());
         });

@@ -324,12 +324,16 @@ bool FormWindow::eventFilter(QObject* object, QEvent* event) {
 // The focus moves before the click acts. A click that brought up a window or a box, or was refused, does nothing further.
 bool FormWindow::pressed(Control& control) {
     byKeyboard_ = false;
-    if (form_->focused() == &control || !control.takesFocus())
-        return true;
+    return entered(control);
+}
+
+bool FormWindow::entered(Control& control) {
+    if (form_ == nullptr || form_->focused() == &control || !control.takesFocus())
+        return form_ != nullptr;
     const int before = desk_.loopsRun();
     bool entered = false;
     const bool ran = act([&] { entered = finishEdit() && gestures::enter(control).empty(); });
-    return ran && entered && desk_.loopsRun() == before;
+    return ran && entered && form_ != nullptr && desk_.loopsRun() == before;
 }
 
 // The toolkit moved its focus by itself, for a mnemonic say.

@@ -54,6 +54,9 @@ public:
     void watch(QWidget& widget, Control& control);
     // Finishes an edit inside a grid before the user goes elsewhere; false when it was refused.
     bool finishEdit();
+    // Takes the edit under way and gives the control the focus, as a mnemonic must before it acts; false when either was refused or brought
+    // up a window or a box.
+    bool entered(Control& control);
     // The layouts that the form's Item tree asked for; they rest when the screen moves its controls itself.
     void noteLayout(QLayout* layout) { layouts_.push_back(layout); }
     // Typing in a list that takes no text goes on in the panel that floats over it; false when there is none.
