@@ -76,6 +76,10 @@ std::int64_t Value::toInteger() const {
     return static_cast<std::int64_t>(number);
 }
 
+std::int16_t Value::toInt16() const {
+    return merchantry::toInt16(toNumber());
+}
+
 Currency Value::toCurrency() const {
     if (is<Currency>())
         return as<Currency>();

@@ -51,6 +51,8 @@ public:
     double toNumber() const;
     // toNumber, halves to even; throws OverflowError outside 64 bits.
     std::int64_t toInteger() const;
+    // toNumber, halves to even; throws OverflowError outside 16 bits.
+    std::int16_t toInt16() const;
     // Money; text as Currency::fromText. Null is 0. Throws OverflowError or std::invalid_argument.
     Currency toCurrency() const;
     // A flag; numbers other than zero are true; text "True" is true, otherwise by its number.

@@ -1,7 +1,6 @@
 #include "catalog/frmItems_Sales.h"
 
 #include "app/modMain.h"
-#include "base/numbers.h"
 #include "catalog/itemscreen.h"
 #include "ui/desk.h"
 
@@ -106,7 +105,7 @@ void frmItems_Sales::takeSale(db::Recordset& rows) {
         return value.is<Date>() ? value.as<Date>() : Date();
     };
     SaleEvent sale;
-    sale.ID = toInt16(rows["ID"].Value().toNumber());
+    sale.ID = rows["ID"].Value().toInt16();
     sale.SKU = rows["SKU"].text();
     sale.MatrixSKU = rows["MatrixSKU"].text();
     sale.DateFrom = dayOf("DateFrom");

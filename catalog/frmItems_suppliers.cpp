@@ -89,10 +89,10 @@ void frmItems::takeSupplier(db::Recordset& rows) {
     SupplierRow row;
     row.SKU = rows["SKU"].text();
     row.MatrixSKU = rows["MatrixSKU"].text();
-    row.SupID = row.OldSupID = toInt16(rows["SupID"].Value().toNumber());
+    row.SupID = row.OldSupID = rows["SupID"].Value().toInt16();
     row.Cost = row.OldCost = rows["Cost"].Value().toCurrency();
-    row.MinOrder = toInt16(rows["MinOrder"].Value().toNumber());
-    row.Priority = toInt16(rows["Priority"].Value().toNumber());
+    row.MinOrder = rows["MinOrder"].Value().toInt16();
+    row.Priority = rows["Priority"].Value().toInt16();
     row.PartNo = rows["PartNo"].isNull() ? "0" : rows["PartNo"].text();
     row.InDatabase = true;
     suppliers_.push_back(std::move(row));
@@ -162,7 +162,7 @@ void frmItems::takeSupplierCell(SupplierRow& entry, int row, int column) {
     const std::string text = grdSuppliers.rawText(row, column);
     switch (column) {
     case kSupplier:
-        entry.SupID = toInt16(Value(text).toNumber());
+        entry.SupID = Value(text).toInt16();
         break;
     case kCost:
         if (!isNumeric(text))

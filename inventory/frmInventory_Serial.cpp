@@ -103,7 +103,7 @@ void frmInventory_Serial::showState() {
 
 std::int16_t frmInventory_Serial::inStock() const {
     const auto stock = openDirect(Sql("SELECT Quantity AS Tot from Stock WHERE SKU = '") + sku_ + "' AND MatrixSKU = '" + matrixSku_ + "'");
-    return stock->Eof() ? std::int16_t{0} : toInt16((*stock)["Tot"].Value().toNumber());
+    return stock->Eof() ? std::int16_t{0} : (*stock)["Tot"].Value().toInt16();
 }
 
 void frmInventory_Serial::cmdAdd_Click() {

@@ -1,7 +1,6 @@
 #include "purchasing/frmPOCreate.h"
 
 #include "app/modMain.h"
-#include "base/numbers.h"
 #include "purchasing/frmPOFrom.h"
 #include "ui/desk.h"
 #include "ui/longwork.h"
@@ -60,7 +59,7 @@ std::map<std::int16_t, std::string> supplierNames() {
     std::map<std::int16_t, std::string> names;
     const auto rows = openDirect("bsp_Suppliers");
     for (; !rows->Eof(); rows->MoveNext())
-        names[toInt16((*rows)[0].Value().toNumber())] = (*rows)[1].text();
+        names[(*rows)[0].Value().toInt16()] = (*rows)[1].text();
     return names;
 }
 
@@ -346,8 +345,8 @@ void frmPOCreate::showOffers(const PreviewLine& shown) {
     };
     std::map<std::pair<std::int16_t, Currency>, Served> rest;
     for (db::Recordset& row = *served; !row.Eof(); row.MoveNext())
-        rest[{toInt16(row["SupID"].Value().toNumber()), row["Cost"].Value().toCurrency()}] = {
-            row["Supplier"].text(), row["PartNo"].text(), row["MinOrder"].text(), row["Priority"].text()};
+        rest[{row["SupID"].Value().toInt16(), row["Cost"].Value().toCurrency()}] = {row["Supplier"].text(), row["PartNo"].text(),
+                                                                                    row["MinOrder"].text(), row["Priority"].text()};
     for (std::size_t i = 0; i < shown.offers.size(); ++i) {
         const SupplierOffer& offer = shown.offers[i];
         const auto of = rest.extract({offer.SupID, offer.Cost});

@@ -1,7 +1,6 @@
 #include "purchasing/frmPOFrom.h"
 
 #include "app/modMain.h"
-#include "base/numbers.h"
 #include "ui/desk.h"
 
 #include <algorithm>
@@ -19,7 +18,7 @@ std::vector<SourcePick> allSources(std::int16_t from) {
     rows->setSort(suppliers ? "Supplier asc" : "Department asc");
     std::vector<SourcePick> sources;
     for (; !rows->Eof(); rows->MoveNext())
-        sources.push_back({toInt16((*rows)[0].Value().toNumber()), (*rows)[1].text()});
+        sources.push_back({(*rows)[0].Value().toInt16(), (*rows)[1].text()});
     return sources;
 }
 

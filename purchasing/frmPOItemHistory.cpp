@@ -18,10 +18,6 @@ namespace {
 constexpr const char* kTag = "frmPOItemHistory";
 enum Column { kDate, kTime, kReceived, kCancelled, kOpen };
 
-std::int16_t smallNumber(const Value& value) {
-    return toInt16(static_cast<double>(value.toInteger()));
-}
-
 // "02:05 PM"
 std::string timeOfDay(Date when) {
     std::array<char, 16> text{};
@@ -75,10 +71,10 @@ void frmPOItemHistory::Form_Load() {
         for (bool first = true; !history->Eof(); history->MoveNext(), first = false) {
             db::Recordset& row = *history;
             if (first) {
-                committed_ = smallNumber(row["CommitedQty"].Value());
+                committed_ = row["CommitedQty"].Value().toInt16();
                 lblName.setCaption(row["Name"].text());
                 lblCommitedQty.setCaption(std::to_string(committed_));
-                lblOpenQty.setCaption(std::to_string(smallNumber(row["OpenQty"].Value())));
+                lblOpenQty.setCaption(std::to_string(row["OpenQty"].Value().toInt16()));
             }
             if (row["Count"].Value().toInteger() <= 0)
                 continue;
@@ -86,7 +82,7 @@ void frmPOItemHistory::Form_Load() {
             if (const Value when = row["OperationDateTime"].Value(); when.is<Date>())
                 event.when = when.as<Date>();
             if (event.type == "R" || event.type == "C")
-                event.quantity = smallNumber(row["Quantity"].Value());
+                event.quantity = row["Quantity"].Value().toInt16();
             events.push_back(std::move(event));
         }
         show(events);

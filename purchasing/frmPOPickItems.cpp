@@ -1,7 +1,6 @@
 #include "purchasing/frmPOPickItems.h"
 
 #include "app/modMain.h"
-#include "base/numbers.h"
 #include "ui/desk.h"
 #include "ui/waiting.h"
 
@@ -18,8 +17,8 @@ std::vector<ItemPick> itemsOf(Desk& desk, const db::Sql& procedure) {
     std::vector<ItemPick> items;
     items.reserve(static_cast<std::size_t>(rows->RecordCount()));
     for (; !rows->Eof(); rows->MoveNext())
-        items.push_back({(*rows)["Name"].text(), (*rows)["SKU"].text(), (*rows)["MatrixSKU"].text(),
-                         toInt16((*rows)["Restock"].Value().toNumber()), toInt16((*rows)["Quantity"].Value().toNumber())});
+        items.push_back({(*rows)["Name"].text(), (*rows)["SKU"].text(), (*rows)["MatrixSKU"].text(), (*rows)["Restock"].Value().toInt16(),
+                         (*rows)["Quantity"].Value().toInt16()});
     return items;
 }
 

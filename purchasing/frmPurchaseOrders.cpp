@@ -232,7 +232,7 @@ void frmPurchaseOrders::setButtons() {
 }
 
 std::int16_t frmPurchaseOrders::currentNumber() const {
-    return toInt16(grdPO.value(grdPO.row(), kPONumber).toNumber());
+    return grdPO.value(grdPO.row(), kPONumber).toInt16();
 }
 
 void frmPurchaseOrders::cmdEdit_Click() {

@@ -34,10 +34,6 @@ std::string itemKey(const std::string& SKU, const std::string& MatrixSKU) {
     return lowerCase(trimmedRight(SKU)) + "|" + lowerCase(trimmedRight(MatrixSKU));
 }
 
-std::int16_t smallNumber(const Value& value) {
-    return toInt16(value.toNumber());
-}
-
 } // namespace
 
 frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurchaseOrders_Edit", "Edit Purchase Order") {
@@ -145,7 +141,7 @@ void frmPurchaseOrders_Edit::LoadData() {
             line.SKU = row["SKU"].text();
             line.MatrixSKU = row["MatrixSKU"].text();
             line.PartNo = row["PartNo"].text();
-            line.Qty = smallNumber(row["Qty"].Value());
+            line.Qty = row["Qty"].Value().toInt16();
             line.OpenQty = toInt16(line.Qty - row["QtyRecvd"].Value().toNumber() - row["QtyCanceled"].Value().toNumber());
             line.Cost = row["Cost"].Value().toCurrency();
             line.InDatabase = true;

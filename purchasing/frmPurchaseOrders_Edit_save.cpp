@@ -3,7 +3,6 @@
 
 #include "app/db/ado/transaction.h"
 #include "app/modMain.h"
-#include "base/numbers.h"
 #include "purchasing/orders.h"
 #include "ui/waiting.h"
 
@@ -19,7 +18,7 @@ constexpr const char* kTag = "frmPurchaseOrders_Edit";
 // The number in that column of the one row that the statement gives.
 std::int16_t numberFrom(const Sql& statement, const std::string& column) {
     const auto rows = openDirect(statement);
-    return toInt16((*rows)[column].Value().toNumber());
+    return (*rows)[column].Value().toInt16();
 }
 
 } // namespace

@@ -135,7 +135,7 @@ void frmSuppliers::cmdEdit_Click() {
     const int row = grdSuppliers.row();
     if (row < 1)
         return;
-    const auto supplier = toInt16(static_cast<double>(grdSuppliers.value(row, kIdColumn).toInteger()));
+    const auto supplier = grdSuppliers.value(row, kIdColumn).toInt16();
     desk().form<frmSuppliers_Info>().FetchSupplierInfo(supplier);
     Form_Load();
 }

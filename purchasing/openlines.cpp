@@ -14,7 +14,7 @@ using app::openDirect;
 std::vector<OpenLine> openLines(std::int16_t PONumber) {
     const auto rows = openDirect(db::Sql("sp_GetPOItemToReceive ") + int{PONumber});
     auto& row = *rows;
-    const auto quantity = [&row](const char* column) { return toInt16(static_cast<double>(row[column].Value().toInteger())); };
+    const auto quantity = [&row](const char* column) { return row[column].Value().toInt16(); };
     std::vector<OpenLine> lines;
     for (; !row.Eof(); row.MoveNext()) {
         OpenLine line{row["SKU"].text(),
@@ -54,7 +54,7 @@ bool breaksStatement(const std::string& text) {
 
 std::int16_t postedNumber(const db::Sql& statement, const char* column) {
     const auto answer = modMain().Conn->Execute(statement);
-    return toInt16(static_cast<double>((*answer)[column].Value().toInteger()));
+    return (*answer)[column].Value().toInt16();
 }
 
 void changeStatus(std::int16_t PONumber, bool anyOpen) {

@@ -16,7 +16,7 @@ namespace {
 constexpr int kNoSupplier = -999; // a number that no supplier has
 
 std::int16_t shortOf(db::Recordset& row, const char* column) {
-    return toInt16(row[column].Value().toNumber());
+    return row[column].Value().toInt16();
 }
 
 // The order that is being written, and the transaction around it.

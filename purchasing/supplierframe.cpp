@@ -2,7 +2,6 @@
 
 #include "app/addresses.h"
 #include "app/modMain.h"
-#include "base/numbers.h"
 #include "base/text.h"
 #include "ui/form.h"
 
@@ -26,8 +25,7 @@ ui::Item SupplierFrame::item() {
 SupplierFrame::Supplier SupplierFrame::load(std::int16_t PONumber, std::int16_t SupplierID) {
     const auto rows = app::openDirect(db::Sql("sp_GetSupplierInfo ") + int{PONumber} + ", " + int{SupplierID});
     auto& supplier = *rows;
-    const Supplier found{toInt16(static_cast<double>(supplier["SupID"].Value().toInteger())),
-                         replaced(supplier["Supplier"].text(), "&", " And ")};
+    const Supplier found{supplier["SupID"].Value().toInt16(), replaced(supplier["Supplier"].text(), "&", " And ")};
 
     const Value account = supplier["AccountNumber"].Value();
     fraSupplier.setCaption(account.isNull() ? "Supplier" : "Acct #: " + account.toText());

@@ -1,7 +1,6 @@
 #include "purchasing/supplierprice.h"
 
 #include "app/modMain.h"
-#include "base/numbers.h"
 
 #include <algorithm>
 
@@ -10,10 +9,6 @@ namespace merchantry::purchasing {
 using namespace app;
 
 namespace {
-
-std::int16_t smallNumber(const Value& value) {
-    return toInt16(value.toNumber());
-}
 
 // A procedure of one item, with more arguments behind its key.
 db::RecordsetPtr ofItem(const db::Sql& procedure, const std::string& sku, const std::string& matrixSku,
@@ -35,8 +30,8 @@ std::vector<SupplierTerms> termsOf(std::int16_t supplier, const std::string& sku
     const auto rows = ofItem("bsp_SupplierMatrixDetailLookup", sku, matrixSku);
     for (; !rows->Eof(); rows->MoveNext()) {
         db::Recordset& row = *rows;
-        if (smallNumber(row["SupID"].Value()) == supplier)
-            terms.push_back({smallNumber(row["MinOrder"].Value()), smallNumber(row["Priority"].Value()), row["Cost"].Value().toCurrency(),
+        if (row["SupID"].Value().toInt16() == supplier)
+            terms.push_back({row["MinOrder"].Value().toInt16(), row["Priority"].Value().toInt16(), row["Cost"].Value().toCurrency(),
                              row["PartNo"].text()});
     }
     return terms;
@@ -65,12 +60,12 @@ std::int16_t SupplierPrice::DefaultQuantity(std::int16_t SupplierID, const std::
     const auto item = ofItem("sp_GetItemReorderData", SKU, MatrixSKU);
     std::int16_t least = 0;
     if (!item->Eof()) {
-        const int wanted = smallNumber((*item)["Reorder"].Value()) - static_cast<int>((*item)["QtyOrdered"].Value().toInteger());
+        const int wanted = (*item)["Reorder"].Value().toInt16() - static_cast<int>((*item)["QtyOrdered"].Value().toInteger());
         const auto rows =
             ofItem("bsp_POInfo", SKU, MatrixSKU,
                    {intParameter("Wanted", std::max(wanted, 0)), intParameter("ByCost", 1), intParameter("SupID", SupplierID)});
         for (; !rows->Eof(); rows->MoveNext())
-            if (const std::int16_t quantity = smallNumber((*rows)["ReorderQty"].Value()); quantity > 0 && (least == 0 || quantity < least))
+            if (const std::int16_t quantity = (*rows)["ReorderQty"].Value().toInt16(); quantity > 0 && (least == 0 || quantity < least))
                 least = quantity;
     }
     if (least > 0)
