@@ -20,8 +20,7 @@ using ui::Form;
 using ui::FormWindow;
 
 // The screens that need more than 800 by 600; frmItems for its side panel.
-const std::set<std::string_view> kLarge{"frmDbConfig",           "frmItems",  "frmMain",           "frmOrphanedItems",
-                                        "frmPurchaseOrder_View", "frmViewer", "frmReportCriteria", "frmReport_Generate"};
+const std::set<std::string_view> kLarge{"frmDbConfig", "frmItems", "frmMain"};
 
 // Draws the forms of a script and inspects each that it wants a picture of: at its smallest, at its own size, and large.
 class InspectingStage : public ui::play::Stage {
