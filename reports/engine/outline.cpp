@@ -51,7 +51,7 @@ Outline::Outline(const Definition& definition, const db::RowStore& rows) : defin
         sourceOf(chart.label, chart.line);
         numberOf(chart.value, chart.line);
     }
-    FieldText(definition.subtitle, rows, file, definition.subtitleLine);
+    [[maybe_unused]] const FieldText subtitle(definition.subtitle, rows, file, definition.subtitleLine);
     for (const auto* lines : {&definition.headers, &definition.footers})
         for (const TextLine& line : *lines)
             FieldText(line.text, rows, file, line.line); // refused here rather than on the page
