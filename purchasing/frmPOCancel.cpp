@@ -66,7 +66,8 @@ frmPOCancel::frmPOCancel(Desk& desk) : Form(desk, "frmPOCancel", "Cancel Purchas
 void frmPOCancel::Form_Load() {
     guarded({kTag, "Form_Load"}, [this] {
         ShowSupplier();
-        loadLines();
+        lines_.clear();
+        lines_ = openLinesFor(PONumber, &CancelLine::CancelQty);
         showLines();
         showTotal();
         lblHeading.setCaption("Cancel Inventory for Purchase Order #" + std::to_string(PONumber));
@@ -75,16 +76,6 @@ void frmPOCancel::Form_Load() {
 
 void frmPOCancel::ShowSupplier() {
     guarded({kTag, "ShowSupplier"}, [this] { SupplierID = supplier_.load(PONumber, SupplierID).SupID; });
-}
-
-void frmPOCancel::loadLines() {
-    lines_.clear();
-    for (OpenLine& open : openLines(PONumber)) {
-        CancelLine line;
-        static_cast<OpenLine&>(line) = std::move(open);
-        line.CancelQty = line.OpenQty;
-        lines_.push_back(std::move(line));
-    }
 }
 
 void frmPOCancel::showLines() {
@@ -102,9 +93,7 @@ void frmPOCancel::showTotal() {
         pieces += line.CancelQty;
     }
     lblTotal.setCaption(total.toDisplay());
-    grdPOItems.setStatusText(withThousands(static_cast<std::int64_t>(lines_.size())) +
-                             (lines_.size() == 1 ? " open line, " : " open lines, ") + withThousands(pieces) +
-                             (pieces == 1 ? " piece" : " pieces") + " to cancel");
+    grdPOItems.setStatusText(openLinesInWords(lines_.size(), pieces, "cancel"));
 }
 
 void frmPOCancel::grdPOItems_BeforeEdit(int row, int column, bool& cancel) {

@@ -32,7 +32,6 @@ private:
     void Form_Load() override;
 
     void ShowSupplier();
-    void loadLines();
     void showLines();
     void showTotal();
     void grdPOItems_BeforeEdit(int row, int column, bool& cancel);

@@ -28,10 +28,6 @@ constexpr Twips kWidth = 1240 * kTwipsPerPixel; // room for the rehearsal, on a 
 constexpr Twips kHeight = 690 * kTwipsPerPixel;
 enum Page { kLinesPage, kRehearsalPage };
 
-std::string piecesIn(std::int64_t number) {
-    return withThousands(number) + (number == 1 ? " piece" : " pieces");
-}
-
 } // namespace
 
 frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurchaseOrders_Recv", "Receive Inventory") {
@@ -124,7 +120,8 @@ void frmPurchaseOrders_Recv::Form_Load() {
     txtCode.setFocus(); // a scanner finds its field
     guarded({kTag, "Form_Load"}, [this] {
         ShowSupplier();
-        loadLines();
+        lines_.clear();
+        lines_ = openLinesFor(PONumber, &ReceiveLine::RecvQty);
         showLines();
         showTotals();
         loadPrinters();
@@ -135,16 +132,6 @@ void frmPurchaseOrders_Recv::Form_Load() {
 
 void frmPurchaseOrders_Recv::ShowSupplier() {
     guarded({kTag, "ShowSupplier"}, [this] { SupplierID = supplier_.load(PONumber, SupplierID).SupID; });
-}
-
-void frmPurchaseOrders_Recv::loadLines() {
-    lines_.clear();
-    for (OpenLine& open : openLines(PONumber)) {
-        ReceiveLine line;
-        static_cast<OpenLine&>(line) = std::move(open);
-        line.RecvQty = line.OpenQty;
-        lines_.push_back(std::move(line));
-    }
 }
 
 void frmPurchaseOrders_Recv::loadPrinters() {
@@ -194,8 +181,7 @@ void frmPurchaseOrders_Recv::showStatus() {
     }
     grdPOItems.setStatusText(
         breaks ? "An apostrophe in a part number or description makes the posting fail and the program end, with nothing booked"
-               : withThousands(static_cast<std::int64_t>(lines_.size())) + (lines_.size() == 1 ? " open line, " : " open lines, ") +
-                     piecesIn(pieces) + " to receive");
+               : openLinesInWords(lines_.size(), pieces, "receive"));
 }
 
 // A marked line that the rehearsal covers is not set to 0 unseen.

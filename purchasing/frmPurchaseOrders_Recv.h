@@ -32,7 +32,6 @@ private:
     void Form_Load() override;
 
     void ShowSupplier();
-    void loadLines();
     void loadPrinters();
     void showLines();
     void showRow(int row, const ReceiveLine& line);

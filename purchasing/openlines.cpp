@@ -32,6 +32,11 @@ std::vector<OpenLine> openLines(std::int16_t PONumber) {
     return lines;
 }
 
+std::string openLinesInWords(std::size_t lines, std::int64_t pieces, const char* what) {
+    return withThousands(static_cast<std::int64_t>(lines)) + (lines == 1 ? " open line, " : " open lines, ") + withThousands(pieces) +
+           (pieces == 1 ? " piece to " : " pieces to ") + what;
+}
+
 std::string itemKey(const std::string& SKU, const std::string& MatrixSKU) {
     return lowerCase(trimmedRight(SKU)) + '\0' + lowerCase(trimmedRight(MatrixSKU));
 }

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace merchantry::purchasing {
@@ -35,6 +36,19 @@ struct OpenLine {
 
 // The open lines of the order with that number, in the order of their names. Throws DbError.
 std::vector<OpenLine> openLines(std::int16_t PONumber);
+// The same as lines of a screen, with all that is open in the quantity that it posts.
+template <class Line> std::vector<Line> openLinesFor(std::int16_t PONumber, std::int16_t Line::*posted) {
+    std::vector<Line> lines;
+    for (OpenLine& open : openLines(PONumber)) {
+        Line& line = lines.emplace_back();
+        static_cast<OpenLine&>(line) = std::move(open);
+        line.*posted = line.OpenQty;
+    }
+    return lines;
+}
+
+// "2 open lines, 14 pieces to receive"
+std::string openLinesInWords(std::size_t lines, std::int64_t pieces, const char* what);
 
 // What stands for an item among others, whatever the case of its codes.
 std::string itemKey(const std::string& SKU, const std::string& MatrixSKU);
