@@ -5,6 +5,7 @@
 #include "app/modMain.h"
 #include "bench/barestore.h"
 #include "bench/itemstore.h"
+#include "bench/paintwatch.h"
 #include "bench/ratio.h"
 #include "programs/desktop.h"
 #include "programs/screens.h"
@@ -66,19 +67,6 @@ void furnish(db::Session& session) {
     session.commit();
 }
 
-// Notes that the table of the list has been painted, not only its frame.
-class PaintWatch : public QObject {
-public:
-    bool painted = false;
-
-protected:
-    bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::Paint && object->objectName() == QStringLiteral("qt_scrollarea_viewport"))
-            painted = true;
-        return false;
-    }
-};
-
 int copied(const BareStore& store) {
     sqlite3_stmt* const statement = store.prepare(kList);
     std::vector<std::string> cells;
@@ -115,12 +103,7 @@ int main(int argc, char** argv) {
     for (int i = 0; i < kRuns; ++i) {
         int rows = 0;
         bare.push_back(msOf([&] { rows = copied(store); }));
-        shown.push_back(msOf([&] {
-            watch.painted = false;
-            desk.enter([&] { desk.show(desk.form<purchasing::frmPurchaseOrders>()); });
-            while (!watch.painted)
-                QCoreApplication::processEvents();
-        }));
+        shown.push_back(msOf([&] { showPainted<purchasing::frmPurchaseOrders>(desk, watch); }));
         auto& list = desk.form<purchasing::frmPurchaseOrders>();
         if (const int listed = dynamic_cast<ui::Grid&>(*list.find("grdPO")).dataRows(); listed != rows || rows != kOrders)
             std::printf("DIFFERENT: %d rows shown, %d read\n", listed, rows);

@@ -4,6 +4,7 @@
 #include "app/frmLogin.h"
 #include "app/modMain.h"
 #include "bench/itemstore.h"
+#include "bench/paintwatch.h"
 #include "bench/ratio.h"
 #include "catalog/itemlistform.h"
 #include "inventory/frmInventory.h"
@@ -21,27 +22,6 @@ namespace {
 
 constexpr int kRuns = 11;
 constexpr int kMovesEach = 3;
-
-// Notes that the table of the list has been painted, not only its frame.
-class PaintWatch : public QObject {
-public:
-    bool painted = false;
-
-protected:
-    bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::Paint && object->objectName() == QStringLiteral("qt_scrollarea_viewport"))
-            painted = true;
-        return false;
-    }
-};
-
-// Shows the list as a screen does, until it is painted; closing it again is not measured.
-template <class F> void showPainted(ui::QtDesk& desk, PaintWatch& watch) {
-    watch.painted = false;
-    desk.enter([&] { desk.show(desk.form<F>()); });
-    while (!watch.painted)
-        QCoreApplication::processEvents();
-}
 
 // Alternating, with the closing outside of the watch.
 template <class F> void measure(const char* what, const char* grid, ui::QtDesk& desk, PaintWatch& watch, const db::Sql& list) {
