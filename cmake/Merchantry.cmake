@@ -9,7 +9,7 @@ add_library(merchantry_flags INTERFACE)
 target_include_directories(merchantry_flags INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(merchantry_flags INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  target_compile_options(merchantry_flags INTERFACE -Wno-restrict) # GCC 12 reports it inside its own std::string
+  target_compile_options(merchantry_flags INTERFACE -Wno-restrict -Wno-stringop-overflow) # GCC 12 reports them inside its own std::string
 endif()
 target_compile_definitions(merchantry_flags INTERFACE MERCHANTRY_VERSION="${PROJECT_VERSION}")
 if(MERCHANTRY_SANITIZE)
@@ -25,11 +25,41 @@ if(MERCHANTRY_MOLD AND NOT MERCHANTRY_FUZZ)
   target_link_options(merchantry_flags INTERFACE -fuse-ld=mold)
 endif()
 
-# merchantry_library(name SOURCES … LINK …): one static library of one folder.
+# What almost every file includes, compiled once for all: the standard library for the program, with GoogleTest for its tests. Files still
+# include what they use. Compilers other than GCC read the headers as ever (clang cannot read what GCC compiled, nor the other way round).
+set(MERCHANTRY_PRECOMPILED <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <set> <stdexcept> <string>
+  <string_view> <vector>)
+option(MERCHANTRY_PCH "Precompile the standard headers" ON)
+if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  set(MERCHANTRY_PCH OFF)
+endif()
+function(merchantry_precompiled name)
+  if(MERCHANTRY_PCH)
+    file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/${name}.cpp CONTENT "// Gives the precompiled headers a target.\n")
+    add_library(${name} OBJECT ${CMAKE_BINARY_DIR}/${name}.cpp)
+    target_link_libraries(${name} PRIVATE merchantry_flags)
+    target_precompile_headers(${name} PRIVATE ${ARGN})
+  endif()
+endfunction()
+function(merchantry_use_precompiled target name)
+  if(MERCHANTRY_PCH)
+    target_precompile_headers(${target} REUSE_FROM ${name})
+  endif()
+endfunction()
+merchantry_precompiled(merchantry_pch ${MERCHANTRY_PRECOMPILED})
+merchantry_precompiled(merchantry_test_pch ${MERCHANTRY_PRECOMPILED} <gtest/gtest.h>)
+
+# merchantry_library(name SOURCES … LINK … PRECOMPILED …): one static library of one folder. PRECOMPILED names headers that all its files
+# want beside the standard ones.
 function(merchantry_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRECOMPILED" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC merchantry_flags ${ARG_LINK})
+  if(MERCHANTRY_PCH AND ARG_PRECOMPILED)
+    target_precompile_headers(${name} PRIVATE ${MERCHANTRY_PRECOMPILED} ${ARG_PRECOMPILED})
+  else()
+    merchantry_use_precompiled(${name} merchantry_pch)
+  endif()
 endfunction()
 
 # merchantry_test(name SOURCES … LINK …): one test program of one folder, run by ctest.
@@ -37,6 +67,7 @@ function(merchantry_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE merchantry_flags ${ARG_LINK} GTest::gtest_main)
+  merchantry_use_precompiled(${name} merchantry_test_pch)
   add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
 endfunction()
 

@@ -22,19 +22,23 @@ install_packages() {
     command -v sudo >/dev/null || fail "These packages are missing and this account may not install them (no root, no sudo): ${missing[*]}"
     as_root=(sudo)
   fi
-  echo "Installing: ${missing[*]}"
+  echo "Installing ${#missing[@]} packages (a minute or two): ${missing[*]}"
   "${as_root[@]}" apt-get update -qq
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
     fail "Installing the packages failed: ${missing[*]}"
 }
 
-# build PRESET [TARGET…]
+# build PRESET "HOW LONG" [TARGET…]: tells how far it is, as ninja counts.
 build() {
-  local preset=$1
-  shift
-  # Several worktrees share what was compiled once.
-  export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
-  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >"build-$preset.log" 2>&1 || { cat "build-$preset.log"; rm -f "build-$preset.log"; fail "Configuring failed."; }
+  local preset=$1 howlong=$2
+  shift 2
+  # Several worktrees share what was compiled once, precompiled headers included.
+  export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
+  if [ ! -f "build/$preset/build.ninja" ]; then
+    echo "Configuring build/$preset."
+    cmake --preset "$preset" >"build-$preset.log" 2>&1 || { cat "build-$preset.log"; rm -f "build-$preset.log"; fail "Configuring failed."; }
+  fi
   rm -f "build-$preset.log"
-  cmake --build --preset "$preset" -- --quiet ${1:+"$@"} || fail "Building failed."
+  echo "Building in build/$preset ($howlong; only what changed since the last time)."
+  NINJA_STATUS="[%f/%t, %e s] " cmake --build --preset "$preset" ${1:+--target "$@"} || fail "Building failed."
 }
