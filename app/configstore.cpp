@@ -2,28 +2,25 @@
 
 #include "base/platform/platform.h"
 #include "base/text.h"
-
-#include <fstream>
-#include <sstream>
-#include <toml.hpp>
+#include "base/toml.h"
 
 namespace merchantry::app {
 namespace {
 
-// What stands under the key; nothing when nothing does. A value of another kind is damage and thrown.
-template <class T> T valueAt(const toml::value& table, const char* key) {
-    return table.contains(key) ? toml::find<T>(table, key) : T();
+// The text under the key, empty when nothing stands there. A value of another kind is damage and thrown.
+std::string textAt(const toml::Value& table, const char* key) {
+    const toml::Value* value = table.find(key);
+    return value == nullptr ? "" : value->text();
 }
 
-DbConfig configOf(const toml::value& table) {
-    const auto text = [&](const char* key) { return valueAt<std::string>(table, key); };
+DbConfig configOf(const toml::Value& table) {
+    const auto text = [&](const char* key) { return textAt(table, key); };
     return {text("ConfigName"), text("ServerName"), text("RegisterID"), text("Password"), text("InstanceName"), text("IntegratedSecurity")};
 }
 
-toml::value tableOf(const DbConfig& config) {
-    return toml::table{{"ConfigName", config.ConfigName},     {"ServerName", config.ServerName},
-                       {"RegisterID", config.RegisterID},     {"Password", config.Password},
-                       {"InstanceName", config.InstanceName}, {"IntegratedSecurity", config.IntegratedSecurity}};
+toml::Table tableOf(const DbConfig& config) {
+    return {{"ConfigName", config.ConfigName}, {"ServerName", config.ServerName},     {"RegisterID", config.RegisterID},
+            {"Password", config.Password},     {"InstanceName", config.InstanceName}, {"IntegratedSecurity", config.IntegratedSecurity}};
 }
 
 } // namespace
@@ -35,10 +32,11 @@ void ConfigStore::load() {
     if (!std::filesystem::exists(file_))
         return;
     try {
-        const toml::value root = toml::parse(file_.string());
-        defaultName_ = valueAt<std::string>(root, "Default");
-        for (const toml::value& table : valueAt<std::vector<toml::value>>(root, "Configuration"))
-            configs_.push_back(configOf(table));
+        const toml::Value root = toml::parseFile(file_.string());
+        defaultName_ = textAt(root, "Default");
+        if (const toml::Value* tables = root.find("Configuration"))
+            for (const toml::Value& table : tables->array())
+                configs_.push_back(configOf(table));
     } catch (const std::exception&) {
         configs_.clear();
         defaultName_.clear();
@@ -55,12 +53,10 @@ void ConfigStore::save() {
         std::filesystem::rename(file_, aside);
         problem_.clear();
     }
-    toml::array tables;
+    toml::Array tables;
     for (const DbConfig& config : configs_)
-        tables.push_back(tableOf(config));
-    std::ostringstream text;
-    text << toml::value(toml::table{{"Default", defaultName_}, {"Configuration", tables}});
-    platform::replaceFile(file_, text.str(), true);
+        tables.emplace_back(tableOf(config));
+    platform::replaceFile(file_, toml::format({{"Default", defaultName_}, {"Configuration", tables}}), true);
 }
 
 const DbConfig* ConfigStore::find(const std::string& name) const {

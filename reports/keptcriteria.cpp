@@ -2,11 +2,10 @@
 
 #include "base/platform/platform.h"
 #include "base/text.h"
+#include "base/toml.h"
 #include "reports/conditions.h"
 
 #include <algorithm>
-#include <sstream>
-#include <toml.hpp>
 
 namespace merchantry::reports {
 
@@ -14,14 +13,10 @@ CriteriaStore::CriteriaStore(std::filesystem::path file) : file_(std::move(file)
     if (!std::filesystem::exists(file_))
         return;
     try {
-        const toml::value root = toml::parse(file_.string());
-        for (const toml::value& table : toml::find<std::vector<toml::value>>(root, "Criteria")) {
-            KeptCriteria one{toml::find<std::string>(table, "Report"),
-                             toml::find<std::string>(table, "Name"),
-                             toml::find<std::vector<std::string>>(table, "Conditions"),
-                             toml::find<std::vector<std::string>>(table, "Shown"),
-                             toml::find<std::string>(table, "SortBy"),
-                             toml::find<bool>(table, "Ascending")};
+        const toml::Value root = toml::parseFile(file_.string());
+        for (const toml::Value& table : root.at("Criteria").array()) {
+            KeptCriteria one{table.at("Report").text(), table.at("Name").text(),   table.at("Conditions").texts(),
+                             table.at("Shown").texts(), table.at("SortBy").text(), table.at("Ascending").flag()};
             if (one.sql.size() != one.display.size() || one.sql.size() > Criteria::kMost)
                 throw std::runtime_error("too many conditions");
             all_.push_back(std::move(one));
@@ -55,18 +50,17 @@ void CriteriaStore::remove(const std::string& reportKey, const std::string& name
 }
 
 void CriteriaStore::save() const {
-    toml::array tables;
+    const auto list = [](const std::vector<std::string>& texts) { return toml::Array(texts.begin(), texts.end()); };
+    toml::Array tables;
     for (const KeptCriteria& one : all_)
-        tables.push_back(toml::table{{"Report", one.reportKey},
-                                     {"Name", one.name},
-                                     {"Conditions", one.sql},
-                                     {"Shown", one.display},
-                                     {"SortBy", one.sortBy},
-                                     {"Ascending", one.ascending}});
-    std::ostringstream text;
-    text << toml::value(toml::table{{"Criteria", tables}});
+        tables.emplace_back(toml::Table{{"Report", one.reportKey},
+                                        {"Name", one.name},
+                                        {"Conditions", list(one.sql)},
+                                        {"Shown", list(one.display)},
+                                        {"SortBy", one.sortBy},
+                                        {"Ascending", one.ascending}});
     std::filesystem::create_directories(file_.parent_path());
-    platform::replaceFile(file_, text.str(), true);
+    platform::replaceFile(file_, toml::format({{"Criteria", tables}}), true);
 }
 
 } // namespace merchantry::reports

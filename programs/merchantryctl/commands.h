@@ -1,14 +1,54 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
 
-// The subcommands of merchantryctl, one source file each. Each adds itself to the program and sets the exit code: 0 done, 1 failed.
-// What they throw is told by main.
+// The subcommands of merchantryctl, one source file each, with what main reads from the command line for them. Each gives the exit code:
+// 0 done, 1 failed. What they throw is told by main.
 namespace merchantry::programs {
 
-void addStoreCommand(CLI::App& program, int& exitCode);
-void addSqlCommand(CLI::App& program, int& exitCode);
-void addPlayCommand(CLI::App& program, int& exitCode);
-void addReportCommand(CLI::App& program, int& exitCode);
+// A command line that says what cannot be done; main tells it as a wrong use of the program.
+struct UsageError {
+    std::string reason;
+};
+
+struct SqlOptions {
+    std::vector<std::string> files; // the store, or files of recorded answers
+    bool check = false;
+    bool csv = false;
+};
+int runSql(const SqlOptions& options); // throws UsageError unless it is one store
+
+struct StoreOptions {
+    std::string file;
+    std::string other; // the backup
+    bool demo = false;
+    bool empty = false;
+    bool items = false;
+};
+int createStore(const StoreOptions& options);
+int checkStore(const StoreOptions& options);
+int upgradeStore(const StoreOptions& options);
+int backupStore(const StoreOptions& options);
+int restoreStore(const StoreOptions& options);
+
+struct PlayOptions {
+    std::string store;
+    std::vector<std::string> scripts;
+    bool fresh = false;
+    bool statements = false;
+};
+int runPlay(const PlayOptions& options);
+
+struct ReportOptions {
+    std::string file;
+    std::string store;
+    std::string out; // empty for standard output
+    std::string where;
+    std::string sort;
+    bool descending = false;
+    std::vector<std::string> parameters;
+};
+int runReport(const ReportOptions& options);
 
 } // namespace merchantry::programs

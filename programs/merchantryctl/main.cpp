@@ -1,21 +1,83 @@
 #include "programs/merchantryctl/commands.h"
 
+#include "base/errortext.h"
+
+#include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
 
 namespace {
 
+using namespace merchantry::programs;
+
 constexpr int kUsage = 2;
+
+void addSql(CLI::App& program, SqlOptions& options, int& exitCode) {
+    CLI::App* sql =
+        program.add_subcommand("sql", "Run T-SQL batches from standard input, or typed at a prompt, on a store; GO ends a batch");
+    sql->add_flag("--check", options.check, "The files hold recorded answers; run each on an empty store and tell what differs");
+    sql->add_flag("--csv", options.csv, "Rows as comma-separated values");
+    sql->add_option("FILE", options.files, "The store file, or the files to check")->required();
+    sql->callback([&] { exitCode = runSql(options); });
+}
+
+void addStore(CLI::App& program, StoreOptions& options, int& exitCode) {
+    CLI::App* store = program.add_subcommand("store", "Make, check, upgrade, back up and restore store files");
+    store->require_subcommand(1);
+    const auto action = [&](const char* name, const char* what, int (*run)(const StoreOptions&)) {
+        CLI::App* command = store->add_subcommand(name, what);
+        command->add_option("FILE", options.file, "The store file")->required();
+        command->callback([run, &options, &exitCode] { exitCode = run(options); });
+        return command;
+    };
+    CLI::App* made = action("create", "Make a new store", createStore);
+    made->add_flag("--demo", options.demo, "With demo goods and two years of sales");
+    made->add_flag("--empty", options.empty, "With nothing but the rows that every store starts with (the default)");
+    CLI::App* checked = action("check", "Look for damage and broken rules, and prove the stock by its ledger", checkStore);
+    checked->add_flag("--items", options.items, "List every item whose stock differs from its ledger");
+    action("upgrade", "Bring a store to this program's version, keeping a copy", upgradeStore);
+    CLI::App* copied = action("backup", "Copy a store that may be in use", backupStore);
+    copied->add_option("TARGET", options.other, "The copy to make")->required();
+    CLI::App* restored = action("restore", "Overwrite a store with a backup", restoreStore);
+    restored->add_option("BACKUP", options.other, "The backup to take")->required();
+}
+
+void addPlay(CLI::App& program, PlayOptions& options, int& exitCode) {
+    CLI::App* play = program.add_subcommand("play", "Run screen scripts on a store, without a window");
+    play->add_option("--store", options.store, "The store file")->required();
+    play->add_flag("--fresh", options.fresh, "Each script on a copy of its own; the store stays as it is");
+    play->add_flag("--statements", options.statements, "Show the statements that the screens send");
+    play->add_option("SCRIPT", options.scripts, "Scripts, in this order")->required();
+    play->callback([&] { exitCode = runPlay(options); });
+}
+
+void addReport(CLI::App& program, ReportOptions& options, int& exitCode) {
+    CLI::App* report = program.add_subcommand("report", "Run a report file on a store");
+    report->add_option("FILE", options.file, "The report file (.rpt)")->required();
+    report->add_option("--store", options.store, "The store file")->required();
+    report->add_option("--out", options.out,
+                       "Where to: the ending tells the kind; rows as comma-separated values on standard output without it");
+    report->add_option("--where", options.where, "Conditions, as \"Item.Active = 1\"");
+    report->add_option("--sort", options.sort, "The column to sort by");
+    report->add_flag("--descending", options.descending, "The largest first");
+    report->add_option("--parameter", options.parameters,
+                       "Parameters in their order, for reports that want others than conditions and order");
+    report->callback([&] { exitCode = runReport(options); });
+}
 
 int runProgram(int count, char** arguments) {
     int exitCode = 0;
+    SqlOptions sql;
+    StoreOptions store;
+    PlayOptions play;
+    ReportOptions report;
     CLI::App program("The store without a window.", "merchantryctl");
     program.set_version_flag("--version", MERCHANTRY_VERSION);
     program.require_subcommand(1);
-    merchantry::programs::addSqlCommand(program, exitCode);
-    merchantry::programs::addStoreCommand(program, exitCode);
-    merchantry::programs::addPlayCommand(program, exitCode);
-    merchantry::programs::addReportCommand(program, exitCode);
+    addSql(program, sql, exitCode);
+    addStore(program, store, exitCode);
+    addPlay(program, play, exitCode);
+    addReport(program, report, exitCode);
     try {
         program.parse(count, arguments);
     } catch (const CLI::ParseError& error) {
@@ -29,8 +91,11 @@ int runProgram(int count, char** arguments) {
 int main(int count, char** arguments) {
     try {
         return runProgram(count, arguments);
+    } catch (const UsageError& error) {
+        std::cerr << error.reason << "\nRun with --help for more information.\n";
+        return kUsage;
     } catch (const std::exception& error) {
-        std::cerr << "merchantryctl: " << error.what() << "\n";
+        std::cerr << "merchantryctl: " << merchantry::sentenceOf(error) << "\n";
         return 1;
     }
 }

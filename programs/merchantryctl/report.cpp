@@ -11,24 +11,13 @@
 #endif
 
 #include <iostream>
-#include <memory>
 #include <sstream>
 
 namespace merchantry::programs {
 namespace {
 
-struct Options {
-    std::string file;
-    std::string store;
-    std::string out;
-    std::string where;
-    std::string sort;
-    bool descending = false;
-    std::vector<std::string> parameters;
-};
-
 // The parameters of the report: those given by number, and the conditions and order in the places of their kind.
-reports::ParameterTexts textsFor(const reports::Definition& definition, const Options& options) {
+reports::ParameterTexts textsFor(const reports::Definition& definition, const ReportOptions& options) {
     reports::ParameterTexts texts(definition.query.parameters.size());
     for (std::size_t i = 0; i < options.parameters.size(); ++i) {
         if (i >= texts.size())
@@ -71,7 +60,9 @@ void write(const reports::Report& report, const std::string& out) {
     platform::replaceFile(out, text.str(), false);
 }
 
-int run(const Options& options) {
+} // namespace
+
+int runReport(const ReportOptions& options) {
     const auto session = db::Store::open(options.store)->session();
     db::refuseNewerSchema(*session);
     const reports::Definition definition = reports::readDefinition(options.file);
@@ -83,23 +74,6 @@ int run(const Options& options) {
     write(*report, options.out);
     std::cout << "Wrote " << options.out << ": " << report->outline().rows().rowCount() << " rows.\n";
     return 0;
-}
-
-} // namespace
-
-void addReportCommand(CLI::App& program, int& exitCode) {
-    auto options = std::make_shared<Options>();
-    CLI::App* report = program.add_subcommand("report", "Run a report file on a store");
-    report->add_option("FILE", options->file, "The report file (.rpt)")->required();
-    report->add_option("--store", options->store, "The store file")->required();
-    report->add_option("--out", options->out,
-                       "Where to: the ending tells the kind; rows as comma-separated values on standard output without it");
-    report->add_option("--where", options->where, "Conditions, as \"Item.Active = 1\"");
-    report->add_option("--sort", options->sort, "The column to sort by");
-    report->add_flag("--descending", options->descending, "The largest first");
-    report->add_option("--parameter", options->parameters,
-                       "Parameters in their order, for reports that want others than conditions and order");
-    report->callback([options, &exitCode] { exitCode = run(*options); });
 }
 
 } // namespace merchantry::programs

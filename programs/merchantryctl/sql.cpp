@@ -20,12 +20,6 @@
 namespace merchantry::programs {
 namespace {
 
-struct Options {
-    std::vector<std::string> files;
-    bool check = false;
-    bool csv = false;
-};
-
 std::string shown(const Value& value, const db::SqlType& type) {
     if (value.is<Currency>())
         return value.as<Currency>().toFixedText();
@@ -187,33 +181,23 @@ int runPrompt(db::Session& session, bool csv) {
     return 0;
 }
 
-int check(const Options& options) {
+int check(const SqlOptions& options) {
     const std::vector<std::filesystem::path> files(options.files.begin(), options.files.end());
     const db::embedded::AnswerCounts counts = db::embedded::checkAnswers(files, std::cout);
     std::cout << counts.passed << " passed, " << counts.failed << " failed, " << counts.refused << " refused\n";
     return counts.failed == 0 ? 0 : 1;
 }
 
-int run(const Options& options) {
+} // namespace
+
+int runSql(const SqlOptions& options) {
     if (options.check)
         return check(options);
     if (options.files.size() != 1)
-        throw CLI::ValidationError("FILE", "exactly one store file is wanted");
+        throw UsageError{"FILE: exactly one store file is wanted"};
     const std::unique_ptr<db::Session> session = db::Store::open(options.files[0])->session();
     db::refuseNewerSchema(*session);
     return isatty(STDIN_FILENO) != 0 ? runPrompt(*session, options.csv) : runInput(*session, options.csv);
-}
-
-} // namespace
-
-void addSqlCommand(CLI::App& program, int& exitCode) {
-    auto options = std::make_shared<Options>();
-    CLI::App* sql =
-        program.add_subcommand("sql", "Run T-SQL batches from standard input, or typed at a prompt, on a store; GO ends a batch");
-    sql->add_flag("--check", options->check, "The files hold recorded answers; run each on an empty store and tell what differs");
-    sql->add_flag("--csv", options->csv, "Rows as comma-separated values");
-    sql->add_option("FILE", options->files, "The store file, or the files to check")->required();
-    sql->callback([options, &exitCode] { exitCode = run(*options); });
 }
 
 } // namespace merchantry::programs

@@ -1,6 +1,7 @@
 #include "reports/engine/definition.h"
 
 #include "base/text.h"
+#include "base/toml.h"
 #include "reports/engine/figure.h"
 
 #include <algorithm>
@@ -9,86 +10,81 @@
 #include <set>
 #include <sstream>
 #include <string_view>
-#include <toml.hpp>
 #include <utility>
 
 namespace merchantry::reports {
 namespace {
-
-int lineOf(const toml::value& value) {
-    return static_cast<int>(value.location().line());
-}
 
 template <class E> using Words = std::vector<std::pair<std::string_view, E>>;
 
 // One table of the file: hands out its values by key and kind, and in the end refuses the keys that nobody asked for.
 class Table {
 public:
-    Table(const toml::value& value, std::string file, std::string what) : value_(value), file_(std::move(file)), what_(std::move(what)) {
-        if (!value.is_table())
+    Table(const toml::Value& value, std::string file, std::string what) : value_(value), file_(std::move(file)), what_(std::move(what)) {
+        if (!value.isTable())
             fail(value, what_ + " must be a table.");
     }
 
-    int line() const { return lineOf(value_); }
-    int lineOfKey(const char* key) const { return has(key) ? lineOf(value_.at(key)) : line(); }
+    int line() const { return value_.line(); }
+    int lineOfKey(const char* key) const { return has(key) ? value_.at(key).line() : line(); }
     // Where the text of a key begins: below its three quotes, when they end their line.
     int lineOfText(const char* key) const {
-        const std::string line(trimmed(value_.at(key).location().line_str()));
+        const std::string line(trimmed(value_.at(key).sourceLine()));
         return lineOfKey(key) + (line.ends_with("\"\"\"") || line.ends_with("'''") ? 1 : 0);
     }
 
-    [[noreturn]] void fail(const toml::value& where, const std::string& reason) const {
-        throw DefinitionError(file_, lineOf(where), reason);
+    [[noreturn]] void fail(const toml::Value& where, const std::string& reason) const {
+        throw DefinitionError(file_, where.line(), reason);
     }
     [[noreturn]] void failHere(const std::string& reason) const { fail(value_, reason); }
     [[noreturn]] void failAt(const char* key, const std::string& reason) const { fail(value_.at(key), reason); }
 
-    bool has(const char* key) const { return value_.contains(key); }
+    bool has(const char* key) const { return value_.find(key) != nullptr; }
 
-    const toml::value* find(const char* key) {
+    const toml::Value* find(const char* key) {
         asked_.insert(key);
-        return value_.contains(key) ? &value_.at(key) : nullptr;
+        return value_.find(key);
     }
     void read(const char* key, std::string& result) {
-        if (const toml::value* value = find(key)) {
-            if (!value->is_string())
+        if (const toml::Value* value = find(key)) {
+            if (!value->isText())
                 fail(*value, quoted(key) + " must be a text.");
-            result = value->as_string().str;
+            result = value->text();
         }
     }
     void read(const char* key, bool& result) {
-        if (const toml::value* value = find(key)) {
-            if (!value->is_boolean())
+        if (const toml::Value* value = find(key)) {
+            if (!value->isFlag())
                 fail(*value, quoted(key) + " must be true or false.");
-            result = value->as_boolean();
+            result = value->flag();
         }
     }
     void read(const char* key, double& result, double low, double high) {
-        const toml::value* value = find(key);
+        const toml::Value* value = find(key);
         if (value == nullptr)
             return;
-        if (!value->is_integer() && !value->is_floating())
+        if (!value->isInteger() && !value->isFloating())
             fail(*value, quoted(key) + " must be a number.");
-        result = value->is_integer() ? static_cast<double>(value->as_integer()) : value->as_floating();
+        result = value->isInteger() ? static_cast<double>(value->integer()) : value->floating();
         if (!(result >= low && result <= high))
             fail(*value, quoted(key) + " must be from " + plain(low) + " to " + plain(high) + ".");
     }
     void read(const char* key, int& result, int low, int high) {
-        const toml::value* value = find(key);
+        const toml::Value* value = find(key);
         if (value == nullptr)
             return;
-        if (!value->is_integer() || value->as_integer() < low || value->as_integer() > high)
+        if (!value->isInteger() || value->integer() < low || value->integer() > high)
             fail(*value, quoted(key) + " must be a whole number from " + std::to_string(low) + " to " + std::to_string(high) + ".");
-        result = static_cast<int>(value->as_integer());
+        result = static_cast<int>(value->integer());
     }
     template <class E> void read(const char* key, E& result, const Words<E>& words) {
-        if (const toml::value* value = find(key))
+        if (const toml::Value* value = find(key))
             result = word(*value, key, words);
     }
-    template <class E> E word(const toml::value& value, const char* key, const Words<E>& words) const {
+    template <class E> E word(const toml::Value& value, const char* key, const Words<E>& words) const {
         std::string known;
         for (const auto& [name, meaning] : words) {
-            if (value.is_string() && value.as_string().str == name)
+            if (value.isText() && value.text() == name)
                 return meaning;
             known += (known.empty() ? "" : ", ") + std::string(name);
         }
@@ -97,21 +93,21 @@ public:
     // The entries of a list of tables, each with the name of what it is.
     std::vector<Table> list(const char* key, const std::string& what) {
         std::vector<Table> result;
-        if (const toml::value* value = find(key)) {
-            if (!value->is_array())
+        if (const toml::Value* value = find(key)) {
+            if (!value->isArray())
                 fail(*value, quoted(key) + " stands in double brackets: [[" + key + "]].");
-            for (const toml::value& entry : value->as_array())
+            for (const toml::Value& entry : value->array())
                 result.emplace_back(entry, file_, what);
         }
         return result;
     }
     std::optional<Table> table(const char* key) {
-        const toml::value* value = find(key);
+        const toml::Value* value = find(key);
         return value == nullptr ? std::nullopt : std::optional<Table>(Table(*value, file_, std::string("[") + key + "]"));
     }
     // Requires: every key that means something was asked for.
     void finish() const {
-        for (const auto& [key, value] : value_.as_table())
+        for (const auto& [key, value] : value_.table())
             if (asked_.count(key) == 0)
                 fail(value, quoted(key) + " means nothing in " + what_ + ".");
     }
@@ -125,7 +121,7 @@ private:
         return text.str();
     }
 
-    const toml::value& value_;
+    const toml::Value& value_;
     std::string file_;
     std::string what_;
     std::set<std::string> asked_;
@@ -178,11 +174,11 @@ StyleRule styleRule(Table& table) {
 }
 
 Scope runningOf(Table& table) {
-    const toml::value* value = table.find("running");
+    const toml::Value* value = table.find("running");
     if (value == nullptr)
         return Scope::None;
-    if (value->is_boolean())
-        return value->as_boolean() ? Scope::Report : Scope::None;
+    if (value->isFlag())
+        return value->flag() ? Scope::Report : Scope::None;
     return table.word(*value, "running", Words<Scope>{{"group", Scope::Group}, {"report", Scope::Report}});
 }
 
@@ -294,10 +290,10 @@ LabelDefinition label(Table& table, Table& root, PageDefinition& page) {
     table.read("height", label.height, 0.25, 17);
     table.read("gap_x", label.gapX, 0, 4);
     table.read("gap_y", label.gapY, 0, 4);
-    if (const toml::value* quantity = table.find("quantity")) {
+    if (const toml::Value* quantity = table.find("quantity")) {
         label.quantityLine = table.lineOfKey("quantity");
-        if (quantity->is_string())
-            label.quantityField = quantity->as_string().str;
+        if (quantity->isText())
+            label.quantityField = quantity->text();
         else
             table.read("quantity", label.quantity, 0, 10000);
     }
@@ -322,21 +318,21 @@ QueryDefinition query(Table& table) {
     if (trimmed(query.sql).empty())
         table.failHere("[query] wants its \"sql\".");
     query.line = table.lineOfText("sql");
-    if (const toml::value* kinds = table.find("parameters")) {
-        if (!kinds->is_array())
+    if (const toml::Value* kinds = table.find("parameters")) {
+        if (!kinds->isArray())
             table.fail(*kinds, "\"parameters\" must be a list of kinds.");
         query.parameters.clear();
-        for (const toml::value& kind : kinds->as_array())
+        for (const toml::Value& kind : kinds->array())
             query.parameters.push_back(table.word(kind, "parameters", kParameterKinds));
     }
     table.read("order", query.order);
-    if (const toml::value* sort = table.find("sort")) {
-        if (!sort->is_table())
+    if (const toml::Value* sort = table.find("sort")) {
+        if (!sort->isTable())
             table.fail(*sort, "\"sort\" must be a table of names.");
-        for (const auto& [name, expression] : sort->as_table()) {
-            if (!expression.is_string())
+        for (const auto& [name, expression] : sort->table()) {
+            if (!expression.isText())
                 table.fail(expression, "What to order by must be a text.");
-            query.sort[lowerCase(name)] = expression.as_string().str;
+            query.sort[lowerCase(name)] = expression.text();
         }
     }
     table.finish();
@@ -352,7 +348,7 @@ void readPage(Table& table, PageDefinition& page) {
     table.finish();
 }
 
-Definition definitionOf(const toml::value& root, const std::filesystem::path& file) {
+Definition definitionOf(const toml::Value& root, const std::filesystem::path& file) {
     Definition result;
     result.file = file;
     Table table(root, file.filename().string(), "a report");
@@ -411,13 +407,10 @@ Definition readDefinition(const std::filesystem::path& file) {
 }
 
 Definition parseDefinition(const std::string& text, const std::filesystem::path& file) {
-    std::istringstream stream(text);
     try {
-        return definitionOf(toml::parse(stream, file.filename().string()), file);
-    } catch (const toml::syntax_error& error) {
-        throw DefinitionError(file.filename().string(), static_cast<int>(error.location().line()), "This is not TOML here.");
-    } catch (const toml::exception& error) {
-        throw DefinitionError(file.filename().string(), static_cast<int>(error.location().line()), error.what());
+        return definitionOf(toml::parse(text), file);
+    } catch (const toml::Error& error) {
+        throw DefinitionError(file.filename().string(), error.line(), error.what());
     }
 }
 
