@@ -28,6 +28,19 @@ void writeRow(db::Connection& connection, const std::string& tag, const std::str
                                  row, none);
 }
 
+// A log that cannot be written at once is not waited for: whoever reads its failure has waited already.
+class Impatient : public db::Waiter {
+public:
+    explicit Impatient(db::Session& session) : session_(session) { session_.setWaiter(this); }
+    ~Impatient() override { session_.setWaiter(modMain().waiter.get()); }
+    Impatient(const Impatient&) = delete;
+    Impatient& operator=(const Impatient&) = delete;
+    bool goOn(std::chrono::milliseconds) override { return false; }
+
+private:
+    db::Session& session_;
+};
+
 } // namespace
 
 void ErrLog::Report(std::string& /*reserved1*/, std::string& tag, std::string& procedure, int& style, std::string& caption, int& number,
@@ -38,8 +51,11 @@ void ErrLog::Report(std::string& /*reserved1*/, std::string& tag, std::string& p
     if (!logToDatabase || connection == nullptr || connection->State() == 0)
         return;
     try {
+        const Impatient impatient(connection->session());
         writeRow(*connection, tag, procedure, number, description);
     } catch (const db::DbError& error) { // a store that takes no rows, as on a full disk
+        if (error.category() == db::DbError::Category::Busy)
+            return;
         desk_.message(std::string("The failure could not be kept in the error log: ") + error.what(), caption, icon);
     }
 }

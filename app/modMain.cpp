@@ -1,6 +1,8 @@
 #include "app/modMain.h"
 
+#include "app/db/embedded/filehead.h"
 #include "app/storefile.h"
+#include "base/errortext.h"
 #include "base/numbers.h"
 #include "base/platform/platform.h"
 #include "ui/desk.h"
@@ -14,6 +16,22 @@ constexpr long kConnectTimeoutSeconds = 60;
 std::int16_t registerNumber(const std::string& text) {
     const auto number = numberOf(text);
     return number ? toInt16(*number) : std::int16_t{1};
+}
+
+// The desk shows that a statement waits, and lets the user give up.
+class DeskWaiter : public db::Waiter {
+public:
+    explicit DeskWaiter(ui::Desk& desk) : desk_(desk) {}
+    bool goOn(std::chrono::milliseconds waited) override { return desk_.waitForStore(waited); }
+    void over() override { desk_.storeIsFree(); }
+
+private:
+    ui::Desk& desk_;
+};
+
+void tellNotice(ui::Desk& desk) {
+    if (const std::string notice = db::takeStoreNotice(); !notice.empty())
+        desk.message(notice, "Store", ui::MessageIcon::Information);
 }
 
 void openConn(ModMain& session) {
@@ -37,7 +55,7 @@ bool upgraded(ModMain& session) {
         session.desk->message("The store is up to date. The old one is kept as " + copy.string(), "Store", ui::MessageIcon::Information);
         return true;
     } catch (const std::exception& error) {
-        session.desk->message(std::string("The store could not be brought up to date and is as it was. ") + error.what(), "Store",
+        session.desk->message(std::string("The store could not be brought up to date and is as it was. ") + sentenceOf(error), "Store",
                               ui::MessageIcon::Stop);
         return false;
     }
@@ -58,6 +76,9 @@ void offerConfigurator(ModMain& session) {
 void startUp(ModMain& session) {
     if (session.provider == nullptr)
         session.provider = std::make_unique<db::Provider>(&session.desk->clock());
+    if (session.waiter == nullptr)
+        session.waiter = std::make_unique<DeskWaiter>(*session.desk);
+    session.provider->waiter = session.waiter.get();
     session.DataBroker = std::make_shared<DataBroker>(*session.provider);
     session.ErrLog = std::make_shared<ErrLog>(*session.desk);
     if (session.Configurator == nullptr) {
@@ -79,6 +100,7 @@ void startUp(ModMain& session) {
             break;
         offerConfigurator(session);
     }
+    tellNotice(*session.desk);
     session.Configurator->SetCurrentConfiguration(session.CurrentDB);
 }
 

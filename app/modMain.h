@@ -36,6 +36,8 @@ struct ModMain {
 
     db::RecordsetPtr ReportRS; // of the report being shown
 
+    std::unique_ptr<db::Waiter> waiter; // asks the desk while a statement waits for another program
+
     // Called with each report file that is run and its numbered parameters. For scripts that look on.
     std::function<void(const std::string& file, const std::vector<std::string>& parameters)> reportOpened;
 

@@ -2,7 +2,11 @@
 
 #include "app/db/embedded/filecopy.h"
 #include "app/db/embedded/store.h"
+#include "app/db/embedded/storedtexts.h"
 #include "app/db/schema/schema.h"
+#include "base/text.h"
+
+#include <set>
 
 namespace merchantry::app {
 namespace {
@@ -13,10 +17,58 @@ using db::DbError;
     throw DbError(DbError::Category::Storage, 0, sentence);
 }
 
-void removeStore(const std::filesystem::path& file) {
-    std::error_code ignored;
-    for (const char* ending : {"", "-wal", "-shm", "-journal"})
-        std::filesystem::remove(file.string() + ending, ignored);
+// The name of the copy that an upgrade leaves: an older copy, which is whole, stays.
+std::filesystem::path copyName(const std::filesystem::path& file, int version) {
+    const std::string name = file.string() + ".v" + std::to_string(version);
+    std::filesystem::path copy = name + ".bak";
+    for (int number = 2; std::filesystem::exists(copy); ++number)
+        copy = name + "." + std::to_string(number) + ".bak";
+    return copy;
+}
+
+// The program's own text of a procedure, trigger or view; null for one that is not the program's.
+const db::SchemaFile* ownFile(const db::StoredText& stored) {
+    const std::string name = stored.kind + "s/" + stored.name + ".sql";
+    for (const db::SchemaFile& file : db::schemaFiles())
+        if (sameText(file.name, name))
+            return &file;
+    return nullptr;
+}
+
+// A text as the store keeps it: without the comment above it and the blank lines around it.
+std::string_view withoutComment(std::string_view text) {
+    while (text.starts_with("--") || text.starts_with("\n"))
+        text.remove_prefix(std::min(text.find('\n') + 1, text.size()));
+    return text.substr(0, text.find_last_not_of(" \r\n") + 1);
+}
+
+std::vector<std::string> damagedTexts(const std::vector<db::StoredText>& stored) {
+    std::vector<std::string> found;
+    for (const db::StoredText& one : stored)
+        if (!one.damage.empty())
+            found.push_back("The text of the " + one.kind + " " + one.name + " in the store is damaged: " + one.damage);
+    return found;
+}
+
+// What the store has otherwise than this program made it.
+std::vector<std::string> changedTexts(const std::vector<db::StoredText>& stored) {
+    std::vector<std::string> found;
+    std::set<std::string_view> seen;
+    for (const db::StoredText& one : stored) {
+        const db::SchemaFile* own = one.kind == "table" ? nullptr : ownFile(one);
+        if (own == nullptr)
+            continue;
+        seen.insert(own->name);
+        if (withoutComment(own->text) != withoutComment(one.text))
+            found.push_back("The " + one.kind + " " + one.name + " is not as this program made it: it was changed or is damaged.");
+    }
+    for (const db::SchemaFile& file : db::schemaFiles()) {
+        const bool module = file.name.starts_with("procedures/") || file.name.starts_with("triggers/") || file.name.starts_with("views/");
+        if (module && seen.count(file.name) == 0)
+            found.push_back("The store lacks " +
+                            std::string(file.name.substr(file.name.find('/') + 1, file.name.rfind('.') - file.name.find('/') - 1)) + ".");
+    }
+    return found;
 }
 
 // A store takes a backup in one transaction. What cannot be opened is not overwritten, since it may hold what can still be saved.
@@ -31,29 +83,30 @@ void requireReplaceable(const std::filesystem::path& file) {
 } // namespace
 
 void createStoreFile(const std::filesystem::path& file, const StoreFiller& filler, const std::function<void(int percent)>& progress) {
-    if (std::filesystem::exists(file))
-        refuse("There is a file " + file.string() + " already. Choose another name; nothing was changed.");
-    try {
-        const auto store = db::Store::create(file);
-        const auto session = store->session();
+    db::NewStoreFile made(file);
+    {
+        const auto session = db::Store::create(made.path())->session();
         db::createSchema(*session);
         if (filler)
             filler(*session, progress);
-    } catch (...) {
-        removeStore(file);
-        throw;
     }
+    made.finish();
 }
 
 std::vector<std::string> checkStoreFile(const std::filesystem::path& file) {
-    if (!std::filesystem::exists(file))
-        refuse("There is no file " + file.string() + ".");
     std::vector<std::string> found = db::damageOf(file);
     if (!found.empty())
         return found;
+    const std::vector<db::StoredText> texts = db::storedTexts(file);
+    if (found = damagedTexts(texts); !found.empty())
+        return found;
     const auto session = db::Store::open(file)->session();
     db::refuseNewerSchema(*session);
-    return db::brokenInvariants(*session);
+    if (db::schemaVersion(*session) == db::kSchemaVersion)
+        found = changedTexts(texts);
+    for (std::string& broken : db::brokenInvariants(*session))
+        found.push_back(std::move(broken));
+    return found;
 }
 
 bool isOlderStore(const std::filesystem::path& file) {
@@ -76,37 +129,26 @@ std::filesystem::path upgradeStoreFile(const std::filesystem::path& file, std::s
         return {};
     if (version == 0 || version > goal)
         db::checkSchemaVersion(*session);
-    const std::filesystem::path copy = file.string() + ".v" + std::to_string(version) + ".bak";
+    const std::filesystem::path copy = copyName(file, version);
     backupStoreFile(file, copy);
     db::upgradeSchema(*session, steps);
     return copy;
 }
 
 void backupStoreFile(const std::filesystem::path& file, const std::filesystem::path& target) {
-    if (std::filesystem::exists(target))
-        refuse("There is a file " + target.string() + " already. Choose another name; nothing was changed.");
     db::Store::open(file);
-    try {
-        db::copyStore(file, target);
-    } catch (...) {
-        removeStore(target);
-        throw;
-    }
+    db::NewStoreFile made(target);
+    db::copyStore(file, made.path());
+    made.finish();
 }
 
 void restoreStoreFile(const std::filesystem::path& backup, const std::filesystem::path& file) {
     if (const auto damage = checkStoreFile(backup); !damage.empty())
         refuse("The backup " + backup.string() + " is damaged and was not used: " + damage.front());
-    const bool overwrites = std::filesystem::exists(file);
-    if (overwrites)
-        requireReplaceable(file);
-    try {
-        db::copyStore(backup, file);
-    } catch (...) {
-        if (!overwrites)
-            removeStore(file);
-        throw;
-    }
+    if (!std::filesystem::exists(file))
+        return backupStoreFile(backup, file);
+    requireReplaceable(file);
+    db::copyStore(backup, file);
 }
 
 } // namespace merchantry::app

@@ -144,6 +144,11 @@ const TextMeasure& Desk::textMeasure() const {
     return letters;
 }
 
+bool Desk::waitForStore(std::chrono::milliseconds waited) {
+    constexpr std::chrono::seconds kLongest{20};
+    return waited < kLongest;
+}
+
 std::filesystem::path Desk::programFolder() const {
     return platform::programFolder();
 }

@@ -2,6 +2,7 @@
 
 #include "base/clock.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -116,6 +117,10 @@ public:
     virtual void beep() = 0;
     // Nested: as many off as on.
     virtual void waitCursor(bool on) = 0;
+    // Asked again and again, with how long it has lasted, while a statement waits for another program that is saving to the store. Nothing
+    // of a screen runs meanwhile. False when the user, or the desk where there is none, gives up.
+    virtual bool waitForStore(std::chrono::milliseconds waited);
+    virtual void storeIsFree() {} // the end of it
     // Lets the window paint and take what waits; procedures of screens may run meanwhile.
     virtual void yield() = 0;
     // Opens a page of the web or a file of help in the browser; `topic` is shown as it is written.

@@ -1,5 +1,6 @@
 #include "ui/gridexport.h"
 
+#include "base/errortext.h"
 #include "base/numbers.h"
 #include "base/platform/platform.h"
 #include "base/text.h"
@@ -69,7 +70,7 @@ void exportTo(Grid& grid, const Kind& kind) {
         writer->finish();
         desk.status("Wrote " + withThousands(grid.dataRows()) + " rows to " + target->string() + ".");
     } catch (const std::exception& error) {
-        desk.message("The file " + target->string() + " could not be written; nothing was changed. " + error.what(), kind.title,
+        desk.message("The file " + target->string() + " could not be written; nothing was changed. " + sentenceOf(error), kind.title,
                      MessageIcon::Exclamation);
     }
 }

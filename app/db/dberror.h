@@ -27,6 +27,8 @@ public:
         : std::runtime_error(message), category_(category), native_(native), line_(line) {}
 
     Category category() const { return category_; }
+    // The disk, the file or another program is to blame, not what was asked for.
+    bool isOfTheStore() const { return category_ == Category::Storage || category_ == Category::Busy; }
     // The server's own number (2627, 547, 102, ...); 0 when the error is not the server's.
     int native() const { return native_; }
     // What ADO reports: kIntegrityError, kSyntaxError, kConflict or kGeneralError.

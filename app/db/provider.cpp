@@ -7,7 +7,16 @@ namespace merchantry::db {
 
 std::map<std::string, std::string> connectionParts(const std::string& connectionString) {
     std::map<std::string, std::string> parts;
-    for (const std::string& piece : split(connectionString, ";")) {
+    std::string rest = connectionString;
+    constexpr std::string_view kSource = "; Data Source=";
+    const std::size_t catalogue = rest.rfind("; Initial Catalog=");
+    const std::size_t source = catalogue == std::string::npos ? catalogue : rest.rfind(kSource, catalogue);
+    if (source != std::string::npos) {
+        const std::size_t path = source + kSource.size();
+        parts["data source"] = std::string(trimmed(rest.substr(path, catalogue - path)));
+        rest.erase(source, catalogue - source);
+    }
+    for (const std::string& piece : split(rest, ";")) {
         const std::size_t sign = piece.find('=');
         if (sign != std::string::npos)
             parts[lowerCase(trimmed(piece.substr(0, sign)))] = std::string(trimmed(piece.substr(sign + 1)));
@@ -26,6 +35,7 @@ std::unique_ptr<Session> Provider::open(const std::string& connectionString) {
                           "\" is not the path of a store file. Stores on a server cannot be opened by this version yet.");
     auto session = Store::open(source->second)->session();
     session->setClock(clock_);
+    session->setWaiter(waiter);
     return session;
 }
 

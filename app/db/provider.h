@@ -9,7 +9,8 @@
 
 namespace merchantry::db {
 
-// The parts of a connection string "Key=value; Key=value", keys without case.
+// The parts of a connection string "Key=value; Key=value", keys without case. A data source that the catalogue follows is taken whole: the
+// path of a store may hold a semicolon.
 std::map<std::string, std::string> connectionParts(const std::string& connectionString);
 
 // Opens sessions by connection string: a data source that is a path is a store file, run in this process; anything else names a server.
@@ -21,6 +22,8 @@ public:
     // Throws DbError (category Storage) with a sentence for the user when the store cannot be opened.
     std::unique_ptr<Session> open(const std::string& connectionString);
 
+    // Who is asked while a statement of the application waits for another program; null for nobody.
+    Waiter* waiter = nullptr;
     // Called with each statement that the application sends, before it runs. For scripts that look on.
     std::function<void(const std::string& statement)> statementSent;
 

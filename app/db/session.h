@@ -5,6 +5,7 @@
 #include "base/clock.h"
 #include "base/value.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -60,6 +61,18 @@ class NoResult : public ResultSink {
 public:
     void beginSet(const std::vector<Column>&) override {}
     void row(const RowView&) override {}
+};
+
+// Who is told, in the session's own thread, that a statement waits for another program which is saving to the store. It must not use the
+// session.
+class Waiter {
+public:
+    virtual ~Waiter() = default;
+    // Asked again and again with how long that has lasted. False gives up: the statement fails with Category::Busy, and nothing of it was
+    // done.
+    virtual bool goOn(std::chrono::milliseconds waited) = 0;
+    // The statement runs, or has failed.
+    virtual void over() {}
 };
 
 struct Parameter {
@@ -118,6 +131,10 @@ public:
     // From here on every change is refused with error 3906, also in what is called, temporary tables included. The session's end takes it
     // back.
     virtual void setReadOnly(bool readOnly) = 0;
+
+    // Who is asked while a statement waits, owned by the caller; without one (null) it gives up after twenty seconds. The session's end
+    // takes it back.
+    virtual void setWaiter(Waiter* waiter) = 0;
 
     // The clock that GETDATE() reads. The caller owns it; null means the system's.
     virtual void setClock(const Clock* clock) = 0;

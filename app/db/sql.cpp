@@ -97,6 +97,14 @@ Sql& Sql::add(const std::string& value) {
     return *this;
 }
 
+Sql& Sql::add(const Secret& secret) {
+    const bool good = badNumber_ == 0;
+    add(secret.value);
+    if (good && badNumber_ != 0)
+        badNear_ = "…";
+    return *this;
+}
+
 Sql& Sql::add(std::int64_t number) {
     text_ += std::to_string(number);
     return *this;

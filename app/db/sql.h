@@ -10,6 +10,11 @@
 
 namespace merchantry::db {
 
+// A value that no message may show, such as a password.
+struct Secret {
+    std::string value;
+};
+
 // A statement as it is joined from texts and values: literals of the program stand as they are, a std::string is a value. The joined text
 // is exactly what joining gives, nothing is escaped; but a value cannot become a piece of the statement: one that would end its quotes, or
 // one outside quotes that is more than a single token, makes check() throw the server's own syntax error (102 or 105) before anything is
@@ -26,6 +31,8 @@ public:
     template <std::size_t N> Sql& add(const char (&literal)[N]) { return addLiteral({literal, N - 1}); }
     template <std::size_t N> Sql& add(char (&notALiteral)[N]) = delete;
     Sql& add(const std::string& value);
+    // As the text itself; an error that check() throws for it does not tell it.
+    Sql& add(const Secret& secret);
     Sql& add(std::int64_t number);
     Sql& add(int number) { return add(static_cast<std::int64_t>(number)); }
     // In shortest decimal form.

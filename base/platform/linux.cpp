@@ -1,6 +1,7 @@
 #include "base/platform/platform.h"
 
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
@@ -82,6 +83,35 @@ void replaceFile(const std::filesystem::path& target, const std::string& text, b
         failed("cannot write", beside);
     }
     std::filesystem::rename(beside, target);
+}
+
+void createPrivateFile(const std::filesystem::path& file) {
+    const int made = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (made < 0)
+        failed("cannot make the file", file);
+    close(made);
+}
+
+void restrictLike(const std::filesystem::path& file, const std::filesystem::path& original) {
+    struct stat now {};
+    if (stat(original.c_str(), &now) != 0 || chmod(file.c_str(), now.st_mode & (S_IRUSR | S_IWUSR)) != 0)
+        failed("cannot restrict the file", file);
+}
+
+void moveToNewName(const std::filesystem::path& file, const std::filesystem::path& name) {
+    if (renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(), RENAME_NOREPLACE) != 0)
+        failed("cannot give the file its name", name);
+    const std::filesystem::path folder = name.has_parent_path() ? name.parent_path() : ".";
+    const int held = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (held < 0)
+        return; // a folder that may not be read; the name is written with the next sync
+    fsync(held);
+    close(held);
+}
+
+bool mayWrite(const std::filesystem::path& file) {
+    const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
+    return access(file.c_str(), W_OK) == 0 && access(folder.c_str(), W_OK) == 0;
 }
 
 } // namespace merchantry::platform

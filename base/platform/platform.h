@@ -19,4 +19,14 @@ std::filesystem::path programFolder();
 // when ownerOnly. Throws std::filesystem::filesystem_error; the old file is whole in that case.
 void replaceFile(const std::filesystem::path& target, const std::string& text, bool ownerOnly);
 
+// Makes an empty file that only its owner may read and write. Throws std::filesystem::filesystem_error, also when there is one already.
+void createPrivateFile(const std::filesystem::path& file);
+// Takes from the group and the others what they may do with the file, and from its owner what the owner of the original may not.
+void restrictLike(const std::filesystem::path& file, const std::filesystem::path& original);
+// Gives a file that stands complete on the disk its name in the same folder, for good when this returns. Throws
+// std::filesystem::filesystem_error, also when there is a file of that name: nothing is overwritten.
+void moveToNewName(const std::filesystem::path& file, const std::filesystem::path& name);
+// Whether this user may write the file and in its folder.
+bool mayWrite(const std::filesystem::path& file);
+
 } // namespace merchantry::platform

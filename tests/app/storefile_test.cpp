@@ -47,6 +47,67 @@ TEST_F(StoreFiles, AreMadeWholeOrNotAtAll) {
     EXPECT_FALSE(std::filesystem::exists(broken));
 }
 
+TEST_F(StoreFiles, BelongToWhoMadeThemAndACopyHasNeverMoreThanItsOriginal) {
+    using std::filesystem::perms;
+    const auto rights = [](const std::filesystem::path& path) { return std::filesystem::status(path).permissions(); };
+    makeStore();
+    EXPECT_EQ(rights(file), perms::owner_read | perms::owner_write);
+    std::filesystem::permissions(file, perms(0666));
+    backupStoreFile(file, folder / "copy.store");
+    EXPECT_EQ(rights(folder / "copy.store"), perms::owner_read | perms::owner_write);
+    std::filesystem::permissions(folder / "copy.store", perms::owner_read);
+    restoreStoreFile(folder / "copy.store", folder / "back.store");
+    EXPECT_EQ(rights(folder / "back.store"), perms::owner_read);
+}
+
+// What a killed program leaves of a store, a backup or an upgrade's copy.
+TEST_F(StoreFiles, HalfMadeOnesAreKnownAndReplaced) {
+    makeStore();
+    const auto half = [&](const char* name) {
+        const std::filesystem::path path = (folder / name).string() + ".making";
+        std::filesystem::copy_file(file, path);
+        std::ofstream(path.string() + "-journal") << "half";
+        EXPECT_NE(sentenceOf([&] { checkStoreFile(path); }).find("was never finished"), std::string::npos);
+        return path;
+    };
+    const auto store = half("new.store");
+    createStoreFile(folder / "new.store", {}, [](int) {});
+    const auto copy = half("copy.store");
+    backupStoreFile(file, folder / "copy.store");
+    for (const auto& path : {store, copy}) {
+        EXPECT_FALSE(std::filesystem::exists(path));
+        EXPECT_FALSE(std::filesystem::exists(path.string() + "-journal"));
+    }
+    EXPECT_TRUE(checkStoreFile(folder / "new.store").empty());
+    EXPECT_TRUE(checkStoreFile(folder / "copy.store").empty());
+    // An upgrade that was ended behind its copy makes another: the first may be the only one of the old store.
+    const int now = db::kSchemaVersion;
+    const std::array<db::UpgradeStep, 1> steps{db::UpgradeStep{now + 1, ""}};
+    std::ofstream(file.string() + ".v" + std::to_string(now) + ".bak") << "kept";
+    EXPECT_EQ(upgradeStoreFile(file, steps, now + 1), std::filesystem::path(file.string() + ".v" + std::to_string(now) + ".2.bak"));
+}
+
+TEST_F(StoreFiles, AreCheckedForChangedAndDamagedTexts) {
+    makeStore();
+    run(file, "ALTER PROCEDURE sp_GetPOID @PONumber int AS SELECT 0 AS POID");
+    run(file, "DROP VIEW PurchaseOrderList");
+    EXPECT_EQ(checkStoreFile(file),
+              (std::vector<std::string>{"The procedure sp_GetPOID is not as this program made it: it was changed or is damaged.",
+                                        "The store lacks PurchaseOrderList."}));
+    run(file, "CREATE PROCEDURE OfTheShop AS SELECT Name FROM StoreOptions");
+    std::string bytes;
+    {
+        std::ifstream stream(file, std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(stream), {});
+    }
+    const std::size_t at = bytes.find("OfTheShop AS SELECT");
+    ASSERT_NE(at, std::string::npos);
+    std::ofstream(file, std::ios::binary) << bytes.replace(at + 13, 6, "SE)ECT");
+    const auto found = checkStoreFile(file);
+    ASSERT_FALSE(found.empty());
+    EXPECT_NE(found.front().find("The text of the procedure OfTheShop in the store is damaged: "), std::string::npos) << found.front();
+}
+
 TEST_F(StoreFiles, CopiesAndRestoresAreComplete) {
     makeStore();
     run(file, "INSERT INTO Suppliers (Supplier) VALUES ('Acme')");
@@ -129,7 +190,7 @@ TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheTablesAndProceduresMadeSince) {
 TEST_F(StoreFiles, WhatIsNoStoreIsSaidToBeNone) {
     db::Store::create(file);
     EXPECT_NE(sentenceOf([&] { db::checkSchemaVersion(*db::Store::open(file)->session()); }).find("not a store"), std::string::npos);
-    EXPECT_NE(sentenceOf([&] { checkStoreFile(folder / "none.store"); }).find("no file"), std::string::npos);
+    EXPECT_NE(sentenceOf([&] { checkStoreFile(folder / "none.store"); }).find("no store file"), std::string::npos);
 }
 
 } // namespace

@@ -61,5 +61,17 @@ TEST(Sql, KeepsAFaultThroughFurtherJoining) {
     EXPECT_EQ(errorOf(Sql("SELECT 1 WHERE a = '") + (Sql("") + bad) + "'"), 102);
 }
 
+TEST(Sql, TellsNoSecret) {
+    for (const char* secret : {"PASSWORD1'", "x' PASSWORD1", "PASSWORD1' --"}) {
+        try {
+            (Sql("SELECT 1 WHERE a = '") + Secret{secret} + "' AND b = '" + std::string("c'd") + "'").check();
+            ADD_FAILURE() << secret;
+        } catch (const DbError& error) {
+            EXPECT_EQ(std::string(error.what()).find("PASSWORD1"), std::string::npos) << error.what();
+        }
+    }
+    EXPECT_EQ((Sql("a = '") + Secret{"plain"} + "'").text(), "a = 'plain'");
+}
+
 } // namespace
 } // namespace merchantry::db

@@ -12,6 +12,7 @@
 #include <functional>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -69,7 +70,8 @@ TEST(FullDisk, RefusesTheChangeAndKeepsTheStore) {
         return fillUp(file);
     });
     EXPECT_THAT(said, HasSubstr("The store " + file.string() + " cannot be read or written"));
-    EXPECT_THAT(said, HasSubstr("This change was not saved; the disk may be full or failing. Departments: 1"));
+    EXPECT_THAT(
+        said, HasSubstr("This change may not have been saved; look before you repeat it. The disk may be full or failing. Departments: 1"));
     EXPECT_TRUE(app::checkStoreFile(file).empty());
 }
 
@@ -86,7 +88,7 @@ TEST(FullDisk, LeavesNoHalfCopyAndNoHalfStore) {
     };
     EXPECT_THAT(limited([&] { app::backupStoreFile(file, folder / "copy.store"); }), HasSubstr("The disk may be full or failing."));
     EXPECT_THAT(limited([&] { app::restoreStoreFile(file, folder / "back.store"); }), HasSubstr("The disk may be full or failing."));
-    EXPECT_THAT(limited([&] { folder.emptyStore("new.store"); }), HasSubstr("the disk may be full or failing"));
+    EXPECT_THAT(limited([&] { folder.emptyStore("new.store"); }), HasSubstr("he disk may be full or failing"));
     for (const char* name : {"copy.store", "back.store", "new.store"})
         EXPECT_FALSE(std::filesystem::exists(folder / name)) << name;
     EXPECT_TRUE(app::checkStoreFile(file).empty());
@@ -109,7 +111,7 @@ TEST(FullDisk, ThatIsReallyFullSaysSo) {
     if (said == "no disk")
         GTEST_SKIP() << "this user may not mount a file system";
     EXPECT_THAT(said, HasSubstr("The disk of the store " + (disk / "full.store").string() +
-                                " is full. This change was not saved; make room and try again. Departments: 1"));
+                                " is full. This change was not saved. Make room and try again. Departments: 1"));
     EXPECT_THAT(said, HasSubstr("Copy: The disk is full: "));
     EXPECT_THAT(said, HasSubstr("Sound."));
 }
@@ -138,8 +140,41 @@ TEST(ReadOnly, FoldersAndFilesSaySo) {
     std::filesystem::permissions(folder / "", std::filesystem::perms(0700));
     EXPECT_THAT(asNobody(write), HasSubstr("The store " + file.string() + " cannot be reached: "));
     std::filesystem::permissions(folder / "", std::filesystem::perms(0755));
-    EXPECT_THAT(asNobody([&] { folder.emptyStore("new.store"); }), HasSubstr("cannot be opened: "));
+    EXPECT_THAT(asNobody([&] { folder.emptyStore("new.store"); }), HasSubstr("cannot be made: "));
     EXPECT_TRUE(app::checkStoreFile(file).empty());
+}
+
+// A store on a read-only medium can still be checked, reported on and copied.
+TEST(ReadOnly, StoresCanBeCheckedReadAndCopied) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "needs to give up rights";
+    const ShopFolder folder;
+    const auto file = folder.emptyStore("archive.store");
+    std::filesystem::permissions(file, std::filesystem::perms(0444));
+    std::filesystem::permissions(folder / "", std::filesystem::perms(0755));
+    const auto own = folder / "own";
+    std::filesystem::create_directory(own);
+    ASSERT_EQ(chown(own.c_str(), kNobody, kNobody), 0);
+    const std::string said = inChild([&]() -> std::string {
+        if (setuid(kNobody) != 0)
+            return "no rights given up";
+        std::string all;
+        for (const std::string& fault : app::checkStoreFile(file))
+            all += fault;
+        all += registersim::query(*db::Store::open(file)->session(), "SELECT COUNT(*) FROM Departments").at(0).at(0).toText();
+        app::backupStoreFile(file, own / "copy.store");
+        return all + (app::checkStoreFile(own / "copy.store").empty() ? " copied" : " damaged");
+    });
+    EXPECT_EQ(said, "1 copied");
+    EXPECT_FALSE(std::filesystem::exists(file.string() + "-wal"));
+}
+
+TEST(NoRegularFile, IsRefusedAtOnce) {
+    const ShopFolder folder;
+    const auto pipe = folder / "pipe.store";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const auto& path : {pipe, folder / ""})
+        EXPECT_THAT(saidBy([&] { app::checkStoreFile(path); }), HasSubstr("is no file: a store is a regular file."));
 }
 
 } // namespace

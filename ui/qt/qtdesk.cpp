@@ -6,6 +6,7 @@
 #include "ui/qt/formwindow.h"
 #include "ui/qt/memory.h"
 #include "ui/qt/texts.h"
+#include "ui/qt/waitbox.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -49,7 +50,7 @@ int QtDesk::run(const std::function<void()>& start) {
 }
 
 bool QtDesk::enter(const std::function<void()>& procedure) noexcept {
-    if (ending())
+    if (ending() || waitBox_ != nullptr) // a screen that waits for the store does nothing else
         return false;
     ++depth_;
     try {
@@ -210,6 +211,16 @@ void QtDesk::waitCursor(bool on) {
         --waits_;
         QApplication::restoreOverrideCursor();
     }
+}
+
+bool QtDesk::waitForStore(std::chrono::milliseconds waited) {
+    if (waitBox_ == nullptr)
+        waitBox_ = std::make_unique<WaitBox>();
+    return waitBox_->goOn(waited, owner(nullptr));
+}
+
+void QtDesk::storeIsFree() {
+    waitBox_.reset();
 }
 
 void QtDesk::yield() {

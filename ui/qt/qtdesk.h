@@ -20,6 +20,7 @@ class QWidget;
 namespace merchantry::ui {
 
 class FormWindow;
+class WaitBox;
 
 // The desktop: draws forms as windows and asks the user. One stands for the whole life of a program, made after the QApplication and
 // gone before it. It owns the windows; forms belong to the desk as always.
@@ -58,6 +59,8 @@ public:
     std::optional<std::filesystem::path> file(const FileDialog& dialog) override;
     void beep() override;
     void waitCursor(bool on) override;
+    bool waitForStore(std::chrono::milliseconds waited) override;
+    void storeIsFree() override;
     void yield() override;
     void browse(const std::string& topic) override;
     void copyText(const std::string& text) override;
@@ -110,6 +113,7 @@ private:
     int base_ = 0;                              // 1 while the loop of run() is the outermost: its own procedure and loop hold no form
     bool sweeping_ = false;
     int waits_ = 0;
+    std::unique_ptr<WaitBox> waitBox_; // while a statement waits
     int loopsRun_ = 0;
 };
 

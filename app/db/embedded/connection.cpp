@@ -1,7 +1,9 @@
 #include "app/db/embedded/connection.h"
 
 #include "app/db/tsql/errors.h"
+#include "base/platform/platform.h"
 
+#include <cctype>
 #include <random>
 #include <thread>
 
@@ -51,6 +53,20 @@ DbError constraintError(int extended, const std::string& message) {
     }
 }
 
+// The address of a file that is read without its locks and its log.
+std::string asItStands(const std::filesystem::path& file) {
+    std::string address = "file:";
+    for (const char c : std::filesystem::absolute(file).string()) {
+        constexpr const char* kDigits = "0123456789ABCDEF";
+        const auto byte = static_cast<unsigned char>(c);
+        if (std::isalnum(byte) != 0 || c == '/' || c == '.' || c == '-' || c == '_')
+            address += c;
+        else
+            address += std::string("%") + kDigits[byte / 16] + kDigits[byte % 16];
+    }
+    return address + "?immutable=1";
+}
+
 } // namespace
 
 // Another connection holds the lock of the writer. The lock goes to whoever asks first when it is free, so that those who ask ever more
@@ -60,12 +76,20 @@ int Connection::waitForTurn(void* connection, int asked) {
     const auto now = std::chrono::steady_clock::now();
     if (asked == 0)
         self.waitingSince_ = now;
-    if (now - self.waitingSince_ > kLongestWait)
+    const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(now - self.waitingSince_);
+    self.waiting_ = self.waiter != nullptr;
+    if (self.waiter != nullptr ? !self.waiter->goOn(waited) : waited > kLongestWait)
         return 0;
     thread_local std::minstd_rand chance{std::random_device()()};
     const int pause = std::uniform_int_distribution<int>(kShortestPauseUs, kLongestPauseUs)(chance);
     std::this_thread::sleep_for(std::chrono::microseconds(pause));
     return 1;
+}
+
+void Connection::waitIsOver() {
+    waiting_ = false;
+    if (waiter != nullptr)
+        waiter->over();
 }
 
 Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
@@ -78,42 +102,78 @@ Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
         message.find("too many") != std::string::npos)
         throw tsql::syntaxError(
             191, "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.", 0);
-    throw storageError(message + " in: " + std::string(sql.substr(0, 2000)), code);
+    throw storageError(message, code);
 }
 
 Connection::Connection(const std::filesystem::path& file, bool durable) : file_(file) {
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-    const std::u8string name = file.u8string();
-    const int code = sqlite3_open_v2(reinterpret_cast<const char*>(name.c_str()), &db_, flags, nullptr);
+    openFile(file.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    try {
+        setUp(durable);
+    } catch (const DbError&) {
+        sqlite3_close(db_);
+        db_ = nullptr;
+        if (!standsStill())
+            throw;
+        openFile(asItStands(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    }
+}
+
+// Nothing is written to a file that this user may only read; without a log beside it nobody else is at work on it, either.
+bool Connection::standsStill() const {
+    return !platform::mayWrite(file_) && !std::filesystem::exists(file_.string() + "-wal");
+}
+
+void Connection::openFile(const std::string& name, int flags) {
+    const int code = sqlite3_open_v2(name.c_str(), &db_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     if (code != SQLITE_OK) {
         const std::string message = db_ ? sqlite3_errmsg(db_) : "out of memory";
         sqlite3_close(db_);
-        throw storageError("The store file " + file.string() + " cannot be opened: " + message + ".", code);
+        db_ = nullptr;
+        throw storageError("The store file " + file_.string() + " cannot be opened: " + message + ".", code);
     }
     sqlite3_busy_handler(db_, &Connection::waitForTurn, this);
     // A name in double quotes is a name: never a text, should the column be gone.
     sqlite3_db_config(db_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     // SQLite's Bloom filters go by the length of a text, but texts of the store that differ in trailing blanks only are equal.
     sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, db_, kBloomFilters);
-    try {
-        run("PRAGMA journal_mode=WAL");
-        run(durable ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=OFF");
-        run("PRAGMA foreign_keys=ON");
-        run("PRAGMA temp_store=MEMORY");
-        run("PRAGMA recursive_triggers=OFF");
-        run("PRAGMA cache_size=-" + std::to_string(kStatementCacheBytes));
-    } catch (...) {
-        sqlite3_close(db_);
-        throw;
+}
+
+// SQLite asks nobody to wait for the log, since two who take it at once would wait for each other.
+void Connection::takeLog() {
+    int code = SQLITE_BUSY;
+    for (int asked = 0; (code & 0xFF) == SQLITE_BUSY; ++asked) {
+        code = sqlite3_exec(db_, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
+        if ((code & 0xFF) == SQLITE_BUSY && waitForTurn(this, asked) == 0)
+            break;
     }
+    if (code != SQLITE_OK)
+        throw errorOf(code);
+    hasLog_ = true;
+}
+
+void Connection::setUp(bool durable) {
+    run(durable ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=OFF");
+    run("PRAGMA foreign_keys=ON");
+    run("PRAGMA temp_store=MEMORY");
+    run("PRAGMA recursive_triggers=OFF");
+    run("PRAGMA cache_size=-" + std::to_string(kStatementCacheBytes));
 }
 
 Connection::~Connection() {
     sqlite3_close_v2(db_);
 }
 
+void Connection::putToRest() {
+    if (!hasLog_)
+        return;
+    sqlite3_busy_timeout(db_, 0);
+    sqlite3_exec(db_, "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr); // refused while others are at work, who will do it
+}
+
 void Connection::run(const char* sql) {
     const int code = sqlite3_exec(db_, sql, nullptr, nullptr, nullptr);
+    if (waiting_)
+        waitIsOver();
     if (code != SQLITE_OK)
         throw errorOf(code);
 }
@@ -132,14 +192,28 @@ tsql::Cell Connection::single(const std::string& sql) {
 
 bool Connection::step(sqlite3_stmt* statement) {
     const int code = sqlite3_step(statement);
+    if (waiting_)
+        waitIsOver();
     if (code == SQLITE_ROW)
         return true;
     if (code == SQLITE_DONE)
         return false;
-    throw errorOf(code);
+    throw errorOf(code, statement);
 }
 
-DbError Connection::errorOf(int code) {
+// What can be said for certain after a statement could not be carried out by the disk: while a transaction is being committed, its last
+// page may have reached the disk or not.
+std::string Connection::consequence(sqlite3_stmt* statement) const {
+    if (statement == nullptr)
+        return " This change was not saved.";
+    const std::string_view text = sqlite3_sql(statement);
+    const bool commits = text.starts_with("COMMIT") || (sqlite3_stmt_readonly(statement) == 0 && sqlite3_get_autocommit(db_) != 0);
+    if (commits)
+        return " This change may not have been saved; look before you repeat it.";
+    return sqlite3_stmt_readonly(statement) != 0 ? "" : " This change was not saved.";
+}
+
+DbError Connection::errorOf(int code, sqlite3_stmt* statement) {
     const std::string message = sqlite3_errmsg(db_);
     if (host && host->failure) {
         DbError failure = *host->failure;
@@ -151,12 +225,13 @@ DbError Connection::errorOf(int code) {
         return constraintError(sqlite3_extended_errcode(db_), message);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return DbError(DbError::Category::Busy, 1205, "The store is in use by another writer and stayed so. Run the transaction again.")
+        return DbError(DbError::Category::Busy, 1205,
+                       "Another program is saving to this store and has not finished. Nothing was changed here; try again in a moment.")
             .withSeverity(13, 1);
     case SQLITE_INTERRUPT:
         return DbError(DbError::Category::Cancelled, 0, "The statement was cancelled.");
     case SQLITE_FULL:
-        return storageError("The disk of the store " + file_.string() + " is full. This change was not saved; make room and try again.",
+        return storageError("The disk of the store " + file_.string() + " is full. This change was not saved. Make room and try again.",
                             1105);
     case SQLITE_READONLY:
         if (readOnly_)
@@ -174,8 +249,8 @@ DbError Connection::errorOf(int code) {
     case SQLITE_TOOBIG:
         return storageError("A value or statement is too large: " + message + ".", 0);
     default:
-        return storageError("The store " + file_.string() + " cannot be read or written (" + message +
-                                "). This change was not saved; the disk may be full or failing.",
+        return storageError("The store " + file_.string() + " cannot be read or written (" + message + ")." + consequence(statement) +
+                                " The disk may be full or failing.",
                             823);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "app/db/dberror.h"
 #include "app/db/embedded/functions.h"
+#include "app/db/session.h"
 #include "app/db/tsql/plan.h"
 
 #include <sqlite3.h>
@@ -53,7 +54,8 @@ private:
 // One open store file: the SQLite handle with the settings that all of them have.
 class Connection {
 public:
-    // Opens the file; throws DbError Storage when it cannot be opened or is no store of SQLite.
+    // Opens the file; throws DbError Storage when it cannot be opened or is no store of SQLite. One that this user may only read, in a
+    // folder where he may not write, is read as it stands.
     Connection(const std::filesystem::path& file, bool durable);
     ~Connection();
     Connection(const Connection&) = delete;
@@ -63,24 +65,43 @@ public:
     // Runs SQL without rows; throws what errorOf gives.
     void run(const char* sql);
     void run(const std::string& sql) { run(sql.c_str()); }
+    // A store at rest gets its write-ahead log from the first who writes: who only looks at it changes nothing. Called before each write.
+    void readyToWrite() {
+        if (!hasLog_)
+            takeLog();
+    }
+    // Takes the log into the file again and says in its head that there is none, if this connection has written and nobody else works on
+    // the file. Requires: no statement runs. The connection is of no use afterwards.
+    void putToRest();
     // Refuses every change with error 3906 until it is taken back.
     void setReadOnly(bool readOnly);
     // The first cell of the first row; null when there is none.
     tsql::Cell single(const std::string& sql);
     // Steps; true for a row, false at the end; throws what errorOf gives.
     bool step(sqlite3_stmt* statement);
-    // The error of the last call as the server's: busy, full, constraint, interrupted, and the failure of a function.
-    DbError errorOf(int code);
+    // The error of the last call as the server's: busy, full, constraint, interrupted, and the failure of a function. The statement tells
+    // what is certain to be lost by it; without one it is taken for a change.
+    DbError errorOf(int code, sqlite3_stmt* statement = nullptr);
 
     FunctionHost* host = nullptr;
+    // Asked while another connection writes; null for the twenty seconds that all wait.
+    Waiter* waiter = nullptr;
 
 private:
     static int waitForTurn(void* connection, int asked);
+    void waitIsOver();
+    void openFile(const std::string& name, int flags);
+    void setUp(bool durable);
+    void takeLog();
+    bool standsStill() const;
+    std::string consequence(sqlite3_stmt* statement) const;
 
     std::filesystem::path file_;
     sqlite3* db_ = nullptr;
     bool readOnly_ = false;
     std::chrono::steady_clock::time_point waitingSince_;
+    bool hasLog_ = false;
+    bool waiting_ = false; // somebody was asked whether to go on
 };
 
 } // namespace merchantry::db::embedded

@@ -70,6 +70,7 @@ void Engine::beforeWrite() {
     if (inWrite_)
         return;
     endRead();
+    connection_.readyToWrite();
     {
         const ResetGuard guard(beginWrite_.get());
         connection_.step(beginWrite_.get());

@@ -2,7 +2,8 @@
 
 #include "app/db/dberror.h"
 #include "app/db/embedded/connection.h"
-#include "app/db/embedded/store.h"
+#include "app/db/embedded/filehead.h"
+#include "base/platform/platform.h"
 
 #include <memory>
 #include <sqlite3.h>
@@ -49,13 +50,13 @@ Handle openFile(const std::filesystem::path& file, int flags) {
     return handle;
 }
 
-} // namespace
+void run(const Handle& handle, const std::filesystem::path& file, const char* sql) {
+    if (const int result = sqlite3_exec(handle.get(), sql, nullptr, nullptr, nullptr); result != SQLITE_OK)
+        failed(file, result);
+}
 
-void copyStore(const std::filesystem::path& from, const std::filesystem::path& to) {
-    embedded::requireStoreFile(from);
-    const Handle source = openFile(from, SQLITE_OPEN_READONLY);
-    const Handle target = openFile(to, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    sqlite3_backup* backup = sqlite3_backup_init(target.get(), "main", source.get(), "main");
+void copyPages(sqlite3* source, const std::filesystem::path& from, const Handle& target, const std::filesystem::path& to) {
+    sqlite3_backup* backup = sqlite3_backup_init(target.get(), "main", source, "main");
     if (backup == nullptr)
         failed(to, sqlite3_errcode(target.get()));
     int result = SQLITE_BUSY;
@@ -69,9 +70,76 @@ void copyStore(const std::filesystem::path& from, const std::filesystem::path& t
     }
 }
 
+// Whether another program holds the file open.
+bool isHeld(const std::filesystem::path& file) {
+    const Handle handle = openFile(file, SQLITE_OPEN_READWRITE);
+    sqlite3_busy_timeout(handle.get(), 0);
+    const char* const kTakeAll = "PRAGMA locking_mode=EXCLUSIVE; BEGIN EXCLUSIVE; SELECT COUNT(*) FROM sqlite_master; ROLLBACK";
+    const int result = sqlite3_exec(handle.get(), kTakeAll, nullptr, nullptr, nullptr) & 0xFF;
+    return result == SQLITE_BUSY || result == SQLITE_LOCKED;
+}
+
+void removeAll(const std::filesystem::path& file) {
+    std::error_code ignored;
+    for (const char* ending : {"", "-wal", "-shm", "-journal"})
+        std::filesystem::remove(file.string() + ending, ignored);
+}
+
+} // namespace
+
+void copyStore(const std::filesystem::path& from, const std::filesystem::path& to) {
+    embedded::requireStoreFile(from);
+    embedded::putForeignLogAside(from);
+    embedded::Connection source(from, true);
+    const bool isNew = !std::filesystem::exists(to);
+    try {
+        if (isNew)
+            platform::createPrivateFile(to);
+        const Handle target = openFile(to, SQLITE_OPEN_READWRITE);
+        copyPages(source.handle(), from, target, to);
+        if (isNew) {
+            run(target, to, "PRAGMA journal_mode=DELETE");
+            platform::restrictLike(to, from);
+        }
+        source.putToRest();
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw DbError(DbError::Category::Storage, 0,
+                      to.string() + " cannot be written (" + error.code().message() +
+                          "): its folder is not there, or this user may not write in it.");
+    }
+}
+
+NewStoreFile::NewStoreFile(std::filesystem::path name) : name_(std::move(name)), path_(embedded::nameInTheMaking(name_)) {
+    if (std::filesystem::exists(name_))
+        throw DbError(DbError::Category::Storage, 0,
+                      "There is a file " + name_.string() + " already. Choose another name; nothing was changed.");
+    if (std::filesystem::exists(path_) && isHeld(path_))
+        throw DbError(DbError::Category::Storage, 0, "Another program is making " + name_.string() + " now. Wait for it, then look again.");
+    removeAll(path_);
+}
+
+NewStoreFile::~NewStoreFile() {
+    if (!finished_)
+        removeAll(path_);
+}
+
+void NewStoreFile::finish() {
+    std::error_code error;
+    if (std::filesystem::file_size(path_.string() + "-wal", error) > 0 && !error)
+        throw DbError(DbError::Category::Storage, 0,
+                      name_.string() + " was not made: its last changes did not reach the disk, which may be full or failing.");
+    try {
+        platform::moveToNewName(path_, name_);
+    } catch (const std::filesystem::filesystem_error& problem) {
+        throw DbError(DbError::Category::Storage, 0, name_.string() + " was not made: " + problem.code().message() + ".");
+    }
+    finished_ = true;
+}
+
 std::vector<std::string> damageOf(const std::filesystem::path& file) {
     embedded::requireStoreFile(file);
-    const embedded::Connection connection(file, true);
+    embedded::putForeignLogAside(file);
+    embedded::Connection connection(file, true);
     embedded::registerCollations(connection.handle());
     std::vector<std::string> found;
     const auto take = [](void* list, int, char** cells, char**) {
@@ -86,6 +154,7 @@ std::vector<std::string> damageOf(const std::filesystem::path& file) {
         sqlite3_free(error);
         found.push_back(why);
     }
+    connection.putToRest();
     return found;
 }
 

@@ -7,10 +7,33 @@
 namespace merchantry::db {
 
 // Copies a store file as it stands at one moment, also while others write to it; the target becomes that copy as a whole or stays as it
-// was. Throws DbError (category Storage) with a sentence.
+// was. A new target is readable by its owner only, never more than the original, and keeps no write-ahead log beside it, so that one which
+// lies where it is put is known as another store's. Throws DbError (category Storage) with a sentence.
 void copyStore(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // What the file's own check finds damaged, a sentence each; empty for a sound file. Throws DbError when it cannot be read at all.
 std::vector<std::string> damageOf(const std::filesystem::path& file);
+
+// A store file in the making, beside the name that it will have: a program that is ended half-way leaves nothing that could be taken for a
+// store, and what it left is replaced at the next try. Whatever is not finished is removed with the object.
+class NewStoreFile {
+public:
+    // Throws DbError Storage with a sentence when there is a file of that name, or when another program is making it.
+    explicit NewStoreFile(std::filesystem::path name);
+    ~NewStoreFile();
+    NewStoreFile(const NewStoreFile&) = delete;
+    NewStoreFile& operator=(const NewStoreFile&) = delete;
+
+    // Where to make it; nothing is there yet.
+    const std::filesystem::path& path() const { return path_; }
+    // Gives it its name. Requires: it is complete and nobody holds it open. Throws DbError Storage when its last changes did not reach the
+    // disk.
+    void finish();
+
+private:
+    std::filesystem::path name_;
+    std::filesystem::path path_;
+    bool finished_ = false;
+};
 
 } // namespace merchantry::db

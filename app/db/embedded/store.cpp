@@ -1,19 +1,17 @@
 #include "app/db/embedded/store.h"
 
 #include "app/db/embedded/engine.h"
+#include "app/db/embedded/filehead.h"
 #include "app/db/embedded/store_catalog.h"
 #include "app/db/embedded/store_session.h"
+#include "base/platform/platform.h"
 
-#include <array>
 #include <atomic>
-#include <fstream>
 #include <map>
 #include <mutex>
 
 namespace merchantry::db::embedded {
 namespace {
-
-constexpr std::int64_t kApplicationId = 0x4D524331; // "MRC1"
 
 DbError storageError(const std::string& message) {
     return DbError(DbError::Category::Storage, 0, message).withSeverity(17, 1);
@@ -30,27 +28,22 @@ OpenStores& openStores() {
     return stores;
 }
 
-} // namespace
-
-void requireStoreFile(const std::filesystem::path& file) {
-    std::error_code error;
-    if (!std::filesystem::exists(file, error))
-        throw storageError(error ? "The store " + file.string() + " cannot be reached: " + error.message() + "."
-                                 : "There is no store file " + file.string() + ".");
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream)
-        throw storageError("The store " + file.string() + " may not be read by this user.");
-    // The words that every file of SQLite begins with, and behind them this program's mark, its highest byte first.
-    constexpr std::string_view kWords("SQLite format 3\0", 16);
-    constexpr std::size_t kMarkAt = 68;
-    std::array<char, kMarkAt + 4> head{};
-    stream.read(head.data(), head.size());
-    std::int64_t mark = 0;
-    for (std::size_t i = kMarkAt; i < head.size(); ++i)
-        mark = mark * 256 + static_cast<unsigned char>(head[i]);
-    if (std::string_view(head.data(), kWords.size()) != kWords || mark != kApplicationId)
-        throw storageError("The file " + file.string() + " is no Merchantry store, or its beginning is damaged. It was not changed.");
+// A store with nothing but the engine's own tables. Durable: it is there for good when this returns.
+void makeEmpty(const std::filesystem::path& file, bool durable) {
+    try {
+        platform::createPrivateFile(file);
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw storageError("The store " + file.string() + " cannot be made: " + error.code().message() + ".");
+    }
+    Connection connection(file, durable);
+    connection.readyToWrite();
+    connection.run("PRAGMA application_id=" + std::to_string(kApplicationId));
+    StoreCatalog::create(connection);
+    connection.run("PRAGMA user_version=1");
+    connection.putToRest();
 }
+
+} // namespace
 
 struct Store::State {
     std::filesystem::path file;
@@ -63,28 +56,38 @@ struct Store::State {
 Store::Store(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
 Store::~Store() {
-    state_->idle.clear();
-    if (!state_->scratch)
+    if (!state_->scratch) {
+        putToRest();
         return;
+    }
+    state_->idle.clear();
     std::error_code ignored;
     for (const char* suffix : {"", "-wal", "-shm"})
         std::filesystem::remove(state_->file.string() + suffix, ignored);
 }
 
+// The last one of this process leaves the file as the last of all should.
+void Store::putToRest() {
+    if (state_->idle.empty())
+        return;
+    state_->idle.erase(state_->idle.begin() + 1, state_->idle.end());
+    state_->idle.front()->connection().putToRest();
+    state_->idle.clear();
+}
+
 std::shared_ptr<Store> Store::create(const std::filesystem::path& file) {
     if (std::filesystem::exists(file))
         throw storageError("The file " + file.string() + " exists already.");
-    {
-        Connection connection(file, true);
-        connection.run("PRAGMA application_id=" + std::to_string(kApplicationId));
-        StoreCatalog::create(connection);
-        connection.run("PRAGMA user_version=1");
-    }
-    return open(file);
+    makeEmpty(file, true);
+    return heldOrOpened(file);
 }
 
 std::shared_ptr<Store> Store::open(const std::filesystem::path& file) {
     requireStoreFile(file);
+    return heldOrOpened(file);
+}
+
+std::shared_ptr<Store> Store::heldOrOpened(const std::filesystem::path& file) {
     const std::filesystem::path full = std::filesystem::canonical(file);
     OpenStores& stores = openStores();
     const std::lock_guard lock(stores.mutex);
@@ -92,7 +95,8 @@ std::shared_ptr<Store> Store::open(const std::filesystem::path& file) {
         return known;
     auto state = std::make_unique<State>();
     state->file = full;
-    const Connection trial(full, true);
+    putForeignLogAside(full);
+    state->idle.push_back(std::make_unique<Engine>(full, true, state->shared)); // says at once that the file cannot be used
     const std::shared_ptr<Store> store(new Store(std::move(state)));
     stores.byFile[full] = store;
     return store;
@@ -105,12 +109,7 @@ std::shared_ptr<Store> Store::scratch() {
     state->scratch = true;
     state->file =
         std::filesystem::temp_directory_path() / ("merchantry-" + std::to_string(seed) + "-" + std::to_string(++number) + ".store");
-    {
-        Connection connection(state->file, false);
-        connection.run("PRAGMA application_id=" + std::to_string(kApplicationId));
-        StoreCatalog::create(connection);
-        connection.run("PRAGMA user_version=1");
-    }
+    makeEmpty(state->file, false);
     return std::shared_ptr<Store>(new Store(std::move(state)));
 }
 

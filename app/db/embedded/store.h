@@ -10,17 +10,13 @@ namespace merchantry::db::embedded {
 
 class Engine;
 
-// Looks at the beginning of a file without opening it as a store, which would change it: throws DbError Storage with a clear sentence when
-// there is no such file, when it cannot be read, or when it is no store.
-void requireStoreFile(const std::filesystem::path& file);
-
 // A store in one file, and the sessions of this process on it. Sessions are pooled: one that is let go leaves its open connection and its
 // compiled statements to the next. Several processes may have the same file open. May be used from several threads; each session from one.
 // A session keeps its store alive.
 class Store : public std::enable_shared_from_this<Store> {
 public:
-    // Makes an empty store (no tables but the engine's own) in a new file. Throws DbError Storage when the file exists or cannot be
-    // written.
+    // Makes an empty store (no tables but the engine's own) in a new file that only this user may read. Throws DbError Storage when the
+    // file exists or cannot be written.
     static std::shared_ptr<Store> create(const std::filesystem::path& file);
     // Opens a store; the same file gives the same store while someone holds it. Throws DbError Storage with a clear sentence when there is
     // no such file, when it is no store, or when it cannot be opened. Which version its tables have is not looked at here.
@@ -42,6 +38,8 @@ public:
 private:
     struct State;
     explicit Store(std::unique_ptr<State> state);
+    static std::shared_ptr<Store> heldOrOpened(const std::filesystem::path& file);
+    void putToRest();
     std::unique_ptr<State> state_;
 };
 

@@ -5,6 +5,7 @@ namespace merchantry::db::embedded {
 StoreSession::~StoreSession() {
     try {
         engine_->reset();
+        engine_->connection().waiter = nullptr;
         store_->giveBack(std::move(engine_));
     } catch (...) { // an engine that cannot be put right is let go
         engine_.reset();

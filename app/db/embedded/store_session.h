@@ -27,6 +27,7 @@ public:
     Value lastIdentity() const override { return engine_->lastIdentity(); }
     void cancel() override { engine_->cancel(); }
     void setReadOnly(bool readOnly) override { engine_->setReadOnly(readOnly); }
+    void setWaiter(Waiter* waiter) override { engine_->connection().waiter = waiter; }
     void setClock(const Clock* clock) override { engine_->setClock(clock); }
 
 private:

@@ -50,6 +50,44 @@ TEST(Store, givesSessionsThatAreAsNew) {
     EXPECT_TRUE(session->lastIdentity().isNull());
 }
 
+// Gives up when it was asked so often.
+class ShortPatience : public Waiter {
+public:
+    explicit ShortPatience(int most) : most_(most) {}
+    bool goOn(std::chrono::milliseconds) override { return ++asked < most_; }
+    void over() override { ++ended; }
+    int asked = 0;
+    int ended = 0;
+
+private:
+    int most_;
+};
+
+TEST(Store, letsAUserGiveUpWaitingForAnotherWriter) {
+    const auto store = Store::scratch();
+    const auto writer = store->session();
+    const auto user = store->session();
+    runScript(*writer, "CREATE TABLE t (a INT)\nBEGIN TRAN\nINSERT INTO t VALUES (1)");
+    ShortPatience patience(3);
+    user->setWaiter(&patience);
+    EXPECT_EQ(rowsOf(*user, "SELECT COUNT(*) FROM t"), "0\n"); // who reads does not wait
+    EXPECT_EQ(patience.asked, 0);
+    try {
+        runScript(*user, "INSERT INTO t VALUES (2)");
+        ADD_FAILURE() << "did not wait";
+    } catch (const DbError& error) {
+        EXPECT_EQ(error.category(), DbError::Category::Busy);
+        EXPECT_STREQ(error.what(),
+                     "Another program is saving to this store and has not finished. Nothing was changed here; try again in a moment.");
+    }
+    EXPECT_EQ(patience.asked, 3);
+    EXPECT_EQ(patience.ended, 1);
+    EXPECT_EQ(user->transactionDepth(), 0);
+    runScript(*writer, "COMMIT");
+    runScript(*user, "INSERT INTO t VALUES (2)");
+    EXPECT_EQ(rowsOf(*writer, "SELECT a FROM t ORDER BY a"), "1\n2\n");
+}
+
 TEST(Store, showsOtherSessionsTheNewSchemaAtOnce) {
     const auto store = Store::scratch();
     const auto one = store->session();
