@@ -1,6 +1,7 @@
 #include "app/DataBroker.h"
 
 #include "app/db/schema/schema.h"
+#include "base/errortext.h"
 
 namespace merchantry::app {
 
@@ -16,7 +17,7 @@ void DataBroker::OpenConnection(std::string& connectionString, std::shared_ptr<E
         connection->Open(connectionString);
         db::checkSchemaVersion(connection->session());
     } catch (const std::exception& error) {
-        whyClosed_ = error.what();
+        whyClosed_ = sentenceOf(error);
         connection->Close();
     }
 }

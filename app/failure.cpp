@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "base/currency.h"
+#include "base/errortext.h"
 
 namespace merchantry::app {
 
@@ -25,7 +26,7 @@ void reportFailure(const FailurePlace& place, const std::exception& error) {
     std::string tag = place.tag;
     std::string procedure = place.procedure;
     std::string caption = place.caption;
-    std::string description = error.what();
+    std::string description = sentenceOf(error);
     int style = 16;
     int number = errorNumber(error);
     int zero = 0;

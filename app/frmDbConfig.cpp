@@ -1,6 +1,7 @@
 #include "app/frmDbConfig.h"
 
 #include "app/modMain.h"
+#include "base/errortext.h"
 #include "base/text.h"
 #include "ui/desk.h"
 
@@ -152,7 +153,7 @@ bool frmDbConfig::save() {
         configurator_->store().save();
         return true;
     } catch (const std::exception& error) {
-        desk().message(std::string("The configurations could not be saved: ") + error.what(), caption(), MessageIcon::Stop);
+        desk().message(std::string("The configurations could not be saved: ") + sentenceOf(error), caption(), MessageIcon::Stop);
         return false;
     }
 }
@@ -223,7 +224,7 @@ void frmDbConfig::makeStore(const std::filesystem::path& file, bool demo) {
         });
         made = true;
     } catch (const std::exception& error) {
-        lblState.setCaption(std::string("The store could not be made: ") + error.what());
+        lblState.setCaption(std::string("The store could not be made: ") + sentenceOf(error));
     }
     prgMake.setVisible(false);
     desk().waitCursor(false);

@@ -58,7 +58,7 @@ void frmLogin::login() {
     if (txtLogin1.text().empty())
         return refuse(txtLogin1);
     const auto rows = openDirect(db::Sql("SELECT * From Cashier where name = '") + std::string(trimmed(txtLogin0.text())) + "' " +
-                                 " and password = '" + std::string(trimmed(txtLogin1.text())) + "' and managerflag = 1");
+                                 " and password = '" + db::Secret{std::string(trimmed(txtLogin1.text()))} + "' and managerflag = 1");
     if (rows->Eof()) {
         desk().beep();
         desk().message("Invalid User Name or Password. Please try again.", "Login Failure", MessageIcon::Stop);

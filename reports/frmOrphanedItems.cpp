@@ -31,7 +31,7 @@ void frmOrphanedItems::Form_Load() {
 void frmOrphanedItems::Form_Activate() {
     if (!failed_)
         return;
-    desk().message("Bad Criteria, please reset and try again!", kProduct);
+    tellFailure();
     unload();
 }
 

@@ -64,7 +64,7 @@ void frmPurchaseOrder_View::Form_Load() {
 void frmPurchaseOrder_View::Form_Activate() {
     if (!failed_)
         return;
-    desk().message("Bad Criteria, please reset and try again!", kProduct);
+    tellFailure();
     unload();
 }
 

@@ -361,6 +361,8 @@ void frmReportCriteria::cmdCount_Click() {
             return;
         const auto rows = report->countRows(desk());
         lblCount.setCaption(rows ? withThousands(*rows) + (*rows == 1 ? " row" : " rows") : "Stopped");
+    } catch (const db::DbError& error) {
+        lblCount.setCaption((error.isOfTheStore() ? "" : "These conditions cannot be used. ") + std::string(error.what()));
     } catch (const std::exception& error) {
         lblCount.setCaption(std::string("These conditions cannot be used. ") + error.what());
     }

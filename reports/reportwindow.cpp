@@ -1,6 +1,7 @@
 #include "reports/reportwindow.h"
 
 #include "app/modMain.h"
+#include "base/errortext.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "reports/reportexport.h"
@@ -118,8 +119,15 @@ void ReportWindow::attempt(const std::string& what, const std::function<void()>&
     try {
         body();
     } catch (const std::exception& error) {
-        desk().message(what + " " + error.what(), kProduct, MessageIcon::Exclamation);
+        desk().message(what + " " + sentenceOf(error), kProduct, MessageIcon::Exclamation);
     }
+}
+
+void ReportWindow::tellFailure() {
+    if (storeFailure_.empty())
+        desk().message("Bad Criteria, please reset and try again!", kProduct);
+    else
+        desk().message(storeFailure_, kProduct, MessageIcon::Stop);
 }
 
 bool ReportWindow::readReport() {
@@ -160,7 +168,10 @@ void ReportWindow::loadReport() {
         problem = failed_ ? "The report was stopped." : "";
     } catch (const std::exception& error) {
         failed_ = true;
-        problem = std::string("The report could not be shown. ") + error.what();
+        problem = std::string("The report could not be shown. ") + sentenceOf(error);
+        const auto* store = dynamic_cast<const db::DbError*>(&error);
+        if (store != nullptr && store->isOfTheStore())
+            storeFailure_ = store->what();
     }
     desk().waitCursor(false);
     if (!failed_)

@@ -37,9 +37,13 @@ protected:
     // line of the main window, nowhere else.
     void loadReport();
     bool failed_ = false;
+    // What a screen with criteria of its own says of it: that they are bad, or what the disk or another program has against the reading.
+    void tellFailure();
     void Form_Unload(bool& cancel) override;
 
 private:
+    std::string storeFailure_; // the store's own sentence, empty when it is not to blame
+
     void showPlace();
     void showZoom();
     void zoomTo(int index);
