@@ -7,20 +7,16 @@ namespace merchantry::db {
 
 std::map<std::string, std::string> connectionParts(const std::string& connectionString) {
     std::map<std::string, std::string> parts;
-    std::string rest = connectionString;
     constexpr std::string_view kSource = "; Data Source=";
-    const std::size_t catalogue = rest.rfind("; Initial Catalog=");
-    const std::size_t source = catalogue == std::string::npos ? catalogue : rest.rfind(kSource, catalogue);
-    if (source != std::string::npos) {
-        const std::size_t path = source + kSource.size();
-        parts["data source"] = std::string(trimmed(rest.substr(path, catalogue - path)));
-        rest.erase(source, catalogue - source);
-    }
-    for (const std::string& piece : split(rest, ";")) {
+    const std::size_t catalogue = connectionString.rfind("; Initial Catalog=");
+    const std::size_t source = catalogue == std::string::npos ? catalogue : connectionString.rfind(kSource, catalogue);
+    for (const std::string& piece : split(connectionString.substr(0, source), ";")) {
         const std::size_t sign = piece.find('=');
         if (sign != std::string::npos)
             parts[lowerCase(trimmed(piece.substr(0, sign)))] = std::string(trimmed(piece.substr(sign + 1)));
     }
+    if (source != std::string::npos)
+        parts["data source"] = std::string(trimmed(connectionString.substr(source + kSource.size(), catalogue - source - kSource.size())));
     return parts;
 }
 

@@ -1,5 +1,6 @@
 #include "programs/merchantryctl/commands.h"
 
+#include "app/db/embedded/filehead.h"
 #include "base/errortext.h"
 
 #include <CLI/CLI.hpp>
@@ -86,16 +87,23 @@ int runProgram(int count, char** arguments) {
     return exitCode;
 }
 
+// What was found beside a store, however the command ended.
+int told(int exitCode) {
+    if (const std::string notice = merchantry::db::takeStoreNotice(); !notice.empty())
+        std::cerr << notice << "\n";
+    return exitCode;
+}
+
 } // namespace
 
 int main(int count, char** arguments) {
     try {
-        return runProgram(count, arguments);
+        return told(runProgram(count, arguments));
     } catch (const UsageError& error) {
         std::cerr << error.reason << "\nRun with --help for more information.\n";
         return kUsage;
     } catch (const std::exception& error) {
         std::cerr << "merchantryctl: " << merchantry::sentenceOf(error) << "\n";
-        return 1;
+        return told(1);
     }
 }

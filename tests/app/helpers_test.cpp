@@ -3,6 +3,7 @@
 #include "app/Resizer.h"
 #include "app/addresses.h"
 #include "app/configstore.h"
+#include "app/db/provider.h"
 #include "app/modPhone.h"
 #include "tests/scratchfolder.h"
 #include "ui/desk.h"
@@ -154,6 +155,21 @@ TEST_F(ConfigFile, DamageIsToldAndNeverOverwritten) {
     EXPECT_TRUE(std::filesystem::exists(folder / "databases.toml.damaged"));
     store.load();
     EXPECT_EQ(store.all().size(), 1U);
+}
+
+TEST(ConnectString, NamesItsSourceWholeWhateverPathAndPasswordHold) {
+    const struct {
+        const char* source;
+        const char* password;
+    } cases[] = {
+        {"/shops/a.store", ""}, {"/shops/north; south/a;b.store", "x"}, {"/shops/a=b.store", "p;q"}, {"SRV\\ONE", "a; Data Source=b"}};
+    for (const auto& one : cases) {
+        for (const char* integrated : {"", "1"}) {
+            const DbConfig config{"Shop", one.source, "1", one.password, "", integrated};
+            EXPECT_EQ(db::connectionParts(connectString(config)).at("data source"), one.source);
+        }
+    }
+    EXPECT_EQ(db::connectionParts("Data Source = a.store ;Provider=x").at("data source"), "a.store");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "ui/qt/qtdesk.h"
 
+#include "base/errortext.h"
 #include "ui/form.h"
 #include "ui/frame.h"
 #include "ui/qt/boxes.h"
@@ -58,7 +59,7 @@ bool QtDesk::enter(const std::function<void()>& procedure) noexcept {
     } catch (const ProcessEnd& end) {
         endWith(end);
     } catch (const std::exception& failure) {
-        endWith({std::string("Run-time error: ") + failure.what()});
+        endWith({"Run-time error: " + sentenceOf(failure)});
     } catch (...) {
         endWith({std::string("Run-time error: unknown")});
     }
