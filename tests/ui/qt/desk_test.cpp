@@ -10,6 +10,7 @@
 #include <QTest>
 #include <QThread>
 #include <QTimer>
+#include <chrono>
 #include <gtest/gtest.h>
 
 namespace merchantry::ui {
@@ -207,6 +208,28 @@ TEST_F(DeskTest, ALongWorkCanBeStopped) {
     EXPECT_GT(steps, 10);
     EXPECT_LT(steps, 5000);
     EXPECT_EQ(desk.top(), nullptr);
+}
+
+// While a statement waits for another program there is an hourglass, then a box that gives up; nothing of a screen runs meanwhile.
+TEST_F(DeskTest, AWaitForTheStoreCanBeGivenUp) {
+    using namespace std::chrono_literals;
+    EXPECT_TRUE(desk.waitForStore(10ms));
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    EXPECT_TRUE(desk.waitForStore(500ms));
+    EXPECT_NE(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(box(), nullptr);
+    EXPECT_FALSE(desk.enter([] { ADD_FAILURE() << "a screen's procedure ran within a statement"; }));
+    EXPECT_TRUE(desk.waitForStore(3s));
+    ASSERT_NE(box(), nullptr);
+    EXPECT_EQ(box()->windowModality(), Qt::ApplicationModal);
+    pressInBox("&Give up");
+    EXPECT_FALSE(desk.waitForStore(3100ms));
+    desk.storeIsFree();
+    EXPECT_EQ(box(), nullptr);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    bool ran = false;
+    desk.enter([&] { ran = true; });
+    EXPECT_TRUE(ran);
 }
 
 TEST_F(DeskTest, WaitCursorsNest) {
