@@ -3,6 +3,7 @@
 #include "app/db/ado/coerce.h"
 #include "app/db/ado/sort.h"
 #include "app/db/ado/writeback.h"
+#include "base/guard.h"
 
 #include <algorithm>
 #include <numeric>
@@ -296,26 +297,20 @@ std::string_view Recordset::cellText(int row, int column) const {
 void Recordset::setCell(int row, int column, const Value& value) {
     needOpen();
     position_ = row;
-    try {
-        pend(column, value);
-        Update();
-    } catch (...) {
-        CancelUpdate();
-        throw;
-    }
+    Undo undo([this] { CancelUpdate(); });
+    pend(column, value);
+    Update();
+    undo.keep();
 }
 
 void Recordset::addRow(const std::vector<Value>& cells) {
     AddNew();
-    try {
-        for (std::size_t i = 0; i < cells.size(); ++i)
-            if (!cells[i].isNull())
-                pend(static_cast<int>(i), cells[i]);
-        Update();
-    } catch (...) {
-        CancelUpdate();
-        throw;
-    }
+    Undo undo([this] { CancelUpdate(); });
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        if (!cells[i].isNull())
+            pend(static_cast<int>(i), cells[i]);
+    Update();
+    undo.keep();
 }
 
 void Recordset::removeRow(int row) {

@@ -110,8 +110,6 @@ Connection::Connection(const std::filesystem::path& file, bool durable) : file_(
     try {
         setUp(durable);
     } catch (const DbError&) {
-        sqlite3_close(db_);
-        db_ = nullptr;
         if (!standsStill())
             throw;
         openFile(asItStands(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
@@ -124,28 +122,30 @@ bool Connection::standsStill() const {
 }
 
 void Connection::openFile(const std::string& name, int flags) {
-    const int code = sqlite3_open_v2(name.c_str(), &db_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    sqlite3* opened = nullptr;
+    const int code = sqlite3_open_v2(name.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    db_.reset(opened);
     if (code != SQLITE_OK) {
-        const std::string message = db_ ? sqlite3_errmsg(db_) : "out of memory";
-        sqlite3_close(db_);
-        db_ = nullptr;
+        const std::string message = opened ? sqlite3_errmsg(opened) : "out of memory";
         throw storageError("The store file " + file_.string() + " cannot be opened: " + message + ".", code);
     }
-    sqlite3_busy_handler(db_, &Connection::waitForTurn, this);
+    sqlite3_busy_handler(opened, &Connection::waitForTurn, this);
     // A name in double quotes is a name: never a text, should the column be gone.
-    sqlite3_db_config(db_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     // SQLite's Bloom filters go by the length of a text, but texts of the store that differ in trailing blanks only are equal.
-    sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, db_, kBloomFilters);
+    sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, opened, kBloomFilters);
 }
 
 // SQLite asks nobody to wait for the log, since two who take it at once would wait for each other.
 void Connection::takeLog() {
     int code = SQLITE_BUSY;
     for (int asked = 0; (code & 0xFF) == SQLITE_BUSY; ++asked) {
-        code = sqlite3_exec(db_, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
+        code = sqlite3_exec(handle(), "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
         if ((code & 0xFF) == SQLITE_BUSY && waitForTurn(this, asked) == 0)
             break;
     }
+    if (waiting_)
+        waitIsOver();
     if (code != SQLITE_OK)
         throw errorOf(code);
     hasLog_ = true;
@@ -159,19 +159,15 @@ void Connection::setUp(bool durable) {
     run("PRAGMA cache_size=-" + std::to_string(kStatementCacheBytes));
 }
 
-Connection::~Connection() {
-    sqlite3_close_v2(db_);
-}
-
 void Connection::putToRest() {
     if (!hasLog_)
         return;
-    sqlite3_busy_timeout(db_, 0);
-    sqlite3_exec(db_, "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr); // refused while others are at work, who will do it
+    sqlite3_busy_timeout(handle(), 0);
+    sqlite3_exec(handle(), "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr); // refused while others are at work, who will do it
 }
 
 void Connection::run(const char* sql) {
-    const int code = sqlite3_exec(db_, sql, nullptr, nullptr, nullptr);
+    const int code = sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr);
     if (waiting_)
         waitIsOver();
     if (code != SQLITE_OK)
@@ -186,7 +182,7 @@ void Connection::setReadOnly(bool readOnly) {
 }
 
 tsql::Cell Connection::single(const std::string& sql) {
-    const Statement3 statement(db_, sql);
+    const Statement3 statement(handle(), sql);
     return step(statement.get()) ? tsql::columnCell(statement.get(), 0) : tsql::Cell();
 }
 
@@ -207,14 +203,14 @@ std::string Connection::consequence(sqlite3_stmt* statement) const {
     if (statement == nullptr)
         return " This change was not saved.";
     const std::string_view text = sqlite3_sql(statement);
-    const bool commits = text.starts_with("COMMIT") || (sqlite3_stmt_readonly(statement) == 0 && sqlite3_get_autocommit(db_) != 0);
+    const bool commits = text.starts_with("COMMIT") || (sqlite3_stmt_readonly(statement) == 0 && sqlite3_get_autocommit(handle()) != 0);
     if (commits)
         return " This change may not have been saved; look before you repeat it.";
     return sqlite3_stmt_readonly(statement) != 0 ? "" : " This change was not saved.";
 }
 
 DbError Connection::errorOf(int code, sqlite3_stmt* statement) {
-    const std::string message = sqlite3_errmsg(db_);
+    const std::string message = sqlite3_errmsg(handle());
     if (host && host->failure) {
         DbError failure = *host->failure;
         host->failure.reset();
@@ -222,7 +218,7 @@ DbError Connection::errorOf(int code, sqlite3_stmt* statement) {
     }
     switch (code & 0xFF) {
     case SQLITE_CONSTRAINT:
-        return constraintError(sqlite3_extended_errcode(db_), message);
+        return constraintError(sqlite3_extended_errcode(handle()), message);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
         return DbError(DbError::Category::Busy, 1205,

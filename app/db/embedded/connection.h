@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -57,11 +58,10 @@ public:
     // Opens the file; throws DbError Storage when it cannot be opened or is no store of SQLite. One that this user may only read, in a
     // folder where he may not write, is read as it stands.
     Connection(const std::filesystem::path& file, bool durable);
-    ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    sqlite3* handle() const { return db_; }
+    sqlite3* handle() const { return db_.get(); }
     // Runs SQL without rows; throws what errorOf gives.
     void run(const char* sql);
     void run(const std::string& sql) { run(sql.c_str()); }
@@ -97,7 +97,10 @@ private:
     std::string consequence(sqlite3_stmt* statement) const;
 
     std::filesystem::path file_;
-    sqlite3* db_ = nullptr;
+    struct Close {
+        void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
+    };
+    std::unique_ptr<sqlite3, Close> db_;
     bool readOnly_ = false;
     std::chrono::steady_clock::time_point waitingSince_;
     bool hasLog_ = false;

@@ -77,41 +77,36 @@ void Engine::call(std::string_view procedure, std::vector<Parameter>& parameters
 // Runs a batch's body with the state of a batch around it, and throws the first error when all has run. A sink that runs a batch of its
 // own while it takes rows gets the outer batch's state back behind it.
 void Engine::runTop(ResultSink& sink, const std::function<void()>& body) {
-    const bool nested = frame_ != nullptr;
-    Frame* frame = std::exchange(frame_, nullptr);
-    ResultSink* outerSink = std::exchange(sink_, &sink);
-    std::vector<DbError> errors = std::exchange(errors_, {});
-    std::vector<DbError> caught = std::exchange(caught_, {});
-    const int tries = std::exchange(tries_, 0);
-    const int level = std::exchange(level_, 0);
-    const auto restore = [&] {
-        endBatch(nested);
-        frame_ = frame;
-        sink_ = outerSink;
-        std::swap(errors, errors_);
-        caught_ = std::move(caught);
-        tries_ = tries;
-        level_ = level;
-    };
-    cancelled_ = false;
-    failure.reset();
-    try {
-        startBatch();
-        body();
-    } catch (const BatchEnd&) {
-    } catch (const ScopeEnd& end) {
-        note(end.error);
-    } catch (const DbError& error) {
-        note(error);
-    } catch (...) {
-        restore();
-        throw;
-    }
-    restore();
+    const std::vector<DbError> errors = errorsOf(sink, body);
     if (errors.empty())
         return;
     error_ = errors[0].native();
     throw DbError(errors[0]);
+}
+
+std::vector<DbError> Engine::errorsOf(ResultSink& sink, const std::function<void()>& body) {
+    const bool nested = frame_ != nullptr;
+    const Restore errors(errors_, std::vector<DbError>());
+    const Restore caught(caught_, std::vector<DbError>());
+    const Restore tries(tries_, 0);
+    const Restore level(level_, 0);
+    const Restore sinkAround(sink_, &sink);
+    const Restore frame(frame_, nullptr);
+    cancelled_ = false;
+    failure.reset();
+    {
+        const AtEnd batch([&] { endBatch(nested); });
+        try {
+            startBatch();
+            body();
+        } catch (const BatchEnd&) {
+        } catch (const ScopeEnd& end) {
+            note(end.error);
+        } catch (const DbError& error) {
+            note(error);
+        }
+    }
+    return std::move(errors_);
 }
 
 void Engine::runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& parameters) {

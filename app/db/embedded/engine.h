@@ -6,6 +6,7 @@
 #include "app/db/embedded/shared_state.h"
 #include "app/db/embedded/store_catalog.h"
 #include "app/db/session.h"
+#include "base/guard.h"
 
 #include <array>
 #include <atomic>
@@ -27,6 +28,7 @@ struct ScopeEnd {
 };
 
 class WriteScope;
+class TriggerCount;
 
 // One connection to a store file that runs T-SQL: it keeps the compiled batches and modules, the transaction and the settings.
 // The store lends it to one session after another. One thread, but for cancel.
@@ -95,6 +97,7 @@ private:
 
     // batches
     void runTop(ResultSink& sink, const std::function<void()>& body);
+    std::vector<DbError> errorsOf(ResultSink& sink, const std::function<void()>& body);
     void runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& parameters);
     bool inTrigger() const;
     BatchEnd failedByCancel();
@@ -132,6 +135,7 @@ private:
     void runRaise(const tsql::RaiseStatement& statement);
     void runThrow(const tsql::ThrowStatement& statement);
     void runPrint(const tsql::PrintStatement& statement);
+    std::optional<DbError> runTried(const tsql::Block& block, Flow& flow);
     Flow runHandler(const tsql::TryStatement& statement, const DbError& error);
     std::string raisedText(StatementPlan& plan, const std::string& format);
     void assign(int slot, Cell cell);
@@ -158,6 +162,7 @@ private:
     PlanPtr deletePlan(const tsql::DeleteStatement& statement);
     Wanted wantedOf(const tsql::Statement& statement);
     friend class WriteScope;
+    friend class TriggerCount;
     Cell valueAt(StatementPlan& plan, std::size_t index);
     bool conditionOf(const tsql::Statement& statement, const tsql::Expr& expr);
     void bindPlaces(sqlite3_stmt* statement, const std::vector<tsql::Placeholder>& places);
@@ -182,7 +187,8 @@ private:
     void runOutput(StatementPlan& plan);
     void insertRows(const tsql::ChangePlan& plan, const Rowset& rows);
     void refreshForWrite();
-    void fireFor(const tsql::ChangePlan& plan, const std::map<std::string, Captured>& captured, char event);
+    using CapturedTables = std::map<std::string, Captured>;
+    void fireFor(const tsql::ChangePlan& plan, const CapturedTables& captured, char event);
     Rowset rowsOf(const tsql::Sql3& sql);
     DbError refined(const DbError& error, const tsql::TableDef& table);
 
@@ -190,6 +196,8 @@ private:
     using Tables = std::vector<std::shared_ptr<const tsql::TableDef>>;
     void startCapture(const std::shared_ptr<const tsql::TableDef>& table, char event, bool always);
     const Tables& watchedTables(const std::shared_ptr<const tsql::TableDef>& table, char event);
+    CapturedTables captureOf(const std::shared_ptr<const tsql::TableDef>& table, char event, bool always,
+                             const std::function<void()>& change);
     void capture(int operation, const char* schema, const char* name);
     static void captureHook(void* engine, sqlite3*, int operation, const char* schema, const char* name, sqlite3_int64, sqlite3_int64);
     void fireTriggers(const std::shared_ptr<const tsql::TableDef>& table, char event, const std::shared_ptr<const Rowset>& inserted,
@@ -235,7 +243,9 @@ private:
     void runTransaction(const tsql::TransactionStatement& statement);
     void beginTransaction();
     void commitTransaction();
+    // Throws nothing.
     void rollbackAll();
+    void noting(const std::function<void()>& what);
     void rollbackTo(const std::string& name);
     void savePoint(const std::string& name);
     void runKept(const Statement3& statement);

@@ -85,19 +85,8 @@ void Engine::change(StatementPlan& plan, WriteScope& scope) {
     if (change.insteadOf != 0)
         return runInstead(plan);
     const char event = eventOf(change);
-    const CaptureState outer = std::move(capture_);
-    capture_ = {};
     std::int64_t rows = 0;
-    std::map<std::string, Captured> captured;
-    try {
-        startCapture(change.table, event, change.output != nullptr);
-        rows = runChangeSql(plan);
-        captured = std::move(capture_.tables);
-    } catch (...) {
-        capture_ = outer;
-        throw;
-    }
-    capture_ = outer;
+    const CapturedTables captured = captureOf(change.table, event, change.output != nullptr, [&] { rows = runChangeSql(plan); });
     rowCount_ = rows;
     if (change.table->identityColumn() >= 0 && change.kind == tsql::ChangePlan::Kind::Insert) {
         frame_->scopeIdentity = identity_;
@@ -106,27 +95,18 @@ void Engine::change(StatementPlan& plan, WriteScope& scope) {
         frame_->scopeIdentity = {};
     }
     if (change.output) {
-        const Captured& own = captured[lowerCase(change.table->name)];
+        const Captured& own = captured.at(lowerCase(change.table->name));
         rows_.define(pseudoName("inserted", change.table->id), *pseudoTable("inserted", *change.table));
         rows_.define(pseudoName("deleted", change.table->id), *pseudoTable("deleted", *change.table));
         rows_.set(pseudoName("inserted", change.table->id), own.inserted);
         rows_.set(pseudoName("deleted", change.table->id), own.deleted);
         runOutput(plan);
     }
-    const bool own = scope.isOwn() && tranCount_ == 0;
-    if (own)
-        tranCount_ = 1;
-    const Cell scopeIdentity = frame_->scopeIdentity;
-    try {
+    const Restore scopeIdentity(frame_->scopeIdentity);
+    {
+        const TriggerCount count(*this, scope.isOwn());
         fireFor(change, captured, event);
-    } catch (...) {
-        if (own && !scope.isOver())
-            tranCount_ = 0;
-        throw;
     }
-    if (own && !scope.isOver())
-        tranCount_ = 0;
-    frame_->scopeIdentity = scopeIdentity;
     rowCount_ = rows;
 }
 
@@ -161,6 +141,7 @@ std::int64_t Engine::moveKeys(StatementPlan& plan) {
         captured.deleted->clear();
     }
     connection_.run("PRAGMA defer_foreign_keys=ON");
+    const AtEnd atOnce([this] { sqlite3_exec(connection_.handle(), "PRAGMA defer_foreign_keys=OFF", nullptr, nullptr, nullptr); });
     const Rowset rows = rowsOf(change.newRows);
     std::string names = "_rowid_";
     std::string places = "?1";
@@ -186,13 +167,10 @@ std::int64_t Engine::moveKeys(StatementPlan& plan) {
             connection_.step(insert.get());
         }
     } catch (const DbError& error) {
-        connection_.run("PRAGMA defer_foreign_keys=OFF");
         throw refined(error, table);
     }
     const Statement3 broken(connection_.handle(), "PRAGMA foreign_key_check");
-    const bool isBroken = connection_.step(broken.get());
-    connection_.run("PRAGMA defer_foreign_keys=OFF");
-    if (isBroken)
+    if (connection_.step(broken.get()))
         throw DbError(DbError::Category::Integrity, 547, "The UPDATE statement conflicted with a REFERENCE constraint.")
             .withSeverity(16, 0);
     return static_cast<std::int64_t>(rows.size());
@@ -277,34 +255,16 @@ void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
     if (inInsertExec_)
         throw tsql::typeError(8164, "An INSERT EXEC statement cannot be nested.", statement.line);
     RowCollector collector(*sink_);
-    ResultSink* before = sink_;
-    sink_ = &collector;
-    inInsertExec_ = true;
-    try {
+    {
+        const Restore sink(sink_, &collector);
+        const Restore inside(inInsertExec_, true);
         runOne(*statement.execute);
-    } catch (...) {
-        sink_ = before;
-        inInsertExec_ = false;
-        throw;
     }
-    sink_ = before;
-    inInsertExec_ = false;
     WriteScope scope(*this, isTemporaryName(statement.table));
     std::int64_t rows = 0;
     for (const RowCollector::Set& set : collector.sets) {
         const tsql::ChangePlan plan = tsql::Binder(bindContext()).insertRow(statement, set.types);
-        const CaptureState outer = std::move(capture_);
-        capture_ = {};
-        startCapture(plan.table, 'I', false);
-        try {
-            insertRows(plan, set.rows);
-        } catch (...) {
-            capture_ = outer;
-            throw;
-        }
-        const std::map<std::string, Captured> captured = std::move(capture_.tables);
-        capture_ = outer;
-        fireFor(plan, captured, 'I');
+        fireFor(plan, captureOf(plan.table, 'I', false, [&] { insertRows(plan, set.rows); }), 'I');
         rows += static_cast<std::int64_t>(set.rows.size());
     }
     scope.finish();

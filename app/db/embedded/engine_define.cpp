@@ -70,15 +70,14 @@ void Engine::runDefinition(const tsql::Statement& statement) {
         break;
     }
     WriteScope scope(*this, temporary);
-    try {
-        define(statement);
-    } catch (...) {
+    Undo read([&] {
         if (!temporary && schemaTouched_) { // what was read in between is not so
             fileVersion_ = -1;
             ++version_;
         }
-        throw;
-    }
+    });
+    define(statement);
+    read.keep();
     if (!temporary)
         schemaChanged();
     scope.finish();

@@ -69,29 +69,13 @@ void Engine::checkLabels(const tsql::Block& block) const {
 }
 
 Engine::Flow Engine::runFrame(Frame& frame) {
-    Frame* before = frame_;
-    const int tries = tries_;
-    frame.caller = before;
+    frame.caller = frame_;
     frame.level = level_;
-    frame_ = &frame;
-    const std::int64_t scope = catalog_.scope;
-    catalog_.scope = ++scopeNumber_;
-    const auto leave = [&] {
-        leaveFrame(frame);
-        frame_ = before;
-        catalog_.scope = scope;
-    };
-    Flow flow = Flow::Next;
-    try {
-        check(*frame.code);
-        flow = runBlock(*frame.code->body);
-    } catch (...) {
-        tries_ = tries;
-        leave();
-        throw;
-    }
-    leave();
-    return flow;
+    const Restore here(frame_, &frame);
+    const Restore scope(catalog_.scope, ++scopeNumber_);
+    const AtEnd leave([&] { leaveFrame(frame); });
+    check(*frame.code);
+    return runBlock(*frame.code->body);
 }
 
 // Drops the temporary tables that belong to a module or a text that was run.
@@ -296,41 +280,33 @@ Engine::Flow Engine::runWhile(const tsql::WhileStatement& statement) {
 }
 
 Engine::Flow Engine::runTry(const tsql::TryStatement& statement) {
-    Frame* here = frame_;
-    const int tries = tries_;
-    const int level = level_;
-    std::optional<DbError> error;
-    tries_ = tries + 1;
+    Flow flow = Flow::Next;
+    const std::optional<DbError> error = runTried(statement.body, flow);
+    return error ? runHandler(statement, *error) : flow;
+}
+
+// The error that the block ended with.
+std::optional<DbError> Engine::runTried(const tsql::Block& block, Flow& flow) {
+    const Restore tries(tries_, tries_ + 1);
     try {
-        const Flow flow = runBlock(statement.body);
-        tries_ = tries;
-        return flow;
+        flow = runBlock(block);
+        return std::nullopt;
     } catch (const ScopeEnd& end) {
-        tries_ = tries;
-        if (end.frame == here) // a name that is missing in the TRY's own batch is not for its CATCH
+        if (end.frame == frame_) // a name that is missing in the TRY's own batch is not for its CATCH
             throw;
-        error = end.error;
+        return end.error;
     } catch (const DbError& caught) {
-        tries_ = tries;
-        error = caught;
+        return caught;
     }
-    frame_ = here;
-    level_ = level;
-    return runHandler(statement, *error);
 }
 
 Engine::Flow Engine::runHandler(const tsql::TryStatement& statement, const DbError& error) {
     caught_.push_back(error);
+    const AtEnd handled([this] { caught_.pop_back(); });
     error_ = error.native();
-    try {
-        const Flow flow = runBlock(statement.handler);
-        caught_.pop_back();
-        error_ = 0;
-        return flow;
-    } catch (...) {
-        caught_.pop_back();
-        throw;
-    }
+    const Flow flow = runBlock(statement.handler);
+    error_ = 0;
+    return flow;
 }
 
 Engine::Flow Engine::runReturn(const tsql::ReturnStatement& statement) {

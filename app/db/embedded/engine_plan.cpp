@@ -165,15 +165,11 @@ bool Engine::isDeferred(const DbError& error) const {
 void Engine::check(Code& code) {
     if (code.checked && code.version == version_)
         return;
-    checking_ = true;
-    try {
+    {
+        const Restore checking(checking_, true);
         checkLabels(*code.body);
         checkBlock(*code.body);
-    } catch (...) {
-        checking_ = false;
-        throw;
     }
-    checking_ = false;
     code.checked = true;
     code.version = version_;
 }

@@ -13,18 +13,16 @@ namespace {
 
 constexpr int kDeepestLevel = 32;
 
-// Puts a value back when its scope ends, however that happens.
-template <class T> class Restore {
-public:
-    explicit Restore(T& value) : value_(value), before_(value) {}
-    ~Restore() { value_ = before_; }
-    Restore(const Restore&) = delete;
-    Restore& operator=(const Restore&) = delete;
-
-private:
-    T& value_;
-    T before_;
-};
+// What is passed, or a parameter's default, in the parameter's type.
+Cell toParameter(const Cell& cell, const SqlType& from, const SqlType& to) {
+    try {
+        return tsql::converted(cell, from, to);
+    } catch (const DbError&) {
+        throw DbError(DbError::Category::Type, 8114,
+                      "Error converting data type " + tsql::kindNameOf(from) + " to " + tsql::kindNameOf(to) + ".")
+            .withSeverity(16, 5);
+    }
+}
 
 DbError tooDeep() {
     return DbError(DbError::Category::Other, 217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
@@ -139,14 +137,7 @@ void Engine::bindArguments(const Code& code, const std::vector<BoundArgument>& a
             continue;
         given[place] = true;
         tsql::requireImplicit(argument.type, parameters[place].type, 0);
-        try {
-            frame.variables[place] = tsql::converted(argument.cell, argument.type, parameters[place].type);
-        } catch (const DbError&) {
-            throw DbError(DbError::Category::Type, 8114,
-                          "Error converting data type " + tsql::kindNameOf(argument.type) + " to " +
-                              tsql::kindNameOf(parameters[place].type) + ".")
-                .withSeverity(16, 5);
-        }
+        frame.variables[place] = toParameter(argument.cell, argument.type, parameters[place].type);
     }
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         if (given[i])
@@ -156,20 +147,17 @@ void Engine::bindArguments(const Code& code, const std::vector<BoundArgument>& a
                                   "Procedure or function '" + code.procedure + "' expects parameter '" + parameters[i].name +
                                       "', which was not supplied.",
                                   0);
+        const Restore inside(frame_, &frame);
         SqlType type;
-        Frame* before = frame_;
-        frame_ = &frame;
         const Cell cell = constantOf(*parameters[i].defaultValue, type);
-        frame_ = before;
-        frame.variables[i] = tsql::converted(cell, type, parameters[i].type);
+        frame.variables[i] = toParameter(cell, type, parameters[i].type);
     }
 }
 
 std::optional<DbError> Engine::runDeeper(Frame& frame) {
     if (level_ >= kDeepestLevel)
         throw tooDeep();
-    const Restore level(level_);
-    ++level_;
+    const Restore level(level_, level_ + 1);
     try {
         runFrame(frame);
         return std::nullopt;
@@ -240,13 +228,10 @@ Cell Engine::callFunction(std::int64_t id, const std::vector<CellView>& argument
     frame.variables.resize(code->variables.size());
     for (std::size_t i = 0; i < arguments.size(); ++i)
         frame.variables[i] = arguments[i].copy();
-    const Restore tries(tries_);
-    const Restore level(level_);
+    const Restore tries(tries_, tries_ + 1); // an error is an error of the statement that calls
+    const Restore level(level_, level_ + 1);
     const Restore rowCount(rowCount_);
     const Restore error(error_);
-    const Restore before(frame_);
-    ++tries_; // an error is an error of the statement that calls
-    ++level_;
     try {
         runFrame(frame);
     } catch (const ScopeEnd& end) {

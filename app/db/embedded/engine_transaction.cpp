@@ -141,7 +141,7 @@ void Engine::rollbackAll() {
     const bool undone = inWrite_;
     KeptTables kept;
     if (undone)
-        kept = keepTableVariables();
+        noting([&] { kept = keepTableVariables(); });
     if (inWrite_ || inRead_) {
         const ResetGuard guard(rollback_.get());
         sqlite3_step(rollback_.get());
@@ -154,15 +154,26 @@ void Engine::rollbackAll() {
     savedPoints_.clear();
     ++transaction_;
     if (undone) {
-        restoreTemporaries();
-        restoreTableVariables(kept);
+        noting([&] {
+            restoreTemporaries();
+            restoreTableVariables(kept);
+        });
     }
     droppedTemporaries_.clear();
     if (schemaTouched_) {
         schemaTouched_ = false;
         fileVersion_ = -1;
         ++version_;
-        refreshSchema();
+        noting([&] { refreshSchema(); });
+    }
+}
+
+// For what has to be done also while an error is under way: its own error is noted as one more of the batch.
+void Engine::noting(const std::function<void()>& what) {
+    try {
+        what();
+    } catch (const DbError& error) {
+        note(error);
     }
 }
 
@@ -300,6 +311,17 @@ WriteScope::~WriteScope() {
         return;
     }
     sqlite3_exec(engine_.connection_.handle(), "ROLLBACK TO ts_statement; RELEASE ts_statement", nullptr, nullptr, nullptr);
+}
+
+TriggerCount::TriggerCount(Engine& engine, bool own)
+    : engine_(engine), own_(own && engine.tranCount_ == 0), transaction_(engine.transaction_) {
+    if (own_)
+        engine_.tranCount_ = 1;
+}
+
+TriggerCount::~TriggerCount() {
+    if (own_ && transaction_ == engine_.transaction_)
+        engine_.tranCount_ = 0;
 }
 
 } // namespace merchantry::db::embedded

@@ -96,6 +96,15 @@ void Engine::startCapture(const std::shared_ptr<const tsql::TableDef>& table, ch
     hooked_ = capture_.active;
 }
 
+// The rows that change while that runs.
+Engine::CapturedTables Engine::captureOf(const std::shared_ptr<const tsql::TableDef>& table, char event, bool always,
+                                         const std::function<void()>& change) {
+    const Restore outer(capture_, CaptureState());
+    startCapture(table, event, always);
+    change();
+    return std::move(capture_.tables);
+}
+
 void Engine::captureHook(void* engine, sqlite3*, int operation, const char* schema, const char* name, sqlite3_int64, sqlite3_int64) {
     static_cast<Engine*>(engine)->capture(operation, schema, name);
 }
@@ -179,8 +188,10 @@ void Engine::runTrigger(const StoredObject& trigger, const std::shared_ptr<const
         rows_.define(insertedName, *code->inserted);
         rows_.define(deletedName, *code->deleted);
     }
-    const std::shared_ptr<const Rowset> outerInserted = rows_.get(insertedName);
-    const std::shared_ptr<const Rowset> outerDeleted = rows_.get(deletedName);
+    const AtEnd outer([&, outerInserted = rows_.get(insertedName), outerDeleted = rows_.get(deletedName)] {
+        rows_.set(insertedName, outerInserted);
+        rows_.set(deletedName, outerDeleted);
+    });
     rows_.set(insertedName, inserted);
     rows_.set(deletedName, deleted);
     Frame frame;
@@ -188,22 +199,12 @@ void Engine::runTrigger(const StoredObject& trigger, const std::shared_ptr<const
     frame.isTrigger = true;
     frame.updated = &updated;
     frame.variables.resize(code->variables.size());
-    ++level_;
-    const auto leave = [&] {
-        --level_;
-        rows_.set(insertedName, outerInserted);
-        rows_.set(deletedName, outerDeleted);
-    };
+    const Restore level(level_, level_ + 1);
     try {
         runFrame(frame);
     } catch (const ScopeEnd& end) {
-        leave();
         throw DbError(end.error);
-    } catch (...) {
-        leave();
-        throw;
     }
-    leave();
 }
 
 void Engine::runInstead(StatementPlan& plan) {
@@ -215,24 +216,12 @@ void Engine::runInstead(StatementPlan& plan) {
     if (!change.insteadOld.text.empty())
         *deleted = rowsOf(change.insteadOld);
     static constexpr char kEvents[] = {'I', 'U', 'D'};
-    const bool own = tranCount_ == 0;
-    if (own)
-        tranCount_ = 1;
-    const std::uint64_t transaction = transaction_;
     const auto rows = static_cast<std::int64_t>(std::max(inserted->size(), deleted->size()));
-    const std::int64_t outer = catalog_.inInstead;
-    catalog_.inInstead = change.insteadOf;
-    try {
+    {
+        const TriggerCount count(*this, true);
+        const Restore instead(catalog_.inInstead, change.insteadOf);
         fireTriggers(change.insteadShape, kEvents[static_cast<int>(change.kind)], inserted, deleted, change.updated, true);
-    } catch (...) {
-        catalog_.inInstead = outer;
-        if (own && transaction == transaction_)
-            tranCount_ = 0;
-        throw;
     }
-    catalog_.inInstead = outer;
-    if (own && transaction == transaction_)
-        tranCount_ = 0;
     rowCount_ = rows;
 }
 

@@ -7,7 +7,7 @@ StoreSession::~StoreSession() {
         engine_->reset();
         engine_->connection().waiter = nullptr;
         store_->giveBack(std::move(engine_));
-    } catch (...) { // an engine that cannot be put right is let go
+    } catch (const std::exception&) { // an engine that cannot be put right is let go
         engine_.reset();
     }
 }

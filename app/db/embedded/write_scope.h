@@ -30,4 +30,18 @@ private:
     std::uint64_t transaction_ = 0;
 };
 
+// While it lives, the triggers of a statement that is a transaction of its own see that one counted. Without effect within another.
+class TriggerCount {
+public:
+    TriggerCount(Engine& engine, bool own);
+    ~TriggerCount();
+    TriggerCount(const TriggerCount&) = delete;
+    TriggerCount& operator=(const TriggerCount&) = delete;
+
+private:
+    Engine& engine_;
+    bool own_;
+    std::uint64_t transaction_;
+};
+
 } // namespace merchantry::db::embedded

@@ -81,15 +81,11 @@ Typed Binder::aggregate(const Expr& expr, const std::string& name) {
         throw wrongCount(expr, 1);
     if (containsSubquery(*expr.args[0]))
         throw syntaxError(130, "Cannot perform an aggregate function on an expression containing an aggregate or a subquery.", expr.line);
-    ++scope_->insideAggregate;
     Typed value;
-    try {
+    {
+        const Restore inside(scope_->insideAggregate, scope_->insideAggregate + 1);
         value = bindValueOf(*expr.args[0]);
-    } catch (...) {
-        --scope_->insideAggregate;
-        throw;
     }
-    --scope_->insideAggregate;
     return aggregateOf(name, std::move(value), expr.distinct, expr.line, *this,
                        [this](Typed typed, const SqlType& type) { return convertTo(std::move(typed), type); });
 }

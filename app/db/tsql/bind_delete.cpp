@@ -10,8 +10,7 @@ ChangePlan Binder::deleteFrom(const DeleteStatement& statement) {
     for (const CommonTable& table : statement.commonTables)
         commonTables_.push_back(&table);
     Scope scope;
-    Scope* before = scope_;
-    scope_ = &scope;
+    const Restore here(scope_, &scope);
     std::string from;
     Source source;
     const BaseRow base = changeTarget(statement.table, statement.from, scope, from, source);
@@ -21,7 +20,6 @@ ChangePlan Binder::deleteFrom(const DeleteStatement& statement) {
         where = " WHERE " + bindCondition(*statement.where);
     }
     const std::string limit = topLimit(statement.top);
-    scope_ = before;
     ChangePlan plan;
     plan.kind = ChangePlan::Kind::Delete;
     plan.table = base.table;

@@ -190,10 +190,8 @@ Source Binder::tableSourceOf(std::shared_ptr<const TableDef> table, const std::s
                 continue;
             Scope own;
             own.sources.push_back(*filled);
-            Scope* before = scope_;
-            scope_ = &own;
+            const Restore here(scope_, &own);
             Typed value = bindValueOf(*table->columns[i].computed);
-            scope_ = before;
             value.table = table;
             value.column = static_cast<int>(i);
             value.isColumn = false;
@@ -204,17 +202,14 @@ Source Binder::tableSourceOf(std::shared_ptr<const TableDef> table, const std::s
     return source;
 }
 
+// A query in a FROM clause sees what is around that clause, not the tables beside it.
+std::unique_ptr<BoundQuery> Binder::bindOutside(const Query& query, const Scope& scope) {
+    const Restore around(scope_, scope.outer);
+    return bindSubquery(query);
+}
+
 std::string Binder::bindDerived(const TableRef& ref, const Query& query, Scope& scope, const std::vector<std::string>& names, int line) {
-    Scope* before = scope_;
-    scope_ = scope.outer;
-    std::unique_ptr<BoundQuery> bound;
-    try {
-        bound = bindSubquery(query);
-    } catch (...) {
-        scope_ = before;
-        throw;
-    }
-    scope_ = before;
+    const std::unique_ptr<BoundQuery> bound = bindOutside(query, scope);
     const std::string alias = nextAlias();
     Source source;
     source.sqlAlias = alias;
@@ -256,25 +251,10 @@ std::string Binder::bindDerived(const TableRef& ref, const Query& query, Scope& 
 
 std::string Binder::bindView(const TableRef& ref, const ViewDef& view, Scope& scope) {
     // A view sees nothing of the statement around it.
-    std::vector<const CommonTable*> tables;
-    std::swap(tables, commonTables_);
-    std::vector<Recursion> recursions;
-    std::swap(recursions, recursions_);
-    Scope* outer = scope.outer;
-    scope.outer = nullptr;
-    const auto restore = [&] {
-        std::swap(tables, commonTables_);
-        std::swap(recursions, recursions_);
-        scope.outer = outer;
-    };
-    std::string sql;
-    try {
-        sql = bindDerived(ref, *view.statement->query, scope, view.statement->columns, ref.line);
-    } catch (...) {
-        restore();
-        throw;
-    }
-    restore();
+    const Restore tables(commonTables_, std::vector<const CommonTable*>());
+    const Restore recursions(recursions_, std::vector<Recursion>());
+    const Restore outer(scope.outer, nullptr);
+    std::string sql = bindDerived(ref, *view.statement->query, scope, view.statement->columns, ref.line);
     scope.sources.back().viewId = view.id;
     return sql;
 }
@@ -284,17 +264,8 @@ std::string Binder::bindCommonTable(const TableRef& ref, const CommonTable& tabl
         return bindRecursive(ref, table, scope);
     // It sees only those before it.
     const auto own = std::find(commonTables_.begin(), commonTables_.end(), &table);
-    const std::vector<const CommonTable*> all = commonTables_;
-    commonTables_.assign(all.begin(), all.begin() + (own - commonTables_.begin()));
-    std::string sql;
-    try {
-        sql = bindDerived(ref, *table.query, scope, table.columns, table.line);
-    } catch (...) {
-        commonTables_ = all;
-        throw;
-    }
-    commonTables_ = all;
-    return sql;
+    const Restore visible(commonTables_, std::vector<const CommonTable*>(commonTables_.begin(), own));
+    return bindDerived(ref, *table.query, scope, table.columns, table.line);
 }
 
 std::string Binder::fromRecursion(const TableRef& ref, Scope& scope, std::size_t index) {
@@ -309,10 +280,17 @@ std::string Binder::fromRecursion(const TableRef& ref, Scope& scope, std::size_t
     return recursions_[index].sqlName + " AS " + alias;
 }
 
+// The part of a recursion that reads what was found before.
+std::unique_ptr<BoundQuery> Binder::bindStep(const Query& query, const Scope& scope, Recursion& recursion) {
+    recursions_.push_back(recursion);
+    const AtEnd known([this] { recursions_.pop_back(); });
+    std::unique_ptr<BoundQuery> step = bindOutside(query, scope);
+    recursion = recursions_.back();
+    return step;
+}
+
 std::string Binder::bindRecursive(const TableRef& ref, const CommonTable& table, Scope& scope) {
-    Scope* before = scope_;
-    scope_ = scope.outer;
-    std::unique_ptr<BoundQuery> anchor = bindSubquery(*table.query->left);
+    const std::unique_ptr<BoundQuery> anchor = bindOutside(*table.query->left, scope);
     Recursion recursion;
     recursion.table = &table;
     recursion.sqlName = "r" + nextAlias();
@@ -330,11 +308,7 @@ std::string Binder::bindRecursive(const TableRef& ref, const CommonTable& table,
             column.value.type = simpleType(TypeKind::Int);
         recursion.columns.push_back(std::move(column));
     }
-    recursions_.push_back(recursion);
-    std::unique_ptr<BoundQuery> step = bindSubquery(*table.query->right);
-    recursion = recursions_.back();
-    recursions_.pop_back();
-    scope_ = before;
+    const std::unique_ptr<BoundQuery> step = bindStep(*table.query->right, scope, recursion);
     if (step->columns.size() != recursion.columns.size())
         throw syntaxError(205,
                           "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of expressions in "

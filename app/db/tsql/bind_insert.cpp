@@ -144,11 +144,8 @@ Typed Binder::defaultOf(const TableDef& table, int column) {
         null.literal = Cell();
         return null;
     }
-    Scope* before = scope_;
-    scope_ = nullptr;
-    Typed value = bindValue(*definition.defaultValue);
-    scope_ = before;
-    return value;
+    const Restore nowhere(scope_, nullptr);
+    return bindValue(*definition.defaultValue);
 }
 
 std::string Binder::storedValue(Typed value, const TableDef& table, int column, int line) {

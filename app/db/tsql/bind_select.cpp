@@ -9,19 +9,6 @@
 namespace merchantry::db::tsql {
 namespace {
 
-// Puts a scope in force while it lives.
-class ScopeGuard {
-public:
-    ScopeGuard(Scope*& place, Scope* scope) : place_(place), before_(place) { place = scope; }
-    ~ScopeGuard() { place_ = before_; }
-    ScopeGuard(const ScopeGuard&) = delete;
-    ScopeGuard& operator=(const ScopeGuard&) = delete;
-
-private:
-    Scope*& place_;
-    Scope* before_;
-};
-
 // SQLite takes so many selects in one.
 constexpr int kDeepestQuery = 480;
 
@@ -129,19 +116,21 @@ std::unique_ptr<BoundQuery> Binder::bindSubquery(const Query& query) {
     return bindQuery(query, false);
 }
 
-std::unique_ptr<BoundQuery> Binder::bindQuery(const Query& query, bool topLevel) {
-    if (++depth_ > kDeepestQuery) {
-        depth_ = 0;
+// With its own common tables and one level deeper than the query around it.
+std::unique_ptr<BoundQuery> Binder::bindQueryBody(const Query& query) {
+    const Restore depth(depth_, depth_ + 1);
+    if (depth_ > kDeepestQuery)
         throw syntaxError(191,
                           "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.",
                           query.line);
-    }
-    const std::size_t known = commonTables_.size();
+    const AtEnd known([this, count = commonTables_.size()] { commonTables_.resize(count); });
     for (const CommonTable& table : query.commonTables)
         commonTables_.push_back(&table);
-    std::unique_ptr<BoundQuery> result = query.core ? bindCore(query, *query.core) : bindSetOperation(query);
-    commonTables_.resize(known);
-    --depth_;
+    return query.core ? bindCore(query, *query.core) : bindSetOperation(query);
+}
+
+std::unique_ptr<BoundQuery> Binder::bindQuery(const Query& query, bool topLevel) {
+    std::unique_ptr<BoundQuery> result = bindQueryBody(query);
     if (!topLevel && !query.orderBy.empty() && !result->hasTop && !query.offset)
         throw syntaxError(
             1033,
@@ -190,7 +179,7 @@ std::unique_ptr<BoundQuery> Binder::bindCore(const Query& query, const SelectCor
     Scope scope;
     scope.outer = scope_;
     scope.alone = core.alone && core.from[0]->kind == TableRef::Kind::Table;
-    const ScopeGuard guard(scope_, &scope);
+    const Restore here(scope_, &scope);
     if (!core.from.empty())
         result->tail = " FROM " + bindFrom(core.from, scope);
     if (core.where) {

@@ -231,8 +231,7 @@ ChangePlan Binder::update(const UpdateStatement& statement) {
             assigned_.insert(variableSlot(assignment.variable, assignment.line));
     }
     Updating update(statement);
-    Scope* const before = scope_;
-    scope_ = &update.scope;
+    const Restore here(scope_, &update.scope);
     chooseBase(update);
     ChangePlan plan;
     plan.kind = ChangePlan::Kind::Update;
@@ -245,7 +244,6 @@ ChangePlan Binder::update(const UpdateStatement& statement) {
         update.where = " WHERE " + bindCondition(*statement.where);
     }
     update.limit = topLimit(statement.top);
-    scope_ = before;
     if (update.instead) {
         bindInstead(plan, update.source, update.insteadValues, update.tail(), true, true);
         return plan;
@@ -308,8 +306,7 @@ void Binder::bindOutput(ChangePlan& plan, const OutputClause& output) {
                     ? second
                     : " JOIN " + second + " ON " + scope.sources[0].sqlAlias + "._rowid_=" + scope.sources[1].sqlAlias + "._rowid_";
     }
-    Scope* before = scope_;
-    scope_ = &scope;
+    const Restore here(scope_, &scope);
     SelectCore core;
     BoundQuery query;
     for (const SelectItem& item : output.items) {
@@ -322,7 +319,6 @@ void Binder::bindOutput(ChangePlan& plan, const OutputClause& output) {
         column.name = item.alias.empty() && item.expr->kind == ExprKind::Column ? item.expr->name.last() : item.alias;
         query.columns.push_back(std::move(column));
     }
-    scope_ = before;
     query.tail = " FROM " + from;
     Query plainQuery;
     plan.output = std::make_shared<QueryPlan>(this->plan(query, plainQuery));

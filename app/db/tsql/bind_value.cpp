@@ -48,11 +48,9 @@ std::string Binder::check(const TableDef& table, const Expr& expr) {
     auto plain = std::make_shared<TableDef>(table);
     scope.sources.push_back(tableSourceOf(plain, ""));
     scope.sources[0].exposed = table.name;
-    scope_ = &scope;
-    inDefinition_ = true;
+    const Restore here(scope_, &scope);
+    const Restore definition(inDefinition_, true);
     const std::string sql = bindCondition(expr);
-    inDefinition_ = false;
-    scope_ = nullptr;
     if (!places_.empty())
         throw unsupported("a value of the session in a CHECK", expr.line);
     return sql;
@@ -63,10 +61,8 @@ Typed Binder::computed(const TableDef& table, const Expr& expr) {
     auto plain = std::make_shared<TableDef>(table);
     scope.sources.push_back(tableSourceOf(plain, ""));
     scope.sources[0].exposed = table.name;
-    scope_ = &scope;
-    Typed value = bindValue(expr);
-    scope_ = nullptr;
-    return value;
+    const Restore here(scope_, &scope);
+    return bindValue(expr);
 }
 
 SqlType Binder::declaredType(const TypeName& name, bool* nullable) {

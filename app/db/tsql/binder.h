@@ -5,6 +5,7 @@
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/plan.h"
 #include "app/db/tsql/types.h"
+#include "base/guard.h"
 
 #include <functional>
 #include <map>
@@ -172,6 +173,7 @@ private:
     bool containsAggregate(const SelectCore& core) const;
 
     // queries
+    std::unique_ptr<BoundQuery> bindQueryBody(const Query& query);
     std::unique_ptr<BoundQuery> bindQuery(const Query& query, bool topLevel);
     std::unique_ptr<BoundQuery> bindCore(const Query& query, const SelectCore& core);
     std::unique_ptr<BoundQuery> bindSetOperation(const Query& query);
@@ -192,6 +194,7 @@ private:
     std::string bindTableRef(const TableRef& ref, Scope& scope);
     std::string bindJoin(const TableRef& ref, Scope& scope);
     std::string bindTable(const TableRef& ref, Scope& scope);
+    std::unique_ptr<BoundQuery> bindOutside(const Query& query, const Scope& scope);
     std::string bindDerived(const TableRef& ref, const Query& query, Scope& scope, const std::vector<std::string>& names, int line);
     std::string bindView(const TableRef& ref, const ViewDef& view, Scope& scope);
     std::string bindValues(const TableRef& ref, Scope& scope);
@@ -251,6 +254,7 @@ private:
         std::vector<BoundColumn> columns;
         std::string alias;
     };
+    std::unique_ptr<BoundQuery> bindStep(const Query& query, const Scope& scope, Recursion& recursion);
     std::vector<Recursion> recursions_;
     int maxRecursion_ = 100;
     bool inDefinition_ = false;                          // of a check, default or computed column: no places

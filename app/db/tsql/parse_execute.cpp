@@ -69,7 +69,7 @@ Argument Parser::argument() {
     return result;
 }
 
-// A literal with or without sign, a variable, NULL, DEFAULT, or a bare word, which is a text.
+// A constant, a variable or DEFAULT.
 ExprPtr Parser::argumentValue() {
     const Token& token = peek();
     if (token.kind == TokenKind::Variable || token.kind == TokenKind::SystemVariable) {
@@ -77,6 +77,17 @@ ExprPtr Parser::argumentValue() {
         result->text = take().text;
         return result;
     }
+    if (token.is("DEFAULT")) {
+        ExprPtr result = make(ExprKind::Default);
+        take();
+        return result;
+    }
+    return constant();
+}
+
+// A literal with or without sign, NULL, or a bare word, which is a text: what can be passed, and what a parameter can have as its default.
+ExprPtr Parser::constant() {
+    const Token& token = peek();
     if (token.isSymbol("-") || token.isSymbol("+")) {
         ExprPtr result = make(ExprKind::Unary);
         result->text = take().text;
@@ -86,8 +97,8 @@ ExprPtr Parser::argumentValue() {
         result->args.push_back(literal());
         return result;
     }
-    if (token.is("NULL") || token.is("DEFAULT")) {
-        ExprPtr result = make(token.is("NULL") ? ExprKind::Null : ExprKind::Default);
+    if (token.is("NULL")) {
+        ExprPtr result = make(ExprKind::Null);
         take();
         return result;
     }

@@ -69,14 +69,8 @@ ParameterClause Parser::parameter() {
     parameter.name = take().text;
     acceptWord("AS");
     parameter.type = typeName();
-    if (acceptSymbol("=")) {
-        if (isName()) { // a bare word is a text
-            parameter.defaultValue = make(ExprKind::Text);
-            parameter.defaultValue->text = take().value();
-        } else {
-            parameter.defaultValue = value();
-        }
-    }
+    if (acceptSymbol("="))
+        parameter.defaultValue = constant();
     parameter.output = acceptWord("OUTPUT") || acceptWord("OUT");
     if (acceptWord("READONLY"))
         fail(102, "Incorrect syntax near 'READONLY'.");

@@ -1,6 +1,19 @@
 #include "app/db/tsql/parser.h"
 
 namespace merchantry::db::tsql {
+namespace {
+
+constexpr std::size_t kMostDigits = 38; // of a decimal
+
+// Of a number, without zeros in front.
+std::size_t digitsOf(const Token& token) {
+    if (token.kind != TokenKind::Integer && token.kind != TokenKind::Number)
+        return 0;
+    const std::size_t first = std::min(token.text.find_first_not_of('0'), token.text.size());
+    return token.text.size() - first - (token.kind == TokenKind::Number ? 1 : 0);
+}
+
+} // namespace
 
 ExprPtr Parser::primary() {
     const Token& token = peek();
@@ -58,6 +71,8 @@ ExprPtr Parser::collated(ExprPtr value) {
 
 ExprPtr Parser::literal() {
     ExprPtr result = make(ExprKind::Integer);
+    if (digitsOf(peek()) > kMostDigits)
+        fail(1007, "The number '" + peek().value() + "' is out of the range for numeric representation (maximum precision 38).");
     const Token& token = take();
     switch (token.kind) {
     case TokenKind::Integer:

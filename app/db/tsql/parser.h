@@ -175,6 +175,7 @@ private:
     StatementPtr execute(bool withWord);
     Argument argument();
     ExprPtr argumentValue();
+    ExprPtr constant();
     StatementPtr transaction(StatementKind kind);
     StatementPtr cursorDeclaration(std::string name);
     StatementPtr cursorAction(CursorStatement::Action action);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace merchantry::db {
 namespace {
 
@@ -106,6 +108,42 @@ TEST_F(Errors, longChainsAreRunOrRefused) {
     for (const char* link : {"+1", " AND 1 = 1", " UNION ALL SELECT 1", "-(1)"})
         EXPECT_EQ(errorOf(*session, chain("SELECT 1 WHERE 1 = 1", link, 100'000)), 191) << link;
     EXPECT_EQ(errorOf(*session, chain("INSERT INTO par VALUES (1, 'x')", ",(1, 'x')", 20'000)), 2627);
+}
+
+// A default that divides by zero, reads a variable or is longer than any number once ran outside every frame and brought the process down.
+TEST_F(Errors, aDefaultIsAConstantOrRefused) {
+    const auto withDefault = [](const std::string& value) { return "CREATE PROCEDURE d @a INT = " + value + " AS SELECT @a"; };
+    for (const char* value : {"1/0", "-'abc'", "@b", "@@ERROR", "(5)", "GETDATE()", "5 + 1", "- -5"})
+        EXPECT_EQ(errorOf(*session, withDefault(value)), 102) << value;
+    EXPECT_EQ(errorOf(*session, withDefault(std::string(44, '4'))), 1007);
+    EXPECT_EQ(errorOf(*session, "EXEC d"), 2812);
+    runScript(*session, "CREATE PROCEDURE d @a INT = 99999999999, @t VARCHAR(5) = bare, @m MONEY = -$1.5 AS SELECT @a, @t, @m\nGO\n"
+                        "CREATE PROCEDURE outside AS DECLARE @v INT SET @v = 7 EXEC d SELECT @v, @@NESTLEVEL");
+    EXPECT_EQ(errorOf(*session, "EXEC d"), 8114);
+    EXPECT_EQ(rowsOf(*session, "EXEC d @a = 1"), "1|bare|-1.5\n");
+    EXPECT_EQ(rowsOf(*session, "DECLARE @v INT SET @v = 3 BEGIN TRY EXEC outside END TRY BEGIN CATCH SELECT ERROR_NUMBER() END CATCH "
+                               "SELECT @v, @@NESTLEVEL"),
+              "8114\n--\n3|0\n");
+}
+
+// Whoever takes the rows may fail in the middle of them, at any depth: the session is as it was before the batch.
+TEST_F(Errors, whatEndsABatchFromOutsideLeavesNothingBehind) {
+    struct Thrower : NoResult {
+        void row(const RowView&) override { throw std::length_error("no room for the row"); }
+    } thrower;
+    runScript(*session, "CREATE PROCEDURE shows AS SELECT 1\nGO\nCREATE PROCEDURE deep AS EXEC shows\nGO\n"
+                        "CREATE TRIGGER tells ON chi AFTER INSERT AS SELECT id FROM inserted\nGO\n"
+                        "CREATE VIEW chv AS SELECT id FROM chi\nGO\n"
+                        "CREATE TRIGGER instead ON chv INSTEAD OF INSERT AS SELECT id FROM inserted");
+    for (const char* batch : {"SELECT 1", "EXEC deep", "INSERT INTO chi (id) VALUES (5)", "INSERT INTO chv (id) VALUES (5)",
+                              "DELETE FROM chi OUTPUT deleted.id", "BEGIN TRY SELECT 1 END TRY BEGIN CATCH SELECT 2 END CATCH",
+                              "BEGIN TRY SELECT 1 / 0 END TRY BEGIN CATCH EXEC deep END CATCH"}) {
+        EXPECT_THROW(session->execute(batch, thrower), std::length_error) << batch;
+        EXPECT_EQ(rowsOf(*session, "SELECT @@TRANCOUNT, @@NESTLEVEL, ERROR_NUMBER() SELECT COUNT(*) FROM chi"), "0|0|NULL\n--\n1\n")
+            << batch;
+    }
+    EXPECT_EQ(errorOf(*session, "UPDATE chi SET n = 2 SELECT 1 / 0"), 8134);
+    EXPECT_EQ(rowsOf(*session, "SELECT n FROM chi"), "2\n");
 }
 
 TEST_F(Errors, sayWhatIsNotSupported) {
