@@ -17,8 +17,8 @@ struct Secret {
 
 // A statement as it is joined from texts and values: literals of the program stand as they are, a std::string is a value. The joined text
 // is exactly what joining gives, nothing is escaped; but a value cannot become a piece of the statement: one that would end its quotes, or
-// one outside quotes that is more than a single token, makes check() throw the server's own syntax error (102 or 105) before anything is
-// sent.
+// one outside quotes that is more than a single token or a word of the language, makes check() throw the server's own syntax error (102,
+// 105 or 156) before anything is sent. The lexer decides what a token is.
 //
 //   Sql("SELECT * FROM Item WHERE SKU = '") + sku + "' AND TypeID = " + typeId
 class Sql {
@@ -52,10 +52,14 @@ public:
 
 private:
     Sql& addLiteral(std::string_view words);
+    Sql& addBare(const std::string& value);
+    Sql& addNumber(const std::string& number);
 
     std::string text_;
-    bool quoted_ = false; // the text so far ends inside a literal
-    int badNumber_ = 0;   // 102 or 105 once a value broke out
+    char close_ = '\0';         // ends the literal or quoted name that the text so far ends in; 0 outside
+    std::size_t bareBegin_ = 0; // of the bare value that the text so far ends with
+    std::size_t bareEnd_ = std::string::npos;
+    int badNumber_ = 0; // 102, 105 or 156 once a value broke out
     std::string badNear_;
 };
 

@@ -286,6 +286,53 @@ bool isReservedWord(std::string_view word) {
     return std::binary_search(kReserved.begin(), kReserved.end(), std::string_view(upper.data(), word.size()));
 }
 
+namespace {
+
+bool isPlain(std::string_view text) {
+    return std::none_of(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0x80U) != 0; });
+}
+
+bool isNumber(const Token& token) {
+    return token.kind == TokenKind::Integer || token.kind == TokenKind::Number || token.kind == TokenKind::Float ||
+           token.kind == TokenKind::Money;
+}
+
+bool isValue(const Token& token) {
+    if (token.kind == TokenKind::Word)
+        return isPlain(token.text) && (!isReservedWord(token.text) || token.is("NULL") || token.is("DEFAULT"));
+    return isNumber(token) || token.kind == TokenKind::Binary || (token.kind == TokenKind::Text && token.quote == '\'');
+}
+
+// The tokens of a text without the last one, End; none of one that ends within a comment.
+std::vector<Token> tokensWithin(std::string_view text) {
+    try {
+        std::vector<Token> tokens = tokensOf(text, true);
+        tokens.pop_back();
+        return tokens;
+    } catch (const DbError&) {
+        return {};
+    }
+}
+
+} // namespace
+
+bool isOneValue(std::string_view text) {
+    const std::vector<Token> tokens = tokensWithin(text);
+    if (tokens.empty() || tokens.front().begin != 0 || tokens.back().end != text.size())
+        return false;
+    if (tokens.size() == 1)
+        return isValue(tokens[0]);
+    const bool isSigned = tokens[0].isSymbol("-") || tokens[0].isSymbol("+");
+    return tokens.size() == 2 && isSigned && isNumber(tokens[1]) && !tokens[1].blankBefore;
+}
+
+std::string firstToken(std::string_view text) {
+    const std::vector<Token> tokens = tokensWithin(text);
+    if (tokens.empty())
+        return std::string(trimmed(text).substr(0, 1));
+    return std::string(text.substr(tokens[0].begin, tokens[0].end - tokens[0].begin));
+}
+
 bool sameName(std::string_view left, std::string_view right) {
     if (left.size() == right.size() &&
         std::equal(left.begin(), left.end(), right.begin(), [](char a, char b) { return upperAscii(a) == upperAscii(b); }))

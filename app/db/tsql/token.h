@@ -48,6 +48,14 @@ std::vector<Token> tokensOf(std::string_view batch, bool quotedIdentifiers);
 // Whether a bare word cannot be a name. Requires nothing of its case.
 bool isReservedWord(std::string_view word);
 
+// Whether a text is one value, with nothing in front of it and nothing behind: a number with or without sign, money, a binary number, a
+// whole literal in apostrophes, or one word in plain letters that is no word of the language (NULL and DEFAULT are values). Some server may
+// read what stands behind the plain letters as a blank or an apostrophe: a byte from 0x80 on belongs into apostrophes.
+bool isOneValue(std::string_view text);
+
+// The first token of a text as it stands there; what a syntax error names. Empty when there is none.
+std::string firstToken(std::string_view text);
+
 // Whether two names or words are the same without case (ASCII fast, other letters folded).
 bool sameName(std::string_view left, std::string_view right);
 
