@@ -68,6 +68,7 @@ public:
     Cell columnLength(std::string_view table, std::string_view column) override;
     Cell objectProperty(std::int64_t id, std::string_view property) override;
     int cursorStatus(std::string_view name) override;
+    Cell systemValue(tsql::SystemValue value) override;
 
 private:
     enum class Flow { Next, Break, Continue, Return, Goto };
@@ -166,7 +167,6 @@ private:
     Cell valueAt(StatementPlan& plan, std::size_t index);
     bool conditionOf(const tsql::Statement& statement, const tsql::Expr& expr);
     void bindPlaces(sqlite3_stmt* statement, const std::vector<tsql::Placeholder>& places);
-    Cell systemValue(tsql::SystemValue value);
     sqlite3_stmt* prepared(StatementPlan& plan, std::size_t index, const tsql::Sql3& sql, Statement3& spare);
 
     // queries and changes

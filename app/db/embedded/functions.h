@@ -2,6 +2,7 @@
 
 #include "app/db/dberror.h"
 #include "app/db/tsql/cell.h"
+#include "app/db/tsql/plan.h"
 
 #include <sqlite3.h>
 
@@ -33,6 +34,7 @@ public:
     virtual Cell columnLength(std::string_view table, std::string_view column) = 0;
     virtual Cell objectProperty(std::int64_t id, std::string_view property) = 0;
     virtual int cursorStatus(std::string_view name) = 0;
+    virtual Cell systemValue(tsql::SystemValue value) = 0;
 
     // The error that a function ended the running statement with.
     std::optional<DbError> failure;

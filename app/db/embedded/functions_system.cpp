@@ -97,6 +97,10 @@ void schemaName(const Call& call) {
     call.giveText("dbo");
 }
 
+void systemValue(const Call& call) {
+    call.give(call.host.systemValue(static_cast<tsql::SystemValue>(call.integer(0))));
+}
+
 void cursorStatus(const Call& call) {
     call.give(std::int64_t{call.host.cursorStatus(call.text(1))});
 }
@@ -123,6 +127,7 @@ void registerSystemFunctions(sqlite3* db, FunctionHost& host) {
         {"ts_user_id", -1, databaseId},
         {"ts_schema_name", -1, schemaName},
         {"ts_cursor_status", 2, cursorStatus, false},
+        {"ts_system", 1, systemValue, false},
     });
     registerEntries(db, host, kEntries.data(), kEntries.size());
 }

@@ -331,11 +331,20 @@ void isNumericText(const Call& call) {
     call.give(std::int64_t{isNumeric(call.text(0)) ? 1 : 0});
 }
 
-void checksum(const Call& call) {
+std::int64_t sumOf(std::string_view text) {
     std::uint32_t sum = 0;
-    for (const char c : lowerCase(trimmedRight(call.text(0))))
+    for (const char c : text)
         sum = (sum << 4U | sum >> 28U) ^ static_cast<unsigned char>(c);
-    call.give(static_cast<std::int64_t>(static_cast<std::int32_t>(sum)));
+    return static_cast<std::int32_t>(sum);
+}
+
+// Texts that are equal have equal sums.
+void checksum(const Call& call) {
+    call.give(sumOf(lowerCase(trimmedRight(call.text(0)))));
+}
+
+void binaryChecksum(const Call& call) {
+    call.give(sumOf(call.text(0)));
 }
 
 } // namespace
@@ -368,6 +377,7 @@ void registerTextFunctions(sqlite3* db, FunctionHost& host) {
         {"ts_datalength", 2, dataLength},
         {"ts_isnumeric", 1, isNumericText, true, false},
         {"ts_checksum", 1, checksum},
+        {"ts_binary_checksum", 1, binaryChecksum},
     });
     registerEntries(db, host, kEntries.data(), kEntries.size());
 }

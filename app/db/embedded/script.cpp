@@ -32,6 +32,35 @@ std::string fromWindows(std::string_view text) {
     return result;
 }
 
+// The 16-bit units behind the mark in front, joined to characters; a half of one alone is a character that cannot be shown.
+std::string fromWide(std::string_view text, bool highFirst) {
+    const auto unit = [&](std::size_t at) -> char32_t {
+        const auto first = static_cast<unsigned char>(text[at]);
+        const auto second = at + 1 < text.size() ? static_cast<unsigned char>(text[at + 1]) : 0U;
+        return highFirst ? first * 256U + second : second * 256U + first;
+    };
+    std::string result;
+    for (std::size_t at = 2; at < text.size(); at += 2) {
+        const char32_t high = unit(at);
+        const bool isHigh = high >= 0xD800 && high < 0xDC00;
+        const char32_t low = isHigh && at + 2 < text.size() ? unit(at + 2) : 0;
+        const bool isPair = low >= 0xDC00 && low < 0xE000;
+        if (isPair)
+            at += 2;
+        const bool isHalf = high >= 0xD800 && high < 0xE000;
+        appendCodePoint(result, isPair ? 0x10000 + (high - 0xD800) * 0x400 + (low - 0xDC00) : isHalf ? char32_t{0xFFFD} : high);
+    }
+    return result;
+}
+
+// A script as UTF-8, whatever it was saved in.
+std::string utf8Of(std::string_view script) {
+    const std::string_view mark = script.substr(0, 2);
+    if (mark == "\xFF\xFE" || mark == "\xFE\xFF")
+        return fromWide(script, mark == "\xFE\xFF");
+    return isUtf8(script) ? std::string(script) : fromWindows(script);
+}
+
 bool isBlank(std::string_view text) {
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
@@ -91,12 +120,9 @@ private:
 
 } // namespace
 
-std::vector<ScriptBatch> batchesOf(std::string_view script) {
-    std::string converted;
-    if (!isUtf8(script)) {
-        converted = fromWindows(script);
-        script = converted;
-    }
+std::vector<ScriptBatch> batchesOf(std::string_view saved) {
+    const std::string text = utf8Of(saved);
+    std::string_view script = text;
     std::vector<ScriptBatch> batches;
     ScriptBatch batch;
     Quoting quoting;

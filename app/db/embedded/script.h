@@ -16,8 +16,8 @@ struct ScriptBatch {
 };
 
 // The batches between the lines that hold nothing but GO. A GO inside a text or comment parts nothing. Batches of blanks are left out.
-// Text that is no UTF-8 is taken for Windows-1252.
-std::vector<ScriptBatch> batchesOf(std::string_view script);
+// Text behind the mark of UTF-16 is that, in either order; text that is no UTF-8 is taken for Windows-1252.
+std::vector<ScriptBatch> batchesOf(std::string_view saved);
 
 // Runs a script batch by batch and stops at the first batch with an error, which it throws; its line is then that of the script.
 void runScript(Session& session, std::string_view script);

@@ -108,11 +108,19 @@ Rowset objects(StoreCatalog& catalog) {
     return rows;
 }
 
+// What old scripts ask for as sysstat & 0xf.
+int oldStatus(std::string_view kind) {
+    static constexpr std::pair<std::string_view, int> kStates[] = {{"V", 2},  {"U", 3},  {"P", 4},  {"D", 6}, {"TR", 8},
+                                                                   {"PK", 9}, {"UQ", 9}, {"C", 10}, {"F", 11}};
+    const auto found = std::find_if(std::begin(kStates), std::end(kStates), [&](const auto& state) { return state.first == kind; });
+    return found == std::end(kStates) ? 0 : found->second;
+}
+
 Rowset oldObjects(StoreCatalog& catalog) {
     Rowset rows;
     eachObject(catalog, [&](const Shown& one) {
-        rows.push_back(
-            {text(one.name), number(one.id), kind(one.kind), number(1), number(one.parent), number(one.createdMs), kind(one.kind)});
+        rows.push_back({text(one.name), number(one.id), kind(one.kind), number(1), number(one.parent), number(one.createdMs),
+                        kind(one.kind), number(oldStatus(one.kind))});
     });
     return rows;
 }
@@ -342,7 +350,14 @@ const std::vector<SystemView>& systemViews() {
         {"sys.databases", {{"name", kName}, {"database_id", kInt}}, databases},
         {"sys.schemas", {{"name", kName}, {"schema_id", kInt}}, schemas},
         {"dbo.sysobjects",
-         {{"name", kName}, {"id", kInt}, {"xtype", kKind}, {"uid", kSmall}, {"parent_obj", kInt}, {"crdate", kDate}, {"type", kKind}},
+         {{"name", kName},
+          {"id", kInt},
+          {"xtype", kKind},
+          {"uid", kSmall},
+          {"parent_obj", kInt},
+          {"crdate", kDate},
+          {"type", kKind},
+          {"sysstat", kSmall}},
          oldObjects},
         {"dbo.syscolumns",
          {{"name", kName},

@@ -36,6 +36,14 @@ bool isRanking(std::string_view name) {
     return isOneOf(name, kRankings);
 }
 
+std::vector<std::string_view> aggregateNames() {
+    return {kAggregates.begin(), kAggregates.end()};
+}
+
+std::vector<std::string_view> rankingNames() {
+    return {kRankings.begin(), kRankings.end()};
+}
+
 bool Binder::containsAggregate(const Expr& expr) const {
     if (expr.kind == ExprKind::Function && expr.name.parts.size() == 1 && !expr.window && isAggregate(expr.name.last()))
         return true;

@@ -205,7 +205,8 @@ Typed Binder::variable(const Expr& expr) {
 Typed Binder::system(SystemValue value, const SqlType& type) {
     Typed result;
     result.type = type;
-    result.sql = place(true, static_cast<int>(value));
+    const std::string number = std::to_string(static_cast<int>(value));
+    result.sql = inDefinition_ ? "ts_system(" + number + ")" : place(true, static_cast<int>(value));
     return result;
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace merchantry::db::tsql {
 namespace {
@@ -82,7 +83,7 @@ constexpr std::array kPlain = std::to_array<PlainFunction>({
     {"SCHEMA_NAME", "ts_schema_name", "?i", 'n', 128},
     {"CURSOR_STATUS", "ts_cursor_status", "tt", 'i', 0},
     {"CHECKSUM", "ts_checksum", "a", 'i', 0},
-    {"BINARY_CHECKSUM", "ts_checksum", "a", 'i', 0},
+    {"BINARY_CHECKSUM", "ts_binary_checksum", "a", 'i', 0},
 });
 
 struct SystemFunction {
@@ -155,11 +156,20 @@ public:
     }
 
     std::optional<Typed> special() {
-        using Bind = Typed (FunctionBinder::*)();
-        struct Entry {
-            std::string_view name;
-            Bind bind;
-        };
+        for (const Entry& entry : entries()) {
+            if (sameName(entry.name, expr_.name.last()))
+                return (this->*entry.bind)();
+        }
+        return std::nullopt;
+    }
+
+    using Bind = Typed (FunctionBinder::*)();
+    struct Entry {
+        std::string_view name;
+        Bind bind;
+    };
+    // Those whose arguments or result follow rules of their own.
+    static std::span<const Entry> entries() {
         static constexpr std::array kEntries = std::to_array<Entry>({
             {"ISNULL", &FunctionBinder::isNull},
             {"COALESCE", &FunctionBinder::coalesce},
@@ -186,11 +196,7 @@ public:
             {"IDENT_INCR", &FunctionBinder::identity},
             {"UPDATE", &FunctionBinder::updated},
         });
-        for (const Entry& entry : kEntries) {
-            if (sameName(entry.name, expr_.name.last()))
-                return (this->*entry.bind)();
-        }
-        return std::nullopt;
+        return kEntries;
     }
 
 private:
@@ -494,6 +500,20 @@ private:
     Binder& binder_;
     const Expr& expr_;
 };
+
+std::vector<std::string_view> builtInFunctions() {
+    std::vector<std::string_view> names = aggregateNames();
+    const auto take = [&](const auto& entries) {
+        for (const auto& entry : entries)
+            names.push_back(entry.name);
+    };
+    for (const std::string_view name : rankingNames())
+        names.push_back(name);
+    take(kPlain);
+    take(systemFunctions());
+    take(FunctionBinder::entries());
+    return names;
+}
 
 Typed Binder::function(const Expr& expr) {
     if (expr.name.parts.size() > 1)

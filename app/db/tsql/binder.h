@@ -257,7 +257,7 @@ private:
     std::unique_ptr<BoundQuery> bindStep(const Query& query, const Scope& scope, Recursion& recursion);
     std::vector<Recursion> recursions_;
     int maxRecursion_ = 100;
-    bool inDefinition_ = false;                          // of a check, default or computed column: no places
+    bool inDefinition_ = false;                          // of a check, which has no places
     std::vector<std::pair<std::string, Typed>> inlined_; // parameters of a table function
     std::set<int> assigned_;                             // slots that this statement sets while it runs
     int aliases_ = 0;

@@ -16,6 +16,11 @@ int datePartOf(std::string_view word);
 bool isAggregate(std::string_view name);
 bool isRanking(std::string_view name);
 
+// The names of all built-in functions that are written as calls, aggregates and ranking functions among them.
+std::vector<std::string_view> builtInFunctions();
+std::vector<std::string_view> aggregateNames();
+std::vector<std::string_view> rankingNames();
+
 // The call of an aggregate over a bound value; throws DbError 8117 for a type that it does not take.
 Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line, const Binder& binder,
                   const std::function<Typed(Typed, const SqlType&)>& convert);

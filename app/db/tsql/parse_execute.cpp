@@ -32,7 +32,7 @@ StatementPtr Parser::execute(bool withWord) {
         take();
     }
     const Token& next = peek();
-    const bool none = next.kind == TokenKind::End || next.kind == TokenKind::SystemVariable || next.isSymbol(";") ||
+    const bool none = isLabel() || next.kind == TokenKind::End || next.kind == TokenKind::SystemVariable || next.isSymbol(";") ||
                       (next.kind == TokenKind::Symbol && !next.isSymbol("-") && !next.isSymbol("+")) ||
                       (next.kind == TokenKind::Word && isReservedWord(next.text) && !next.is("NULL") && !next.is("DEFAULT"));
     if (none && next.kind == TokenKind::Symbol && !next.isSymbol(";") && !next.isSymbol(")"))

@@ -87,7 +87,7 @@ StatementPtr Parser::statementOf() {
     if (isWord("GRANT") || isWord("REVOKE") || isWord("DENY") || isWord("CHECKPOINT") || isWord("RECONFIGURE") || isWord("DBCC") ||
         isWord("BACKUP"))
         return nothing();
-    if (isName() && isSymbol(":", 1) && !isSymbol("::", 1)) {
+    if (isLabel()) {
         auto label = std::make_unique<GotoStatement>(StatementKind::Label);
         label->label = take().value();
         take();
@@ -107,7 +107,7 @@ StatementPtr Parser::nothing() {
         "GRANT",   "SELECT", "UPDATE", "INSERT",     "EXEC", "EXECUTE", "CREATE", "DROP",  "DELETE",    "DENY",   "REVOKE", "SET",
         "DECLARE", "PRINT",  "IF",     "CHECKPOINT", "END",  "ELSE",    "BEGIN",  "WHILE", "RAISERROR", "RETURN", "USE"};
     bool sawTo = false;
-    while (!atEnd() && !isSymbol(";")) {
+    while (!atEnd() && !isSymbol(";") && !isLabel()) {
         const bool starts = std::any_of(kStarts.begin(), kStarts.end(), [&](std::string_view word) { return isWord(word); });
         // Behind GRANT stand the names of statements; they end at ON or TO.
         if (starts && (sawTo || (!isSymbol(",", 1) && !isWord("ON", 1) && !isWord("TO", 1) && !isWord("TABLE", 1) && !isWord("FROM", 1))))

@@ -132,8 +132,16 @@ void Parser::fail(int number, const std::string& message) const {
 
 // ---- names
 
+// A word with a colon behind it begins a statement of its own: it is no alias, argument or name of what stands before it.
+bool Parser::isLabel(std::size_t ahead) const {
+    const Token& token = peek(ahead);
+    return token.kind == TokenKind::Word && !isReservedWord(token.text) && isSymbol(":", ahead + 1);
+}
+
 bool Parser::isName(std::size_t ahead) const {
     const Token& token = peek(ahead);
+    if (isLabel(ahead))
+        return false;
     return token.kind == TokenKind::Quoted || (token.kind == TokenKind::Word && !isReservedWord(token.text));
 }
 

@@ -51,6 +51,7 @@ private:
     void link(int& links) const;
 
     // names
+    bool isLabel(std::size_t ahead = 0) const;
     bool isName(std::size_t ahead = 0) const;
     std::string name();
     ObjectName objectName();

@@ -12,6 +12,7 @@ namespace merchantry::db::tsql {
 struct TableDef;
 
 // Values of the session that a statement reads.
+// Checks in stores hold the numbers: a new one goes to the end.
 enum class SystemValue {
     RowCount,
     Error,

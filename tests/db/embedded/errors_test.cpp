@@ -146,6 +146,18 @@ TEST_F(Errors, whatEndsABatchFromOutsideLeavesNothingBehind) {
     EXPECT_EQ(rowsOf(*session, "SELECT n FROM chi"), "2\n");
 }
 
+TEST_F(Errors, aCheckMayAskForTheTimeAndTheSession) {
+    runScript(*session, "CREATE TABLE due (id INT PRIMARY KEY, at DATETIME CHECK (at <= GETDATE()), "
+                        "day DATETIME CHECK (DATEPART(weekday, day) <> 1), who VARCHAR(9) CHECK (who = USER_NAME()))");
+    EXPECT_EQ(errorOf(*session, "INSERT due (id, at) VALUES (1, DATEADD(day, -1, GETDATE()))"), 0);
+    EXPECT_EQ(errorOf(*session, "INSERT due (id, at) VALUES (2, DATEADD(day, 1, GETDATE()))"), 547);
+    EXPECT_EQ(errorOf(*session, "UPDATE due SET at = '99991231'"), 547);
+    EXPECT_EQ(errorOf(*session, "UPDATE due SET day = '2024-02-25'"), 547); // a Sunday
+    EXPECT_EQ(errorOf(*session, "UPDATE due SET who = 'sa'"), 547);
+    EXPECT_EQ(errorOf(*session, "UPDATE due SET who = 'dbo', day = '2024-02-26'"), 0);
+    EXPECT_EQ(errorOf(*session, "ALTER TABLE due ADD CHECK (at > GETDATE())"), 547);
+}
+
 TEST_F(Errors, sayWhatIsNotSupported) {
     for (const char* batch : {"MERGE par USING chi ON 1 = 1 WHEN MATCHED THEN DELETE;", "SELECT TOP 1 WITH TIES id FROM par ORDER BY id",
                               "SELECT a.id FROM par a CROSS APPLY (SELECT 1 AS x) b"}) {

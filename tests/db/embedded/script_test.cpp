@@ -19,6 +19,33 @@ TEST(Script, takesWindowsTextsForWhatTheyAre) {
     EXPECT_EQ(embedded::batchesOf("SELECT 'M\xC3\xBCnchen'")[0].text, "SELECT 'M\xC3\xBCnchen'\n");
 }
 
+// As tools of Windows save them: each character in two bytes or four, with a mark in front.
+TEST(Script, readsUtf16InEitherOrder) {
+    const std::u16string script = u"\uFEFFSELECT N'\u0141\u00F3\U0001F600'\r\nGO\r\nSELECT '\u0A0A'\r\n";
+    for (const bool highFirst : {false, true}) {
+        std::string bytes;
+        for (const char16_t unit : script) {
+            const char halves[] = {static_cast<char>(unit >> 8), static_cast<char>(unit & 0xFF)};
+            bytes += halves[highFirst ? 0 : 1];
+            bytes += halves[highFirst ? 1 : 0];
+        }
+        const auto batches = embedded::batchesOf(bytes);
+        ASSERT_EQ(batches.size(), 2U);
+        EXPECT_EQ(batches[0].text, "SELECT N'\xC5\x81\xC3\xB3\xF0\x9F\x98\x80'\r\n");
+        EXPECT_EQ(batches[1].line, 3);
+    }
+    EXPECT_EQ(embedded::batchesOf(std::string("\xFF\xFE", 2) + std::string("1\0\x3D\xD8\x32", 5))[0].text, "1\xEF\xBF\xBD"
+                                                                                                           "2\n"); // cut off
+}
+
+TEST(Script, findsWhatOldScriptsLookForBeforeTheyDropIt) {
+    const auto session = Store::scratch()->session();
+    runScript(*session, "CREATE PROCEDURE p AS SELECT 1\nGO\nCREATE TABLE t (a INT)\nGO\nCREATE VIEW v AS SELECT a FROM t\nGO\n"
+                        "CREATE TRIGGER r ON t FOR INSERT AS RETURN\nGO\n"
+                        "if exists (select * from sysobjects where id = object_id('dbo.p') and sysstat & 0xf = 4) drop procedure dbo.p");
+    EXPECT_EQ(rowsOf(*session, "SELECT name, sysstat & 0xf FROM sysobjects WHERE sysstat & 0xf > 0 ORDER BY name"), "r|8\nt|3\nv|2\n");
+}
+
 // A script as sample databases have it: types of its own, defaults, checks, references, identity, trigger, view, procedures.
 TEST(Script, runsWhatSampleDatabasesHold) {
     const auto session = Store::scratch()->session();

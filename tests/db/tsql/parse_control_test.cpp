@@ -32,6 +32,46 @@ TEST(ParseControl, readsTryCatchAndItsStatements) {
     EXPECT_FALSE(static_cast<const ThrowStatement&>(*tried.handler[1]).number);
 }
 
+// Without a semicolon in front, a label was taken for the alias, argument or name that the statement before it may end with.
+TEST(ParseControl, seesALabelBehindEveryStatement) {
+    for (const char* before : {"SELECT 'x'",
+                               "SELECT a FROM t",
+                               "SELECT a FROM t AS b JOIN c ON a = d",
+                               "EXEC p",
+                               "p",
+                               "EXEC p 1",
+                               "BEGIN TRAN",
+                               "COMMIT",
+                               "ROLLBACK TRAN",
+                               "DELETE FROM t",
+                               "DELETE t",
+                               "UPDATE t SET a = 1",
+                               "INSERT t SELECT 1",
+                               "INSERT t DEFAULT VALUES",
+                               "PRINT 'x'",
+                               "DECLARE @a INT",
+                               "SET @a = 1",
+                               "RETURN",
+                               "GOTO Branch",
+                               "FETCH NEXT FROM c",
+                               "CLOSE c",
+                               "RAISERROR ('x', 16, 1)",
+                               "WAITFOR DELAY '0:0:1'",
+                               "CREATE TABLE t (a INT)",
+                               "DROP TABLE t",
+                               "SELECT a FROM t ORDER BY a",
+                               "SELECT a FROM t GROUP BY a",
+                               "USE pubs",
+                               "GRANT SELECT ON t TO a",
+                               "THROW",
+                               "CHECKPOINT"}) {
+        const Batch batch = parseBatch(std::string(before) + "\nBranch:\nSELECT 1");
+        ASSERT_EQ(batch.statements.size(), 3U) << before;
+        EXPECT_EQ(batch.statements[1]->kind, StatementKind::Label) << before;
+        EXPECT_EQ(batch.statements[1]->line, 2) << before;
+    }
+}
+
 TEST(ParseControl, readsTransactionsWithAndWithoutNames) {
     const Batch batch = parseBatch("BEGIN TRAN outerone COMMIT TRANSACTION SAVE TRAN s ROLLBACK TRAN s ROLLBACK WORK");
     ASSERT_EQ(batch.statements.size(), 5U);
