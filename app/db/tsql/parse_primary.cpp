@@ -93,9 +93,11 @@ ExprPtr Parser::literal() {
     case TokenKind::WideText:
         result->kind = ExprKind::WideText;
         break;
-    default:
+    case TokenKind::Binary:
         result->kind = ExprKind::Binary;
         break;
+    default:
+        unexpected(token);
     }
     result->text = token.value();
     return result;

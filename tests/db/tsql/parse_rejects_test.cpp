@@ -32,6 +32,9 @@ TEST(ParseRejects, namesNumberAndLine) {
         {"EXEC p @a = 1, 'x'", 119, 1},
         {"RETURN 5", 178, 1},
         {"SELECT a.b.c.d.e FROM t", 117, 1},
+        {"SELECT TOP UNION SELECT 1", 156, 1}, // what is no literal was taken for a binary one, and its letters for digits
+        {"SELECT TOP n id FROM t", 102, 1},
+        {"DELETE TOP FROM t", 156, 1},
         {"SELECT CAST(1 AS) FROM t", 102, 1},
         {"BEGIN TRY SELECT 1 END TRY SELECT 2", 156, 1},
         {"THIS IS NO STATEMENT AT ALL", 156, 1},
