@@ -106,6 +106,12 @@ Cell whole(Wide number, TypeKind kind, std::int64_t low, std::int64_t high) {
     return Cell::ofInteger(static_cast<std::int64_t>(number));
 }
 
+Cell finite(double number) {
+    if (!std::isfinite(number))
+        throw tsql::overflow(tsql::simpleType(TypeKind::Float));
+    return Cell::ofReal(number);
+}
+
 double spread(const Gathered& gathered, bool population) {
     const auto count = static_cast<double>(gathered.count);
     const double mean = gathered.real / count;
@@ -137,17 +143,17 @@ Cell resultOf(const Aggregate& aggregate, const Gathered& gathered) {
         return tsql::checkedDecimal(digits / count, tsql::decimalType(38, 6));
     }
     case Kind::SumFloat:
-        return Cell::ofReal(gathered.real);
+        return finite(gathered.real);
     case Kind::AvgFloat:
-        return Cell::ofReal(gathered.real / static_cast<double>(gathered.count));
+        return finite(gathered.real / static_cast<double>(gathered.count));
     case Kind::StdDev:
-        return gathered.count < 2 ? Cell() : Cell::ofReal(std::sqrt(spread(gathered, false)));
+        return gathered.count < 2 ? Cell() : finite(std::sqrt(spread(gathered, false)));
     case Kind::StdDevP:
-        return Cell::ofReal(std::sqrt(spread(gathered, true)));
+        return finite(std::sqrt(spread(gathered, true)));
     case Kind::Variance:
-        return gathered.count < 2 ? Cell() : Cell::ofReal(spread(gathered, false));
+        return gathered.count < 2 ? Cell() : finite(spread(gathered, false));
     case Kind::VarianceP:
-        return Cell::ofReal(spread(gathered, true));
+        return finite(spread(gathered, true));
     case Kind::One:
         break;
     }

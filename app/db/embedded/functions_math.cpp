@@ -106,10 +106,28 @@ void divideMoney(const Call& call) {
     giveChecked<Money>(call, static_cast<Wide>(call.integer(0)) * 10000 / call.integer(1));
 }
 
+// Too large is another error than no number at all.
+double finite(double number) {
+    if (std::isinf(number))
+        throw tsql::overflow(tsql::simpleType(TypeKind::Float));
+    if (std::isnan(number))
+        throw DbError(DbError::Category::Type, 3623, "An invalid floating point operation occurred.").withSeverity(16, 1);
+    return number;
+}
+
+void giveFloat(const Call& call, double number) {
+    call.give(finite(number));
+}
+
 void divideFloat(const Call& call) {
     if (call.real(1) == 0)
         throw divideByZero();
-    call.give(call.real(0) / call.real(1));
+    giveFloat(call, call.real(0) / call.real(1));
+}
+
+// The result of a sum, difference or product.
+void checkFloat(const Call& call) {
+    giveFloat(call, call.real(0));
 }
 
 // ---- decimals: (a, b, scale of a, scale of b, precision and scale of the result)
@@ -276,20 +294,12 @@ void sign(const Call& call) {
     call.give(static_cast<std::int64_t>(type.isMoney() ? result * 10000 : result));
 }
 
-void giveFloat(const Call& call, double number) {
-    if (!std::isfinite(number))
-        throw DbError(DbError::Category::Type, 3623, "An invalid floating point operation occurred.").withSeverity(16, 1);
-    call.give(number);
-}
-
 void power(const Call& call) {
     const SqlType from = tsql::typeOfCode(call.integer(2));
     const SqlType to = tsql::typeOfCode(call.integer(3));
     const SqlType real = tsql::simpleType(TypeKind::Float);
     const double base = tsql::converted(call.cell(0), from, real).real;
-    const double result = std::pow(base, call.real(1));
-    if (!std::isfinite(result))
-        throw DbError(DbError::Category::Type, 3623, "An invalid floating point operation occurred.").withSeverity(16, 1);
+    const double result = finite(std::pow(base, call.real(1)));
     call.give(tsql::converted(Cell::ofReal(result), real, to));
 }
 
@@ -383,6 +393,7 @@ void registerMathFunctions(sqlite3* db, FunctionHost& host) {
         {"ts_div_money", 2, divideMoney},
         {"ts_mod_money", 2, modulo<Money>},
         {"ts_div_float", 2, divideFloat},
+        {"ts_float", 1, checkFloat},
         {"ts_add_dec", 6, addDecimal<1>},
         {"ts_sub_dec", 6, addDecimal<-1>},
         {"ts_mul_dec", 6, multiplyDecimal},

@@ -5,6 +5,7 @@
 #include "app/db/tsql/token.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace merchantry::db::tsql {
@@ -76,6 +77,8 @@ Typed Binder::bindValueOf(const Expr& expr) {
         result.type = simpleType(TypeKind::Float);
         result.nullable = false;
         result.literal = Cell::ofReal(std::strtod(expr.text.c_str(), nullptr));
+        if (!std::isfinite(result.literal->real))
+            throw overflow(result.type);
         result.sql = literalSql(*result.literal);
         return result;
     }

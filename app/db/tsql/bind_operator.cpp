@@ -160,7 +160,7 @@ Typed Binder::arithmetic(char op, Typed left, Typed right, int line) {
         return result;
     }
     if (type.isFloat())
-        result.sql = op == '/' ? "ts_div_float(" + a + "," + b + ")" : "(" + a + op + b + ")";
+        result.sql = op == '/' ? "ts_div_float(" + a + "," + b + ")" : "ts_float(" + a + op + b + ")";
     else if (type.isDate())
         result.sql = call + "date(" + a + "," + b + ")";
     else if (type.isMoney())

@@ -1,6 +1,7 @@
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/datetext.h"
 #include "app/db/tsql/types.h"
+#include "base/decimal.h"
 
 #include <gtest/gtest.h>
 
@@ -28,6 +29,39 @@ TEST(Convert, readsTextsAsTheTypeSays) {
     EXPECT_EQ(castOf("$1,234.5", simpleType(TypeKind::Money)), "1234.5");
     EXPECT_EQ(castOf("TRUE", simpleType(TypeKind::Bit)), "True");
     EXPECT_EQ(castOf("1e3", simpleType(TypeKind::Float)), "1000");
+}
+
+TEST(Convert, readsMoneyFromTextsLikeMoneyFromNumbers) {
+    const std::pair<const char*, const char*> kCases[] = {
+        {"", "0"},
+        {"-", "0"},
+        {"$", "0"},
+        {" + ", "0"},
+        {".", "0"},
+        {"-$1,234.5", "-1234.5"},
+        {"$-7", "-7"},
+        {"- \u00A3 3", "-3"},
+        {"\u20AC5", "5"},
+        {"\u00A55.", "5"},
+        {"\uFFE65", "5"},
+        {"0.00005", "0.0001"},
+        {"0.00015", "0.0002"},
+        {"-0.00025", "-0.0003"},
+        {"0.000049999999999999999999999999999999999999", "0"},
+        {"922337203685477.58074", "922337203685477.5807"},
+        {"1,2,3", "123"},
+    };
+    const SqlType money = simpleType(TypeKind::Money);
+    for (const auto& [text, amount] : kCases) {
+        EXPECT_EQ(castOf(text, money), amount) << text;
+        if (const auto number = Decimal::fromText(text); number && number->scale < 30) {
+            EXPECT_EQ(valueOf(converted(decimalCell(number->digits, 38), decimalType(38, number->scale), money), money).toText(), amount)
+                << text;
+        }
+    }
+    for (const char* text : {"1e5", "5-", "$$5", "--5", "(5)", "1.2.3", "1.2,3", "5\u20AC", "5 5", "\u00E45"})
+        EXPECT_EQ(errorOf(text, money), 235) << text;
+    EXPECT_EQ(errorOf("922337203685477.58075", money), 8115);
 }
 
 TEST(Convert, failsWithTheNumberOfTheType) {
