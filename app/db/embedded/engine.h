@@ -138,7 +138,7 @@ private:
     void runPrint(const tsql::PrintStatement& statement);
     std::optional<DbError> runTried(const tsql::Block& block, Flow& flow);
     Flow runHandler(const tsql::TryStatement& statement, const DbError& error);
-    std::string raisedText(StatementPlan& plan, const std::string& format);
+    std::string raisedMessage(StatementPlan& plan, const std::string& format);
     void assign(int slot, Cell cell);
     void runWait(const tsql::WaitForStatement& statement);
     void runCursor(const tsql::CursorStatement& statement);
@@ -182,6 +182,7 @@ private:
     bool undoesItself(const tsql::ChangePlan& change);
     void change(StatementPlan& plan, WriteScope& scope);
     std::int64_t runChangeSql(StatementPlan& plan);
+    void noteScopeIdentity(const tsql::TableDef& table, std::int64_t rows);
     std::int64_t moveKeys(StatementPlan& plan);
     void runInstead(StatementPlan& plan);
     void runOutput(StatementPlan& plan);
@@ -190,7 +191,12 @@ private:
     using CapturedTables = std::map<std::string, Captured>;
     void fireFor(const tsql::ChangePlan& plan, const CapturedTables& captured, char event);
     Rowset rowsOf(const tsql::Sql3& sql);
-    DbError refined(const DbError& error, const tsql::TableDef& table);
+    DbError refined(const DbError& error, const tsql::TableDef& table, tsql::ChangePlan::Kind kind);
+    DbError conflict(StatementPlan& plan, const DbError& error);
+    std::optional<DbError> brokenReference(const tsql::ChangePlan& change);
+    using NumbersGiven = std::map<std::int64_t, std::int64_t>; // by table
+    NumbersGiven numbersGiven();
+    void putNumbersBack(const NumbersGiven& numbers);
 
     // triggers
     using Tables = std::vector<std::shared_ptr<const tsql::TableDef>>;

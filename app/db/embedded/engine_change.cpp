@@ -88,12 +88,8 @@ void Engine::change(StatementPlan& plan, WriteScope& scope) {
     std::int64_t rows = 0;
     const CapturedTables captured = captureOf(change.table, event, change.output != nullptr, [&] { rows = runChangeSql(plan); });
     rowCount_ = rows;
-    if (change.table->identityColumn() >= 0 && change.kind == tsql::ChangePlan::Kind::Insert) {
-        frame_->scopeIdentity = identity_;
-    } else if (change.kind == tsql::ChangePlan::Kind::Insert) {
-        identity_ = {};
-        frame_->scopeIdentity = {};
-    }
+    if (change.kind == tsql::ChangePlan::Kind::Insert)
+        noteScopeIdentity(*change.table, rows);
     if (change.output) {
         const Captured& own = captured.at(lowerCase(change.table->name));
         rows_.define(pseudoName("inserted", change.table->id), *pseudoTable("inserted", *change.table));
@@ -110,6 +106,14 @@ void Engine::change(StatementPlan& plan, WriteScope& scope) {
     rowCount_ = rows;
 }
 
+// What an INSERT leaves for SCOPE_IDENTITY: its own number, nothing when the table gives none, and what was before when no row came.
+void Engine::noteScopeIdentity(const tsql::TableDef& table, std::int64_t rows) {
+    if (table.identityColumn() < 0)
+        frame_->scopeIdentity = identity_ = {};
+    else if (rows > 0)
+        frame_->scopeIdentity = identity_;
+}
+
 std::int64_t Engine::runChangeSql(StatementPlan& plan) {
     const tsql::ChangePlan& change = *plan.change;
     counters_.clear();
@@ -121,7 +125,7 @@ std::int64_t Engine::runChangeSql(StatementPlan& plan) {
     } catch (const DbError& error) {
         if (error.native() == 2627 && error.category() == DbError::Category::Integrity && !change.newRows.text.empty())
             return moveKeys(plan);
-        throw refined(error, *change.table);
+        throw conflict(plan, error);
     }
     const std::int64_t rows = sqlite3_changes64(connection_.handle());
     keepCounters();
@@ -134,7 +138,7 @@ std::int64_t Engine::moveKeys(StatementPlan& plan) {
     const tsql::TableDef& table = *change.table;
     for (const auto& [other, key] : catalog_.referencesTo(table.name)) {
         if (!key.onDelete.empty())
-            throw refined(DbError(DbError::Category::Integrity, 2627, table.name), table);
+            throw refined(DbError(DbError::Category::Integrity, 2627, table.name), table, change.kind);
     }
     for (auto& [name, captured] : capture_.tables) {
         captured.inserted->clear();
@@ -167,55 +171,11 @@ std::int64_t Engine::moveKeys(StatementPlan& plan) {
             connection_.step(insert.get());
         }
     } catch (const DbError& error) {
-        throw refined(error, table);
+        throw refined(error, table, change.kind);
     }
-    const Statement3 broken(connection_.handle(), "PRAGMA foreign_key_check");
-    if (connection_.step(broken.get()))
-        throw DbError(DbError::Category::Integrity, 547, "The UPDATE statement conflicted with a REFERENCE constraint.")
-            .withSeverity(16, 0);
+    if (const std::optional<DbError> broken = brokenReference(change))
+        throw DbError(*broken);
     return static_cast<std::int64_t>(rows.size());
-}
-
-// A duplicate with the name of its key, 2627 for a constraint and 2601 for an index.
-DbError Engine::refined(const DbError& error, const tsql::TableDef& table) {
-    if (error.category() != DbError::Category::Integrity)
-        return error;
-    if (error.native() == 547) {
-        const std::string text = error.what();
-        const bool isCheck = text.find("CHECK") != std::string::npos;
-        if (isCheck || table.foreignKeys.size() != 1)
-            return error;
-        return DbError(DbError::Category::Integrity, 547,
-                       "The statement conflicted with the FOREIGN KEY constraint \"" + table.foreignKeys[0].name +
-                           "\" or with a reference to table \"dbo." + table.name + "\".")
-            .withSeverity(16, 0);
-    }
-    if (error.native() != 2627)
-        return error;
-    const std::string what = error.what(); // "t.a, t.b" or "index 'name'"
-    const auto fits = [&](const std::string& name, const std::vector<tsql::IndexColumn>& columns) {
-        if (what.rfind("index '", 0) == 0)
-            return what.find("_" + name + "'") != std::string::npos || what.find("_" + name + "$null'") != std::string::npos;
-        std::vector<std::string> parts;
-        for (const tsql::IndexColumn& column : columns)
-            parts.push_back(table.name + "." + column.name);
-        return tsql::sameName(joined(parts, ", "), what);
-    };
-    for (const tsql::KeyDef& key : table.keys) {
-        if (fits(key.name, key.columns))
-            return DbError(DbError::Category::Integrity, 2627,
-                           std::string("Violation of ") + (key.primary ? "PRIMARY KEY" : "UNIQUE KEY") + " constraint '" + key.name +
-                               "'. Cannot insert duplicate key in object 'dbo." + table.name + "'.")
-                .withSeverity(14, 1);
-    }
-    for (const tsql::IndexDef& index : table.indexes) {
-        if (index.unique && fits(index.name, index.columns))
-            return DbError(DbError::Category::Integrity, 2601,
-                           "Cannot insert duplicate key row in object 'dbo." + table.name + "' with unique index '" + index.name + "'.")
-                .withSeverity(14, 1);
-    }
-    return DbError(DbError::Category::Integrity, 2627, "Cannot insert duplicate key in object 'dbo." + table.name + "'.")
-        .withSeverity(14, 1);
 }
 
 void Engine::runOutput(StatementPlan& plan) {
@@ -245,7 +205,7 @@ void Engine::insertRows(const tsql::ChangePlan& plan, const Rowset& rows) {
         try {
             connection_.step(insert.get());
         } catch (const DbError& error) {
-            throw refined(error, *plan.table);
+            throw refined(error, *plan.table, tsql::ChangePlan::Kind::Insert);
         }
     }
     keepCounters();
@@ -264,7 +224,10 @@ void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
     std::int64_t rows = 0;
     for (const RowCollector::Set& set : collector.sets) {
         const tsql::ChangePlan plan = tsql::Binder(bindContext()).insertRow(statement, set.types);
-        fireFor(plan, captureOf(plan.table, 'I', false, [&] { insertRows(plan, set.rows); }), 'I');
+        const CapturedTables captured = captureOf(plan.table, 'I', false, [&] { insertRows(plan, set.rows); });
+        noteScopeIdentity(*plan.table, static_cast<std::int64_t>(set.rows.size()));
+        const Restore scopeIdentity(frame_->scopeIdentity);
+        fireFor(plan, captured, 'I');
         rows += static_cast<std::int64_t>(set.rows.size());
     }
     scope.finish();

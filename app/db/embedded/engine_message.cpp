@@ -1,56 +1,26 @@
 #include "app/db/embedded/engine.h"
+#include "app/db/embedded/raised_text.h"
 
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <cstdio>
 #include <thread>
 
 namespace merchantry::db::embedded {
+namespace {
 
-std::string Engine::raisedText(StatementPlan& plan, const std::string& format) {
-    std::string text;
-    std::size_t argument = 3;
-    for (std::size_t at = 0; at < format.size(); ++at) {
-        if (format[at] != '%' || at + 1 == format.size()) {
-            text += format[at];
-            continue;
-        }
-        std::size_t end = at + 1;
-        while (end < format.size() && std::string_view("0123456789-+ #.*lhI").find(format[end]) != std::string_view::npos)
-            ++end;
-        const char kind = end < format.size() ? format[end] : '%';
-        if (kind == '%' || std::string_view("sdiuxXo").find(kind) == std::string_view::npos) {
-            text += kind == '%' ? "%" : format.substr(at, end - at + 1);
-            at = end;
-            continue;
-        }
-        std::string given = "(null)";
-        if (argument < plan.values.size()) {
-            const Cell cell = valueAt(plan, argument);
-            if (!cell.isNull())
-                given = tsql::textOf(cell, plan.values[argument].type);
-            if (!cell.isNull() && (kind == 'x' || kind == 'X')) {
-                std::array<char, 24> buffer{};
-                std::snprintf(buffer.data(), buffer.size(), kind == 'x' ? "%llx" : "%llX", static_cast<unsigned long long>(cell.integer));
-                given = buffer.data();
-            }
-        }
-        ++argument;
-        std::string flags = format.substr(at + 1, end - at - 1);
-        const bool leftAligned = flags.find('-') != std::string::npos;
-        std::erase_if(flags, [](char c) { return c < '0' || c > '9'; });
-        const std::size_t width = flags.empty() ? 0 : static_cast<std::size_t>(std::min(std::stoi(flags.substr(0, 4)), 400));
-        if (given.size() < width)
-            given.insert(leftAligned ? given.size() : 0, width - given.size(), ' ');
-        text += given;
-        at = end;
-    }
-    return text;
+constexpr std::size_t kFirstRaiseArgument = 3; // behind message, severity and state
+
+} // namespace
+
+std::string Engine::raisedMessage(StatementPlan& plan, const std::string& format) {
+    std::vector<RaisedArgument> arguments;
+    for (std::size_t i = kFirstRaiseArgument; i < plan.values.size(); ++i)
+        arguments.push_back({valueAt(plan, i), plan.values[i].type});
+    return raisedText(format, arguments);
 }
 
 void Engine::runRaise(const tsql::RaiseStatement& statement) {
@@ -59,7 +29,7 @@ void Engine::runRaise(const tsql::RaiseStatement& statement) {
     const int severity = static_cast<int>(valueAt(*plan, 1).integer);
     const int state = static_cast<int>(valueAt(*plan, 2).integer);
     const bool numbered = plan->values[0].type.isWhole();
-    const std::string text = numbered ? "Error " + std::to_string(message.integer) + "." : raisedText(*plan, message.bytes);
+    const std::string text = numbered ? "Error " + std::to_string(message.integer) + "." : raisedMessage(*plan, message.bytes);
     rowCount_ = 0;
     if (severity <= 10) {
         sink_->message(text);

@@ -1,3 +1,4 @@
+#include "app/db/embedded/filecopy.h"
 #include "tests/db/embedded/rows.h"
 
 #include <gtest/gtest.h>
@@ -156,6 +157,65 @@ TEST_F(Errors, aCheckMayAskForTheTimeAndTheSession) {
     EXPECT_EQ(errorOf(*session, "UPDATE due SET who = 'sa'"), 547);
     EXPECT_EQ(errorOf(*session, "UPDATE due SET who = 'dbo', day = '2024-02-26'"), 0);
     EXPECT_EQ(errorOf(*session, "ALTER TABLE due ADD CHECK (at > GETDATE())"), 547);
+}
+
+TEST_F(Errors, aStoreWithSuchACheckIsSound) {
+    const TemporaryFile file;
+    runScript(*Store::create(file.path())->session(),
+              "CREATE TABLE due (at DATETIME CHECK (at > GETDATE()), code VARCHAR(5) CHECK (code LIKE 'a%'))\n"
+              "GO\nINSERT due VALUES (DATEADD(ms, 20, GETDATE()), 'ab') WAITFOR DELAY '00:00:00.050'");
+    EXPECT_EQ(damageOf(file.path()), std::vector<std::string>());
+}
+
+// Which of several references it was, SQLite does not say; the second run that finds it out leaves no trace.
+TEST_F(Errors, nameTheRuleThatWasBroken) {
+    runScript(*session, "CREATE TABLE two (id INT IDENTITY PRIMARY KEY, a INT CONSTRAINT FK_a REFERENCES par (id), "
+                        "b INT CONSTRAINT FK_b REFERENCES par (id), up INT CONSTRAINT FK_up REFERENCES two (id), "
+                        "n INT CONSTRAINT CK_n CHECK (n > 0))\n"
+                        "INSERT two VALUES (1, 1, NULL, 1) INSERT two VALUES (1, 1, 1, 1)");
+    const std::pair<const char*, const char*> kBad[] = {
+        {"INSERT two VALUES (9, 1, NULL, 1)", "INSERT statement conflicted with the FOREIGN KEY constraint \"FK_a\""},
+        {"INSERT two VALUES (1, 9, NULL, 1)", "INSERT statement conflicted with the FOREIGN KEY constraint \"FK_b\""},
+        {"INSERT two VALUES (1, 1, 9, 1)", "INSERT statement conflicted with the FOREIGN KEY SAME TABLE constraint \"FK_up\""},
+        {"UPDATE two SET b = 9", "UPDATE statement conflicted with the FOREIGN KEY constraint \"FK_b\""},
+        {"UPDATE par SET id = 7", "UPDATE statement conflicted with the REFERENCE constraint"},
+        {"DELETE two WHERE id = 1", "DELETE statement conflicted with the SAME TABLE REFERENCE constraint \"FK_up\""},
+        {"UPDATE two SET n = 0", "UPDATE statement conflicted with the CHECK constraint \"CK_n\""},
+        {"DELETE par", "DELETE statement conflicted with the REFERENCE constraint"},
+    };
+    for (const auto& [batch, words] : kBad) {
+        try {
+            rowsOf(*session, batch);
+            ADD_FAILURE() << batch;
+        } catch (const DbError& error) {
+            EXPECT_EQ(error.native(), 547) << batch;
+            EXPECT_NE(std::string(error.what()).find(words), std::string::npos) << batch << ": " << error.what();
+        }
+    }
+    EXPECT_EQ(
+        rowsOf(*session, "DECLARE @v INT SET @v = 5 BEGIN TRY UPDATE two SET @v = b = @v + 1 END TRY BEGIN CATCH SELECT @v END CATCH"),
+        "7\n"); // one more for each row, once
+    EXPECT_EQ(rowsOf(*session, "SELECT @@TRANCOUNT INSERT two (n) VALUES (1) SELECT SCOPE_IDENTITY() SELECT COUNT(*) FROM two WHERE b = 1"),
+              "0\n--\n6\n--\n2\n"); // three numbers went with the inserts that failed, as on the server
+}
+
+TEST_F(Errors, aNumberTooLargeForAFloatIsTold) {
+    for (const char* value :
+         {"1e400", "-1e400", "1e300 * 1e300", "1.7e308 + 1.7e308", "-1.7e308 - 1.7e308", "1e300 / 1e-300", "EXP(1000)", "POWER(1e300, 2)",
+          "SQUARE(1e200)", "CAST('1e400' AS FLOAT)", "SUM(a) FROM (SELECT 1.7e308 AS a UNION ALL SELECT 1.7e308) d"})
+        EXPECT_EQ(errorOf(*session, std::string("SELECT ") + value), 8115) << value;
+    EXPECT_EQ(errorOf(*session, "SELECT SQRT(-1)"), 3623);
+    EXPECT_EQ(errorOf(*session, "SELECT LOG(-1)"), 3623);
+    EXPECT_EQ(rowsOf(*session, "SELECT 2e300 * 4, NULL * 1e0, 1e-300 * 1e-300"), "8e+300|NULL|0\n");
+}
+
+TEST_F(Errors, aScopeWithoutARowHasNoIdentity) {
+    runScript(*session, "CREATE TABLE num (id INT IDENTITY(50, 1), a INT)\nGO\n"
+                        "CREATE PROCEDURE adds @n INT AS INSERT num SELECT 1 WHERE @n > 0 SELECT SCOPE_IDENTITY()\nGO\n"
+                        "CREATE PROCEDURE gives AS SELECT 5 UNION ALL SELECT 6");
+    EXPECT_EQ(rowsOf(*session, "INSERT num VALUES (1) EXEC adds 0 SELECT SCOPE_IDENTITY(), @@IDENTITY"), "NULL\n--\n50|50\n");
+    EXPECT_EQ(rowsOf(*session, "EXEC adds 1 EXEC adds 0"), "51\n--\nNULL\n");
+    EXPECT_EQ(rowsOf(*session, "INSERT num EXEC gives SELECT SCOPE_IDENTITY()"), "53\n");
 }
 
 TEST_F(Errors, sayWhatIsNotSupported) {

@@ -1,0 +1,139 @@
+#include "app/db/embedded/engine.h"
+
+#include "app/db/tsql/token.h"
+#include "base/text.h"
+
+#include <algorithm>
+
+namespace merchantry::db::embedded {
+
+// Which rule a change broke: SQLite says that one is broken, the server names it.
+
+namespace {
+
+using Kind = tsql::ChangePlan::Kind;
+
+// "The INSERT statement conflicted with the FOREIGN KEY constraint ..."
+DbError conflictOf(Kind kind, const std::string& what, const std::string& constraint, const std::string& table, const std::string& column) {
+    static constexpr const char* kWords[] = {"INSERT", "UPDATE", "DELETE"};
+    const std::string where = column.empty() ? "" : ", column '" + column + "'";
+    return DbError(DbError::Category::Integrity, 547,
+                   std::string("The ") + kWords[static_cast<int>(kind)] + " statement conflicted with the " + what + " constraint \"" +
+                       constraint + "\". The conflict occurred in database \"Tillmark2k\", table \"dbo." + table + "\"" + where + ".")
+        .withSeverity(16, 0);
+}
+
+// A conflict with a check as SQLite tells it: its name stands between quotes. Another one is left as it is.
+DbError checkConflict(const DbError& error, const tsql::TableDef& table, Kind kind) {
+    const std::vector<std::string> parts = split(error.what(), "\"");
+    if (parts.size() < 2)
+        return error;
+    const auto found =
+        std::find_if(table.checks.begin(), table.checks.end(), [&](const tsql::CheckDef& check) { return check.name == parts[1]; });
+    return found == table.checks.end() ? error : conflictOf(kind, "CHECK", found->name, table.name, "");
+}
+
+} // namespace
+
+// A duplicate with the name of its key, 2627 for a constraint and 2601 for an index.
+DbError Engine::refined(const DbError& error, const tsql::TableDef& table, tsql::ChangePlan::Kind kind) {
+    if (error.category() != DbError::Category::Integrity)
+        return error;
+    if (error.native() == 547)
+        return checkConflict(error, table, kind);
+    if (error.native() != 2627)
+        return error;
+    const std::string what = error.what(); // "t.a, t.b" or "index 'name'"
+    const auto fits = [&](const std::string& name, const std::vector<tsql::IndexColumn>& columns) {
+        if (what.rfind("index '", 0) == 0)
+            return what.find("_" + name + "'") != std::string::npos || what.find("_" + name + "$null'") != std::string::npos;
+        std::vector<std::string> parts;
+        for (const tsql::IndexColumn& column : columns)
+            parts.push_back(table.name + "." + column.name);
+        return tsql::sameName(joined(parts, ", "), what);
+    };
+    for (const tsql::KeyDef& key : table.keys) {
+        if (fits(key.name, key.columns))
+            return DbError(DbError::Category::Integrity, 2627,
+                           std::string("Violation of ") + (key.primary ? "PRIMARY KEY" : "UNIQUE KEY") + " constraint '" + key.name +
+                               "'. Cannot insert duplicate key in object 'dbo." + table.name + "'.")
+                .withSeverity(14, 1);
+    }
+    for (const tsql::IndexDef& index : table.indexes) {
+        if (index.unique && fits(index.name, index.columns))
+            return DbError(DbError::Category::Integrity, 2601,
+                           "Cannot insert duplicate key row in object 'dbo." + table.name + "' with unique index '" + index.name + "'.")
+                .withSeverity(14, 1);
+    }
+    return DbError(DbError::Category::Integrity, 2627, "Cannot insert duplicate key in object 'dbo." + table.name + "'.")
+        .withSeverity(14, 1);
+}
+
+// The error of a change that failed, with the name of the rule. A broken reference is found by doing the change once more with all
+// references left open until its end, looking at what they hold then, and taking it back.
+DbError Engine::conflict(StatementPlan& plan, const DbError& error) {
+    const tsql::ChangePlan& change = *plan.change;
+    const DbError known = refined(error, *change.table, change.kind);
+    const bool isReference =
+        error.category() == DbError::Category::Integrity && error.native() == 547 && std::string(known.what()) == error.what();
+    if (!isReference)
+        return known;
+    // What the second run counts and sets is not seen.
+    const Restore variables(frame_->variables);
+    const Restore counters(counters_);
+    const Restore identity(identity_);
+    const Restore capture(capture_, CaptureState());
+    const Restore temporary(temporaryCounters_);
+    const AtEnd given([this, numbers = numbersGiven()] { putNumbersBack(numbers); });
+    const auto run = [this](const char* sql) { sqlite3_exec(connection_.handle(), sql, nullptr, nullptr, nullptr); };
+    run("SAVEPOINT ts_probe; PRAGMA defer_foreign_keys=ON");
+    const AtEnd undone([&] { run("ROLLBACK TO ts_probe; RELEASE ts_probe; PRAGMA defer_foreign_keys=OFF"); });
+    try {
+        Statement3 spare;
+        sqlite3_stmt* statement = prepared(plan, 0, change.sql, spare);
+        const ResetGuard guard(statement);
+        connection_.step(statement);
+        return brokenReference(change).value_or(known);
+    } catch (const DbError&) {
+        return known;
+    }
+}
+
+// The first reference from or to the changed table that holds nowhere.
+std::optional<DbError> Engine::brokenReference(const tsql::ChangePlan& change) {
+    const auto brokenIn = [&](const tsql::TableDef& table) -> const tsql::ForeignKeyDef* {
+        const Statement3 check(connection_.handle(), "PRAGMA foreign_key_check(" + tsql::quotedName(table.name) + ")");
+        if (!connection_.step(check.get()))
+            return nullptr;
+        std::vector<const tsql::ForeignKeyDef*> keys; // SQLite counts them from the last one
+        for (const tsql::ForeignKeyDef& key : table.foreignKeys)
+            if (key.enabled)
+                keys.insert(keys.begin(), &key);
+        const int number = sqlite3_column_int(check.get(), 3);
+        return number >= 0 && static_cast<std::size_t>(number) < keys.size() ? keys[static_cast<std::size_t>(number)] : nullptr;
+    };
+    const auto only = [](const std::vector<std::string>& columns) { return columns.size() == 1 ? columns[0] : std::string(); };
+    if (change.kind != Kind::Delete) {
+        if (const tsql::ForeignKeyDef* key = brokenIn(*change.table))
+            return conflictOf(change.kind, tsql::sameName(key->table, change.table->name) ? "FOREIGN KEY SAME TABLE" : "FOREIGN KEY",
+                              key->name, key->table, only(key->refColumns));
+    }
+    for (const auto& [other, key] : catalog_.referencesTo(change.table->name)) {
+        if (const tsql::ForeignKeyDef* broken = brokenIn(*other))
+            return conflictOf(change.kind, other->id == change.table->id ? "SAME TABLE REFERENCE" : "REFERENCE", broken->name, other->name,
+                              only(broken->columns));
+    }
+    return std::nullopt;
+}
+
+Engine::NumbersGiven Engine::numbersGiven() {
+    const std::lock_guard lock(shared_->mutex);
+    return shared_->lastIdentity;
+}
+
+void Engine::putNumbersBack(const NumbersGiven& numbers) {
+    const std::lock_guard lock(shared_->mutex);
+    shared_->lastIdentity = numbers;
+}
+
+} // namespace merchantry::db::embedded
