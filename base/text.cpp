@@ -109,29 +109,6 @@ static char asciiFolded(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
 }
 
-int compareText(std::string_view left, std::string_view right) {
-    left = trimmedRight(left);
-    right = trimmedRight(right);
-    std::size_t l = 0;
-    std::size_t r = 0;
-    while (l < left.size() && r < right.size()) {
-        if (static_cast<signed char>(left[l]) >= 0 && static_cast<signed char>(right[r]) >= 0) {
-            const char a = asciiFolded(left[l++]);
-            const char b = asciiFolded(right[r++]);
-            if (a != b)
-                return a < b ? -1 : 1;
-            continue;
-        }
-        const char32_t a = foldedCase(nextCodePoint(left, l));
-        const char32_t b = foldedCase(nextCodePoint(right, r));
-        if (a != b)
-            return a < b ? -1 : 1;
-    }
-    if (l < left.size())
-        return 1;
-    return r < right.size() ? -1 : 0;
-}
-
 bool beginsWith(std::string_view text, std::string_view beginning) {
     std::size_t t = 0;
     std::size_t b = 0;

@@ -15,7 +15,8 @@ std::string_view trimmedRight(std::string_view text); // without trailing blanks
 std::string upperCase(std::string_view text);
 std::string lowerCase(std::string_view text);
 
-// Order of two texts as the store compares them: without case and without trailing blanks. Negative, 0 or positive.
+// Order of two texts as the store compares them: without case and without trailing blanks, signs before digits before letters, letters with
+// accents beside their base letter. Negative, 0 or positive; 0 only where the letters have the same accents.
 int compareText(std::string_view left, std::string_view right);
 inline bool sameText(std::string_view left, std::string_view right) {
     return compareText(left, right) == 0;

@@ -1,6 +1,6 @@
 #include "bench/barestore.h"
 
-#include "app/db/embedded/functions.h"
+#include "app/db/embedded/text_order.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,7 +19,7 @@ void require(int code, sqlite3* db) {
 
 BareStore::BareStore(const std::filesystem::path& file) {
     require(sqlite3_open_v2(file.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr), db_);
-    db::embedded::registerCollations(db_);
+    db::embedded::registerCollations(db_, db::embedded::textOrderOf(db_));
     require(sqlite3_exec(db_, "PRAGMA cache_size=-16384", nullptr, nullptr, nullptr), db_);
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace merchantry {
 namespace {
 
@@ -20,6 +22,30 @@ TEST(Text, ComparesWithoutCaseAndTrailingBlanks) {
     EXPECT_FALSE(sameText(" a", "a"));
     EXPECT_LT(compareText("abc", "abcd"), 0);
     EXPECT_GT(compareText("b", "A"), 0);
+}
+
+// Signs, digits, letters with their accents beside them, other alphabets. Whatever pair is taken, the earlier one is the lesser.
+TEST(Text, OrdersByOneRule) {
+    const std::vector<std::string> order = {
+        "",          "!",         "#1",     "$DROP",   "(a)",    "-5",     "[x]",     "_x",     "~",       "\u00A3", "\u00D7",
+        "\u20AC5",   "0",         "00",     "1",       "10",     "2",      "a",       "\u00C0", "\u00E1",  "a b",    "a!",
+        "a-1",       "a1",        "ab",     "\u00E4b", "abc",    "adz",    "\u00C6",  "aez",    "az",      "B",      "cote",
+        "cot\u00E9", "c\u00F4te", "coter",  "D",       "\u0110", "e",      "\u0141a", "lb",     "Mueller", "mulle",  "M\u00FCller",
+        "mum",       "N",         "\u00D1", "n~",      "z",      "\u017D", "\u0394",  "\u0416", "\u6F22",
+    };
+    for (std::size_t i = 0; i < order.size(); ++i)
+        for (std::size_t j = 0; j < order.size(); ++j)
+            EXPECT_EQ(compareText(order[i], order[j]) < 0, i < j) << order[i] << " and " << order[j];
+}
+
+// Beside their base letter, yet never the same: a code with an accent is another code.
+TEST(Text, TellsAccentsApart) {
+    for (const auto& [left, right] : {std::pair{"e", "\u00E9"}, {"ss", "\u00DF"}, {"ae", "\u00E6"}, {"l", "\u0142"}, {"oe", "\u0153"}}) {
+        EXPECT_FALSE(sameText(left, right)) << right;
+        EXPECT_LT(compareText(left, right), 0) << right;
+        EXPECT_LT(compareText(right, left + std::string("a")), 0) << right;
+    }
+    EXPECT_TRUE(sameText("\u0141\u00D3D\u0179 ", "\u0142\u00F3d\u017A"));
 }
 
 TEST(Text, CountsCharactersNotBytes) {

@@ -16,7 +16,7 @@ constexpr std::size_t kMostBatches = 300;
 } // namespace
 
 Engine::Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<SharedState> shared)
-    : shared_(std::move(shared)), connection_(file, durable), catalog_(connection_, rows_) {
+    : shared_(std::move(shared)), connection_(file, durable), catalog_(connection_, rows_), textOrder_(textOrderOf(connection_.handle())) {
     connection_.host = this;
     registerFunctions(connection_.handle(), *this);
     rows_.attach(connection_.handle());

@@ -5,6 +5,7 @@
 #include "app/db/embedded/rowset.h"
 #include "app/db/embedded/shared_state.h"
 #include "app/db/embedded/store_catalog.h"
+#include "app/db/embedded/text_order.h"
 #include "app/db/session.h"
 #include "base/guard.h"
 
@@ -116,6 +117,7 @@ private:
     void startBatch();
     void endBatch(bool nested);
     void refreshSchema();
+    void readCatalogue();
     void schemaChanged();
     void note(const DbError& error);
 
@@ -222,6 +224,7 @@ private:
     void runSystemProcedure(const tsql::ExecuteStatement& statement, const std::string& name);
     void executeSql(const tsql::ExecuteStatement& statement);
     void addType(const tsql::ExecuteStatement& statement);
+    void reindexTexts();
     struct BoundArgument {
         std::string name;
         Cell cell;
@@ -330,6 +333,7 @@ private:
     std::uint64_t version_ = 1;
     std::uint64_t temporaryVersion_ = 1;
     std::int64_t fileVersion_ = -1;
+    TextOrder textOrder_;
     Statement3 readVersion_;
     Statement3 savepoint_; // of a statement within a transaction
     Statement3 release_;

@@ -89,9 +89,7 @@ void Engine::schemaChanged() {
     connection_.run("PRAGMA user_version=" + std::to_string(next));
     fileVersion_ = next;
     schemaTouched_ = true;
-    catalog_.load();
-    modules_.clear();
-    ++version_;
+    readCatalogue();
 }
 
 void Engine::define(const tsql::Statement& statement) {

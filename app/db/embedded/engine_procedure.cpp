@@ -1,4 +1,5 @@
 #include "app/db/embedded/engine.h"
+#include "app/db/embedded/write_scope.h"
 
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
@@ -249,6 +250,8 @@ void Engine::runSystemProcedure(const tsql::ExecuteStatement& statement, const s
         return executeSql(statement);
     if (tsql::sameName(name, "sp_addtype"))
         return addType(statement);
+    if (tsql::sameName(name, "sp_reindextexts"))
+        return reindexTexts();
     if (tsql::sameName(name, "sp_dboption") || tsql::sameName(name, "sp_configure"))
         return;
     if (tsql::sameName(name, "xp_cmdshell") || tsql::sameName(name, "sp_rename") || tsql::sameName(name, "sp_bindefault") ||
@@ -256,6 +259,23 @@ void Engine::runSystemProcedure(const tsql::ExecuteStatement& statement, const s
         throw tsql::unsupported(name, statement.line);
     const std::string text = statement.procedure.empty() ? name : statement.procedure.toText();
     throw tsql::nameError(2812, "Could not find stored procedure '" + text + "'.", statement.line);
+}
+
+// Brings a store of an earlier order of texts to the newest; another session reads the catalogue, and with it the order, before its next
+// batch.
+void Engine::reindexTexts() {
+    WriteScope scope(*this);
+    if (textOrder_ == kNewestTextOrder)
+        return scope.finish();
+    Undo order([&, before = textOrder_] {
+        textOrder_ = before;
+        noting([&] { registerCollations(connection_.handle(), before); });
+    });
+    textOrder_ = kNewestTextOrder;
+    reorderTexts(connection_.handle());
+    schemaChanged();
+    order.keep();
+    scope.finish();
 }
 
 void Engine::executeSql(const tsql::ExecuteStatement& statement) {

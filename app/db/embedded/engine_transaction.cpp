@@ -36,11 +36,20 @@ void Engine::refreshSchema() {
         now = sqlite3_column_int64(readVersion_.get(), 0);
     }
     if (now != fileVersion_) {
-        catalog_.load();
-        modules_.clear();
+        readCatalogue();
         fileVersion_ = now;
-        ++version_;
     }
+}
+
+// What the file holds since another program, or a rollback, changed it.
+void Engine::readCatalogue() {
+    if (const TextOrder order = textOrderOf(connection_.handle()); order != textOrder_) {
+        registerCollations(connection_.handle(), order);
+        textOrder_ = order;
+    }
+    catalog_.load();
+    modules_.clear();
+    ++version_;
 }
 
 // One of the statements that are prepared once.
@@ -81,10 +90,8 @@ void Engine::beforeWrite() {
     const std::int64_t now = sqlite3_column_int64(readVersion_.get(), 0);
     if (now == fileVersion_)
         return;
-    catalog_.load();
-    modules_.clear();
+    readCatalogue();
     fileVersion_ = now;
-    ++version_;
 }
 
 // ---- T-SQL's transaction
@@ -254,9 +261,7 @@ void Engine::rollbackTo(const std::string& name) {
     restoreTemporaries();
     restoreTableVariables(kept);
     if (schemaTouched_) {
-        catalog_.load();
-        modules_.clear();
-        ++version_;
+        readCatalogue();
         fileVersion_ = scalar("PRAGMA user_version");
     }
 }

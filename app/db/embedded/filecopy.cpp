@@ -3,6 +3,7 @@
 #include "app/db/dberror.h"
 #include "app/db/embedded/connection.h"
 #include "app/db/embedded/filehead.h"
+#include "app/db/embedded/text_order.h"
 #include "base/platform/platform.h"
 
 #include <memory>
@@ -140,7 +141,7 @@ std::vector<std::string> damageOf(const std::filesystem::path& file) {
     embedded::requireStoreFile(file);
     embedded::putForeignLogAside(file);
     embedded::Connection connection(file, true);
-    embedded::registerCollations(connection.handle());
+    embedded::registerCollations(connection.handle(), embedded::textOrderOf(connection.handle()));
     // What a check asks (the time, the user) may be answered otherwise than when the row came; the session's functions are not known here.
     connection.run("PRAGMA ignore_check_constraints=ON");
     std::vector<std::string> found;

@@ -1,4 +1,5 @@
 #include "app/db/embedded/functions.h"
+#include "app/db/embedded/text_order.h"
 
 #include "app/db/tsql/errors.h"
 #include "base/text.h"
@@ -35,51 +36,6 @@ void destroy(void* registered) {
     delete static_cast<Registered*>(registered);
 }
 
-constexpr bool isWide(unsigned char c) {
-    return (c & 0x80U) != 0;
-}
-
-constexpr unsigned char lowered(unsigned char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + 32) : c;
-}
-
-// Without case and trailing blanks.
-int compareCaseless(void*, int leftSize, const void* leftData, int rightSize, const void* rightData) {
-    const auto* left = static_cast<const unsigned char*>(leftData);
-    const auto* right = static_cast<const unsigned char*>(rightData);
-    while (leftSize > 0 && left[leftSize - 1] == ' ')
-        --leftSize;
-    while (rightSize > 0 && right[rightSize - 1] == ' ')
-        --rightSize;
-    const int common = std::min(leftSize, rightSize);
-    for (int i = 0; i < common; ++i) {
-        const unsigned char a = left[i];
-        const unsigned char b = right[i];
-        if (a == b)
-            continue;
-        if (isWide(a) || isWide(b))
-            return compareText({static_cast<const char*>(leftData), static_cast<std::size_t>(leftSize)},
-                               {static_cast<const char*>(rightData), static_cast<std::size_t>(rightSize)});
-        const int difference = lowered(a) - lowered(b);
-        if (difference != 0)
-            return difference;
-    }
-    return leftSize - rightSize;
-}
-
-int compareCased(void*, int leftSize, const void* leftData, int rightSize, const void* rightData) {
-    const std::string_view left = trimmedRight({static_cast<const char*>(leftData), static_cast<std::size_t>(leftSize)});
-    const std::string_view right = trimmedRight({static_cast<const char*>(rightData), static_cast<std::size_t>(rightSize)});
-    const int caseless = compareText(left, right);
-    return caseless != 0 ? caseless : right.compare(left); // small letters before capitals
-}
-
-int compareBytes(void*, int leftSize, const void* leftData, int rightSize, const void* rightData) {
-    const std::string_view left = trimmedRight({static_cast<const char*>(leftData), static_cast<std::size_t>(leftSize)});
-    const std::string_view right = trimmedRight({static_cast<const char*>(rightData), static_cast<std::size_t>(rightSize)});
-    return left.compare(right);
-}
-
 } // namespace
 
 bool Call::anyNull() const {
@@ -111,14 +67,8 @@ void registerEntries(sqlite3* db, FunctionHost& host, const FunctionEntry* entri
     }
 }
 
-void registerCollations(sqlite3* db) {
-    sqlite3_create_collation_v2(db, "ts", SQLITE_UTF8, nullptr, compareCaseless, nullptr);
-    sqlite3_create_collation_v2(db, "ts_cs", SQLITE_UTF8, nullptr, compareCased, nullptr);
-    sqlite3_create_collation_v2(db, "ts_bin", SQLITE_UTF8, nullptr, compareBytes, nullptr);
-}
-
 void registerFunctions(sqlite3* db, FunctionHost& host) {
-    registerCollations(db);
+    registerCollations(db, textOrderOf(db));
     registerTextFunctions(db, host);
     registerLikeFunctions(db, host);
     registerMathFunctions(db, host);

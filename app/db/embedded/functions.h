@@ -73,10 +73,8 @@ struct FunctionEntry {
     bool nullForNull = true; // a null argument gives null without a call
 };
 
-// Makes all functions and the collations of the engine known to a connection. The host must outlive it.
+// Makes all functions of the engine known to a connection, and its collations in the order of the file. The host must outlive it.
 void registerFunctions(sqlite3* db, FunctionHost& host);
-// The collations alone, for one that only reads.
-void registerCollations(sqlite3* db);
 
 void registerEntries(sqlite3* db, FunctionHost& host, const FunctionEntry* entries, std::size_t count);
 void registerTextFunctions(sqlite3* db, FunctionHost& host);
@@ -86,7 +84,6 @@ void registerDateFunctions(sqlite3* db, FunctionHost& host);
 void registerConvertFunctions(sqlite3* db, FunctionHost& host);
 void registerSystemFunctions(sqlite3* db, FunctionHost& host);
 void registerAggregates(sqlite3* db, FunctionHost& host);
-void registerCollations(sqlite3* db);
 
 // Ends the running statement with this error.
 void failWith(sqlite3_context* context, FunctionHost& host, const DbError& error);

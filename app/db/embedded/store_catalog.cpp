@@ -1,4 +1,5 @@
 #include "app/db/embedded/store_catalog.h"
+#include "app/db/embedded/text_order.h"
 
 #include "app/db/tsql/binder.h"
 #include "app/db/tsql/define_table.h"
@@ -50,6 +51,7 @@ void StoreCatalog::create(Connection& connection) {
         "CREATE TABLE IF NOT EXISTS ts_object(id INTEGER PRIMARY KEY, name TEXT NOT NULL, kind TEXT NOT NULL, parent INTEGER NOT NULL, "
         "source TEXT NOT NULL, enabled INTEGER NOT NULL DEFAULT 1, created INTEGER NOT NULL) STRICT;"
         "CREATE TABLE IF NOT EXISTS ts_identity(id INTEGER PRIMARY KEY, last INTEGER NOT NULL) STRICT;");
+    reorderTexts(connection.handle());
 }
 
 void StoreCatalog::load() {

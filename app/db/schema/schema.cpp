@@ -153,6 +153,8 @@ std::span<const UpgradeStep> upgradeSteps() {
                        "WHERE fieldname = 'Item.Reorder' AND fielddescription = 'Reorder point'\n"
                        "DELETE FROM reportfieldsmapping WHERE reportname = 'ItemBelowReorder' AND fieldname = 'Item.Active'"},
         UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
+        // texts order by rule; a server has its own order
+        UpgradeStep{8, "IF SERVERPROPERTY('Edition') = 'Merchantry' EXEC sp_reindextexts"},
     };
     return kSteps;
 }

@@ -1,3 +1,6 @@
+#include "app/db/embedded/connection.h"
+#include "app/db/embedded/filecopy.h"
+#include "app/db/embedded/text_order.h"
 #include "tests/db/embedded/rows.h"
 
 #include "base/clock.h"
@@ -20,6 +23,39 @@ TEST(Store, keepsWhatItWasGivenInItsFile) {
     }
     const auto session = Store::open(file.path())->session();
     EXPECT_EQ(rowsOf(*session, "p"), "1|1.2345|2004-03-01 10:00:00|12345678901234567890.50000|0x0AFF\n");
+}
+
+// A file whose indexes are in the order of the first stores: read in that order it is sound, read in another it would miss rows.
+TEST(Store, readsTheFirstOrderOfTextsAndReindexesIt) {
+    const TemporaryFile file;
+    const auto store = Store::create(file.path());
+    const char* const kByCode = "SELECT name FROM t ORDER BY name";
+    runScript(*store->session(),
+              "CREATE TABLE t (name NVARCHAR(20) PRIMARY KEY, code NVARCHAR(20) NULL UNIQUE)\n"
+              "INSERT t SELECT N'\u00C4pfel', 'a1' UNION SELECT 'Apfel', 'a_' UNION SELECT 'Zwirn', NULL UNION SELECT '1', 'ab'");
+    {
+        embedded::Connection raw(file.path(), true);
+        embedded::registerCollations(raw.handle(), embedded::TextOrder::ByCode);
+        raw.run("REINDEX ts; DROP TABLE ts_order; PRAGMA user_version=99");
+    }
+    EXPECT_EQ(damageOf(file.path()), std::vector<std::string>());
+    const auto waiting = store->session();
+    const auto session = store->session();
+    EXPECT_EQ(rowsOf(*waiting, kByCode), "1\nApfel\nZwirn\n\u00C4pfel\n");
+    rowsOf(*session, "INSERT t VALUES (N'\u00D6l', '_a')");
+    EXPECT_EQ(damageOf(file.path()), std::vector<std::string>());
+    session->begin();
+    rowsOf(*session, "EXEC sp_reindextexts");
+    EXPECT_EQ(rowsOf(*session, kByCode), "1\nApfel\n\u00C4pfel\n\u00D6l\nZwirn\n");
+    session->rollback();
+    EXPECT_EQ(rowsOf(*session, kByCode), "1\nApfel\nZwirn\n\u00C4pfel\n\u00D6l\n");
+    rowsOf(*session, "EXEC sp_reindextexts");
+    for (Session* one : {waiting.get(), session.get()}) {
+        EXPECT_EQ(rowsOf(*one, kByCode), "1\nApfel\n\u00C4pfel\n\u00D6l\nZwirn\n");
+        for (const char* name : {"1", "apfel", "\u00E4PFEL", "\u00F6l", "Zwirn"})
+            EXPECT_EQ(rowsOf(*one, std::string("SELECT COUNT(*) FROM t WHERE name = N'") + name + "'"), "1\n") << name;
+    }
+    EXPECT_EQ(damageOf(file.path()), std::vector<std::string>());
 }
 
 TEST(Store, refusesWhatIsNoStore) {
