@@ -142,6 +142,9 @@ std::span<const UpgradeStep> upgradeSteps() {
         "CONSTRAINT DF_reportfieldsmapping_Position DEFAULT 0\n" +
         newTable("LabelReports") + firstRows("reportfieldsmapping", "rows/ReportFields.sql") +
         firstRows("LabelReports", "rows/LabelReports.sql");
+    // Texts order by rule; a server has its own order. Items have the column that the look-up of serial items compares with.
+    static const std::string eighth = "IF SERVERPROPERTY('Edition') = 'Merchantry' EXEC sp_reindextexts\n"
+                                      "IF COL_LENGTH('Item', 'True') IS NULL ALTER TABLE Item ADD [True] AS CAST(1 AS bit)";
     static const std::array kSteps{
         UpgradeStep{2, ""},           // the procedures of item catalogue and stock
         UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
@@ -153,8 +156,7 @@ std::span<const UpgradeStep> upgradeSteps() {
                        "WHERE fieldname = 'Item.Reorder' AND fielddescription = 'Reorder point'\n"
                        "DELETE FROM reportfieldsmapping WHERE reportname = 'ItemBelowReorder' AND fieldname = 'Item.Active'"},
         UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
-        // texts order by rule; a server has its own order
-        UpgradeStep{8, "IF SERVERPROPERTY('Edition') = 'Merchantry' EXEC sp_reindextexts"},
+        UpgradeStep{8, eighth},
     };
     return kSteps;
 }

@@ -18,10 +18,6 @@ Typed nullLiteral() {
     return result;
 }
 
-bool isTrueOrFalse(const ObjectName& name) {
-    return name.parts.size() == 1 && (sameName(name.last(), "True") || sameName(name.last(), "False"));
-}
-
 bool qualifierFits(const Source& source, const ObjectName& name) {
     const std::string& qualifier = name.parts[name.parts.size() - 2];
     if (!sameName(source.exposed, qualifier))
@@ -156,13 +152,6 @@ Typed Binder::column(const Expr& expr) {
             return resolved(*scope, *foundSource, *found, expr);
         if (name.parts.size() > 1 && qualifierKnown)
             break;
-    }
-    if (isTrueOrFalse(name)) {
-        Typed result;
-        result.literal = Cell::ofInteger(sameName(name.last(), "True") ? 1 : 0);
-        result.sql = literalSql(*result.literal);
-        result.type = simpleType(TypeKind::Bit);
-        return result;
     }
     if (!qualifierKnown)
         throw nameError(4104, "The multi-part identifier \"" + name.toText() + "\" could not be bound.", expr.line);

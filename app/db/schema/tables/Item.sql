@@ -1,4 +1,5 @@
 -- What the registers sell. The key is the pair: SKU is the parent's code, MatrixSKU the item's own; a plain item has the same in both.
+-- True is what the item look-up compares SerialFlag with: the word is no value to a server, but a column of that name is one everywhere.
 -- Quantities to reorder are whole pieces. DateLastSold in the year 1900 means never.
 CREATE TABLE Item (
   SKU varchar(100) NOT NULL,
@@ -22,6 +23,7 @@ CREATE TABLE Item (
   MatrixFlag bit NOT NULL CONSTRAINT DF_Item_MatrixFlag DEFAULT 0,
   SerialFlag bit NOT NULL CONSTRAINT DF_Item_Serial DEFAULT 0,
   Active bit NOT NULL CONSTRAINT DF_Item_Active DEFAULT 1,
+  [True] AS CAST(1 AS bit),
   CONSTRAINT PK_Item PRIMARY KEY (SKU, MatrixSKU)
 )
 CREATE INDEX IX_Item_MatrixSKU ON Item (MatrixSKU)
