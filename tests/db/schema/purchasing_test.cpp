@@ -179,5 +179,28 @@ TEST_F(Purchasing, WhatAnOrderPaidIsRememberedForItsSupplier) {
     EXPECT_EQ(rowsOf("SELECT SupID, Cost, MinOrder, Priority, PartNo FROM SupplierMatrixDetail WHERE SKU = 'Pin'"), "2|3|1|1|P");
 }
 
+// The number of a cost that was not written was that of the cost before.
+TEST_F(Purchasing, ACostOfNoOrderHasNoNumber) {
+    order();
+    EXPECT_EQ(rowsOf("sp_InsertOtherCost 1, 12.5, 'Freight'"), "1");
+    EXPECT_EQ(rowsOf("EXEC sp_InsertOtherCost 1, 2, 'Toll' EXEC sp_InsertOtherCost 77, 5, 'none'"), "2;NULL");
+}
+
+// Two sessions on a server would count the same rows and take the same number.
+TEST_F(Purchasing, WhatIsCountedForANumberIsLocked) {
+    int counted = 0;
+    for (const SchemaFile& schemaFile : schemaFiles()) {
+        const std::string text(schemaFile.text);
+        for (std::size_t at = text.find("MAX("); at != std::string::npos; at = text.find("MAX(", at + 4)) {
+            const std::size_t from = text.find(" FROM ", at);
+            if (text.substr(at, from - at).find("+ 1") == std::string::npos)
+                continue;
+            ++counted;
+            EXPECT_LT(text.find("WITH (UPDLOCK, HOLDLOCK)", from), from + 60) << schemaFile.name;
+        }
+    }
+    EXPECT_EQ(counted, 4);
+}
+
 } // namespace
 } // namespace merchantry::db

@@ -112,5 +112,14 @@ TEST(ParseIndex, readsOldAndNewForms) {
     EXPECT_EQ(only<DropStatement>(parseBatch("DROP TABLE IF EXISTS a, b"), StatementKind::Drop).names.size(), 2U);
 }
 
+TEST(ParseSelect, takesTheHintsThatLockOnAServer) {
+    for (const char* text :
+         {"SELECT @n = MAX(a) FROM t WITH (UPDLOCK, HOLDLOCK)", "SELECT a FROM t AS x WITH (XLOCK, ROWLOCK) JOIN u (NOLOCK) ON b = a",
+          "UPDATE t WITH (ROWLOCK) SET a = (SELECT MAX(a) + 1 FROM t WITH (UPDLOCK, HOLDLOCK))", "DELETE FROM t WITH (TABLOCKX)",
+          "INSERT INTO t WITH (TABLOCK) (a) VALUES (1)", "SELECT a FROM t WITH (INDEX(ix), UPDLOCK) WHERE a = 1"})
+        EXPECT_EQ(parseBatch(text).statements.size(), 1U) << text;
+    EXPECT_THROW(parseBatch("SELECT a FROM t WITH (UPLOCK)"), DbError);
+}
+
 } // namespace
 } // namespace merchantry::db::tsql

@@ -6,11 +6,11 @@ BEGIN
   DECLARE @sku varchar(100), @matrix varchar(100), @type varchar(50), @qty int, @cost money, @reverses int, @by int, @stock int, @refused varchar(255)
   SET @refused = ''
   BEGIN TRANSACTION
-  -- Takes the lock before anything is read, so that two cannot undo the same row.
-  UPDATE InventoryLedger SET ReversesID = ReversesID WHERE LedgerID = @LedgerID
+  -- The lock of the stock row comes before all else, here and in the ledger's trigger: two cannot undo the same row, nor wait for each other.
+  SELECT @sku = SKU, @matrix = MatrixSKU FROM InventoryLedger WHERE LedgerID = @LedgerID
+  SELECT @stock = Quantity FROM Stock WITH (UPDLOCK, HOLDLOCK) WHERE SKU = @sku AND MatrixSKU = @matrix
   SELECT @sku = SKU, @matrix = MatrixSKU, @type = Type, @qty = Qty, @cost = Cost_ea, @reverses = ReversesID FROM InventoryLedger WHERE LedgerID = @LedgerID
   SELECT @by = MIN(LedgerID) FROM InventoryLedger WHERE SKU = @sku AND MatrixSKU = @matrix AND ReversesID = @LedgerID
-  SELECT @stock = Quantity FROM Stock WHERE SKU = @sku AND MatrixSKU = @matrix
   IF @sku IS NULL
     SET @refused = 'That movement is not there any more.'
   ELSE IF @reverses IS NOT NULL

@@ -12,6 +12,6 @@ SELECT TOP 1 @old = Cost FROM SupplierMatrixDetail WHERE SKU = @SKU AND MatrixSK
   ORDER BY CASE WHEN ISNULL(MinOrder, 0) <= @Quantity THEN 0 ELSE 1 END, CASE WHEN ISNULL(MinOrder, 0) <= @Quantity THEN -ISNULL(MinOrder, 0) ELSE ISNULL(MinOrder, 0) END, Priority
 IF @old IS NULL
   INSERT INTO SupplierMatrixDetail (SKU, MatrixSKU, SupID, Cost, MinOrder, Priority, PartNo)
-    SELECT @SKU, @MatrixSKU, @SupID, @Cost, 1, ISNULL(MAX(Priority), 0) + 1, @PartNo FROM SupplierMatrixDetail WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU
+    SELECT @SKU, @MatrixSKU, @SupID, @Cost, 1, ISNULL(MAX(Priority), 0) + 1, @PartNo FROM SupplierMatrixDetail WITH (UPDLOCK, HOLDLOCK) WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU
 ELSE
   UPDATE SupplierMatrixDetail SET Cost = @Cost, PartNo = @PartNo WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU AND SupID = @SupID AND Cost = @old

@@ -14,10 +14,11 @@ BEGIN
   RAISERROR('Order %d has no line for the item %s.', 16, 1, @PONumber, @MatrixSKU)
   RETURN
 END
-IF @ReceiptNumber = -1
-  SELECT @ReceiptNumber = ISNULL(MAX(ReceiptNumber), 0) + 1 FROM PurchaseOrderReceipt
+-- One statement counts and writes, so that two sessions never get the same number.
 INSERT INTO PurchaseOrderReceipt (ReceiptNumber, POID, SKU, MatrixSKU, Quantity, Cost, OtherCost, CostID)
-  VALUES (@ReceiptNumber, @POID, @SKU, @MatrixSKU, @Quantity, @Cost, @Share, NULLIF(@CostID, 0))
+  SELECT CASE WHEN @ReceiptNumber = -1 THEN (SELECT ISNULL(MAX(ReceiptNumber), 0) + 1 FROM PurchaseOrderReceipt WITH (UPDLOCK, HOLDLOCK)) ELSE @ReceiptNumber END,
+    @POID, @SKU, @MatrixSKU, @Quantity, @Cost, @Share, NULLIF(@CostID, 0)
+SELECT @ReceiptNumber = ReceiptNumber FROM PurchaseOrderReceipt WHERE ReceiptLineID = SCOPE_IDENTITY()
 UPDATE PurchaseOrderItem SET QtyRecvd = QtyRecvd + @Quantity, PartNo = @PartNo WHERE POID = @POID AND SKU = @SKU AND MatrixSKU = @MatrixSKU
 UPDATE Stock SET Quantity = Quantity + @Quantity WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU
 IF @@ROWCOUNT = 0

@@ -14,11 +14,13 @@ BEGIN
   SET NOCOUNT ON
   IF NOT EXISTS (SELECT * FROM inserted WHERE QtyAfter IS NULL OR Cost_wt IS NULL)
     RETURN
-  DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @onHand int, @average money, @reverses int, @rest decimal(19, 4)
+  DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @onHand int, @average money, @reverses int, @rest decimal(19, 4), @stock int
   SELECT @id = MIN(LedgerID) FROM inserted
   WHILE @id IS NOT NULL
   BEGIN
     SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @reverses = ReversesID, @onHand = 0, @average = NULL FROM inserted WHERE LedgerID = @id
+    -- Whoever holds the item's stock row builds on its last movement; others wait.
+    SELECT @stock = Quantity FROM Stock WITH (UPDLOCK, HOLDLOCK) WHERE SKU = @sku AND MatrixSKU = @matrix
     SELECT TOP 1 @onHand = QtyAfter, @average = Cost_wt FROM InventoryLedger
       WHERE SKU = @sku AND MatrixSKU = @matrix AND LedgerID < @id AND QtyAfter IS NOT NULL
       ORDER BY LedgerID DESC
