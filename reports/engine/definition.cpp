@@ -326,6 +326,7 @@ QueryDefinition query(Table& table) {
             query.parameters.push_back(table.word(kind, "parameters", kParameterKinds));
     }
     table.read("order", query.order);
+    table.read("then", query.then);
     if (const toml::Value* sort = table.find("sort")) {
         if (!sort->isTable())
             table.fail(*sort, "\"sort\" must be a table of names.");

@@ -27,6 +27,7 @@ struct QueryDefinition {
     std::string sql; // with its places in braces
     std::vector<ParameterKind> parameters{ParameterKind::Where, ParameterKind::Sort, ParameterKind::Direction};
     std::string order;                       // of last resort; may be empty
+    std::string then;                        // always behind the order, so that rows that are alike there have theirs; may be empty
     std::map<std::string, std::string> sort; // what to order by for a sort column, by its name in lower case
     int line = 0;                            // where the statement begins
 };

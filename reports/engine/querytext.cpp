@@ -77,7 +77,8 @@ private:
         return quoted + "'";
     }
 
-    // The groups first, then the chosen columns, or the order of last resort. What stands there already is not said again.
+    // The groups first, then the chosen columns or the order of last resort, then what tells the rest apart. What stands there already is
+    // not said again.
     std::string order() const {
         std::vector<std::vector<std::string>> groups;
         for (const GroupDefinition& group : definition_.groups)
@@ -85,8 +86,7 @@ private:
         std::vector<std::string> rest;
         const std::string sort(trimmed(ofKind(ParameterKind::Sort)));
         if (sort.empty()) {
-            if (!trimmed(definition_.query.order).empty())
-                rest.push_back(definition_.query.order);
+            rest = columnsIn(definition_.query.order);
         } else {
             const auto known = definition_.query.sort.find(lowerCase(sort));
             const std::string direction = upperCase(trimmed(ofKind(ParameterKind::Direction)));
@@ -98,7 +98,18 @@ private:
         for (const std::vector<std::string>& group : groups)
             parts.insert(parts.end(), group.begin(), group.end());
         parts.insert(parts.end(), rest.begin(), rest.end());
+        for (const std::string& column : columnsIn(definition_.query.then))
+            if (std::none_of(parts.begin(), parts.end(), [&](const std::string& part) { return sameText(withoutDirection(part), column); }))
+                parts.push_back(column);
+        std::erase(parts, "");
         return parts.empty() ? "" : " ORDER BY " + joined(parts, ", ");
+    }
+
+    static std::string_view withoutDirection(std::string_view column) {
+        for (const std::string_view direction : {" ASC", " DESC"})
+            if (column.size() > direction.size() && sameText(column.substr(column.size() - direction.size()), direction))
+                return trimmed(column.substr(0, column.size() - direction.size()));
+        return column;
     }
 
     // "Month, MIN(a, b)" are two.

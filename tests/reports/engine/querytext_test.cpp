@@ -51,6 +51,15 @@ TEST(QueryText, ConditionsAndOrderStandInTheirPlaces) {
     EXPECT_EQ(queryText(report, {}), "SELECT 1 AS A FROM Item WHERE TypeID <> 4");
 }
 
+TEST(QueryText, WhatTellsRowsApartFollowsEveryOrder) {
+    Definition report = reportOf("SELECT * FROM Item {order}");
+    report.query.then = "Item.SKU, Item.MatrixSKU";
+    EXPECT_EQ(queryText(report, {}), "SELECT * FROM Item  ORDER BY Item.Name, Item.SKU, Item.MatrixSKU");
+    EXPECT_EQ(queryText(report, {"", "Item.SKU", " DESC"}), "SELECT * FROM Item  ORDER BY Item.SKU DESC, Item.MatrixSKU");
+    report.query.order = "";
+    EXPECT_EQ(queryText(report, {}), "SELECT * FROM Item  ORDER BY Item.SKU, Item.MatrixSKU");
+}
+
 TEST(QueryText, AParameterCannotBecomeMoreThanItIs) {
     const Definition numbered = reportOf("EXEC sp_Order {1}, {2}", {ParameterKind::Number, ParameterKind::Text});
     EXPECT_EQ(queryText(numbered, {"17", "it's"}), "EXEC sp_Order 17, 'it''s'");

@@ -3,4 +3,4 @@ CREATE PROCEDURE bsp_ItemMatrixGrid @SKU varchar(100), @MatrixSKU varchar(100) A
 SELECT m.SKU, m.MatrixSKU, m.CategoryID, c.CategoryName
 FROM ItemMatrix m INNER JOIN ItemMatrixCategories c ON c.CategoryID = m.CategoryID
 WHERE m.SKU = @SKU AND m.MatrixSKU = @MatrixSKU
-ORDER BY c.CategoryName
+ORDER BY c.CategoryName, m.CategoryID
