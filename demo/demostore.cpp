@@ -1,5 +1,6 @@
 #include "demo/demostore.h"
 
+#include "app/db/work.h"
 #include "base/platform/platform.h"
 #include "demo/goods.h"
 #include "demo/people.h"
@@ -42,19 +43,14 @@ void setPopularity(registersim::Shop& shop, const std::filesystem::path& dataFol
 }
 
 void fillBase(db::Session& session, const DemoPlan& plan) {
-    session.begin();
-    try {
-        addShop(session);
-        const Ids taxes = idsFrom(session, "SELECT TaxID, Description FROM TaxDef");
-        const Ids tiers = idsFrom(session, "SELECT TierID, TierName FROM TierDefs");
-        Goods(session, plan.dataFolder, taxes, tiers, plan.today.dateOnly()).fill();
-        addCustomers(session, plan.dataFolder, tiers, plan.today.dateOnly());
-        addStaff(session);
-        session.commit();
-    } catch (...) {
-        session.rollback();
-        throw;
-    }
+    db::Work work(session);
+    addShop(session);
+    const Ids taxes = idsFrom(session, "SELECT TaxID, Description FROM TaxDef");
+    const Ids tiers = idsFrom(session, "SELECT TierID, TierName FROM TierDefs");
+    Goods(session, plan.dataFolder, taxes, tiers, plan.today.dateOnly()).fill();
+    addCustomers(session, plan.dataFolder, tiers, plan.today.dateOnly());
+    addStaff(session);
+    work.commit();
 }
 
 } // namespace

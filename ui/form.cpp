@@ -1,5 +1,6 @@
 #include "ui/form.h"
 
+#include "base/guard.h"
 #include "base/text.h"
 #include "ui/button.h"
 #include "ui/desk.h"
@@ -77,16 +78,12 @@ void Form::ensureLoaded() {
 void Form::unload() {
     if (closed_ || unloading_)
         return;
-    unloading_ = true;
     bool cancel = false;
-    try {
+    {
+        const Restore unloading(unloading_, true);
         if (loaded_)
             Form_Unload(cancel);
-    } catch (...) {
-        unloading_ = false;
-        throw;
     }
-    unloading_ = false;
     if (cancel)
         return;
     closed_ = true;

@@ -1,3 +1,4 @@
+#include "base/guard.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "reports/engine/exportrows.h"
@@ -169,27 +170,22 @@ bool writeWorkbook(const Report& report, const std::filesystem::path& file, cons
     if (rows > kMostRows)
         throw std::runtime_error("A workbook holds no more than " + withThousands(kMostRows) + " rows. Export to CSV instead.");
     const std::filesystem::path beside = file.string() + ".part";
-    const auto tidyUp = [&] {
+    Undo half([&] {
         std::error_code ignored;
         std::filesystem::remove(beside, ignored);
-    };
-    try {
-        {
-            Workbook book(report, beside);
-            for (int row = book.nextRow(); row >= 0; row = book.nextRow()) {
-                if (goOn && row % kRowsBetweenQuestions == 0 && !goOn(row)) {
-                    book.finish();
-                    tidyUp();
-                    return false;
-                }
+    });
+    {
+        Workbook book(report, beside);
+        for (int row = book.nextRow(); row >= 0; row = book.nextRow()) {
+            if (goOn && row % kRowsBetweenQuestions == 0 && !goOn(row)) {
+                book.finish();
+                return false;
             }
-            book.finish();
         }
-        std::filesystem::rename(beside, file);
-    } catch (...) {
-        tidyUp();
-        throw;
+        book.finish();
     }
+    std::filesystem::rename(beside, file);
+    half.keep();
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "tools/registersim/history.h"
 
+#include "app/db/work.h"
 #include "tools/registersim/accounts.h"
 #include "tools/registersim/purchasing.h"
 
@@ -198,15 +199,10 @@ void History::writeSerials() {
 } // namespace
 
 HistoryFigures postHistory(db::Session& session, Shop& shop, const HistoryPlan& plan, const Progress& progress) {
-    session.begin();
-    try {
-        const HistoryFigures figures = History(session, shop, plan).run(progress);
-        session.commit();
-        return figures;
-    } catch (...) {
-        session.rollback();
-        throw;
-    }
+    db::Work work(session);
+    const HistoryFigures figures = History(session, shop, plan).run(progress);
+    work.commit();
+    return figures;
 }
 
 } // namespace merchantry::registersim

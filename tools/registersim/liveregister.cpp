@@ -1,5 +1,6 @@
 #include "tools/registersim/liveregister.h"
 
+#include "app/db/work.h"
 #include "base/platform/platform.h"
 #include "tools/registersim/query.h"
 
@@ -79,14 +80,9 @@ bool LiveRegister::postOne(Date now) {
     const auto sale = maker_.make(now, registerId_, cashier);
     if (!sale)
         return false;
-    session_->begin();
-    try {
-        post(*sale);
-        session_->commit();
-    } catch (...) {
-        session_->rollback();
-        throw;
-    }
+    db::Work work(*session_);
+    post(*sale);
+    work.commit();
     takeOffShelves(shop_, *sale);
     return true;
 }

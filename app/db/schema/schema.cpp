@@ -1,5 +1,7 @@
 #include "app/db/schema/schema.h"
 
+#include "app/db/work.h"
+
 #include <array>
 
 namespace merchantry::db {
@@ -96,16 +98,15 @@ public:
 } // namespace
 
 void createSchema(Session& session) {
-    session.begin();
+    Work work(session);
     for (const SchemaFile& file : schemaFiles()) {
         try {
             run(session, file.text);
         } catch (const DbError& error) {
-            session.rollback();
             throw DbError(error.category(), error.native(), std::string(file.name) + ": " + error.what(), error.line());
         }
     }
-    session.commit();
+    work.commit();
 }
 
 int schemaVersion(Session& session) {
@@ -163,7 +164,7 @@ std::span<const UpgradeStep> upgradeSteps() {
 
 void upgradeSchema(Session& session, std::span<const UpgradeStep> steps) {
     const int from = schemaVersion(session);
-    session.begin();
+    Work work(session);
     std::string doing;
     try {
         for (const UpgradeStep& step : steps) {
@@ -178,10 +179,9 @@ void upgradeSchema(Session& session, std::span<const UpgradeStep> steps) {
             putAgain(session, file);
         }
     } catch (const DbError& error) {
-        session.rollback();
         throw DbError(error.category(), error.native(), doing + ": " + error.what(), error.line());
     }
-    session.commit();
+    work.commit();
 }
 
 std::vector<std::string> brokenInvariants(Session& session) {
