@@ -1,7 +1,10 @@
 #include "base/numbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -12,47 +15,101 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+template <class Integer> Integer nearest(double number) {
+    const double rounded = std::nearbyint(number);
+    if (!(rounded >= std::numeric_limits<Integer>::min() && rounded <= std::numeric_limits<Integer>::max()))
+        throw OverflowError("Overflow");
+    return static_cast<Integer>(rounded);
+}
+
+bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+// Whether the comma at that place has three digits behind it and no fourth, and before it one to three, or such a group.
+bool groupsThousands(std::string_view text, std::size_t comma) {
+    std::size_t before = 0;
+    while (before < comma && isDigit(text[comma - 1 - before]))
+        ++before;
+    const bool grouped = before < comma && text[comma - 1 - before] == ',';
+    if (before == 0 || before > 3 || (grouped && before != 3))
+        return false;
+    std::size_t behind = 0;
+    while (comma + 1 + behind < text.size() && isDigit(text[comma + 1 + behind]))
+        ++behind;
+    return behind == 3;
+}
+
+// The longest part of a text, from its beginning, that reads as a number.
+struct Prefix {
+    std::string digits; // as from_chars takes them
+    bool badComma = false;
+
+    explicit Prefix(std::string_view typed) {
+        std::string text;
+        std::copy_if(typed.begin(), typed.end(), std::back_inserter(text), [](char c) { return !isBlank(c); });
+        std::size_t at = 0;
+        bool sign = false;
+        for (bool dollar = false; at < text.size(); ++at) {
+            if (text[at] == '$' && !dollar)
+                dollar = true;
+            else if ((text[at] == '-' || text[at] == '+') && !sign)
+                sign = true;
+            else
+                break;
+            if (text[at] == '-')
+                digits = "-";
+        }
+        for (bool point = false; at < text.size(); ++at) {
+            if (isDigit(text[at])) {
+                digits += text[at];
+            } else if (text[at] == '.' && !point) {
+                point = true;
+                digits += '.';
+            } else if (text[at] == ',' && at > 0 && isDigit(text[at - 1]) && at + 1 < text.size() && isDigit(text[at + 1])) {
+                badComma = point || !groupsThousands(text, at);
+                if (badComma)
+                    return;
+            } else {
+                break;
+            }
+        }
+        takeExponent(text, at);
+    }
+
+private:
+    void takeExponent(std::string_view text, std::size_t at) {
+        if (at >= text.size() || (text[at] != 'e' && text[at] != 'E') || digits.empty() || !isDigit(digits.back()))
+            return;
+        std::string exponent = "e";
+        if (++at < text.size() && (text[at] == '-' || text[at] == '+'))
+            exponent += text[at++] == '-' ? "-" : "";
+        if (at >= text.size() || !isDigit(text[at]))
+            return;
+        while (at < text.size() && isDigit(text[at]))
+            exponent += text[at++];
+        digits += exponent;
+    }
+};
+
+double toDouble(const std::string& digits) {
+    double number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return error == std::errc{} ? number : 0;
+}
+
 } // namespace
 
 double numericPrefix(std::string_view text) {
-    std::string kept;
-    std::size_t at = 0;
-    const auto blanks = [&] {
-        while (at < text.size() && (text[at] == ' ' || text[at] == '\t' || text[at] == '\n' || text[at] == '\r'))
-            ++at;
-    };
-    blanks();
-    if (at < text.size() && (text[at] == '-' || text[at] == '+')) {
-        if (text[at] == '-')
-            kept = "-";
-        ++at;
-    }
-    bool point = false;
-    for (blanks(); at < text.size(); ++at) {
-        if (isDigit(text[at])) {
-            kept += text[at];
-        } else if (text[at] == '.' && !point) {
-            point = true;
-            kept += '.';
-        } else if (text[at] == 'e' || text[at] == 'E') {
-            std::size_t next = at + 1;
-            if (next < text.size() && (text[next] == '-' || text[next] == '+'))
-                ++next;
-            if (next >= text.size() || !isDigit(text[next]) || kept.empty() || !isDigit(kept.back()))
-                break;
-            kept += 'e';
-            if (text[at + 1] == '-')
-                kept += '-';
-            for (; next < text.size() && isDigit(text[next]); ++next)
-                kept += text[next];
-            break;
-        } else if (text[at] != ' ') {
-            break;
-        }
-    }
-    double number = 0;
-    const auto [end, error] = std::from_chars(kept.data(), kept.data() + kept.size(), number);
-    return error == std::errc{} ? number : 0;
+    if (const auto whole = numberOf(text))
+        return *whole;
+    return toDouble(Prefix(text).digits);
+}
+
+std::string commaComplaint(std::string_view text) {
+    if (numberOf(text) || !Prefix(text).badComma)
+        return "";
+    return "\"" + std::string(text) + "\" is no number: a comma only groups thousands, as in 1,234.50.";
 }
 
 std::optional<double> numberOf(std::string_view text) {
@@ -96,7 +153,7 @@ std::optional<double> numberOf(std::string_view text) {
         } else if ((c == 'e' || c == 'E') && digit) {
             kept += text.substr(at, end - at);
             break;
-        } else if (c != ',' || point) {
+        } else if (c != ',' || point || !groupsThousands(text, at)) {
             return std::nullopt;
         }
     }
@@ -127,10 +184,16 @@ bool isNumeric(std::string_view text) {
 }
 
 std::int16_t toInt16(double number) {
-    const double rounded = std::nearbyint(number);
-    if (!(rounded >= -32768 && rounded <= 32767))
-        throw OverflowError("Overflow");
-    return static_cast<std::int16_t>(rounded);
+    return nearest<std::int16_t>(number);
+}
+
+std::int32_t toInt32(double number) {
+    return nearest<std::int32_t>(number);
+}
+
+std::string withoutFormula(std::string_view cell) {
+    const bool formula = !cell.empty() && std::string_view("=+-@\t\r").find(cell.front()) != std::string_view::npos && !isNumeric(cell);
+    return (formula ? "'" : "") + std::string(cell);
 }
 
 std::string withThousands(std::int64_t number) {

@@ -80,6 +80,10 @@ std::int16_t Value::toInt16() const {
     return merchantry::toInt16(toNumber());
 }
 
+std::int32_t Value::toInt32() const {
+    return merchantry::toInt32(toNumber());
+}
+
 Currency Value::toCurrency() const {
     if (is<Currency>())
         return as<Currency>();

@@ -53,6 +53,8 @@ public:
     std::int64_t toInteger() const;
     // toNumber, halves to even; throws OverflowError outside 16 bits.
     std::int16_t toInt16() const;
+    // The same with 32 bits.
+    std::int32_t toInt32() const;
     // Money; text as Currency::fromText. Null is 0. Throws OverflowError or std::invalid_argument.
     Currency toCurrency() const;
     // A flag; numbers other than zero are true; text "True" is true, otherwise by its number.

@@ -10,11 +10,34 @@ namespace merchantry {
 namespace {
 
 TEST(Numbers, TakeTheLongestNumericPrefix) {
-    const std::pair<const char*, double> cases[] = {{"12abc", 12}, {"abc", 0},     {"", 0},        {" -4.5 x", -4.5}, {"1 2", 12},
-                                                    {"1e3", 1000}, {"1e", 1},      {"1,234", 1},   {".5", 0.5},       {"-", 0},
-                                                    {"$5", 0},     {"2.5.1", 2.5}, {"1e-2z", 0.01}};
+    const std::pair<const char*, double> cases[] = {
+        {"12abc", 12}, {"abc", 0}, {"", 0},        {" -4.5 x", -4.5}, {"1 2", 12},  {"1e3", 1000}, {"1e", 1}, {"1,234", 1234}, {".5", 0.5},
+        {"-", 0},      {"$5", 5},  {"2.5.1", 2.5}, {"1e-2z", 0.01},   {"($4)", -4}, {"- $ 2", -2}, {"$", 0},  {"12, red", 12}};
     for (const auto& [text, number] : cases)
         EXPECT_DOUBLE_EQ(numericPrefix(text), number) << text;
+}
+
+TEST(Numbers, GroupThousandsWithCommasAndTakeNoOther) {
+    const std::pair<const char*, double> grouped[] = {{"1,234.50", 1234.5}, {"$12.50", 12.5},        {"$ 1,234,567 each", 1234567},
+                                                      {"-1,000", -1000},    {"123,456 pcs", 123456}, {"1 234.5", 1234.5}};
+    for (const auto& [text, number] : grouped) {
+        EXPECT_DOUBLE_EQ(numericPrefix(text), number) << text;
+        EXPECT_EQ(commaComplaint(text), "") << text;
+    }
+    for (const char* text : {"1,5", "12,34.5", "1,2345", "1234,567", "1,234,5", "1.5,000", "$1,5", "1,50 each"}) {
+        EXPECT_FALSE(isNumeric(text)) << text;
+        EXPECT_NE(commaComplaint(text), "") << text;
+        EXPECT_FALSE(amountOf(text)) << text;
+    }
+    for (const char* text : {"abc", "", "red, 5", "5,", ",5", "5, then 6"})
+        EXPECT_EQ(commaComplaint(text), "") << text;
+}
+
+TEST(Numbers, NoCellOfAFileIsRunAsAFormula) {
+    for (const char* cell : {"=1+1", "+SUM(A1)", "-cmd|x", "@today", "+49 30 1234", "-"})
+        EXPECT_EQ(withoutFormula(cell), "'" + std::string(cell));
+    for (const char* cell : {"", "12", "-5", "+5", "-$5.00", "A=1", "'=1", "(-5)"})
+        EXPECT_EQ(withoutFormula(cell), cell);
 }
 
 TEST(Numbers, TellWhetherATextIsANumber) {

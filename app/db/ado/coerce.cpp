@@ -21,6 +21,15 @@ double numberFor(const Value& value, const SqlType& type) {
     return *number;
 }
 
+Value moneyFor(const Value& value, const SqlType& type) {
+    if (!value.is<std::string>())
+        return value.toCurrency();
+    const auto amount = amountOf(value.as<std::string>());
+    if (!amount)
+        mismatch(value, type);
+    return *amount;
+}
+
 Value flagFor(const Value& value, const SqlType& type) {
     if (value.is<std::string>() && (sameText(value.as<std::string>(), "True") || sameText(value.as<std::string>(), "False")))
         return value.toFlag();
@@ -59,7 +68,7 @@ Value coerced(const Value& value, const SqlType& type) {
         if (type.isWhole())
             return Value(numberFor(value, type)).toInteger();
         if (type.isMoney())
-            return value.toCurrency();
+            return moneyFor(value, type);
         if (type.isFloat())
             return numberFor(value, type);
         if (type.isDate())

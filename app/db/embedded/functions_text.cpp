@@ -328,7 +328,8 @@ void dataLength(const Call& call) {
 void isNumericText(const Call& call) {
     if (call.isNull(0))
         return call.give(std::int64_t{0});
-    call.give(std::int64_t{isNumeric(call.text(0)) ? 1 : 0});
+    // A server does not look at where the commas stand.
+    call.give(std::int64_t{isNumeric(replaced(call.text(0), ",", "")) ? 1 : 0});
 }
 
 std::int64_t sumOf(std::string_view text) {
