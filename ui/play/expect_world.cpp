@@ -216,7 +216,7 @@ void expectRefused(Step& step) {
         doVerb(step);
     } catch (const LineFailure& failure) {
         step.player().watchRefusal(false);
-        if (failure.refused)
+        if (failure.refused || failure.unmet)
             return;
         throw;
     }

@@ -17,6 +17,7 @@ struct LineFailure {
     std::string expected;
     std::string found;
     bool refused = false; // the screen would not have let the user do it
+    bool unmet = false;   // what the line expects is not there; the line itself could be done
 };
 
 // Plays one script on one desk. Lines are done one after the other; while a modal form is open, the procedure that showed it waits and the

@@ -71,7 +71,7 @@ std::string Step::resolved(const std::string& text) const {
         const std::size_t end = result.find('}', at);
         const std::string name = end == std::string::npos ? "" : result.substr(at + 2, end - at - 2);
         const auto known = player_.variables().find(name);
-        expectThat(known != player_.variables().end(), "a value for ${" + name + "}", "no line \"let " + name + " = ...\" came before");
+        lineNeeds(known != player_.variables().end(), "a value for ${" + name + "}", "no line \"let " + name + " = ...\" came before");
         result.replace(at, end - at + 1, known->second);
         at += known->second.size();
     }
@@ -189,8 +189,8 @@ Target Step::target(const std::string& name) {
     for (auto next = forms.rbegin(); named_ == nullptr && found.control == nullptr && next != forms.rend(); ++next)
         if (!(*next)->hidden())
             found = findOn(**next, name);
-    expectThat(found.control != nullptr, "a control " + name,
-               "neither " + first.name() + (named_ == nullptr ? " nor another open form has it" : " nor its toolbar has it"));
+    lineNeeds(found.control != nullptr, "a control " + name,
+              "neither " + first.name() + (named_ == nullptr ? " nor another open form has it" : " nor its toolbar has it"));
     return found;
 }
 

@@ -94,10 +94,16 @@ private:
     const char* written_ = "verb ...";
 };
 
+// Fails the line unless what it speaks of is there at all.
+inline void lineNeeds(bool there, const std::string& expected, const std::string& found) {
+    if (!there)
+        throw LineFailure{expected, found};
+}
+
 // Fails the line unless it holds.
 inline void expectThat(bool holds, const std::string& expected, const std::string& found) {
     if (!holds)
-        throw LineFailure{expected, found};
+        throw LineFailure{expected, found, false, true};
 }
 
 } // namespace merchantry::ui::play

@@ -63,12 +63,12 @@ void doVerb(Step& step) {
     if (step.accept("on")) {
         const std::string name = step.bare("a form's name");
         Form* const form = step.openForm(name);
-        expectThat(form != nullptr, name + " to be open", "it is not");
+        lineNeeds(form != nullptr, name + " to be open", "it is not");
         step.lookOn(*form);
     }
     const std::string word = step.bare("a verb");
     const Entry* const verb = find(verbs(), word);
-    expectThat(verb != nullptr, "a verb", "there was " + word);
+    lineNeeds(verb != nullptr, "a verb", "there was " + word);
     // These prepare or look; what the last verb brought about stays for them.
     if (!isOneOf(word, {"expect", "answer", "input", "file", "clock", "config", "sql", "let", "print"}))
         step.desk().doings = {};

@@ -25,7 +25,7 @@ void typeText(Step& step) {
     const std::string text = step.text("a text to type");
     step.end();
     const bool typed = actAs<TextBox, ComboBox>(box, [&](auto& one) { step.demand(gestures::type(one, text), "type into " + box.name()); });
-    expectThat(typed, box.name() + " to be a box to type in", "it is a " + kindOf(box));
+    lineNeeds(typed, box.name() + " to be a box to type in", "it is a " + kindOf(box));
 }
 
 void appendText(Step& step) {
@@ -34,13 +34,13 @@ void appendText(Step& step) {
     step.end();
     const bool typed =
         actAs<TextBox, ComboBox>(box, [&](auto& one) { step.demand(gestures::append(one, text), "type into " + box.name()); });
-    expectThat(typed, box.name() + " to be a box to type in", "it is a " + kindOf(box));
+    lineNeeds(typed, box.name() + " to be a box to type in", "it is a " + kindOf(box));
 }
 
 void enterControl(Step& step) {
     Control& control = step.control();
     step.end();
-    expectThat(control.takesFocus(), control.name() + " to take the focus", "a " + kindOf(control) + " never does");
+    lineNeeds(control.takesFocus(), control.name() + " to take the focus", "a " + kindOf(control) + " never does");
     step.demand(gestures::enter(control), "enter " + control.name());
 }
 
@@ -65,14 +65,14 @@ void clickTarget(Step& step, const Target& target) {
         return;
     if (actAs<OptionButton>(control, [&](OptionButton& option) { step.demand(gestures::choose(option), done); }))
         return;
-    expectThat(control.takesFocus(), control.name() + " to be clicked", "it is a " + kindOf(control));
+    lineNeeds(control.takesFocus(), control.name() + " to be clicked", "it is a " + kindOf(control));
     step.demand(gestures::enter(control), done);
 }
 
 void click(Step& step) {
     const Target target = step.target(step.any("a control's name"));
     step.end();
-    expectThat(target.control->role() != Role::Grid, "a row of " + target.control->name(), "a grid is clicked with: row grd n [col]");
+    lineNeeds(target.control->role() != Role::Grid, "a row of " + target.control->name(), "a grid is clicked with: row grd n [col]");
     clickTarget(step, target);
 }
 
@@ -81,14 +81,14 @@ void check(Step& step) {
     const bool on = step.flag();
     step.end();
     const auto now = shownFlag(control);
-    expectThat(now.has_value(), control.name() + " to be a check box", "it is a " + kindOf(control));
+    lineNeeds(now.has_value(), control.name() + " to be a check box", "it is a " + kindOf(control));
     const std::string done = "click " + control.name();
     if (*now == on) {
         step.demand(gestures::obstacle(control), done);
         return;
     }
     if (auto* option = dynamic_cast<OptionButton*>(&control)) {
-        expectThat(on, control.name() + " to go off by a click", "an option goes off when another goes on");
+        lineNeeds(on, control.name() + " to go off by a click", "an option goes off when another goes on");
         step.demand(gestures::choose(*option), done);
     } else {
         step.demand(gestures::check(dynamic_cast<CheckBox&>(control), on), done);
@@ -106,16 +106,16 @@ int entryIndex(Step& step, const Control& list, const std::vector<std::string>& 
     }
     const std::string position = step.bare("an entry's text, or #n");
     const int index = position.starts_with("#") ? std::atoi(position.c_str() + 1) - 1 : -1;
-    expectThat(index >= 0 && index < static_cast<int>(entries.size()), "an entry from #1 to #" + std::to_string(entries.size()),
-               "there was " + position);
+    lineNeeds(index >= 0 && index < static_cast<int>(entries.size()), "an entry from #1 to #" + std::to_string(entries.size()),
+              "there was " + position);
     return index;
 }
 
 void pick(Step& step) {
     Control& list = step.control();
     const auto entries = shownEntries(list);
-    expectThat(entries && (list.role() == Role::ListBox || list.role() == Role::ComboBox), list.name() + " to be a list or combo",
-               "it is a " + kindOf(list));
+    lineNeeds(entries && (list.role() == Role::ListBox || list.role() == Role::ComboBox), list.name() + " to be a list or combo",
+              "it is a " + kindOf(list));
     // What is in the way is told before what is not in the list: a list behind a modal form cannot be read.
     step.demand(gestures::obstacle(list), "pick from " + list.name());
     const int index = entryIndex(step, list, *entries);
@@ -157,7 +157,7 @@ void closeForm(Step& step) {
 
 Form& openNamed(Step& step, const char* name) {
     Form* const form = step.openForm(name);
-    expectThat(form != nullptr, std::string(name) + " to be open", "it is not");
+    lineNeeds(form != nullptr, std::string(name) + " to be open", "it is not");
     return *form;
 }
 
@@ -196,7 +196,7 @@ void toolbar(Step& step) {
     const std::string key = step.any("a toolbar button's key");
     step.end();
     const Target target = step.target(key);
-    expectThat(target.tool != nullptr, "a toolbar button " + key, "it is a " + kindOf(*target.control));
+    lineNeeds(target.tool != nullptr, "a toolbar button " + key, "it is a " + kindOf(*target.control));
     clickTarget(step, target);
 }
 

@@ -16,15 +16,15 @@ Grid& gridOf(Step& step) {
 // A column that a user can point at.
 int columnOf(Step& step, const Grid& grid) {
     const int column = step.number("a column, counted from 0");
-    expectThat(column >= 0 && column < grid.columnCount(), "a column from 0 to " + std::to_string(grid.columnCount() - 1),
-               "there was " + std::to_string(column));
+    lineNeeds(column >= 0 && column < grid.columnCount(), "a column from 0 to " + std::to_string(grid.columnCount() - 1),
+              "there was " + std::to_string(column));
     return column;
 }
 
 int rowOf(Step& step, const Grid& grid) {
     const int row = step.number("a data row, counted from 1");
-    expectThat(row >= 1 && row <= grid.dataRows(), "a data row " + std::to_string(row) + " in " + grid.name(),
-               "there are " + std::to_string(grid.dataRows()));
+    lineNeeds(row >= 1 && row <= grid.dataRows(), "a data row " + std::to_string(row) + " in " + grid.name(),
+              "there are " + std::to_string(grid.dataRows()));
     return row;
 }
 
@@ -54,11 +54,11 @@ void selectRows(Step& step) {
     const std::vector<std::string> ends = split(range, "-");
     const bool twoNumbers =
         ends.size() == 2 && std::all_of(range.begin(), range.end(), [](char c) { return c == '-' || (c >= '0' && c <= '9'); });
-    expectThat(twoNumbers, "rows as n-m", "there was " + range);
+    lineNeeds(twoNumbers, "rows as n-m", "there was " + range);
     const int from = std::atoi(ends[0].c_str());
     const int to = std::atoi(ends[1].c_str());
-    expectThat(from >= 1 && from <= to && to <= grid.dataRows(), "data rows of " + grid.name(),
-               "there was " + range + " where there are " + std::to_string(grid.dataRows()));
+    lineNeeds(from >= 1 && from <= to && to <= grid.dataRows(), "data rows of " + grid.name(),
+              "there was " + range + " where there are " + std::to_string(grid.dataRows()));
     step.demand(gestures::selectRows(grid, from, to), "select in " + grid.name());
 }
 
@@ -66,7 +66,7 @@ void clickHeading(Step& step) {
     Grid& grid = gridOf(step);
     const int column = columnOf(step, grid);
     step.end();
-    expectThat(!grid.column(column).hidden, "a column that is shown", "column " + std::to_string(column) + " is hidden");
+    lineNeeds(!grid.column(column).hidden, "a column that is shown", "column " + std::to_string(column) + " is hidden");
     step.demand(gestures::clickHeading(grid, column), "click a heading of " + grid.name());
 }
 
@@ -83,7 +83,7 @@ void doubleClick(Step& step) {
     }
     step.end();
     auto* list = dynamic_cast<ListBox*>(&control);
-    expectThat(list != nullptr, name + " to be a grid or a list", "it is a " + kindOf(control));
+    lineNeeds(list != nullptr, name + " to be a grid or a list", "it is a " + kindOf(control));
     step.demand(gestures::enter(*list), "double-click " + name);
     if (list->listIndex() >= 0 && list->dblClick)
         list->dblClick();
@@ -92,17 +92,17 @@ void doubleClick(Step& step) {
 // Fails where the cell's editor would not let a user enter this.
 void checkTypable(const Grid& grid, int column, const std::string& text) {
     const GridColumn& shape = grid.column(column);
-    expectThat(!shape.hidden, "a column that is shown", "column " + std::to_string(column) + " is hidden");
+    lineNeeds(!shape.hidden, "a column that is shown", "column " + std::to_string(column) + " is hidden");
     if (shape.editor == GridColumn::Editor::Check)
-        expectThat(text == "1" || text == "0", R"("1" or "0" for a check cell)", "there was " + inQuotes(text));
+        lineNeeds(text == "1" || text == "0", R"("1" or "0" for a check cell)", "there was " + inQuotes(text));
     if (shape.editor != GridColumn::Editor::Combo || shape.choices.empty())
         return;
     std::vector<std::string> texts;
     for (const auto& [choice, stored] : shape.choices)
         texts.push_back(choice);
     const bool listed = std::any_of(texts.begin(), texts.end(), [&](const std::string& one) { return sameText(one, text); });
-    expectThat(listed, "an entry of the cell's list",
-               "there was " + inQuotes(text) + " where there are \"" + joined(texts, "\", \"") + "\"");
+    lineNeeds(listed, "an entry of the cell's list",
+              "there was " + inQuotes(text) + " where there are \"" + joined(texts, "\", \"") + "\"");
 }
 
 void edit(Step& step) {

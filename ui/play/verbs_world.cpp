@@ -43,7 +43,7 @@ void tellStoreTheTime(Step& step) {
 void wait(Step& step) {
     const int ms = step.number("milliseconds");
     step.end();
-    expectThat(ms >= 0, "milliseconds", "there was " + std::to_string(ms));
+    lineNeeds(ms >= 0, "milliseconds", "there was " + std::to_string(ms));
     step.desk().pass(ms, [&] { tellStoreTheTime(step); });
 }
 
@@ -51,7 +51,7 @@ void setClock(Step& step) {
     const std::string text = step.text("a date and time");
     step.end();
     const auto date = Date::fromText(text);
-    expectThat(date.has_value(), R"(a date and time as "2026-11-21 14:30:00")", "there was " + inQuotes(text));
+    lineNeeds(date.has_value(), R"(a date and time as "2026-11-21 14:30:00")", "there was " + inQuotes(text));
     step.desk().clock().set(*date);
     tellStoreTheTime(step);
 }
@@ -63,7 +63,7 @@ void sql(Step& step) {
 }
 
 void config(Step& step) {
-    expectThat(!step.player().started(), "a configuration before the start-up", "the application runs already");
+    lineNeeds(!step.player().started(), "a configuration before the start-up", "the application runs already");
     StartUp& startUp = step.player().startUp();
     if (step.accept("none")) {
         startUp.bare = true;
@@ -74,8 +74,8 @@ void config(Step& step) {
     std::map<std::string, std::string> settings;
     while (step.more()) {
         const Word& setting = step.setting(R"(a setting as server="...")");
-        expectThat(std::find(std::begin(kKnown), std::end(kKnown), setting.name) != std::end(kKnown),
-                   "name, server, register, password, instance or integrated", "there was " + setting.name);
+        lineNeeds(std::find(std::begin(kKnown), std::end(kKnown), setting.name) != std::end(kKnown),
+                  "name, server, register, password, instance or integrated", "there was " + setting.name);
         settings[setting.name] = setting.name == "server" && setting.text == "@store" ? step.host().storePath() : setting.text;
     }
     startUp.configurations.push_back(std::move(settings));
@@ -84,15 +84,15 @@ void config(Step& step) {
 std::string callOperation(Step& step) {
     const std::string name = step.bare("an operation as frmX.Operation");
     const std::size_t point = name.find('.');
-    expectThat(point != std::string::npos, "an operation as frmX.Operation", "there was " + name);
+    lineNeeds(point != std::string::npos, "an operation as frmX.Operation", "there was " + name);
     std::vector<std::string> arguments;
     while (step.more())
         arguments.push_back(step.any("an argument"));
-    expectThat(!step.player().ending(), "the application to run", "its process has ended");
+    lineNeeds(!step.player().ending(), "the application to run", "its process has ended");
     Form* const form = step.host().formNamed(step.desk(), name.substr(0, point));
-    expectThat(form != nullptr, "a form " + name.substr(0, point), "the program has none of that name");
+    lineNeeds(form != nullptr, "a form " + name.substr(0, point), "the program has none of that name");
     const Form::Operation* const operation = form->operation(name.substr(point + 1));
-    expectThat(operation != nullptr, "an operation " + name.substr(point + 1), form->name() + " offers none of that name");
+    lineNeeds(operation != nullptr, "an operation " + name.substr(point + 1), form->name() + " offers none of that name");
     return (*operation)(arguments);
 }
 
@@ -104,16 +104,16 @@ void call(Step& step) {
 
 void let(Step& step) {
     const std::string name = step.bare("a name");
-    expectThat(step.accept("="), "= behind the name", "there was something else");
+    lineNeeds(step.accept("="), "= behind the name", "there was something else");
     if (step.accept("call")) {
         step.player().variables()[name] = callOperation(step);
         return;
     }
-    expectThat(step.accept("sql"), R"(sql "...")", "there was something else");
+    lineNeeds(step.accept("sql"), R"(sql "...")", "there was something else");
     const std::string batch = step.text("a select");
     step.end();
     const auto rows = query(step, batch);
-    expectThat(!rows.empty() && !rows.front().empty(), "a row from " + inQuotes(batch), "there was none");
+    lineNeeds(!rows.empty() && !rows.front().empty(), "a row from " + inQuotes(batch), "there was none");
     step.player().variables()[name] = rows.front().front().toScriptText();
 }
 

@@ -61,7 +61,8 @@ TEST(Play, WhatHolds) {
         "click imgUp\nexpect lblLog \"in name;out name=;up;\"\nexpect tip imgUp \"One up\"\nclick cmdHelp\nexpect browsed like \"help/%\"",
         "expect text \"The shop\"\nexpect text \"Name:\"\nexpect caption \"Shop\"\nexpect enabled cmdBeep\nexpect disabled cmdOff\nexpect "
         "hidden cmdGone\nexpect visible txtName",
-        "expect refused click cmdOff\nexpect refused click cmdGone\nexpect refused type txtLocked \"x\"\nexpect refused type txtNotes "
+        "expect refused click cmdOff\nexpect refused expect closed frmShop\nexpect refused click cmdGone\nexpect refused type txtLocked "
+        "\"x\"\nexpect refused type txtNotes "
         "\"x\"\nexpect refused command mnuOff",
         "wait 249\nexpect lblTicks \"0\"\nwait 1\nexpect lblTicks \"1\"\nwait 1000\nexpect lblTicks \"5\"",
         "clock \"2026-11-21 14:30:00\"\nwait 1500\nexpect sql \"now\" \"2026-11-21 14:30:01\"",
@@ -149,6 +150,8 @@ TEST(Play, WhatDoesNotHoldTellsWhatThereWas) {
         {"expect refused click cmdBeep", "expected this to be refused, it was done"},
         {"expect refused click cmdModal\nexpect form frmDialog", "test.play:3: expected this to be refused, it opened a form"},
         {"expect refused click cmdNone", "expected a control cmdNone"},
+        {"expect refused expect lblNone \"x\"", "expected a control lblNone"},
+        {"expect refused expect closed frmNone", "expected this to be refused, it was done"},
         {"click cmdOff", "expected to click cmdOff, the way is barred: disabled"},
         {"type txtLocked \"x\"", "the way is barred: locked"},
         {"click grdItems", "expected a row of grdItems, a grid is clicked with: row grd n [col]"},
