@@ -4,8 +4,31 @@
 
 #include <algorithm>
 #include <cctype>
+#include <memory>
+#include <utility>
 
 namespace merchantry::app {
+
+std::string phoneLaidOut(const std::string& text) {
+    if (text.size() != 10 || !std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; }))
+        return text;
+    return "(" + text.substr(0, 3) + ") " + text.substr(3, 3) + "-" + text.substr(6);
+}
+
+void takePhones(ui::TextBox& control) {
+    const auto before = std::make_shared<std::string>();
+    control.gotFocus = [&control, before, also = std::move(control.gotFocus)] {
+        *before = control.text();
+        if (also)
+            also();
+    };
+    control.lostFocus = [&control, before, also = std::move(control.lostFocus)] {
+        if (control.text() != *before)
+            control.setText(phoneLaidOut(std::string(trimmed(control.text()))));
+        if (also)
+            also();
+    };
+}
 
 bool IsPhoneValid(const std::string& /*text*/, const ui::TextBox& /*control*/) {
     return true;

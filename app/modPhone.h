@@ -6,7 +6,13 @@
 
 namespace merchantry::app {
 
-// Phone numbers in masked fields. Any form of a number is accepted.
+// Phone numbers in fields. Any form of a number is accepted and kept as it was typed, a country code and an extension among them.
+
+// Makes the field lay out ten typed digits as "(###) ###-####" when it loses the focus. What was not typed stays as it is. Keeps what the
+// field does already when it gets and loses the focus.
+void takePhones(ui::TextBox& control);
+// "(555) 123-4567" for exactly ten digits; any other text as it is.
+std::string phoneLaidOut(const std::string& text);
 
 // Always true: no number is refused.
 bool IsPhoneValid(const std::string& text, const ui::TextBox& control);

@@ -105,7 +105,7 @@ void frmItems_Sales::takeSale(db::Recordset& rows) {
         return value.is<Date>() ? value.as<Date>() : Date();
     };
     SaleEvent sale;
-    sale.ID = rows["ID"].Value().toInt16();
+    sale.ID = rows["ID"].Value().toInt32();
     sale.SKU = rows["SKU"].text();
     sale.MatrixSKU = rows["MatrixSKU"].text();
     sale.DateFrom = dayOf("DateFrom");

@@ -11,7 +11,7 @@ namespace merchantry::catalog {
 
 // A dated special price of an item, as the sales screen holds it until it is saved. Both days belong to the sale.
 struct SaleEvent {
-    std::int16_t ID = -1; // -1 for a new one
+    std::int32_t ID = -1; // -1 for a new one
     std::string SKU;
     std::string MatrixSKU;
     Date DateFrom;

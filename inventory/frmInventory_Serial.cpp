@@ -101,16 +101,16 @@ void frmInventory_Serial::showState() {
                          (placeholders() > 0 ? "; XXXX is kept as a number until you type over it" : ""));
 }
 
-std::int16_t frmInventory_Serial::inStock() const {
+std::int64_t frmInventory_Serial::inStock() const {
     const auto stock = openDirect(Sql("SELECT Quantity AS Tot from Stock WHERE SKU = '") + sku_ + "' AND MatrixSKU = '" + matrixSku_ + "'");
-    return stock->Eof() ? std::int16_t{0} : (*stock)["Tot"].Value().toInt16();
+    return stock->Eof() ? 0 : (*stock)["Tot"].Value().toInteger();
 }
 
 void frmInventory_Serial::cmdAdd_Click() {
     guarded({kTag, "cmdAdd_Click"}, [this] {
         if (rsSerials == nullptr)
             return; // the numbers could not be loaded
-        const std::int16_t tot = inStock();
+        const std::int64_t tot = inStock();
         // A stock of exactly 0 passes: such an item takes numbers without limit.
         if (tot != 0 && tot <= grdInv.dataRows()) {
             desk().message("You only have " + std::to_string(tot) +

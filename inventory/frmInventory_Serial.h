@@ -27,7 +27,7 @@ private:
 
     void cmdAdd_Click();
     void addSerial();
-    std::int16_t inStock() const;
+    std::int64_t inStock() const;
     void cmdDelete_Click();
     void grdInv_Error();
     void showState();

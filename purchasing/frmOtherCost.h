@@ -16,7 +16,7 @@ class frmOtherCost : public ui::Form {
 public:
     explicit frmOtherCost(ui::Desk& desk);
 
-    std::int16_t PONumber = 0;
+    std::int32_t PONumber = 0;
     Currency OtherCost; // whole cents; a negative one is a rebate
     std::string Description;
     bool DialogResult = false; // OK was pressed

@@ -57,7 +57,7 @@ frmPOCancel::frmPOCancel(Desk& desk) : Form(desk, "frmPOCancel", "Cancel Purchas
     }));
     // The order's number; "True" when a cancellation was posted.
     offer("Cancel", [this](const auto& arguments) {
-        PONumber = toInt16(numericPrefix(arguments.at(0)));
+        PONumber = toInt32(numericPrefix(arguments.at(0)));
         this->desk().showModal(*this);
         return Value(DialogResult).toText();
     });
@@ -162,8 +162,8 @@ void frmPOCancel::post() {
         anyOpen = anyOpen || line.staysOpen(line.CancelQty);
         if (line.CancelQty <= 0)
             continue;
-        const std::int16_t number = postedNumber(Sql("sp_CancelItem 1, ") + int{PONumber} + ", '" + line.SKU + "', '" + line.MatrixSKU +
-                                                     "', " + int{line.CancelQty} + ", " + int{CancelNumber_},
+        const std::int32_t number = postedNumber(Sql("sp_CancelItem 1, ") + PONumber + ", '" + line.SKU + "', '" + line.MatrixSKU + "', " +
+                                                     int{line.CancelQty} + ", " + CancelNumber_,
                                                  "CancelNumber");
         if (CancelNumber_ == -1)
             CancelNumber_ = number;

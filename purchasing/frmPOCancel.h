@@ -19,7 +19,7 @@ class frmPOCancel : public ui::Form {
 public:
     explicit frmPOCancel(ui::Desk& desk);
 
-    std::int16_t PONumber = 0;
+    std::int32_t PONumber = 0;
     std::int16_t SupplierID = 0;
     bool DialogResult = false; // a cancellation was posted
 
@@ -53,7 +53,7 @@ private:
     ui::Button cmdOK{*this, "cmdOK", "&OK"};
 
     std::vector<CancelLine> lines_;
-    std::int16_t CancelNumber_ = -1; // until the database gives one
+    std::int32_t CancelNumber_ = -1; // until the database gives one
     std::string saved_;              // the cell before its edit
 };
 

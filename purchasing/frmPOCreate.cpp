@@ -158,28 +158,28 @@ void frmPOCreate::clearPreview() {
 
 bool frmPOCreate::collectLines() {
     lines_.clear();
-    if (optAll.value())
-        GetAllReorderItems();
-    else if (optReorder.value() || optSpecItems.value())
-        PickIndividualItemsItems();
-    else if (optSpecSupplier.value())
-        PickItemsBySuppliers();
-    else
-        PickItemsByDepartments();
+    const bool read = optAll.value()                               ? GetAllReorderItems()
+                      : optReorder.value() || optSpecItems.value() ? PickIndividualItemsItems()
+                      : optSpecSupplier.value()                    ? PickItemsBySuppliers()
+                                                                   : PickItemsByDepartments();
+    if (!read) { // half a list orders for half a store
+        lines_.clear();
+        return false;
+    }
     if (lines_.empty() && (optAll.value() || !pickedSources_.empty()))
         grdPreview.setStatusText("No item is at or below its reorder level");
     return !lines_.empty();
 }
 
-void frmPOCreate::GetAllReorderItems() {
-    guarded({kTag, "GetAllReorderItems"}, [this] {
+bool frmPOCreate::GetAllReorderItems() {
+    return guarded({kTag, "GetAllReorderItems"}, [this] {
         const Waiting hourglass(desk());
         addLines(lines_, *modMain().Conn->Execute("sp_GetAllReorderItems"));
     });
 }
 
-void frmPOCreate::PickIndividualItemsItems() {
-    guarded({kTag, "PickIndividualItemsItems"}, [this] {
+bool frmPOCreate::PickIndividualItemsItems() {
+    return guarded({kTag, "PickIndividualItemsItems"}, [this] {
         const auto picked = PickItems(desk(), optReorder.value() ? Sql("sp_GetAllReorderList") : Sql("sp_GetAllItems"), "", pickedItems_);
         pickedItems_.clear();
         const bool whole = forEach("Reading the items ...", picked.size(), [&](std::size_t i) {
@@ -191,8 +191,8 @@ void frmPOCreate::PickIndividualItemsItems() {
     });
 }
 
-void frmPOCreate::PickItemsBySuppliers() {
-    guarded({kTag, "PickItemsBySuppliers"}, [this] {
+bool frmPOCreate::PickItemsBySuppliers() {
+    return guarded({kTag, "PickItemsBySuppliers"}, [this] {
         pickedSources_ = PickSources(desk(), frmPOFrom::kSuppliers, pickedSources_);
         if (pickedSources_.empty())
             return;
@@ -204,8 +204,8 @@ void frmPOCreate::PickItemsBySuppliers() {
     });
 }
 
-void frmPOCreate::PickItemsByDepartments() {
-    guarded({kTag, "PickItemsByDepartments"}, [this] {
+bool frmPOCreate::PickItemsByDepartments() {
+    return guarded({kTag, "PickItemsByDepartments"}, [this] {
         pickedSources_ = PickSources(desk(), frmPOFrom::kDepartments, pickedSources_);
         if (pickedSources_.empty())
             return;

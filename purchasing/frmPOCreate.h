@@ -35,10 +35,10 @@ private:
 
     // The lines of the chosen filter, into lines_; false when there are none. A failure is reported, and the lines so far stay.
     bool collectLines();
-    void GetAllReorderItems();
-    void PickIndividualItemsItems();
-    void PickItemsBySuppliers();
-    void PickItemsByDepartments();
+    bool GetAllReorderItems();
+    bool PickIndividualItemsItems();
+    bool PickItemsBySuppliers();
+    bool PickItemsByDepartments();
 
     SupplierRule rule() const;
     // Looks up who serves each of the lines, and gives the answer to `choose`; false when the user stopped it.

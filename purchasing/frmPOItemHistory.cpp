@@ -56,7 +56,7 @@ frmPOItemHistory::frmPOItemHistory(Desk& desk) : Form(desk, "frmPOItemHistory", 
     }));
     // Number of the order, both codes of the item.
     offer("ShowPOItemHistory", [](const auto& arguments) {
-        ShowPOItemHistory(toInt16(numericPrefix(arguments.at(0))), arguments.at(1), arguments.at(2));
+        ShowPOItemHistory(toInt32(numericPrefix(arguments.at(0))), arguments.at(1), arguments.at(2));
         return std::string();
     });
 }
@@ -67,7 +67,7 @@ void frmPOItemHistory::Form_Load() {
     lblPONothing.setVisible(false); // until it is known
     guarded({kTag, "Form_Load"}, [this] {
         std::vector<Event> events;
-        auto history = openDirect(db::Sql("sp_GetPOItemHistory ") + int{PONumber} + ", '" + SKU + "', '" + MatrixSKU + "'");
+        auto history = openDirect(db::Sql("sp_GetPOItemHistory ") + PONumber + ", '" + SKU + "', '" + MatrixSKU + "'");
         for (bool first = true; !history->Eof(); history->MoveNext(), first = false) {
             db::Recordset& row = *history;
             if (first) {
@@ -106,7 +106,7 @@ void frmPOItemHistory::show(const std::vector<Event>& events) {
     }
 }
 
-void ShowPOItemHistory(std::int16_t PONumber, const std::string& SKU, const std::string& MatrixSKU) {
+void ShowPOItemHistory(std::int32_t PONumber, const std::string& SKU, const std::string& MatrixSKU) {
     auto& history = modMain().desk->form<frmPOItemHistory>();
     history.PONumber = PONumber;
     history.SKU = SKU;

@@ -16,7 +16,7 @@ class frmPOItemHistory : public ui::Form {
 public:
     explicit frmPOItemHistory(ui::Desk& desk);
 
-    std::int16_t PONumber = 0;
+    std::int32_t PONumber = 0;
     std::string SKU;
     std::string MatrixSKU;
 
@@ -40,6 +40,6 @@ private:
 };
 
 // Shows the history of that line, modally.
-void ShowPOItemHistory(std::int16_t PONumber, const std::string& SKU, const std::string& MatrixSKU);
+void ShowPOItemHistory(std::int32_t PONumber, const std::string& SKU, const std::string& MatrixSKU);
 
 } // namespace merchantry::purchasing

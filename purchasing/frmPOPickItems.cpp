@@ -17,8 +17,8 @@ std::vector<ItemPick> itemsOf(Desk& desk, const db::Sql& procedure) {
     std::vector<ItemPick> items;
     items.reserve(static_cast<std::size_t>(rows->RecordCount()));
     for (; !rows->Eof(); rows->MoveNext())
-        items.push_back({(*rows)["Name"].text(), (*rows)["SKU"].text(), (*rows)["MatrixSKU"].text(), (*rows)["Restock"].Value().toInt16(),
-                         (*rows)["Quantity"].Value().toInt16()});
+        items.push_back({(*rows)["Name"].text(), (*rows)["SKU"].text(), (*rows)["MatrixSKU"].text(), (*rows)["Restock"].Value().toInt32(),
+                         (*rows)["Quantity"].Value().toInt32()});
     return items;
 }
 

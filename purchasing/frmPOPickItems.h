@@ -17,8 +17,8 @@ struct ItemPick {
     std::string Name;
     std::string SKU;
     std::string MatrixSKU;
-    std::int16_t Restock = 0;
-    std::int16_t Quantity = 0; // in stock
+    std::int32_t Restock = 0;
+    std::int32_t Quantity = 0; // in stock
     bool Selected = false;
 };
 

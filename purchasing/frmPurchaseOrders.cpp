@@ -231,8 +231,8 @@ void frmPurchaseOrders::setButtons() {
         cmdEdit.setCaption(closed || currentIs("Partial") ? "View PO" : "Edit PO");
 }
 
-std::int16_t frmPurchaseOrders::currentNumber() const {
-    return grdPO.value(grdPO.row(), kPONumber).toInt16();
+std::int32_t frmPurchaseOrders::currentNumber() const {
+    return grdPO.value(grdPO.row(), kPONumber).toInt32();
 }
 
 void frmPurchaseOrders::cmdEdit_Click() {

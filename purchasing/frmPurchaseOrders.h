@@ -41,7 +41,7 @@ private:
     void sortList();
     void showSums();
     void setButtons();
-    std::int16_t currentNumber() const;
+    std::int32_t currentNumber() const;
     bool currentIs(const char* status) const;
     void cmdAdd_Click();
     void createByRun();

@@ -66,7 +66,7 @@ frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurc
     // Number, supplier, "on" for looking only.
     offer("ShowOrder", [this](const std::vector<std::string>& arguments) {
         const auto argument = [&](std::size_t at) { return at < arguments.size() ? arguments[at] : std::string(); };
-        PONumber = toInt16(numericPrefix(argument(0)));
+        PONumber = toInt32(numericPrefix(argument(0)));
         SupplierID = toInt16(numericPrefix(argument(1)));
         ReadOnly = argument(2) == "on";
         this->desk().showModal(*this);
@@ -133,7 +133,7 @@ void frmPurchaseOrders_Edit::ShowSupplierInfo() {
 void frmPurchaseOrders_Edit::LoadData() {
     guarded({kTag, "LoadData"}, [this] {
         const Waiting hourglass(desk());
-        const auto rows = openDirect(Sql("sp_GetPOItems ") + int{PONumber});
+        const auto rows = openDirect(Sql("sp_GetPOItems ") + PONumber);
         for (; !rows->Eof(); rows->MoveNext()) {
             db::Recordset& row = *rows;
             Line line;

@@ -22,7 +22,7 @@ class frmPurchaseOrders_Edit : public ui::Form {
 public:
     explicit frmPurchaseOrders_Edit(ui::Desk& desk);
 
-    std::int16_t PONumber = -1;  // kNewOrder: the order is made here
+    std::int32_t PONumber = -1;  // kNewOrder: the order is made here
     std::int16_t SupplierID = 0; // of a new order; otherwise filled from the order
     bool ReadOnly = false;
     bool DialogResult = false; // left by OK
@@ -64,7 +64,8 @@ private:
     bool takeCell(Line& line, int column, const std::string& text) const;
     void cmdOK_Click();
     void SavePO();
-    void saveLine(const Line& line, std::int16_t poid) const;
+    bool saveLine(const Line& line, std::int32_t poid) const;
+    void closeIfDone(std::int32_t number) const;
     void MemorizePO();
     void cmdPrint_Click();
     void cmdViewHist_Click();

@@ -110,7 +110,7 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
     }));
     // The order's number; "True" when a receipt was posted.
     offer("Receive", [this](const auto& arguments) {
-        PONumber = toInt16(numericPrefix(arguments.at(0)));
+        PONumber = toInt32(numericPrefix(arguments.at(0)));
         this->desk().showModal(*this);
         return Value(DialogResult).toText();
     });
@@ -242,7 +242,7 @@ void frmPurchaseOrders_Recv::loadBarcodes() {
         openDirect(Sql("SELECT i.SKU, i.MatrixSKU, Item.BarcodeID FROM PurchaseOrder o INNER JOIN PurchaseOrderItem i ON i.POID = "
                        "o.POID INNER JOIN Item ON Item.SKU = i.SKU AND Item.MatrixSKU = i.MatrixSKU WHERE Item.BarcodeID <> '' AND "
                        "o.PONumber = ") +
-                   int{PONumber});
+                   PONumber);
     std::map<std::string, std::size_t> places;
     for (std::size_t i = 0; i < lines_.size(); ++i)
         places.emplace(itemKey(lines_[i].SKU, lines_[i].MatrixSKU), i);

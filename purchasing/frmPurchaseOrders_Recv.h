@@ -24,7 +24,7 @@ class frmPurchaseOrders_Recv : public ui::Form {
 public:
     explicit frmPurchaseOrders_Recv(ui::Desk& desk);
 
-    std::int16_t PONumber = 0;
+    std::int32_t PONumber = 0;
     std::int16_t SupplierID = 0;
     bool DialogResult = false; // a receipt was posted
 
@@ -88,7 +88,7 @@ private:
     Currency Subtotal_;
     Currency OtherCost_;
     std::string OtherCostDesc_;
-    std::int16_t ReceiptNumber_ = -1; // until the database gives one
+    std::int32_t ReceiptNumber_ = -1; // until the database gives one
     std::string saved_;               // the cell before its edit
 };
 

@@ -40,18 +40,21 @@ std::string trimmedText(const TextBox& box) {
 
 frmSuppliers_Info::frmSuppliers_Info(Desk& desk) : Form(desk, "frmSuppliers_Info", "Supplier Info") {
     setIcon("item");
-    txtPhone.mask = txtFax.mask = "(###) ###-####";
     cmdCancel.isCancel = true;
     cmdUpdate.isDefault = true;
     cmdCancel.setToolTip("Leaves without saving. A supplier just added stays in the list with its name.");
-    const std::pair<TextBox*, int> lengths[] = {{&txtName, 100},         {&txtAddress1, 100},   {&txtAddress2, 100}, {&txtAddress3, 100},
-                                                {&txtCity, 50},          {&txtZip, 20},         {&txtEmail, 100},    {&txtWebsite, 255},
-                                                {&txtAccountNumber, 50}, {&txtSalesPerson, 100}};
+    const std::pair<TextBox*, int> lengths[] = {{&txtName, 100},         {&txtAddress1, 100},    {&txtAddress2, 100}, {&txtAddress3, 100},
+                                                {&txtCity, 50},          {&txtZip, 20},          {&txtEmail, 100},    {&txtWebsite, 255},
+                                                {&txtAccountNumber, 50}, {&txtSalesPerson, 100}, {&txtPhone, 30},     {&txtFax, 30}};
     for (const auto& [box, length] : lengths)
         box->maxLength = length;
     for (Control* control : controls())
         if (auto* box = dynamic_cast<TextBox*>(control))
             box->gotFocus = [box] { box->selectAll(); };
+    for (TextBox* box : {&txtPhone, &txtFax}) {
+        takePhones(*box);
+        box->setToolTip("Ten digits are laid out as (555) 123-4567; any other number stays as you type it.");
+    }
     txtName.lostFocus = [this] { txtName_LostFocus(); };
     cmdUpdate.click = [this] { cmdUpdate_Click(); };
     cmdCancel.click = [this] { unload(); };

@@ -11,8 +11,8 @@ namespace merchantry::purchasing {
 using app::modMain;
 using app::openDirect;
 
-std::vector<OpenLine> openLines(std::int16_t PONumber) {
-    const auto rows = openDirect(db::Sql("sp_GetPOItemToReceive ") + int{PONumber});
+std::vector<OpenLine> openLines(std::int32_t PONumber) {
+    const auto rows = openDirect(db::Sql("sp_GetPOItemToReceive ") + PONumber);
     auto& row = *rows;
     const auto quantity = [&row](const char* column) { return row[column].Value().toInt16(); };
     std::vector<OpenLine> lines;
@@ -57,14 +57,14 @@ bool breaksStatement(const std::string& text) {
     }
 }
 
-std::int16_t postedNumber(const db::Sql& statement, const char* column) {
+std::int32_t postedNumber(const db::Sql& statement, const char* column) {
     const auto answer = modMain().Conn->Execute(statement);
-    return (*answer)[column].Value().toInt16();
+    return (*answer)[column].Value().toInt32();
 }
 
-void changeStatus(std::int16_t PONumber, bool anyOpen) {
+void changeStatus(std::int32_t PONumber, bool anyOpen) {
     const std::string status = anyOpen ? "P" : "C";
-    modMain().Conn->Execute(db::Sql("sp_ChangePOStatus ") + int{PONumber} + ", '" + status + "'");
+    modMain().Conn->Execute(db::Sql("sp_ChangePOStatus ") + PONumber + ", '" + status + "'");
 }
 
 } // namespace merchantry::purchasing

@@ -35,9 +35,9 @@ struct OpenLine {
 };
 
 // The open lines of the order with that number, in the order of their names. Throws DbError.
-std::vector<OpenLine> openLines(std::int16_t PONumber);
+std::vector<OpenLine> openLines(std::int32_t PONumber);
 // The same as lines of a screen, with all that is open in the quantity that it posts.
-template <class Line> std::vector<Line> openLinesFor(std::int16_t PONumber, std::int16_t Line::*posted) {
+template <class Line> std::vector<Line> openLinesFor(std::int32_t PONumber, std::int16_t Line::*posted) {
     std::vector<Line> lines;
     for (OpenLine& open : openLines(PONumber)) {
         Line& line = lines.emplace_back();
@@ -60,9 +60,9 @@ std::optional<std::int16_t> wholeQuantity(const std::string& text);
 bool breaksStatement(const std::string& text);
 
 // Runs a statement of a posting that answers with the posting's number, which stands in that column. Throws DbError.
-std::int16_t postedNumber(const db::Sql& statement, const char* column);
+std::int32_t postedNumber(const db::Sql& statement, const char* column);
 // Writes that the order is partial, when a line stays open, or closed. Throws DbError.
-void changeStatus(std::int16_t PONumber, bool anyOpen);
+void changeStatus(std::int32_t PONumber, bool anyOpen);
 
 // The line of a data row, whose hidden column holds its place in the list from 1; nothing for the heading or no row.
 template <class Line> Line* lineOf(std::vector<Line>& lines, const ui::Grid& grid, int row, int indexColumn) {

@@ -13,7 +13,7 @@ struct SupplierOffer {
     std::int16_t SupID = 0;
     Currency Cost;
     std::int16_t Priority = 0;
-    std::int16_t ReorderQty = 0;
+    std::int32_t ReorderQty = 0;
     std::string PartNo;
 };
 

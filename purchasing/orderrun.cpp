@@ -19,6 +19,10 @@ std::int16_t shortOf(db::Recordset& row, const char* column) {
     return row[column].Value().toInt16();
 }
 
+std::int32_t intOf(db::Recordset& row, const char* column) {
+    return row[column].Value().toInt32();
+}
+
 // The order that is being written, and the transaction around it.
 class OrderWriter {
 public:
@@ -31,7 +35,7 @@ public:
         }
         const auto entered = connection_->Execute(Sql("sp_InsertPOItem ") + poid_ + ", '" + line.SKU + "', '" + line.MatrixSKU + "', " +
                                                   line.ReorderQty + ", " + line.Cost + ", '" + line.PartNo + "'");
-        if (shortOf(*entered, "Qty") > 0)
+        if (intOf(*entered, "Qty") > 0)
             ++taken_;
     }
     // An order without lines is given up, and no number is used up for it.
@@ -55,7 +59,7 @@ private:
     void open(std::int16_t supplier) {
         transaction_.emplace(connection_);
         const auto header = connection_->Execute(Sql("sp_InsertPOHeader ") + supplier);
-        poid_ = shortOf(*header, "POID");
+        poid_ = intOf(*header, "POID");
         supplier_ = supplier;
     }
 
@@ -73,9 +77,9 @@ void addLine(std::vector<OrderLine>& lines, db::Recordset& row) {
     OrderLine line;
     line.SKU = row["SKU"].text();
     line.MatrixSKU = row["MatrixSKU"].text();
-    line.Quantity = shortOf(row, "Quantity");
-    line.Restock = shortOf(row, "Restock");
-    line.ReorderQty = toInt16(row["Reorder"].Value().toNumber() - row["QtyOrdered"].Value().toNumber());
+    line.Quantity = intOf(row, "Quantity");
+    line.Restock = intOf(row, "Restock");
+    line.ReorderQty = toInt32(row["Reorder"].Value().toNumber() - row["QtyOrdered"].Value().toNumber());
     toInt16(static_cast<double>(lines.size() + 1)); // lines are counted in 16 bits
     lines.push_back(std::move(line));
 }
@@ -93,7 +97,7 @@ db::RecordsetPtr offersFor(db::Connection& connection, const OrderLine& line, Su
 }
 
 void takeOffer(OrderLine& line, db::Recordset& offer) {
-    line.ReorderQty = shortOf(offer, "ReorderQty");
+    line.ReorderQty = intOf(offer, "ReorderQty");
     line.Cost = offer["Cost"].Value().toCurrency();
     line.PartNo = offer["PartNo"].text();
     line.SupID = shortOf(offer, "SupID");

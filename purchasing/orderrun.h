@@ -16,9 +16,9 @@ namespace merchantry::purchasing {
 struct OrderLine {
     std::string SKU;
     std::string MatrixSKU;
-    std::int16_t Restock = 0;
-    std::int16_t ReorderQty = 0; // Reorder less what is on order; once a supplier is chosen, what to order from them
-    std::int16_t Quantity = 0;   // on hand
+    std::int32_t Restock = 0;
+    std::int32_t ReorderQty = 0; // Reorder less what is on order; once a supplier is chosen, what to order from them
+    std::int32_t Quantity = 0;   // on hand
     Currency Cost;               // of one; this and what follows is the chosen supplier's
     std::int16_t Priority = 0;
     std::int16_t SupID = 0;
@@ -28,7 +28,8 @@ struct OrderLine {
 enum class SupplierRule { LowestCost, Priority };
 
 // Adds a line for the row that the recordset stands on (columns SKU, MatrixSKU, Quantity, Restock, Reorder, QtyOrdered). Throws DbError
-// when it stands on none, and OverflowError for figures beyond 16 bits, the number of lines among them.
+// when it stands on none, and OverflowError for more than 32,767 lines. Quantities are read as they are: what does not fit an order is
+// refused by the store when its supplier is looked for.
 void addLine(std::vector<OrderLine>& lines, db::Recordset& row);
 // The same for all rows; of the rows of one item that stand together only the first counts.
 void addLines(std::vector<OrderLine>& lines, db::Recordset& rows);

@@ -4,9 +4,9 @@
 
 namespace merchantry::purchasing {
 
-std::int16_t PONumberToPOID(std::int16_t PONumber) {
-    const auto order = app::openDirect(db::Sql("sp_PONumber2POID ") + int{PONumber});
-    return order->Eof() ? std::int16_t{0} : (*order)["POID"].Value().toInt16();
+std::int32_t PONumberToPOID(std::int32_t PONumber) {
+    const auto order = app::openDirect(db::Sql("sp_PONumber2POID ") + PONumber);
+    return order->Eof() ? 0 : (*order)["POID"].Value().toInt32();
 }
 
 } // namespace merchantry::purchasing

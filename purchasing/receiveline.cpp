@@ -23,15 +23,15 @@ void spreadOver(std::vector<ReceiveLine>& lines, Currency Subtotal, Currency Oth
         lines[i].OtherCostShare = shares[i];
 }
 
-std::int16_t postReceipt(std::int16_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost,
+std::int32_t postReceipt(std::int32_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost,
                          const std::string& OtherCostDesc) {
     using db::Sql;
     db::Transaction transaction(app::modMain().Conn);
-    std::int16_t ReceiptNumber = -1;
+    std::int32_t ReceiptNumber = -1;
     int CostID = 0;
     if (OtherCost > Currency()) {
         const auto cost =
-            app::modMain().Conn->Execute(Sql("sp_InsertOtherCost ") + int{PONumber} + ", " + OtherCost + ", '" + OtherCostDesc + "'");
+            app::modMain().Conn->Execute(Sql("sp_InsertOtherCost ") + PONumber + ", " + OtherCost + ", '" + OtherCostDesc + "'");
         CostID = static_cast<int>((*cost)["CostID"].Value().toInteger());
     }
     bool anyOpen = false;
@@ -39,9 +39,9 @@ std::int16_t postReceipt(std::int16_t PONumber, const std::vector<ReceiveLine>& 
         anyOpen = anyOpen || line.staysOpen();
         if (line.RecvQty <= 0)
             continue;
-        const std::int16_t number = postedNumber(Sql("sp_ReceiveItem 1, ") + int{PONumber} + ", '" + line.SKU + "', '" + line.MatrixSKU +
-                                                     "', " + int{line.RecvQty} + ", " + line.Cost + ", " + line.OtherCostShare + ", " +
-                                                     CostID + ", " + int{ReceiptNumber} + ", '" + line.PartNo + "'",
+        const std::int32_t number = postedNumber(Sql("sp_ReceiveItem 1, ") + PONumber + ", '" + line.SKU + "', '" + line.MatrixSKU + "', " +
+                                                     int{line.RecvQty} + ", " + line.Cost + ", " + line.OtherCostShare + ", " + CostID +
+                                                     ", " + int{ReceiptNumber} + ", '" + line.PartNo + "'",
                                                  "ReceiptNumber");
         if (ReceiptNumber == -1)
             ReceiptNumber = number;

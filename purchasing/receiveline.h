@@ -24,7 +24,7 @@ void spreadOver(std::vector<ReceiveLine>& lines, Currency Subtotal, Currency Oth
 
 // Books the lines that bring something, their shares included, in one transaction on the shared connection; the number that the receipt
 // got. Throws DbError and OverflowError, and then nothing of it is in the store.
-std::int16_t postReceipt(std::int16_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost,
+std::int32_t postReceipt(std::int32_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost,
                          const std::string& OtherCostDesc);
 
 } // namespace merchantry::purchasing

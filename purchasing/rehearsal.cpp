@@ -16,7 +16,7 @@ struct Figures {
     std::optional<Currency> price;
 };
 
-std::map<std::string, Figures> figuresOf(std::int16_t PONumber) {
+std::map<std::string, Figures> figuresOf(std::int32_t PONumber) {
     const auto rows = app::openDirect(
         db::Sql(
             "SELECT i.SKU, i.MatrixSKU, l.QtyAfter, l.Cost_wt, "
@@ -28,7 +28,7 @@ std::map<std::string, Figures> figuresOf(std::int16_t PONumber) {
             "FROM PurchaseOrder o INNER JOIN PurchaseOrderItem i ON i.POID = o.POID LEFT JOIN InventoryLedger l ON l.LedgerID = "
             "(SELECT MAX(m.LedgerID) FROM InventoryLedger m WHERE m.SKU = i.SKU AND m.MatrixSKU = i.MatrixSKU AND m.QtyAfter IS NOT NULL) "
             "WHERE o.PONumber = ") +
-        int{PONumber});
+        PONumber);
     auto& row = *rows;
     std::map<std::string, Figures> found;
     for (; !row.Eof(); row.MoveNext()) {
@@ -66,7 +66,7 @@ std::string RehearsedLine::remark() const {
     return words;
 }
 
-std::vector<RehearsedLine> rehearsed(std::int16_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost) {
+std::vector<RehearsedLine> rehearsed(std::int32_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost) {
     std::vector<ReceiveLine> spread = lines;
     spreadOver(spread, subtotalOf(lines), OtherCost);
     const auto figures = figuresOf(PONumber);

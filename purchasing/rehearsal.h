@@ -27,7 +27,7 @@ struct RehearsedLine {
 
 // The lines that bring something, in their order, worked out from the ledger as it stands now by the rule of its trigger. Reads, and writes
 // nothing. Throws DbError and OverflowError.
-std::vector<RehearsedLine> rehearsed(std::int16_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost);
+std::vector<RehearsedLine> rehearsed(std::int32_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost);
 
 // The receipt as a whole in words: what the order would be, and what more than was ordered does.
 std::string wordsForReceipt(const std::vector<ReceiveLine>& lines);

@@ -22,8 +22,8 @@ ui::Item SupplierFrame::item() {
                  }));
 }
 
-SupplierFrame::Supplier SupplierFrame::load(std::int16_t PONumber, std::int16_t SupplierID) {
-    const auto rows = app::openDirect(db::Sql("sp_GetSupplierInfo ") + int{PONumber} + ", " + int{SupplierID});
+SupplierFrame::Supplier SupplierFrame::load(std::int32_t PONumber, std::int16_t SupplierID) {
+    const auto rows = app::openDirect(db::Sql("sp_GetSupplierInfo ") + PONumber + ", " + int{SupplierID});
     auto& supplier = *rows;
     const Supplier found{supplier["SupID"].Value().toInt16(), replaced(supplier["Supplier"].text(), "&", " And ")};
 

@@ -20,7 +20,7 @@ public:
     explicit SupplierFrame(ui::Form& form);
 
     // Shows the supplier of the order with that number, or, for kNewOrder, of that key, and says who it is. Throws when there is none.
-    Supplier load(std::int16_t PONumber, std::int16_t SupplierID);
+    Supplier load(std::int32_t PONumber, std::int16_t SupplierID);
     // How the frame stands on the window.
     ui::Item item();
 

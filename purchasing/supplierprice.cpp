@@ -1,14 +1,18 @@
 #include "purchasing/supplierprice.h"
 
 #include "app/modMain.h"
+#include "base/numbers.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace merchantry::purchasing {
 
 using namespace app;
 
 namespace {
+
+constexpr std::int16_t kMostPieces = std::numeric_limits<std::int16_t>::max(); // of an order line
 
 // A procedure of one item, with more arguments behind its key.
 db::RecordsetPtr ofItem(const db::Sql& procedure, const std::string& sku, const std::string& matrixSku,
@@ -60,13 +64,13 @@ std::int16_t SupplierPrice::DefaultQuantity(std::int16_t SupplierID, const std::
     const auto item = ofItem("sp_GetItemReorderData", SKU, MatrixSKU);
     std::int16_t least = 0;
     if (!item->Eof()) {
-        const int wanted = (*item)["Reorder"].Value().toInt16() - static_cast<int>((*item)["QtyOrdered"].Value().toInteger());
+        const int wanted = toInt32((*item)["Reorder"].Value().toNumber() - (*item)["QtyOrdered"].Value().toNumber());
         const auto rows =
             ofItem("bsp_POInfo", SKU, MatrixSKU,
                    {intParameter("Wanted", std::max(wanted, 0)), intParameter("ByCost", 1), intParameter("SupID", SupplierID)});
         for (; !rows->Eof(); rows->MoveNext())
-            if (const std::int16_t quantity = (*rows)["ReorderQty"].Value().toInt16(); quantity > 0 && (least == 0 || quantity < least))
-                least = quantity;
+            if (const int quantity = (*rows)["ReorderQty"].Value().toInt32(); quantity > 0 && (least == 0 || quantity < least))
+                least = static_cast<std::int16_t>(std::min(quantity, int{kMostPieces}));
     }
     if (least > 0)
         return least;

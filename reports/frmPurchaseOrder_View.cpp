@@ -44,7 +44,7 @@ frmPurchaseOrder_View::frmPurchaseOrder_View(ui::Desk& desk) : ReportWindow(desk
 void frmPurchaseOrder_View::OpenReport(const std::string& number, const std::string& criteria) {
     std::string file;
     try {
-        const OrderReport wanted = reportOf(ReportType, std::to_string(toInt16(numericPrefix(number))), criteria);
+        const OrderReport wanted = reportOf(ReportType, std::to_string(toInt32(numericPrefix(number))), criteria);
         file = wanted.file;
         report_ = std::make_shared<RptFile>(reportFolder(desk()) / file);
         for (std::size_t i = 0; i < wanted.parameters.size(); ++i)

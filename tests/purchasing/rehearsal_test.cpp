@@ -69,7 +69,7 @@ TEST_F(Rehearsal, SaysWhatThePostingMakesOfEachItem) {
         spreadOver(lines, subtotalOf(lines), other);
         if (told.empty())
             continue;
-        const std::int16_t number = postReceipt(1, lines, other, "Freight");
+        const std::int32_t number = postReceipt(1, lines, other, "Freight");
         for (const RehearsedLine& one : told) {
             const std::string expected = std::to_string(one.line.RecvQty) + "|" + one.costEach.toText() + "|" + one.costAfter().toText() +
                                          "|" + std::to_string(one.after.onHand);

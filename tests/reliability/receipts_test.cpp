@@ -22,7 +22,7 @@ void openShop(const std::filesystem::path& file) {
 }
 
 // The steps of the receiving screen, without it: a piece of every open line, with freight.
-void receiveSome(std::int16_t PONumber, Currency freight) {
+void receiveSome(std::int32_t PONumber, Currency freight) {
     std::vector<ReceiveLine> lines;
     for (const OpenLine& open : openLines(PONumber)) {
         ReceiveLine line;
@@ -37,7 +37,7 @@ void receiveSome(std::int16_t PONumber, Currency freight) {
 }
 
 // A manager in a process of its own: exit code 0 when every receipt was posted.
-pid_t startManager(const std::filesystem::path& file, std::int16_t PONumber) {
+pid_t startManager(const std::filesystem::path& file, std::int32_t PONumber) {
     const pid_t child = fork();
     if (child != 0)
         return child;

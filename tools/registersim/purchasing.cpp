@@ -7,7 +7,6 @@ namespace {
 
 constexpr int kMonday = 2;
 constexpr int kFirstOrderNumber = 1000; // PONumber of POID 1 is one more
-constexpr int kMostOrders = 32'000;     // POID is a 16-bit number
 
 int numberFrom(db::Session& session, std::string_view select) {
     return static_cast<int>(query(session, select).front().front().toInteger());
@@ -29,7 +28,7 @@ bool Purchasing::Order::open() const {
 }
 
 void Purchasing::day(Date morning) {
-    if (morning.dayOfWeek() == kMonday && lastId_ < kMostOrders)
+    if (morning.dayOfWeek() == kMonday)
         placeOrders(morning);
     for (Order& order : orders_)
         if (order.due <= morning) {

@@ -1,5 +1,6 @@
 #include "app/db/schema/schema.h"
 
+#include "app/db/schema/version9.h"
 #include "app/db/work.h"
 
 #include <array>
@@ -158,6 +159,7 @@ std::span<const UpgradeStep> upgradeSteps() {
                        "DELETE FROM reportfieldsmapping WHERE reportname = 'ItemBelowReorder' AND fieldname = 'Item.Active'"},
         UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
         UpgradeStep{8, eighth},
+        UpgradeStep{9, kToVersion9},
     };
     return kSteps;
 }

@@ -87,6 +87,8 @@ TEST_F(Purchasing, HowMuchAndFromWhom) {
     }
     run("INSERT INTO ItemSplitMatrix (SKU, MatrixSKU, SplitParentSKU, SplitParentMatrixSKU, SplitQuantity) VALUES ('Nut', 'Nut', 'Pin', "
         "'Pin', 8)");
+    EXPECT_EQ(rowsOf("sp_GetPOInfoByCost 'Nut', 'Nut', 10").substr(0, 3), "12|"); // no split item
+    run("UPDATE Item SET TypeID = 3 WHERE SKU = 'Nut'");
     EXPECT_EQ(rowsOf("sp_GetPOInfoByCost 'Nut', 'Nut', 10").substr(0, 3), "16|");
     run("sp_POBreakGround EXEC sp_InsertWrkSupplier 2");
     EXPECT_EQ(rowsOf("sp_GetPOInfoByCost 'Nut', 'Nut', 10"), "16|2.5|B-1|2|1");
@@ -128,6 +130,36 @@ TEST_F(Purchasing, AnOrderOfWhichNothingIsOpenIsClosed) {
     EXPECT_EQ(rowsOf("SELECT Status FROM PurchaseOrder WHERE PONumber = 1"), "P");
     run("sp_CancelItem 1, 1, 'Rod', 'Rod', 4, -1 EXEC sp_ChangePOStatus 1, 'P'");
     EXPECT_EQ(rowsOf("SELECT Status FROM PurchaseOrder WHERE PONumber = 1"), "C");
+}
+
+// The editor asks for O after each saving.
+TEST_F(Purchasing, AnEditorClosesAndReopensByWhatItLeavesOpen) {
+    order();
+    const auto stateAfter = [this](const std::string& change) {
+        run(change + " EXEC sp_ChangePOStatus 1, 'O'");
+        return rowsOf("SELECT Status FROM PurchaseOrder WHERE PONumber = 1");
+    };
+    EXPECT_EQ(stateAfter("sp_UpdatePOItem 1, 'Nut', 'Nut', 0, 2, ''"), "O"); // the rods are open
+    EXPECT_EQ(stateAfter("sp_UpdatePOItem 1, 'Rod', 'Rod', 0, 7, ''"), "C");
+    EXPECT_EQ(stateAfter("sp_UpdatePOItem 1, 'Rod', 'Rod', 4, 7, ''"), "O");
+    EXPECT_EQ(stateAfter("sp_ReceiveItem 1, 1, 'Rod', 'Rod', 4, 7, 0, 0, -1, '' EXEC sp_ChangePOStatus 1, 'P'"), "C");
+    EXPECT_EQ(stateAfter("sp_UpdatePOItem 1, 'Nut', 'Nut', 1, 2, ''"), "P");
+    EXPECT_EQ(stateAfter("DELETE FROM PurchaseOrderItem WHERE POID = 1"), "P"); // an order without lines may get some yet
+}
+
+TEST_F(Purchasing, AQuantityThatNoOrderHoldsIsRefusedWithItsItem) {
+    order();
+    for (const char* batch : {"sp_InsertPOItem 1, 'Nut', 'Nut', 32760, 2, ''", "sp_UpdatePOItem 1, 'Nut', 'Nut', 40000, 2, ''",
+                              "sp_ReceiveItem 1, 1, 'Nut', 'Nut', 40000, 2, 0, 0, -1, ''"}) {
+        try {
+            run(batch);
+            ADD_FAILURE() << batch;
+        } catch (const DbError& error) {
+            EXPECT_NE(std::string(error.what()).find("of the item Nut"), std::string::npos) << error.what();
+        }
+    }
+    EXPECT_EQ(rowsOf("SELECT Qty, QtyRecvd FROM PurchaseOrderItem WHERE SKU = 'Nut'"), "10|0");
+    EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM PurchaseOrderReceipt"), "0");
 }
 
 TEST_F(Purchasing, ADeliveryMovesLineStockLedgerAndCostTogether) {

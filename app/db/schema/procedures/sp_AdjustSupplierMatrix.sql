@@ -1,6 +1,6 @@
 -- Remembers for an item what an order paid: cost and part number of the supplier's row whose minimum order the quantity reaches (the largest such, else the
 -- smallest), or a new row behind the others when the supplier has none. A row that has the cost already takes the part number alone.
-CREATE PROCEDURE sp_AdjustSupplierMatrix @SKU varchar(100), @MatrixSKU varchar(100), @SupID smallint, @Cost money, @Quantity smallint, @PartNo varchar(50) AS
+CREATE PROCEDURE sp_AdjustSupplierMatrix @SKU varchar(100), @MatrixSKU varchar(100), @SupID smallint, @Cost money, @Quantity int, @PartNo varchar(50) AS
 SET NOCOUNT ON
 DECLARE @old money
 IF EXISTS (SELECT * FROM SupplierMatrixDetail WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU AND SupID = @SupID AND Cost = @Cost)

@@ -1,8 +1,8 @@
 -- Gives up open quantity of one line; it is on order no longer. The number of the cancellation comes back; -1 asks for a new one. The first argument is the store
 -- and stays 1. More than is open is refused.
-CREATE PROCEDURE sp_CancelItem @StoreID int, @PONumber smallint, @SKU varchar(100), @MatrixSKU varchar(100), @Quantity smallint, @CancelNumber int AS
+CREATE PROCEDURE sp_CancelItem @StoreID int, @PONumber int, @SKU varchar(100), @MatrixSKU varchar(100), @Quantity int, @CancelNumber int AS
 SET NOCOUNT ON
-DECLARE @POID smallint
+DECLARE @POID int
 SELECT @POID = POID FROM PurchaseOrder WHERE PONumber = @PONumber
 -- Looks and writes at once, so that two sessions never give up the same pieces.
 UPDATE PurchaseOrderItem SET QtyCanceled = QtyCanceled + @Quantity

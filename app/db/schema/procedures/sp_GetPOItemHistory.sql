@@ -1,5 +1,5 @@
 -- What happened to one line of an order, event by event: R a receipt, C a cancellation. Without events one row with Count 0.
-CREATE PROCEDURE sp_GetPOItemHistory @PONumber smallint, @SKU varchar(100), @MatrixSKU varchar(100) AS
+CREATE PROCEDURE sp_GetPOItemHistory @PONumber int, @SKU varchar(100), @MatrixSKU varchar(100) AS
 SELECT Item.Name, i.Qty AS CommitedQty, i.Qty - i.QtyRecvd - i.QtyCanceled AS OpenQty, CASE WHEN e.OperationType IS NULL THEN 0 ELSE 1 END AS Count,
   e.OperationType, e.OperationDateTime, e.Quantity
 FROM PurchaseOrder o INNER JOIN PurchaseOrderItem i ON i.POID = o.POID INNER JOIN Item ON Item.SKU = i.SKU AND Item.MatrixSKU = i.MatrixSKU

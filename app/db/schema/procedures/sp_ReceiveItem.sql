@@ -3,17 +3,20 @@
 -- The ledger's cost of a piece is what the delivery really cost: Cost_ea = Cost + Share / Quantity, with four decimals; its trigger averages it into Cost_wt.
 -- Example: 10 pieces at 2.00 with 1.50 of the freight: 2.15 a piece.
 -- The first argument is the store and stays 1.
-CREATE PROCEDURE sp_ReceiveItem @StoreID int, @PONumber smallint, @SKU varchar(100), @MatrixSKU varchar(100), @Quantity smallint, @Cost money, @Share money, @CostID int,
+CREATE PROCEDURE sp_ReceiveItem @StoreID int, @PONumber int, @SKU varchar(100), @MatrixSKU varchar(100), @Quantity int, @Cost money, @Share money, @CostID int,
   @ReceiptNumber int, @PartNo varchar(50) AS
 SET NOCOUNT ON
-DECLARE @POID smallint
-SELECT @POID = o.POID FROM PurchaseOrder o INNER JOIN PurchaseOrderItem i ON i.POID = o.POID
+DECLARE @POID int, @received int, @refused int
+SELECT @POID = o.POID, @received = i.QtyRecvd + @Quantity FROM PurchaseOrder o INNER JOIN PurchaseOrderItem i ON i.POID = o.POID
   WHERE o.PONumber = @PONumber AND i.SKU = @SKU AND i.MatrixSKU = @MatrixSKU
 IF @POID IS NULL
 BEGIN
   RAISERROR('Order %d has no line for the item %s.', 16, 1, @PONumber, @MatrixSKU)
   RETURN
 END
+EXEC @refused = bsp_CheckQuantity @MatrixSKU, @received, 'the received quantity'
+IF @refused <> 0
+  RETURN
 -- One statement counts and writes, so that two sessions never get the same number.
 INSERT INTO PurchaseOrderReceipt (ReceiptNumber, POID, SKU, MatrixSKU, Quantity, Cost, OtherCost, CostID)
   SELECT CASE WHEN @ReceiptNumber = -1 THEN (SELECT ISNULL(MAX(ReceiptNumber), 0) + 1 FROM PurchaseOrderReceipt WITH (UPDLOCK, HOLDLOCK)) ELSE @ReceiptNumber END,

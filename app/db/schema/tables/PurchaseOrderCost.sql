@@ -1,7 +1,7 @@
 -- Freight and other costs of an order that a receipt spreads over its lines.
 CREATE TABLE PurchaseOrderCost (
   CostID int IDENTITY(1, 1) NOT NULL CONSTRAINT PK_PurchaseOrderCost PRIMARY KEY,
-  POID smallint NOT NULL CONSTRAINT FK_PurchaseOrderCost_Order REFERENCES PurchaseOrder (POID) ON DELETE CASCADE,
+  POID int NOT NULL CONSTRAINT FK_PurchaseOrderCost_Order REFERENCES PurchaseOrder (POID) ON DELETE CASCADE,
   Amount money NOT NULL CONSTRAINT DF_PurchaseOrderCost_Amount DEFAULT 0,
   Description varchar(255) NULL,
   PostDate datetime NOT NULL CONSTRAINT DF_PurchaseOrderCost_Date DEFAULT GETDATE()

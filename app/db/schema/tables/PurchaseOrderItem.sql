@@ -1,6 +1,6 @@
 -- Lines of an order. Open is Qty less QtyRecvd less QtyCanceled.
 CREATE TABLE PurchaseOrderItem (
-  POID smallint NOT NULL CONSTRAINT FK_PurchaseOrderItem_Order REFERENCES PurchaseOrder (POID) ON DELETE CASCADE,
+  POID int NOT NULL CONSTRAINT FK_PurchaseOrderItem_Order REFERENCES PurchaseOrder (POID) ON DELETE CASCADE,
   SKU varchar(100) NOT NULL,
   MatrixSKU varchar(100) NOT NULL,
   Qty smallint NOT NULL CONSTRAINT DF_PurchaseOrderItem_Qty DEFAULT 0,

@@ -2,7 +2,7 @@
 CREATE TABLE PurchaseOrderReceipt (
   ReceiptLineID int IDENTITY(1, 1) NOT NULL CONSTRAINT PK_PurchaseOrderReceipt PRIMARY KEY,
   ReceiptNumber int NOT NULL,
-  POID smallint NOT NULL CONSTRAINT FK_PurchaseOrderReceipt_Order REFERENCES PurchaseOrder (POID) ON DELETE CASCADE,
+  POID int NOT NULL CONSTRAINT FK_PurchaseOrderReceipt_Order REFERENCES PurchaseOrder (POID) ON DELETE CASCADE,
   SKU varchar(100) NOT NULL,
   MatrixSKU varchar(100) NOT NULL,
   Quantity smallint NOT NULL CONSTRAINT DF_PurchaseOrderReceipt_Quantity DEFAULT 0,
