@@ -13,8 +13,8 @@ std::int64_t averaged(const MovingAverage& item, std::int64_t quantity, std::int
 } // namespace
 
 void MovingAverage::move(std::int64_t quantity, std::int64_t cost, bool reversal) {
-    if (reversal && average) {
-        if (quantity < 0 && onHand + quantity > 0)
+    if (reversal && quantity <= 0 && average) {
+        if (onHand + quantity > 0)
             if (const std::int64_t rest = averaged(*this, quantity, cost); rest >= 0)
                 average = rest;
     } else if (quantity > 0 && onHand > 0 && average) {

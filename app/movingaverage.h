@@ -11,7 +11,8 @@ struct MovingAverage {
     std::int64_t onHand = 0;
     std::optional<std::int64_t> average; // none before the first movement
 
-    // One more movement at a cost of a piece; `reversal` for one that takes an adjustment back.
+    // One more movement at a cost of a piece; `reversal` for one that takes an adjustment back. What comes back by one costs what it was
+    // worth when it left: the average after the movement that is taken back.
     void move(std::int64_t quantity, std::int64_t cost, bool reversal = false);
 };
 

@@ -63,7 +63,8 @@ public:
     void row(const RowView& row) override {
         Built& item = items_.at(row.text(0), row.text(1));
         const std::int64_t id = row.number(2);
-        item.figures.move(row.number(3), row.number(4), !row.isNull(7));
+        const bool comesBack = !row.isNull(8) && row.number(3) > 0;
+        item.figures.move(row.number(3), row.number(comesBack ? 8 : 4), !row.isNull(7));
         compare(item, row, id, 6, What::Balance, item.figures.onHand);
         compare(item, row, id, 5, What::WeightedCost, *item.figures.average);
         if (++proof_.rows % kRowsBetweenTellings == 0 && !progress_(static_cast<int>(std::min<std::int64_t>(99, id * 100 / lastId_))))
@@ -159,10 +160,12 @@ Proof proveStock(db::Session& session, const ProofProgress& progress) {
     try {
         const std::int64_t last = lastLedgerId(session);
         LedgerWalk ledger(proof, items, last, progress);
-        session.execute(
-            "SELECT SKU, MatrixSKU, LedgerID, Qty, Cost_ea, Cost_wt, QtyAfter, ReversesID FROM InventoryLedger WHERE LedgerID <= " +
-                std::to_string(last) + " ORDER BY LedgerID",
-            ledger);
+        session.execute("SELECT l.SKU, l.MatrixSKU, l.LedgerID, l.Qty, l.Cost_ea, l.Cost_wt, l.QtyAfter, l.ReversesID, CASE WHEN "
+                        "l.ReversesID IS NULL THEN "
+                        "NULL ELSE (SELECT r.Cost_wt FROM InventoryLedger r WHERE r.LedgerID = l.ReversesID) END FROM InventoryLedger l "
+                        "WHERE l.LedgerID <= " +
+                            std::to_string(last) + " ORDER BY l.LedgerID",
+                        ledger);
         proof.items = static_cast<std::int64_t>(items.all().size());
         StockWalk stock(proof, items);
         session.execute("SELECT SKU, MatrixSKU, Quantity FROM Stock", stock);

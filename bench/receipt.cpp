@@ -96,8 +96,8 @@ public:
           stock_(store, "UPDATE Stock SET Quantity = Quantity + ?3 WHERE SKU = ?1 AND MatrixSKU = ?2"),
           ledger_(
               store,
-              "INSERT INTO InventoryLedger (LedgerID, SKU, MatrixSKU, Type, Qty, Cost_ea, Cost_wt, QtyAfter, PostDate, ReversesID) VALUES "
-              "(?1, ?2, ?3, 'Receipt', ?4, ?5, NULL, NULL, ?6, NULL)"),
+              "INSERT INTO InventoryLedger (LedgerID, SKU, MatrixSKU, Type, Qty, Cost_ea, Cost_wt, QtyAfter, PostDate, ReversesID, Kind) "
+              "VALUES (?1, ?2, ?3, 'Receipt', ?4, ?5, NULL, NULL, ?6, NULL, 'Receipt')"),
           before_(
               store,
               "SELECT QtyAfter, Cost_wt FROM InventoryLedger WHERE SKU = ?1 AND MatrixSKU = ?2 AND LedgerID < ?3 AND QtyAfter IS NOT NULL "

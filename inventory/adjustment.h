@@ -25,7 +25,9 @@ std::int16_t adjusted(std::int64_t present, std::int16_t quantity);
 
 // Posts it: reads the stock, writes the new balance, then the ledger row, each a statement of its own without a transaction, so that a
 // failure in between leaves the stock changed and no ledger row, and a sale in between is lost from the balance. Throws OverflowError
-// before anything is written, and DbError.
+// (its sentence names the item) before
+// anything is written, and DbError. A reason that is called like a movement of the registers or of an order is marked as the adjustment it
+// is.
 void postAdjustment(db::Connection& store, const std::string& sku, const std::string& matrixSku, const std::string& reason,
                     const Adjustment& made);
 

@@ -23,7 +23,7 @@ frmInvReasonCodes::frmInvReasonCodes(Desk& desk) : Form(desk, "frmInvReasonCodes
     grdInvCode.setColumns({{.heading = "ID", .centred = true, .fixedWidth = true, .width = 1005},
                            {.heading = "Reason Code", .centred = true, .width = 8100}});
     grdInvCode.emptyText = "No codes could be loaded.";
-    grdInvCode.setToolTip("Type over a code to rename it. Adjustments already posted keep the old text.");
+    grdInvCode.setToolTip("Type over a code to rename it. Adjustments already posted keep the old text and stay in reports and undoing.");
     cmdDelete.isDanger = true;
     cmdExit.isCancel = true;
 

@@ -25,7 +25,7 @@ frmInventory_Adjust::frmInventory_Adjust(Desk& desk) : Form(desk, "frmInventory_
         box->gotFocus = [box] { box->selectAll(); };
     }
     txtQty.setToolTip("Whole units; a half is rounded to the even number, and less than a half posts a movement of 0");
-    txtCost.setToolTip("Cost of one unit, a plain number without a currency sign; an empty field posts 0");
+    txtCost.setToolTip("Cost of one unit; an empty field posts 0");
     lbxReasonCode.dropDown = false;
     cmdAdjust.setToolTip("Writes the balance read a moment before plus this quantity: what a register sells in between is lost from it");
     cmdAdjust.isDefault = true;

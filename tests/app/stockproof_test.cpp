@@ -76,7 +76,7 @@ TEST_F(StockProof, KnowsWhatAnUndoneAdjustmentDoesToTheAverage) {
     move("A", 5, "3.5");
     move("A", -5, "3.5", "2"); // back to 10 @ 2
     move("A", -4, "0");        // out at the average, with whatever cost was typed
-    move("A", 4, "0", "4");    // and back
+    move("A", 4, "0", "4");    // and back at the average, too
     move("A", 5, "9");         // (20 + 45) / 15 = 4.3333
     move("A", -13, "4.3333");
     move("A", -5, "9", "6"); // nothing would be left: stays
@@ -86,6 +86,11 @@ TEST_F(StockProof, KnowsWhatAnUndoneAdjustmentDoesToTheAverage) {
     move("B1", -9, "10");
     move("B1", -1, "100", "10"); // (20 - 100) would be less than nothing: stays
     EXPECT_EQ(ledger("B1"), "10@1 11@10 2@10 1@10 ");
+    move("B2", 10, "2");
+    move("B2", -5, "0");
+    move("B2", 5, "4");       // (10 + 20) / 10 = 3
+    move("B2", 5, "0", "14"); // what left at 2 comes back at 2: (30 + 10) / 15 = 2.6667
+    EXPECT_EQ(ledger("B2"), "10@2 5@2 10@3 15@2.6667 ");
     EXPECT_TRUE(prove().ledger.empty());
 }
 

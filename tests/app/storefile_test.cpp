@@ -1,6 +1,8 @@
 #include "app/storefile.h"
 
 #include "app/db/embedded/store.h"
+#include "app/db/schema/version8.h"
+#include "base/text.h"
 #include "tests/scratchfolder.h"
 
 #include <gtest/gtest.h>
@@ -185,6 +187,35 @@ TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheTablesAndProceduresMadeSince) {
     run(file, "CREATE TABLE #r (Report varchar(255)) INSERT INTO #r EXEC sp_GetLabelRpt 'Roll, 1 1/2 x 1 in', 'PO #' "
               "IF NOT EXISTS (SELECT * FROM #r WHERE Report = 'ItemRollSmallPO.rpt') RAISERROR('no labels', 16, 1)");
     EXPECT_FALSE(isOlderStore(folder / "none.store"));
+}
+
+// A store as version 7 left it: order keys of 16 bits, movements without a kind, and a write-off that came back at what was paid for the
+// others.
+TEST_F(StoreFiles, VersionSevenGetsWideOrderNumbersKindsAndTheAveragesOfUndoneWriteOffs) {
+    makeStore();
+    const std::string step = db::kToVersion8;
+    const std::string narrow = replaced(step.substr(0, step.find("-- What a movement is")), " int N", " smallint N");
+    run(file, "INSERT INTO PurchaseOrder (PONumber) VALUES (1) INSERT INTO Item (SKU, MatrixSKU) VALUES ('a', 'a') "
+              "INSERT INTO PurchaseOrderItem (POID, SKU, MatrixSKU, Qty) VALUES (1, 'a', 'a', 3)");
+    run(file, replaced(narrow, "'POID') = 2", "'POID') = 4"));
+    run(file, "DROP TRIGGER InventoryLedger_Insert "
+              "ALTER TABLE InventoryLedger DROP CONSTRAINT DF_InventoryLedger_Kind");
+    run(file, "ALTER TABLE InventoryLedger DROP COLUMN Kind DELETE FROM SchemaVersion INSERT INTO SchemaVersion (Version) VALUES (7)");
+    run(file,
+        "INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea, Cost_wt, QtyAfter, ReversesID) VALUES "
+        "('a', 'a', 'Receipt', 10, 2, 2, 10, NULL), ('a', 'a', 'Damaged', -5, 0, 2, 5, NULL), ('a', 'a', 'Receipt', 5, 4, 3, 10, NULL), "
+        "('a', 'a', 'Damaged', 5, 0, 3, 15, 2), ('a', 'a', 'Sale', -5, 3, 3, 10, NULL)");
+    upgradeStoreFile(file);
+    EXPECT_EQ(sentenceOf([&] { checkStoreFile(file); }), "");
+    run(file, "SET IDENTITY_INSERT PurchaseOrder ON INSERT INTO PurchaseOrder (POID, PONumber) VALUES (40000, 70000) SET IDENTITY_INSERT "
+              "PurchaseOrder OFF EXEC sp_InsertPOItem 40000, 'a', 'a', 1, 1, ''");
+    run(file, "IF (SELECT COUNT(*) FROM PurchaseOrderItem WHERE POID IN (1, 40000)) <> 2 RAISERROR('an order is lost', 16, 1) "
+              "IF EXISTS (SELECT * FROM InventoryLedger WHERE Kind <> CASE Type WHEN 'Damaged' THEN 'Adjustment' ELSE Type END) "
+              "RAISERROR('no kind', 16, 1)");
+    run(file,
+        "IF EXISTS (SELECT * FROM InventoryLedger WHERE Cost_wt <> CASE WHEN LedgerID < 3 THEN 2 WHEN LedgerID = 3 THEN 3 ELSE 2.6667 "
+        "END) RAISERROR('a wrong average', 16, 1)");
+    EXPECT_NE(sentenceOf([&] { run(file, "INSERT INTO PurchaseOrderItem (POID, SKU, MatrixSKU) VALUES (7, 'a', 'a')"); }), "");
 }
 
 TEST_F(StoreFiles, WhatIsNoStoreIsSaidToBeNone) {

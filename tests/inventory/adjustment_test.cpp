@@ -29,6 +29,9 @@ TEST(Adjustments, AreRefusedWithoutAQuantityOrWithANegativeCost) {
     for (const char* cost : {"", "abc", "0", "2.50"})
         EXPECT_EQ(complaintAbout("1", cost), "") << cost;
     EXPECT_EQ(readAdjustment("1", "2.50 each").cost, 2.5);
+    EXPECT_EQ(readAdjustment("$1,500", "$2.50").quantity, 1500);
+    for (const auto& [quantity, cost] : {std::pair{"1,5", "1"}, std::pair{"1", "2,50"}})
+        EXPECT_NE(complaintAbout(quantity, cost).find("a comma only groups thousands"), std::string::npos) << quantity;
 }
 
 TEST(Adjustments, MoveTheStockWithinSixteenBits) {

@@ -126,7 +126,7 @@ void LiveRegister::postLine(const Sale& sale, const SaleLine& line, const Value&
          good.departmentId});
     run(*session_, "UPDATE Stock SET Quantity = Quantity - @p1 WHERE SKU = @p2 AND MatrixSKU = @p3", "itt",
         {line.quantity, good.sku, good.matrixSku});
-    run(*session_, "INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) VALUES (@p1, @p2, @p3, @p4, @p5)", "tttim",
+    run(*session_, "INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Kind, Qty, Cost_ea) VALUES (@p1, @p2, @p3, @p3, @p4, @p5)", "tttim",
         {good.sku, good.matrixSku, sale.isReturn ? "Return" : "Sale", -line.quantity, line.cost});
     run(*session_, "UPDATE Item SET DateLastSold = @p1 WHERE SKU = @p2 AND MatrixSKU = @p3", "dtt", {sale.time, good.sku, good.matrixSku});
 }

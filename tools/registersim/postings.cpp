@@ -7,6 +7,13 @@ int highestNumber(db::Session& session) {
     return static_cast<int>(query(session, "SELECT ISNULL(MAX(TransactionNumber), 0) FROM [Transaction]").front().front().toInteger());
 }
 
+// What a movement of that type is.
+std::string kindOf(const std::string& type) {
+    if (type == "Sale" || type == "Return" || type == "Receipt")
+        return type;
+    return type == "Opening Stock" ? "Opening" : "Adjustment";
+}
+
 Value orNull(const std::string& text) {
     return text.empty() ? Value() : Value(text);
 }
@@ -22,7 +29,7 @@ Postings::Postings(db::Session& session)
                 "ittimmmimit"),
       tenderRows_(session, "TransactionTender", "TransactionNumber, TenderType, Amount", "itm"),
       taxRows_(session, "TransactionTax", "TransactionNumber, TaxID, Taxable, Amount", "iimm"),
-      ledgerRows_(session, "InventoryLedger", "SKU, MatrixSKU, Type, Qty, Cost_ea, Cost_wt, QtyAfter, PostDate", "tttimmid"),
+      ledgerRows_(session, "InventoryLedger", "SKU, MatrixSKU, Type, Kind, Qty, Cost_ea, Cost_wt, QtyAfter, PostDate", "ttttimmid"),
       drawerRows_(session, "DrawerEvent", "RegisterID, CashierID, Time, EventType, Amount", "iidtm"),
       cashierRows_(session, "CashierEvent", "CashierID, RegisterID, Time, EventType", "iidt"), lastNumber_(highestNumber(session)) {}
 
@@ -60,7 +67,7 @@ void Postings::postTaxes(const Shop& shop, const Sale& sale, int number) {
 }
 
 void Postings::move(const Good& good, const std::string& type, int quantity, Currency cost, Date time) {
-    ledgerRows_.add({good.sku, good.matrixSku, type, quantity, cost, good.averageCost, good.onHand, time});
+    ledgerRows_.add({good.sku, good.matrixSku, type, kindOf(type), quantity, cost, good.averageCost, good.onHand, time});
 }
 
 void Postings::drawer(int registerId, int cashierId, Date time, const std::string& event, Currency amount) {

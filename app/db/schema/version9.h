@@ -33,6 +33,42 @@ BEGIN
   CREATE INDEX IX_PurchaseOrderCancel_Order ON PurchaseOrderCancel (POID)
   CREATE INDEX IX_PurchaseOrderCost_Order ON PurchaseOrderCost (POID)
 END
+-- What a movement is, apart from its text.
+IF COL_LENGTH('InventoryLedger', 'Kind') IS NULL
+  ALTER TABLE InventoryLedger ADD Kind varchar(20) NOT NULL CONSTRAINT DF_InventoryLedger_Kind DEFAULT ''
+EXEC ('UPDATE InventoryLedger SET Kind = CASE WHEN Type IN (''Sale'', ''Return'', ''Receipt'', ''Cancel'') THEN Type WHEN Type = ''Opening Stock'' THEN ''Opening'' ELSE ''Adjustment'' END WHERE Kind = ''''')
+-- Units that had gone out and came back by an undoing were averaged at what was paid for the others since. From the first such row of an item on, the averages are
+-- worked out again as the trigger InventoryLedger_Insert does.
+DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @onHand int, @average money, @reverses int, @rest decimal(19, 4)
+SELECT @id = MIN(LedgerID) FROM InventoryLedger WHERE ReversesID IS NOT NULL AND Qty > 0
+WHILE @id IS NOT NULL
+BEGIN
+  SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @reverses = ReversesID, @onHand = 0, @average = NULL FROM InventoryLedger WHERE LedgerID = @id
+  SELECT TOP 1 @onHand = QtyAfter, @average = Cost_wt FROM InventoryLedger
+    WHERE SKU = @sku AND MatrixSKU = @matrix AND LedgerID < @id AND QtyAfter IS NOT NULL
+    ORDER BY LedgerID DESC
+  IF @reverses IS NOT NULL AND @qty > 0
+    SELECT @cost = Cost_wt FROM InventoryLedger WHERE LedgerID = @reverses AND Cost_wt IS NOT NULL
+  IF @reverses IS NOT NULL AND @qty <= 0 AND @average IS NOT NULL
+  BEGIN
+    IF @onHand + @qty > 0
+    BEGIN
+      SET @rest = ROUND((CAST(@onHand AS decimal(10, 0)) * CAST(@average AS decimal(19, 4)) + @qty * CAST(@cost AS decimal(19, 4))) / (@onHand + @qty), 4)
+      IF @rest >= 0
+        SET @average = @rest
+    END
+  END
+  ELSE IF @qty > 0 AND (@onHand <= 0 OR @average IS NULL)
+    SET @average = @cost
+  ELSE IF @qty > 0
+    SET @average = ROUND((CAST(@onHand AS decimal(10, 0)) * CAST(@average AS decimal(19, 4)) + @qty * CAST(@cost AS decimal(19, 4))) / (@onHand + @qty), 4)
+  ELSE IF @average IS NULL
+    SET @average = @cost
+  UPDATE InventoryLedger SET Cost_wt = @average WHERE LedgerID = @id
+  SELECT @id = MIN(l.LedgerID) FROM InventoryLedger l
+    WHERE l.LedgerID > @id
+      AND EXISTS (SELECT * FROM InventoryLedger r WHERE r.SKU = l.SKU AND r.MatrixSKU = l.MatrixSKU AND r.ReversesID IS NOT NULL AND r.Qty > 0 AND r.LedgerID <= l.LedgerID)
+END
 )sql";
 
 } // namespace merchantry::db

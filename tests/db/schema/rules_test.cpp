@@ -98,6 +98,14 @@ TEST_F(StoreRules, WhatRegistersRecordedCannotLoseItsPartners) {
     EXPECT_EQ(errorOf("INSERT INTO Item (SKU, MatrixSKU) VALUES ('A', 'a ')"), 2627);
 }
 
+TEST_F(StoreRules, TheLastMovementByDateIsTheLastOnePosted) {
+    run("INSERT INTO Item (SKU, MatrixSKU) VALUES ('a', 'a')");
+    run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Qty, Cost_ea, PostDate) VALUES ('a', 'a', 1, 1, DATEADD(hour, 2, GETDATE()))");
+    run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Qty, Cost_ea) VALUES ('a', 'a', 1, 2), ('a', 'a', 1, 3)");
+    run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Qty, Cost_ea, PostDate) VALUES ('a', 'a', 1, 4, '1/2/2020')"); // told to be old
+    EXPECT_EQ(rowsOf("SELECT Cost_ea FROM InventoryLedger ORDER BY PostDate DESC"), "3;2;1;4");
+}
+
 TEST_F(StoreRules, TheLedgerKeepsTheMovingWeightedAverage) {
     struct Step {
         int qty;

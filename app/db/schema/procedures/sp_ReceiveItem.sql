@@ -26,6 +26,6 @@ UPDATE PurchaseOrderItem SET QtyRecvd = QtyRecvd + @Quantity, PartNo = @PartNo W
 UPDATE Stock SET Quantity = Quantity + @Quantity WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU
 IF @@ROWCOUNT = 0
   INSERT INTO Stock (SKU, MatrixSKU, Quantity) VALUES (@SKU, @MatrixSKU, @Quantity)
-INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea)
-  VALUES (@SKU, @MatrixSKU, 'Receipt', @Quantity, ROUND(@Cost + CAST(@Share AS decimal(19, 6)) / @Quantity, 4))
+INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Kind, Qty, Cost_ea)
+  VALUES (@SKU, @MatrixSKU, 'Receipt', 'Receipt', @Quantity, ROUND(@Cost + CAST(@Share AS decimal(19, 6)) / @Quantity, 4))
 SELECT @ReceiptNumber AS ReceiptNumber
