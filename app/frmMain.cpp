@@ -2,6 +2,7 @@
 
 #include "app/commands.h"
 #include "app/frmAbout.h"
+#include "app/itemcodes.h"
 #include "app/modMain.h"
 #include "base/text.h"
 #include "ui/desk.h"
@@ -208,6 +209,10 @@ void frmMain::addItem() {
         return;
     if (matrixSku.empty())
         matrixSku = sku;
+    if (const std::string wrong = itemCodeComplaint(sku, matrixSku); !wrong.empty()) {
+        desk().message(wrong, kProduct);
+        return;
+    }
     const auto known = openDirect(db::Sql("SELECT SKU from Item WHERE SKU = '") + sku + "' AND MatrixSKU = '" + matrixSku + "'",
                                   db::CursorType::Keyset, db::LockType::ReadOnly);
     if (known->RecordCount() > 0) {

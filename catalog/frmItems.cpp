@@ -51,8 +51,9 @@ void frmItems::wireGeneral() {
     txtStockAmt.setToolTip(
         "Stock changes through Adjust. Leaving this field writes the figure shown, also when a register has sold meanwhile.");
     txtPriceAmt.money = true;
-    txtPriceAmt.setToolTip(
-        "The retail price. Type a plain number: what stands before a comma or the first other sign counts, 0 when that is nothing.");
+    txtPriceAmt.setToolTip("The retail price. A dollar sign may be typed, and what stands before a comma are thousands; after leaving the "
+                           "field it shows what is "
+                           "stored.");
     lblProfitPercent.setToolTip("Margin on the price, as it was when the item was opened");
     cmdDeleteItem.isDanger = true;
     lbxType.setToolTip(
@@ -62,15 +63,11 @@ void frmItems::wireGeneral() {
     txtName.lostFocus = [this] {
         if (writeField("txtName_LostFocus", "Name", [this] { return Value(trimmed(txtName.text())); }))
             showNameOnTabs();
+        else if (const db::RecordsetPtr item = modMain().ItemRecordset; item != nullptr && item->onRow())
+            txtName.setText((*item)["Name"].text());
     };
-    txtReorder.lostFocus = [this] {
-        if (!neverFilled(txtReorder))
-            writeField("txtReorder_LostFocus", "Reorder", [this] { return Value(numericPrefix(txtReorder.text())); });
-    };
-    txtRestock.lostFocus = [this] {
-        if (!neverFilled(txtRestock))
-            writeField("txtRestock_LostFocus", "Restock", [this] { return Value(numericPrefix(txtRestock.text())); });
-    };
+    txtReorder.lostFocus = [this] { numberField_LostFocus(txtReorder, "txtReorder_LostFocus", "Reorder"); };
+    txtRestock.lostFocus = [this] { numberField_LostFocus(txtRestock, "txtRestock_LostFocus", "Restock"); };
     txtNotes.lostFocus = [this] {
         if (!neverFilled(txtNotes))
             writeField("txtNotes_LostFocus", "Notes", [this] { return Value(txtNotes.text()); });
@@ -166,7 +163,25 @@ void frmItems::Form_Activate() {
 }
 
 bool frmItems::writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
-    return writeItem(procedure, [&](db::Recordset& item) { item[column] = value(); });
+    const bool written = writeItem(procedure, [&](db::Recordset& item) { item[column] = value(); });
+    if (!written)
+        showStored(column);
+    return written;
+}
+
+// Boxes and lists show again what the store holds.
+void frmItems::showStored(const std::string& column) {
+    const db::RecordsetPtr item = modMain().ItemRecordset;
+    if (item == nullptr || !item->onRow())
+        return;
+    for (const auto& [name, box] :
+         {std::pair{"Active", &cbxActive}, std::pair{"FoodStampFlag", &cbxFoodStamps}, std::pair{"SerialFlag", &cbxSerialed}})
+        if (column == name)
+            box->setValue((*item)[column].Value().toFlag());
+    for (const auto& [name, list] :
+         {std::pair{"DepartmentID", &lbxDepartment}, std::pair{"TaxID", &lbxTaxClass}, std::pair{"TypeID", &lbxType}})
+        if (column == name)
+            list->setListIndex(positionOfKey(*list, (*item)[column].Value().toInteger()));
 }
 
 bool frmItems::writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set) {
@@ -178,8 +193,27 @@ bool frmItems::writeItem(const std::string& procedure, const std::function<void(
         item->Update();
     });
     if (!written)
-        item->CancelUpdate();
+        readStored(*item);
     return written;
+}
+
+// After a refused write: the row as the store has it now. Someone else may have changed it, and by the old values no later write would meet
+// it.
+void frmItems::readStored(db::Recordset& item) {
+    item.CancelUpdate();
+    guarded({kItemsTag, "ReadStored"}, [&] { item.Requery(); });
+}
+
+// What stands in the field afterwards is what the store holds, also when someone else changed it or the text is no number.
+void frmItems::numberField_LostFocus(TextBox& box, const std::string& procedure, const std::string& column) {
+    if (neverFilled(box))
+        return;
+    if (const std::string wrong = commaComplaint(box.text()); !wrong.empty())
+        desk().message(wrong, kProduct);
+    else
+        writeField(procedure, column, [&] { return Value(numericPrefix(box.text())); });
+    if (const db::RecordsetPtr item = modMain().ItemRecordset; item != nullptr && item->onRow())
+        box.setText((*item)[column].text());
 }
 
 // The population ended before this box, and nobody has typed in it: writing it back would empty what the store holds.
@@ -238,15 +272,30 @@ void frmItems::applyType(int type) {
 }
 
 void frmItems::txtPriceAmt_LostFocus() {
+    if (const std::string wrong = commaComplaint(txtPriceAmt.text()); !wrong.empty()) {
+        desk().message(wrong, kProduct);
+        guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] { showPrice(); });
+        return;
+    }
     guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] {
         modMain().Conn->Execute(Sql("UPDATE PriceMatrix SET Price = ") + numericPrefix(txtPriceAmt.text()) + " WHERE SKU ='" +
                                 modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU +
                                 "' AND Tier = 1 AND (Quantity = 1 Or Quantity = 0)");
+        showStoredPrice();
         lblRetailUnitPriceAmt.setCaption("$" + txtPriceAmt.text());
         lblSupRetailPrice.setCaption("$" + txtPriceAmt.text());
         reloadPrices(lbxTier.listIndex() + 1);
     });
     panel.pricesChanged();
+}
+
+// As the registers will charge it. A plain number that says the same stays as it was typed.
+void frmItems::showStoredPrice() {
+    const std::string typed = txtPriceAmt.text();
+    showPrice();
+    const bool plain = !typed.empty() && typed.find_first_not_of("0123456789.-") == std::string::npos;
+    if (plain && amountOf(typed) == amountOf(txtPriceAmt.text()))
+        txtPriceAmt.setText(typed);
 }
 
 void frmItems::txtStockAmt_LostFocus() {

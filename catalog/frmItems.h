@@ -63,6 +63,10 @@ private:
     // False when the store refused it.
     bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
     bool writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set);
+    void readStored(db::Recordset& item);
+    void showStored(const std::string& column);
+    void showStoredPrice();
+    void numberField_LostFocus(ui::TextBox& box, const std::string& procedure, const std::string& column);
     bool neverFilled(const ui::TextBox& box) const;
     void showNameOnTabs();
     void lbxTaxClass_Click();
@@ -105,7 +109,7 @@ private:
     bool ValidateSupplierMatrix();
     bool SaveSupplierMatrix(); // false when the store refused it
     void deleteSupplier(SupplierRow& row);
-    void writeSupplier(SupplierRow& row);
+    void writeSupplier(SupplierRow& row, const std::optional<Currency>& parked);
 
     // Substitutes.
     void reloadSubstitutes();

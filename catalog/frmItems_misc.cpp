@@ -158,8 +158,14 @@ bool frmItems::writeTagAlong(const std::string& procedure, const Value& sku, con
 }
 
 void frmItems::txtTagAlongQty_LostFocus() {
+    if (const std::string wrong = commaComplaint(txtTagAlongQty.text()); !wrong.empty()) {
+        desk().message(wrong, kProduct);
+        txtTagAlongQty.setText("");
+        return;
+    }
     if (numericPrefix(txtTagAlongQty.text()) > 0) {
-        writeField("CheckSKUs", "TagAlongQty", [this] { return Value(txtTagAlongQty.text()); });
+        if (writeField("CheckSKUs", "TagAlongQty", [this] { return Value(txtTagAlongQty.text()); }))
+            txtTagAlongQty.setText((*modMain().ItemRecordset)["TagAlongQty"].text());
         return;
     }
     desk().message("Please enter a Tag Along Quantity greater than zero", kProduct);
@@ -223,6 +229,10 @@ void frmItems::UpdateSplit() {
             desk().message("Please select both split Parent and Matrix SKUs", kProduct);
             return;
         }
+        if (const std::string wrong = commaComplaint(txtSplitQty.text()); !wrong.empty()) {
+            desk().message(wrong, kProduct);
+            return;
+        }
         const double quantity = numericPrefix(txtSplitQty.text());
         if (quantity < 1) {
             desk().message("Please select a valid split quantity for this item", kProduct);
@@ -234,6 +244,7 @@ void frmItems::UpdateSplit() {
         session.Conn->Execute(
             Sql("INSERT Into ItemSplitMatrix (SKU, MatrixSKU, SplitParentSku, SplitParentMatrixSKU, SplitQuantity)  VALUES ('") +
             session.CurrentSKU + "', '" + session.CurrentMatrixSKU + "', '" + parent + "', '" + parentMatrix + "', " + quantity + ")");
+        txtSplitQty.setText(shortestDecimal(quantity));
         desk().message("Split Updated", kProduct);
     });
 }

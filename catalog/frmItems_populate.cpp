@@ -26,14 +26,6 @@ void fill(ListBox& list, const RecordsetPtr& rows, const std::string& text, cons
         list.add((*rows)[text].text(), static_cast<int>((*rows)[key].Value().toInteger()));
 }
 
-int positionOfKey(const ListBox& list, std::int64_t key) {
-    int found = -1;
-    for (int i = 0; i < list.count(); ++i)
-        if (list.entries()[static_cast<std::size_t>(i)].itemData == key)
-            found = i;
-    return found;
-}
-
 Sql whereItem() {
     return Sql("WHERE SKU ='") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'";
 }

@@ -2,6 +2,7 @@
 #include "catalog/frmItems.h"
 #include "catalog/itemscreen.h"
 
+#include "app/db/ado/transaction.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "ui/desk.h"
@@ -271,13 +272,16 @@ bool frmItems::ValidateSupplierMatrix() {
 bool frmItems::SaveSupplierMatrix() {
     return guarded({"frmItems", "SaveSupplierMatrix"}, [this] {
         renumber(suppliers_);
+        std::vector<SupplierRow> rows = suppliers_; // stays as it is when a statement fails
+        db::Transaction transaction(modMain().Conn);
         // Deletes first, so that a new row may take the key that a deleted one held.
-        for (SupplierRow& row : suppliers_)
+        for (SupplierRow& row : rows)
             if (row.InDatabase && row.Deleted)
                 deleteSupplier(row);
-        for (SupplierRow& row : suppliers_)
-            if (!row.Deleted && (!row.InDatabase || row.Dirty))
-                writeSupplier(row);
+        for (const SupplierStep& step : stepsToWrite(rows))
+            writeSupplier(rows[step.row], step.parked);
+        transaction.commit();
+        suppliers_ = std::move(rows);
     });
 }
 
@@ -287,18 +291,19 @@ void frmItems::deleteSupplier(SupplierRow& row) {
     row.InDatabase = false;
 }
 
-void frmItems::writeSupplier(SupplierRow& row) {
-    const Sql now =
-        Sql() + int{row.SupID} + ", " + row.Cost + ", " + int{row.MinOrder} + ", " + int{row.Priority} + ", '" + row.PartNo + "'";
+// At its own cost, or parked at one that no row has while another takes the key that it leaves.
+void frmItems::writeSupplier(SupplierRow& row, const std::optional<Currency>& parked) {
+    const Currency cost = parked.value_or(row.Cost);
+    const Sql now = Sql() + int{row.SupID} + ", " + cost + ", " + int{row.MinOrder} + ", " + int{row.Priority} + ", '" + row.PartNo + "'";
     if (row.InDatabase)
         modMain().Conn->Execute(Sql("sp_UpdateSupplierMatrixDetail '") + row.SKU + "', '" + row.MatrixSKU + "', " + int{row.OldSupID} +
                                 ", " + row.OldCost + ", " + now);
     else
         modMain().Conn->Execute(Sql("sp_InsertSupplierMatrixDetail '") + row.SKU + "', '" + row.MatrixSKU + "', " + now);
     row.InDatabase = true;
-    row.Dirty = false;
+    row.Dirty = parked.has_value();
     row.OldSupID = row.SupID;
-    row.OldCost = row.Cost;
+    row.OldCost = cost;
 }
 
 void frmItems::grdSuppliers_Error() {

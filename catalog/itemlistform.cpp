@@ -202,7 +202,7 @@ void ItemListForm::cmdAddNew_Click() {
         if (matrixSku.empty())
             matrixSku = sku;
         cleanCodes(sku, matrixSku);
-        if (ItemExists(sku, matrixSku, true))
+        if (isRefused(sku, matrixSku) || ItemExists(sku, matrixSku, true))
             return;
         if (makeItem(sku, matrixSku))
             added(sku + "|" + matrixSku);
@@ -227,7 +227,10 @@ frmItemList::frmItemList(Desk& desk) : ItemListForm(desk, "frmItemList", "Item L
 }
 
 void frmItemList::ShowFormAddNewVisible() {
+    const bool open = loaded();
     ensureLoaded();
+    if (open) // behind the item screen: what was added, renamed or deleted there
+        reload();
     cmdAddNew.setVisible(true);
     desk().show(*this);
 }

@@ -34,6 +34,8 @@ protected:
     // Both codes as the user typed them, cleaned or not.
     virtual void cleanCodes(std::string& sku, std::string& matrixSku) const = 0;
     virtual void added(const std::string& pair) = 0;
+    // Reads the items again; sort and search stay.
+    void reload();
 
     ui::Label lblHeading{*this, "lblHeading"};
     ui::OptionButton optAll{*this, "optAll", "All Items", true};
@@ -48,7 +50,6 @@ protected:
     std::string pair_;
 
 private:
-    void reload();
     void loadGrid(const db::Sql& command);
     void shown();
     void grdItems_Click();

@@ -18,6 +18,14 @@ db::RecordsetPtr openUpdatable(const db::Sql& procedure, const std::vector<db::P
     return openBroker(procedure, db::CommandType::StoredProcedure, db::CursorType::Dynamic, db::LockType::Optimistic, parameters);
 }
 
+int positionOfKey(const ui::ListBox& list, std::int64_t key) {
+    int found = -1;
+    for (int i = 0; i < list.count(); ++i)
+        if (list.entries()[static_cast<std::size_t>(i)].itemData == key)
+            found = i;
+    return found;
+}
+
 Currency amountIn(const std::string& text) {
     const auto amount = amountOf(text);
     if (!amount)

@@ -2,7 +2,9 @@
 
 #include "app/modMain.h"
 #include "base/currency.h"
+#include "ui/list.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,9 @@ std::vector<db::Parameter> itemKey();
 db::RecordsetPtr openList(const db::Sql& procedure, const std::vector<db::Parameter>& parameters = {});
 // The rows of a procedure, for a grid to edit.
 db::RecordsetPtr openUpdatable(const db::Sql& procedure, const std::vector<db::Parameter>& parameters = {});
+
+// The last entry of that number; -1 when there is none.
+int positionOfKey(const ui::ListBox& list, std::int64_t key);
 
 // The amount that a text in a cell means: a number in any form that a user may type, exact to four decimals where it has no exponent.
 // Throws std::invalid_argument ("Type mismatch...") for a text that is no number and OverflowError for one too large for money.

@@ -1,6 +1,7 @@
 #include "catalog/modItemLookup.h"
 
 #include "app/ADOUtilities.h"
+#include "app/itemcodes.h"
 #include "app/modMain.h"
 #include "base/text.h"
 #include "catalog/codedialog.h"
@@ -50,7 +51,7 @@ std::string AddNewItem(int typeId, const std::string& skuGiven, const std::strin
             return;
         std::string matrixSku = typeId == kParentType ? "" : desk.form<frmSKU>().GetSKU();
         matrixSku = CleanSQLValue(matrixSku.empty() ? sku : matrixSku);
-        if (ItemExists(sku, matrixSku, true))
+        if (isRefused(sku, matrixSku) || ItemExists(sku, matrixSku, true))
             return;
         AddItemRow("Item", sku, matrixSku, "TypeId;" + std::to_string(typeId) + ";SalesMsgID;0");
         AddItemRow("Stock", sku, matrixSku, "Quantity;0");
@@ -77,6 +78,13 @@ void AddItemRow(const std::string& table, const std::string& sku, const std::str
         (*rows)[entries[i]] = entries[i + 1];
     rows->Update();
     rows->Close();
+}
+
+bool isRefused(const std::string& sku, const std::string& matrixSku) {
+    const std::string wrong = itemCodeComplaint(sku, matrixSku);
+    if (!wrong.empty())
+        modMain().desk->message(wrong, kProduct);
+    return !wrong.empty();
 }
 
 bool ItemExists(const std::string& sku, const std::string& matrixSku, bool warn) {

@@ -17,6 +17,9 @@ std::string AddNewItem(int typeId, const std::string& sku, const std::string& pr
 // Adds a row with that key to the table unless there is one. The field list is "name;value;name;value", empty for no further column.
 void AddItemRow(const std::string& table, const std::string& sku, const std::string& matrixSku, const std::string& fieldList);
 
+// Whether a new item cannot have these codes, which is said to the user.
+bool isRefused(const std::string& sku, const std::string& matrixSku);
+
 // Whether the item exists; says so to the user when warn is set.
 bool ItemExists(const std::string& sku, const std::string& matrixSku, bool warn);
 

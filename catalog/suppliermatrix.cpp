@@ -1,5 +1,6 @@
 #include "catalog/suppliermatrix.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace merchantry::catalog {
@@ -21,6 +22,42 @@ void exchange(SupplierRow& one, SupplierRow& other) {
     std::swap(one, other);
     std::swap(one.Priority, other.Priority);
     one.Dirty = other.Dirty = true;
+}
+
+std::vector<SupplierStep> stepsToWrite(const std::vector<SupplierRow>& rows) {
+    using Key = std::pair<std::int16_t, Currency>;
+    std::vector<std::size_t> waiting;
+    std::vector<Key> held; // in the store, by place of the row that will leave it
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        held.emplace_back(rows[i].OldSupID, rows[i].OldCost);
+        if (!rows[i].Deleted && (!rows[i].InDatabase || rows[i].Dirty))
+            waiting.push_back(i);
+    }
+    std::vector<SupplierStep> steps;
+    const auto free = [&](std::size_t place) {
+        return std::none_of(waiting.begin(), waiting.end(), [&](std::size_t other) {
+            return other != place && rows[other].InDatabase && held[other] == Key(rows[place].SupID, rows[place].Cost);
+        });
+    };
+    Currency parking;
+    while (!waiting.empty()) {
+        const auto next = std::find_if(waiting.begin(), waiting.end(), free);
+        if (next != waiting.end()) {
+            steps.push_back({*next, std::nullopt});
+            waiting.erase(next);
+            continue;
+        }
+        // All wait for each other: one in the store steps aside.
+        const auto aside = std::find_if(waiting.begin(), waiting.end(), [&](std::size_t place) {
+            return rows[place].InDatabase && std::any_of(waiting.begin(), waiting.end(), [&](std::size_t other) {
+                       return other != place && Key(rows[other].SupID, rows[other].Cost) == held[place];
+                   });
+        });
+        parking -= Currency::fromInteger(1);
+        held[*aside] = {rows[*aside].SupID, parking};
+        steps.push_back({*aside, parking});
+    }
+    return steps;
 }
 
 std::optional<SupplierFault> faultIn(const std::vector<const SupplierRow*>& shown) {

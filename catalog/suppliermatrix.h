@@ -32,6 +32,15 @@ void renumber(std::vector<SupplierRow>& rows);
 // The two change places, but each place keeps its priority; both become dirty.
 void exchange(SupplierRow& one, SupplierRow& other);
 
+// One statement of saving the rows: the row's place, and the cost at which it waits while another row takes the key that it leaves.
+struct SupplierStep {
+    std::size_t row = 0;
+    std::optional<Currency> parked;
+};
+// The new and dirty rows in an order in which none meets a key (supplier and cost) that another one still holds in the store: a rise of all
+// prices by the same amount begins with the highest. Rows that exchange their keys are parked in between at costs below 0.
+std::vector<SupplierStep> stepsToWrite(const std::vector<SupplierRow>& rows);
+
 // What is wrong with the rows in the order in which they are shown: the first one without a supplier, or the first two with the same
 // supplier and cost.
 struct SupplierFault {

@@ -127,7 +127,7 @@ void bindDoors(ui::Desk& desk) {
     doors.ShowItemLookup = [](int kind) { ShowItemLookup(kind); };
     doors.ItemMatrixLookup = [&desk] {
         auto& lookup = desk.form<frmItemMatrixLookupWiz>();
-        lookup.CustomizeForm("Item Matrix Lookup", true, true, "Matrix");
+        lookup.CustomizeForm("Item Matrix Lookup", true, false, "Matrix");
         desk.showModal(lookup);
     };
     doors.AdjustInv = [&desk](const std::string& sku, const std::string& matrixSku, const std::string& name) {

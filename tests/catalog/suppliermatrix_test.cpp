@@ -53,6 +53,29 @@ TEST(SupplierMatrix, ExchangedRowsTakeTheirKeysAlongAndLeaveTheirPriorities) {
     EXPECT_TRUE(saved.Dirty && added.Dirty);
 }
 
+// "0 2>1 ..." are the steps: the row's place, and ">" for one that steps aside.
+std::string steps(std::initializer_list<std::pair<const char*, const char*>> oldAndNew) {
+    std::vector<SupplierRow> rows;
+    for (const auto& [old, cost] : oldAndNew) {
+        SupplierRow one = row(1, cost, 1);
+        one.OldSupID = 1;
+        one.OldCost = Currency::fromText(old);
+        one.InDatabase = one.Dirty = true;
+        rows.push_back(one);
+    }
+    std::string text;
+    for (const SupplierStep& step : stepsToWrite(rows))
+        text += std::to_string(step.row) + (step.parked ? "> " : " ");
+    return text;
+}
+
+TEST(SupplierMatrix, NoRowIsWrittenOntoAKeyThatAnotherOneStillHolds) {
+    EXPECT_EQ(steps({{"2", "2.5"}, {"2.5", "3"}}), "1 0 "); // both rise
+    EXPECT_EQ(steps({{"2.5", "2"}, {"3", "2.5"}}), "0 1 "); // both fall
+    EXPECT_EQ(steps({{"2", "3"}, {"3", "2"}}), "0> 1 0 ");  // they exchange
+    EXPECT_EQ(steps({{"2", "2"}, {"3", "3"}}), "0 1 ");
+}
+
 TEST(SupplierMatrix, TheFirstFaultIsTold) {
     EXPECT_EQ(faultOf({}), "");
     EXPECT_EQ(faultOf({row(1, "1", 1), row(1, "1.0001", 2), row(2, "1", 3)}), "");

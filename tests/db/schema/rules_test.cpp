@@ -98,6 +98,20 @@ TEST_F(StoreRules, WhatRegistersRecordedCannotLoseItsPartners) {
     EXPECT_EQ(errorOf("INSERT INTO Item (SKU, MatrixSKU) VALUES ('A', 'a ')"), 2627);
 }
 
+TEST_F(StoreRules, CodesThatNoScreenCouldOpenAreNotTaken) {
+    for (const char* code : {"A|B", " A", "A "}) {
+        const std::string both = "'" + std::string(code) + "', '" + code + "'";
+        EXPECT_THROW(run("INSERT INTO Item (SKU, MatrixSKU) VALUES ('ok', 'ok'), (" + both + ")"), DbError) << code;
+        EXPECT_THROW(run("bsp_NewItem " + both), DbError) << code;
+    }
+    EXPECT_THROW(run("bsp_NewItem '$A', '$A'"), DbError);
+    EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM Item"), "0");
+    run("INSERT INTO Item (SKU, MatrixSKU) VALUES ('$DROP', '$DROP') EXEC bsp_NewItem 'A B', 'A-B$'");
+    EXPECT_THROW(run("UPDATE Item SET MatrixSKU = 'A|C' WHERE SKU = 'A B'"), DbError);
+    run("UPDATE Item SET Name = 'a | b ' WHERE SKU = 'A B'");
+    EXPECT_EQ(rowsOf("SELECT MatrixSKU FROM Item WHERE SKU = 'A B'"), "A-B$");
+}
+
 TEST_F(StoreRules, TheLastMovementByDateIsTheLastOnePosted) {
     run("INSERT INTO Item (SKU, MatrixSKU) VALUES ('a', 'a')");
     run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Qty, Cost_ea, PostDate) VALUES ('a', 'a', 1, 1, DATEADD(hour, 2, GETDATE()))");
