@@ -35,7 +35,7 @@ public:
 private:
     void addRow() {
         for (const int column : columns_)
-            text_ += (column == columns_.front() ? "" : ",") + quoted(cellOutside(grid_, next_, column));
+            text_ += (column == columns_.front() ? "" : ",") + quoted(withoutFormula(cellOutside(grid_, next_, column)));
         text_ += "\r\n";
     }
 

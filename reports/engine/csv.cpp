@@ -1,6 +1,8 @@
 #include "reports/engine/exportrows.h"
 #include "reports/engine/exports.h"
 
+#include "base/numbers.h"
+
 #include <ostream>
 
 namespace merchantry::reports {
@@ -9,7 +11,8 @@ namespace {
 constexpr int kRowsBetweenQuestions = 4096;
 constexpr std::size_t kBuffer = 1U << 16U;
 
-void append(std::string& line, std::string_view field) {
+void append(std::string& line, std::string_view text) {
+    const std::string field = withoutFormula(text);
     if (field.find_first_of(",\"\r\n") == std::string_view::npos) {
         line += field;
         return;

@@ -1,5 +1,7 @@
 #include "reports/engine/outline.h"
 
+#include "base/text.h"
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -147,12 +149,18 @@ std::optional<Figure> Outline::figureAt(int row, int source) const {
     return Figure::of(rows_.value(row, source));
 }
 
+// Nothing stands there for a reader: no value, or a text of blanks.
+bool Outline::isEmpty(int row, int source) const {
+    return rows_.isNull(row, source) ||
+           (rows_.columns()[static_cast<std::size_t>(source)].type.isText() && trimmed(rows_.text(row, source)).empty());
+}
+
 void Outline::add(Sums& sums, int row) const {
     for (std::size_t i = 0; i < measures_.size(); ++i) {
         Sum& sum = sums[i];
         if (sum.firstRow < 0)
             sum.firstRow = row;
-        if (rows_.isNull(row, measures_[i]))
+        if (isEmpty(row, measures_[i]))
             continue;
         ++sum.count;
         const auto figure = figureAt(row, measures_[i]);
@@ -212,10 +220,11 @@ std::vector<std::string> Outline::cells(int row, const Around& around) const {
 std::string Outline::totalText(const ShownColumn& column, const Sums& sums, const Sums& enclosing) const {
     const ColumnDefinition& definition = *column.definition;
     if (column.expression) {
-        const auto value =
-            hasTotals_
-                ? column.expression->value([&](std::size_t field) -> std::optional<Figure> { return sums[column.measures[field]].sum; })
-                : std::nullopt;
+        const auto value = hasTotals_ ? column.expression->value([&](std::size_t field) -> std::optional<Figure> {
+            const Sum& sum = sums[column.measures[field]];
+            return sum.count > 0 ? std::optional(sum.sum) : std::nullopt; // no figure at all is not 0
+        })
+                                      : std::nullopt;
         return value ? figureText(*value, column.kind.format) : "";
     }
     if (definition.share != Scope::None) {

@@ -15,7 +15,7 @@ namespace merchantry::reports {
 // What one field has come to over some rows.
 struct Sum {
     Figure sum;
-    std::int64_t count = 0; // cells that are not null
+    std::int64_t count = 0; // cells that are not empty
     std::optional<Figure> min;
     std::optional<Figure> max;
     int firstRow = -1;
@@ -106,6 +106,7 @@ private:
     int numberOf(const std::string& field, int line) const;
     std::size_t measureOf(int source);
     void bindColumn(const ColumnDefinition& definition);
+    bool isEmpty(int row, int source) const;
     std::optional<Figure> figureAt(int row, int source) const;
     std::string totalText(const ShownColumn& column, const Sums& sums, const Sums& enclosing) const;
     bool sameCell(int row, int other, int source) const;

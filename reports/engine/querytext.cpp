@@ -9,6 +9,11 @@
 namespace merchantry::reports {
 namespace {
 
+// Conditions name a day's last second; the store's times go on to its last 997 milliseconds. A sale in between belongs to that day.
+std::string toTheEndOfDays(const std::string& conditions) {
+    return replaced(conditions, " 11:59:59 PM'", " 11:59:59.997 PM'");
+}
+
 class QueryText {
 public:
     QueryText(const Definition& definition, const ParameterTexts& parameters) : definition_(definition), parameters_(parameters) {}
@@ -44,9 +49,9 @@ private:
 
     std::string place(const std::string& name, std::size_t at) const {
         if (name == "where")
-            return ofKind(ParameterKind::Where);
+            return toTheEndOfDays(ofKind(ParameterKind::Where));
         if (name == "and") {
-            const std::string conditions = conditionsOf(ofKind(ParameterKind::Where));
+            const std::string conditions = conditionsOf(toTheEndOfDays(ofKind(ParameterKind::Where)));
             return conditions.empty() ? "" : " AND (" + conditions + ")";
         }
         if (name == "order")

@@ -196,9 +196,10 @@ TEST_F(StoreFiles, VersionSevenGetsWideOrderNumbersKindsAndTheAveragesOfUndoneWr
     const std::string step = db::kToVersion8;
     const std::string narrow = replaced(step.substr(0, step.find("-- What a movement is")), " int N", " smallint N");
     run(file, "INSERT INTO PurchaseOrder (PONumber) VALUES (1) INSERT INTO Item (SKU, MatrixSKU) VALUES ('a', 'a') "
-              "INSERT INTO PurchaseOrderItem (POID, SKU, MatrixSKU, Qty) VALUES (1, 'a', 'a', 3)");
+              "INSERT INTO PurchaseOrderItem (POID, SKU, MatrixSKU, Qty, QtyCanceled) VALUES (1, 'a', 'a', 3, 3) "
+              "INSERT INTO ItemSubstitutes (SKU, MatrixSKU, SubSKU, SubMatrixSKU) VALUES ('a', 'a', 'gone', 'gone')");
     run(file, replaced(narrow, "'POID') = 2", "'POID') = 4"));
-    run(file, "DROP TRIGGER InventoryLedger_Insert "
+    run(file, "DROP TRIGGER InventoryLedger_Insert DROP TRIGGER TaxDef_Rate ALTER TABLE TransactionTax DROP COLUMN Rate "
               "ALTER TABLE InventoryLedger DROP CONSTRAINT DF_InventoryLedger_Kind");
     run(file, "ALTER TABLE InventoryLedger DROP COLUMN Kind DELETE FROM SchemaVersion INSERT INTO SchemaVersion (Version) VALUES (7)");
     run(file,
@@ -215,6 +216,9 @@ TEST_F(StoreFiles, VersionSevenGetsWideOrderNumbersKindsAndTheAveragesOfUndoneWr
     run(file,
         "IF EXISTS (SELECT * FROM InventoryLedger WHERE Cost_wt <> CASE WHEN LedgerID < 3 THEN 2 WHEN LedgerID = 3 THEN 3 ELSE 2.6667 "
         "END) RAISERROR('a wrong average', 16, 1)");
+    run(file, "IF (SELECT Status FROM PurchaseOrder WHERE POID = 1) <> 'C' OR EXISTS (SELECT * FROM ItemSubstitutes) RAISERROR('left "
+              "behind', 16, "
+              "1)");
     EXPECT_NE(sentenceOf([&] { run(file, "INSERT INTO PurchaseOrderItem (POID, SKU, MatrixSKU) VALUES (7, 'a', 'a')"); }), "");
 }
 

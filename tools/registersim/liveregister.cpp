@@ -102,9 +102,10 @@ void LiveRegister::post(const Sale& sale) {
         run(*session_, "INSERT INTO TransactionTender (TransactionNumber, TenderType, Amount) VALUES (@p1, @p2, @p3)", "itm",
             {number, tender.type, tender.amount});
     run(*session_,
-        "INSERT INTO TransactionTax (TransactionNumber, TaxID, Taxable, Amount) SELECT TransactionNumber, TaxID, SUM(FullPrice * Quantity "
-        "- Discount), SUM(Tax) "
-        "FROM TransactionEntry WHERE TransactionNumber = @p1 GROUP BY TransactionNumber, TaxID",
+        "INSERT INTO TransactionTax (TransactionNumber, TaxID, Taxable, Amount, Rate) SELECT e.TransactionNumber, e.TaxID, SUM(e.FullPrice "
+        "* "
+        "e.Quantity - e.Discount), SUM(e.Tax), MIN(d.Amt) FROM TransactionEntry e LEFT JOIN TaxDef d ON d.TaxID = e.TaxID "
+        "WHERE e.TransactionNumber = @p1 GROUP BY e.TransactionNumber, e.TaxID",
         "i", {number});
     if (sale.shopper >= 0)
         run(*session_, "UPDATE Customer SET TotalSales = TotalSales + @p1, LastPurchaseDate = @p2 WHERE ID = @p3", "mdi",

@@ -28,7 +28,7 @@ Postings::Postings(db::Session& session)
                 "TransactionNumber, SKU, MatrixSKU, Quantity, FullPrice, Cost, Discount, TaxID, Tax, DepartmentID, SerialNo",
                 "ittimmmimit"),
       tenderRows_(session, "TransactionTender", "TransactionNumber, TenderType, Amount", "itm"),
-      taxRows_(session, "TransactionTax", "TransactionNumber, TaxID, Taxable, Amount", "iimm"),
+      taxRows_(session, "TransactionTax", "TransactionNumber, TaxID, Taxable, Amount, Rate", "iimmf"),
       ledgerRows_(session, "InventoryLedger", "SKU, MatrixSKU, Type, Kind, Qty, Cost_ea, Cost_wt, QtyAfter, PostDate", "ttttimmid"),
       drawerRows_(session, "DrawerEvent", "RegisterID, CashierID, Time, EventType, Amount", "iidtm"),
       cashierRows_(session, "CashierEvent", "CashierID, RegisterID, Time, EventType", "iidt"), lastNumber_(highestNumber(session)) {}
@@ -63,7 +63,7 @@ void Postings::postTaxes(const Shop& shop, const Sale& sale, int number) {
         tax += line.tax;
     }
     for (const auto& [taxId, sums] : byClass)
-        taxRows_.add({number, taxId, sums.first, sums.second});
+        taxRows_.add({number, taxId, sums.first, sums.second, shop.taxPercent(taxId)});
 }
 
 void Postings::move(const Good& good, const std::string& type, int quantity, Currency cost, Date time) {

@@ -121,6 +121,11 @@ Currency Shop::price(const Good& good, int tier, int quantity, Date day) {
     return price;
 }
 
+double Shop::taxPercent(int taxId) const {
+    const auto rate = taxRates.find(taxId);
+    return rate == taxRates.end() ? 0 : rate->second / 1000.0;
+}
+
 Currency Shop::tax(int taxId, Currency amount) const {
     const auto rate = taxRates.find(taxId);
     if (rate == taxRates.end())

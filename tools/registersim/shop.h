@@ -72,6 +72,8 @@ struct Shop {
     static Currency price(const Good& good, int tier, int quantity, Date day);
     // Tax on an amount, rounded to cents, halves away from zero.
     Currency tax(int taxId, Currency amount) const;
+    // The rate of a class; 0 for one that is not known.
+    double taxPercent(int taxId) const;
 };
 
 // Every item that can be sold (no parents, no pseudo-items), in key order. Throws DbError.

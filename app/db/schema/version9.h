@@ -33,10 +33,13 @@ BEGIN
   CREATE INDEX IX_PurchaseOrderCancel_Order ON PurchaseOrderCancel (POID)
   CREATE INDEX IX_PurchaseOrderCost_Order ON PurchaseOrderCost (POID)
 END
--- What a movement is, apart from its text.
+-- What a movement is, apart from its text; and the tax rate at the time of a sale.
 IF COL_LENGTH('InventoryLedger', 'Kind') IS NULL
   ALTER TABLE InventoryLedger ADD Kind varchar(20) NOT NULL CONSTRAINT DF_InventoryLedger_Kind DEFAULT ''
 EXEC ('UPDATE InventoryLedger SET Kind = CASE WHEN Type IN (''Sale'', ''Return'', ''Receipt'', ''Cancel'') THEN Type WHEN Type = ''Opening Stock'' THEN ''Opening'' ELSE ''Adjustment'' END WHERE Kind = ''''')
+IF COL_LENGTH('TransactionTax', 'Rate') IS NULL
+  ALTER TABLE TransactionTax ADD Rate float NULL
+UPDATE reportfieldsmapping SET fieldname = 'ISNULL(TransactionTax.Rate, TaxDef.Amt)' WHERE reportname = 'DailyTaxes' AND fieldname = 'TaxDef.Amt'
 -- Units that had gone out and came back by an undoing were averaged at what was paid for the others since. From the first such row of an item on, the averages are
 -- worked out again as the trigger InventoryLedger_Insert does.
 DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @onHand int, @average money, @reverses int, @rest decimal(19, 4)
@@ -69,6 +72,13 @@ BEGIN
     WHERE l.LedgerID > @id
       AND EXISTS (SELECT * FROM InventoryLedger r WHERE r.SKU = l.SKU AND r.MatrixSKU = l.MatrixSKU AND r.ReversesID IS NOT NULL AND r.Qty > 0 AND r.LedgerID <= l.LedgerID)
 END
+-- Orders of which nothing is open stayed open when an editor had left nothing, and items kept others that were deleted.
+UPDATE PurchaseOrder SET Status = 'C' WHERE Status <> 'C' AND PONumber IS NOT NULL AND EXISTS (SELECT * FROM PurchaseOrderItem i WHERE i.POID = PurchaseOrder.POID)
+  AND NOT EXISTS (SELECT * FROM PurchaseOrderItem i WHERE i.POID = PurchaseOrder.POID AND i.Qty > i.QtyRecvd + i.QtyCanceled)
+UPDATE Item SET TagAlongSKU = NULL, TagAlongMatrixSKU = NULL
+  WHERE TagAlongSKU IS NOT NULL AND NOT EXISTS (SELECT * FROM Item t WHERE t.SKU = Item.TagAlongSKU AND t.MatrixSKU = Item.TagAlongMatrixSKU)
+DELETE FROM ItemSubstitutes WHERE NOT EXISTS (SELECT * FROM Item t WHERE t.SKU = ItemSubstitutes.SubSKU AND t.MatrixSKU = ItemSubstitutes.SubMatrixSKU)
+DELETE FROM ItemSplitMatrix WHERE NOT EXISTS (SELECT * FROM Item t WHERE t.SKU = ItemSplitMatrix.SplitParentSKU AND t.MatrixSKU = ItemSplitMatrix.SplitParentMatrixSKU)
 )sql";
 
 } // namespace merchantry::db

@@ -2,6 +2,7 @@
 
 #include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
+#include "base/text.h"
 #include "reports/engine/barcode.h"
 #include "reports/engine/labels.h"
 #include "tests/scratchfolder.h"
@@ -80,6 +81,28 @@ TEST_F(Exports, ValuesKeepTheirQuotesAndCarryTheirCriteria) {
                               "A,Ümlaut & Söhne,,3,,,2,0.70588235,\r\n");
     std::ostringstream stopped;
     EXPECT_FALSE(writeCsv(*report(), stopped, [](int) { return false; }));
+}
+
+TEST_F(Exports, NoSpreadsheetRunsWhatSomebodyTyped) {
+    db::NoResult none;
+    session->execute("DELETE FROM Goods INSERT INTO Goods VALUES ('=1+1', '@cmd', -2, -1.5, NULL), ('B', '-5', 1, 1, NULL)", none);
+    std::ostringstream out;
+    EXPECT_TRUE(writeCsv(*report(), out));
+    const std::string text = out.str();
+    EXPECT_NE(text.find("\r\n'=1+1,'@cmd,-2,-1.5,"), std::string::npos) << text; // numbers stay numbers
+    EXPECT_NE(text.find("\r\nB,-5,1,1,"), std::string::npos) << text;
+}
+
+// The cell of a nameless row counts no row, and a figure that no row has is not 0.
+TEST_F(Exports, TotalsLeaveOutWhatIsNotThere) {
+    db::NoResult none;
+    session->execute("UPDATE Goods SET Name = CASE Units WHEN 2 THEN ' ' WHEN -4 THEN 'Cup' END UPDATE Goods SET Units = NULL", none);
+    const auto definition = parseDefinition(replaced(kReport, "title = \"Item\\nname\"", "total = \"count\""), "goods.rpt");
+    const auto made = Report::run(*store->session(), definition, {});
+    const Outline& outline = made->outline();
+    const auto totals = outline.totals(outline.grand(), outline.grand());
+    EXPECT_EQ(totals[0], "1");
+    EXPECT_EQ(totals[4], ""); // worth of pieces that are not known
 }
 
 TEST_F(Exports, TheWebPageHasGroupsAndNothingThatABrowserWouldTakeForMarks) {

@@ -93,7 +93,7 @@ INSERT INTO reportfieldsmapping (reportname, fieldname, fielddescription, dateco
 INSERT INTO reportfieldsmapping (reportname, fieldname, fielddescription, dateconvert, position) VALUES
   ('DailyTaxes', '[Transaction].Time', 'Date', 1, 1),
   ('DailyTaxes', 'TaxDef.Description', 'Tax class', 0, 2),
-  ('DailyTaxes', 'TaxDef.Amt', 'Rate', 0, 3),
+  ('DailyTaxes', 'ISNULL(TransactionTax.Rate, TaxDef.Amt)', 'Rate', 0, 3),
   ('DailyTaxes', '[Transaction].RegisterID', 'Register', 0, 4),
   ('DailyTaxes', 'Cashier.Name', 'Cashier', 0, 5),
   ('DailyTaxes', '[Transaction].TransType', 'Sale or return', 0, 6)
