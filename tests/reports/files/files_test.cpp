@@ -85,6 +85,14 @@ TEST(ReportFiles, HaveOneOrderOnly) {
     }
 }
 
+// ISNULL gives its second argument the width of the first, here that of "Cancelled".
+TEST(ReportFiles, AHistoryOfNothingSaysSoInFull) {
+    const auto session = filesStore().session();
+    const std::string open = query(*session, "SELECT MIN(POID) FROM PurchaseOrder WHERE Status = 'O'").at(0)[0].toText();
+    const std::string rows = rowsAsTheyCome(*session, queryText(readDefinition(kReportFiles / "POHistory.rpt"), {open, "0"}));
+    EXPECT_NE(rows.find("|Nothing yet|"), std::string::npos) << rows;
+}
+
 TEST(ReportFiles, EveryKeyHasAFileAndCriteria) {
     const auto session = filesStore().session();
     const auto keys = query(*session, "SELECT DISTINCT reportname FROM reportfieldsmapping");
