@@ -1,7 +1,7 @@
 #include "app/storefile.h"
 
 #include "app/db/embedded/store.h"
-#include "app/db/schema/version8.h"
+#include "app/db/schema/version9.h"
 #include "base/text.h"
 #include "tests/scratchfolder.h"
 
@@ -189,11 +189,11 @@ TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheTablesAndProceduresMadeSince) {
     EXPECT_FALSE(isOlderStore(folder / "none.store"));
 }
 
-// A store as version 7 left it: order keys of 16 bits, movements without a kind, and a write-off that came back at what was paid for the
+// A store as version 8 left it: order keys of 16 bits, movements without a kind, and a write-off that came back at what was paid for the
 // others.
-TEST_F(StoreFiles, VersionSevenGetsWideOrderNumbersKindsAndTheAveragesOfUndoneWriteOffs) {
+TEST_F(StoreFiles, VersionEightGetsWideOrderNumbersKindsAndTheAveragesOfUndoneWriteOffs) {
     makeStore();
-    const std::string step = db::kToVersion8;
+    const std::string step = db::kToVersion9;
     const std::string narrow = replaced(step.substr(0, step.find("-- What a movement is")), " int N", " smallint N");
     run(file, "INSERT INTO PurchaseOrder (PONumber) VALUES (1) INSERT INTO Item (SKU, MatrixSKU) VALUES ('a', 'a') "
               "INSERT INTO PurchaseOrderItem (POID, SKU, MatrixSKU, Qty, QtyCanceled) VALUES (1, 'a', 'a', 3, 3) "
@@ -201,7 +201,7 @@ TEST_F(StoreFiles, VersionSevenGetsWideOrderNumbersKindsAndTheAveragesOfUndoneWr
     run(file, replaced(narrow, "'POID') = 2", "'POID') = 4"));
     run(file, "DROP TRIGGER InventoryLedger_Insert DROP TRIGGER TaxDef_Rate ALTER TABLE TransactionTax DROP COLUMN Rate "
               "ALTER TABLE InventoryLedger DROP CONSTRAINT DF_InventoryLedger_Kind");
-    run(file, "ALTER TABLE InventoryLedger DROP COLUMN Kind DELETE FROM SchemaVersion INSERT INTO SchemaVersion (Version) VALUES (7)");
+    run(file, "ALTER TABLE InventoryLedger DROP COLUMN Kind DELETE FROM SchemaVersion INSERT INTO SchemaVersion (Version) VALUES (8)");
     run(file,
         "INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea, Cost_wt, QtyAfter, ReversesID) VALUES "
         "('a', 'a', 'Receipt', 10, 2, 2, 10, NULL), ('a', 'a', 'Damaged', -5, 0, 2, 5, NULL), ('a', 'a', 'Receipt', 5, 4, 3, 10, NULL), "
