@@ -1,5 +1,6 @@
 #include "catalog/codedialog.h"
 
+#include "app/itemcodes.h"
 #include "catalog/itemwizardform.h"
 #include "catalog/modItemLookup.h"
 #include "ui/desk.h"
@@ -16,10 +17,8 @@ CodeDialog::CodeDialog(Desk& desk, const char* name, const char* caption, const 
     txtMatrixSKU.fixedWidth = true;
     cmdOK.isDefault = true;
     cmdCancel.isCancel = true;
-    cmdOK.click = [this] {
-        accepted_ = true;
-        unload();
-    };
+    lblState.setForeColor(Color::Red);
+    cmdOK.click = [this] { cmdOK_Click(); };
     cmdCancel.click = [this] { unload(); };
 }
 
@@ -27,12 +26,24 @@ Item CodeDialog::layoutWith(std::vector<Item> leftButtons) {
     leftButtons.push_back(stretch());
     leftButtons.push_back(at(cmdCancel));
     leftButtons.push_back(at(cmdOK));
-    return column({fields({field(fieldCaption_, txtMatrixSKU).wide(32)}), buttons(std::move(leftButtons))});
+    return column({fields({field(fieldCaption_, txtMatrixSKU).wide(32)}), at(lblState), buttons(std::move(leftButtons))});
+}
+
+// A code that no item can have is refused where it is typed.
+void CodeDialog::cmdOK_Click() {
+    const std::string& code = txtMatrixSKU.text();
+    lblState.setCaption(app::itemCodeComplaint(code, code));
+    accepted_ = lblState.caption().empty();
+    if (accepted_)
+        unload();
+    else
+        txtMatrixSKU.setFocus();
 }
 
 std::string CodeDialog::ask(const std::string& preset) {
     ensureLoaded();
     accepted_ = false;
+    lblState.setCaption("");
     txtMatrixSKU.setText(preset);
     desk().showModal(*this);
     return accepted_ ? txtMatrixSKU.text() : std::string();

@@ -21,10 +21,13 @@ protected:
 
     std::string fieldCaption_;
     ui::TextBox txtMatrixSKU{*this, "txtMatrixSKU"};
+    ui::Label lblState{*this, "lblState"};
     ui::Button cmdCancel{*this, "cmdCancel", "Cancel"};
     ui::Button cmdOK{*this, "cmdOK", "&OK"};
 
 private:
+    void cmdOK_Click();
+
     bool accepted_ = false;
 };
 
