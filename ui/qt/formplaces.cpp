@@ -1,9 +1,18 @@
 // The part of FormWindow that keeps the form's size and its controls' places, and follows a screen that moves its controls itself.
 #include "ui/qt/formwindow.h"
 
+#include "ui/qt/screenroom.h"
+
 #include <QTimer>
 
 namespace merchantry::ui {
+
+// The window manager puts its frame around a window after it is shown, and tells of it by a move.
+void FormWindow::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    if (fitting_ && isVisible())
+        fitOnScreen();
+}
 
 void FormWindow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
@@ -26,6 +35,11 @@ void FormWindow::reportSize() {
             if (!freed_)
                 recordPlaces();
         });
+}
+
+// Not within the event that tells of the window's new state: a screen's procedure may be running.
+void FormWindow::fitOnScreen() {
+    QTimer::singleShot(0, this, [this] { keepOnScreen(*this); });
 }
 
 void FormWindow::recordPlaces() {

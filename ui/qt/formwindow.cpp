@@ -6,6 +6,7 @@
 #include "ui/qt/layoutbuilder.h"
 #include "ui/qt/memory.h"
 #include "ui/qt/menu.h"
+#include "ui/qt/screenroom.h"
 #include "ui/qt/texts.h"
 
 #include <QApplication>
@@ -28,6 +29,7 @@ namespace {
 
 constexpr int kNarrowest = 300;
 constexpr int kMark = 144;
+constexpr auto kFramed = std::chrono::milliseconds(100); // until a window manager has told of the frame around an active window
 constexpr QSize kRoomy(920, 620);
 
 // A widget that is not shown yet would lay out what it holds only when it is.
@@ -93,10 +95,11 @@ void FormWindow::build() {
     outer_->setContentsMargins(0, 0, 0, 0);
     outer_->setSpacing(0);
     outer_->addStrut(kNarrowest);
-    content_ = new QWidget(this);
+    content_ = new QWidget;
     buildBars();
     LayoutBuilder(*this).fill(*content_, form_->layout());
-    outer_->addWidget(content_, 1);
+    room_ = new ScrollRoom(content_, this);
+    outer_->addWidget(room_, 1);
     if (menu_ != nullptr) {
         status_ = new QLabel(this);
         status_->setProperty("look", "status");
@@ -138,7 +141,7 @@ void FormWindow::takeWishedSize() {
         size = size.expandedTo(QSize(form_->width(), form_->height()) / kTwipsPerPixel);
     else if (std::any_of(drawings_.begin(), drawings_.end(), [](const auto& drawing) { return drawing->tall(); }))
         size = size.expandedTo(kRoomy); // what grows is worth the room
-    resize(size.boundedTo(screen()->availableSize()));
+    resize(size.boundedTo(roomOnScreen(*this)));
     outer_->activate();
     settled_ = true;
     recordPlaces();
@@ -154,10 +157,10 @@ void FormWindow::takeRememberedSize() {
     outer_->activate();
     if (!freed_) {
         outer_->setGeometry(rect());
-        layOutUnseen(*content_);
+        layOutUnseen(*room_);
         recordPlaces(); // a screen may have hidden controls before it is shown
     }
-    resize(rememberedSize(form_->name(), size()).expandedTo(outer_->minimumSize()).boundedTo(screen()->availableSize()));
+    resize(rememberedSize(form_->name(), size()).expandedTo(outer_->minimumSize()).boundedTo(roomOnScreen(*this)));
 }
 
 Drawing& FormWindow::addDrawing(Control& control, QWidget* parent) {
@@ -179,6 +182,7 @@ void FormWindow::open(FormWindow* over) {
     setWindowModality(wanted);
     if (!std::exchange(opened_, true))
         takeRememberedSize();
+    fitting_ = !isVisible();
     if (!isVisible() && over != nullptr && over->windowHandle() != nullptr)
         standOver(*this, over);
     show();
@@ -200,7 +204,7 @@ void FormWindow::embed(FormWindow& panel) {
         panel.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
         if (QLayout* inside = panel.content_->layout())
             inside->setContentsMargins(12, 8, 12, 8);
-        outer_->insertWidget(outer_->indexOf(content_), &panel);
+        outer_->insertWidget(outer_->indexOf(room_), &panel);
         panel.setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     }
     panel.show();
@@ -262,8 +266,10 @@ void FormWindow::formChanged() {
             content_->layout()->activate();
         outer_->activate();
     }
-    if (settled_ && !placing_ && embeddedIn_ == nullptr && wanted != size() && !wanted.isEmpty())
-        resize(wanted.boundedTo(screen()->availableSize()));
+    if (settled_ && !placing_ && embeddedIn_ == nullptr && wanted != size() && !wanted.isEmpty()) {
+        resize(wanted.boundedTo(roomOnScreen(*this)));
+        fitOnScreen();
+    }
 }
 
 void FormWindow::focusChanged() {
@@ -279,8 +285,15 @@ void FormWindow::focusChanged() {
     focusing_ = true;
     target->setFocus(Qt::OtherFocusReason);
     focusing_ = false;
+    if (drawn != nullptr)
+        reveal(*drawn->widget());
     if (auto* line = dynamic_cast<QLineEdit*>(target); line != nullptr && byKeyboard_)
         line->selectAll();
+}
+
+void FormWindow::reveal(const QWidget& widget) {
+    if (content_->isAncestorOf(&widget))
+        room_->ensureWidgetVisible(const_cast<QWidget*>(&widget), measure::kRelated, measure::kRelated);
 }
 
 void FormWindow::focusLater() {
@@ -344,7 +357,9 @@ void FormWindow::arrived(Control& control) {
     bool entered = false;
     act([&] { entered = finishEdit() && gestures::enter(control).empty(); });
     if (!entered)
-        focusLater();
+        return focusLater();
+    if (const Drawing* const drawn = form_ == nullptr ? nullptr : drawing(control))
+        reveal(*drawn->widget());
 }
 
 bool FormWindow::keyed(Control* control, QKeyEvent& event) {
@@ -434,6 +449,11 @@ void FormWindow::changeEvent(QEvent* event) {
         form_->setMinimised(isMinimized());
     if (event->type() == QEvent::ActivationChange && form_ != nullptr && isActiveWindow() && !form_->desk().covered(*form_) && isVisible())
         act([this] { form_->desk().giveKeyboard(*form_); });
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && fitting_)
+        QTimer::singleShot(kFramed, this, [this] {
+            fitting_ = false;
+            keepOnScreen(*this);
+        });
     QWidget::changeEvent(event);
 }
 
@@ -448,9 +468,9 @@ void FormWindow::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), skin().tokens().paper);
     if (menu_ == nullptr || form_ == nullptr)
         return;
-    const int side = std::min({content_->width(), content_->height() / 3, kMark});
+    const int side = std::min({room_->width(), room_->height() / 3, kMark});
     QRect where(0, 0, side, side);
-    where.moveCenter(content_->geometry().center());
+    where.moveCenter(room_->geometry().center());
     for (const auto& drawing : drawings_)
         if (drawing->control().takesFocus())
             return; // a window to work in

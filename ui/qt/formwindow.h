@@ -20,6 +20,7 @@ class QVBoxLayout;
 namespace merchantry::ui {
 
 class MenuDrawing;
+class ScrollRoom;
 
 // The window of one form. Made with the form's layout before the form loads, shown by the desk, retired when the form is closed. From
 // then on it knows no form, and nothing that its widgets still tell reaches a screen.
@@ -64,6 +65,8 @@ public:
     // Whether the screen has moved a control itself.
     bool freed() const { return freed_; }
     QWidget* content() const { return content_; }
+    // Scrolls the content, where it scrolls, so that the widget can be seen.
+    void reveal(const QWidget& widget);
     QMenuBar* menuBar() const;
 
     void controlChanged(Control& control, Aspect aspect) override;
@@ -74,6 +77,7 @@ protected:
     bool eventFilter(QObject* object, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -89,6 +93,7 @@ private:
     void takeWishedSize();
     void takeRememberedSize();
     void recordPlaces();
+    void fitOnScreen();
     void setFree();
     void moved(Control& control);
     bool pressed(Control& control);
@@ -104,6 +109,7 @@ private:
     Form* form_;
     QVBoxLayout* outer_ = nullptr;
     QWidget* content_ = nullptr;
+    ScrollRoom* room_ = nullptr; // around the content
     QLabel* status_ = nullptr;
     std::unique_ptr<MenuDrawing> menu_;
     std::vector<std::unique_ptr<Drawing>> drawings_;
@@ -116,6 +122,7 @@ private:
     QPointer<FormWindow> embeddedIn_;
     bool settled_ = false;
     bool opened_ = false;
+    bool fitting_ = false; // shown, and its frame not yet known
     bool freed_ = false;
     bool placing_ = false;
     bool focusing_ = false;

@@ -3,6 +3,7 @@
 #include "ui/qt/formwindow.h"
 #include "ui/qt/gridcell.h"
 #include "ui/qt/gridview.h"
+#include "ui/qt/screenroom.h"
 #include "ui/qt/tabset.h"
 #include "ui/qt/texts.h"
 
@@ -26,8 +27,9 @@ namespace {
 bool isThing(const QWidget& widget) {
     return dynamic_cast<const QLabel*>(&widget) != nullptr || dynamic_cast<const QAbstractButton*>(&widget) != nullptr ||
            dynamic_cast<const QLineEdit*>(&widget) != nullptr || dynamic_cast<const QComboBox*>(&widget) != nullptr ||
-           dynamic_cast<const QAbstractScrollArea*>(&widget) != nullptr || dynamic_cast<const QProgressBar*>(&widget) != nullptr ||
-           dynamic_cast<const QTabBar*>(&widget) != nullptr || dynamic_cast<const QMenuBar*>(&widget) != nullptr;
+           (dynamic_cast<const QAbstractScrollArea*>(&widget) != nullptr && dynamic_cast<const ScrollRoom*>(&widget) == nullptr) ||
+           dynamic_cast<const QProgressBar*>(&widget) != nullptr || dynamic_cast<const QTabBar*>(&widget) != nullptr ||
+           dynamic_cast<const QMenuBar*>(&widget) != nullptr;
 }
 
 // The texts, fields, buttons and lists that can be seen now, without their inner parts.
@@ -131,7 +133,9 @@ private:
     void lookAtPlaces(const std::vector<const QWidget*>& things) {
         for (std::size_t i = 0; i < things.size(); ++i) {
             const QRect place = placeOf(*things[i]);
-            for (const QWidget* around = things[i]->parentWidget(); around != nullptr && around != window_.parentWidget();
+            // What scrolls is cut off by its window, and reached all the same.
+            for (const QWidget* around = things[i]->parentWidget(); around != nullptr && around != window_.parentWidget() &&
+                                                                    dynamic_cast<const ScrollRoom*>(around->parentWidget()) == nullptr;
                  around = around->parentWidget())
                 if (!around->rect().contains(QRect(things[i]->mapTo(around, QPoint(0, 0)), things[i]->size()))) {
                     add(nameOf(*things[i]), "sticks out");
@@ -190,19 +194,23 @@ std::vector<Finding> inspect(FormWindow& window) {
     std::vector<Finding> findings;
     QCoreApplication::processEvents();
     Inspection inspection(window, findings);
-    inspection.look();
+    onEveryPage(window, [&] { inspection.look(); });
     if (window.form() != nullptr)
         inspection.lookAtTabOrder(*window.form());
+    return findings;
+}
+
+void onEveryPage(FormWindow& window, const std::function<void()>& call) {
+    call();
     for (const auto& drawing : window.drawings()) {
         auto* const pages = dynamic_cast<TurnsPages*>(drawing.get());
         for (int page = 0; pages != nullptr && page < pages->pages(); ++page) {
             pages->turnTo(page);
-            inspection.look();
+            call();
         }
         if (pages != nullptr)
             pages->turnBack();
     }
-    return findings;
 }
 
 std::string toText(const std::vector<Finding>& findings) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,9 @@ struct Finding {
 std::vector<Finding> inspect(QtDesk& desk, const Form& form);
 // The same for a window that no desk of its own holds, such as those of a script's forms.
 std::vector<Finding> inspect(FormWindow& window);
+
+// Calls with each page of each tab set of the window turned up, the current ones first, and turns back; once for a window without any.
+void onEveryPage(FormWindow& window, const std::function<void()>& call);
 
 // The findings as lines, for the message of a test.
 std::string toText(const std::vector<Finding>& findings);

@@ -17,9 +17,34 @@
 namespace merchantry::ui {
 namespace {
 
+// Where a window is too narrow for their words, the buttons show their icons alone.
+class Bar : public QWidget {
+public:
+    using QWidget::QWidget;
+    void add(QToolButton* button) {
+        worded_ += button->sizeHint().width();
+        button->setMinimumWidth(button->iconSize().width());
+        layout()->addWidget(button);
+        buttons_.push_back(button);
+    }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override {
+        QWidget::resizeEvent(event);
+        const QMargins edges = layout()->contentsMargins();
+        const int room = width() - edges.left() - edges.right() - layout()->spacing() * static_cast<int>(buttons_.size());
+        for (QToolButton* button : buttons_)
+            button->setToolButtonStyle(room < worded_ || button->text().isEmpty() ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextBesideIcon);
+    }
+
+private:
+    std::vector<QToolButton*> buttons_;
+    int worded_ = 0; // so wide with words
+};
+
 class ToolbarDrawing : public Drawing {
 public:
-    ToolbarDrawing(FormWindow& host, Toolbar& bar, QWidget* parent) : Drawing(host, bar, new QWidget(parent)), bar_(bar) {
+    ToolbarDrawing(FormWindow& host, Toolbar& bar, QWidget* parent) : Drawing(host, bar, new Bar(parent)), bar_(bar) {
         setLook(*widget_, "bar");
         widget_->setAttribute(Qt::WA_StyledBackground);
         widget_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -27,7 +52,7 @@ public:
         box->setContentsMargins(measure::kEdge - 10, 6, measure::kEdge - 10, 6);
         box->setSpacing(2);
         for (const ToolButton& button : bar.buttons())
-            box->addWidget(made(button));
+            static_cast<Bar*>(widget_)->add(made(button));
         box->addStretch(1);
     }
 

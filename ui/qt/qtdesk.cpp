@@ -145,15 +145,20 @@ FormWindow* QtDesk::window(const Form& form) const {
     return found == windows_.end() ? nullptr : found->second.data();
 }
 
-// The window that a new one stands over: that of the form on top but for the form itself.
+// The window that a new one stands over: that of the form on top but for the form itself. One that is not modal outlives those on top, and
+// would lose its place before the main window with them: it stands over the oldest, as long as no modal one is in between.
 QWidget* QtDesk::owner(const Form* form) const {
     const auto& open = openForms();
+    QWidget* found = nullptr;
     for (auto other = open.rbegin(); other != open.rend(); ++other) {
-        FormWindow* shown = *other == form || floating(**other) ? nullptr : window(**other);
-        if (shown != nullptr && shown->isVisible())
-            return shown;
+        FormWindow* const shown = *other == form || floating(**other) ? nullptr : window(**other);
+        if (shown == nullptr || !shown->isVisible())
+            continue;
+        found = shown;
+        if (form == nullptr || form->modal() || floating(*form) || (*other)->modal())
+            break;
     }
-    return nullptr;
+    return found;
 }
 
 void QtDesk::prepared(Form& form) {

@@ -1,5 +1,7 @@
 #include "ui/qt/texts.h"
 
+#include "ui/qt/screenroom.h"
+
 #include <QEvent>
 #include <QKeyEvent>
 #include <QKeySequence>
@@ -86,12 +88,12 @@ void standOver(QWidget& window, QWidget* owner) {
     if (window.layout() != nullptr)
         window.layout()->activate();
     const QSize size = window.testAttribute(Qt::WA_Resized) ? window.size() : window.sizeHint();
-    QRect place(QPoint(), size);
+    QRect place = QRect(QPoint(), size).marginsAdded(usualFrame());
     place.moveCenter(owner->window()->geometry().center());
     const QRect room = owner->screen()->availableGeometry();
-    place.moveLeft(std::clamp(place.left(), room.left(), std::max(room.left(), room.right() - place.width())));
-    place.moveTop(std::clamp(place.top(), room.top(), std::max(room.top(), room.bottom() - place.height())));
-    window.move(place.topLeft());
+    place.moveLeft(std::clamp(place.left(), room.left(), std::max(room.left(), room.right() + 1 - place.width())));
+    place.moveTop(std::clamp(place.top(), room.top(), std::max(room.top(), room.bottom() + 1 - place.height())));
+    window.setGeometry(place.marginsRemoved(usualFrame())); // the frame is not there yet
 }
 
 void onClosed(QWidget& window, std::function<void()> call) {

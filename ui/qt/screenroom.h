@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QMargins>
+#include <QScrollArea>
+
+namespace merchantry::ui {
+
+// The frame that the window manager draws around windows: as seen on a window that is shown, a usual one before any is.
+QMargins usualFrame();
+// The largest size of a window whose frame still stands inside the screen's free area.
+QSize roomOnScreen(const QWidget& window);
+// Shrinks and moves a shown window so that its frame stands inside the free area. Nothing happens to one that does already, or whose user
+// made it as large as the screen.
+void keepOnScreen(QWidget& window);
+
+// Holds a window's content at the size that it wants, and scrolls it where the screen has less room than it needs.
+class ScrollRoom : public QScrollArea {
+public:
+    // Takes the content over.
+    explicit ScrollRoom(QWidget* content, QWidget* parent);
+    QSize sizeHint() const override { return held(widget()->sizeHint()); }
+    QSize minimumSizeHint() const override { return held(widget()->minimumSizeHint()); }
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+private:
+    QSize held(QSize wish) const;
+    QSize room() const;
+};
+
+} // namespace merchantry::ui
