@@ -4,9 +4,17 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace merchantry {
+
+// What rows stand in the order of.
+struct RowOrder {
+    int column = 0; // from 0
+    bool descending = false;
+    bool operator==(const RowOrder&) const = default;
+};
 
 // A table that one can read and change, row by row: what a bound grid or list knows of a recordset, and nothing more.
 // Rows and columns count from 0. Changing members throw what the source throws (for the store, its database error);
@@ -19,6 +27,8 @@ public:
     virtual std::string columnName(int column) const = 0;
     virtual int rowCount() const = 0;
     virtual Value cell(int row, int column) const = 0;
+    // The first column that the rows were asked to be sorted by; nothing when they stand as they came.
+    virtual std::optional<RowOrder> sortedBy() const { return std::nullopt; }
     // The cell's text without making a Value; the reference holds until the next call.
     virtual std::string_view cellText(int row, int column) const = 0;
 

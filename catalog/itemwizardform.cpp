@@ -128,7 +128,10 @@ void ItemWizardForm::cmbFilterBy_Change() {
     const std::string sort = desk().remembered(name(), "sort");
     if (rows_ == nullptr || std::find(kColumns.begin(), kColumns.end(), sort) == kColumns.end())
         return;
-    guarded({kTag, "cmbFilterBy_Change"}, [&] { rows_->setSort(sort + " asc"); });
+    guarded({kTag, "cmbFilterBy_Change"}, [&] {
+        rows_->setSort(sort + " asc");
+        grdItems.setSorted(std::nullopt); // the rows tell it themselves now
+    });
 }
 
 void ItemWizardForm::grdItems_Click() {

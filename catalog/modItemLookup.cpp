@@ -129,6 +129,9 @@ void InitLookupGrid(db::RecordsetPtr& rows, const std::string& filterText, int f
     guarded({"MR_modItemLookup", "InitLookupGrid"}, [&] {
         rows = openDirect(lookupStatement(filterText, filterPosition, orderBy, sku), db::CursorType::Static, db::LockType::ReadOnly);
         grid.bind(rows.get());
+        for (int column = 0; column < rows->columnCount(); ++column)
+            if (rows->columnName(column) == (orderBy.empty() ? "SKU" : orderBy))
+                grid.setSorted(RowOrder{column});
     });
     grid.setHidden(0, filterText == "Parent");
     grid.setStatusText(countOfItems(grid.dataRows()));

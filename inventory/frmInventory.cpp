@@ -100,6 +100,7 @@ void frmInventory::Init_Grid(const std::string& sort) {
         release();
         rsInv = openDirect(list, db::CursorType::Static, db::LockType::ReadOnly);
         grdInv.bind(rsInv.get());
+        grdInv.setSorted(RowOrder{sort == "Item.Name" ? kName : sort == "Stock.MatrixSKU" ? kMatrixSku : kSku});
         showSums();
     });
 }

@@ -36,6 +36,7 @@ public:
     int rowCount() const override { return orders_->rowCount(); }
     Value cell(int row, int column) const override;
     std::string_view cellText(int row, int column) const override;
+    std::optional<RowOrder> sortedBy() const override { return orders_->sortedBy(); }
     bool canChange() const override { return false; }
     void setCell(int row, int column, const Value& value) override { orders_->setCell(row, column, value); }
     void addRow(const std::vector<Value>& cells) override { orders_->addRow(cells); }

@@ -85,6 +85,7 @@ void Grid::bind(Rows* rows) {
     bound_ = rows;
     cells_.clear();
     colors_.clear();
+    sorted_.reset();
     editing_ = false;
     if (bound_ != nullptr) {
         boundLives_ = bound_->lifetime();
@@ -101,6 +102,17 @@ void Grid::bind(Rows* rows) {
     changed(Aspect::Rows);
     if (afterRefresh)
         afterRefresh();
+}
+
+std::optional<RowOrder> Grid::sortedBy() const {
+    if (sorted_ || bound_ == nullptr || boundLives_.expired())
+        return sorted_;
+    return bound_->sortedBy();
+}
+
+void Grid::setSorted(std::optional<RowOrder> order) {
+    sorted_ = order;
+    changed(Aspect::Look);
 }
 
 int Grid::dataRows() const {

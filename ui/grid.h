@@ -65,6 +65,11 @@ public:
     void bind(Rows* rows);
     Rows* rows() const { return bound_; }
 
+    // What the heading marks as the order of the rows: what a screen said of rows that came sorted, or else what the bound rows say.
+    std::optional<RowOrder> sortedBy() const;
+    // Until the grid is bound anew; nothing takes it back.
+    void setSorted(std::optional<RowOrder> order);
+
     // Content. The data rows shown, and the cells as shown and as they are.
     int dataRows() const;
     std::string text(int row, int column) const;
@@ -146,6 +151,7 @@ private:
     std::vector<GridColumn> columns_;
     std::vector<std::vector<std::string>> cells_; // unbound texts, row 1 first
     Rows* bound_ = nullptr;
+    std::optional<RowOrder> sorted_; // as a screen said
     std::weak_ptr<const void> boundLives_;
     int listener_ = 0;
     std::map<std::pair<int, int>, Color> colors_;

@@ -139,6 +139,16 @@ void GridHeading::paintEvent(QPaintEvent* event) {
     below.drawLine(viewport()->rect().bottomLeft(), viewport()->rect().bottomRight());
 }
 
+// In the margin, so that no heading needs more room: up when the smallest stands first.
+void GridHeading::paintArrow(QPainter& painter, const QRect& where, bool down) const {
+    const QPointF middle = QRectF(where).center();
+    const double tip = down ? 2.5 : -2.5;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(host_.skin().tokens().accent);
+    painter.drawPolygon(
+        QPolygonF{{middle.x() - 3.5, middle.y() - tip}, {middle.x() + 3.5, middle.y() - tip}, {middle.x(), middle.y() + tip}});
+}
+
 void GridHeading::paintSection(QPainter* painter, const QRect& rect, int section) const {
     if (host_.form() == nullptr || section >= grid_.columnCount())
         return;
@@ -149,6 +159,11 @@ void GridHeading::paintSection(QPainter* painter, const QRect& rect, int section
     painter->setFont(host_.skin().strong());
     painter->setPen(t.dim);
     const QRect where = rect.adjusted(kCellMargin, 0, -kCellMargin, -1);
+    if (const auto order = grid_.sortedBy(); order && order->column == section)
+        paintArrow(*painter,
+                   QRect(side == Qt::AlignRight ? rect.left() : rect.right() - kCellMargin, rect.top(), kCellMargin, rect.height()),
+                   order->descending);
+    painter->setPen(t.dim);
     painter->drawText(where, side | Qt::AlignVCenter | Qt::TextSingleLine,
                       painter->fontMetrics().elidedText(toQt(grid_.text(0, section)), Qt::ElideRight, where.width()));
     if (rect.right() >= viewport()->width() - 2)

@@ -34,6 +34,8 @@ protected:
     QSize sizeHint() const override;
 
 private:
+    void paintArrow(QPainter& painter, const QRect& where, bool down) const;
+
     FormWindow& host_;
     const Grid& grid_;
 };

@@ -4,6 +4,7 @@
 #include "app/db/ado/sort.h"
 #include "app/db/ado/writeback.h"
 #include "base/guard.h"
+#include "base/text.h"
 
 #include <algorithm>
 #include <numeric>
@@ -273,6 +274,13 @@ void Recordset::setSort(const std::string& sort) {
     arrange();
     position_ = 0;
     notify();
+}
+
+std::optional<RowOrder> Recordset::sortedBy() const {
+    if (store_ == nullptr || trimmed(sortText_).empty())
+        return std::nullopt;
+    const SortField first = parseSort(sortText_, *store_).front();
+    return RowOrder{first.column, first.descending};
 }
 
 int Recordset::columnCount() const {

@@ -99,6 +99,7 @@ public:
     int rowCount() const override { return RecordCount(); }
     Value cell(int row, int column) const override;
     std::string_view cellText(int row, int column) const override;
+    std::optional<RowOrder> sortedBy() const override;
     bool canChange() const override { return lock_ == LockType::Optimistic || lock_ == LockType::Pessimistic; }
     void setCell(int row, int column, const Value& value) override;
     void addRow(const std::vector<Value>& cells) override;

@@ -167,7 +167,9 @@ TEST_F(Recordsets, FilterSortAndFindTouchNoRow) {
     const auto rows = open("SELECT SKU, MatrixSKU, Name, Price FROM Thing");
     rows->setFilter("SKU like '%b%'");
     EXPECT_EQ(rows->RecordCount(), 2);
+    EXPECT_EQ(rows->sortedBy(), std::nullopt);
     rows->setSort("MatrixSKU DESC");
+    EXPECT_EQ(rows->sortedBy(), (RowOrder{1, true}));
     EXPECT_EQ((*rows)["MatrixSKU"].text(), "c");
     EXPECT_EQ(hresultOf([&] { rows->setFilter("SKU like 'x"); }), kInvalidArgument);
     EXPECT_EQ(rows->RecordCount(), 2);
