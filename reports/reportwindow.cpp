@@ -104,7 +104,8 @@ ReportWindow::ReportWindow(Desk& desk, std::string name, std::string caption) : 
     onKey("Ctrl+End", [this] { imgLast.press(); });
     onKey("Ctrl+Up", [this] { CRViewer1.turnToGroup(true); });
     onKey("Ctrl+Down", [this] { CRViewer1.turnToGroup(false); });
-    onKey("Ctrl++", [this] { zoomStep(1); });
+    for (const char* const plus : {"Ctrl++", "Ctrl+="}) // the same key where "+" needs Shift
+        onKey(plus, [this] { zoomStep(1); });
     onKey("Ctrl+-", [this] { zoomStep(-1); });
 
     setLayout(column({

@@ -83,8 +83,10 @@ public:
 
     // Why the user could not use the control now: "hidden", "on another page", "disabled"; empty when nothing is in the way.
     virtual std::string obstacle() const;
-    // Whether Tab can stop here.
+    // Whether the focus can stand here, by a click or by program.
     virtual bool takesFocus() const { return false; }
+    // Whether Tab stops here: a locked field is passed over.
+    virtual bool tabStop() const { return takesFocus(); }
     void setFocus();
 
     std::string tag;       // words for Resizer: "Top", "Left", "Width", "Height"

@@ -43,7 +43,7 @@ void Desk::present(Form& form, bool modal) {
     giveKeyboard(form);
     form.activate();
     if (!form.closed() && form.focused() == nullptr)
-        form.focusNext();
+        form.focusFirst();
 }
 
 void Desk::show(Form& form) {
@@ -147,6 +147,13 @@ const TextMeasure& Desk::textMeasure() const {
 bool Desk::waitForStore(std::chrono::milliseconds waited) {
     constexpr std::chrono::seconds kLongest{20};
     return waited < kLongest;
+}
+
+void Desk::showHelp(const Form& form) {
+    const std::filesystem::path folder = programFolder() / "help";
+    const std::filesystem::path own = folder / (form.name() + ".htm");
+    std::error_code unknown;
+    browse((std::filesystem::exists(own, unknown) ? own : folder / "Cover2.htm").string());
 }
 
 std::filesystem::path Desk::programFolder() const {

@@ -125,6 +125,8 @@ public:
     virtual void yield() = 0;
     // Opens a page of the web or a file of help in the browser; `topic` is shown as it is written.
     virtual void browse(const std::string& topic) = 0;
+    // Opens the help page of the form, or the first one where it has none of its own.
+    void showHelp(const Form& form);
     virtual void copyText(const std::string& text) = 0;
     // A table for the clipboard: the text with tabs between cells, and the same as HTML where something takes that.
     virtual void copyTable(const std::string& text, const std::string& /*html*/) { copyText(text); }

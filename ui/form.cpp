@@ -45,6 +45,18 @@ template <class Wanted> Button* findButton(const std::vector<Control*>& controls
     return nullptr;
 }
 
+bool isField(const Control* control) {
+    const Role role = control->role();
+    return role == Role::TextBox || role == Role::ListBox || role == Role::ComboBox || role == Role::Grid;
+}
+
+bool standsOn(const Control& container, const Control& control) {
+    const Control* around = control.container();
+    while (around != nullptr && around != &container)
+        around = around->container();
+    return around != nullptr;
+}
+
 } // namespace
 
 Form::Form(Desk& desk, std::string name, std::string caption) : desk_(desk), name_(std::move(name)), caption_(std::move(caption)) {}
@@ -154,9 +166,32 @@ void Form::focusBack() {
         focused_->gotFocus();
 }
 
-void Form::focusNext(bool backwards) {
+// What Tab can stop at now, in order.
+std::vector<Control*> Form::tabStops() const {
     std::vector<Control*> order = tabOrder();
-    std::erase_if(order, [](Control* control) { return !control->takesFocus() || !control->obstacle().empty(); });
+    std::erase_if(order, [](Control* control) { return !control->tabStop() || !control->obstacle().empty(); });
+    return order;
+}
+
+void Form::focusFirst() {
+    const std::vector<Control*> order = tabStops();
+    const auto first = std::find_if(order.begin(), order.end(), isField);
+    if (first != order.end())
+        focus(*first);
+    else
+        focusNext();
+}
+
+void Form::focusFirstOn(const Control& tabs) {
+    for (Control* control : tabStops())
+        if (isField(control) && standsOn(tabs, *control)) {
+            focus(control);
+            return;
+        }
+}
+
+void Form::focusNext(bool backwards) {
+    std::vector<Control*> order = tabStops();
     if (order.empty()) {
         focus(nullptr);
         return;

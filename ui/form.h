@@ -62,6 +62,10 @@ public:
     bool focus(Control* control);
     // To the next control of the tab order that can take it.
     void focusNext(bool backwards = false);
+    // Where a user begins: the first field, list or grid of the tab order, or else what Tab reaches first.
+    void focusFirst();
+    // To that of the page of the tab set that is turned up, as far as it has one.
+    void focusFirstOn(const Control& tabs);
 
     // A key that works anywhere on the form, whatever has the focus ("F1"). False when the form has no use for it.
     bool takesKey(const std::string& key) const { return keys_.contains(key); }
@@ -110,6 +114,7 @@ private:
     friend class Control;
     void add(Control& control);
     void remove(Control& control);
+    std::vector<Control*> tabStops() const;
 
     Desk& desk_;
     std::string name_;

@@ -104,6 +104,39 @@ bool useGrid(Grid& grid, const std::string& name) {
     return false;
 }
 
+// The tab set around what has the focus, or else the first that can be used.
+TabSet* tabsInUse(const Form& form) {
+    for (Control* around = form.focused(); around != nullptr; around = around->container())
+        if (auto* tabs = dynamic_cast<TabSet*>(around))
+            return tabs;
+    for (Control* control : form.controls())
+        if (auto* tabs = dynamic_cast<TabSet*>(control); tabs != nullptr && tabs->obstacle().empty())
+            return tabs;
+    return nullptr;
+}
+
+// To the next page or the one before, round about; the focus goes to its first field.
+bool turnPage(Form& form, int step) {
+    TabSet* const tabs = tabsInUse(form);
+    if (tabs == nullptr || tabs->count() == 0)
+        return false;
+    if (turn(*tabs, (tabs->current() + step + tabs->count()) % tabs->count()).empty() && form.focused() == tabs)
+        form.focusFirstOn(*tabs);
+    return true;
+}
+
+// Keys that lead elsewhere: to the help, to another page.
+bool leads(Form& form, const std::string& name) {
+    if (name == "Ctrl+Tab" || name == "Ctrl+PageDown")
+        return turnPage(form, 1);
+    if (name == "Ctrl+Shift+Tab" || name == "Ctrl+PageUp")
+        return turnPage(form, -1);
+    if (name != "F1" && name != "Shift+F1")
+        return false;
+    form.desk().showHelp(form);
+    return true;
+}
+
 template <class C, class Act> std::string use(C& control, Act act) {
     if (std::string why = enter(control); !why.empty())
         return why;
@@ -308,7 +341,7 @@ bool key(Form& form, const std::string& name) {
         if (swallow)
             return true;
     }
-    if (box != nullptr && editText(*box, name))
+    if (leads(form, name) || (box != nullptr && editText(*box, name)))
         return true;
     if (auto* grid = dynamic_cast<Grid*>(form.focused()); grid != nullptr && useGrid(*grid, name))
         return true;

@@ -43,8 +43,9 @@ std::string doubleClick(Grid& grid, int row, int column);
 std::string chooseUse(Grid& grid, const std::string& caption);
 // Begins the edit, types, commits. A refused edit is no obstacle: the grid's procedures have spoken.
 std::string edit(Grid& grid, int row, int column, const std::string& text);
-// Enter, Escape, Tab and Alt+letter do on a form what a user expects, Space clicks what has the focus, Ctrl+A, Ctrl+C and Delete work in a
-// box or on a cell; false when the key means nothing there.
+// F1 and Shift+F1 open the form's help, Ctrl+Tab and Ctrl+PageDown turn pages, with Shift and Ctrl+PageUp backwards. Enter, Escape, Tab and
+// Alt+letter do on a form what a user expects, Space clicks what has the focus, Ctrl+A, Ctrl+C and Delete work in a box or on a cell; false
+// when the key means nothing there.
 bool key(Form& form, const std::string& key);
 // By the close box or Escape's button.
 std::string close(Form& form);

@@ -51,6 +51,7 @@ public:
     ComboBox(Form& form, std::string name) : Control(form, std::move(name)) {}
     Role role() const override { return Role::ComboBox; }
     bool takesFocus() const override { return true; }
+    bool tabStop() const override { return !locked_; }
 
     const std::vector<ListEntry>& entries() const { return entries_; }
     int count() const { return static_cast<int>(entries_.size()); }

@@ -12,6 +12,7 @@ public:
     TextBox(Form& form, std::string name) : Control(form, std::move(name)) {}
     Role role() const override { return Role::TextBox; }
     bool takesFocus() const override { return true; }
+    bool tabStop() const override { return !locked_; }
 
     const std::string& text() const { return text_; }
     // What a window shows: for money the amount in the form "$#,##0.00;($#,##0.00)" while the field does not have the focus, otherwise

@@ -1,7 +1,10 @@
+#include "programs/screens.h"
 #include "tests/programs/formstage.h"
 #include "ui/qt/inspect.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 namespace merchantry::programs {
 namespace {
@@ -30,6 +33,11 @@ class InspectingStage : public FormStage {
 TEST(Windows, EveryFormStandsWellAtEverySize) {
     InspectingStage stage;
     EXPECT_EQ(playEveryForm(stage), "");
+}
+
+TEST(Windows, EveryFormHasItsPageOfHelp) {
+    for (const Screen& screen : screens())
+        EXPECT_TRUE(std::filesystem::exists("help/" + std::string(screen.name) + ".htm")) << screen.name;
 }
 
 } // namespace merchantry::programs

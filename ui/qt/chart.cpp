@@ -209,7 +209,7 @@ protected:
         for (const ChartSeries& one : chart_.series())
             if (const ChartPoint* point = Chart::at(one, x))
                 lines << toQt(one.name + ": " + chart_.wordsY(point->y));
-        QToolTip::showText(help->globalPos(), lines.join(QLatin1Char('\n')), this);
+        QToolTip::showText(help->globalPos(), plainTip(lines.join(QLatin1Char('\n'))), this);
         return true;
     }
 

@@ -25,7 +25,7 @@ void Drawing::wish(int characters, int lines) {
 void Drawing::refreshCommon() {
     if (widget_->isEnabled() != control_.enabled())
         widget_->setEnabled(control_.enabled());
-    widget_->setToolTip(toQt(control_.toolTip()));
+    widget_->setToolTip(plainTip(toQt(control_.toolTip())));
     if (widget_->isVisibleTo(widget_->parentWidget()) != control_.visible())
         widget_->setVisible(control_.visible());
     if (companion_ != nullptr) {

@@ -22,6 +22,7 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include <set>
 #include <utility>
 
 namespace merchantry::ui {
@@ -30,6 +31,9 @@ namespace {
 constexpr int kNarrowest = 300;
 constexpr int kMark = 144;
 constexpr auto kFramed = std::chrono::milliseconds(100); // until a window manager has told of the frame around an active window
+// Keys that are the form's wherever the focus stands.
+const std::set<std::string_view> kSteering{"Tab",      "Shift+Tab",      "Enter",         "Escape",      "F1",
+                                           "Shift+F1", "Ctrl+Shift+Tab", "Ctrl+PageDown", "Ctrl+PageUp", "Ctrl+Tab"};
 constexpr QSize kRoomy(920, 620);
 
 // A widget that is not shown yet would lay out what it holds only when it is.
@@ -103,6 +107,7 @@ void FormWindow::build() {
     if (menu_ != nullptr) {
         status_ = new QLabel(this);
         status_->setProperty("look", "status");
+        status_->setTextFormat(Qt::PlainText);
         status_->setIndent(0);
         status_->setContentsMargins(measure::kEdge, 6, measure::kEdge, 6);
         status_->setAttribute(Qt::WA_StyledBackground);
@@ -365,8 +370,7 @@ void FormWindow::arrived(Control& control) {
 bool FormWindow::keyed(Control* control, QKeyEvent& event) {
     const std::string name = keyName(event);
     auto* box = dynamic_cast<TextBox*>(control);
-    const bool steers =
-        name == "Tab" || name == "Shift+Tab" || name == "Enter" || name == "Escape" || (form_ != nullptr && form_->takesKey(name));
+    const bool steers = kSteering.contains(name) || (form_ != nullptr && form_->takesKey(name));
     const bool newLine = name == "Enter" && box != nullptr && box->multiline && !box->locked();
     if (form_ == nullptr || (embeddedIn_ != nullptr && !steers && passedToOwner(event, name)))
         return form_ != nullptr;
@@ -432,7 +436,7 @@ bool FormWindow::typeIntoPanel(const QString& text) {
 }
 
 void FormWindow::keyPressEvent(QKeyEvent* event) {
-    if (form_ == nullptr || focusWidget() != this || !keyed(nullptr, *event))
+    if (form_ == nullptr || (focusWidget() != nullptr && focusWidget() != this) || !keyed(nullptr, *event))
         QWidget::keyPressEvent(event);
 }
 

@@ -65,6 +65,7 @@ GroupPanel::GroupPanel(QWidget* parent) : QWidget(parent), heading_(new QLabel(t
     box->setSpacing(measure::kRelated);
     box->addWidget(heading_);
     box->addWidget(body_, 1);
+    heading_->setTextFormat(Qt::PlainText);
     setLook(*heading_, "heading");
     heading_->hide();
 }

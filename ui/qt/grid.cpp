@@ -6,6 +6,7 @@
 #include "ui/qt/roles.h"
 #include "ui/qt/texts.h"
 
+#include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
 #include <QTimer>
@@ -39,9 +40,14 @@ public:
         box->addWidget(view_, 1);
         box->addWidget(status_);
         setLook(*status_, "gridstatus");
+        status_->setTextFormat(Qt::PlainText);
         status_->setAttribute(Qt::WA_StyledBackground);
         status_->setIndent(0);
         status_->setContentsMargins(10, 4, 10, 5);
+        view_->onFocus = [this](bool on) {
+            widget_->setProperty("current", on);
+            setLook(*widget_, "panel");
+        };
         widget_->setMinimumHeight(kAround + kFewestRows * measure::kRow);
     }
 
@@ -70,6 +76,7 @@ public:
         case Aspect::Look:
             showStatus();
             view_->viewport()->update();
+            view_->horizontalHeader()->viewport()->update();
             break;
         default:
             break;

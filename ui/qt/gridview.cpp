@@ -82,6 +82,7 @@ void GridView::reload() {
     });
     layingOut_ = false;
     viewport()->update();
+    horizontalHeader()->viewport()->update();
 }
 
 void GridView::follow() {
@@ -233,6 +234,11 @@ void GridView::paintEvent(QPaintEvent* event) {
     if (host_.form() == nullptr || model_->rowCount() > 0)
         return;
     QPainter painter(viewport());
+    if (hasFocus()) { // no cell shows it
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(host_.skin().tokens().accent, 1.5));
+        painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(1.5, 1.5, -1.5, -1.5), 4, 4);
+    }
     painter.setPen(host_.skin().tokens().dim);
     const QString words = grid_.emptyText.empty() ? QStringLiteral("Nothing listed") : toQt(grid_.emptyText);
     painter.drawText(viewport()->rect().adjusted(24, 0, -24, 0), Qt::AlignCenter | Qt::TextWordWrap, words);
@@ -241,11 +247,13 @@ void GridView::paintEvent(QPaintEvent* event) {
 void GridView::focusInEvent(QFocusEvent* event) {
     QTableView::focusInEvent(event);
     viewport()->update();
+    onFocus(true);
 }
 
 void GridView::focusOutEvent(QFocusEvent* event) {
     QTableView::focusOutEvent(event);
     viewport()->update();
+    onFocus(false);
 }
 
 // A cell whose text does not fit tells all of it as its tip.
@@ -257,9 +265,9 @@ bool GridView::viewportEvent(QEvent* event) {
         host_.read([&] { text = at.isValid() ? toQt(grid_.text(at.row() + 1, at.column())) : QString(); });
         const bool bar = at.isValid() && grid_.column(at.column()).format == GridColumn::Format::Bar;
         if (bar || (at.isValid() && Skin::figuresWidth(fontMetrics(), text) > columnWidth(at.column()) - 2 * kCellMargin))
-            QToolTip::showText(help->globalPos(), text, this);
+            QToolTip::showText(help->globalPos(), plainTip(text), this);
         else
-            QToolTip::showText(help->globalPos(), toQt(grid_.toolTip()), this);
+            QToolTip::showText(help->globalPos(), plainTip(toQt(grid_.toolTip())), this);
         return true;
     }
     return QTableView::viewportEvent(event);

@@ -29,6 +29,8 @@ public:
     int wishedWidth() const;
     int rowHeight() const;
 
+    std::function<void(bool on)> onFocus; // the keyboard came, or went
+
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;

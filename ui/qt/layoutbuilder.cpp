@@ -175,6 +175,7 @@ LayoutBuilder::Piece LayoutBuilder::control(const Item& item) {
 
 QLabel* LayoutBuilder::caption(const std::string& text, Drawing* of) {
     auto* label = new QLabel(toQt(text), parent_);
+    label->setTextFormat(Qt::PlainText);
     setLook(*label, "caption");
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     if (of != nullptr) {

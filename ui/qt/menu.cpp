@@ -67,7 +67,7 @@ private:
     QToolButton* made(const ToolButton& button) {
         auto* tool = new QToolButton(widget_);
         tool->setText(QLatin1Char(' ') + toQt(button.caption)); // a little room behind the icon
-        tool->setToolTip(toQt(button.toolTip));
+        tool->setToolTip(plainTip(toQt(button.toolTip)));
         tool->setIconSize(QSize(measure::kIcon, measure::kIcon));
         tool->setToolButtonStyle(button.caption.empty() ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextBesideIcon);
         tool->setFocusPolicy(Qt::NoFocus);

@@ -7,6 +7,7 @@
 #include <QKeySequence>
 #include <QLayout>
 #include <QScreen>
+#include <QTextDocument>
 #include <QWidget>
 #include <QWindow>
 
@@ -41,6 +42,10 @@ QStringList fileFilters(const std::string& filter) {
     return filters.isEmpty() ? QStringList{QStringLiteral("All files (*)")} : filters;
 }
 
+QString plainTip(const QString& text) {
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
+}
+
 std::string keyName(const QKeyEvent& event) {
     static const std::map<int, const char*> kNames = {
         {Qt::Key_Return, "Enter"},  {Qt::Key_Enter, "Enter"},       {Qt::Key_Escape, "Escape"},
@@ -54,8 +59,9 @@ std::string keyName(const QKeyEvent& event) {
     const auto named = kNames.find(key);
     std::string name = named != kNames.end() ? named->second : fromQt(QKeySequence(key).toString(QKeySequence::PortableText));
     const Qt::KeyboardModifiers held = event.modifiers();
-    const bool letter = key < 0x100;
-    if ((held & Qt::ShiftModifier) && (!letter || (held & (Qt::ControlModifier | Qt::AltModifier))))
+    const bool letter = (key >= Qt::Key_A && key <= Qt::Key_Z) || key == Qt::Key_Space;
+    const bool sign = key < 0x100 && !letter; // Shift is a part of how it is typed, and not told
+    if (!sign && (held & Qt::ShiftModifier) && (!letter || (held & (Qt::ControlModifier | Qt::AltModifier))))
         name = "Shift+" + name;
     if (held & Qt::AltModifier)
         name = "Alt+" + name;

@@ -21,6 +21,8 @@ inline std::string fromQt(const QString& text) {
 
 // "Report Files (*.rpt)|*.rpt" as the file dialogue takes it: one entry a pair.
 QStringList fileFilters(const std::string& filter);
+// A text as a tool tip shows it to the letter: one that looks like mark-up is not taken for it.
+QString plainTip(const QString& text);
 // A key as screens and plays name it: "Enter", "Escape", "Shift+Tab", "F1", "Ctrl+C", a character as itself; empty for a bare modifier.
 std::string keyName(const QKeyEvent& event);
 // A typed text laid into a mask such as "(###) ###-####": its digits in the places of #, the mask's own characters between them.

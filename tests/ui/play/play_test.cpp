@@ -76,6 +76,11 @@ TEST(Play, WhatHolds) {
         "key Tab\nexpect focus txtPhone\nkey Alt+A\nexpect chkActive on",
         "type txtName \"abc\"\nkey Ctrl+A\nexpect selection txtName \"abc\"\nkey Ctrl+C\nexpect clipboard \"abc\"\nkey Delete\nexpect "
         "txtName \"\"\nrow grdItems 2 1\nkey Ctrl+C\nexpect clipboard \"Candle\"",
+        "key F1\nexpect browsed like \"%Cover2.htm\"\nexpect form frmShop",
+        "key Ctrl+Tab\nexpect page tabPages \"Notes\"\nkey Ctrl+Shift+Tab\nexpect page tabPages \"&General\"\nkey Ctrl+PageUp\nexpect page "
+        "tabPages \"Notes\"\nkey Ctrl+PageDown\nexpect page tabPages \"&General\"",
+        // Tab passes over a locked field
+        "click txtShort\nkey Tab\nexpect focus chkActive\nkey Shift+Tab\nexpect focus txtShort",
         "expect no file \"there-is-no-such-file.txt\"\nexpect open frmShop\nexpect closed frmDialog\nexpect form frmShop",
         // a floating panel leaves the list on top, and its controls are found
         "type txtName \"x\"\nclick cmdPanel\nexpect form frmShop\ntype txtText \"find\"\nexpect focus txtText\nclick txtName\nexpect focus "
