@@ -66,7 +66,7 @@ struct Prefix {
             } else if (text[at] == '.' && !point) {
                 point = true;
                 digits += '.';
-            } else if (text[at] == ',' && at > 0 && isDigit(text[at - 1]) && at + 1 < text.size() && isDigit(text[at + 1])) {
+            } else if (text[at] == ',' && at + 1 < text.size() && isDigit(text[at + 1])) {
                 badComma = point || !groupsThousands(text, at);
                 if (badComma)
                     return;

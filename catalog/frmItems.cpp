@@ -169,7 +169,7 @@ bool frmItems::writeField(const std::string& procedure, const std::string& colum
     return written;
 }
 
-// Boxes and lists show again what the store holds.
+// Boxes, lists and figures show again what the store holds; words stay as they were typed, for another try.
 void frmItems::showStored(const std::string& column) {
     const db::RecordsetPtr item = modMain().ItemRecordset;
     if (item == nullptr || !item->onRow())
@@ -182,6 +182,10 @@ void frmItems::showStored(const std::string& column) {
          {std::pair{"DepartmentID", &lbxDepartment}, std::pair{"TaxID", &lbxTaxClass}, std::pair{"TypeID", &lbxType}})
         if (column == name)
             list->setListIndex(positionOfKey(*list, (*item)[column].Value().toInteger()));
+    for (const auto& [name, box] :
+         {std::pair{"Reorder", &txtReorder}, std::pair{"Restock", &txtRestock}, std::pair{"TagAlongQty", &txtTagAlongQty}})
+        if (column == name)
+            box->setText((*item)[column].text());
 }
 
 bool frmItems::writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set) {
@@ -277,7 +281,7 @@ void frmItems::txtPriceAmt_LostFocus() {
         guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] { showPrice(); });
         return;
     }
-    guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] {
+    const bool written = guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] {
         modMain().Conn->Execute(Sql("UPDATE PriceMatrix SET Price = ") + numericPrefix(txtPriceAmt.text()) + " WHERE SKU ='" +
                                 modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU +
                                 "' AND Tier = 1 AND (Quantity = 1 Or Quantity = 0)");
@@ -286,6 +290,8 @@ void frmItems::txtPriceAmt_LostFocus() {
         lblSupRetailPrice.setCaption("$" + txtPriceAmt.text());
         reloadPrices(lbxTier.listIndex() + 1);
     });
+    if (!written)
+        guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] { showPrice(); });
     panel.pricesChanged();
 }
 
@@ -294,7 +300,7 @@ void frmItems::showStoredPrice() {
     const std::string typed = txtPriceAmt.text();
     showPrice();
     const bool plain = !typed.empty() && typed.find_first_not_of("0123456789.-") == std::string::npos;
-    if (plain && amountOf(typed) == amountOf(txtPriceAmt.text()))
+    if (plain && numericPrefix(typed) == numericPrefix(txtPriceAmt.text()))
         txtPriceAmt.setText(typed);
 }
 

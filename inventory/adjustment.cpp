@@ -11,7 +11,7 @@ namespace merchantry::inventory {
 
 namespace {
 
-constexpr const char* kMovements[] = {"Sale", "Return", "Receipt", "Cancel"}; // what registers and orders write as a row's Type
+constexpr const char* kMovements[] = {"Sale", "Return", "Receipt", "Cancel", "Opening Stock"}; // of registers, orders and the first load
 
 } // namespace
 

@@ -148,7 +148,8 @@ void frmPOCancel::cmdOK_Click() {
         desk().message("No item is being canceled.", kPostingTitle);
         return;
     }
-    post();
+    if (!postedUnlessBusy(desk(), [this] { post(); }))
+        return;
     modMain().doors.OrderReport(kCancelReport, std::to_string(PONumberToPOID(PONumber)), std::to_string(CancelNumber_));
     DialogResult = true;
     unload();

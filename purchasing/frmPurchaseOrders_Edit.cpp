@@ -344,8 +344,11 @@ void frmPurchaseOrders_Edit::cmdOK_Click() {
         desk().message("No items found in the purchase order.", kProduct);
         return;
     }
-    if (!ReadOnly)
+    if (!ReadOnly) {
         SavePO();
+        if (gaveUp_)
+            return;
+    }
     MemorizePO();
     DialogResult = true;
     hide();

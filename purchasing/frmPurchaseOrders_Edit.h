@@ -64,6 +64,7 @@ private:
     bool takeCell(Line& line, int column, const std::string& text) const;
     void cmdOK_Click();
     void SavePO();
+    void writeOrder();
     bool saveLine(const Line& line, std::int32_t poid) const;
     void closeIfDone(std::int32_t number) const;
     void MemorizePO();
@@ -85,6 +86,7 @@ private:
     std::string supplierName_;
     SupplierPrice price_;
     std::string oldText_;  // of the cell that is being edited
+    bool gaveUp_ = false;  // the last save met another writer, and the user did not wait for it: nothing was written
     bool unsaved_ = false; // something was changed since the last save
     bool activated_ = false;
 };

@@ -24,30 +24,40 @@ std::int32_t numberFrom(const Sql& statement, const std::string& column) {
 } // namespace
 
 void frmPurchaseOrders_Edit::SavePO() {
+    gaveUp_ = false;
     guarded({kTag, "SavePO"}, [this] {
-        const ui::Waiting hourglass(desk());
-        db::Transaction transaction(modMain().Conn);
-        const bool isNew = PONumber == kNewOrder;
-        const std::int32_t poid =
-            isNew ? numberFrom(Sql("sp_InsertPOHeader ") + int{SupplierID}, "POID") : numberFrom(Sql("sp_GetPOID ") + PONumber, "POID");
-        std::vector<bool> entered;
-        for (const Line& line : lines_)
-            entered.push_back(saveLine(line, poid));
-        const std::int32_t number = isNew ? numberFrom(Sql("sp_UpdatePONumber ") + poid, "PONumber") : PONumber;
-        closeIfDone(number);
-        transaction.commit();
-        PONumber = number;
-        unsaved_ = false;
-        if (isNew)
-            showHeading();
-        // A line that was taken off is written once: if its item was added again, the next save must not take that off. One that the store
-        // dropped, of quantity 0, is still to be added.
-        for (std::size_t i = 0; i < lines_.size(); ++i) {
-            lines_[i].InDatabase = !lines_[i].Deleted && entered[i];
-            lines_[i].Changed = false;
+        try {
+            writeOrder();
+        } catch (const db::DbError& error) {
+            gaveUp_ = error.category() == db::DbError::Category::Busy;
+            throw;
         }
-        showTotal();
     });
+}
+
+void frmPurchaseOrders_Edit::writeOrder() {
+    const ui::Waiting hourglass(desk());
+    db::Transaction transaction(modMain().Conn);
+    const bool isNew = PONumber == kNewOrder;
+    const std::int32_t poid =
+        isNew ? numberFrom(Sql("sp_InsertPOHeader ") + int{SupplierID}, "POID") : numberFrom(Sql("sp_GetPOID ") + PONumber, "POID");
+    std::vector<bool> entered;
+    for (const Line& line : lines_)
+        entered.push_back(saveLine(line, poid));
+    const std::int32_t number = isNew ? numberFrom(Sql("sp_UpdatePONumber ") + poid, "PONumber") : PONumber;
+    closeIfDone(number);
+    transaction.commit();
+    PONumber = number;
+    unsaved_ = false;
+    if (isNew)
+        showHeading();
+    // A line that was taken off is written once: if its item was added again, the next save must not take that off. One that the store
+    // dropped, of quantity 0, is still to be added.
+    for (std::size_t i = 0; i < lines_.size(); ++i) {
+        lines_[i].InDatabase = !lines_[i].Deleted && entered[i];
+        lines_[i].Changed = false;
+    }
+    showTotal();
 }
 
 // An order of which nothing is open any more is closed: what was edited may have come in or been given up meanwhile.

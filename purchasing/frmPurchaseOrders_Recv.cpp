@@ -376,7 +376,8 @@ void frmPurchaseOrders_Recv::cmdOK_Click() {
         return;
     }
     spreadOver(lines_, Subtotal_, OtherCost_);
-    ReceiptNumber_ = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_);
+    if (!postedUnlessBusy(desk(), [this] { ReceiptNumber_ = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_); }))
+        return;
     MemorizePO();
     if (chkPrintLabels.value())
         printLabels();

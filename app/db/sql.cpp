@@ -2,6 +2,7 @@
 
 #include "app/db/dberror.h"
 #include "app/db/tsql/token.h"
+#include "base/text.h"
 #include "base/value.h"
 
 namespace merchantry::db {
@@ -67,7 +68,7 @@ Sql& Sql::addBare(const std::string& value) {
     const bool isComment = bareBegin_ > 0 && text_[bareBegin_ - 1] == '-' && !value.empty() && value.front() == '-';
     text_ += value;
     bareEnd_ = text_.size();
-    const std::string_view bare = std::string_view(text_).substr(bareBegin_);
+    const std::string_view bare = trimmed(std::string_view(text_).substr(bareBegin_));
     if (badNumber_ != 0 || bare.empty() || (tsql::isOneValue(bare) && !isComment))
         return *this;
     badNear_ = tsql::firstToken(bare);

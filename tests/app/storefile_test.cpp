@@ -110,6 +110,23 @@ TEST_F(StoreFiles, AreCheckedForChangedAndDamagedTexts) {
     EXPECT_NE(found.front().find("The text of the procedure OfTheShop in the store is damaged: "), std::string::npos) << found.front();
 }
 
+TEST_F(StoreFiles, AreCheckedForReferencesToTablesThatAreNotThere) {
+    makeStore();
+    std::string bytes;
+    {
+        std::ifstream stream(file, std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(stream), {});
+    }
+    const std::string reference = "REFERENCES \"PurchaseOrder\"(\"POID\")";
+    std::size_t at = bytes.find(reference);
+    ASSERT_NE(at, std::string::npos);
+    bytes[at + reference.find("r\"(")] = 'Z';
+    std::ofstream(file, std::ios::binary) << bytes;
+    const auto found = checkStoreFile(file);
+    ASSERT_FALSE(found.empty());
+    EXPECT_NE(found.front().find("refers to a table PurchaseOrdeZ, which is not there"), std::string::npos) << found.front();
+}
+
 TEST_F(StoreFiles, CopiesAndRestoresAreComplete) {
     makeStore();
     run(file, "INSERT INTO Suppliers (Supplier) VALUES ('Acme')");

@@ -49,8 +49,8 @@ TEST(Sql, NoValueInQuotesCanLeaveThem) {
 }
 
 TEST(Sql, NoBareValueIsMoreThanOneToken) {
-    for (const char* good : {"12", "-3", "+1.5", "1e5", "-1.5E-3", "-$5", "0xAF", "Item", "TierID", "NULL", "default", "", "''", "'x'",
-                             "'O''Brien'", "'1; --'", "'\xC3\xA4'"})
+    for (const char* good : {"12", " 12 ", "-3", "+1.5", "1e5", "-1.5E-3", "-$5", "0xAF", "Item", "TierID", "NULL", "default", "", "''",
+                             "'x'", "'O''Brien'", "'1; --'", "'\xC3\xA4'"})
         EXPECT_EQ(errorOf(Sql("DELETE FROM T WHERE ID = ") + std::string(good)), 0) << good;
     for (const char* bad : {"1 OR 1=1",
                             "1;",
@@ -74,8 +74,6 @@ TEST(Sql, NoBareValueIsMoreThanOneToken) {
                             "1.COMMIT",
                             "@v",
                             "[x]",
-                            " 1",
-                            "1 ",
                             "1\n",
                             "\xC2\xA0",
                             "1\xC2\xA0",

@@ -1,12 +1,16 @@
+#include "app/db/embedded/store.h"
 #include "app/modMain.h"
 #include "app/storefile.h"
 #include "programs/screens.h"
 #include "purchasing/frmPurchaseOrders_Recv.h"
 #include "tests/scratchfolder.h"
+#include "ui/button.h"
 #include "ui/qt/formwindow.h"
 #include "ui/qt/qtdesk.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QLabel>
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -100,6 +104,36 @@ TEST_F(ReceivingTest, AQuantityThatIsNoneKeepsAnythingFromBeingPosted) {
     QTest::qWait(50);
     EXPECT_EQ(posted, 0);
     EXPECT_EQ(lines().text(2, 5), "4");
+}
+
+// A posting that another writer keeps waiting is given up at once: the screen stays, and posts when it is tried again.
+TEST_F(ReceivingTest, GivingUpTheWaitPostsNothingAndKeepsTheScreen) {
+    class NoPatience : public db::Waiter {
+        bool goOn(std::chrono::milliseconds) override { return false; }
+    } nobody;
+    app::modMain().Conn->session().setWaiter(&nobody);
+    const auto other = db::Store::open(folder_ / "orders.store")->session();
+    db::NoResult none;
+    other->execute("BEGIN TRAN UPDATE Stock SET Quantity = Quantity", none);
+    std::string told;
+    QTimer::singleShot(0, qApp, [&] {
+        for (QWidget* box : QApplication::topLevelWidgets())
+            if (auto* dialog = qobject_cast<QDialog*>(box); dialog != nullptr && dialog->isVisible()) {
+                for (const auto* text : dialog->findChildren<QLabel*>())
+                    told += text->text().toStdString();
+                dialog->accept();
+            }
+    });
+    auto& ok = dynamic_cast<ui::Button&>(*form().find("cmdOK"));
+    desk.enter([&] { ok.press(); });
+    EXPECT_NE(told.find("Another program is saving to this store"), std::string::npos) << told;
+    EXPECT_FALSE(desk.ending());
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(posted, 0);
+    EXPECT_EQ(app::modMain().Conn->session().transactionDepth(), 0);
+    other->execute("ROLLBACK", none);
+    desk.enter([&] { ok.press(); });
+    EXPECT_EQ(posted, 1);
 }
 
 } // namespace merchantry::programs

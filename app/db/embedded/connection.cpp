@@ -106,7 +106,7 @@ Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
 }
 
 Connection::Connection(const std::filesystem::path& file, bool durable) : file_(file) {
-    openFile(file.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    openFile(std::filesystem::absolute(file).string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE); // "file:a.store" is a name, too
     try {
         setUp(durable);
     } catch (const DbError&) {

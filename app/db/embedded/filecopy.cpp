@@ -43,7 +43,7 @@ constexpr int kMostTries = 6; // each waits as long as that
 
 Handle openFile(const std::filesystem::path& file, int flags) {
     sqlite3* raw = nullptr;
-    const int result = sqlite3_open_v2(file.c_str(), &raw, flags, nullptr);
+    const int result = sqlite3_open_v2(std::filesystem::absolute(file).c_str(), &raw, flags, nullptr);
     Handle handle(raw, &sqlite3_close_v2);
     if (result != SQLITE_OK)
         failed(file, result);
@@ -137,6 +137,24 @@ void NewStoreFile::finish() {
     finished_ = true;
 }
 
+namespace {
+
+// References to tables that the file does not have: its pages may be sound, but nothing can be written to such a table.
+std::vector<std::string> brokenReferences(embedded::Connection& connection) {
+    std::vector<std::string> found;
+    const embedded::Statement3 select(
+        connection.handle(),
+        "SELECT m.name, f.\"table\" FROM sqlite_master m, pragma_foreign_key_list(m.name) f WHERE m.type = 'table' AND NOT "
+        "EXISTS (SELECT 1 FROM sqlite_master p WHERE p.type = 'table' AND p.name = f.\"table\" COLLATE NOCASE)");
+    while (connection.step(select.get())) {
+        const auto text = [&](int column) { return std::string(reinterpret_cast<const char*>(sqlite3_column_text(select.get(), column))); };
+        found.push_back("The table " + text(0) + " refers to a table " + text(1) + ", which is not there: its definition is damaged.");
+    }
+    return found;
+}
+
+} // namespace
+
 std::vector<std::string> damageOf(const std::filesystem::path& file) {
     embedded::requireStoreFile(file);
     embedded::putForeignLogAside(file);
@@ -157,6 +175,8 @@ std::vector<std::string> damageOf(const std::filesystem::path& file) {
         sqlite3_free(error);
         found.push_back(why);
     }
+    if (found.empty())
+        found = brokenReferences(connection);
     connection.putToRest();
     return found;
 }

@@ -328,8 +328,12 @@ void dataLength(const Call& call) {
 void isNumericText(const Call& call) {
     if (call.isNull(0))
         return call.give(std::int64_t{0});
-    // A server does not look at where the commas stand.
-    call.give(std::int64_t{isNumeric(replaced(call.text(0), ",", "")) ? 1 : 0});
+    // A server does not look at where the commas stand, and takes a sign or a currency sign alone for money.
+    std::string text = replaced(std::string(trimmed(call.text(0))), ",", "");
+    for (const char* sign : {"€", "£", "¥", "¢"})
+        text = replaced(text, sign, "$");
+    const bool signAlone = text == "$" || text == "-" || text == "+" || text == "." || text == "-$" || text == "$-";
+    call.give(std::int64_t{signAlone || isNumeric(text) ? 1 : 0});
 }
 
 std::int64_t sumOf(std::string_view text) {
