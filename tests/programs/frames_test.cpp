@@ -20,9 +20,11 @@ class FramesStage : public FormStage {
         if (!window.isWindow())
             return;
         const QRect frame = settled(window);
+        const QWindow& handle = *window.windowHandle();
         EXPECT_TRUE(standsInside(window, frame))
             << name << ": frame from " << frame.left() << "," << frame.top() << " to " << frame.right() << "," << frame.bottom()
-            << " on a screen of " << window.screen()->size().width() << " by " << window.screen()->size().height();
+            << ", title bar " << handle.frameMargins().top() << (handle.isExposed() ? "" : ", not exposed")
+            << (handle.isVisible() ? "" : ", hidden") << ", least height " << window.minimumHeight();
         ui::onEveryPage(window, [&] { pressable(window, name); });
     }
 
@@ -33,10 +35,10 @@ class FramesStage : public FormStage {
 
     // The frame once it stands inside the screen, or once nothing moves any more.
     static QRect settled(const ui::FormWindow& window) {
-        QRect frame = window.frameGeometry();
+        QRect frame = window.windowHandle()->frameGeometry();
         for (int still = 0; still < kStill && !standsInside(window, frame); ++still) {
             QTest::qWait(20);
-            if (std::exchange(frame, window.frameGeometry()) != frame)
+            if (std::exchange(frame, window.windowHandle()->frameGeometry()) != frame)
                 still = 0;
         }
         return frame;

@@ -4,15 +4,19 @@
 #include "ui/qt/screenroom.h"
 
 #include <QTimer>
+#include <QWindow>
+
+#include <algorithm>
+#include <chrono>
 
 namespace merchantry::ui {
+namespace {
 
-// The window manager puts its frame around a window after it is shown, and tells of it by a move.
-void FormWindow::moveEvent(QMoveEvent* event) {
-    QWidget::moveEvent(event);
-    if (fitting_ && isVisible())
-        fitOnScreen();
-}
+constexpr int kLooks = 80; // at most, where no frame ever comes
+constexpr int kGoodLooks = 4;
+constexpr auto kBetweenLooks = std::chrono::milliseconds(60);
+
+} // namespace
 
 void FormWindow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
@@ -37,9 +41,29 @@ void FormWindow::reportSize() {
         });
 }
 
-// Not within the event that tells of the window's new state: a screen's procedure may be running.
+// A window manager puts its frame around a window some time after it is shown, and moves it as it thinks fit: looked at a few times, until
+// it has stood well for long enough. Never within an event that tells of the window's state: a screen's procedure may be running.
 void FormWindow::fitOnScreen() {
-    QTimer::singleShot(0, this, [this] { keepOnScreen(*this); });
+    const bool looking = looks_ > 0;
+    looks_ = kLooks;
+    if (!looking)
+        lookAgain();
+}
+
+void FormWindow::lookAgain() {
+    QTimer::singleShot(kBetweenLooks, this, [this] {
+        if (!isVisible() || embeddedIn_ != nullptr) {
+            looks_ = 0;
+            return;
+        }
+        room_->updateGeometry(); // the room is reckoned with the frame that is known by now
+        outer_->activate();
+        const bool framed = windowHandle() != nullptr && !windowHandle()->frameMargins().isNull();
+        if (keepOnScreen(*this) && framed)
+            looks_ = std::min(looks_, kGoodLooks); // nearly done
+        if (--looks_ > 0)
+            lookAgain();
+    });
 }
 
 void FormWindow::recordPlaces() {

@@ -30,7 +30,6 @@ namespace {
 
 constexpr int kNarrowest = 300;
 constexpr int kMark = 144;
-constexpr auto kFramed = std::chrono::milliseconds(100); // until a window manager has told of the frame around an active window
 // Keys that are the form's wherever the focus stands.
 const std::set<std::string_view> kSteering{"Tab",      "Shift+Tab",      "Enter",         "Escape",      "F1",
                                            "Shift+F1", "Ctrl+Shift+Tab", "Ctrl+PageDown", "Ctrl+PageUp", "Ctrl+Tab"};
@@ -187,7 +186,8 @@ void FormWindow::open(FormWindow* over) {
     setWindowModality(wanted);
     if (!std::exchange(opened_, true))
         takeRememberedSize();
-    fitting_ = !isVisible();
+    if (!isVisible())
+        fitOnScreen();
     if (!isVisible() && over != nullptr && over->windowHandle() != nullptr)
         standOver(*this, over);
     show();
@@ -453,11 +453,6 @@ void FormWindow::changeEvent(QEvent* event) {
         form_->setMinimised(isMinimized());
     if (event->type() == QEvent::ActivationChange && form_ != nullptr && isActiveWindow() && !form_->desk().covered(*form_) && isVisible())
         act([this] { form_->desk().giveKeyboard(*form_); });
-    if (event->type() == QEvent::ActivationChange && isActiveWindow() && fitting_)
-        QTimer::singleShot(kFramed, this, [this] {
-            fitting_ = false;
-            keepOnScreen(*this);
-        });
     QWidget::changeEvent(event);
 }
 

@@ -77,7 +77,6 @@ protected:
     bool eventFilter(QObject* object, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
-    void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -94,6 +93,7 @@ private:
     void takeRememberedSize();
     void recordPlaces();
     void fitOnScreen();
+    void lookAgain();
     void setFree();
     void moved(Control& control);
     bool pressed(Control& control);
@@ -120,9 +120,9 @@ private:
     std::map<const Control*, Place> placed_;
     std::vector<QPointer<FormWindow>> panels_;
     QPointer<FormWindow> embeddedIn_;
+    int looks_ = 0; // still to come at where the window stands, see fitOnScreen
     bool settled_ = false;
     bool opened_ = false;
-    bool fitting_ = false; // shown, and its frame not yet known
     bool freed_ = false;
     bool placing_ = false;
     bool focusing_ = false;

@@ -13,40 +13,52 @@ namespace merchantry::ui {
 namespace {
 
 constexpr QMargins kGuessedFrame(4, 32, 4, 4);
+constexpr int kBroadestFrame = 100;
 
+// Nothing as long as the frame is not there, or half there: while a window manager takes a window over it may read as anything.
 QMargins frameOf(const QWidget& window) {
-    return window.windowHandle() == nullptr ? QMargins() : window.windowHandle()->frameMargins();
+    const QMargins frame = window.windowHandle() == nullptr ? QMargins() : window.windowHandle()->frameMargins();
+    const auto usual = [](int side) { return side >= 0 && side <= kBroadestFrame; };
+    return usual(frame.left()) && usual(frame.top()) && usual(frame.right()) && usual(frame.bottom()) ? frame : QMargins();
 }
 
 } // namespace
 
+// While the window manager reckons it anew it may read as nothing.
+QRect freeArea(const QWidget& window) {
+    const QRect free = window.screen()->availableGeometry();
+    return free.marginsRemoved(usualFrame()).isEmpty() ? window.screen()->geometry() : free;
+}
+
+// A window that was shown just now has no frame yet: that tells nothing.
 QMargins usualFrame() {
-    bool any = false;
-    for (const QWidget* window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible() || (window->windowType() != Qt::Window && window->windowType() != Qt::Dialog))
-            continue;
-        any = true;
-        if (const QMargins frame = frameOf(*window); !frame.isNull())
-            return frame;
-    }
-    return any ? QMargins() : kGuessedFrame;
+    static QMargins seen = kGuessedFrame;
+    for (const QWidget* window : QApplication::topLevelWidgets())
+        if (window->isVisible() && (window->windowType() == Qt::Window || window->windowType() == Qt::Dialog))
+            if (const QMargins frame = frameOf(*window); !frame.isNull())
+                seen = frame;
+    return seen;
 }
 
 QSize roomOnScreen(const QWidget& window) {
-    return window.screen()->availableGeometry().marginsRemoved(usualFrame()).size();
+    return freeArea(window).marginsRemoved(usualFrame()).size();
 }
 
-void keepOnScreen(QWidget& window) {
+bool keepOnScreen(QWidget& window) {
+    const QRect room = freeArea(window);
     if (!window.isVisible() || window.isMaximized() || window.isFullScreen())
-        return;
+        return true;
+    // The window system's own word: the widget may still have what was asked for.
+    QWindow& handle = *window.windowHandle();
     const QMargins frame = frameOf(window);
-    const QRect room = window.screen()->availableGeometry();
-    window.resize(window.size().boundedTo(room.marginsRemoved(frame).size()));
-    QRect place = window.geometry().marginsAdded(frame);
+    QRect place = handle.geometry().marginsAdded(frame);
+    if (room.contains(place))
+        return true;
+    place.setSize(place.size().boundedTo(room.size()));
     place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() + 1 - place.width())));
     place.moveTop(std::max(room.top(), std::min(place.top(), room.bottom() + 1 - place.height())));
-    if (place.topLeft() != window.geometry().marginsAdded(frame).topLeft())
-        window.move(place.topLeft());
+    handle.setGeometry(place.marginsRemoved(frame));
+    return false;
 }
 
 ScrollRoom::ScrollRoom(QWidget* content, QWidget* parent) : QScrollArea(parent) {

@@ -7,11 +7,13 @@ namespace merchantry::ui {
 
 // The frame that the window manager draws around windows: as seen on a window that is shown, a usual one before any is.
 QMargins usualFrame();
+// What of the window's screen windows may stand on.
+QRect freeArea(const QWidget& window);
 // The largest size of a window whose frame still stands inside the screen's free area.
 QSize roomOnScreen(const QWidget& window);
-// Shrinks and moves a shown window so that its frame stands inside the free area. Nothing happens to one that does already, or whose user
-// made it as large as the screen.
-void keepOnScreen(QWidget& window);
+// Shrinks and moves a shown window so that its frame stands inside the free area; false when it did not. Nothing happens to one whose user
+// made it as large as the screen. The window manager has a say in where it stands then: look again.
+bool keepOnScreen(QWidget& window);
 
 // Holds a window's content at the size that it wants, and scrolls it where the screen has less room than it needs.
 class ScrollRoom : public QScrollArea {

@@ -96,7 +96,7 @@ void standOver(QWidget& window, QWidget* owner) {
     const QSize size = window.testAttribute(Qt::WA_Resized) ? window.size() : window.sizeHint();
     QRect place = QRect(QPoint(), size).marginsAdded(usualFrame());
     place.moveCenter(owner->window()->geometry().center());
-    const QRect room = owner->screen()->availableGeometry();
+    const QRect room = freeArea(*owner);
     place.moveLeft(std::clamp(place.left(), room.left(), std::max(room.left(), room.right() + 1 - place.width())));
     place.moveTop(std::clamp(place.top(), room.top(), std::max(room.top(), room.bottom() + 1 - place.height())));
     window.setGeometry(place.marginsRemoved(usualFrame())); // the frame is not there yet
