@@ -1,5 +1,7 @@
 #include "base/text.h"
 
+#include <algorithm>
+
 namespace merchantry {
 
 std::string_view trimmedRight(std::string_view text) {
@@ -169,6 +171,15 @@ std::string joined(const std::vector<std::string>& pieces, std::string_view sepa
 
 std::string replaced(std::string_view text, std::string_view what, std::string_view with) {
     return joined(split(text, what), with);
+}
+
+std::string asFileName(std::string_view text) {
+    std::string name(text);
+    std::replace_if(
+        name.begin(), name.end(),
+        [](unsigned char c) { return c < ' ' || std::string_view("/\\:*?\"<>|.").find(static_cast<char>(c)) != std::string_view::npos; },
+        ' ');
+    return std::string(trimmed(name));
 }
 
 std::string hexText(const Bytes& bytes) {

@@ -38,6 +38,9 @@ std::vector<std::string> split(std::string_view text, std::string_view separator
 std::string joined(const std::vector<std::string>& pieces, std::string_view separator);
 std::string replaced(std::string_view text, std::string_view what, std::string_view with);
 
+// A name for a file, to be given an ending: dots and what no file system takes become blanks.
+std::string asFileName(std::string_view text);
+
 std::string hexText(const Bytes& bytes); // "0x0AFF"
 
 // LIKE of screens and lists: % any text, _ one character, without case. (The engine has its own with sets and escapes.)

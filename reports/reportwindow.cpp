@@ -283,7 +283,8 @@ void ReportWindow::cmdPrint_Click() {
             savedPrinter_ = desk().defaultPrinter();
         if (!layOutAll())
             return;
-        const auto choice = desk().printerSetup(caption(), CRViewer1.pageCount());
+        const std::string& title = pages_->report().definition().title;
+        const auto choice = desk().printerSetup(title.empty() ? caption() : title, CRViewer1.pageCount());
         if (!choice)
             return;
         if (putPages(desk(), "Printing \"" + caption() + "\" …", pages_->pages(), choice->first, choice->last, *choice->printer))
@@ -295,7 +296,8 @@ void ReportWindow::cmdExport_Click() {
     if (!ViewerTools || pages_ == nullptr)
         return;
     attempt("The report could not be exported.", [this] {
-        const auto file = desk().file({"Export Report", exportFilter(), desk().documentsFolder().string(), true});
+        const auto file = desk().file(
+            {"Export Report", exportFilter(), desk().documentsFolder().string(), true, asFileName(pages_->report().definition().title)});
         if (!file || !layOutAll())
             return;
         lblState.setCaption(exportReport(desk(), *pages_, *file) ? "Written to " + file->string() : "Stopped: nothing was written.");

@@ -37,12 +37,14 @@ struct Input {
     std::string preset;
 };
 
-// The common file dialogue. `filter` as "Report Files (*.rpt)|*.rpt".
+// The common file dialogue. `filter` as "Report Files (*.rpt)|*.rpt". To save, it suggests a name, gives a name without an ending that of
+// the type chosen, and asks the user before it gives a file that exists.
 struct FileDialog {
     std::string title;
     std::string filter;
     std::string folder;
     bool save = false;
+    std::string name{}; // without an ending
 };
 
 // What the user chose in a print dialogue: the printer, made ready, and the pages, from 1.
@@ -141,7 +143,8 @@ public:
     virtual std::unique_ptr<PageSink> pdf(const std::filesystem::path& file, const std::string& title);
     // How wide texts on pages will be drawn: letters of one width where nothing is drawn.
     virtual const TextMeasure& textMeasure() const;
-    // Shown in the status bar of the main window; empty takes it away.
+    // Shown in the status bar of the main window for kStatusMs; empty takes it away at once.
+    static constexpr int kStatusMs = 10'000;
     virtual void status(const std::string& text) = 0;
 
     // What a screen keeps for its user from one run of the program to the next, such as how a list is sorted. Empty when nothing is kept: a

@@ -55,7 +55,7 @@ struct Kind {
 
 void exportTo(Grid& grid, const Kind& kind) {
     Desk& desk = grid.form().desk();
-    auto target = desk.file({kind.title, kind.filter, desk.documentsFolder().string(), true});
+    auto target = desk.file({kind.title, kind.filter, desk.documentsFolder().string(), true, asFileName(grid.form().caption())});
     if (!target)
         return;
     if (!target->has_extension())

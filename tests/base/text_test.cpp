@@ -7,6 +7,11 @@
 namespace merchantry {
 namespace {
 
+TEST(Text, AFileNameHoldsNothingThatAFileSystemRefuses) {
+    EXPECT_EQ(asFileName("Item Maintenance - 1/2\" Nut: A.B"), "Item Maintenance - 1 2  Nut  A B");
+    EXPECT_EQ(asFileName("../x"), "x");
+}
+
 TEST(Text, BeginsWithoutCase) {
     EXPECT_TRUE(beginsWith("4006381333931", "4006"));
     EXPECT_TRUE(beginsWith("Linen shirt", "linen S"));

@@ -246,6 +246,8 @@ void PlayDesk::pass(std::int64_t ms, const std::function<void()>& tick) {
             timer.fire();
     }
     advanceTo(until);
+    if (elapsedMs_ >= statusEnds_)
+        statusText.clear();
 }
 
 } // namespace merchantry::ui::play

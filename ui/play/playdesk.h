@@ -95,7 +95,10 @@ public:
     std::optional<PrintChoice> printerSetup(const std::string& title, int pages) override;
     std::unique_ptr<PageSink> pdf(const std::filesystem::path& file, const std::string& title) override;
     const TextMeasure& textMeasure() const override;
-    void status(const std::string& text) override { statusText = text; }
+    void status(const std::string& text) override {
+        statusText = text;
+        statusEnds_ = elapsedMs_ + kStatusMs;
+    }
     // For the length of the play, as its one user.
     std::string remembered(const std::string& form, const std::string& what) override { return kept_[{form, what}]; }
     void remember(const std::string& form, const std::string& what, const std::string& text) override { kept_[{form, what}] = text; }
@@ -125,6 +128,7 @@ private:
     std::vector<Alarm> alarms_;
     std::map<std::pair<std::string, std::string>, std::string> kept_;
     std::int64_t elapsedMs_ = 0;
+    std::int64_t statusEnds_ = 0;
 };
 
 // The words of the language for these.

@@ -47,6 +47,7 @@ public:
         setMinimumContentsLength(10);
         setFixedHeight(measure::kField);
         setMaxVisibleItems(14);
+        setLook(*this, "field");
         auto* list = new QListView(this);
         list->setUniformItemSizes(true);
         setView(list);

@@ -12,8 +12,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QDialog>
 #include <QEventLoop>
-#include <QFileDialog>
 #include <QMimeData>
 #include <QPrinterInfo>
 #include <QTimer>
@@ -26,6 +26,8 @@ QtDesk::QtDesk(QApplication& application, Tone tone)
     : application_(application), systemDark_(Skin::systemIsDark()), skin_(tone, systemDark_) {
     QApplication::setQuitOnLastWindowClosed(false);
     skin_.apply(application_);
+    statusEnd_.setSingleShot(true);
+    QObject::connect(&statusEnd_, &QTimer::timeout, &here_, [this] { status(""); });
 }
 
 QtDesk::~QtDesk() {
@@ -192,19 +194,6 @@ std::optional<std::string> QtDesk::input(const Input& input) {
     return showInput(skin_, owner(nullptr), input, [this](QWidget& box) { runDialog(box); });
 }
 
-std::optional<std::filesystem::path> QtDesk::file(const FileDialog& wish) {
-    QFileDialog dialog(nullptr, toQt(wish.title), toQt(wish.folder));
-    dialog.setAcceptMode(wish.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(wish.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    dialog.setNameFilters(fileFilters(wish.filter));
-    dialog.setWindowModality(Qt::ApplicationModal);
-    standOver(dialog, owner(nullptr));
-    runDialog(dialog);
-    if (dialog.result() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return std::nullopt;
-    return std::filesystem::path(fromQt(dialog.selectedFiles().first()));
-}
-
 void QtDesk::beep() {
     QApplication::beep();
 }
@@ -258,6 +247,10 @@ std::vector<std::string> QtDesk::printers() {
 }
 
 void QtDesk::status(const std::string& text) {
+    if (text.empty())
+        statusEnd_.stop();
+    else
+        statusEnd_.start(kStatusMs);
     status_ = text;
     for (const auto& [form, window] : windows_)
         if (window != nullptr)

@@ -6,6 +6,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include <map>
 #include <memory>
@@ -14,7 +15,6 @@
 
 class QApplication;
 class QEventLoop;
-class QTimer;
 class QWidget;
 
 namespace merchantry::ui {
@@ -106,6 +106,7 @@ private:
     std::vector<Loop> loops_;
     std::optional<ProcessEnd> end_;
     std::string status_;
+    QTimer statusEnd_; // takes the status text away
     QtTextMeasure measure_;
     std::optional<std::string> defaultPrinter_; // once the program has changed it; the system's own until then
     QObject here_;                              // what is put off ends with it

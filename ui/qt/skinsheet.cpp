@@ -19,23 +19,23 @@ QLabel[look="heading"] { font-weight: 600; }
 QLabel[look="status"], QLabel[look="gridstatus"] { color: {dim}; font-size: 12px; }
 QLabel[look="gridstatus"] { border-top: 1px solid {line}; }
 
-QLineEdit, QPlainTextEdit, QComboBox { background: {panel}; color: {ink}; border: 1px solid {line}; border-radius: 6px;
+QLineEdit, QPlainTextEdit, QComboBox[look] { background: {panel}; color: {ink}; border: 1px solid {line}; border-radius: 6px;
   selection-background-color: {accent}; selection-color: {accentInk}; }
 QLineEdit { padding: 0 9px; }
 QPlainTextEdit { padding: 4px 5px; }
-QComboBox { padding: 0 28px 0 11px; }
-QLineEdit:hover, QPlainTextEdit:hover, QComboBox:hover { border-color: {strongLine}; }
-QLineEdit[readOnly="true"], QPlainTextEdit[readOnly="true"], QLineEdit:disabled, QPlainTextEdit:disabled, QComboBox:disabled,
+QComboBox[look] { padding: 0 28px 0 11px; }
+QLineEdit:hover, QPlainTextEdit:hover, QComboBox[look]:hover { border-color: {strongLine}; }
+QLineEdit[readOnly="true"], QPlainTextEdit[readOnly="true"], QLineEdit:disabled, QPlainTextEdit:disabled, QComboBox[look]:disabled,
 QComboBox[readOnly="true"] { background: {head}; color: {dim}; border-color: {line}; }
-QLineEdit:focus, QPlainTextEdit:focus, QComboBox:focus { border: 2px solid {accent}; }
+QLineEdit:focus, QPlainTextEdit:focus, QComboBox[look]:focus { border: 2px solid {accent}; }
 QLineEdit:focus { padding: 0 8px; }
 QPlainTextEdit:focus { padding: 3px 4px; }
-QComboBox:focus { padding: 0 27px 0 10px; }
+QComboBox[look]:focus { padding: 0 27px 0 10px; }
 QLineEdit[look="cell"], QLineEdit[look="cell"]:focus { border: 2px solid {accent}; border-radius: 4px; padding: 0 6px; }
 QComboBox[look="cell"], QComboBox[look="cell"]:focus { border: 2px solid {accent}; border-radius: 4px; padding: 0 6px; }
-QComboBox QLineEdit, QComboBox QLineEdit:focus { border: none; background: transparent; padding: 0; margin-left: -2px; }
-QComboBox::drop-down { border: none; width: 28px; }
-QComboBox::down-arrow { image: none; width: 0; height: 0; }
+QComboBox[look] QLineEdit, QComboBox[look] QLineEdit:focus { border: none; background: transparent; padding: 0; margin-left: -2px; }
+QComboBox[look]::drop-down { border: none; width: 28px; }
+QComboBox[look]::down-arrow { image: none; width: 0; height: 0; }
 QComboBox QAbstractItemView { background: {panel}; color: {ink}; border: 1px solid {line}; padding: 4px;
   selection-background-color: {soft}; selection-color: {ink}; }
 QListView[look="list"] { background: {panel}; color: {ink}; border: 1px solid {line}; border-radius: 6px; padding: 4px; }
@@ -71,7 +71,7 @@ QFrame[look="bare"] { background: transparent; border: none; }
 QFrame[look="group"] { background: transparent; border: 1px solid {line}; border-radius: 8px; }
 QWidget[look="float"] { background: {soft}; border: 1px solid {accent}; border-radius: 8px; }
 QTableView { background: transparent; border: none; }
-QHeaderView { background: transparent; border: none; }
+QTableView QHeaderView { background: transparent; border: none; }
 QAbstractScrollArea::corner { background: transparent; border: none; }
 
 QMenuBar { background: {panel}; color: {ink}; border-bottom: 1px solid {line}; padding: 3px 8px; }
@@ -90,6 +90,7 @@ QToolButton:hover { background: {soft}; }
 QToolButton:pressed { background: {line}; }
 QToolButton:focus { border: 2px solid {accent}; padding: 5px 9px; }
 QToolButton:disabled { color: {dim}; }
+QDialog QToolButton { padding: 2px; }
 QToolButton[look="image"] { padding: 4px; background: {panel}; border-color: {line}; }
 QToolButton[look="image"]:focus { padding: 3px; border-color: {accent}; }
 

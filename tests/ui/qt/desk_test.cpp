@@ -3,10 +3,13 @@
 #include "ui/qt/formwindow.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
@@ -76,6 +79,37 @@ TEST_F(DeskTest, AnInputBoxGivesTheTextOrNothing) {
     EXPECT_EQ(desk.input({"Enter SKU", "Item", "1"}), "85123A");
     soon([] { pressInBox("Cancel"); });
     EXPECT_EQ(desk.input({"Enter SKU", "Item", "1"}), std::nullopt);
+}
+
+// The name typed has a dot and no ending; the type chosen gives it, and a file that is there is not written over without a question.
+TEST_F(DeskTest, AFileToSaveGetsTheEndingOfTheTypeChosen) {
+    const QTemporaryDir folder;
+    const FileDialog wish{"Export Report", "PDF (*.pdf)|*.pdf|Values (*.csv)|*.csv", folder.path().toStdString(), true, "Sales"};
+    const auto chooseValues = [] {
+        auto* const types = box()->findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
+        types->setCurrentIndex(1);
+        emit types->activated(1);
+        auto* const name = box()->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        EXPECT_TRUE(name->text().startsWith("Sales")) << name->text().toStdString();
+        name->setText(QStringLiteral("Sales 3.4"));
+        box()->accept();
+    };
+    soon(chooseValues);
+    EXPECT_EQ(desk.file(wish), folder.filePath("Sales 3.4.csv").toStdString());
+
+    QFile there(folder.filePath("Sales 3.4.csv"));
+    ASSERT_TRUE(there.open(QIODevice::WriteOnly));
+    int asked = 0;
+    soon([&] {
+        soon([&] {
+            ++asked;
+            soon([] { box()->reject(); }); // the file dialogue, which comes again
+            pressInBox("&No");
+        });
+        chooseValues();
+    });
+    EXPECT_EQ(desk.file(wish), std::nullopt);
+    EXPECT_EQ(asked, 1);
 }
 
 // A procedure deep inside two windows ends the process: every waiting one is unwound, none goes on.
