@@ -44,6 +44,8 @@ struct Doors {
     std::function<void()> ItemSales;
     // Screens without arguments, modal, by form name ("frmDepartments").
     std::function<bool(const std::string& form)> ShowScreen;
+    // Whether there is such a screen; a command without one is grey.
+    std::function<bool(const std::string& form)> HasScreen;
     // frmImportExport in mode "Std" or "QSell".
     std::function<void(const std::string& mode)> ImportExport;
     // Components of the suite.

@@ -7,6 +7,8 @@
 #include "base/text.h"
 #include "ui/desk.h"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace merchantry::app {
@@ -20,13 +22,62 @@ constexpr Twips kWidth = 1060 * kTwipsPerPixel;
 constexpr Twips kHeight = 680 * kTwipsPerPixel;
 constexpr const char* kProduct = "Velmora Tillmark Professional";
 
+// A tool, and the command that has the same behind it.
+struct ToolRow {
+    ToolButton button;
+    const char* command;
+};
+const std::vector<ToolRow> kTools{
+    {{"Items", "Items", "View/Modify Items", "items"}, "mnuItemsItemmaintenance"},
+    {{"Customers", "Customers", "View/Modify Customers", "customers"}, "mnuCustomersCustomermaintenance"},
+    {{"Import", "Excel Import", "Excel Import", "import"}, "mnuExcelImport"},
+    {{"BackupRestore", "Backup", "Backup/Restore Database", "backup"}, "mnuFileDButil"},
+    {{"Options", "Options", "Options", "options"}, "mnuStoreGeneraloptions"},
+    {{"Labels", "Labels", "Print Labels", "labels"}, "mnuReportsPrintlabelsItems"},
+    {{"AddNow", "Add Item Now", "Add Item Now", "addnow"}, "mnuItemsItemmaintenance"},
+    {{"Quickbooks", "QuickBooks", "Quickbooks Export", "quickbooks"}, "mnuFileQuickbooksexport"},
+};
+
 std::vector<ToolButton> toolButtons() {
-    return {
-        {"Items", "Items", "View/Modify Items", "items"},     {"Customers", "Customers", "View/Modify Customers", "customers"},
-        {"Import", "Excel Import", "Excel Import", "import"}, {"BackupRestore", "Backup", "Backup/Restore Database", "backup"},
-        {"Options", "Options", "Options", "options"},         {"Labels", "Labels", "Print Labels", "labels"},
-        {"AddNow", "Add Item Now", "Add Item Now", "addnow"}, {"Quickbooks", "QuickBooks", "Quickbooks Export", "quickbooks"},
-    };
+    std::vector<ToolButton> buttons;
+    for (const ToolRow& tool : kTools)
+        buttons.push_back(tool.button);
+    return buttons;
+}
+
+// What the commands of frmMain's own need to be bound; those that are not here need nothing.
+struct Need {
+    const char* command;
+    bool (*met)(const Doors& doors);
+};
+constexpr Need kNeeds[] = {
+    {"mnuImportexportQuicksell", [](const Doors& doors) { return doors.ImportExport != nullptr; }},
+    {"mnuImportexportStandard", [](const Doors& doors) { return doors.ImportExport != nullptr; }},
+    {"mnuExcelImport", [](const Doors& doors) { return doors.ExcelImport != nullptr; }},
+    {"mnuItemsItemmaintenance", [](const Doors& doors) { return doors.SelectSKU != nullptr && doors.CheckSKUs != nullptr; }},
+    {"mnuItemsMatrixitemsAddparent", [](const Doors& doors) { return doors.AddNewParent != nullptr; }},
+    {"mnuItemsMatrixitemsParentlookup", [](const Doors& doors) { return doors.ShowItemLookup != nullptr; }},
+    {"mnuItemsMatrixitemsMatrixitemlookup", [](const Doors& doors) { return doors.ItemMatrixLookup != nullptr; }},
+    {"mnuItemsSetupSalesmessages", [](const Doors& doors) { return doors.SalesMessages != nullptr; }},
+    {"mnuRunCustomerStatements", [](const Doors& doors) { return doors.CustomerStatements != nullptr; }},
+    {"mnuCustomReport", [](const Doors& doors) { return doors.CustomReport != nullptr; }},
+};
+
+bool isBound(const CommandRow& command) {
+    const Doors& doors = modMain().doors;
+    if (command.kind == CommandKind::Screen)
+        return doors.HasScreen && doors.HasScreen(command.target);
+    if (command.kind == CommandKind::Report)
+        return doors.ReportCriteria != nullptr;
+    const auto* const need =
+        std::find_if(std::begin(kNeeds), std::end(kNeeds), [&](const Need& n) { return sameText(n.command, command.name); });
+    return need == std::end(kNeeds) || need->met(doors);
+}
+
+bool isBound(const std::string& name) {
+    const auto rows = commandTable();
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](const CommandRow& command) { return name == command.name; });
+    return row != rows.end() && isBound(*row);
 }
 
 } // namespace
@@ -53,7 +104,10 @@ void frmMain::buildMenu() {
 }
 
 void frmMain::Form_Load() {
-    guarded({name(), "Form_Load", caption() + " - Critical Error"}, [this] { setCaption(kCaption); });
+    guarded({name(), "Form_Load", caption() + " - Critical Error"}, [this] {
+        setCaption(kCaption);
+        greyUnbound();
+    });
 }
 
 // Reminds the owner of the password that every store starts with. Only a reminder: a failure is nobody's concern.
@@ -82,9 +136,9 @@ void frmMain::Command(const std::string& name) {
             CloseReportForms();
         switch (command.kind) {
         case CommandKind::Screen:
-            return showScreen(command.caption, command.target);
+            return showScreen(command.target);
         case CommandKind::Report:
-            return report(command.caption, command.target);
+            return report(command.target);
         case CommandKind::Message:
             desk().message(command.target, kProduct);
             return;
@@ -96,8 +150,6 @@ void frmMain::Command(const std::string& name) {
     const auto through = [&](const auto& door, auto&&... arguments) {
         if (door)
             door(arguments...);
-        else
-            notYet(entry(name).caption());
     };
     if (name == "mnuDBConfiguration")
         mnuDBConfiguration_Click();
@@ -133,22 +185,22 @@ void frmMain::Command(const std::string& name) {
         desk().showModal(desk().form<frmAbout>());
 }
 
-void frmMain::notYet(const std::string& command) {
-    desk().status("\"" + replaced(command, "&", "") + "\" is not part of this version yet.");
+void frmMain::greyUnbound() {
+    for (const CommandRow& command : commandTable())
+        if (command.kind != CommandKind::Menu && command.kind != CommandKind::Line)
+            entry(command.name).setEnabled(isBound(command));
+    for (const ToolRow& tool : kTools)
+        Toolbar1.setButtonEnabled(tool.button.key, isBound(tool.command));
 }
 
-void frmMain::showScreen(const std::string& command, const std::string& form) {
-    const auto& door = modMain().doors.ShowScreen;
-    if (!door || !door(form))
-        notYet(command);
+void frmMain::showScreen(const std::string& form) {
+    if (const auto& door = modMain().doors.ShowScreen)
+        door(form);
 }
 
-void frmMain::report(const std::string& command, const std::string& key) {
-    const auto& door = modMain().doors.ReportCriteria;
-    if (door)
+void frmMain::report(const std::string& key) {
+    if (const auto& door = modMain().doors.ReportCriteria)
         door(key);
-    else
-        notYet(command);
 }
 
 void frmMain::Toolbar1_ButtonClick(const std::string& key) {
@@ -156,15 +208,15 @@ void frmMain::Toolbar1_ButtonClick(const std::string& key) {
     if (key == "Items")
         Command("mnuItemsItemmaintenance");
     else if (key == "Customers")
-        showScreen("Customers", "frmCustomerView");
+        showScreen("frmCustomerView");
     else if (key == "Import")
         Command("mnuExcelImport");
     else if (key == "BackupRestore")
-        showScreen("Backup", "frmDatabaseBak");
+        showScreen("frmDatabaseBak");
     else if (key == "Options")
-        showScreen("Options", "frmOptions");
+        showScreen("frmOptions");
     else if (key == "Labels")
-        report("Labels", "ItemLabels");
+        report("ItemLabels");
     else if (key == "AddNow")
         AddItemNow();
     else if (key == "Quickbooks")
@@ -191,8 +243,6 @@ void frmMain::mnuItemsItemmaintenance_Click() {
     const Doors& doors = modMain().doors;
     if (doors.SelectSKU && doors.CheckSKUs)
         doors.CheckSKUs(doors.SelectSKU(1), false);
-    else
-        notYet("Item Maintenance");
 }
 
 void frmMain::AddItemNow() {
@@ -202,7 +252,7 @@ void frmMain::AddItemNow() {
 void frmMain::addItem() {
     const Doors& doors = modMain().doors;
     if (!doors.GetSKU || !doors.GetMatrixSKU || !doors.CheckSKUs)
-        return notYet("Add Item Now");
+        return;
     std::string matrixSku = doors.GetSKU();
     const std::string sku = doors.GetMatrixSKU(matrixSku);
     if (sku.empty())
@@ -249,11 +299,13 @@ void frmMain::QuickBooksExport() {
             return;
         // Without the screen that could correct them, asking again would never end.
         if (!screen || !screen("frmTaxClasses"))
-            return notYet("Tax Classes");
+            return;
     }
     const auto& exporter = modMain().doors.QuickBooksExport;
-    if (!exporter)
-        return notYet("QuickBooks Export");
+    if (!exporter) { // what comes before it is here, and asks
+        desk().status("The QuickBooks export is not part of this version yet.");
+        return;
+    }
     MenuEntry& command = entry("mnuFileQuickbooksexport");
     command.setEnabled(false);
     exporter(1);
@@ -279,8 +331,6 @@ void frmMain::mnuCustomReport_Click() {
     const auto& generate = modMain().doors.CustomReport;
     if (generate)
         generate(path.string());
-    else
-        notYet("Custom Reports");
 }
 
 void frmMain::mnuProductHelp_Click() {

@@ -36,10 +36,10 @@ private:
     void QuickBooksExport();
     void addItem();
     ui::MenuEntry& entry(const std::string& name);
-    // Says in the status bar that the command has nothing behind it yet.
-    void notYet(const std::string& command);
-    void showScreen(const std::string& command, const std::string& form);
-    void report(const std::string& command, const std::string& key);
+    // Greys what has no screen behind it, in the menu and on the tool bar.
+    void greyUnbound();
+    void showScreen(const std::string& form);
+    void report(const std::string& key);
     void buildMenu();
 
     std::vector<std::unique_ptr<ui::MenuEntry>> entries_;

@@ -42,6 +42,9 @@
 #include "reports/frmReport_Generate.h"
 #include "reports/frmViewer.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace merchantry::programs {
 namespace {
 
@@ -166,6 +169,9 @@ void bindDoors(ui::Desk& desk) {
         auto& view = desk.form<reports::frmPurchaseOrder_View>();
         view.ReportType = type;
         view.OpenReport(number, criteria);
+    };
+    doors.HasScreen = [](const std::string& form) {
+        return std::any_of(std::begin(kScreens), std::end(kScreens), [&](const Screen& s) { return s.command && form == s.name; });
     };
     doors.ShowScreen = [&desk](const std::string& form) {
         for (const Screen& screen : kScreens) {

@@ -242,6 +242,8 @@ std::string press(Toolbar& bar, const std::string& key) {
         return why;
     for (const ToolButton& button : bar.buttons())
         if (button.key == key) {
+            if (!bar.buttonEnabled(key))
+                return "disabled";
             bar.press(key);
             return "";
         }

@@ -2,6 +2,7 @@
 
 #include "ui/control.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -48,10 +49,20 @@ public:
         if (buttonClick)
             buttonClick(key);
     }
+    // Of one of its buttons; all are enabled as the bar is made.
+    bool buttonEnabled(const std::string& key) const { return !disabled_.contains(key); }
+    void setButtonEnabled(const std::string& key, bool on) {
+        if (on)
+            disabled_.erase(key);
+        else
+            disabled_.insert(key);
+        changed(Aspect::State);
+    }
     std::function<void(const std::string& key)> buttonClick;
 
 private:
     std::vector<ToolButton> buttons_;
+    std::set<std::string> disabled_;
 };
 
 } // namespace merchantry::ui

@@ -12,7 +12,9 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <thread>
 
 namespace {
@@ -31,6 +33,26 @@ ui::Tone toneOf(const Options& options) {
     if (options.tone == "light")
         return ui::Tone::Light;
     return options.tone == "dark" ? ui::Tone::Dark : ui::Tone::System;
+}
+
+constexpr int kBadUsage = 2;
+
+// Options of the toolkit, with whether a value follows.
+constexpr std::pair<std::string_view, bool> kToolkit[] = {
+    {"-platform", true},        {"-platformpluginpath", true}, {"-platformtheme", true}, {"-plugin", true},
+    {"-style", true},           {"-stylesheet", true},         {"-display", true},       {"-geometry", true},
+    {"-qwindowgeometry", true}, {"-qwindowicon", true},        {"-qwindowtitle", true},  {"-session", true},
+    {"-reverse", false},        {"-widgetcount", false}};
+
+// Throws for the first word that neither the program nor the toolkit knows.
+void refuseUnknown(const std::vector<std::string>& words) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const auto* const known =
+            std::find_if(std::begin(kToolkit), std::end(kToolkit), [&](const auto& option) { return option.first == words[i]; });
+        if (known == std::end(kToolkit))
+            throw CLI::ExtrasError("Merchantry", {words[i]});
+        i += known->second ? 1 : 0;
+    }
 }
 
 // Says when the first window has been painted and ends the run, for measuring the start.
@@ -77,9 +99,13 @@ int main(int argc, char** argv) {
                        "Where the pictures go: those of the scripts, or else one of every form, light and dark");
     program.add_option("--skin", options.tone, "light or dark; the system's when not given")->check(CLI::IsMember({"light", "dark"}));
     program.add_flag("--until-login", options.untilLogin, "Leave when the login window has been drawn, for measuring the start");
-    // The toolkit's own options stand behind the program's.
-    program.allow_extras();
-    CLI11_PARSE(program, argc, argv);
+    program.allow_extras(); // the toolkit's own
+    try {
+        program.parse(argc, argv);
+        refuseUnknown(program.remaining());
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? 0 : kBadUsage;
+    }
 
     // The fonts of the machine are looked up while the toolkit starts: the first text on the first window waits for them.
     const std::jthread fonts(programs::lookUpFonts);

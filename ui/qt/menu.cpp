@@ -58,6 +58,8 @@ public:
 
     bool wide() const override { return true; }
     void refresh(Aspect aspect) override {
+        for (std::size_t i = 0; aspect == Aspect::State && i < made_.size(); ++i)
+            made_[i]->setEnabled(bar_.buttonEnabled(bar_.buttons()[i].key));
         if (aspect == Aspect::Look)
             for (std::size_t i = 0; i < made_.size(); ++i)
                 made_[i]->setIcon(host_.skin().icon(toQt(bar_.buttons()[i].icon), host_.skin().tokens().accent));
