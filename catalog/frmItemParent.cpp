@@ -73,6 +73,7 @@ frmItemParent::frmItemParent(Desk& desk) : Form(desk, "frmItemParent", "Matrix P
     cmdUpdateItem.click = [this] { cmdUpdateItem_Click(); };
     cmdExit.click = [this] { unload(); };
 
+    asksBeforeLeaving({&txtSearchCriteria, &grdItems});
     setLayout(column({
         title(lblHeading),
         pages(tabParent,

@@ -50,11 +50,18 @@ frmItems_Sales::frmItems_Sales(Desk& desk) : Form(desk, "frmItems_Sales", "Sales
         };
     grdSales.beforeEdit = [](int, int column, bool& cancel) { cancel = column <= kMatrixSKU; };
     grdSales.afterEdit = [this](int row, int) { grdSales_CellChanged(row); };
-    cmdAdd.click = [this] { cmdAdd_Click(); };
-    cmdDelete.click = [this] { cmdDelete_Click(); };
+    cmdAdd.click = [this] {
+        touched(grdSales);
+        cmdAdd_Click();
+    };
+    cmdDelete.click = [this] {
+        touched(grdSales);
+        cmdDelete_Click();
+    };
     cmdExit.click = [this] { unload(); };
     cmdSave.click = [this] { cmdSave_Click(); };
 
+    asksBeforeLeaving({&chkCurrentSales, &chkFutureSales, &chkPastSales});
     setLayout(column({
         row({column({title(lblProductName), at(lblSKU)}), stretch(), at(chkCurrentSales), at(chkFutureSales), at(chkPastSales)}),
         at(lblSalesInstr),

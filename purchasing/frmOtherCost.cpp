@@ -44,6 +44,7 @@ frmOtherCost::frmOtherCost(Desk& desk) : Form(desk, "frmOtherCost", "Receive Pur
     cmdOK.click = [this] { cmdOK_Click(); };
     cmdCancel.click = [this] { unload(); };
 
+    asksBeforeLeaving();
     setLayout(column({
         title(lblHeading),
         at(lblNote),

@@ -43,11 +43,15 @@ frmPOCancel::frmPOCancel(Desk& desk) : Form(desk, "frmPOCancel", "Cancel Purchas
 
     grdPOItems.beforeEdit = [this](int row, int column, bool& cancel) { grdPOItems_BeforeEdit(row, column, cancel); };
     grdPOItems.afterEdit = [this](int row, int) { grdPOItems_AfterEdit(row); };
-    cmdNoCancel.click = [this] { cmdNoCancel_Click(); };
+    cmdNoCancel.click = [this] {
+        touched(grdPOItems);
+        cmdNoCancel_Click();
+    };
     cmdViewHist.click = [this] { cmdViewHist_Click(); };
     cmdCancel.click = [this] { unload(); };
     cmdOK.click = [this] { cmdOK_Click(); };
 
+    asksBeforeLeaving();
     setLayout(column({
         title(lblHeading),
         supplier_.item(),

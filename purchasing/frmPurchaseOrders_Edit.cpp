@@ -50,13 +50,20 @@ frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurc
 
     grdPOItems.beforeEdit = [this](int row, int column, bool& cancel) { grdPOItems_BeforeEdit(row, column, cancel); };
     grdPOItems.afterEdit = [this](int row, int column) { grdPOItems_AfterEdit(row, column); };
-    cmdAddItem.click = [this] { cmdAddItem_Click(); };
-    cmdDeleteItem.click = [this] { cmdDeleteItem_Click(); };
+    cmdAddItem.click = [this] {
+        touched(grdPOItems);
+        cmdAddItem_Click();
+    };
+    cmdDeleteItem.click = [this] {
+        touched(grdPOItems);
+        cmdDeleteItem_Click();
+    };
     cmdViewHist.click = [this] { cmdViewHist_Click(); };
     cmdPrint.click = [this] { cmdPrint_Click(); };
     cmdCancel.click = [this] { unload(); };
     cmdOK.click = [this] { cmdOK_Click(); };
 
+    asksBeforeLeaving();
     setLayout(column({
         row({title(lblHeading), stretch(), figure("Total", lblTotal)}),
         supplier_.item(),

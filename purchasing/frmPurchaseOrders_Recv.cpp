@@ -75,12 +75,16 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
     grdPOItems.rowColChange = [this] { setAvailable(); };
     tabReceive.change = [this](int) { tabReceive_Change(); };
     chkPrintLabels.click = [this] { chkPrintLabels_Click(); };
-    cmdNotReceived.click = [this] { cmdNotReceived_Click(); };
+    cmdNotReceived.click = [this] {
+        touched(grdPOItems);
+        cmdNotReceived_Click();
+    };
     cmdOtherCost.click = [this] { cmdOtherCost_Click(); };
     cmdViewHist.click = [this] { cmdViewHist_Click(); };
     cmdCancel.click = [this] { unload(); };
     cmdOK.click = [this] { cmdOK_Click(); };
 
+    asksBeforeLeaving({&txtCode, &tabReceive, &chkPrintLabels, &cboPrint});
     setLayout(column({
         title(lblHeading),
         supplier_.item(),

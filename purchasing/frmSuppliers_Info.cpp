@@ -60,6 +60,7 @@ frmSuppliers_Info::frmSuppliers_Info(Desk& desk) : Form(desk, "frmSuppliers_Info
     cmdCancel.click = [this] { unload(); };
     cmdExit.click = [this] { unload(); };
 
+    asksBeforeLeaving();
     setLayout(column({
         title(lblHeading),
         fields({field("&Name:", txtName).wide(48)}),

@@ -221,6 +221,10 @@ Button* Form::cancelButton() const {
     return findButton(controls_, [](const Button& button) { return button.isCancel; });
 }
 
+void Form::touched(const Control& control) {
+    touched_ = touched_ || std::find(aside_.begin(), aside_.end(), &control) == aside_.end();
+}
+
 void Form::setSize(Twips width, Twips height) {
     if (width_ == width && height_ == height)
         return;

@@ -75,6 +75,11 @@ public:
     Button* defaultButton() const;
     Button* cancelButton() const;
 
+    // Whether the user changed something that only a button of this screen saves; Escape and the close box ask before it is lost.
+    bool unsaved() const { return asks_ && touched_; }
+    // The user changed what the control holds; called by the gestures.
+    void touched(const Control& control);
+
     Twips width() const { return width_; }
     Twips height() const { return height_; }
     // By the screen or the drawing; runs Form_Resize when loaded.
@@ -109,6 +114,13 @@ protected:
     void onKey(std::string key, std::function<void()> procedure) { keys_[std::move(key)] = std::move(procedure); }
     void setIcon(std::string icon) { icon_ = std::move(icon); }
     void setFixedSize() { sizeable_ = false; }
+    // For a screen that writes nothing before a button is pressed. Controls that only choose what is shown are left aside.
+    void asksBeforeLeaving(std::vector<const Control*> aside = {}) {
+        asks_ = true;
+        aside_ = std::move(aside);
+    }
+    // What was changed is written, or gone.
+    void nothingUnsaved() { touched_ = false; }
 
 private:
     friend class Control;
@@ -124,6 +136,7 @@ private:
     std::map<std::string, Operation> operations_;
     std::map<std::string, std::function<void()>> keys_;
     Item layout_;
+    std::vector<const Control*> aside_; // see asksBeforeLeaving
     Control* focused_ = nullptr;
     FormView* view_ = nullptr;
     Twips width_ = 0;
@@ -135,6 +148,8 @@ private:
     bool modal_ = false;
     bool minimised_ = false;
     bool unloading_ = false;
+    bool asks_ = false;
+    bool touched_ = false;
     bool away_ = false;   // the keyboard is with another form
     bool moving_ = false; // between two controls: neither has the focus
 };

@@ -144,6 +144,20 @@ template <class C, class Act> std::string use(C& control, Act act) {
     return "";
 }
 
+// The same for what changes the control's content.
+template <class C, class Act> std::string change(C& control, Act act) {
+    return use(control, [&] {
+        control.form().touched(control);
+        act();
+    });
+}
+
+// One rule for every screen: what only a button would save is asked about before Escape or the close box lose it.
+bool mayLose(Form& form) {
+    return !form.unsaved() || form.desk().message("What you changed here is not saved. Leave all the same?", form.caption(),
+                                                  MessageIcon::Question, MessageButtons::YesNo) == Answer::Yes;
+}
+
 } // namespace
 
 std::string obstacle(const Control& control) {
@@ -171,6 +185,7 @@ std::string type(TextBox& box, const std::string& text) {
         return why;
     if (box.locked())
         return "locked";
+    box.form().touched(box);
     box.setText(fitting(box, text));
     return "";
 }
@@ -180,6 +195,7 @@ std::string append(TextBox& box, const std::string& text) {
         return why;
     if (box.locked())
         return "locked";
+    box.form().touched(box);
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t start = at;
         nextCodePoint(text, at);
@@ -198,6 +214,7 @@ std::string append(ComboBox& box, const std::string& text) {
         return why;
     if (box.locked() || !box.editable)
         return "locked";
+    box.form().touched(box);
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t start = at;
         nextCodePoint(text, at);
@@ -213,6 +230,7 @@ std::string type(ComboBox& box, const std::string& text) {
         return "locked";
     if (!box.editable && box.indexOf(text) < 0)
         return "no such entry";
+    box.form().touched(box);
     box.setText(text);
     return "";
 }
@@ -251,11 +269,11 @@ std::string press(Toolbar& bar, const std::string& key) {
 }
 
 std::string check(CheckBox& box, bool on) {
-    return use(box, [&] { box.setValue(on); });
+    return change(box, [&] { box.setValue(on); });
 }
 
 std::string choose(OptionButton& option) {
-    return use(option, [&] {
+    return change(option, [&] {
         const bool was = option.value();
         option.setValue(true);
         if (was && option.click)
@@ -266,7 +284,7 @@ std::string choose(OptionButton& option) {
 std::string pick(ListBox& list, int index) {
     if (index < 0 || index >= list.count())
         return "no such entry";
-    return use(list, [&] { list.setListIndex(index); });
+    return change(list, [&] { list.setListIndex(index); });
 }
 
 std::string pick(ComboBox& list, int index) {
@@ -274,7 +292,7 @@ std::string pick(ComboBox& list, int index) {
         return "no such entry";
     if (list.locked())
         return "locked";
-    return use(list, [&] { list.setListIndex(index); });
+    return change(list, [&] { list.setListIndex(index); });
 }
 
 std::string turn(TabSet& tabs, int page) {
@@ -372,7 +390,7 @@ bool key(Form& form, const std::string& name) {
             return true;
         }
         Button* button = form.cancelButton();
-        return button != nullptr && press(*button).empty();
+        return button != nullptr && (!mayLose(form) || press(*button).empty());
     }
     if (name.size() == 5 && name.starts_with("Alt+"))
         return pressMnemonic(form, static_cast<char>(std::tolower(static_cast<unsigned char>(name[4]))));
@@ -385,7 +403,8 @@ std::string close(Form& form) {
     // What was typed into the field that has the focus counts, however the window is closed.
     if (!form.focus(nullptr))
         return "the focus stays where it is";
-    form.unload();
+    if (mayLose(form))
+        form.unload();
     return "";
 }
 

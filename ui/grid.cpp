@@ -320,6 +320,8 @@ bool Grid::userCommit(const std::string& typed) {
         return false;
     editing_ = false;
     editText_.clear();
+    if (typed != rawText(row, column))
+        form().touched(*this);
     const bool written = write(row, column, typed);
     changed(Aspect::Cells);
     if (written && afterEdit)

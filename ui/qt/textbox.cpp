@@ -96,10 +96,7 @@ private:
             }
         }
         typingAt_ = line().cursorPosition();
-        host_.act([&] {
-            if (gestures::enter(box_).empty() && !box_.locked())
-                box_.setText(fromQt(kept));
-        });
+        host_.act([&] { gestures::type(box_, fromQt(kept)); });
         if (host_.form() != nullptr)
             showText();
         typingAt_ = -1;
@@ -194,10 +191,7 @@ private:
             page().moveCursor(QTextCursor::End);
             showing_ = false;
         }
-        host_.act([&] {
-            if (gestures::enter(box_).empty() && !box_.locked())
-                box_.setText(fromQt(text));
-        });
+        host_.act([&] { gestures::type(box_, fromQt(text)); });
     }
 
     void showSelection() {
