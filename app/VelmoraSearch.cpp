@@ -27,6 +27,11 @@ void VelmoraSearch::Show() {
     desk_.showFloating(*panel_);
 }
 
+void VelmoraSearch::Search(const std::string& field, const std::string& text) {
+    if (panel_ != nullptr)
+        panel_->setSearch(field, text);
+}
+
 void VelmoraSearch::Close() {
     if (panel_ != nullptr)
         panel_->unload();

@@ -21,6 +21,8 @@ public:
     // The field list, the list's form, the horizontal position of its grid in pixels; the last two numbers are 0 and 3 and carry nothing.
     void Initialise(const std::string& fieldList, ui::Form& owner, int leftPixels, int reserved, int mode);
     void Show();
+    // Puts a search into the shown panel as if the user had typed it. Nothing happens for a field that it does not offer.
+    void Search(const std::string& field, const std::string& text);
     void Close();
 
     // The chosen field's caption and the text, whenever the user changes either.

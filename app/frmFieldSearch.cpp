@@ -24,6 +24,14 @@ void frmFieldSearch::setFields(const std::vector<std::string>& fields) {
     changed = listener;
 }
 
+void frmFieldSearch::setSearch(const std::string& field, const std::string& text) {
+    const int index = cboField.indexOf(field);
+    if (index < 0)
+        return;
+    cboField.setListIndex(index);
+    txtText.setText(text);
+}
+
 void frmFieldSearch::Form_Unload(bool& /*cancel*/) {
     if (gone)
         gone();

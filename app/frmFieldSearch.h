@@ -18,6 +18,8 @@ public:
 
     // Fills the field list and selects the first.
     void setFields(const std::vector<std::string>& fields);
+    // As if the user had chosen the field and typed the text; nothing happens for a field that is not offered.
+    void setSearch(const std::string& field, const std::string& text);
 
     std::function<void(const std::string& field, const std::string& text)> changed;
     std::function<void()> gone;

@@ -137,11 +137,14 @@ void frmItems::reopen(const std::string& SKUPair, bool modal) {
     if (!focus(nullptr))
         return;
     const bool wasModal = std::exchange(Modal, true);
+    const ListPlace place = listPlace;
     unload();
-    if (closed())
+    if (closed()) {
+        desk().form<frmItems>().listPlace = place;
         desk().form<frmItems>().CheckSKUs(SKUPair, modal);
-    else
+    } else {
         Modal = wasModal; // its suppliers could not be saved
+    }
 }
 
 void frmItems::Form_Load() {

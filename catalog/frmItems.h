@@ -3,6 +3,7 @@
 #include "app/db/ado/recordset.h"
 #include "catalog/itempanel.h"
 #include "catalog/itemscreen.h"
+#include "catalog/listplace.h"
 #include "catalog/suppliermatrix.h"
 #include "ui/button.h"
 #include "ui/choice.h"
@@ -30,6 +31,8 @@ public:
 
     // Opens the item of the pair "SKU|MatrixSKU"; does nothing for a text that is not two parts. The only way in.
     void CheckSKUs(const std::string& SKUPair, bool Modal);
+    // Set by the list that the item was chosen from; the list that opens on leaving takes it up.
+    ListPlace listPlace;
 
 private:
     void Form_Load() override;

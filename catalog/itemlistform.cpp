@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "catalog/codedialog.h"
 #include "catalog/frmBulkPrice.h"
+#include "catalog/frmItems.h"
 #include "catalog/modItemLookup.h"
 #include "ui/desk.h"
 
@@ -93,6 +94,7 @@ ItemListForm::ItemListForm(Desk& desk, const char* name, const char* caption, co
 std::string ItemListForm::SelectSKU(int mode) {
     ensureLoaded();
     cmdAddNew.setVisible(mode == 1);
+    place_ = {};
     desk().showModal(*this);
     return std::exchange(pair_, "");
 }
@@ -106,6 +108,23 @@ void ItemListForm::Form_Activate() {
         return;
     activated_ = true;
     OpenSearch();
+    takePlace();
+}
+
+// As the list was left: what it shows, its search, its row.
+void ItemListForm::takePlace() {
+    const ListPlace place = place_;
+    if (place.shown != ListPlace::Shown::All)
+        (place.shown == ListPlace::Shown::Active ? optActive : optInactive).setValue(true);
+    if (!place.text.empty() && search_ != nullptr)
+        search_->Search(place.field, place.text);
+    standOn(place.pair);
+}
+
+void ItemListForm::standOn(const std::string& pair) {
+    for (int row = 0; rows_ != nullptr && !pair.empty() && row < rows_->RecordCount(); ++row)
+        if (std::string(rows_->cellText(row, 0)) + "|" + std::string(rows_->cellText(row, 1)) == pair)
+            return grdItems.setCurrent(row + 1, std::max(0, grdItems.col()));
 }
 
 void ItemListForm::Form_Unload(bool& /*cancel*/) {
@@ -170,6 +189,8 @@ void ItemListForm::shown() {
 
 void ItemListForm::srch_FieldSearch(const std::string& field, const std::string& text) {
     guarded({initGridTag_, "srch_FieldSearch"}, [&] {
+        place_.field = field;
+        place_.text = text;
         filter_ = filterFor(field, text);
         if (rows_ == nullptr)
             return; // the list could not be loaded
@@ -189,8 +210,11 @@ void ItemListForm::grdItems_Click() {
 }
 
 void ItemListForm::cmdSelect_Click() {
-    if (grdItems.selected())
-        choose(grdItems.rawText(grdItems.row(), 0) + "|" + grdItems.rawText(grdItems.row(), 1));
+    if (!grdItems.selected())
+        return;
+    place_.pair = grdItems.rawText(grdItems.row(), 0) + "|" + grdItems.rawText(grdItems.row(), 1);
+    place_.shown = optActive.value() ? ListPlace::Shown::Active : optInactive.value() ? ListPlace::Shown::Inactive : ListPlace::Shown::All;
+    choose(place_.pair);
 }
 
 void ItemListForm::cmdAddNew_Click() {
@@ -228,6 +252,8 @@ frmItemList::frmItemList(Desk& desk) : ItemListForm(desk, "frmItemList", "Item L
 
 void frmItemList::ShowFormAddNewVisible() {
     const bool open = loaded();
+    if (const auto* item = desk().existing<frmItems>())
+        place_ = item->listPlace;
     ensureLoaded();
     if (open) // behind the item screen: what was added, renamed or deleted there
         reload();
@@ -236,6 +262,7 @@ void frmItemList::ShowFormAddNewVisible() {
 }
 
 void frmItemList::choose(const std::string& pair) {
+    desk().form<frmItems>().listPlace = place_;
     modMain().doors.CheckSKUs(pair, false);
     unload();
 }
@@ -247,6 +274,8 @@ void frmItemList::added(const std::string& pair) {
 frmItemLookup::frmItemLookup(Desk& desk) : ItemListForm(desk, "frmItemLookup", "Item Lookup", "frmItemLookup") {}
 
 void frmItemLookup::choose(const std::string& pair) {
+    if (cmdAddNew.visible()) // not for a screen that asks for another item
+        desk().form<frmItems>().listPlace = place_;
     pair_ = pair;
     unload();
 }

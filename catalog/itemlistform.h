@@ -2,6 +2,7 @@
 
 #include "app/VelmoraSearch.h"
 #include "app/db/ado/recordset.h"
+#include "catalog/listplace.h"
 #include "ui/button.h"
 #include "ui/choice.h"
 #include "ui/form.h"
@@ -48,8 +49,11 @@ protected:
     ui::Button cmdExit{*this, "cmdExit", "E&xit"};
 
     std::string pair_;
+    ListPlace place_; // where it opens; kept up to date with what the user searches
 
 private:
+    void takePlace();
+    void standOn(const std::string& pair);
     void loadGrid(const db::Sql& command);
     void shown();
     void grdItems_Click();

@@ -186,7 +186,18 @@ void frmPurchaseOrders::LoadPOList(Filter filter) {
 void frmPurchaseOrders::reload() {
     if (rows_ == nullptr) // nothing could be read so far
         return cboSearch_Click();
-    guarded({kTag, "LoadPOList"}, [this] { LoadPOList(filter_); });
+    const std::string order = grdPO.selected() ? grdPO.rawText(grdPO.row(), kPOID) : "";
+    guarded({kTag, "LoadPOList"}, [&] {
+        LoadPOList(filter_);
+        standOn(order);
+    });
+}
+
+// On the order of that key; where the user is when it is no longer listed.
+void frmPurchaseOrders::standOn(const std::string& order) {
+    for (int row = 1; row <= grdPO.dataRows(); ++row)
+        if (!order.empty() && grdPO.rawText(row, kPOID) == order)
+            return grdPO.setCurrent(row, kPONumber);
 }
 
 void frmPurchaseOrders::sortList() {

@@ -38,6 +38,7 @@ private:
     void showFilter(int index);
     void LoadPOList(Filter filter);
     void reload();
+    void standOn(const std::string& order);
     void sortList();
     void showSums();
     void setButtons();
