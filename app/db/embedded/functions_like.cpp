@@ -92,6 +92,20 @@ private:
         add(std::move(element));
     }
 
+    // A range goes by the order of texts, in which letters with accents stand beside their base letter. Letters without stand as their
+    // codes.
+    static bool within(const std::pair<char32_t, char32_t>& range, char32_t c) {
+        constexpr char32_t kPlain = 0x80;
+        if (range.first == range.second || (c < kPlain && range.first < kPlain && range.second < kPlain))
+            return c >= range.first && c <= range.second;
+        const auto text = [](char32_t one) {
+            std::string result;
+            appendCodePoint(result, one);
+            return result;
+        };
+        return compareText(text(c), text(range.first)) >= 0 && compareText(text(c), text(range.second)) <= 0;
+    }
+
     bool fits(const Element& element, char32_t c) const {
         switch (element.kind) {
         case Kind::Any:
@@ -100,8 +114,8 @@ private:
             return folded(c) == element.c;
         case Kind::Set: {
             const char32_t wanted = folded(c);
-            const bool inside = std::any_of(element.ranges.begin(), element.ranges.end(),
-                                            [&](const auto& range) { return wanted >= range.first && wanted <= range.second; });
+            const bool inside =
+                std::any_of(element.ranges.begin(), element.ranges.end(), [&](const auto& range) { return within(range, wanted); });
             return inside != element.negated;
         }
         default:
