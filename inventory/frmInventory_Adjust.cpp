@@ -1,6 +1,7 @@
 #include "inventory/frmInventory_Adjust.h"
 
 #include "app/modMain.h"
+#include "base/numbers.h"
 #include "inventory/adjustment.h"
 #include "inventory/frmInvReasonCodes.h"
 #include "ui/desk.h"
@@ -15,6 +16,14 @@ namespace {
 
 constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kHeading = "Inventory Adjustment";
+
+std::string balanceInWords(std::int64_t present, const std::string& quantity) {
+    try {
+        return std::to_string(adjusted(present, readAdjustment(quantity, "").quantity));
+    } catch (const OverflowError&) {
+        return "beyond what can be posted";
+    }
+}
 
 } // namespace
 
@@ -31,6 +40,7 @@ frmInventory_Adjust::frmInventory_Adjust(Desk& desk) : Form(desk, "frmInventory_
     cmdAdjust.isDefault = true;
     cmdClose.isCancel = true;
 
+    txtQty.change = [this] { showAfterwards(); };
     cmdAddCode.click = [this] { cmdAddCode_Click(); };
     cmdAdjust.click = [this] { cmdAdjust_Click(); };
     cmdClose.click = [this] { unload(); };
@@ -44,6 +54,8 @@ frmInventory_Adjust::frmInventory_Adjust(Desk& desk) : Form(desk, "frmInventory_
                         field("Name:", lblMatrixSKU),
                         field("&Quantity:", txtQty).wide(14),
                         field("C&ost:", txtCost).wide(14),
+                        field("On hand:", lblOnHand),
+                        field("Afterwards:", lblAfterwards),
                     }),
                     stretch(),
                 }),
@@ -75,9 +87,12 @@ void frmInventory_Adjust::AdjustInv(const std::string& SKU, const std::string& M
 void frmInventory_Adjust::Form_Load() {
     guarded({"MR_frmInventory_Adjust", "Form_Load", caption() + " - Critical Error"}, [this] {
         lblInvAdjust.setCaption(std::string(kHeading) + " For " + sku_ + "/" + matrixSku_);
+        present_.reset();
+        lblOnHand.setCaption("");
         txtQty.setText("1");
         fillReasons();
         showCost();
+        showOnHand();
     });
 }
 
@@ -94,6 +109,19 @@ void frmInventory_Adjust::showCost() {
     const auto cost = openDirect(Sql("SELECT Top 1 Cost_wt FROM InventoryLedger WHERE SKU = '") + sku_ + "' AND MatrixSKU = '" +
                                  matrixSku_ + "' ORDER BY PostDate DESC");
     txtCost.setText(cost->Eof() ? "" : (*cost)["Cost_wt"].text());
+}
+
+void frmInventory_Adjust::showOnHand() {
+    const auto stock = openDirect(Sql("SELECT Quantity FROM Stock WHERE SKU = '") + sku_ + "' AND MatrixSKU = '" + matrixSku_ + "'");
+    if (!stock->Eof())
+        present_ = (*stock)["Quantity"].Value().toInteger();
+    lblOnHand.setCaption(present_ ? std::to_string(*present_) : "no stock is kept of it");
+    showAfterwards();
+}
+
+// By the rules of the posting, which reads the stock again. Empty where it would be refused or changes no stock.
+void frmInventory_Adjust::showAfterwards() {
+    lblAfterwards.setCaption(present_ && complaintAbout(txtQty.text(), "").empty() ? balanceInWords(*present_, txtQty.text()) : "");
 }
 
 void frmInventory_Adjust::cmdAddCode_Click() {

@@ -7,6 +7,7 @@
 #include "ui/textbox.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace merchantry::inventory {
@@ -24,6 +25,8 @@ private:
 
     void fillReasons();
     void showCost();
+    void showOnHand();
+    void showAfterwards();
     void cmdAddCode_Click();
     void cmdAdjust_Click();
 
@@ -32,6 +35,8 @@ private:
     ui::Label lblMatrixSKU{*this, "lblMatrixSKU"}; // shows the name
     ui::TextBox txtQty{*this, "txtQty"};
     ui::TextBox txtCost{*this, "txtCost"};
+    ui::Label lblOnHand{*this, "lblOnHand"};         // the stock as the screen opened
+    ui::Label lblAfterwards{*this, "lblAfterwards"}; // what it becomes by the quantity as typed so far
     ui::ListBox lbxReasonCode{*this, "lbxReasonCode"};
     ui::Button cmdAddCode{*this, "cmdAddCode", "Add &Code"};
     ui::Label lblQtyNote{*this, "lblQtyNote",
@@ -46,6 +51,7 @@ private:
     std::string matrixSku_;
     std::string name_;
     std::int16_t row_ = 0;
+    std::optional<std::int64_t> present_; // nothing before it is read and where no stock is kept
 };
 
 } // namespace merchantry::inventory
