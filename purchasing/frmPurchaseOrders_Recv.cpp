@@ -28,6 +28,10 @@ constexpr Twips kWidth = 1240 * kTwipsPerPixel; // room for the rehearsal, on a 
 constexpr Twips kHeight = 690 * kTwipsPerPixel;
 enum Page { kLinesPage, kRehearsalPage };
 
+std::string comingShortInWords(int lines) {
+    return lines == 0 ? "" : withThousands(lines) + (lines == 1 ? " line comes short" : " lines come short");
+}
+
 } // namespace
 
 frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurchaseOrders_Recv", "Receive Inventory") {
@@ -91,7 +95,7 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
         pages(tabReceive,
               {
                   column({
-                      row({fields({field("Co&de:", txtCode).wide(22)}), gap(), at(lblCode).stretched()}),
+                      row({fields({field("Co&de:", txtCode).wide(22)}), gap(), at(lblCode).stretched(), gap(), at(lblShort)}),
                       at(grdPOItems).high(9).stretched(),
                   }),
                   column({
@@ -164,6 +168,12 @@ void frmPurchaseOrders_Recv::showRow(int row, const ReceiveLine& line) {
     grdPOItems.setText(row, kRecvQty, std::to_string(line.RecvQty));
     grdPOItems.setText(row, kCost, line.Cost.toText());
     grdPOItems.setText(row, kExt, line.extended().toDisplay());
+    markIfShort(row, line);
+}
+
+// In colour; lblShort says the same in words.
+void frmPurchaseOrders_Recv::markIfShort(int row, const ReceiveLine& line) {
+    grdPOItems.setCellColor(row, kRecvQty, line.staysOpen() ? Color::Yellow : Color::None);
 }
 
 void frmPurchaseOrders_Recv::showTotals() {
@@ -178,14 +188,17 @@ void frmPurchaseOrders_Recv::showTotals() {
 
 void frmPurchaseOrders_Recv::showStatus() {
     std::int64_t pieces = 0;
+    int shortLines = 0;
     bool breaks = breaksStatement(OtherCostDesc_);
     for (const ReceiveLine& line : lines_) {
         pieces += line.RecvQty;
+        shortLines += line.staysOpen() ? 1 : 0;
         breaks = breaks || (line.RecvQty > 0 && breaksStatement(line.PartNo));
     }
     grdPOItems.setStatusText(
         breaks ? "An apostrophe in a part number or description makes the posting fail and the program end, with nothing booked"
                : openLinesInWords(lines_.size(), pieces, "receive"));
+    lblShort.setCaption(comingShortInWords(shortLines));
 }
 
 // A marked line that the rehearsal covers is not set to 0 unseen.
@@ -339,9 +352,11 @@ void frmPurchaseOrders_Recv::chkPrintLabels_Click() {
 
 void frmPurchaseOrders_Recv::cmdNotReceived_Click() {
     for (int row = std::max(1, grdPOItems.firstSelected()); row <= grdPOItems.lastSelected(); ++row) {
-        lineOf(lines_, grdPOItems, row, kIndex)->RecvQty = 0;
+        ReceiveLine& line = *lineOf(lines_, grdPOItems, row, kIndex);
+        line.RecvQty = 0;
         grdPOItems.setText(row, kRecvQty, "0");
         grdPOItems.setText(row, kExt, "0");
+        markIfShort(row, line);
     }
     showTotals();
 }

@@ -35,6 +35,7 @@ private:
     void loadPrinters();
     void showLines();
     void showRow(int row, const ReceiveLine& line);
+    void markIfShort(int row, const ReceiveLine& line);
     void showTotals();
     void showStatus();
     void setAvailable();
@@ -64,7 +65,8 @@ private:
 
     // Order Lines
     ui::TextBox txtCode{*this, "txtCode"};
-    ui::Label lblCode{*this, "lblCode"}; // what the code found
+    ui::Label lblCode{*this, "lblCode"};   // what the code found
+    ui::Label lblShort{*this, "lblShort"}; // how many lines bring less than is open
     ui::Grid grdPOItems{*this, "grdPOItems"};
 
     // Rehearsal
