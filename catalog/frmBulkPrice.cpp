@@ -38,6 +38,20 @@ std::string priceCount(int count) {
     return withThousands(count) + (count == 1 ? " price" : " prices");
 }
 
+// By the newest posting of each item, which is what its other screens show.
+std::unordered_map<std::string, Currency> costsOfItems() {
+    const auto newest = openDirect("SELECT SKU, MatrixSKU, Cost_wt FROM InventoryLedger WHERE Cost_wt > 0 AND LedgerID IN (SELECT "
+                                   "MAX(LedgerID) FROM InventoryLedger GROUP BY SKU, MatrixSKU)");
+    std::unordered_map<std::string, Currency> costs;
+    for (; !newest->Eof(); newest->MoveNext())
+        costs.emplace(keyOf((*newest)[0].text(), (*newest)[1].text()), (*newest)[2].Value().toCurrency());
+    return costs;
+}
+
+std::string wordsForBelowCost(int count) {
+    return withThousands(count) + (count == 1 ? " falls below cost" : " fall below cost");
+}
+
 // The prices left alone, the first of them by name.
 std::string wordsForSkipped(const std::vector<PriceStep>& skipped) {
     if (skipped.empty())
@@ -69,7 +83,9 @@ frmBulkPrice::frmBulkPrice(Desk& desk) : Form(desk, "frmBulkPrice", "Change Pric
     grdPrices.colorOf = [this](int row, int column) {
         const auto& line = preview_.lines()[static_cast<std::size_t>(row) - 1];
         const bool refused = line.remark == NewPrice::Remark::NotAboveZero || line.remark == NewPrice::Remark::NoPrice;
-        return refused && column == preview_.columnCount() - 1 ? Color::Red : Color::None;
+        if (column != preview_.columnCount() - 1)
+            return Color::None;
+        return refused ? Color::Red : line.belowCost() ? Color::Yellow : Color::None;
     };
     grdChanges.setColumns({{.heading = "PriceChangeID", .hidden = true},
                            {.heading = "Made", .characters = 20},
@@ -151,18 +167,25 @@ void frmBulkPrice::loadPrices() {
         std::unordered_map<std::string, std::size_t> places;
         for (std::size_t i = 0; i < items_.size(); ++i)
             places.emplace(keyOf(items_[i].sku, items_[i].matrixSku), i);
+        const auto costs = costsOfItems();
         std::vector<std::pair<std::size_t, PricePreview::Line>> found;
         const int tier = lbxTier.listIndex() < 0 ? 0 : lbxTier.itemData();
         const auto prices = openList("bsp_TierPrices", {intParameter("Tier", tier)});
         for (int row = 0; row < prices->RecordCount(); ++row) {
             const std::string sku = prices->cell(row, 0).toText();
             const std::string matrixSku = prices->cell(row, 1).toText();
-            const auto place = places.find(keyOf(sku, matrixSku));
+            const std::string key = keyOf(sku, matrixSku);
+            const auto place = places.find(key);
             const double quantity = prices->cell(row, 2).toNumber();
             if (place == places.end() || (!chkBreaks.value() && quantity > 1))
                 continue;
             const Currency price = prices->cell(row, 3).toCurrency();
-            found.push_back({place->second, {{sku, matrixSku, tier, quantity, price, price}, items_[place->second].name, {}}});
+            const auto cost = costs.find(key);
+            found.push_back({place->second,
+                             {{sku, matrixSku, tier, quantity, price, price},
+                              items_[place->second].name,
+                              {},
+                              cost == costs.end() ? Currency() : cost->second}});
         }
         std::sort(found.begin(), found.end(), [](const auto& left, const auto& right) {
             return std::pair(left.first, left.second.step.quantity) < std::pair(right.first, right.second.step.quantity);
@@ -200,7 +223,8 @@ void frmBulkPrice::show() {
             preview_.applyNone();
         says = countOfItems(static_cast<int>(items_.size())) + " in the list, " + priceCount(preview_.rowCount()) +
                " in this tier: " + withThousands(preview_.changing()) + " would change" +
-               (preview_.refused() > 0 ? ", " + withThousands(preview_.refused()) + " cannot" : "") + ".";
+               (preview_.refused() > 0 ? ", " + withThousands(preview_.refused()) + " cannot" : "") +
+               (preview_.belowCost() > 0 ? ", " + wordsForBelowCost(preview_.belowCost()) : "") + ".";
     } catch (const std::exception&) {
         preview_.applyNone();
         says = "With this change a price would be larger than money can be.";
@@ -226,7 +250,8 @@ void frmBulkPrice::cmdApply_Click() {
     if (!wanted || preview_.changing() == 0)
         return;
     const std::string words = lbxTier.text() + ": " + wordsFor(*wanted);
-    if (desk().message("Change " + priceCount(preview_.changing()) + "?\r\n\r\n" + words, caption(), MessageIcon::Question,
+    const std::string warning = preview_.belowCost() > 0 ? "\r\n\r\n" + wordsForBelowCost(preview_.belowCost()) + "." : "";
+    if (desk().message("Change " + priceCount(preview_.changing()) + "?\r\n\r\n" + words + warning, caption(), MessageIcon::Question,
                        MessageButtons::YesNo) != Answer::Yes)
         return;
     const std::vector<PriceStep> steps = preview_.steps();

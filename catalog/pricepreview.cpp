@@ -44,12 +44,13 @@ void PricePreview::applyNone() {
 }
 
 void PricePreview::take(const std::vector<NewPrice>& prices) {
-    changing_ = refused_ = 0;
+    changing_ = refused_ = belowCost_ = 0;
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         lines_[i].step.to = prices[i].price;
         lines_[i].remark = prices[i].remark;
         changing_ += prices[i].remark == NewPrice::Remark::None ? 1 : 0;
         refused_ += prices[i].remark == NewPrice::Remark::NoPrice || prices[i].remark == NewPrice::Remark::NotAboveZero ? 1 : 0;
+        belowCost_ += lines_[i].belowCost() ? 1 : 0;
     }
     tellListeners();
 }
@@ -87,7 +88,7 @@ Value PricePreview::cell(int row, int column) const {
     case 5:
         return line.step.to;
     default:
-        return wordsFor(line.remark);
+        return line.belowCost() ? "below cost" : wordsFor(line.remark);
     }
 }
 

@@ -17,6 +17,10 @@ public:
         PriceStep step; // `from` the price that stands, `to` the one that the rule gives
         std::string name;
         NewPrice::Remark remark = NewPrice::Remark::None;
+        Currency cost; // of a piece; 0 while none is known
+
+        // A price that would be written and does not bring in what the piece cost.
+        bool belowCost() const { return remark == NewPrice::Remark::None && step.to < cost; }
     };
 
     void setLines(std::vector<Line> lines);
@@ -26,7 +30,8 @@ public:
 
     const std::vector<Line>& lines() const { return lines_; }
     int changing() const { return changing_; }
-    int refused() const { return refused_; } // neither changing nor unchanged
+    int refused() const { return refused_; }     // neither changing nor unchanged
+    int belowCost() const { return belowCost_; } // of the changing ones
     // What would be written.
     std::vector<PriceStep> steps() const;
 
@@ -41,6 +46,7 @@ private:
     std::vector<Line> lines_;
     int changing_ = 0;
     int refused_ = 0;
+    int belowCost_ = 0;
 };
 
 } // namespace merchantry::catalog
