@@ -22,6 +22,7 @@ int errorNumber(const std::exception& error) {
 
 void reportFailure(const FailurePlace& place, const std::exception& error) {
     ModMain& session = modMain();
+    std::string plain = place.plain;
     std::string reserved;
     std::string tag = place.tag;
     std::string procedure = place.procedure;
@@ -32,7 +33,7 @@ void reportFailure(const FailurePlace& place, const std::exception& error) {
     int zero = 0;
     bool log = place.logToDatabase;
     db::ConnectionPtr connection = log ? session.Conn : nullptr;
-    session.errLog().Report(reserved, tag, procedure, style, caption, number, description, reserved, zero, log, connection, zero, zero);
+    session.errLog().Report(plain, tag, procedure, style, caption, number, description, reserved, zero, log, connection, zero, zero);
     if (log)
         session.Conn = connection;
 }

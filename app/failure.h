@@ -26,6 +26,7 @@ struct FailurePlace {
     std::string procedure; // "FetchItemData"
     std::string caption = "Critical Error";
     bool logToDatabase = true;
+    std::string plain{}; // a sentence for the user, before the number; the log does not keep it
 };
 
 // Reports the exception to the error logger; called by guarded only.

@@ -184,11 +184,13 @@ void ItemListForm::loadGrid(const Sql& command) {
 void ItemListForm::shown() {
     grdItems.bind(rows_.get());
     cmdSelect.setEnabled(rows_->RecordCount() > 0);
-    grdItems.setStatusText(countOfItems(rows_->RecordCount()) + (filter_.empty() ? "" : " found by the search"));
+    const int count = rows_->RecordCount();
+    grdItems.setStatusText((count == 0 && !filter_.empty() ? "Nothing was found: " : "") + countOfItems(count) +
+                           (filter_.empty() ? "" : " found by the search"));
 }
 
 void ItemListForm::srch_FieldSearch(const std::string& field, const std::string& text) {
-    guarded({initGridTag_, "srch_FieldSearch"}, [&] {
+    guarded({.tag = initGridTag_, .procedure = "srch_FieldSearch", .plain = "The search could not be made."}, [&] {
         place_.field = field;
         place_.text = text;
         filter_ = filterFor(field, text);

@@ -157,7 +157,7 @@ void ItemWizardForm::cmdEdit_Click() {
 
 // A child that was scanned leads to its parent's line.
 void ItemWizardForm::search(const std::string& text) {
-    guarded({kTag, "tmrSearchCriteriaDelay_Timer"}, [&] {
+    guarded({.tag = kTag, .procedure = "tmrSearchCriteriaDelay_Timer", .plain = "The search could not be made."}, [&] {
         if (!text.empty() && SelectInGrid(grdItems, text))
             return;
         const auto children = openDirect(Sql("Select SKU from Item where MatrixSKU = '") + text + "'");

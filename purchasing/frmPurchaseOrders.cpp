@@ -103,7 +103,7 @@ void frmPurchaseOrders::Form_Unload(bool& /*cancel*/) {
 void frmPurchaseOrders::cboSearch_Click() {
     if (held_)
         return;
-    guarded({kTag, "cboSearch_Click"}, [this] {
+    guarded({.tag = kTag, .procedure = "cboSearch_Click", .plain = "The search could not be made."}, [this] {
         if (auto filter = askedFilter())
             LoadPOList(std::move(*filter));
         else
