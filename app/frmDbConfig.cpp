@@ -31,7 +31,7 @@ frmDbConfig::frmDbConfig(Desk& desk) : Form(desk, "frmDbConfig", "Database Confi
 
     setLayout(column({
         row({
-                box("Stores", column({at(lstConfigs).wide(26).high(9).stretched(), row({at(cmdAdd), at(cmdRemove)})})),
+                box("Stores", column({at(lstConfigs).wide(26).high(9).stretched(), row({at(cmdAdd), gap(), at(cmdRemove)})})),
                 column({
                            fields({
                                field("Name:", txtConfigName).wide(44),

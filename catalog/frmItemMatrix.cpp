@@ -61,7 +61,7 @@ frmItemMatrix::frmItemMatrix(Desk& desk) : Form(desk, "frmItemMatrix", "Item Mat
                   column({
                       at(lblGroupsNote),
                       at(grdMatrixGroups).high(10).stretched(),
-                      row({at(cmdDeleteGroup), stretch(), at(cmdAddGroup)}),
+                      row({at(cmdAddGroup), gap(), at(cmdDeleteGroup), stretch()}),
                   }),
                   column({
                       at(lblCategoriesNote),
@@ -70,7 +70,7 @@ frmItemMatrix::frmItemMatrix(Desk& desk) : Form(desk, "frmItemMatrix", "Item Mat
                               at(grdMatrixCategs).high(10).stretched(),
                           })
                           .stretched(),
-                      row({at(cmdDeleteCategory), stretch(), at(cmdAddCategory)}),
+                      row({at(cmdAddCategory), gap(), at(cmdDeleteCategory), stretch()}),
                   }),
               }),
         buttons({stretch(), note("Every cell is saved as you leave it"), at(cmdExit)}),

@@ -55,7 +55,8 @@ void frmItems::wireGeneral() {
                            "field it shows what is "
                            "stored.");
     lblProfitPercent.setToolTip("Margin on the price, as it was when the item was opened");
-    cmdDeleteItem.isDanger = true;
+    for (Button* button : {&cmdDeleteItem, &cmdDeleteSupplier, &cmdPriceDelete, &cmdSubsDelete, &cmdDeleteCatgory, &cmdRemoveTagAlong})
+        button->isDanger = true;
     lbxType.setToolTip(
         "Serialized sets Serial Item and the tax class None. Any other type puts back what Serialized had displaced, also when "
         "Adjust or a change in the price matrix reads the item again.");

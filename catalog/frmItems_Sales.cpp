@@ -66,7 +66,7 @@ frmItems_Sales::frmItems_Sales(Desk& desk) : Form(desk, "frmItems_Sales", "Sales
         row({column({title(lblProductName), at(lblSKU)}), stretch(), at(chkCurrentSales), at(chkFutureSales), at(chkPastSales)}),
         at(lblSalesInstr),
         at(grdSales).high(12).wide(80).stretched(),
-        buttons({at(cmdDelete), at(cmdAdd), stretch(), at(cmdExit), at(cmdSave)}),
+        buttons({at(cmdAdd), gap(), at(cmdDelete), stretch(), at(cmdExit), at(cmdSave)}),
     }));
 }
 

@@ -44,7 +44,7 @@ frmItems_SalesMsg::frmItems_SalesMsg(Desk& desk) : Form(desk, "frmItems_SalesMsg
     setLayout(column({
         row({title(lblHeading), stretch()}),
         at(grdSalesMsg).high(12).wide(80).stretched(),
-        buttons({at(cmdDeleteMsg), at(cmdAddMsg), stretch(), at(cmdExit), at(cmdSelect)}),
+        buttons({at(cmdAddMsg), gap(), at(cmdDeleteMsg), stretch(), at(cmdExit), at(cmdSelect)}),
     }));
     offer("ShowForm",
           [this](const auto& arguments) { return ShowForm(arguments.empty() ? 0 : static_cast<int>(Value(arguments[0]).toInteger())); });

@@ -35,7 +35,7 @@ Item frmItems::suppliersPage() {
     return column({
         row({column({title(lblSuppliersPName), at(lblSuppliersSKU)}), stretch(), figure("Retail Price:", lblSupRetailPrice)}),
         row({at(grdSuppliers).stretched(), column({at(imgArrowUp), at(imgArrowDown), stretch()})}).stretched(),
-        buttons({at(cmdDeleteSupplier), at(cmdAddNewSupplier), stretch(), at(cmdExit1)}),
+        buttons({at(cmdAddNewSupplier), gap(), at(cmdDeleteSupplier), stretch(), at(cmdExit1)}),
     });
 }
 
@@ -46,7 +46,7 @@ Item frmItems::pricePage() {
              figure("Weighted Cost:", lblPriceCostAmt), figure("Weighted Cost (Current):", lblCurCostAmt),
              figure("Sale Price:", lblPriceSaleAmt)}),
         at(grdPriceMatrix).stretched(),
-        buttons({at(cmdPriceDelete), at(cmdAddPriceMatrixItem), at(cmdSales), stretch(), at(cmdExit2)}),
+        buttons({at(cmdAddPriceMatrixItem), at(cmdSales), gap(), at(cmdPriceDelete), stretch(), at(cmdExit2)}),
     });
 }
 
@@ -54,7 +54,7 @@ Item frmItems::substitutesPage() {
     return column({
         row({column({title(lblSubsPName), at(lblSubsSKU)}), stretch()}),
         row({at(grdSubs).stretched(), column({at(imgSubUp), at(imgSubDown), stretch()})}).stretched(),
-        buttons({at(cmdSubsDelete), at(cmdSubsAddNew), stretch(), at(cmdExit3)}),
+        buttons({at(cmdSubsAddNew), gap(), at(cmdSubsDelete), stretch(), at(cmdExit3)}),
     });
 }
 
@@ -71,10 +71,9 @@ Item frmItems::matrixPage() {
         row({column({title(lblMatrixPName), at(lblMatrixSKU)}), stretch()}),
         at(lblMatrixMessage),
         row({column({at(lblMatrixGroups), at(lbxMatrixGroups).wide(26).high(4)}),
-             column({at(lblMatrixCategories), at(lbxMatrixCategories).wide(26).high(4)}), column({stretch(), at(cmdAddCategory)}),
-             stretch()}),
+             column({at(lblMatrixCategories), at(lbxMatrixCategories).wide(26).high(4)}), stretch()}),
         at(grdItemMatrix).stretched(),
-        buttons({at(cmdDeleteCatgory), stretch(), at(cmdExit5)}),
+        buttons({at(cmdAddCategory), gap(), at(cmdDeleteCatgory), stretch(), at(cmdExit5)}),
     });
 }
 
@@ -82,7 +81,7 @@ Item frmItems::miscPage() {
     return column({
         row({column({title(lblMiscPName), at(lblMiscSKU)}), stretch()}),
         box("At the sale", fields({
-                               field("Tag Along Item:", lblTagAlongSKU, {at(cmdAddTagAlong), at(cmdRemoveTagAlong)}),
+                               field("Tag Along Item:", lblTagAlongSKU, {at(cmdAddTagAlong), gap(), at(cmdRemoveTagAlong)}),
                                field("Tag Along &Quantity:", txtTagAlongQty).wide(10),
                                field("Sales Message:", lblSalesMsg),
                            })),

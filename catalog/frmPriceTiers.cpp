@@ -31,7 +31,7 @@ frmPriceTiers::frmPriceTiers(Desk& desk) : Form(desk, "frmPriceTiers", "Price Ti
         row({title(lblHeading), stretch()}),
         at(lblNote),
         at(grdTiers).high(10).wide(64).stretched(),
-        buttons({at(cmdDelete), at(cmdAdd), stretch(), at(cmdExit)}),
+        buttons({at(cmdAdd), gap(), at(cmdDelete), stretch(), at(cmdExit)}),
     }));
 }
 

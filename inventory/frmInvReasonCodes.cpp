@@ -37,7 +37,7 @@ frmInvReasonCodes::frmInvReasonCodes(Desk& desk) : Form(desk, "frmInvReasonCodes
         title(lblHeading),
         at(grdInvCode).high(12).stretched(),
         at(lblNote),
-        buttons({at(cmdDelete), at(cmdAdd), stretch(), note("Each code is saved as you leave its cell"), at(cmdExit)}),
+        buttons({at(cmdAdd), gap(), at(cmdDelete), stretch(), note("Each code is saved as you leave its cell"), at(cmdExit)}),
     }));
 }
 

@@ -46,7 +46,7 @@ frmInventory_Serial::frmInventory_Serial(Desk& desk) : Form(desk, "frmInventory_
         title(lblHeading),
         at(lblInstructions),
         at(grdInv).high(12).stretched(),
-        buttons({at(cmdDelete), at(cmdAdd), stretch(), note("F1 adds a number, wherever you are"), at(cmdExit)}),
+        buttons({at(cmdAdd), gap(), at(cmdDelete), stretch(), note("F1 adds a number, wherever you are"), at(cmdExit)}),
     }));
     offer("ShowSerials", [this](const auto& arguments) {
         const auto argument = [&](std::size_t at) { return at < arguments.size() ? arguments[at] : std::string(); };

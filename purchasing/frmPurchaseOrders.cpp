@@ -82,7 +82,7 @@ frmPurchaseOrders::frmPurchaseOrders(Desk& desk) : Form(desk, "frmPurchaseOrders
         row({fields({field("&Show:", cboSearch).wide(23)}), gap(),
              fields({field("Sort &by:", cboSortBy, {at(optAsc), at(optDescending)}).wide(16)}), stretch()}),
         at(grdPO).high(16).wide(118).stretched(),
-        buttons({at(cmdViewHist), at(cmdPrint), at(cmdDelete), at(cmdRecvInvent), stretch(), at(cmdAdd), at(cmdExit), at(cmdEdit)}),
+        buttons({at(cmdViewHist), at(cmdPrint), at(cmdRecvInvent), gap(), at(cmdDelete), stretch(), at(cmdAdd), at(cmdExit), at(cmdEdit)}),
     }));
 }
 

@@ -68,7 +68,7 @@ frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurc
         row({title(lblHeading), stretch(), figure("Total", lblTotal)}),
         supplier_.item(),
         at(grdPOItems).high(12).wide(130).stretched(),
-        buttons({at(cmdAddItem), at(cmdDeleteItem), at(cmdViewHist), at(cmdPrint), stretch(), at(cmdCancel), at(cmdOK)}),
+        buttons({at(cmdAddItem), at(cmdViewHist), at(cmdPrint), gap(), at(cmdDeleteItem), stretch(), at(cmdCancel), at(cmdOK)}),
     }));
     // Number, supplier, "on" for looking only.
     offer("ShowOrder", [this](const std::vector<std::string>& arguments) {

@@ -48,7 +48,7 @@ frmSuppliers::frmSuppliers(Desk& desk) : Form(desk, "frmSuppliers", "Suppliers")
         fields({field("&Find:", txtInput, {at(cmdSearch)})}),
         at(grdSuppliers).high(14).stretched(),
         at(lblNote),
-        buttons({at(cmdDelete), at(cmdAdd), stretch(), note("Each name is saved as you leave its cell"), at(cmdExit), at(cmdEdit)}),
+        buttons({at(cmdAdd), gap(), at(cmdDelete), stretch(), note("Each name is saved as you leave its cell"), at(cmdExit), at(cmdEdit)}),
     }));
 }
 

@@ -62,6 +62,7 @@ frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria
         if (swallow)
             cmdAdd_Click();
     };
+    cmdDelete.isDanger = cmdForget.isDanger = true;
     cmdDelete.click = [this] { cmdDelete_Click(); };
     cboQty.click = [this] { cboQty_Click(); };
     cmdCount.click = [this] { cmdCount_Click(); };
@@ -82,11 +83,11 @@ frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria
                   column({
                       row({column({at(lblFields), at(lbxFields).wide(34).high(3)}),
                            column({at(lblOperator), at(lbxOperator).wide(10).high(3)}),
-                           column({at(lblCondition), at(txtCondition), row({at(optAnd), at(optOr), stretch(), at(cmdAdd)}), stretch()})
+                           column({at(lblCondition), at(txtCondition),
+                                   row({at(optAnd), at(optOr), stretch(), at(cmdAdd), gap(), at(cmdDelete)}), stretch()})
                                .stretched()})
                           .stretched(3),
                       at(grdSel).high(7).stretched(2),
-                      row({stretch(), at(cmdDelete)}),
                       group(fraSort, row({at(lblSort), at(lbxSortBy).wide(34), gap(), at(optAsc), at(optDesc), stretch()})),
                       group(fraLabels, fields({field("&Quantity:", cboQty, {at(lblQtyN), at(txtQty).wide(10)}).wide(22),
                                                field("&Labels:", cboPrn).wide(44)})),
@@ -94,7 +95,7 @@ frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria
                   column({
                       at(lblKept),
                       at(lbxKept).high(6).stretched(),
-                      row({at(cmdKeep), stretch(), at(cmdForget), at(cmdRecall)}),
+                      row({at(cmdKeep), gap(), at(cmdForget), stretch(), at(cmdRecall)}),
                   }),
               }),
         buttons({at(cmdCount), at(lblCount), stretch(), at(cmdExit), at(cmdGen)}),
