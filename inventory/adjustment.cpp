@@ -64,7 +64,7 @@ void postAdjustment(db::Connection& store, const std::string& sku, const std::st
                   reason + "', " + static_cast<int>(made.quantity) + ", " + made.cost + ")");
     // The store takes such a text for a movement of the registers or of an order, unless it is told.
     if (isMovement(reason))
-        store.Execute("UPDATE InventoryLedger SET Kind = 'Adjustment' WHERE LedgerID = @@IDENTITY");
+        store.Execute("UPDATE InventoryLedger SET Kind = 'Adjustment' WHERE LedgerID = CAST(@@IDENTITY AS int)");
 }
 
 } // namespace merchantry::inventory

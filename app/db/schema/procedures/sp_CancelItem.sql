@@ -2,7 +2,7 @@
 -- and stays 1. More than is open is refused.
 CREATE PROCEDURE sp_CancelItem @StoreID int, @PONumber int, @SKU varchar(100), @MatrixSKU varchar(100), @Quantity int, @CancelNumber int AS
 SET NOCOUNT ON
-DECLARE @POID int
+DECLARE @POID int, @line int
 SELECT @POID = POID FROM PurchaseOrder WHERE PONumber = @PONumber
 -- Looks and writes at once, so that two sessions never give up the same pieces.
 UPDATE PurchaseOrderItem SET QtyCanceled = QtyCanceled + @Quantity
@@ -15,4 +15,5 @@ END
 INSERT INTO PurchaseOrderCancel (CancelNumber, POID, SKU, MatrixSKU, Quantity)
   SELECT CASE WHEN @CancelNumber = -1 THEN (SELECT ISNULL(MAX(CancelNumber), 0) + 1 FROM PurchaseOrderCancel WITH (UPDLOCK, HOLDLOCK)) ELSE @CancelNumber END,
     @POID, @SKU, @MatrixSKU, @Quantity
-SELECT CancelNumber FROM PurchaseOrderCancel WHERE CancelLineID = SCOPE_IDENTITY()
+SET @line = SCOPE_IDENTITY() -- a decimal: compared as such it would find no index
+SELECT CancelNumber FROM PurchaseOrderCancel WHERE CancelLineID = @line

@@ -6,7 +6,7 @@
 CREATE PROCEDURE sp_ReceiveItem @StoreID int, @PONumber int, @SKU varchar(100), @MatrixSKU varchar(100), @Quantity int, @Cost money, @Share money, @CostID int,
   @ReceiptNumber int, @PartNo varchar(50) AS
 SET NOCOUNT ON
-DECLARE @POID int, @received int, @refused int
+DECLARE @POID int, @received int, @line int
 SELECT @POID = o.POID, @received = i.QtyRecvd + @Quantity FROM PurchaseOrder o INNER JOIN PurchaseOrderItem i ON i.POID = o.POID
   WHERE o.PONumber = @PONumber AND i.SKU = @SKU AND i.MatrixSKU = @MatrixSKU
 IF @POID IS NULL
@@ -14,14 +14,17 @@ BEGIN
   RAISERROR('Order %d has no line for the item %s.', 16, 1, @PONumber, @MatrixSKU)
   RETURN
 END
-EXEC @refused = bsp_CheckQuantity @MatrixSKU, @received, 'the received quantity'
-IF @refused <> 0
+IF @received NOT BETWEEN -32768 AND 32767
+BEGIN
+  EXEC bsp_CheckQuantity @MatrixSKU, @received, 'the received quantity'
   RETURN
+END
 -- One statement counts and writes, so that two sessions never get the same number.
 INSERT INTO PurchaseOrderReceipt (ReceiptNumber, POID, SKU, MatrixSKU, Quantity, Cost, OtherCost, CostID)
   SELECT CASE WHEN @ReceiptNumber = -1 THEN (SELECT ISNULL(MAX(ReceiptNumber), 0) + 1 FROM PurchaseOrderReceipt WITH (UPDLOCK, HOLDLOCK)) ELSE @ReceiptNumber END,
     @POID, @SKU, @MatrixSKU, @Quantity, @Cost, @Share, NULLIF(@CostID, 0)
-SELECT @ReceiptNumber = ReceiptNumber FROM PurchaseOrderReceipt WHERE ReceiptLineID = SCOPE_IDENTITY()
+SET @line = SCOPE_IDENTITY() -- a decimal: compared as such it would find no index
+SELECT @ReceiptNumber = ReceiptNumber FROM PurchaseOrderReceipt WHERE ReceiptLineID = @line
 UPDATE PurchaseOrderItem SET QtyRecvd = QtyRecvd + @Quantity, PartNo = @PartNo WHERE POID = @POID AND SKU = @SKU AND MatrixSKU = @MatrixSKU
 UPDATE Stock SET Quantity = Quantity + @Quantity WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU
 IF @@ROWCOUNT = 0

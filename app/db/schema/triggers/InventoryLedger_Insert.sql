@@ -16,11 +16,13 @@
 CREATE TRIGGER InventoryLedger_Insert ON InventoryLedger AFTER INSERT AS
 BEGIN
   SET NOCOUNT ON
-  IF EXISTS (SELECT * FROM inserted WHERE Kind = '')
-    UPDATE InventoryLedger SET Kind = CASE WHEN Type IN ('Sale', 'Return', 'Receipt', 'Cancel') THEN Type WHEN Type = 'Opening Stock' THEN 'Opening' ELSE 'Adjustment' END
-      WHERE Kind = '' AND LedgerID IN (SELECT LedgerID FROM inserted)
   IF NOT EXISTS (SELECT * FROM inserted WHERE QtyAfter IS NULL OR Cost_wt IS NULL)
+  BEGIN
+    IF EXISTS (SELECT * FROM inserted WHERE Kind = '')
+      UPDATE InventoryLedger SET Kind = CASE WHEN Type IN ('Sale', 'Return', 'Receipt', 'Cancel') THEN Type WHEN Type = 'Opening Stock' THEN 'Opening' ELSE 'Adjustment' END
+        WHERE Kind = '' AND LedgerID IN (SELECT LedgerID FROM inserted)
     RETURN
+  END
   DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @onHand int, @average money, @reverses int, @rest decimal(19, 4), @stock int, @posted datetime, @last datetime
   SELECT @id = MIN(LedgerID) FROM inserted
   WHILE @id IS NOT NULL
@@ -51,7 +53,8 @@ BEGIN
     SET @last = NULL
     IF @posted > DATEADD(minute, -1, GETDATE())
       SELECT @last = MAX(PostDate) FROM InventoryLedger WHERE SKU = @sku AND MatrixSKU = @matrix AND LedgerID < @id
-    UPDATE InventoryLedger SET QtyAfter = @onHand + @qty, Cost_wt = @average, PostDate = CASE WHEN @last >= @posted THEN DATEADD(millisecond, 4, @last) ELSE @posted END WHERE LedgerID = @id
+    UPDATE InventoryLedger SET Kind = CASE WHEN Kind <> '' THEN Kind WHEN Type IN ('Sale', 'Return', 'Receipt', 'Cancel') THEN Type WHEN Type = 'Opening Stock' THEN 'Opening' ELSE 'Adjustment' END,
+      QtyAfter = @onHand + @qty, Cost_wt = @average, PostDate = CASE WHEN @last >= @posted THEN DATEADD(millisecond, 4, @last) ELSE @posted END WHERE LedgerID = @id
     SELECT @id = MIN(LedgerID) FROM inserted WHERE LedgerID > @id
   END
 END
