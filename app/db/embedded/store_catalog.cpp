@@ -173,10 +173,7 @@ void StoreCatalog::typeComputed(TableDef& table) {
     for (tsql::ColumnDef& column : table.columns) {
         if (!column.computed)
             continue;
-        TableDef plain = table;
-        for (tsql::ColumnDef& other : plain.columns)
-            other.computed = nullptr;
-        const tsql::Typed value = tsql::Binder(tsql::BindContext{*this, kNone}).computed(plain, *column.computed);
+        const tsql::Typed value = tsql::Binder(tsql::BindContext{*this, kNone}).computed(table, *column.computed);
         column.type = value.type;
         column.nullable = true;
     }

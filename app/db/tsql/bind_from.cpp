@@ -148,10 +148,34 @@ std::string Binder::bindTable(const TableRef& ref, Scope& scope) {
     throw nameError(208, "Invalid object name '" + ref.name.toText() + "'.", ref.line);
 }
 
-BoundColumn Binder::tableColumn(const Source& source, std::size_t column) const {
+// A computed column is its expression over the other columns of the source.
+Typed Binder::computedValue(const Source& source, std::size_t column) {
+    const TableDef& table = *source.table;
+    if (inComputed_)
+        throw typeError(1759,
+                        "Computed column '" + table.columns[column].name + "' in table '" + table.name +
+                            "' is not allowed to be used in another computed-column definition.",
+                        table.columns[column].computed->line);
+    const Restore inside(inComputed_, true);
+    Scope own;
+    own.sources.push_back(source);
+    const Restore here(scope_, &own);
+    Typed value = bindValueOf(*table.columns[column].computed);
+    value.table = source.table;
+    value.column = static_cast<int>(column);
+    value.isColumn = false;
+    value.literal.reset();
+    return value;
+}
+
+BoundColumn Binder::tableColumn(const Source& source, std::size_t column) {
     const ColumnDef& definition = source.table->columns[column];
     BoundColumn bound;
     bound.name = definition.name;
+    if (definition.computed) {
+        bound.value = computedValue(source, column);
+        return bound;
+    }
     bound.value.sql = (source.sqlAlias.empty() ? "" : source.sqlAlias + ".") + quotedName(definition.name);
     bound.value.type = definition.type;
     bound.value.nullable = definition.nullable;
@@ -164,7 +188,7 @@ BoundColumn Binder::tableColumn(const Source& source, std::size_t column) const 
 }
 
 // Makes all columns of a source that were not made yet.
-void Binder::complete(Source& source) const {
+void Binder::complete(Source& source) {
     if (!source.table)
         return;
     for (std::size_t i = 0; i < source.table->columns.size(); ++i)
@@ -180,25 +204,6 @@ Source Binder::tableSourceOf(std::shared_ptr<const TableDef> table, const std::s
     if (!table->readOnly)
         source.bases.push_back({table, prefix + "_rowid_"});
     source.name.parts.push_back(table->name);
-    const bool hasComputed =
-        std::any_of(table->columns.begin(), table->columns.end(), [](const ColumnDef& column) { return column.computed != nullptr; });
-    if (hasComputed) {
-        complete(source);
-        Source* filled = &source;
-        for (std::size_t i = 0; i < table->columns.size(); ++i) {
-            if (!table->columns[i].computed)
-                continue;
-            Scope own;
-            own.sources.push_back(*filled);
-            const Restore here(scope_, &own);
-            Typed value = bindValueOf(*table->columns[i].computed);
-            value.table = table;
-            value.column = static_cast<int>(i);
-            value.isColumn = false;
-            value.literal.reset();
-            source.columns[i].value = std::move(value);
-        }
-    }
     return source;
 }
 

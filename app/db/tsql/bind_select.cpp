@@ -284,7 +284,7 @@ void Binder::bindItems(const SelectCore& core, Scope& scope, BoundQuery& result)
     }
 }
 
-void Binder::expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns) const {
+void Binder::expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns) {
     bool found = false;
     for (Source& source : scope.sources) {
         if (!item.starOf.empty() && !sameName(source.exposed, item.starOf.last()))

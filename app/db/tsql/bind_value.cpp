@@ -62,6 +62,7 @@ Typed Binder::computed(const TableDef& table, const Expr& expr) {
     scope.sources.push_back(tableSourceOf(plain, ""));
     scope.sources[0].exposed = table.name;
     const Restore here(scope_, &scope);
+    const Restore inside(inComputed_, true);
     return bindValue(expr);
 }
 

@@ -183,7 +183,7 @@ private:
     std::string orderBy(const std::vector<OrderItem>& items, Scope* scope, const BoundQuery& result);
     std::string orderItem(const OrderItem& item, Scope* scope, const BoundQuery& result, std::string& key);
     void bindTop(const TopClause& top, BoundQuery& result);
-    void expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns) const;
+    void expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns);
     static std::string render(const BoundQuery& query, const Binder& binder, const std::vector<SqlType>* types = nullptr,
                               bool unnamed = false);
     std::vector<SqlType> columnTypes(const BoundQuery& query) const;
@@ -202,11 +202,11 @@ private:
     std::string bindCommonTable(const TableRef& ref, const CommonTable& table, Scope& scope);
     std::string bindRecursive(const TableRef& ref, const CommonTable& table, Scope& scope);
     void addSource(Scope& scope, Source source, const TableRef& ref);
-    BoundColumn tableColumn(const Source& source, std::size_t column) const;
-    void complete(Source& source) const;
+    Typed computedValue(const Source& source, std::size_t column);
+    BoundColumn tableColumn(const Source& source, std::size_t column);
+    void complete(Source& source);
     Source tableSourceOf(std::shared_ptr<const TableDef> table, const std::string& sqlAlias);
     std::string fromRecursion(const TableRef& ref, Scope& scope, std::size_t index);
-    void fillComputed(Source& source);
     std::shared_ptr<const TableDef> findTable(const ObjectName& name);
     const CommonTable* findCommonTable(const ObjectName& name) const;
     std::string nextAlias();
@@ -258,6 +258,7 @@ private:
     std::vector<Recursion> recursions_;
     int maxRecursion_ = 100;
     bool inDefinition_ = false;                          // of a check, which has no places
+    bool inComputed_ = false; // within a computed column, which may use no other
     std::vector<std::pair<std::string, Typed>> inlined_; // parameters of a table function
     std::set<int> assigned_;                             // slots that this statement sets while it runs
     int aliases_ = 0;
