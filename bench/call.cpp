@@ -53,7 +53,8 @@ void require(long ours, long bare) {
 
 class PreparedLookup {
 public:
-    explicit PreparedLookup(const BareStore& store) : statement_(store.prepare("SELECT * FROM Item WHERE SKU = ?1 AND MatrixSKU = ?2")) {}
+    explicit PreparedLookup(const BareStore& store)
+        : statement_(store.prepare("SELECT *, 1 AS \"True\" FROM Item WHERE SKU = ?1 AND MatrixSKU = ?2")) {}
     ~PreparedLookup() { sqlite3_finalize(statement_); }
     PreparedLookup(const PreparedLookup&) = delete;
     PreparedLookup& operator=(const PreparedLookup&) = delete;
@@ -156,6 +157,34 @@ void adHocStatement(const ItemStore& items, const BareStore& bare) {
     require(reader.sum, sum);
 }
 
+// The row that was just given its number, among 100,000, sought by that number: a decimal beside a column of integers.
+void newestRow(const ItemStore& items, const BareStore& bare) {
+    const auto session = items.session();
+    db::NoResult none;
+    session->execute("CREATE TABLE Numbered (ID int IDENTITY PRIMARY KEY, Code varchar(100)) INSERT INTO Numbered SELECT SKU FROM Item "
+                     "INSERT INTO Numbered VALUES ('the newest')",
+                     none);
+    sqlite3_stmt* const statement = bare.prepare("SELECT Code FROM Numbered WHERE ID = ?1");
+    Reader reader;
+    long sum = 0;
+    ratio(
+        "50 looks for the newest row by @@IDENTITY", kRuns,
+        [&] {
+            for (int i = 0; i < kCallsInRun; ++i)
+                session->execute("SELECT Code FROM Numbered WHERE ID = @@IDENTITY", reader);
+        },
+        [&] {
+            for (int i = 0; i < kCallsInRun; ++i) {
+                sqlite3_bind_int64(statement, 1, kItems + 1);
+                while (sqlite3_step(statement) == SQLITE_ROW)
+                    sum += readRow(statement);
+                sqlite3_reset(statement);
+            }
+        });
+    sqlite3_finalize(statement);
+    require(reader.sum, sum);
+}
+
 } // namespace
 
 int main() {
@@ -164,5 +193,6 @@ int main() {
     procedure(items, bare);
     recordset(items, bare);
     adHocStatement(items, bare);
+    newestRow(items, bare);
     return 0;
 }

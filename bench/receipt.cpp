@@ -9,6 +9,7 @@
 #include "purchasing/receiveline.h"
 
 #include <cstring>
+#include <ctime>
 
 using namespace merchantry;
 using namespace merchantry::bench;
@@ -39,6 +40,16 @@ void order(db::Session& session) {
     session.begin();
     session.execute(batch, none);
     session.commit();
+}
+
+// The clock as a store keeps it: local milliseconds since 1900.
+std::int64_t localNow() {
+    constexpr std::int64_t k1970 = 25'567LL * 86'400'000;
+    std::timespec now{};
+    std::timespec_get(&now, TIME_UTC);
+    std::tm local{};
+    localtime_r(&now.tv_sec, &local);
+    return k1970 + (now.tv_sec + local.tm_gmtoff) * 1000 + now.tv_nsec / 1'000'000;
 }
 
 // One statement, prepared once: bound, stepped to its end, reset.
@@ -102,6 +113,7 @@ public:
               store,
               "SELECT QtyAfter, Cost_wt FROM InventoryLedger WHERE SKU = ?1 AND MatrixSKU = ?2 AND LedgerID < ?3 AND QtyAfter IS NOT NULL "
               "ORDER BY LedgerID DESC LIMIT 1"),
+          latest_(store, "SELECT max(PostDate) FROM InventoryLedger WHERE SKU = ?1 AND MatrixSKU = ?2 AND LedgerID < ?3"),
           after_(store, "UPDATE InventoryLedger SET QtyAfter = ?2, Cost_wt = ?3 WHERE LedgerID = ?1"),
           status_(store,
                   "UPDATE PurchaseOrder SET Status = CASE WHEN EXISTS (SELECT * FROM PurchaseOrderItem i WHERE i.POID = PurchaseOrder.POID "
@@ -109,6 +121,7 @@ public:
 
     void post(std::int64_t PONumber, const std::vector<purchasing::ReceiveLine>& lines) {
         begin_.run();
+        const std::int64_t now = localNow();
         std::int64_t number = -1;
         std::int64_t receiptId = lastReceipt_.run()[0];
         std::int64_t ledgerId = lastLedger_.run()[0];
@@ -117,14 +130,16 @@ public:
             if (number == -1)
                 number = newest_.run()[0];
             (receipt_ << ++receiptId << number << poid << line.SKU << line.MatrixSKU << line.RecvQty << line.Cost.units()
-                      << line.OtherCostShare.units() << kNow)
+                      << line.OtherCostShare.units() << now)
                 .run();
             (received_ << poid << line.SKU << line.MatrixSKU << line.RecvQty << line.PartNo).run();
             (stock_ << line.SKU << line.MatrixSKU << line.RecvQty).run();
             const std::int64_t each =
                 dividedAwayFromZero(static_cast<__int128>(line.Cost.units()) * line.RecvQty + line.OtherCostShare.units(), line.RecvQty);
-            (ledger_ << ++ledgerId << line.SKU << line.MatrixSKU << line.RecvQty << each << kNow).run();
+            (ledger_ << ++ledgerId << line.SKU << line.MatrixSKU << line.RecvQty << each << now).run();
             const auto [onHand, average] = (before_ << line.SKU << line.MatrixSKU << ledgerId).run();
+            if ((latest_ << line.SKU << line.MatrixSKU << ledgerId).run()[0] >= now)
+                fromTheFuture_ = true; // a date that the ledger's trigger would move
             const std::int64_t weighted = dividedAwayFromZero(
                 static_cast<__int128>(onHand) * average + static_cast<__int128>(line.RecvQty) * each, onHand + line.RecvQty);
             (after_ << ledgerId << onHand + line.RecvQty << weighted).run();
@@ -133,15 +148,17 @@ public:
         (keepReceipt_ << std::string("PurchaseOrderReceipt") << receiptId).run();
         (keepLedger_ << std::string("InventoryLedger") << ledgerId).run();
         commit_.run();
+        if (fromTheFuture_)
+            std::printf("DIFFERENT: a movement of the future\n");
     }
 
 private:
-    static constexpr std::int64_t kNow = 46'000LL * 86'400'000;
     static constexpr const char* kKeep =
         "INSERT INTO ts_identity(id, last) SELECT id, ?2 FROM ts_object WHERE name = ?1 ON CONFLICT(id) DO UPDATE SET "
         "last = excluded.last";
     Prepared begin_, commit_, order_, newest_, lastReceipt_, keepReceipt_, keepLedger_, lastLedger_, receipt_, received_, stock_, ledger_,
-        before_, after_, status_;
+        before_, latest_, after_, status_;
+    bool fromTheFuture_ = false;
 };
 
 std::vector<purchasing::ReceiveLine> received() {

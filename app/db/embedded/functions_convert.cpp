@@ -30,6 +30,16 @@ void store(const Call& call) {
     call.give(tsql::converted(call.cell(0), tsql::typeOfCode(call.integer(1)), tsql::typeOfCode(call.integer(2)), ConvertFor::Column));
 }
 
+// A whole decimal as a number that SQLite compares with integers: what no integer holds is beyond all of them.
+void whole(const Call& call) {
+    const __int128 digits = tsql::digitsOf(call.cell(0));
+    const auto number = static_cast<std::int64_t>(digits);
+    if (number == digits)
+        call.give(number);
+    else
+        call.give(static_cast<double>(digits));
+}
+
 // Null where the conversion fails.
 void tryConvert(const Call& call) {
     if (call.isNull(0))
@@ -94,6 +104,7 @@ void registerConvertFunctions(sqlite3* db, FunctionHost& host) {
     static constexpr auto kEntries = std::to_array<FunctionEntry>({
         {"ts_cv", -1, convert, true, false},
         {"ts_st", 3, store, true, false},
+        {"ts_whole", 1, whole},
         {"ts_try", 4, tryConvert, true, false},
         {"ts_bytes", 2, joinBytes},
         {"ts_last", -1, last, false, false},

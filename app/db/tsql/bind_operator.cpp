@@ -52,6 +52,17 @@ SqlType exactType(const Typed& value, const SqlType& high) {
     return asDecimal(value.type);
 }
 
+// A whole decimal of many digits, SCOPE_IDENTITY() above all, beside a column of integers: it becomes a number, since the column as a
+// decimal would find no index.
+void keepColumnBare(const Typed& column, Typed& other) {
+    const bool wide = other.type.kind == TypeKind::Decimal && other.type.scale == 0 && other.type.precision > 18;
+    if (!column.isColumn || !column.type.isWhole() || !wide || other.isColumn)
+        return;
+    other.sql = "ts_whole(" + other.sql + ")";
+    other.type = column.type;
+    other.literal.reset();
+}
+
 } // namespace
 
 Typed Binder::unary(const Expr& expr) {
@@ -264,6 +275,8 @@ std::string Binder::compare(const std::string& op, Typed left, Typed right, int 
     const bool nullable = !context_.ansiNulls && (op == "=" || op == "<>");
     const std::string meant =
         nullable && (isNull(left) || isNull(right) || left.sql[0] == '?' || right.sql[0] == '?') ? (op == "=" ? " IS " : " IS NOT ") : op;
+    keepColumnBare(left, right);
+    keepColumnBare(right, left);
     SqlType type = commonType(left.type, right.type, line);
     if (type.kind == TypeKind::Null)
         type = simpleType(TypeKind::Int);

@@ -23,8 +23,11 @@ END
 INSERT INTO PurchaseOrderReceipt (ReceiptNumber, POID, SKU, MatrixSKU, Quantity, Cost, OtherCost, CostID)
   SELECT CASE WHEN @ReceiptNumber = -1 THEN (SELECT ISNULL(MAX(ReceiptNumber), 0) + 1 FROM PurchaseOrderReceipt WITH (UPDLOCK, HOLDLOCK)) ELSE @ReceiptNumber END,
     @POID, @SKU, @MatrixSKU, @Quantity, @Cost, @Share, NULLIF(@CostID, 0)
-SET @line = SCOPE_IDENTITY() -- a decimal: compared as such it would find no index
-SELECT @ReceiptNumber = ReceiptNumber FROM PurchaseOrderReceipt WHERE ReceiptLineID = @line
+IF @ReceiptNumber = -1
+BEGIN
+  SET @line = SCOPE_IDENTITY()
+  SELECT @ReceiptNumber = ReceiptNumber FROM PurchaseOrderReceipt WHERE ReceiptLineID = @line
+END
 UPDATE PurchaseOrderItem SET QtyRecvd = QtyRecvd + @Quantity, PartNo = @PartNo WHERE POID = @POID AND SKU = @SKU AND MatrixSKU = @MatrixSKU
 UPDATE Stock SET Quantity = Quantity + @Quantity WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU
 IF @@ROWCOUNT = 0

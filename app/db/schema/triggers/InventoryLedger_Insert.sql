@@ -24,10 +24,13 @@ BEGIN
     RETURN
   END
   DECLARE @id int, @sku varchar(100), @matrix varchar(100), @qty int, @cost money, @onHand int, @average money, @reverses int, @rest decimal(19, 4), @stock int, @posted datetime, @last datetime
-  SELECT @id = MIN(LedgerID) FROM inserted
-  WHILE @id IS NOT NULL
+  SET @id = -2147483648
+  WHILE 1 = 1
   BEGIN
-    SELECT @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @reverses = ReversesID, @posted = PostDate, @onHand = 0, @average = NULL FROM inserted WHERE LedgerID = @id
+    SELECT TOP 1 @id = LedgerID, @sku = SKU, @matrix = MatrixSKU, @qty = Qty, @cost = Cost_ea, @reverses = ReversesID, @posted = PostDate, @onHand = 0, @average = NULL, @last = NULL
+      FROM inserted WHERE LedgerID > @id ORDER BY LedgerID
+    IF @@ROWCOUNT = 0
+      BREAK
     -- Whoever holds the item's stock row builds on its last movement; others wait.
     SELECT @stock = Quantity FROM Stock WITH (UPDLOCK, HOLDLOCK) WHERE SKU = @sku AND MatrixSKU = @matrix
     SELECT TOP 1 @onHand = QtyAfter, @average = Cost_wt FROM InventoryLedger
@@ -50,11 +53,12 @@ BEGIN
       SET @average = ROUND((CAST(@onHand AS decimal(10, 0)) * CAST(@average AS decimal(19, 4)) + @qty * CAST(@cost AS decimal(19, 4))) / (@onHand + @qty), 4)
     ELSE IF @average IS NULL
       SET @average = @cost
-    SET @last = NULL
     IF @posted > DATEADD(minute, -1, GETDATE())
       SELECT @last = MAX(PostDate) FROM InventoryLedger WHERE SKU = @sku AND MatrixSKU = @matrix AND LedgerID < @id
     UPDATE InventoryLedger SET Kind = CASE WHEN Kind <> '' THEN Kind WHEN Type IN ('Sale', 'Return', 'Receipt', 'Cancel') THEN Type WHEN Type = 'Opening Stock' THEN 'Opening' ELSE 'Adjustment' END,
-      QtyAfter = @onHand + @qty, Cost_wt = @average, PostDate = CASE WHEN @last >= @posted THEN DATEADD(millisecond, 4, @last) ELSE @posted END WHERE LedgerID = @id
-    SELECT @id = MIN(LedgerID) FROM inserted WHERE LedgerID > @id
+      QtyAfter = @onHand + @qty, Cost_wt = @average WHERE LedgerID = @id
+    -- Apart, since the date stands in an index and seldom changes.
+    IF @last >= @posted
+      UPDATE InventoryLedger SET PostDate = DATEADD(millisecond, 4, @last) WHERE LedgerID = @id
   END
 END
