@@ -4,8 +4,10 @@
 #include "app/db/embedded/store.h"
 #include "app/db/embedded/storedtexts.h"
 #include "app/db/schema/schema.h"
+#include "app/db/schema/tableparts.h"
 #include "base/text.h"
 
+#include <random>
 #include <set>
 
 namespace merchantry::app {
@@ -71,6 +73,14 @@ std::vector<std::string> changedTexts(const std::vector<db::StoredText>& stored)
     return found;
 }
 
+// The tables as this program makes them: those of a store made for the purpose, which goes again.
+std::map<std::string, std::string> ownTableParts() {
+    const db::NewStoreFile scratch(std::filesystem::temp_directory_path() / ("merchantry-check-" + std::to_string(std::random_device()())));
+    const auto session = db::Store::create(scratch.path())->session();
+    db::createSchema(*session);
+    return db::tableParts(*session);
+}
+
 // A store takes a backup in one transaction. What cannot be opened is not overwritten, since it may hold what can still be saved.
 void requireReplaceable(const std::filesystem::path& file) {
     try {
@@ -102,8 +112,11 @@ std::vector<std::string> checkStoreFile(const std::filesystem::path& file) {
         return found;
     const auto session = db::Store::open(file)->session();
     db::refuseNewerSchema(*session);
-    if (db::schemaVersion(*session) == db::kSchemaVersion)
+    if (db::schemaVersion(*session) == db::kSchemaVersion) {
         found = changedTexts(texts);
+        for (std::string& changed : db::changedTables(db::tableParts(*session), ownTableParts()))
+            found.push_back(std::move(changed));
+    }
     for (std::string& broken : db::brokenInvariants(*session))
         found.push_back(std::move(broken));
     return found;
