@@ -258,7 +258,7 @@ private:
     std::vector<Recursion> recursions_;
     int maxRecursion_ = 100;
     bool inDefinition_ = false;                          // of a check, which has no places
-    bool inComputed_ = false; // within a computed column, which may use no other
+    bool inComputed_ = false;                            // within a computed column, which may use no other
     std::vector<std::pair<std::string, Typed>> inlined_; // parameters of a table function
     std::set<int> assigned_;                             // slots that this statement sets while it runs
     int aliases_ = 0;
