@@ -43,9 +43,9 @@ private:
 
 } // namespace
 
-void ErrLog::Report(std::string& plain, std::string& tag, std::string& procedure, int& style, std::string& caption, int& number,
+void ErrLog::Report(std::string& /*reserved1*/, std::string& tag, std::string& procedure, int& style, std::string& caption, int& number,
                     std::string& description, std::string& /*reserved8*/, int& /*reserved9*/, bool& logToDatabase,
-                    db::ConnectionPtr& connection, int& /*reserved12*/, int& /*reserved13*/) {
+                    db::ConnectionPtr& connection, int& /*reserved12*/, int& /*reserved13*/, const std::string& plain) {
     const auto icon = style == 16 ? ui::MessageIcon::Stop : ui::MessageIcon::Exclamation;
     desk_.message((plain.empty() ? "" : plain + "\r\n\r\n") + "Error " + std::to_string(number) + ": " + description + "\r\n\r\n" + tag +
                       ", " + procedure,

@@ -22,8 +22,8 @@ int errorNumber(const std::exception& error) {
 
 void reportFailure(const FailurePlace& place, const std::exception& error) {
     ModMain& session = modMain();
-    std::string plain = place.plain;
     std::string reserved;
+    std::string reservedToo;
     std::string tag = place.tag;
     std::string procedure = place.procedure;
     std::string caption = place.caption;
@@ -33,7 +33,8 @@ void reportFailure(const FailurePlace& place, const std::exception& error) {
     int zero = 0;
     bool log = place.logToDatabase;
     db::ConnectionPtr connection = log ? session.Conn : nullptr;
-    session.errLog().Report(plain, tag, procedure, style, caption, number, description, reserved, zero, log, connection, zero, zero);
+    session.errLog().Report(reserved, tag, procedure, style, caption, number, description, reservedToo, zero, log, connection, zero, zero,
+                            place.plain);
     if (log)
         session.Conn = connection;
 }
