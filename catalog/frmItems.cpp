@@ -32,9 +32,13 @@ frmItems::frmItems(Desk& desk) : Form(desk, "frmItems", "Item Maintenance") {
     tabItems.change = [this](int left) { tabItems_Change(left); };
     panel.moved = [this] { Populate_FormData(); };
     onKey("F9", [this] { panel.toggle(); });
-    setLayout(row({pages(tabItems, {generalPage(), suppliersPage(), pricePage(), substitutesPage(), notesPage(), matrixPage(), miscPage()})
-                       .stretched(3),
-                   panel.item()}));
+    setLayout(column({
+        row({pages(tabItems, {generalPage(), suppliersPage(), pricePage(), substitutesPage(), notesPage(), matrixPage(), miscPage()})
+                 .stretched(3),
+             panel.item()})
+            .stretched(),
+        undoLine.item(),
+    }));
     offer("CheckSKUs", [this](const auto& arguments) {
         CheckSKUs(arguments.empty() ? "" : arguments[0], arguments.size() > 1 && arguments[1] == "on");
         return std::string();
@@ -285,6 +289,7 @@ void frmItems::txtPriceAmt_LostFocus() {
         guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] { showPrice(); });
         return;
     }
+    WrittenRows rows = pricesOfTier(kRetailTier);
     const bool written = guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] {
         modMain().Conn->Execute(Sql("UPDATE PriceMatrix SET Price = ") + numericPrefix(txtPriceAmt.text()) + " WHERE SKU ='" +
                                 modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU +
@@ -296,6 +301,17 @@ void frmItems::txtPriceAmt_LostFocus() {
     });
     if (!written)
         guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] { showPrice(); });
+    else
+        offerPriceUndo(rows, "txtPriceAmt_LostFocus", kRetailTier);
+    panel.pricesChanged();
+}
+
+// All that this screen shows of the item's prices, as the store has them.
+void frmItems::showPricesAgain() {
+    showPrice();
+    lblRetailUnitPriceAmt.setCaption("$" + txtPriceAmt.text());
+    lblSupRetailPrice.setCaption("$" + txtPriceAmt.text());
+    reloadPrices(selectedTier());
     panel.pricesChanged();
 }
 

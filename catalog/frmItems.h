@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/db/ado/recordset.h"
+#include "app/takeback.h"
 #include "catalog/itempanel.h"
 #include "catalog/itemscreen.h"
 #include "catalog/listplace.h"
@@ -14,6 +15,7 @@
 #include "ui/list.h"
 #include "ui/tabset.h"
 #include "ui/textbox.h"
+#include "ui/undoline.h"
 
 #include <array>
 #include <functional>
@@ -69,6 +71,7 @@ private:
     void readStored(db::Recordset& item);
     void showStored(const std::string& column);
     void showStoredPrice();
+    void showPricesAgain();
     void numberField_LostFocus(ui::TextBox& box, const std::string& procedure, const std::string& column);
     bool neverFilled(const ui::TextBox& box) const;
     void showNameOnTabs();
@@ -82,17 +85,23 @@ private:
     void reloadMatrix();
     void lbxMatrixGroups_Click();
     void cmdAddCategory_Click();
+    void cmdDeleteCatgory_Click();
     void grdItemMatrix_Error();
 
     // Prices.
     void lbxTier_Click();
     int selectedTier() const;
+    static constexpr int kRetailTier = 1;
     void reloadPrices(int tier);
     void cmdAddPriceMatrixItem_Click();
     void grdPriceMatrix_BeforeEdit(int row, int column, bool& cancel);
     void grdPriceMatrix_AfterEdit(int row, int column);
+    void takeEditedPrice(int row, int column);
     void readItemAgain(const std::string& quantity, int column);
     void cmdPriceDelete_Click();
+    app::WrittenRows pricesOfTier(int tier) const;
+    std::string breakNamed(int tier, const std::string& quantity) const;
+    void offerPriceUndo(app::WrittenRows& rows, const std::string& procedure, int tier);
     void grdPriceMatrix_Error();
 
     // Suppliers.
@@ -107,6 +116,8 @@ private:
     void putMinOrderBack(SupplierRow& entry, int row, const std::string& sentence);
     void cmdAddNewSupplier_Click();
     void cmdDeleteSupplier_Click();
+    void showSupplierRows();
+    std::string putSupplierBack(int index, int reading);
     void moveSupplier(int step);
     void grdSuppliers_Error();
     bool ValidateSupplierMatrix();
@@ -118,10 +129,12 @@ private:
     void reloadSubstitutes();
     void showSubstituteCount();
     void cmdSubsAddNew_Click();
+    void cmdSubsDelete_Click();
     void grdSubs_ChangePriority(bool Up);
     void grdSubs_Error();
 
     // Tag-along, sales message, split.
+    void showTagAlong();
     void lblTagAlongSKU_Click();
     void cmdRemoveTagAlong_Click();
     bool writeTagAlong(const std::string& procedure, const Value& sku, const Value& matrixSku);
@@ -252,6 +265,7 @@ private:
     ui::Button cmdExit6{*this, "cmdExit(6)", "E&xit"};
 
     ItemPanel panel{*this};
+    ui::UndoLine undoLine{*this}; // of what the pages delete, and of prices
 
     bool Loaded = false;  // the screen has been populated
     bool Loading = false; // Form_Load is running
@@ -264,9 +278,11 @@ private:
     std::optional<int> SavedTaxIndex;
     std::vector<std::pair<std::string, std::string>> tiers_; // name and id
     ValueBefore LastPrice;
-    std::vector<SupplierRow> suppliers_; // as shown and as deleted; the hidden column of grdSuppliers holds positions in it
-    bool suppliersDropped_ = false;      // changes of them were lost when the item was read again, and nothing was changed since
-    int DefaultSupplier = -1;            // of a new row; -1 when the store has no supplier at all
+    std::optional<app::WrittenRows> editedPrices_; // of the tier, before the edit under way
+    std::vector<SupplierRow> suppliers_;           // as shown and as deleted; the hidden column of grdSuppliers holds positions in it
+    int supplierReadings_ = 0;
+    bool suppliersDropped_ = false; // changes of them were lost when the item was read again, and nothing was changed since
+    int DefaultSupplier = -1;       // of a new row; -1 when the store has no supplier at all
     ValueBefore LastCost;
     ValueBefore LastMinOrder;
     db::RecordsetPtr supplierRows_;

@@ -67,6 +67,7 @@ frmItems_Sales::frmItems_Sales(Desk& desk) : Form(desk, "frmItems_Sales", "Sales
         at(lblSalesInstr),
         at(grdSales).high(12).wide(80).stretched(),
         buttons({at(cmdAdd), gap(), at(cmdDelete), stretch(), at(cmdExit), at(cmdSave)}),
+        undoLine.item(),
     }));
 }
 
@@ -203,8 +204,16 @@ void frmItems_Sales::cmdDelete_Click() {
             desk().message("You must first select a row to delete.", kProduct);
             return;
         }
-        sales_[static_cast<std::size_t>(index)].Deleted = true;
+        SaleEvent& sale = sales_[static_cast<std::size_t>(index)];
+        sale.Deleted = true;
         grdSales.removeRow(grdSales.row());
+        undoLine.offer("Sale from " + sale.DateFrom.dateOnly().toShortText() + " to " + sale.DateTo.dateOnly().toShortText() + " at " +
+                           sale.SalePrice.toDisplay() + " deleted.",
+                       [this, index] {
+                           sales_[static_cast<std::size_t>(index)].Deleted = false;
+                           showGrid();
+                           return std::string();
+                       });
     });
 }
 

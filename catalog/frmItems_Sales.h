@@ -7,6 +7,7 @@
 #include "ui/form.h"
 #include "ui/grid.h"
 #include "ui/label.h"
+#include "ui/undoline.h"
 
 #include <vector>
 
@@ -45,6 +46,7 @@ private:
     ui::Button cmdDelete{*this, "cmdDelete", "&Delete Sale"};
     ui::Button cmdExit{*this, "cmdExit", "Cancel"};
     ui::Button cmdSave{*this, "cmdSave", "&Save and Exit"};
+    ui::UndoLine undoLine{*this};
 
     std::vector<SaleEvent> sales_; // the hidden column of the grid holds positions in it
     bool activated_ = false;

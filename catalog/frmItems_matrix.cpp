@@ -7,6 +7,12 @@ namespace merchantry::catalog {
 using namespace app;
 using namespace ui;
 
+namespace {
+
+constexpr int kCategory = 3; // the column of names
+
+} // namespace
+
 // The Item Matrix page of frmItems: the categories that a matrix item has.
 
 void frmItems::wireMatrix() {
@@ -23,7 +29,7 @@ void frmItems::wireMatrix() {
     lbxMatrixGroups.dropDown = lbxMatrixCategories.dropDown = false;
     lbxMatrixGroups.click = [this] { lbxMatrixGroups_Click(); };
     cmdAddCategory.click = [this] { cmdAddCategory_Click(); };
-    cmdDeleteCatgory.click = [this] { grdItemMatrix.removeRow(grdItemMatrix.row()); };
+    cmdDeleteCatgory.click = [this] { cmdDeleteCatgory_Click(); };
 }
 
 void frmItems::populateMatrix() {
@@ -60,6 +66,14 @@ void frmItems::cmdAddCategory_Click() {
         if (grdItemMatrix.addRow({modMain().CurrentSKU, modMain().CurrentMatrixSKU, (*known)["CategoryID"].text()}))
             reloadMatrix();
     });
+}
+
+void frmItems::cmdDeleteCatgory_Click() {
+    WrittenRows rows({"ItemMatrix", {"SKU", "MatrixSKU", "CategoryID"}},
+                     db::Sql("SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'");
+    const std::string name = grdItemMatrix.text(grdItemMatrix.row(), kCategory);
+    if (grdItemMatrix.removeRow(grdItemMatrix.row()) && rows.compare())
+        offerUndo(undoLine, {kItemsTag, "cmdDeleteCatgory_Click"}, "Category " + name + " removed.", rows, [this] { reloadMatrix(); });
 }
 
 void frmItems::grdItemMatrix_Error() {

@@ -45,12 +45,7 @@ void frmItems::wireSubstitutes() {
     };
     grdSubs.afterRefresh = [this] { guarded({kItemsTag, "grdSubs_AfterDataRefresh"}, [this] { showSubstituteCount(); }); };
     cmdSubsAddNew.click = [this] { cmdSubsAddNew_Click(); };
-    cmdSubsDelete.click = [this] {
-        guarded({kItemsTag, "cmdSubsDelete_Click"}, [this] {
-            if (grdSubs.removeRow(grdSubs.row()))
-                showSubstituteCount();
-        });
-    };
+    cmdSubsDelete.click = [this] { cmdSubsDelete_Click(); };
     imgSubUp.click = [this] { grdSubs_ChangePriority(true); };
     imgSubDown.click = [this] { grdSubs_ChangePriority(false); };
 }
@@ -92,6 +87,19 @@ void frmItems::cmdSubsAddNew_Click() {
     });
 }
 
+void frmItems::cmdSubsDelete_Click() {
+    guarded({kItemsTag, "cmdSubsDelete_Click"}, [this] {
+        WrittenRows rows({"ItemSubstitutes", {"SKU", "MatrixSKU", "SubSKU", "SubMatrixSKU"}},
+                         Sql("SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'");
+        if (!grdSubs.removeRow(grdSubs.row()))
+            return;
+        showSubstituteCount();
+        if (rows.compare())
+            offerUndo(undoLine, {kItemsTag, "cmdSubsDelete_Click"}, "Substitute " + rows.was("SubMatrixSKU").toText() + " removed.", rows,
+                      [this] { reloadSubstitutes(); });
+    });
+}
+
 void frmItems::grdSubs_ChangePriority(bool Up) {
     guarded({kItemsTag, "grdPriceMatrix_Error"}, [&] {
         const int row = grdSubs.row();
@@ -129,7 +137,7 @@ void frmItems::wireMisc() {
 void frmItems::populateMisc() {
     db::Recordset& item = *modMain().ItemRecordset;
     lblMiscSKU.setCaption(modMain().CurrentSKU);
-    lblTagAlongSKU.setCaption(item["TagAlongSKU"].text() + " (" + item["TagAlongMatrixSKU"].text() + ")");
+    showTagAlong();
     txtTagAlongQty.setText(item["TagAlongQty"].text());
     const auto message =
         openList("bsp_SalesMessagesLookup", {intParameter("id", static_cast<int>(item["SalesMsgID"].Value().toInteger()))});
@@ -146,8 +154,22 @@ void frmItems::lblTagAlongSKU_Click() {
 }
 
 void frmItems::cmdRemoveTagAlong_Click() {
-    if (writeTagAlong("cmdRemoveTagAlong", Value(), Value()))
-        lblTagAlongSKU.setCaption(kNoTagAlong);
+    WrittenRows rows({"Item", {"SKU", "MatrixSKU"}},
+                     Sql("SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'");
+    if (!writeTagAlong("cmdRemoveTagAlong", Value(), Value()))
+        return;
+    lblTagAlongSKU.setCaption(kNoTagAlong);
+    if (rows.compare() && !rows.was("TagAlongMatrixSKU").isNull())
+        offerUndo(undoLine, {kItemsTag, "cmdRemoveTagAlong"}, "Tag along item " + rows.was("TagAlongMatrixSKU").toText() + " removed.",
+                  rows, [this] {
+                      readStored(*modMain().ItemRecordset);
+                      showTagAlong();
+                  });
+}
+
+void frmItems::showTagAlong() {
+    db::Recordset& item = *modMain().ItemRecordset;
+    lblTagAlongSKU.setCaption(item["TagAlongSKU"].text() + " (" + item["TagAlongMatrixSKU"].text() + ")");
 }
 
 bool frmItems::writeTagAlong(const std::string& procedure, const Value& sku, const Value& matrixSku) {

@@ -5,10 +5,13 @@
 #include "base/text.h"
 #include "ui/desk.h"
 
+#include <algorithm>
+
 namespace merchantry::catalog {
 
 using namespace app;
 using namespace ui;
+using db::Sql;
 
 namespace {
 
@@ -25,6 +28,9 @@ void frmItems::wirePrices() {
                                {.heading = "Unit Price", .format = Format::Currency}});
     grdPriceMatrix.emptyText = "This tier has no prices for the item.";
     grdPriceMatrix.beforeEdit = [this](int row, int column, bool& cancel) { grdPriceMatrix_BeforeEdit(row, column, cancel); };
+    grdPriceMatrix.validateEdit = [this](int row, int, const std::string&, bool&) {
+        editedPrices_ = pricesOfTier(static_cast<int>(grdPriceMatrix.value(row, kTier).toInteger()));
+    };
     grdPriceMatrix.afterEdit = [this](int row, int column) {
         guarded({kItemsTag, "grdPriceMatrix_AfterEdit"}, [&] { grdPriceMatrix_AfterEdit(row, column); });
     };
@@ -118,6 +124,14 @@ void frmItems::grdPriceMatrix_BeforeEdit(int row, int column, bool& cancel) {
 }
 
 void frmItems::grdPriceMatrix_AfterEdit(int row, int column) {
+    const int tier = static_cast<int>(grdPriceMatrix.value(row, kTier).toInteger());
+    takeEditedPrice(row, column);
+    if (editedPrices_)
+        offerPriceUndo(*editedPrices_, "grdPriceMatrix_AfterEdit", tier);
+    editedPrices_.reset();
+}
+
+void frmItems::takeEditedPrice(int row, int column) {
     if (column == kPrice && grdPriceMatrix.value(row, kPrice).toCurrency().units() == 0) {
         desk().message("Price cannot be zero. Please reenter.", kPofessional, MessageIcon::Information);
         grdPriceMatrix.setText(row, kPrice, LastPrice.last.toText());
@@ -145,12 +159,42 @@ void frmItems::readItemAgain(const std::string& quantity, int column) {
 
 void frmItems::cmdPriceDelete_Click() {
     guarded({kItemsTag, "cmdPriceDelete_Click"}, [this] {
-        if (grdPriceMatrix.selected())
-            grdPriceMatrix.removeRow(grdPriceMatrix.row());
-        else
+        if (!grdPriceMatrix.selected()) {
             desk().message("You must first select a row to delete.", kProduct);
+            return;
+        }
+        const int tier = static_cast<int>(grdPriceMatrix.value(grdPriceMatrix.row(), kTier).toInteger());
+        WrittenRows rows = pricesOfTier(tier);
+        grdPriceMatrix.removeRow(grdPriceMatrix.row());
+        offerPriceUndo(rows, "cmdPriceDelete_Click", tier);
     });
     panel.pricesChanged();
+}
+
+// The item's prices in this tier, before they are written.
+WrittenRows frmItems::pricesOfTier(int tier) const {
+    return {{"PriceMatrix", {"SKU", "MatrixSKU", "Tier", "Quantity"}},
+            Sql("SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "' AND Tier = " + tier};
+}
+
+// "Retail from 10 on"; the price of one piece is just that of its tier.
+std::string frmItems::breakNamed(int tier, const std::string& quantity) const {
+    const auto found = std::find_if(tiers_.begin(), tiers_.end(), [&](const auto& one) { return Value(one.second).toInteger() == tier; });
+    const std::string name = found == tiers_.end() ? "tier " + std::to_string(tier) : found->first;
+    return quantity == "0" || quantity == "1" ? name : name + " from " + quantity + " on";
+}
+
+void frmItems::offerPriceUndo(WrittenRows& rows, const std::string& procedure, int tier) {
+    if (!rows.compare())
+        return;
+    const std::string what = "Price of " + breakNamed(tier, rows.was("Quantity").toText());
+    const std::string price = rows.was("Price").toCurrency().toDisplay();
+    std::string sentence = what + ", " + price + ", deleted.";
+    if (!rows.now("Price").isNull() && rows.was("Quantity") == rows.now("Quantity"))
+        sentence = what + " changed from " + price + " to " + rows.now("Price").toCurrency().toDisplay() + ".";
+    else if (!rows.now("Price").isNull())
+        sentence = what + " begins at " + rows.now("Quantity").toText() + " now.";
+    offerUndo(undoLine, {kItemsTag, procedure}, sentence, rows, [this] { showPricesAgain(); });
 }
 
 void frmItems::grdPriceMatrix_Error() {

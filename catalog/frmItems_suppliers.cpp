@@ -67,10 +67,19 @@ void frmItems::populateSuppliers() {
     suppliers_.clear();
     for (; !supplierRows_->Eof(); supplierRows_->MoveNext())
         takeSupplier(*supplierRows_);
-    grdSuppliers.setDataRows(static_cast<int>(suppliers_.size()));
-    for (int row = 1; row <= grdSuppliers.dataRows(); ++row)
-        PopulateSupplierRow(row, row - 1);
+    ++supplierReadings_;
+    showSupplierRows();
     showSupplierCount();
+}
+
+// Those that are not deleted, in their order in memory.
+void frmItems::showSupplierRows() {
+    grdSuppliers.setDataRows(0);
+    for (std::size_t index = 0; index < suppliers_.size(); ++index)
+        if (!suppliers_[index].Deleted) {
+            grdSuppliers.setDataRows(grdSuppliers.dataRows() + 1);
+            PopulateSupplierRow(grdSuppliers.dataRows(), static_cast<int>(index));
+        }
 }
 
 void frmItems::fillSupplierChoices() {
@@ -236,11 +245,28 @@ void frmItems::cmdDeleteSupplier_Click() {
             desk().message("Please select a valid supplier to remove", kProduct);
             return;
         }
-        suppliers_[static_cast<std::size_t>(index)].Deleted = true;
+        SupplierRow& entry = suppliers_[static_cast<std::size_t>(index)];
+        const std::string name = grdSuppliers.text(grdSuppliers.row(), kSupplier);
+        entry.Deleted = true;
         grdSuppliers.removeRow(grdSuppliers.row());
         suppliersDropped_ = false;
         showSupplierCount();
+        undoLine.offer("Supplier " + name + " at " + entry.Cost.toDisplay() + " removed.",
+                       [this, index, reading = supplierReadings_] { return putSupplierBack(index, reading); });
     });
+}
+
+// Where it stood among the others; nothing is written before the item is left.
+std::string frmItems::putSupplierBack(int index, int reading) {
+    if (reading != supplierReadings_)
+        return "The suppliers were read again meanwhile. Nothing was put back.";
+    suppliers_[static_cast<std::size_t>(index)].Deleted = false;
+    showSupplierRows();
+    for (int row = 1; row <= grdSuppliers.dataRows(); ++row)
+        if (supplierAt(row) == index)
+            grdSuppliers.setCurrent(row, kSupplier);
+    showSupplierCount();
+    return "";
 }
 
 void frmItems::moveSupplier(int step) {
@@ -310,6 +336,7 @@ void frmItems::grdSuppliers_Error() {
     guarded({kItemsTag, "grdSuppliers_Error"}, [this] {
         desk().message("This entry would invalidate your supplier matrix! Please check your entry and try again.", kProduct);
         suppliers_.clear();
+        ++supplierReadings_;
         supplierRows_ = openUpdatable("bsp_SupplierMatrixDetailLookup", itemKey());
         grdSuppliers.bind(supplierRows_.get());
     });

@@ -1,6 +1,7 @@
 #include "inventory/frmInventory_Serial.h"
 
 #include "app/modMain.h"
+#include "app/takeback.h"
 #include "base/numbers.h"
 #include "ui/desk.h"
 
@@ -27,7 +28,7 @@ frmInventory_Serial::frmInventory_Serial(Desk& desk) : Form(desk, "frmInventory_
                        {.heading = "Serial #", .centred = true, .fixedWidth = true, .width = kColumnWidth}});
     grdInv.emptyText = "No serial numbers. F1 adds one.";
     cmdAdd.setToolTip("F1");
-    cmdDelete.setToolTip("Takes the current number away at once, without a question");
+    cmdDelete.setToolTip("Takes the current number away at once; for a minute the line at the foot puts it back");
     cmdDelete.isDanger = true;
     cmdExit.isCancel = true;
 
@@ -47,6 +48,7 @@ frmInventory_Serial::frmInventory_Serial(Desk& desk) : Form(desk, "frmInventory_
         at(lblInstructions),
         at(grdInv).high(12).stretched(),
         buttons({at(cmdAdd), gap(), at(cmdDelete), stretch(), note("F1 adds a number, wherever you are"), at(cmdExit)}),
+        undoLine.item(),
     }));
     offer("ShowSerials", [this](const auto& arguments) {
         const auto argument = [&](std::size_t at) { return at < arguments.size() ? arguments[at] : std::string(); };
@@ -138,6 +140,7 @@ void frmInventory_Serial::addSerial() {
 void frmInventory_Serial::cmdDelete_Click() {
     if (!grdInv.selected())
         return;
+    WrittenRows rows({"StockSerials", {"SerialNo"}}, Sql("SKU = '") + sku_ + "' AND MatrixSKU = '" + matrixSku_ + "'");
     try {
         grdInv.removeRow(grdInv.row());
     } catch (const db::DbError&) {
@@ -145,6 +148,9 @@ void frmInventory_Serial::cmdDelete_Click() {
         return;
     }
     showState();
+    if (rows.compare())
+        offerUndo(undoLine, {kTag, "cmdDelete_Click"}, "Serial number " + rows.was("SerialNo").toText() + " deleted.", rows,
+                  [this] { Form_Load(); });
 }
 
 // Whatever the store refused: the list is read anew, so that the refused number disappears.

@@ -5,6 +5,7 @@
 #include "ui/form.h"
 #include "ui/grid.h"
 #include "ui/label.h"
+#include "ui/undoline.h"
 
 #include <cstdint>
 #include <string>
@@ -40,6 +41,7 @@ private:
     ui::Button cmdDelete{*this, "cmdDelete", "&Delete"};
     ui::Button cmdAdd{*this, "cmdAdd", "&Add"};
     ui::Button cmdExit{*this, "cmdExit", "E&xit"};
+    ui::UndoLine undoLine{*this};
 
     std::string sku_;
     std::string matrixSku_;

@@ -69,6 +69,7 @@ frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurc
         supplier_.item(),
         at(grdPOItems).high(12).wide(130).stretched(),
         buttons({at(cmdAddItem), at(cmdViewHist), at(cmdPrint), gap(), at(cmdDeleteItem), stretch(), at(cmdCancel), at(cmdOK)}),
+        undoLine.item(),
     }));
     // Number, supplier, "on" for looking only.
     offer("ShowOrder", [this](const std::vector<std::string>& arguments) {
@@ -279,6 +280,20 @@ void frmPurchaseOrders_Edit::cmdDeleteItem_Click() {
     unsaved_ = true;
     grdPOItems.removeRow(grdPOItems.row());
     showTotal();
+    undoLine.offer("Line of " + line->MatrixSKU + ", " + std::to_string(line->Qty) + " at " + line->Cost.toDisplay() + ", deleted.",
+                   [this, index = static_cast<std::size_t>(line - lines_.data())] { return putLineBack(index); });
+}
+
+// Where it stood among the others; nothing is written before the order is saved.
+std::string frmPurchaseOrders_Edit::putLineBack(std::size_t index) {
+    Line& gone = lines_[index];
+    if (std::any_of(lines_.begin(), lines_.end(), [&](const Line& line) {
+            return !line.Deleted && itemKey(line.SKU, line.MatrixSKU) == itemKey(gone.SKU, gone.MatrixSKU);
+        }))
+        return "Item " + gone.MatrixSKU + " was added to the order again. Nothing was put back.";
+    gone.Deleted = false;
+    fillGrid();
+    return "";
 }
 
 // --- editing ---

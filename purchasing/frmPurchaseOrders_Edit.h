@@ -8,6 +8,7 @@
 #include "ui/form.h"
 #include "ui/grid.h"
 #include "ui/label.h"
+#include "ui/undoline.h"
 
 #include <cstdint>
 #include <string>
@@ -59,6 +60,7 @@ private:
     void cmdAddItem_Click();
     Line lineFor(const ItemPick& item) const;
     void cmdDeleteItem_Click();
+    std::string putLineBack(std::size_t index);
     void grdPOItems_BeforeEdit(int row, int column, bool& cancel);
     void grdPOItems_AfterEdit(int row, int column);
     bool takeCell(Line& line, int column, const std::string& text) const;
@@ -81,6 +83,7 @@ private:
     ui::Button cmdPrint{*this, "cmdPrint", "&Print"};
     ui::Button cmdCancel{*this, "cmdCancel", "&Cancel"};
     ui::Button cmdOK{*this, "cmdOK", "&OK"};
+    ui::UndoLine undoLine{*this};
 
     std::vector<Line> lines_;
     std::string supplierName_;

@@ -49,6 +49,7 @@ void frmPurchaseOrders_Edit::writeOrder() {
     transaction.commit();
     PONumber = number;
     unsaved_ = false;
+    undoLine.dismiss();
     if (isNew)
         showHeading();
     // A line that was taken off is written once: if its item was added again, the next save must not take that off. One that the store

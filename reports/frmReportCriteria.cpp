@@ -99,6 +99,7 @@ frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria
                   }),
               }),
         buttons({at(cmdCount), at(lblCount), stretch(), at(cmdExit), at(cmdGen)}),
+        undoLine.item(),
     }));
 }
 
@@ -197,6 +198,7 @@ void frmReportCriteria::conditionsChanged() {
                          : count == 1 ? "1 condition"
                                       : std::to_string(count) + " conditions");
     lblCount.setCaption("");
+    undoLine.dismiss();
 }
 
 void frmReportCriteria::cmdAdd_Click() {
@@ -236,12 +238,28 @@ void frmReportCriteria::cmdDelete_Click() {
     const int row = grdSel.row();
     if (row < 1 || rowText().empty())
         return say("This row is already blank");
+    const std::string condition = rowText();
+    const auto before = [this, criteria = criteria_, shown = shownRows()] {
+        criteria_ = criteria;
+        for (int at = 1; at <= grdSel.dataRows(); ++at)
+            setRow(at, shown[static_cast<std::size_t>(at - 1)]);
+        conditionsChanged();
+        return std::string();
+    };
     grdSel.removeRow(row);
     grdSel.addRow({""});
     if (criteria_.remove(row))
         setRow(1, criteria_.sql(0));
     grdSel.setCurrent(std::min(row, grdSel.dataRows()), 0);
     conditionsChanged();
+    undoLine.offer("Condition \"" + condition + "\" removed.", before);
+}
+
+std::vector<std::string> frmReportCriteria::shownRows() const {
+    std::vector<std::string> rows;
+    for (int row = 1; row <= grdSel.dataRows(); ++row)
+        rows.push_back(grdSel.text(row, 0));
+    return rows;
 }
 
 std::string frmReportCriteria::sortField() const {

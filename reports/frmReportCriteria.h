@@ -12,6 +12,7 @@
 #include "ui/list.h"
 #include "ui/tabset.h"
 #include "ui/textbox.h"
+#include "ui/undoline.h"
 
 #include <optional>
 #include <string>
@@ -41,6 +42,7 @@ private:
     void cmdAdd_Click();
     void AddCrit();
     void cmdDelete_Click();
+    std::vector<std::string> shownRows() const;
     void cmdGen_Click();
     void generateReport();
     void generateLabels();
@@ -104,6 +106,7 @@ private:
     ui::Label lblCount{*this, "lblCount"};
     ui::Button cmdExit{*this, "cmdExit", "E&xit"};
     ui::Button cmdGen{*this, "cmdGen", "&Generate"};
+    ui::UndoLine undoLine{*this};
 
     std::vector<CriteriaField> Fields; // the first is number 1, as the list's item data says
     Criteria criteria_;                // SqlConditions, DisplayConditions and CriteriaCount

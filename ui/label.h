@@ -23,6 +23,7 @@ public:
     }
 
     bool alignRight = false;
+    bool oneLine = false; // what does not fit ends in dots, and the tool tip says it whole
     std::function<void()> click;
 
 private:

@@ -43,6 +43,10 @@ Item buttons(std::vector<Item> items) {
     return {Kind::Buttons, nullptr, "", std::move(items)};
 }
 
+Item foot(std::vector<Item> items) {
+    return {Kind::Foot, nullptr, "", std::move(items)};
+}
+
 Item title(Control& label) {
     return {Kind::Title, &label, "", {}};
 }

@@ -29,6 +29,7 @@ public:
         Group,   // a frame around one child
         Pages,   // a tab set, one child a page
         Buttons, // the command bar at the foot of a window
+        Foot,    // a line below everything else, whose room is kept while there is nothing on it
         Title,   // a label as the window's heading
         Figure,  // a caption above a label that shows a key figure
         Note,    // a dim line of text
@@ -84,6 +85,7 @@ Item group(Frame& frame, Item content);
 Item box(std::string heading, Item content);
 Item pages(TabSet& tabs, std::vector<Item> contents);
 Item buttons(std::vector<Item> items);
+Item foot(std::vector<Item> items);
 Item title(Control& label);
 Item figure(std::string caption, Control& label);
 Item note(std::string text);

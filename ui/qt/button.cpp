@@ -16,8 +16,10 @@ class ButtonDrawing : public Drawing {
 public:
     ButtonDrawing(FormWindow& host, Button& button, QWidget* parent) : Drawing(host, button, new QPushButton(parent)), button_(button) {
         shown().setAutoDefault(false);
-        shown().setFixedHeight(measure::kField);
-        shown().setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
+        shown().setFixedHeight(button.isQuiet ? measure::kQuiet : measure::kField);
+        QSizePolicy room(QSizePolicy::Minimum, QSizePolicy::Fixed);
+        room.setRetainSizeWhenHidden(button.isQuiet);
+        shown().setSizePolicy(room);
         QObject::connect(&shown(), &QPushButton::clicked, widget_, [this] {
             if (host_.entered(button_))
                 host_.act([this] { gestures::press(button_); });
@@ -36,7 +38,7 @@ private:
     QPushButton& shown() { return *static_cast<QPushButton*>(widget_); }
 
     void showKind() {
-        const char* const kind = button_.isDanger ? "danger" : button_.isDefault ? "default" : "plain";
+        const char* const kind = button_.isQuiet ? "quiet" : button_.isDanger ? "danger" : button_.isDefault ? "default" : "plain";
         if (widget_->property("kind").toString() == QLatin1String(kind))
             return;
         widget_->setProperty("kind", kind);

@@ -100,9 +100,12 @@ void FormWindow::build() {
     outer_->addStrut(kNarrowest);
     content_ = new QWidget;
     buildBars();
-    LayoutBuilder(*this).fill(*content_, form_->layout());
+    LayoutBuilder builder(*this);
+    builder.fill(*content_, form_->layout());
     room_ = new ScrollRoom(content_, this);
     outer_->addWidget(room_, 1);
+    if (QWidget* const foot = builder.foot(this, form_->layout()))
+        outer_->addWidget(foot); // seen also where the content scrolls
     if (menu_ != nullptr) {
         status_ = new QLabel(this);
         status_->setProperty("look", "status");

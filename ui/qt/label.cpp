@@ -20,7 +20,19 @@ public:
     using QLabel::QLabel;
     std::function<void()> clicked;
 
+    // The text, cut off with dots where it does not fit; the tool tip says it whole.
+    void showOnOneLine(const QString& text) {
+        whole_ = text;
+        setToolTip(text);
+        cutOff();
+    }
+
 protected:
+    void resizeEvent(QResizeEvent* event) override {
+        QLabel::resizeEvent(event);
+        if (!whole_.isEmpty())
+            cutOff();
+    }
     void mouseReleaseEvent(QMouseEvent* event) override {
         if (clicked && rect().contains(event->position().toPoint()))
             clicked();
@@ -50,6 +62,11 @@ protected:
         painter.setPen(QPen(palette().color(QPalette::Link), 1.5));
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
     }
+
+private:
+    void cutOff() { setText(fontMetrics().elidedText(whole_, Qt::ElideRight, width())); }
+
+    QString whole_;
 };
 
 constexpr int kLongText = 64; // characters from which a text may take several lines
@@ -58,6 +75,8 @@ class LabelDrawing : public Drawing {
 public:
     LabelDrawing(FormWindow& host, Label& label, QWidget* parent) : Drawing(host, label, new TextLabel(parent)), label_(label) {
         shown().setTextFormat(Qt::PlainText);
+        if (label.oneLine)
+            shown().setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
         if (!label.click)
             return;
         setLook(*widget_, "link");
@@ -91,6 +110,8 @@ private:
         QString text = toQt(label_.caption());
         if (label_.alignRight)
             shown().setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        if (label_.oneLine)
+            return shown().showOnOneLine(text);
         shown().setWordWrap(wraps_ || text.size() > kLongText || text.contains(QLatin1Char('\n')));
         shown().setText(text);
     }

@@ -20,7 +20,7 @@ using Kind = Item::Kind;
 constexpr std::size_t kLongNote = 80; // characters from which a note may take several lines
 
 bool isSpace(const Item& item) {
-    return item.kind() == Kind::Stretch || item.kind() == Kind::Gap || item.kind() == Kind::Empty;
+    return item.kind() == Kind::Stretch || item.kind() == Kind::Gap || item.kind() == Kind::Foot || item.kind() == Kind::Empty;
 }
 
 // Things that are a group in themselves and want 16 around them.
@@ -54,6 +54,17 @@ int beside(const Item& left, const Item& right) {
     if (left.kind() == Kind::Figure && right.kind() == Kind::Figure)
         return 2 * measure::kGroups;
     return isBlock(left) || isBlock(right) || (isChoice(left) && isChoice(right)) ? measure::kGroups : measure::kRelated;
+}
+
+// The line below everything else, which ends the layout; null when there is none.
+const Item* footOf(const Item& layout) {
+    return layout.children().empty() || layout.children().back().kind() != Kind::Foot ? nullptr : &layout.children().back();
+}
+
+// The last of its children that stands inside it.
+const Item* lastOf(const Item& item) {
+    const std::size_t count = item.children().size() - (footOf(item) == nullptr ? 0 : 1);
+    return count == 0 ? nullptr : &item.children()[count - 1];
 }
 
 bool onlyButtons(const Item& column) {
@@ -96,10 +107,23 @@ void LayoutBuilder::fill(QWidget& content, const Item& layout) {
         fillBody(content, layout, measure::kEdge);
 }
 
+QWidget* LayoutBuilder::foot(QWidget* parent, const Item& layout) {
+    const Item* const line = footOf(layout);
+    if (line == nullptr)
+        return nullptr;
+    auto* widget = new QWidget(parent);
+    QWidget* const outside = std::exchange(parent_, widget);
+    const Piece piece = buttons(*line);
+    parent_ = outside;
+    piece.layout->setContentsMargins(measure::kEdge, measure::kHair, measure::kEdge, measure::kHair);
+    widget->setLayout(piece.layout);
+    return widget;
+}
+
 bool LayoutBuilder::fillBody(QWidget& body, const Item& content, int margin) {
     QWidget* const outside = std::exchange(parent_, &body);
     auto* box = made<QVBoxLayout>();
-    box->setContentsMargins(margin, margin, margin, margin);
+    box->setContentsMargins(margin, margin, margin, footOf(content) == nullptr ? margin : measure::kHair);
     const Piece piece = build(content);
     place(*box, content, piece, keepsWidth(content) ? Qt::AlignLeft : Qt::Alignment(), piece.tall);
     if (!piece.tall)
@@ -132,6 +156,7 @@ LayoutBuilder::Piece LayoutBuilder::build(const Item& item) {
         return figure(item);
     case Kind::Note:
         return note(item);
+    case Kind::Foot: // stands outside, see foot
     case Kind::Empty:
     case Kind::Stretch:
     case Kind::Gap:
@@ -253,16 +278,18 @@ LayoutBuilder::Piece LayoutBuilder::column(const Item& item) {
         tall = tall || pieces.back().second.tall || child.stretch() > 0;
         wide = wide || pieces.back().second.wide;
     }
+    const Item* const last = lastOf(item);
+    const bool ended = last != nullptr && last->kind() == Kind::Buttons;
     const Item* before = nullptr;
     for (const auto& [child, piece] : pieces) {
-        if (!tall && child == &item.children().back() && child->kind() == Kind::Buttons)
+        if (!tall && child == last && ended)
             box->addStretch(1);
         if (before != nullptr && !isSpace(*child))
             box->addSpacing(below(*before, *child));
         place(*box, *child, piece, keepsWidth(*child) && !bar ? Qt::AlignLeft : Qt::Alignment(), piece.tall);
         before = isSpace(*child) ? before : child;
     }
-    if (!tall && (item.children().empty() || item.children().back().kind() != Kind::Buttons))
+    if (!tall && !ended)
         box->addStretch(1);
     return {nullptr, box, wide, tall};
 }

@@ -23,6 +23,8 @@ public:
     explicit LayoutBuilder(FormWindow& window) : window_(window) {}
     // Fills an empty widget with the form's layout.
     void fill(QWidget& content, const Item& layout);
+    // The line at the foot that the layout ends with, in a widget of its own; null when it has none.
+    QWidget* foot(QWidget* parent, const Item& layout);
 
 private:
     // A built item: a widget or a layout, and whether it takes the room that is left to the side and below.
