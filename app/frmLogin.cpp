@@ -28,7 +28,7 @@ frmLogin::frmLogin(Desk& desk) : Form(desk, "frmLogin", "Login") {
             field("&User name:", txtLogin0).wide(28),
             field("&Password:", txtLogin1).wide(28),
         }),
-        buttons({at(cmdLogin1), stretch(), at(cmdLogin0)}),
+        buttons({stretch(), at(cmdLogin1), at(cmdLogin0)}),
     }));
 }
 

@@ -33,7 +33,7 @@ frmStockProof::frmStockProof(Desk& desk) : Form(desk, "frmStockProof", "Proof of
         at(grdFound).high(12).stretched(),
         at(lblState),
         at(prgProof),
-        buttons({stretch(), at(cmdExit), at(cmdStop), at(cmdProve)}),
+        buttons({at(cmdStop), stretch(), at(cmdExit), at(cmdProve)}),
     }));
 }
 

@@ -84,7 +84,7 @@ frmSuppliers_Info::frmSuppliers_Info(Desk& desk) : Form(desk, "frmSuppliers_Info
                            }))
                 .stretched(),
         }),
-        buttons({at(cmdExit), stretch(), note("Update saves and closes"), at(cmdCancel), at(cmdUpdate)}),
+        buttons({stretch(), note("Update saves and closes"), at(cmdExit), at(cmdCancel), at(cmdUpdate)}),
     }));
     offer("FetchSupplierInfo", [this](const auto& arguments) {
         FetchSupplierInfo(static_cast<std::int16_t>(std::stoi(arguments.at(0))));

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace merchantry::programs {
@@ -13,6 +14,12 @@ namespace {
 
 // The screens that need more than 800 by 600; frmItems for its side panel.
 const std::set<std::string_view> kLarge{"frmDbConfig", "frmItems", "frmMain"};
+
+std::string wordsOf(const ui::Button& button) {
+    std::string caption = button.caption();
+    std::erase(caption, '&');
+    return caption;
+}
 
 // What is wrong with the place and colour of the deleting buttons in a layout, in its order, which is that of the tab key.
 class DeletingButtons {
@@ -45,8 +52,7 @@ private:
     }
     static bool isRoom(const ui::Item& item) { return item.kind() == ui::Item::Kind::Gap || item.kind() == ui::Item::Kind::Stretch; }
     static bool deletes(const ui::Button& button) {
-        std::string caption = button.caption();
-        std::erase(caption, '&');
+        const std::string caption = wordsOf(button);
         return button.isDanger || caption.starts_with("Delete") || caption.starts_with("Remove") || caption.starts_with("Forget");
     }
 
@@ -54,10 +60,76 @@ private:
     bool behindList_ = false;
 };
 
+// What is wrong with the buttons that end a screen. Escape leaves every screen, by the one button that does; on the bar at the foot those
+// that leave stand at the right, the one of Escape last or before the screen's own action, and the one of Enter last. What is captioned OK
+// or Cancel is that.
+class EndingButtons {
+public:
+    explicit EndingButtons(const ui::Form& form) : form_(form) {
+        const std::size_t cancels = count([](const ui::Button& button) { return button.isCancel; });
+        if (cancels != (kWithoutEscape.contains(form.name()) ? 0U : 1U))
+            complaints += "has " + std::to_string(cancels) + " buttons for Escape\n";
+        if (count([](const ui::Button& button) { return button.isDefault; }) > 1)
+            complaints += "has several buttons for Enter\n";
+        for (const ui::Control* control : form.controls())
+            if (const auto* button = dynamic_cast<const ui::Button*>(control))
+                lookAtCaption(*button);
+        walk(form.layout());
+    }
+    std::string complaints;
+
+private:
+    // The main window and a panel in a list are left otherwise; an item has a field under the keyboard that Escape must not write.
+    inline static const std::set<std::string_view> kWithoutEscape{"frmMain", "frmFieldSearch", "frmItems"};
+    // The Enter that a scanner sends must not post a receipt, and a cancellation cancels everything as it opens.
+    inline static const std::set<std::string_view> kWithoutEnter{"frmPurchaseOrders_Recv", "frmPOCancel"};
+
+    template <class Wanted> std::size_t count(Wanted wanted) const {
+        return static_cast<std::size_t>(std::count_if(form_.controls().begin(), form_.controls().end(), [&](const ui::Control* control) {
+            const auto* const button = dynamic_cast<const ui::Button*>(control);
+            return button != nullptr && wanted(*button);
+        }));
+    }
+    void lookAtCaption(const ui::Button& button) {
+        if (wordsOf(button) == "OK" && button.isDefault == kWithoutEnter.contains(form_.name()))
+            complaints += button.name() + " is OK, and Enter does not press it\n";
+        if (wordsOf(button) == "Cancel" && !button.isCancel)
+            complaints += button.name() + " is Cancel, and Escape does not press it\n";
+    }
+    void walk(const ui::Item& item) {
+        if (item.kind() == ui::Item::Kind::Buttons)
+            lookAtBar(item.children());
+        for (const ui::Item& child : item.children())
+            walk(child);
+    }
+    void lookAtBar(const std::vector<ui::Item>& bar) {
+        std::size_t behind = bar.size(); // how many buttons stand further to the right
+        for (const ui::Item& item : bar)
+            if (dynamic_cast<const ui::Button*>(item.control()) == nullptr)
+                --behind;
+        bool right = std::none_of(bar.begin(), bar.end(), [](const ui::Item& item) { return item.stretch() > 0; });
+        for (const ui::Item& item : bar) {
+            right = right || item.stretch() > 0;
+            const auto* const button = dynamic_cast<const ui::Button*>(item.control());
+            if (button == nullptr)
+                continue;
+            --behind;
+            const std::string words = wordsOf(*button);
+            if (!right && (button->isCancel || button->isDefault || words == "Exit" || words == "Close"))
+                complaints += button->name() + " ends the screen at the left\n";
+            if ((button->isCancel && behind > 1) || (button->isDefault && behind > 0))
+                complaints += button->name() + " does not stand at the end of the bar\n";
+        }
+    }
+
+    const ui::Form& form_;
+};
+
 // Inspects each form at its smallest, at its own size, and large.
 class InspectingStage : public FormStage {
     void look(ui::FormWindow& window, ui::Form& form, const std::string& name) override {
         EXPECT_EQ(DeletingButtons(form.layout()).complaints, "") << name;
+        EXPECT_EQ(EndingButtons(form).complaints, "") << name;
         const QSize own = window.size();
         const QSize least = window.minimumSizeHint();
         const bool fits = least.width() <= 800 && least.height() <= 600;
