@@ -4,6 +4,7 @@
 #include "app/db/schema/schema.h"
 #include "app/movingaverage.h"
 #include "base/currency.h"
+#include "base/shown.h"
 #include "base/text.h"
 
 #include <unordered_map>
@@ -73,7 +74,7 @@ public:
 
 private:
     static std::string told(What what, std::int64_t figure) {
-        return what == What::Balance ? std::to_string(figure) : Currency::fromUnits(figure).toText();
+        return what == What::Balance ? std::to_string(figure) : shownCost(Currency::fromUnits(figure));
     }
     void compare(Built& item, const RowView& row, std::int64_t id, int column, What what, std::int64_t wanted) {
         const bool missing = row.isNull(column);

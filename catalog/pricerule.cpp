@@ -1,6 +1,7 @@
 #include "catalog/pricerule.h"
 
 #include "base/numbers.h"
+#include "base/shown.h"
 #include "base/text.h"
 
 #include <algorithm>
@@ -75,7 +76,7 @@ std::optional<Currency> changeFromText(const std::string& text, bool percent) {
 std::string wordsFor(const PriceRule& rule) {
     const bool lowers = rule.change.units() < 0;
     const Currency size = lowers ? -rule.change : rule.change;
-    const std::string change = rule.percent ? size.toText() + " %" : "$" + size.toText();
+    const std::string change = rule.percent ? shownPercent(size.toText()) : shownCost(size);
     return (lowers ? "-" : "+") + change + (rule.rounding.step.units() == 0 ? "" : std::string(", ") + rule.rounding.caption);
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "base/numbers.h"
+#include "base/shown.h"
 #include "base/text.h"
 #include "purchasing/frmOtherCost.h"
 #include "purchasing/frmPOItemHistory.h"
@@ -331,9 +332,9 @@ void frmPurchaseOrders_Recv::rehearse() {
     for (const RehearsedLine& one : rehearsed(PONumber, lines_, OtherCost_)) {
         const auto margin = one.margin();
         grdRehearsal.addRow({one.line.MatrixSKU, one.line.Name, std::to_string(one.line.RecvQty), one.line.OtherCostShare.toText(),
-                             one.costEach.toFixedText(), std::to_string(one.before.onHand),
-                             one.before.average ? one.costBefore().toFixedText() : "", one.costAfter().toFixedText(),
-                             one.price ? one.price->toText() : "", margin ? std::to_string(*margin) + " %" : "", one.remark()});
+                             shownCost(one.costEach), std::to_string(one.before.onHand),
+                             one.before.average ? shownCost(one.costBefore()) : "", shownCost(one.costAfter()),
+                             one.price ? one.price->toText() : "", margin ? shownPercent(std::to_string(*margin)) : "", one.remark()});
         const int row = grdRehearsal.dataRows();
         if (margin && *margin < 0)
             grdRehearsal.setCellColor(row, 9, Color::Red);

@@ -1,14 +1,10 @@
 #include "purchasing/orderpreview.h"
 
 #include "base/numbers.h"
+#include "base/shown.h"
 
 namespace merchantry::purchasing {
 namespace {
-
-// What an amount differs by, to the last decimal where cents do not tell.
-std::string difference(Currency amount) {
-    return amount == amount.rounded(2) ? amount.toDisplay() : "$" + amount.toText();
-}
 
 std::string counted(int count, const char* one, const char* many) {
     return withThousands(count) + " " + (count == 1 ? one : many);
@@ -27,7 +23,7 @@ std::vector<SupplierOffer> readOffers(db::Recordset& offers) {
 }
 
 std::string whyNot(const SupplierOffer& offer, const SupplierOffer& preferred, SupplierRule rule) {
-    const std::string dearer = difference(offer.Cost - preferred.Cost) + " dearer";
+    const std::string dearer = shownCost(offer.Cost - preferred.Cost) + " dearer";
     const std::string later = "priority " + std::to_string(offer.Priority) + " after " + std::to_string(preferred.Priority);
     if (rule == SupplierRule::LowestCost && offer.Cost != preferred.Cost)
         return dearer;

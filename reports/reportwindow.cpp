@@ -27,10 +27,10 @@ struct Zoom {
     int percent;
 };
 constexpr Zoom kZooms[] = {
-    {"Fit width", ReportView::Fit::Width, 100}, {"Fit page", ReportView::Fit::Page, 100}, {"25 %", ReportView::Fit::Percent, 25},
-    {"50 %", ReportView::Fit::Percent, 50},     {"75 %", ReportView::Fit::Percent, 75},   {"100 %", ReportView::Fit::Percent, 100},
-    {"125 %", ReportView::Fit::Percent, 125},   {"150 %", ReportView::Fit::Percent, 150}, {"200 %", ReportView::Fit::Percent, 200},
-    {"300 %", ReportView::Fit::Percent, 300},   {"400 %", ReportView::Fit::Percent, 400},
+    {"Fit width", ReportView::Fit::Width, 100}, {"Fit page", ReportView::Fit::Page, 100}, {"25%", ReportView::Fit::Percent, 25},
+    {"50%", ReportView::Fit::Percent, 50},      {"75%", ReportView::Fit::Percent, 75},    {"100%", ReportView::Fit::Percent, 100},
+    {"125%", ReportView::Fit::Percent, 125},    {"150%", ReportView::Fit::Percent, 150},  {"200%", ReportView::Fit::Percent, 200},
+    {"300%", ReportView::Fit::Percent, 300},    {"400%", ReportView::Fit::Percent, 400},
 };
 
 std::string counted(int number, const char* one, const char* more) {

@@ -1,5 +1,7 @@
 #include "reports/engine/celltext.h"
 
+#include "base/shown.h"
+
 #include <array>
 #include <cstdio>
 
@@ -71,7 +73,7 @@ std::string figureText(Figure figure, Format format) {
     case Format::Cost:
         return costText(figure);
     case Format::Percent:
-        return withCommas((figure * Figure::ofInteger(100)).toText(1)) + "%";
+        return shownPercent(withCommas((figure * Figure::ofInteger(100)).toText(1)));
     case Format::Integer:
         return withCommas(figure.toText(0));
     case Format::Flag:

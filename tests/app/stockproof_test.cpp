@@ -105,7 +105,7 @@ TEST_F(StockProof, NamesTheFirstRowOfEachItemThatDisagrees) {
     run("UPDATE Stock SET Quantity = 8 WHERE MatrixSKU = 'B2'");
     const Proof proof = prove();
     ASSERT_EQ(proof.ledger.size(), 2U);
-    EXPECT_EQ(proof.ledger[0].sentence(), "Item A/A: ledger row 2 holds the weighted cost 2.4 where its movements make 2.5.");
+    EXPECT_EQ(proof.ledger[0].sentence(), "Item A/A: ledger row 2 holds the weighted cost $2.40 where its movements make $2.50.");
     EXPECT_EQ(proof.ledger[1].sentence(), "Item B/B1: ledger row 4 holds the balance nothing where its movements make 7.");
     ASSERT_EQ(proof.stock.size(), 1U);
     EXPECT_EQ(proof.stock[0].sentence(), "Item B/B2: the stock is 8, its ledger adds up to 7.");

@@ -93,8 +93,8 @@ TEST(PriceRule, ReadsTheUsersNumberOrNothing) {
     EXPECT_EQ(changeFromText("5.125", false), money("5.125"));
     for (const char* bad : {"5%", "0.00001", "x"})
         EXPECT_FALSE(changeFromText(bad, false)) << bad;
-    EXPECT_EQ(wordsFor({true, money("-2.5"), rounding("to end in .99")}), "-2.5 %, to end in .99");
-    EXPECT_EQ(wordsFor({false, money("0.5"), rounding("no rounding")}), "+$0.5");
+    EXPECT_EQ(wordsFor({true, money("-2.5"), rounding("to end in .99")}), "-2.5%, to end in .99");
+    EXPECT_EQ(wordsFor({false, money("0.5"), rounding("no rounding")}), "+$0.50");
 }
 
 } // namespace merchantry::catalog

@@ -1,13 +1,17 @@
 #include "programs/screens.h"
 #include "tests/programs/formstage.h"
 #include "ui/button.h"
+#include "ui/grid.h"
+#include "ui/label.h"
 #include "ui/layout.h"
+#include "ui/list.h"
 #include "ui/qt/inspect.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <regex>
 
 namespace merchantry::programs {
 namespace {
@@ -125,11 +129,59 @@ private:
     const ui::Form& form_;
 };
 
+// What a form shows of money and percentages in another form than that of base/shown.h.
+class ShownFigures {
+public:
+    explicit ShownFigures(const ui::Form& form) {
+        for (const ui::Control* control : form.controls()) {
+            if (const auto* label = dynamic_cast<const ui::Label*>(control); label != nullptr && !kAsTheyStand.contains(label->name()))
+                look(label->name(), label->caption());
+            if (const auto* list = dynamic_cast<const ui::ListBox*>(control))
+                for (const ui::ListEntry& entry : list->entries())
+                    look(list->name(), entry.text);
+            if (const auto* grid = dynamic_cast<const ui::Grid*>(control))
+                look(*grid);
+        }
+    }
+    std::string complaints;
+
+private:
+    // Labels that are told to show "$" and a column's text.
+    inline static const std::set<std::string_view> kAsTheyStand{"lblCostAmt", "lblPriceCostAmt", "lblRetailUnitPriceAmt",
+                                                                "lblSupRetailPrice", "lblPriceSaleAmt"};
+
+    void look(const ui::Grid& grid) {
+        static const std::regex money(R"(\b(Costs?|Price|New Price|Amount|Ext\.|Average|SalePrice)\b)");
+        static const std::regex number(R"(\(?-?[\d,]*\.\d+\)?)");
+        for (int column = 0; column < grid.columnCount(); ++column) {
+            const bool amounts = std::regex_search(grid.text(0, column), money);
+            for (int row = 1; row <= std::min(grid.dataRows(), 20); ++row) {
+                const std::string shown = grid.text(row, column);
+                look(grid.name(), shown);
+                if (amounts && std::regex_match(shown, number))
+                    complain(grid.name(), shown);
+            }
+        }
+    }
+    void look(const std::string& where, const std::string& shown) {
+        static const std::regex percent(R"(\d\s+%)");
+        static const std::regex amount(R"(\$-?[\d,.]*\d)");
+        static const std::regex good(R"(\$\d{1,3}(,\d{3})*\.\d{2}(\d{2})?)");
+        if (std::regex_search(shown, percent))
+            complain(where, shown);
+        for (std::sregex_iterator found(shown.begin(), shown.end(), amount), end; found != end; ++found)
+            if (!std::regex_match(found->str(), good))
+                complain(where, shown);
+    }
+    void complain(const std::string& where, const std::string& shown) { complaints += where + " shows " + shown + "\n"; }
+};
+
 // Inspects each form at its smallest, at its own size, and large.
 class InspectingStage : public FormStage {
     void look(ui::FormWindow& window, ui::Form& form, const std::string& name) override {
         EXPECT_EQ(DeletingButtons(form.layout()).complaints, "") << name;
         EXPECT_EQ(EndingButtons(form).complaints, "") << name;
+        EXPECT_EQ(ShownFigures(form).complaints, "") << name;
         const QSize own = window.size();
         const QSize least = window.minimumSizeHint();
         const bool fits = least.width() <= 800 && least.height() <= 600;
