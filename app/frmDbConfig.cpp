@@ -29,6 +29,7 @@ frmDbConfig::frmDbConfig(Desk& desk) : Form(desk, "frmDbConfig", "Database Confi
     cmdOK.click = [this] { cmdOK_Click(); };
     cmdCancel.click = [this] { unload(); };
 
+    asksBeforeLeaving({&lstConfigs});
     setLayout(column({
         row({
                 box("Stores", column({at(lstConfigs).wide(26).high(9).stretched(), row({at(cmdAdd), gap(), at(cmdRemove)})})),
@@ -97,6 +98,7 @@ void frmDbConfig::cmdAdd_Click() {
 
 void frmDbConfig::showConfig(const DbConfig& config) {
     editing_ = config.ConfigName;
+    nothingUnsaved();
     txtConfigName.setText(config.ConfigName);
     txtServerName.setText(config.ServerName);
     txtInstanceName.setText(config.InstanceName);
@@ -145,7 +147,10 @@ bool frmDbConfig::keepShown() {
     else if (sameText(store.defaultName(), shown.ConfigName))
         store.setDefault("");
     editing_ = shown.ConfigName;
-    return save();
+    if (!save())
+        return false;
+    nothingUnsaved();
+    return true;
 }
 
 bool frmDbConfig::save() {

@@ -110,7 +110,11 @@ frmBulkPrice::frmBulkPrice(Desk& desk) : Form(desk, "frmBulkPrice", "Change Pric
 
     lbxTier.click = [this] { loadPrices(); };
     chkBreaks.click = [this] { loadPrices(); };
-    txtChange.change = [this] { show(); };
+    txtChange.change = [this] {
+        if (txtChange.text().empty())
+            nothingUnsaved();
+        show();
+    };
     lbxBy.click = [this] { show(); };
     lbxRounding.click = [this] { show(); };
     cmdApply.click = [this] { cmdApply_Click(); };
@@ -118,6 +122,7 @@ frmBulkPrice::frmBulkPrice(Desk& desk) : Form(desk, "frmBulkPrice", "Change Pric
     cmdStop.click = [this] { stop_ = true; };
     cmdExit.click = [this] { unload(); };
 
+    asksBeforeLeaving({&tabPrices, &lbxTier, &lbxRounding, &lbxBy, &chkBreaks, &grdPrices, &grdChanges});
     setLayout(column({
         title(lblHeading),
         pages(tabPrices,

@@ -61,10 +61,8 @@ frmItemParent::frmItemParent(Desk& desk) : Form(desk, "frmItemParent", "Matrix P
     dcxDepartment.click = [this] { dcxDepartment_Click(); };
     dcxDepartment.change = [this] { dcxDepartment_Click(); };
     cmdLookupSalesMessage.click = [this] { cmdLookupSalesMessage_Click(); };
-    WireDelayedSearch(txtSearchCriteria, tmrSearchCriteriaDelay, grdItems, [this](const std::string& text) {
-        if (!text.empty())
-            SelectInGrid(grdItems, text);
-    });
+    WireDelayedSearch(txtSearchCriteria, tmrSearchCriteriaDelay, grdItems,
+                      [this](const std::string& text) { TellSearch(grdItems, text, text.empty() || SelectInGrid(grdItems, text)); });
     grdItems.click = [this] { grdItems_Click(); };
     grdItems.dblClick = [this] { cmdSelect_Click(); };
     cmdAddNewItem.click = [this] { cmdAddNewItem_Click(); };

@@ -24,6 +24,10 @@ bool SelectInGrid(Grid& grid, const std::string& text) {
     return false;
 }
 
+void TellSearch(Grid& grid, const std::string& text, bool found) {
+    grid.setStatusText(found || text.empty() ? "" : "Nothing found: no code and no name begins with \"" + text + "\".");
+}
+
 void WireDelayedSearch(TextBox& box, Timer& timer, Grid& grid, std::function<void(const std::string& text)> search) {
     box.change = [&timer] { timer.start(); };
     box.keyDown = [&box, &grid](const std::string& key, bool& swallow) {

@@ -15,6 +15,9 @@ bool SelectInGrid(ui::Grid& grid, const std::string& text);
 // The same in one column only.
 bool SelectInColumn(ui::Grid& grid, const std::string& text, int column);
 
+// Says below the grid that a search for the text found nothing, or takes such words away.
+void TellSearch(ui::Grid& grid, const std::string& text, bool found);
+
 // Has the search run a while after the first change of the box, once for a whole code that is typed or scanned: a change while the timer
 // counts does not start it anew. Enter, which a scanner sends behind a code, presses nothing: it selects the text, so that the next code
 // takes its place. Up and Down move through the grid without leaving the box. The search gets the text without blanks around it.

@@ -158,11 +158,11 @@ void ItemWizardForm::cmdEdit_Click() {
 // A child that was scanned leads to its parent's line.
 void ItemWizardForm::search(const std::string& text) {
     guarded({.tag = kTag, .procedure = "tmrSearchCriteriaDelay_Timer", .plain = "The search could not be made."}, [&] {
+        TellSearch(grdItems, text, true);
         if (!text.empty() && SelectInGrid(grdItems, text))
             return;
         const auto children = openDirect(Sql("Select SKU from Item where MatrixSKU = '") + text + "'");
-        if (!children->Eof())
-            SelectInColumn(grdItems, (*children)["SKU"].text(), 0);
+        TellSearch(grdItems, text, !children->Eof() && SelectInColumn(grdItems, (*children)["SKU"].text(), 0));
     });
 }
 

@@ -110,6 +110,8 @@ frmPOCreate::frmPOCreate(Desk& desk) : Form(desk, "frmPOCreate", "Create a Purch
     cmdOK.click = [this] { cmdOK_Click(); };
     cmdCancel.click = [this] { unload(); };
 
+    asksBeforeLeaving({&optAll, &optReorder, &optSpecItems, &optSpecSupplier, &optSpecDepartment, &optLowestCost, &optPriorityOrder,
+                       &grdPreview, &grdOffers});
     setLayout(column({
         title(lblHeading),
         row({box("Items", column({at(optAll), at(optReorder), at(optSpecItems), at(optSpecSupplier), at(optSpecDepartment)})),
@@ -146,6 +148,7 @@ void frmPOCreate::choiceClicked() {
             lblExplain.setCaption(rule() == SupplierRule::LowestCost ? kExplanations[i].byCost : kExplanations[i].byPriority);
     pickedSources_.clear();
     pickedItems_.clear();
+    nothingUnsaved();
     clearPreview();
 }
 
@@ -162,7 +165,9 @@ bool frmPOCreate::collectLines() {
                       : optReorder.value() || optSpecItems.value() ? PickIndividualItemsItems()
                       : optSpecSupplier.value()                    ? PickItemsBySuppliers()
                                                                    : PickItemsByDepartments();
-    if (!read) { // half a list orders for half a store
+    if (!pickedItems_.empty() || !pickedSources_.empty())
+        touched(cmdPreview); // what was picked is lost with the screen
+    if (!read) {             // half a list orders for half a store
         lines_.clear();
         return false;
     }

@@ -77,6 +77,8 @@ frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria
         return std::string();
     });
 
+    asksBeforeLeaving({&tabCriteria, &lbxFields, &lbxOperator, &lbxSortBy, &lbxKept, &optAnd, &optOr, &optAsc, &optDesc, &grdSel, &cboQty,
+                       &cboPrn, &txtQty});
     setLayout(column({
         pages(tabCriteria,
               {
@@ -199,6 +201,8 @@ void frmReportCriteria::conditionsChanged() {
                                       : std::to_string(count) + " conditions");
     lblCount.setCaption("");
     undoLine.dismiss();
+    if (count == 0 && txtCondition.text().empty())
+        nothingUnsaved();
 }
 
 void frmReportCriteria::cmdAdd_Click() {
@@ -285,6 +289,7 @@ void frmReportCriteria::generateReport() {
     const auto& slots = criteria_.sqlSlots();
     window.Generate(ReportKey, {slots.begin(), slots.end()}, criteria_.count(), optAsc.value(), sort);
     window.setCriteria(criteria_.words());
+    nothingUnsaved();
     desk().show(window);
 }
 
@@ -354,6 +359,7 @@ void frmReportCriteria::generateLabels() {
         return;
     auto& window = desk().newForm<frmReport_Generate>();
     window.GenerateFromRpt(report);
+    nothingUnsaved();
     desk().show(window);
 }
 
@@ -417,6 +423,7 @@ void frmReportCriteria::cmdKeep_Click() {
             kept.display.push_back(criteria_.display(i));
         }
         store.put(kept);
+        nothingUnsaved();
     } catch (const std::exception& error) {
         say(error.what());
     }
