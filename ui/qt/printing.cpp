@@ -75,7 +75,10 @@ std::optional<PrintChoice> QtDesk::printerSetup(const std::string& title, int pa
     dialog.setWindowTitle(toQt(title));
     dialog.setOption(QAbstractPrintDialog::PrintPageRange);
     dialog.setMinMax(1, pages);
+    printer->setFromTo(1, pages);
+    printer->setPrintRange(QPrinter::AllPages);
     dialog.setWindowModality(Qt::ApplicationModal);
+    standOver(dialog, owner(nullptr));
     runDialog(dialog);
     if (dialog.result() != QDialog::Accepted)
         return std::nullopt;

@@ -93,6 +93,12 @@ QToolButton:pressed { background: {line}; }
 QToolButton:focus { border: 2px solid {accent}; padding: 5px 9px; }
 QToolButton:disabled { color: {dim}; }
 QDialog QToolButton { padding: 2px; }
+QDialog QRadioButton::indicator, QDialog QCheckBox::indicator { width: 14px; height: 14px; background: {panel};
+  border: 1px solid {strongLine}; border-radius: 3px; }
+QDialog QRadioButton::indicator { border-radius: 8px; }
+QDialog QRadioButton::indicator:checked { width: 6px; height: 6px; border: 5px solid {accent}; }
+QDialog QCheckBox::indicator:checked { background: {accent}; border-color: {accent}; }
+QDialog QRadioButton::indicator:disabled, QDialog QCheckBox::indicator:disabled { background: {head}; border-color: {line}; }
 QToolButton[look="image"] { padding: 4px; background: {panel}; border-color: {line}; }
 QToolButton[look="image"]:focus { padding: 3px; border-color: {accent}; }
 
