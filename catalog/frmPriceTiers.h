@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/db/ado/recordset.h"
+#include "app/codegrid.h"
 #include "ui/button.h"
 #include "ui/form.h"
 #include "ui/grid.h"
@@ -17,10 +17,7 @@ private:
     void Form_Load() override;
     void Form_Unload(bool& cancel) override;
 
-    void cmdAdd_Click();
-    void cmdDelete_Click();
-    void grdTiers_BeforeEdit(int row, int column, bool& cancel);
-    void grdTiers_AfterEdit(int row, int column);
+    app::CodeTable table();
 
     ui::Label lblHeading{*this, "lblHeading", "Price Tiers"};
     ui::Label lblNote{
@@ -32,7 +29,7 @@ private:
     ui::Button cmdDelete{*this, "cmdDelete", "&Delete"};
     ui::Button cmdExit{*this, "cmdExit", "E&xit"};
 
-    db::RecordsetPtr rows_;
+    app::CodeGrid codes_{grdTiers, table()};
 };
 
 } // namespace merchantry::catalog

@@ -1,9 +1,5 @@
 #include "inventory/frmInvReasonCodes.h"
 
-#include "app/modMain.h"
-#include "base/text.h"
-#include "ui/desk.h"
-
 namespace merchantry::inventory {
 
 using namespace app;
@@ -11,10 +7,7 @@ using namespace ui;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kBase = 1; // the ID of the base code
-constexpr int kIdColumn = 0;
-constexpr int kCodeColumn = 1;
 
 } // namespace
 
@@ -27,10 +20,8 @@ frmInvReasonCodes::frmInvReasonCodes(Desk& desk) : Form(desk, "frmInvReasonCodes
     cmdDelete.isDanger = true;
     cmdExit.isCancel = true;
 
-    grdInvCode.beforeEdit = [this](int row, int column, bool& cancel) { grdInvCode_BeforeEdit(row, column, cancel); };
-    grdInvCode.afterEdit = [this](int row, int column) { grdInvCode_AfterEdit(row, column); };
-    cmdAdd.click = [this] { cmdAdd_Click(); };
-    cmdDelete.click = [this] { cmdDelete_Click(); };
+    cmdAdd.click = [this] { codes_.add(); };
+    cmdDelete.click = [this] { codes_.remove(); };
     cmdExit.click = [this] { unload(); };
 
     setLayout(column({
@@ -41,65 +32,31 @@ frmInvReasonCodes::frmInvReasonCodes(Desk& desk) : Form(desk, "frmInvReasonCodes
     }));
 }
 
-void frmInvReasonCodes::Form_Load() {
-    guarded({"MR_frmDepartments", "Form_Load", caption() + " - Critical Error"}, [this] {
-        release();
-        rsReasonCodes = openBroker("bsp_ReasonCodes", db::CommandType::StoredProcedure, db::CursorType::Dynamic, db::LockType::Optimistic);
-        grdInvCode.bind(rsReasonCodes.get());
-    });
+CodeTable frmInvReasonCodes::table() {
+    const auto isBase = [this](int row) { return codes_.key(row) == kBase; };
+    return {.procedure = "bsp_ReasonCodes",
+            .newRow =
+                [] {
+                    return std::vector<Value>{Value(), std::string("ReasonCode")};
+                },
+            .emptyName = "Enter a valid adjustment code",
+            .nameForEmpty = "Edit Reason Code",
+            .fixed = isBase,
+            .stays = isBase,
+            .question = "Are you certain you wish to delete this Reason Code?",
+            .questionCaption = "Delete Reason Code?",
+            .baseRefusal = "You may not edit or delete the base Reason Code",
+            .loading = {"MR_frmDepartments", "Form_Load", caption() + " - Critical Error"},
+            .adding = {"MR_frmReasonCodes", "Add_Click"},
+            .removing = {"MR_frmReasonCodes", "Delete_Click"}};
 }
 
-void frmInvReasonCodes::release() {
-    grdInvCode.bind(nullptr);
-    closeRows(rsReasonCodes);
+void frmInvReasonCodes::Form_Load() {
+    codes_.load();
 }
 
 void frmInvReasonCodes::Form_Unload(bool& /*cancel*/) {
-    release();
-}
-
-bool frmInvReasonCodes::isBase(int row) const {
-    return grdInvCode.value(row, kIdColumn).toInteger() == kBase;
-}
-
-void frmInvReasonCodes::cmdAdd_Click() {
-    guarded({"MR_frmReasonCodes", "Add_Click"}, [this] {
-        if (rsReasonCodes == nullptr)
-            return; // the codes could not be loaded
-        rsReasonCodes->addRow({Value(), std::string("ReasonCode")});
-        grdInvCode.setCurrent(grdInvCode.dataRows(), kCodeColumn);
-        grdInvCode.setFocus();
-    });
-}
-
-void frmInvReasonCodes::grdInvCode_BeforeEdit(int row, int column, bool& cancel) {
-    cancel = column == kIdColumn || isBase(row);
-}
-
-void frmInvReasonCodes::grdInvCode_AfterEdit(int row, int column) {
-    if (!trimmed(grdInvCode.text(row, column)).empty())
-        return;
-    desk().message("Enter a valid adjustment code", kProduct);
-    guarded({"MR_frmReasonCodes", "grdInvCode_AfterEdit"}, [&] { grdInvCode.setText(row, column, "Edit Reason Code"); });
-}
-
-void frmInvReasonCodes::cmdDelete_Click() {
-    if (desk().message("Are you certain you wish to delete this Reason Code?", "Delete Reason Code?", MessageIcon::Question,
-                       MessageButtons::YesNo) != Answer::Yes)
-        return;
-    const int row = grdInvCode.row();
-    if (row < 1)
-        return;
-    if (isBase(row)) {
-        desk().message("You may not edit or delete the base Reason Code", kProduct);
-        return;
-    }
-    guarded({"MR_frmReasonCodes", "Delete_Click"}, [&] { removeCode(row); });
-}
-
-void frmInvReasonCodes::removeCode(int row) {
-    grdInvCode.removeRow(row);
-    Form_Load();
+    codes_.release();
 }
 
 } // namespace merchantry::inventory

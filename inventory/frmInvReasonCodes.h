@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/db/ado/recordset.h"
+#include "app/codegrid.h"
 #include "ui/button.h"
 #include "ui/form.h"
 #include "ui/grid.h"
@@ -8,8 +8,8 @@
 
 namespace merchantry::inventory {
 
-// The reasons from which every adjustment takes its type. One grid over one table: each cell is written as it is left. Row 1 is the base
-// code; the database moves the adjustments of a deleted code there.
+// The reasons from which every adjustment takes its type. Row 1 is the base code; the database moves the adjustments of a deleted code
+// there.
 class frmInvReasonCodes : public ui::Form {
 public:
     explicit frmInvReasonCodes(ui::Desk& desk);
@@ -17,14 +17,7 @@ public:
 private:
     void Form_Load() override;
     void Form_Unload(bool& cancel) override;
-
-    void cmdAdd_Click();
-    void grdInvCode_BeforeEdit(int row, int column, bool& cancel);
-    void grdInvCode_AfterEdit(int row, int column);
-    void cmdDelete_Click();
-    void removeCode(int row);
-    bool isBase(int row) const;
-    void release();
+    app::CodeTable table();
 
     ui::Label lblHeading{*this, "lblHeading", "Inventory Adjustment Codes"};
     ui::Grid grdInvCode{*this, "grdInvCode"};
@@ -34,7 +27,7 @@ private:
     ui::Button cmdAdd{*this, "cmdAdd", "&Add"};
     ui::Button cmdExit{*this, "cmdExit", "E&xit"};
 
-    db::RecordsetPtr rsReasonCodes;
+    app::CodeGrid codes_{grdInvCode, table()};
 };
 
 } // namespace merchantry::inventory

@@ -320,9 +320,12 @@ bool Grid::userCommit(const std::string& typed) {
         return false;
     editing_ = false;
     editText_.clear();
-    if (typed != rawText(row, column))
+    std::string text = typed;
+    if (endEdit)
+        endEdit(row, column, text);
+    if (text != rawText(row, column))
         form().touched(*this);
-    const bool written = write(row, column, typed);
+    const bool written = write(row, column, text);
     changed(Aspect::Cells);
     if (written && afterEdit)
         afterEdit(row, column);

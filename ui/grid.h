@@ -45,7 +45,8 @@ struct GridBar {
 // the column names as headings where a screen gave none, and ends with afterRefresh. The rows must outlive the binding; the grid notices
 // when they change.
 //
-// The user's edit runs: beforeEdit (may refuse), changeEdit at each keystroke, validateEdit (may refuse), the write, afterEdit.
+// The user's edit runs: beforeEdit (may refuse), changeEdit at each keystroke, validateEdit (may refuse), endEdit (may change what is
+// written), the write, afterEdit.
 // A move of the current cell runs beforeRowColChange (may refuse), rowColChange.
 class Grid : public Control {
 public:
@@ -130,6 +131,7 @@ public:
     std::function<void(int row, int column, bool& cancel)> beforeEdit;
     std::function<void(std::string& text)> changeEdit;
     std::function<void(int row, int column, const std::string& text, bool& cancel)> validateEdit;
+    std::function<void(int row, int column, std::string& text)> endEdit;
     std::function<void(int row, int column)> afterEdit;
     // The source refused a write; the text is its message. Setting handled keeps it from the user.
     std::function<void(const std::string& message, bool& handled)> error;
