@@ -7,6 +7,9 @@
 
 namespace merchantry::app {
 
+// What an item can belong to.
+enum class ItemGroup { Department, TaxClass };
+
 // Every operation that a screen of one subsystem offers to screens of others. A subsystem calls the door; the programs bind it to the
 // screen that answers. A door that is not bound yet is empty, and its command says so in the status bar.
 struct Doors {
@@ -16,6 +19,8 @@ struct Doors {
     std::function<std::string(int mode)> SelectSKU;
     // frmItemList: shows the list of items, not modally, with Add New.
     std::function<void()> ShowItemList;
+    // frmItemsOf: the items of one department or tax class, modal; each can be opened from there.
+    std::function<void(ItemGroup group, int id, const std::string& name)> ItemsOf;
     // frmSKU and frmMatrixSKU: a code typed by the user, empty on Cancel.
     std::function<std::string()> GetSKU;
     std::function<std::string(const std::string& preset)> GetMatrixSKU;

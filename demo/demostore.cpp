@@ -18,8 +18,7 @@ void addShop(db::Session& session) {
     session.execute("UPDATE StoreOptions SET Name = 'Maple Street Gifts & Cycles', Address1 = '214 Maple Street', City = 'Northfield', "
                     "State = 'MN', Zip = '55057', "
                     "Phone = '(507) 555-0142', Fax = '(507) 555-0143', Email = 'shop@maplestreet.example', LayawayPeriod = 90, "
-                    "MinDepositPct = 20, GiftExpire = 730 "
-                    "UPDATE TaxDef SET DefaultTax = 0 WHERE TaxID = 0",
+                    "MinDepositPct = 20, GiftExpire = 730",
                     none);
     registersim::BulkInsert taxes(session, "TaxDef", "Description, Amt, DefaultTax", "tfb");
     taxes.add({"Sales Tax", 6.875, true});
@@ -50,6 +49,7 @@ void fillBase(db::Session& session, const DemoPlan& plan) {
     Goods(session, plan.dataFolder, taxes, tiers, plan.today.dateOnly()).fill();
     addCustomers(session, plan.dataFolder, tiers, plan.today.dateOnly());
     addStaff(session);
+    registersim::run(session, "UPDATE FirstRoad SET PutAway = @p1", "d", {plan.today}); // this shop is at work
     work.commit();
 }
 

@@ -13,6 +13,7 @@
 #include "catalog/frmItemMatrix.h"
 #include "catalog/frmItemParent.h"
 #include "catalog/frmItems.h"
+#include "catalog/frmItemsOf.h"
 #include "catalog/frmItems_Sales.h"
 #include "catalog/frmItems_SalesMsg.h"
 #include "catalog/frmPriceTiers.h"
@@ -41,6 +42,10 @@
 #include "reports/frmReportCriteria.h"
 #include "reports/frmReport_Generate.h"
 #include "reports/frmViewer.h"
+#include "setup/frmDepartments.h"
+#include "setup/frmTaxClasses.h"
+#include "setup/frmTaxTable.h"
+#include "setup/frmTenderTypes.h"
 
 #include <algorithm>
 #include <iterator>
@@ -63,6 +68,7 @@ constexpr Screen kScreens[] = {
     {"frmItemLookup", instanceOf<catalog::frmItemLookup>, false},
     {"frmItemList", instanceOf<catalog::frmItemList>, false},
     {"frmItems", instanceOf<catalog::frmItems>, false},
+    {"frmItemsOf", instanceOf<catalog::frmItemsOf>, false},
     {"frmItemLookupWiz", instanceOf<catalog::frmItemLookupWiz>, false},
     {"frmItemMatrixLookupWiz", instanceOf<catalog::frmItemMatrixLookupWiz>, false},
     {"frmParentLookup", instanceOf<catalog::frmParentLookup>, false},
@@ -91,6 +97,10 @@ constexpr Screen kScreens[] = {
     {"frmPOItemHistory", instanceOf<purchasing::frmPOItemHistory>, false},
     {"frmPurchaseOrder_View", instanceOf<reports::frmPurchaseOrder_View>, false},
     {"frmPurchaseOrders_New", instanceOf<purchasing::frmPurchaseOrders_New>, false},
+    {"frmDepartments", instanceOf<setup::frmDepartments>, true},
+    {"frmTaxClasses", instanceOf<setup::frmTaxClasses>, true},
+    {"frmTaxTable", instanceOf<setup::frmTaxTable>, false},
+    {"frmTenderTypes", instanceOf<setup::frmTenderTypes>, true},
     {"frmReportCriteria", instanceOf<reports::frmReportCriteria>, false},
     {"frmReport_Generate", instanceOf<reports::frmReport_Generate>, false},
     {"frmViewer", instanceOf<reports::frmViewer>, false},
@@ -124,6 +134,7 @@ void bindDoors(ui::Desk& desk) {
     doors.CheckSKUs = [&desk](const std::string& pair, bool modal) { desk.form<frmItems>().CheckSKUs(pair, modal); };
     doors.SelectSKU = [&desk](int mode) { return desk.form<frmItemLookup>().SelectSKU(mode); };
     doors.ShowItemList = [&desk] { desk.form<frmItemList>().ShowFormAddNewVisible(); };
+    doors.ItemsOf = [&desk](app::ItemGroup group, int id, const std::string& name) { desk.form<frmItemsOf>().ShowItems(group, id, name); };
     doors.GetSKU = [&desk] { return desk.form<frmSKU>().GetSKU(); };
     doors.GetMatrixSKU = [&desk](const std::string& preset) { return desk.form<frmMatrixSKU>().GetMatrixSKU(preset); };
     doors.AddNewParent = [] { AddNewParent(); };

@@ -252,6 +252,29 @@ TEST_F(StoreFiles, VersionEightGetsWideOrderNumbersKindsAndTheAveragesOfUndoneWr
     EXPECT_NE(sentenceOf([&] { run(file, "INSERT INTO PurchaseOrderItem (POID, SKU, MatrixSKU) VALUES (7, 'a', 'a')"); }), "");
 }
 
+// Version 9 took any description for a tax class, and had no word on which one is the default.
+TEST_F(StoreFiles, VersionNineKeepsEveryTaxClassUnderANameOfItsOwn) {
+    makeStore();
+    run(file, "DROP TRIGGER TaxDef_Default DROP INDEX TaxDef.IX_TaxDef_Description DROP TABLE FirstRoad DELETE FROM TenderTypes WHERE "
+              "TenderType = 'Mobile Payment' DELETE FROM SchemaVersion INSERT INTO SchemaVersion (Version) VALUES (9)");
+    run(file, "INSERT INTO TaxDef (Amt, Description, DefaultTax) VALUES (5, 'VAT', 1), (6, 'vat ', 1), (7, 'VAT (2)', 0), (8, 'VAT', 0), "
+              "(9, 'NONE', 0), (10, REPLICATE('x', 50), 0), (11, REPLICATE('X', 50), 0)");
+    run(file, "INSERT INTO Item (SKU, MatrixSKU, TaxID) VALUES ('a', 'a', 4)");
+    upgradeStoreFile(file);
+    EXPECT_EQ(sentenceOf([&] { checkStoreFile(file); }), "");
+    run(file,
+        "CREATE TABLE #wanted (Amt float, Description varchar(50), DefaultTax bit) INSERT INTO #wanted VALUES (0, 'None', 0), (5, 'VAT', "
+        "0), "
+        "(6, 'vat (3)', 1), (7, 'VAT (2)', 0), (8, 'VAT (4)', 0), (9, 'NONE (2)', 0), (10, REPLICATE('x', 50), 0), "
+        "(11, REPLICATE('X', 46) + ' (2)', 0) "
+        "IF EXISTS (SELECT Amt, Description, DefaultTax FROM TaxDef EXCEPT SELECT * FROM #wanted) OR (SELECT COUNT(*) FROM TaxDef) <> 8 "
+        "RAISERROR('a class is lost', 16, 1)");
+    run(file, "IF (SELECT t.Amt FROM TaxDef t INNER JOIN Item i ON i.TaxID = t.TaxID) <> 8 RAISERROR('another rate', 16, 1) "
+              "IF (SELECT Available FROM TenderTypes WHERE TenderType = 'Mobile Payment') <> 0 RAISERROR('offered unasked', 16, 1) "
+              "IF (SELECT PutAway FROM FirstRoad) IS NULL RAISERROR('a shop at work is shown its first steps', 16, 1)");
+    EXPECT_NE(sentenceOf([&] { run(file, "INSERT INTO TaxDef (Description) VALUES ('vat')"); }), "");
+}
+
 TEST_F(StoreFiles, WhatIsNoStoreIsSaidToBeNone) {
     db::Store::create(file);
     EXPECT_NE(sentenceOf([&] { db::checkSchemaVersion(*db::Store::open(file)->session()); }).find("not a store"), std::string::npos);

@@ -64,7 +64,7 @@ void GridCell::paintCell(QPainter& painter, const QStyleOptionViewItem& option, 
     }
     const GridColumn& shape = grid_.column(column);
     if (shape.editor == GridColumn::Editor::Check || shape.format == GridColumn::Format::Flag)
-        host_.skin().drawTick(painter, tickIn(option.rect), isOn(grid_.text(row, column)), true, false);
+        paintTick(painter, option.rect, grid_.text(row, column));
     else if (shape.format == GridColumn::Format::Bar)
         paintBar(painter, option.rect.adjusted(kCellMargin, 0, -kCellMargin, -1), row, column);
     else
@@ -75,6 +75,12 @@ void GridCell::paintCell(QPainter& painter, const QStyleOptionViewItem& option, 
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -2.5), 4, 4);
     }
+}
+
+// A cell without a text has nothing to tick.
+void GridCell::paintTick(QPainter& painter, const QRect& where, const std::string& text) const {
+    if (!text.empty())
+        host_.skin().drawTick(painter, tickIn(where), isOn(text), true, false);
 }
 
 void GridCell::paintBar(QPainter& painter, const QRect& where, int row, int column) const {

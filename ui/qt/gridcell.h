@@ -16,6 +16,7 @@ public:
 
 private:
     void paintCell(QPainter& painter, const QStyleOptionViewItem& option, int row, int column) const;
+    void paintTick(QPainter& painter, const QRect& where, const std::string& text) const;
     void paintBar(QPainter& painter, const QRect& where, int row, int column) const;
     void paintText(QPainter& painter, const QRect& where, int row, int column) const;
 

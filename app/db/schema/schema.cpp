@@ -1,5 +1,6 @@
 #include "app/db/schema/schema.h"
 
+#include "app/db/schema/version10.h"
 #include "app/db/schema/version9.h"
 #include "app/db/work.h"
 
@@ -147,6 +148,7 @@ std::span<const UpgradeStep> upgradeSteps() {
     // Texts order by rule; a server has its own order. Items have the column that the look-up of serial items compares with.
     static const std::string eighth = "IF SERVERPROPERTY('Edition') = 'Merchantry' EXEC sp_reindextexts\n"
                                       "IF COL_LENGTH('Item', 'True') IS NULL ALTER TABLE Item ADD [True] AS CAST(1 AS bit)";
+    static const std::string tenth = newTable("FirstRoad") + kToVersion10;
     static const std::array kSteps{
         UpgradeStep{2, ""},           // the procedures of item catalogue and stock
         UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
@@ -160,6 +162,7 @@ std::span<const UpgradeStep> upgradeSteps() {
         UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
         UpgradeStep{8, eighth},
         UpgradeStep{9, kToVersion9},
+        UpgradeStep{10, tenth},
     };
     return kSteps;
 }

@@ -1,4 +1,4 @@
--- Makes an item with its stock row and its retail price row; cnt is 1 when it was made, 0 when the key is taken. Codes that begin with "$" are the registers' own.
+-- Makes an item of the default tax class with its stock row and its retail price row; cnt is 1 when it was made, 0 when the key is taken. Codes that begin with "$" are the registers' own.
 CREATE PROCEDURE bsp_NewItem @SKU varchar(100), @MatrixSKU varchar(100) AS
 BEGIN
   SET NOCOUNT ON
@@ -13,7 +13,7 @@ BEGIN
     RETURN
   END
   BEGIN TRANSACTION
-  INSERT INTO Item (SKU, MatrixSKU) VALUES (@SKU, @MatrixSKU)
+  INSERT INTO Item (SKU, MatrixSKU, TaxID) VALUES (@SKU, @MatrixSKU, ISNULL((SELECT MAX(TaxID) FROM TaxDef WHERE DefaultTax = 1), 0))
   INSERT INTO Stock (SKU, MatrixSKU, Quantity) VALUES (@SKU, @MatrixSKU, 0)
   INSERT INTO PriceMatrix (SKU, MatrixSKU, Tier, Quantity) VALUES (@SKU, @MatrixSKU, 1, 1)
   COMMIT TRANSACTION

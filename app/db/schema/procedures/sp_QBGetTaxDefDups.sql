@@ -1,3 +1,6 @@
--- Tax classes that accounting could not tell apart: the same description more than once.
+-- Tax classes that accounting could not tell apart, those of one name together.
 CREATE PROCEDURE sp_QBGetTaxDefDups AS
-SELECT Description, COUNT(*) AS Classes FROM TaxDef GROUP BY Description HAVING COUNT(*) > 1 ORDER BY Description
+SELECT t.TaxID, t.Description, n.ExportName
+FROM TaxDef t INNER JOIN TaxExportName n ON n.TaxID = t.TaxID
+WHERE EXISTS (SELECT * FROM TaxExportName o WHERE o.ExportName = n.ExportName AND o.TaxID <> n.TaxID)
+ORDER BY n.ExportName, t.TaxID

@@ -1,0 +1,136 @@
+#include "setup/frmTaxClasses.h"
+
+#include "base/numbers.h"
+#include "setup/taxpreview.h"
+#include "ui/desk.h"
+
+#include <cmath>
+
+namespace merchantry::setup {
+
+using namespace app;
+using namespace ui;
+using db::Sql;
+
+namespace {
+
+constexpr const char* kTag = "MR_frmTaxClasses";
+constexpr const char* kProduct = "Velmora Tillmark Professional";
+constexpr int kRate = 1;
+constexpr int kDescription = 2;
+constexpr int kBase = 0; // the ID of the base class
+
+// Runs a statement through a command of its own.
+void runCommand(const Sql& statement) {
+    openBroker(statement, db::CommandType::Text, db::CursorType::ForwardOnly, db::LockType::ReadOnly);
+}
+
+} // namespace
+
+frmTaxClasses::frmTaxClasses(Desk& desk) : Form(desk, "frmTaxClasses", "Tax Classes") {
+    setIcon("items");
+    grdTax.setColumns({{.heading = "ID", .format = GridColumn::Format::Number, .fixedWidth = true, .characters = 4},
+                       {.heading = "Rate %", .format = GridColumn::Format::Number, .characters = 8},
+                       {.heading = "Description", .characters = 24}});
+    grdTax.emptyText = "No tax classes could be loaded.";
+    grdTax.setToolTip("The rate in percent: 7.5 is seven and a half. A rate is never negative.");
+    shapeTaxPreview(grdPreview);
+    cmdDelete.isDanger = true;
+    CmdExit.isCancel = true;
+
+    grdTax.validateEdit = [this](int, int column, const std::string& text, bool& cancel) {
+        cancel = column == kRate && text.find(',') != std::string::npos;
+        if (cancel)
+            this->desk().message("Write the rate with a point, as 7.5: a comma could be read as one or as thousands.", kProduct);
+    };
+    grdTax.endEdit = [this](int, int column, std::string& text) { grdTax_EndEdit(column, text); };
+    classes_.changed = [this] { showAround(); };
+    cmdAdd.click = [this] { classes_.add(); };
+    cmdDefault.click = [this] { cmdDefault_Click(); };
+    cmdDelete.click = [this] { cmdDelete_Click(); };
+    CmdExit.click = [this] { unload(); };
+
+    setLayout(column({
+        row({title(lblHeading), stretch(), at(lblDefault)}),
+        row({
+                box("Classes and Rates", at(grdTax).high(10).wide(34).stretched()).stretched(),
+                box("An Item of $10.00", at(grdPreview).high(10).wide(36).stretched()).stretched(),
+            })
+            .stretched(),
+        row({at(lblUse), stretch(), at(cmdShowItems)}),
+        at(lblNote),
+        buttons({at(cmdAdd), at(cmdDefault), gap(), at(cmdDelete), stretch(), note("Each cell is saved as you leave it"), at(CmdExit)}),
+    }));
+}
+
+CodeTable frmTaxClasses::table() {
+    return {.procedure = "bsp_TaxDefs",
+            .nameColumn = kDescription,
+            .newRow =
+                [] {
+                    return std::vector<Value>{Value(), 0.0, std::string("Tax Type")};
+                },
+            .emptyName = " Please enter a valid Tax description",
+            .nameForEmpty = "Edit Tax Description",
+            .fixed = [](int row) { return row == 1; },
+            .stays = [this](int row) { return classes_.key(row) == kBase; },
+            .question = "Are you certain you wish to delete this Tax Class?",
+            .questionCaption = "Delete Tax Class",
+            .baseRefusal = "You may not delete the base Tax Class.",
+            .writeRefused = "This action would invalidate your Tax Classes! Please check your entry and try again.",
+            .loading = {kTag, "Form_Load", caption() + " - Critical Error"},
+            .adding = {.tag = kTag,
+                       .procedure = "Add_Click",
+                       .plain = "The new class could not be added. If one is called \"Tax Type\" already, give that its own name first."}};
+}
+
+void frmTaxClasses::Form_Load() {
+    classes_.load();
+    showDefault();
+}
+
+void frmTaxClasses::Form_Unload(bool& /*cancel*/) {
+    classes_.release();
+}
+
+void frmTaxClasses::grdTax_EndEdit(int column, std::string& text) {
+    if (column == kRate)
+        text = shortestDecimal(std::fabs(numericPrefix(text)));
+    else
+        classes_.endName(column, text);
+}
+
+void frmTaxClasses::cmdDefault_Click() {
+    if (!grdTax.selected())
+        return;
+    guarded({kTag, "DefaultTax"}, [this] {
+        const std::string description = grdTax.rawText(grdTax.row(), kDescription);
+        runCommand("UPDATE TaxDef Set DefaultTax = 0");
+        runCommand(Sql("UPDATE TaxDef Set DefaultTax = 1 WHERE Description = '") + description + "'");
+        desk().message("Default Tax Class Set To " + description, kProduct);
+        Form_Load();
+    });
+}
+
+// The first box is a warning: whatever is pressed, the question comes.
+void frmTaxClasses::cmdDelete_Click() {
+    desk().message("Deletion of tax class will change the tax class for all associated items to 'none'. Editing existing tax class is "
+                   "recommended",
+                   "WARNING", MessageIcon::None, MessageButtons::OkCancel);
+    classes_.remove();
+    showDefault();
+}
+
+void frmTaxClasses::showAround() {
+    use_.show(classes_.key(grdTax.row()), grdTax.text(grdTax.row(), kDescription));
+    fillTaxPreview(grdPreview, grdTax);
+}
+
+void frmTaxClasses::showDefault() {
+    guarded({kTag, "ShowDefault"}, [this] {
+        const auto rows = openDirect("bsp_DefaultTax");
+        lblDefault.setCaption(rows->Eof() ? "" : "New items get: " + (*rows)["Description"].text());
+    });
+}
+
+} // namespace merchantry::setup

@@ -1,0 +1,51 @@
+#include "setup/itemuse.h"
+
+#include "base/numbers.h"
+
+namespace merchantry::setup {
+
+using namespace app;
+
+namespace {
+
+std::string told(std::int64_t items, const std::string& name) {
+    if (items == 0)
+        return "No items in " + name;
+    return (items == 1 ? "1 item" : withThousands(items) + " items") + " in " + name;
+}
+
+} // namespace
+
+ItemUse::ItemUse(FailurePlace place, ItemGroup group, ui::Label& label, ui::Button& button)
+    : place_(std::move(place)), group_(group), label_(label), button_(button) {
+    button_.setEnabled(false);
+    button_.click = [this] { cmdShowItems_Click(); };
+}
+
+void ItemUse::show(std::int64_t id, const std::string& name) {
+    id_ = id;
+    name_ = name;
+    std::int64_t items = 0;
+    std::string text;
+    if (id >= 0)
+        guarded(place_, [&] {
+            items = count();
+            text = told(items, name);
+        });
+    label_.setCaption(text);
+    button_.setEnabled(items > 0 && modMain().doors.ItemsOf != nullptr);
+}
+
+std::int64_t ItemUse::count() const {
+    const auto rows =
+        openDirect(db::Sql("bsp_ItemCount '") + std::string(group_ == ItemGroup::Department ? "Department" : "TaxClass") + "', " + id_);
+    return (*rows)["Items"].Value().toInteger();
+}
+
+// What was moved meanwhile is counted no more.
+void ItemUse::cmdShowItems_Click() {
+    modMain().doors.ItemsOf(group_, static_cast<int>(id_), name_);
+    show(id_, name_);
+}
+
+} // namespace merchantry::setup
