@@ -76,6 +76,7 @@ LiveRegister::LiveRegister(std::unique_ptr<db::Session> session, int registerId,
 }
 
 bool LiveRegister::postOne(Date now) {
+    shop_.tenders = loadTenders(*session_); // a manager may have changed them since the last receipt
     const int cashier = shop_.cashierIds.at(static_cast<std::size_t>(random_.below(static_cast<int>(shop_.cashierIds.size()))));
     const auto sale = maker_.make(now, registerId_, cashier);
     if (!sale)

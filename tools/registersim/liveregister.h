@@ -14,7 +14,8 @@ class LiveRegister {
 public:
     LiveRegister(std::unique_ptr<db::Session> session, int registerId, std::uint64_t seed);
 
-    // Makes up a receipt and posts it. False when there was nothing to sell. Throws DbError; nothing of the receipt is posted then.
+    // Makes up a receipt and posts it, paid by what the store offers at that moment. False when there was nothing to sell, or no way to
+    // pay. Throws DbError; nothing of the receipt is posted then.
     bool postOne(Date now);
 
 private:

@@ -20,7 +20,17 @@ struct Options {
     std::string from;
     std::string to;
     int salesPerDay = 40;
+    bool offers = false;
 };
+
+// The keys of the registers, from the first to the last.
+int tellOffers(const Options& options) {
+    const auto session = db::Store::open(options.store)->session();
+    db::refuseNewerSchema(*session);
+    for (const registersim::TenderKey& key : registersim::loadTenders(*session))
+        std::cout << key.name << (key.name == key.type ? "" : " (" + key.type + ")") << "\n";
+    return 0;
+}
 
 int sellLive(const Options& options) {
     const auto store = db::Store::open(options.store);
@@ -65,8 +75,11 @@ int main(int argc, char** argv) {
     auto* from = program.add_option("--from", options.from, "Post past days instead: the first, as 2026-11-01");
     program.add_option("--to", options.to, "The day after the last")->needs(from);
     program.add_option("--sales-per-day", options.salesPerDay, "On an ordinary past day");
+    program.add_flag("--offers", options.offers, "Post nothing: tell the ways to pay that the registers offer, in their order");
     CLI11_PARSE(program, argc, argv);
     try {
+        if (options.offers)
+            return tellOffers(options);
         return options.from.empty() ? sellLive(options) : sellInThePast(options);
     } catch (const std::exception& error) {
         std::cerr << "registersim: " << error.what() << "\n";

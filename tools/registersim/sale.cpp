@@ -6,6 +6,8 @@ namespace {
 constexpr int kPasserBy = 62; // percent of receipts without a customer
 constexpr int kReturns = 2;   // percent
 constexpr int kStaffDiscount = 15;
+constexpr const char* kCash = "Cash";
+constexpr const char* kOnAccount = "Charge Account";
 constexpr Currency kOne = Currency::fromUnits(Currency::kUnitsPerOne);
 
 std::vector<int> weightsOf(const std::vector<Good>& goods) {
@@ -52,7 +54,7 @@ Value Sale::customerId(const Shop& shop) const {
 Currency Sale::charged() const {
     Currency sum;
     for (const Tender& tender : tenders)
-        if (tender.type == "Charge Account")
+        if (tender.type == kOnAccount)
             sum += tender.amount;
     return sum;
 }
@@ -74,7 +76,8 @@ std::optional<Sale> SaleMaker::make(Date time, int registerId, int cashierId) {
     fill(sale);
     if (sale.lines.empty())
         return {};
-    pay(sale);
+    if (!pay(sale))
+        return {};
     return sale;
 }
 
@@ -119,29 +122,44 @@ void SaleMaker::addLine(Sale& sale, int position, int quantity, bool fetchSerial
     sale.lines.push_back(std::move(line));
 }
 
-void SaleMaker::pay(Sale& sale) {
+bool SaleMaker::offers(const std::string& tender) const {
+    return std::any_of(shop_.tenders.begin(), shop_.tenders.end(), [&](const TenderKey& key) { return key.type == tender; });
+}
+
+// As the shopper wishes, or else by the first tender that the register offers. False when none is left.
+bool SaleMaker::pay(Sale& sale) {
     const Currency due = sale.total();
     const bool mayCharge = sale.shopper >= 0 && shop_.shoppers[static_cast<std::size_t>(sale.shopper)].charge && !sale.isReturn;
     const int way = random_.below(100);
+    std::string wish = way < 78 ? "Credit Card" : way < 94 ? "Debit Card" : "Check";
     if (mayCharge && way < 60)
-        sale.tenders.push_back({"Charge Account", due});
+        wish = kOnAccount;
     else if (sale.isReturn || way < 30 || due < kOne)
+        wish = kCash;
+    for (std::size_t key = 0; !offers(wish); ++key) {
+        if (key == shop_.tenders.size())
+            return false;
+        if (mayCharge || shop_.tenders[key].type != kOnAccount)
+            wish = shop_.tenders[key].type;
+    }
+    if (wish == kCash)
         payCash(sale, due);
     else
-        sale.tenders.push_back({way < 78 ? "Credit Card" : way < 94 ? "Debit Card" : "Check", due});
+        sale.tenders.push_back({wish, due});
+    return true;
 }
 
 void SaleMaker::payCash(Sale& sale, Currency due) {
     if (due < kOne || random_.chance(25)) { // to the cent, or money back
-        sale.tenders.push_back({"Cash", due});
+        sale.tenders.push_back({kCash, due});
         return;
     }
     const std::int64_t note = due < kOne * 10 ? 5 : due < kOne * 40 ? 10 : 20;
     const std::int64_t unit = note * Currency::kUnitsPerOne;
     const Currency given = Currency::fromUnits((due.units() + unit - 1) / unit * unit);
-    sale.tenders.push_back({"Cash", given});
+    sale.tenders.push_back({kCash, given});
     if (given != due)
-        sale.tenders.push_back({"Cash", due - given});
+        sale.tenders.push_back({kCash, due - given});
 }
 
 void takeOffShelves(Shop& shop, const Sale& sale) {

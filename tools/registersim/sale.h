@@ -47,14 +47,15 @@ class SaleMaker {
 public:
     SaleMaker(const Shop& shop, Random& random);
 
-    // Nothing when the shopper found nothing on the shelves. Sells no more than is on hand; the shop stays as it is.
+    // Nothing when the shopper found nothing on the shelves, or no way to pay. Sells no more than is on hand; the shop stays as it is.
     std::optional<Sale> make(Date time, int registerId, int cashierId);
 
 private:
     void fill(Sale& sale);
     void addLine(Sale& sale, int good, int quantity, bool fetchSerial);
     int quantityFor(const Good& good, int tier);
-    void pay(Sale& sale);
+    bool pay(Sale& sale);
+    bool offers(const std::string& tender) const;
     void payCash(Sale& sale, Currency due);
 
     const Shop& shop_;

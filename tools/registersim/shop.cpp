@@ -1,15 +1,11 @@
 #include "tools/registersim/shop.h"
 
 #include "base/division.h"
+#include "base/taxrate.h"
 #include "tools/registersim/query.h"
-
-#include <cmath>
 
 namespace merchantry::registersim {
 namespace {
-
-constexpr std::int64_t kUnitsPerCent = 100;
-constexpr std::int64_t kThousandthsOfPercent = 100'000; // of the whole
 
 int wholeOf(const Value& value) {
     return static_cast<int>(value.toInteger());
@@ -90,7 +86,7 @@ void readPeople(db::Session& session, Shop& shop) {
     for (const Row& row : query(session, "SELECT ID FROM Register ORDER BY ID"))
         shop.registerIds.push_back(wholeOf(row[0]));
     for (const Row& row : query(session, "SELECT TaxID, Amt FROM TaxDef"))
-        shop.taxRates[wholeOf(row[0])] = static_cast<int>(std::lround(row[1].toNumber() * 1000));
+        shop.taxRates[wholeOf(row[0])] = static_cast<int>(TaxRate::fromPercent(row[1].toNumber()).thousandths());
 }
 
 } // namespace
@@ -130,9 +126,15 @@ Currency Shop::tax(int taxId, Currency amount) const {
     const auto rate = taxRates.find(taxId);
     if (rate == taxRates.end())
         return {};
-    const std::int64_t cents = dividedAwayFromZero(static_cast<__int128>(amount.units()) * rate->second,
-                                                   static_cast<__int128>(kThousandthsOfPercent) * kUnitsPerCent);
-    return Currency::fromUnits(cents * kUnitsPerCent);
+    return TaxRate::fromThousandths(rate->second).on(amount);
+}
+
+std::vector<TenderKey> loadTenders(db::Session& session) {
+    std::vector<TenderKey> keys;
+    for (const Row& row : query(session, "EXEC sp_GetTenderTypes 1"))
+        if (row[2].toFlag())
+            keys.push_back({textOf(row[1]), row[3].isNull() ? textOf(row[1]) : textOf(row[3])});
+    return keys;
 }
 
 Shop loadShop(db::Session& session) {
@@ -142,6 +144,7 @@ Shop loadShop(db::Session& session) {
     readTerms(session, shop, places);
     readStock(session, shop, places);
     readPeople(session, shop);
+    shop.tenders = loadTenders(session);
     return shop;
 }
 

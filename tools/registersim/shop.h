@@ -59,13 +59,20 @@ struct Shopper {
     std::optional<Date> lastPurchase{};
 };
 
+// A way to pay that registers offer.
+struct TenderKey {
+    std::string type; // as receipts and reports know it
+    std::string name; // as the cashier sees it
+};
+
 // What registers know of a store: read once, kept up to date by those who post.
 struct Shop {
     std::vector<Good> goods;
     std::vector<Shopper> shoppers;
     std::vector<int> cashierIds;
     std::vector<int> registerIds;
-    std::map<int, int> taxRates; // in thousandths of a percent, by TaxID
+    std::vector<TenderKey> tenders; // offered, in the order of the keys
+    std::map<int, int> taxRates;    // in thousandths of a percent, by TaxID
 
     // The price of a piece for a tier at this quantity on this day: the tier's highest break reached, otherwise retail; a sale event
     // holds where it is lower.
@@ -76,6 +83,8 @@ struct Shop {
     double taxPercent(int taxId) const;
 };
 
+// What the registers offer now, in its order; those that are not available are left out. Throws DbError.
+std::vector<TenderKey> loadTenders(db::Session& session);
 // Every item that can be sold (no parents, no pseudo-items), in key order. Throws DbError.
 Shop loadShop(db::Session& session);
 

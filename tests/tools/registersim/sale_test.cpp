@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 using namespace merchantry;
 using namespace merchantry::registersim;
 
@@ -27,6 +29,8 @@ Shop smallShop() {
     shop.goods[3].serials = {"S1", "S2"};
     shop.shoppers = {{.id = 11}, {.id = 12, .tier = 2, .charge = true}, {.id = 13, .exempt = true}, {.id = 14, .employee = true}};
     shop.taxRates = {{0, 0}, {1, 6875}};
+    for (const char* tender : {"Cash", "Check", "Credit Card", "Debit Card", "Charge Account"})
+        shop.tenders.push_back({tender, tender});
     return shop;
 }
 
@@ -130,6 +134,28 @@ TEST(Sales, AreTheSameForTheSameSeed) {
     };
     EXPECT_EQ(play(1), play(1));
     EXPECT_NE(play(1), play(2));
+}
+
+TEST(Sales, ArePaidByWhatTheRegistersOffer) {
+    const auto tendersOf = [](const std::vector<std::string>& offered) {
+        Shop shop = smallShop();
+        shop.tenders.clear();
+        for (const std::string& tender : offered)
+            shop.tenders.push_back({tender, tender});
+        Random random(7);
+        SaleMaker maker(shop, random);
+        std::set<std::string> used;
+        for (int i = 0; i < 300; ++i)
+            if (const auto sale = maker.make(*Date::fromParts(2026, 5, 4), 1, 5))
+                for (const Tender& tender : sale->tenders)
+                    used.insert(tender.type);
+        return used;
+    };
+    using Types = std::set<std::string>;
+    EXPECT_EQ(tendersOf({"Check", "Debit Card"}), (Types{"Check", "Debit Card"}));
+    EXPECT_EQ(tendersOf({"Mobile Payment", "Cash"}), (Types{"Cash", "Mobile Payment"})) << "the first one takes what is not offered";
+    EXPECT_EQ(tendersOf({"Charge Account"}), Types{"Charge Account"}) << "who has no account pays nothing, and takes nothing";
+    EXPECT_EQ(tendersOf({}), Types{});
 }
 
 TEST(Sales, AnEmptyShopSellsNothing) {
