@@ -109,6 +109,7 @@ constexpr CommandRow kCommands[] = {
     {"mnuReports", "mnuCustomReport", "Custom Reports", false, Kind::Own, ""},
     {"", "mnuHelp", "&Help", false, Kind::Menu, ""},
     {"mnuHelp", "mnuProductHelp", "Tillmark Professional Help", true, Kind::Own, ""},
+    {"mnuHelp", "mnuFirstRoad", "&Your Shop in Ten Minutes", true, Kind::Own, ""},
     {"mnuHelp", "mnuStockProof", "&Proof of Stock", true, Kind::Screen, "frmStockProof"},
     {"mnuHelp", "mnuAbout", "&About Tillmark Professional", true, Kind::Own, ""},
 };

@@ -87,7 +87,8 @@ frmMain::frmMain(Desk& desk) : Form(desk, "frmMain", kCaption), Toolbar1(*this, 
     setSize(kWidth, kHeight);
     buildMenu();
     Toolbar1.buttonClick = [this](const std::string& key) { Toolbar1_ButtonClick(key); };
-    setLayout(column({stretch(), row({stretch(), title(lblWelcome), stretch()}), stretch()}));
+    road_.changed = [this] { lblWelcome.setVisible(!road_.shown()); };
+    setLayout(column({stretch(), row({stretch(), title(lblWelcome), stretch()}), row({stretch(), road_.layout(), stretch()}), stretch()}));
 }
 
 void frmMain::buildMenu() {
@@ -112,6 +113,7 @@ void frmMain::Form_Load() {
 
 // Reminds the owner of the password that every store starts with. Only a reminder: a failure is nobody's concern.
 void frmMain::Form_Activate() {
+    road_.offer();
     try {
         const auto known = openDirect("SELECT ID FROM Cashier WHERE ID = 5 AND Name = 'manager' AND Password = 'manager'");
         desk().status(known->Eof() ? "" : "The manager's password is still \"manager\". Please change it under Store, Cashiers.");
@@ -129,6 +131,11 @@ MenuEntry& frmMain::entry(const std::string& name) {
 }
 
 void frmMain::Command(const std::string& name) {
+    run(name);
+    road_.refresh();
+}
+
+void frmMain::run(const std::string& name) {
     for (const CommandRow& command : commandTable()) {
         if (name != command.name)
             continue;
@@ -179,6 +186,8 @@ void frmMain::Command(const std::string& name) {
         desk().message("Run-time error '424':\r\n\r\nObject required", kCaption, MessageIcon::Stop);
     else if (name == "mnuCustomReport")
         mnuCustomReport_Click();
+    else if (name == "mnuFirstRoad")
+        road_.bringBack();
     else if (name == "mnuProductHelp")
         mnuProductHelp_Click();
     else if (name == "mnuAbout")
@@ -221,6 +230,7 @@ void frmMain::Toolbar1_ButtonClick(const std::string& key) {
         AddItemNow();
     else if (key == "Quickbooks")
         mnuFileQuickbooksexport_Click();
+    road_.refresh();
 }
 
 void frmMain::mnuDBConfiguration_Click() {

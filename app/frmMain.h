@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/firstroad.h"
 #include "ui/form.h"
 #include "ui/label.h"
 #include "ui/menu.h"
@@ -10,7 +11,7 @@
 
 namespace merchantry::app {
 
-// The shell: a menu, a toolbar and an empty background. Its end is the program's end.
+// The shell: a menu, a toolbar and an empty background, on which a new store offers its first steps. Its end is the program's end.
 class frmMain : public ui::Form {
 public:
     explicit frmMain(ui::Desk& desk);
@@ -35,6 +36,7 @@ private:
     bool HasDuplicateTaxClasses();
     void QuickBooksExport();
     void addItem();
+    void run(const std::string& name);
     ui::MenuEntry& entry(const std::string& name);
     // Greys what has no screen behind it, in the menu and on the tool bar.
     void greyUnbound();
@@ -45,6 +47,7 @@ private:
     std::vector<std::unique_ptr<ui::MenuEntry>> entries_;
     ui::Toolbar Toolbar1;
     ui::Label lblWelcome{*this, "lblWelcome", "Merchantry"};
+    FirstRoad road_{*this, [this] { AddItemNow(); }};
 };
 
 } // namespace merchantry::app
