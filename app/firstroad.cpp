@@ -93,7 +93,7 @@ constexpr Step kSteps[] = {
     {"&7  First Item", "", items},
 };
 
-constexpr const char* kWelcome = "Seven steps from an empty store to the first sale, in any order. Each opens its screen.";
+constexpr const char* kWelcome = "Seven steps to the first sale, in any order.";
 constexpr const char* kReady = "Your shop is ready for its first sale.";
 
 bool isThere(const Step& step) {
@@ -130,10 +130,10 @@ FirstRoad::FirstRoad(Form& main, std::function<void()> addItem)
 }
 
 Item FirstRoad::layout() {
-    std::vector<Item> lines{at(lblFirstRoad)};
+    std::vector<Item> lines;
     for (std::size_t step = 0; step < std::size(kSteps); ++step)
         lines.push_back(row({at(*cmdStep[step]).wide(22), at(*lblState[step]).wide(11), at(*lblFound[step]).wide(46), stretch()}));
-    lines.push_back(row({stretch(), at(cmdPutAway)}));
+    lines.push_back(row({at(lblFirstRoad), stretch(), at(cmdPutAway)}));
     return group(fraFirstRoad, column(std::move(lines)));
 }
 

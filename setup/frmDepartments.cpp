@@ -29,7 +29,7 @@ frmDepartments::frmDepartments(Desk& desk) : Form(desk, "frmDepartments", "Depar
 
     setLayout(column({
         title(lblHeading),
-        at(grdDept).high(12).wide(64).stretched(),
+        at(grdDept).high(9).wide(64).stretched(),
         row({at(lblUse), stretch(), at(cmdShowItems)}),
         buttons({at(cmdAdd), gap(), at(cmdDelete), stretch(), note("Each name is saved as you leave its cell"), at(CmdExit)}),
     }));

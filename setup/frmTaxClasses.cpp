@@ -53,8 +53,8 @@ frmTaxClasses::frmTaxClasses(Desk& desk) : Form(desk, "frmTaxClasses", "Tax Clas
     setLayout(column({
         row({title(lblHeading), stretch(), at(lblDefault)}),
         row({
-                box("Classes and Rates", at(grdTax).high(10).wide(34).stretched()).stretched(),
-                box("An Item of $10.00", at(grdPreview).high(10).wide(36).stretched()).stretched(),
+                box("Classes and Rates", at(grdTax).high(7).wide(34).stretched()).stretched(),
+                box("An Item of $10.00", at(grdPreview).high(7).wide(36).stretched()).stretched(),
             })
             .stretched(),
         row({at(lblUse), stretch(), at(cmdShowItems)}),

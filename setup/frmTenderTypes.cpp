@@ -53,7 +53,7 @@ frmTenderTypes::frmTenderTypes(Desk& desk) : Form(desk, "frmTenderTypes", "Tende
     setLayout(column({
         title(lblHeading),
         at(lblWhat),
-        row({at(grdTenders).high(10).wide(60).stretched(), column({at(cmdUP), at(cmdDown), stretch()})}).stretched(),
+        row({at(grdTenders).high(9).wide(60).stretched(), column({at(cmdUP), at(cmdDown), stretch()})}).stretched(),
         buttons({stretch(), at(cmdCancel), at(cmdOK)}),
     }));
 }

@@ -8,10 +8,10 @@ using namespace app;
 
 namespace {
 
-std::string told(std::int64_t items, const std::string& name) {
-    if (items == 0)
-        return "No items in " + name;
-    return (items == 1 ? "1 item" : withThousands(items) + " items") + " in " + name;
+// "2 items in Toys", "No items with Sales Tax".
+std::string told(std::int64_t items, ItemGroup group, const std::string& name) {
+    const std::string count = items == 0 ? "No items" : items == 1 ? "1 item" : withThousands(items) + " items";
+    return count + (group == ItemGroup::Department ? " in " : " with ") + name;
 }
 
 } // namespace
@@ -30,7 +30,7 @@ void ItemUse::show(std::int64_t id, const std::string& name) {
     if (id >= 0)
         guarded(place_, [&] {
             items = count();
-            text = told(items, name);
+            text = told(items, group_, name);
         });
     label_.setCaption(text);
     button_.setEnabled(items > 0 && modMain().doors.ItemsOf != nullptr);
