@@ -138,29 +138,35 @@ Item FirstRoad::layout() {
 }
 
 // A failure leaves the window as it is without the steps: they are an offer, and the log keeps what failed elsewhere.
-void FirstRoad::read(bool always) {
+void FirstRoad::attempt(const std::function<void()>& look) {
     try {
-        const auto rows = openDirect("bsp_FirstRoad");
-        const bool on = !rows->Eof() && (always || (*rows)["PutAway"].isNull());
-        if (on)
-            tell(*rows);
-        show(on);
+        look();
     } catch (const std::exception&) {
         show(false);
     }
 }
 
+// A store at work is asked for nothing but this.
 void FirstRoad::offer() {
-    read(false);
+    attempt([this] {
+        if (openDirect("SELECT ID FROM FirstRoad WHERE PutAway IS NULL")->Eof())
+            show(false);
+        else
+            bringBack();
+    });
 }
 
 void FirstRoad::bringBack() {
-    read(true);
+    attempt([this] {
+        const auto rows = openDirect("bsp_FirstRoad");
+        tell(*rows);
+        show(true);
+    });
 }
 
 void FirstRoad::refresh() {
     if (shown())
-        read(true);
+        bringBack();
 }
 
 void FirstRoad::tell(db::Recordset& rows) {

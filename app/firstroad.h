@@ -37,7 +37,7 @@ public:
 
 private:
     void show(bool on);
-    void read(bool always);
+    void attempt(const std::function<void()>& look);
     void tell(db::Recordset& row);
     void cmdStep_Click(std::size_t step);
     void cmdPutAway_Click();

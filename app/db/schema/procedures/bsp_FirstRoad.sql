@@ -1,7 +1,7 @@
--- How far a new store is on the way to its first sale, in one row. PutAway is null while the steps are offered. A tender that was chosen has a name of its own; a register that
+-- How far a new store is on the way to its first sale, in one row. A tender that was chosen has a name of its own; a register that
 -- was set up differs from the one that every store starts with.
 CREATE PROCEDURE bsp_FirstRoad AS
-SELECT r.PutAway, o.Name AS StoreName, ISNULL(o.Address1, '') + ISNULL(o.City, '') AS Address,
+SELECT o.Name AS StoreName, ISNULL(o.Address1, '') + ISNULL(o.City, '') AS Address,
   (SELECT COUNT(*) FROM TaxDef WHERE TaxID <> 0) AS TaxClasses,
   (SELECT COUNT(*) FROM Departments WHERE DepartmentID <> 1) AS Departments,
   (SELECT COUNT(*) FROM TenderTypes WHERE StoreID = 1 AND Available = 1) AS Tenders,
@@ -12,4 +12,4 @@ SELECT r.PutAway, o.Name AS StoreName, ISNULL(o.Address1, '') + ISNULL(o.City, '
   (SELECT COUNT(*) FROM Register WHERE ID <> 1 OR PrinterType IS NOT NULL OR ReceiptPrinter IS NOT NULL OR DisplayType IS NOT NULL
     OR ISNULL(RecptMsg, '') <> 'Thank you for shopping with us') AS RegistersSetUp,
   (SELECT COUNT(*) FROM Item WHERE SKU NOT LIKE '$%' AND TypeID <> 4) AS Items
-FROM FirstRoad r CROSS JOIN StoreOptions o
+FROM StoreOptions o
