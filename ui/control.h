@@ -14,7 +14,7 @@ using Twips = int;
 constexpr Twips kTwipsPerPixel = 15;
 
 // A colour that a screen gives. Named ones are meanings; the skin says how they look.
-enum class Color { None, Yellow, Green, Red };
+enum class Color { None, Yellow, Green, Red, Blue };
 
 enum class Role {
     Label,

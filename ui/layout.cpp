@@ -1,6 +1,7 @@
 #include "ui/layout.h"
 
 #include "ui/frame.h"
+#include "ui/label.h"
 #include "ui/tabset.h"
 
 namespace merchantry::ui {
@@ -13,6 +14,11 @@ Item at(Control& control) {
 
 Item field(std::string caption, Control& control, std::vector<Item> behind) {
     return {Kind::Field, &control, std::move(caption), std::move(behind)};
+}
+
+Item field(Label& caption, Control& control, std::vector<Item> behind) {
+    behind.insert(behind.begin(), Item(Kind::Caption, &caption, "", {}));
+    return {Kind::Field, &control, "", std::move(behind)};
 }
 
 Item row(std::vector<Item> items) {

@@ -7,6 +7,7 @@ namespace merchantry::ui {
 
 class Control;
 class Frame;
+class Label;
 class TabSet;
 
 // How the controls of a form stand on the window, as data: a tree of rows, columns, field lists, groups and pages with the controls as
@@ -23,6 +24,7 @@ public:
         Empty,
         Control, // a control by itself
         Field,   // a caption and its control, with more controls behind it on the same line
+        Caption, // the first child of a field whose caption is a label of the screen
         Row,     // side by side
         Column,  // one below the other
         Fields,  // Field items one below the other, captions aligned
@@ -77,6 +79,8 @@ private:
 
 Item at(Control& control);
 Item field(std::string caption, Control& control, std::vector<Item> behind = {});
+// A field whose caption a procedure colours or disables.
+Item field(Label& caption, Control& control, std::vector<Item> behind = {});
 Item row(std::vector<Item> items);
 Item column(std::vector<Item> items);
 Item fields(std::vector<Item> items);

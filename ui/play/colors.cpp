@@ -11,10 +11,8 @@ struct Named {
     const char* code;
 };
 constexpr Named kNamed[] = {
-    {Color::None, "none", ""},
-    {Color::Yellow, "yellow", "#FFFF00"},
-    {Color::Green, "green", "#00FF00"},
-    {Color::Red, "red", "#FF0000"},
+    {Color::None, "none", ""},      {Color::Yellow, "yellow", "#FFFF00"}, {Color::Green, "green", "#00FF00"},
+    {Color::Red, "red", "#FF0000"}, {Color::Blue, "blue", "#83B7F0"},
 };
 
 } // namespace

@@ -13,6 +13,11 @@
 namespace merchantry::ui {
 namespace {
 
+// A heading takes no focus: the sign of its mnemonic would only stand in it.
+QString withoutMnemonic(QString caption) {
+    return caption.remove(QLatin1Char('&'));
+}
+
 class FrameDrawing : public Drawing {
 public:
     FrameDrawing(FormWindow& host, Frame& frame, QWidget* parent) : Drawing(host, frame, new GroupPanel(parent)), frame_(frame) {}
@@ -20,7 +25,7 @@ public:
     bool wide() const override { return true; }
     void refresh(Aspect aspect) override {
         if (aspect == Aspect::Text)
-            static_cast<GroupPanel*>(widget_)->setHeading(toQt(frame_.caption()));
+            static_cast<GroupPanel*>(widget_)->setHeading(withoutMnemonic(toQt(frame_.caption())));
     }
 
 private:

@@ -1,5 +1,6 @@
 #include "ui/qt/layoutbuilder.h"
 
+#include "ui/label.h"
 #include "ui/qt/formwindow.h"
 #include "ui/qt/frame.h"
 #include "ui/qt/skin.h"
@@ -92,6 +93,18 @@ bool keepsWidth(const Item& item) {
     }
 }
 
+bool hasOwnCaption(const Item& field) {
+    return !field.children().empty() && field.children().front().kind() == Kind::Caption;
+}
+
+// The caption's mnemonic leads to the field, and its words name the field to those who do not see it.
+void leadTo(QLabel& caption, Drawing* field) {
+    if (field == nullptr)
+        return;
+    caption.setBuddy(field->focusTarget());
+    field->focusTarget()->setAccessibleName(caption.text().remove(QLatin1Char('&')).remove(QLatin1Char(':')));
+}
+
 } // namespace
 
 template <class L> L* LayoutBuilder::made() {
@@ -157,6 +170,7 @@ LayoutBuilder::Piece LayoutBuilder::build(const Item& item) {
     case Kind::Note:
         return note(item);
     case Kind::Foot: // stands outside, see foot
+    case Kind::Caption: // with its field
     case Kind::Empty:
     case Kind::Stretch:
     case Kind::Gap:
@@ -203,23 +217,35 @@ QLabel* LayoutBuilder::caption(const std::string& text, Drawing* of) {
     label->setTextFormat(Qt::PlainText);
     setLook(*label, "caption");
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    if (of != nullptr) {
-        label->setBuddy(of->focusTarget());
+    leadTo(*label, of);
+    if (of != nullptr)
         of->setCompanion(label);
-        of->focusTarget()->setAccessibleName(label->text().remove(QLatin1Char('&')).remove(QLatin1Char(':')));
-    }
     return label;
+}
+
+QLabel* LayoutBuilder::captionOf(const Item& field) {
+    Drawing* const of = window_.drawing(*field.control());
+    if (!hasOwnCaption(field))
+        return caption(field.text(), of);
+    auto& label = dynamic_cast<Label&>(*field.children().front().control());
+    auto* const widget = static_cast<QLabel*>(window_.addDrawing(label, parent_).widget());
+    setLook(*widget, "caption");
+    widget->setText(toQt(label.caption()));
+    leadTo(*widget, of);
+    return widget;
 }
 
 LayoutBuilder::Piece LayoutBuilder::fieldLine(const Item& item) {
     Piece first = control(item);
-    if (item.children().empty())
+    if (item.children().size() == (hasOwnCaption(item) ? 1 : 0))
         return first;
     auto* line = made<QHBoxLayout>();
     line->setSpacing(measure::kRelated);
     line->addWidget(first.widget, first.wide ? 1 : 0);
     bool wide = first.wide;
     for (const Item& behind : item.children()) {
+        if (behind.kind() == Kind::Caption)
+            continue;
         const Piece piece = build(behind);
         place(*line, behind, piece, {}, piece.wide);
         wide = wide || piece.wide || behind.kind() == Kind::Stretch;
@@ -233,7 +259,7 @@ LayoutBuilder::Piece LayoutBuilder::field(const Item& item) {
     auto* line = made<QHBoxLayout>();
     line->setSpacing(measure::kRelated);
     const Piece rest = fieldLine(item);
-    QLabel* const label = caption(item.text(), window_.drawing(*item.control()));
+    QLabel* const label = captionOf(item);
     line->addWidget(label, 0, rest.tall ? Qt::AlignTop : Qt::AlignVCenter);
     if (rest.widget != nullptr)
         line->addWidget(rest.widget, rest.wide ? 1 : 0);
@@ -330,7 +356,7 @@ LayoutBuilder::Piece LayoutBuilder::addFieldRow(QGridLayout& grid, int line, con
     if (first.kind() != Kind::Field)
         return addOther(grid, line, item);
     const Piece piece = led ? ledLine(item) : fieldLine(first);
-    QLabel* const label = caption(first.text(), window_.drawing(*first.control()));
+    QLabel* const label = captionOf(first);
     label->setMinimumHeight(measure::kField);
     grid.addWidget(label, line, 0, Qt::AlignRight | (piece.tall ? Qt::AlignTop : Qt::AlignVCenter));
     if (piece.widget != nullptr)

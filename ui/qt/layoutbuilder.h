@@ -55,6 +55,8 @@ private:
     Piece addOther(QGridLayout& grid, int line, const Item& item);
     Piece addFieldRow(QGridLayout& grid, int line, const Item& item);
     QLabel* caption(const std::string& text, Drawing* of);
+    // The caption of a field: its text, or the screen's own label.
+    QLabel* captionOf(const Item& field);
     static void keepApart(QBoxLayout& box, const Item& item, const Piece& piece, int distance);
     static void place(QBoxLayout& box, const Item& item, const Piece& piece, Qt::Alignment alignment, bool grows);
     template <class L> L* made();

@@ -59,6 +59,7 @@ Tokens lightTokens() {
             .open = "#fff3b0",
             .partial = "#ffd7d2",
             .closed = "#d3f2df",
+            .chosen = "#cfe3fa",
             .danger = "#b42318",
             .caution = "#7a5600",
             .fine = "#146c3c"};
@@ -80,6 +81,7 @@ Tokens darkTokens() {
             .open = "#4d4413",
             .partial = "#5a211d",
             .closed = "#173d2b",
+            .chosen = "#1b3d5f",
             .danger = "#ff8a80",
             .caution = "#f0d264",
             .fine = "#6fd39b"};
@@ -142,6 +144,8 @@ QColor Skin::ground(Color color) const {
         return tokens_.partial;
     case Color::Green:
         return tokens_.closed;
+    case Color::Blue:
+        return tokens_.chosen;
     case Color::None:
         break;
     }
@@ -156,6 +160,8 @@ QColor Skin::ink(Color color) const {
         return tokens_.danger;
     case Color::Green:
         return tokens_.fine;
+    case Color::Blue:
+        return tokens_.accent;
     case Color::None:
         break;
     }

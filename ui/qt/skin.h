@@ -49,6 +49,7 @@ struct Tokens {
     QColor open; // status cells
     QColor partial;
     QColor closed;
+    QColor chosen; // ground that a screen wants blue
     QColor danger;
     QColor caution; // text that a screen wants yellow
     QColor fine;    // text that a screen wants green

@@ -10,7 +10,7 @@ namespace merchantry::ui {
 // Text on every ground that it is drawn on.
 TEST(Skin, TextStandsOutOnItsGround) {
     for (const Tokens& t : {lightTokens(), darkTokens()}) {
-        for (const QColor& ground : {t.paper, t.panel, t.head, t.alternate, t.soft, t.open, t.partial, t.closed})
+        for (const QColor& ground : {t.paper, t.panel, t.head, t.alternate, t.soft, t.open, t.partial, t.closed, t.chosen})
             EXPECT_GE(contrast(t.ink, ground), 4.5) << ground.name().toStdString();
         for (const QColor& ground : {t.paper, t.panel, t.head, t.alternate, t.soft})
             EXPECT_GE(contrast(t.dim, ground), 4.5) << ground.name().toStdString();
