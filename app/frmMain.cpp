@@ -111,14 +111,19 @@ void frmMain::Form_Load() {
     });
 }
 
-// Reminds the owner of the password that every store starts with. Only a reminder: a failure is nobody's concern.
 void frmMain::Form_Activate() {
+    remind();
     road_.offer();
+}
+
+// A hint that stands as long as the default manager account has the password that every store starts with. Only a hint: a failure is
+// nobody's concern.
+void frmMain::remind() {
     try {
-        const auto known = openDirect("SELECT ID FROM Cashier WHERE ID = 5 AND Name = 'manager' AND Password = 'manager'");
-        desk().status(known->Eof() ? "" : "The manager's password is still \"manager\". Please change it under Store, Cashiers.");
+        const auto known = openDirect("SELECT ID FROM Cashier WHERE ID = 5 AND Password = 'manager'");
+        desk().hint(known->Eof() ? "" : "The manager's password is still \"manager\". Please change it under Store, Cashiers.");
     } catch (const std::exception&) {
-        desk().status("");
+        desk().hint("");
     }
 }
 
@@ -205,6 +210,7 @@ void frmMain::greyUnbound() {
 void frmMain::showScreen(const std::string& form) {
     if (const auto& door = modMain().doors.ShowScreen)
         door(form);
+    remind();
 }
 
 void frmMain::report(const std::string& key) {

@@ -41,6 +41,7 @@ private:
     // Greys what has no screen behind it, in the menu and on the tool bar.
     void greyUnbound();
     void showScreen(const std::string& form);
+    void remind();
     void report(const std::string& key);
     void buildMenu();
 

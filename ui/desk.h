@@ -146,6 +146,8 @@ public:
     // Shown in the status bar of the main window for kStatusMs; empty takes it away at once.
     static constexpr int kStatusMs = 10'000;
     virtual void status(const std::string& text) = 0;
+    // Stands in that status bar until it is taken away with an empty text.
+    virtual void hint(const std::string& /*text*/) {}
 
     // What a screen keeps for its user from one run of the program to the next, such as how a list is sorted. Empty when nothing is kept: a
     // desk without a user of its own keeps nothing.

@@ -173,7 +173,15 @@ void expectClipboard(Step& step) {
 void expectStatus(Step& step) {
     const Wanted wanted = step.wanted("a text");
     step.end();
-    expectThat(wanted.holds(step.desk().statusText), "status " + wanted.told(), "there was " + inQuotes(step.desk().statusText));
+    const PlayDesk& desk = step.desk();
+    expectThat(wanted.holds(desk.statusText) || wanted.holds(desk.hintText), "status " + wanted.told(),
+               "there was " + inQuotes(desk.statusText) + (desk.hintText.empty() ? "" : " beside the hint " + inQuotes(desk.hintText)));
+}
+
+void expectHint(Step& step) {
+    const Wanted wanted = step.wanted("a text");
+    step.end();
+    expectThat(wanted.holds(step.desk().hintText), "hint " + wanted.told(), "there was " + inQuotes(step.desk().hintText));
 }
 
 bool isPrinted(const PrintedReport& report, const Wanted& file, const std::vector<std::string>& parameters) {
@@ -241,6 +249,7 @@ const std::vector<Entry>& worldExpectations() {
         {"browsed", R"(expect browsed like "...%")", &expectBrowsed},
         {"clipboard", R"(expect clipboard "text")", &expectClipboard},
         {"status", R"(expect status "text")", &expectStatus},
+        {"hint", R"(expect hint "text")", &expectHint},
         {"printed", R"(expect printed "File.rpt" "p1" ...)", &expectPrinted},
         {"ended", R"(expect ended ["message"])", &expectEnded},
         {"refused", "expect refused VERB ...", &expectRefused},

@@ -75,6 +75,7 @@ public:
     Doings doings;
     std::string clipboard;
     std::string statusText;
+    std::string hintText;
 
     // Set by the player: runs the script on until the condition holds, and ends the play because the user's answer is missing.
     std::function<void(const std::function<bool()>& done)> loop;
@@ -99,6 +100,7 @@ public:
         statusText = text;
         statusEnds_ = elapsedMs_ + kStatusMs;
     }
+    void hint(const std::string& text) override { hintText = text; }
     // For the length of the play, as its one user.
     std::string remembered(const std::string& form, const std::string& what) override { return kept_[{form, what}]; }
     void remember(const std::string& form, const std::string& what, const std::string& text) override { kept_[{form, what}] = text; }

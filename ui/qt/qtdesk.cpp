@@ -252,9 +252,22 @@ void QtDesk::status(const std::string& text) {
     else
         statusEnd_.start(kStatusMs);
     status_ = text;
+    showStatus();
+}
+
+void QtDesk::hint(const std::string& text) {
+    hint_ = text;
+    showStatus();
+}
+
+std::string QtDesk::statusText() const {
+    return status_.empty() || hint_.empty() ? status_ + hint_ : status_ + "  ·  " + hint_;
+}
+
+void QtDesk::showStatus() {
     for (const auto& [form, window] : windows_)
         if (window != nullptr)
-            window->showStatus(text);
+            window->showStatus(statusText());
 }
 
 std::string QtDesk::remembered(const std::string& form, const std::string& what) {

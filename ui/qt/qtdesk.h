@@ -72,9 +72,11 @@ public:
     std::unique_ptr<PageSink> pdf(const std::filesystem::path& file, const std::string& title) override;
     const TextMeasure& textMeasure() const override { return measure_; }
     void status(const std::string& text) override;
+    void hint(const std::string& text) override;
     std::string remembered(const std::string& form, const std::string& what) override;
     void remember(const std::string& form, const std::string& what, const std::string& text) override;
-    const std::string& statusText() const { return status_; }
+    // What the status bar says: the last word, and the hint that stands.
+    std::string statusText() const;
 
 protected:
     void prepared(Form& form) override;
@@ -106,6 +108,8 @@ private:
     std::vector<Loop> loops_;
     std::optional<ProcessEnd> end_;
     std::string status_;
+    std::string hint_;
+    void showStatus();
     QTimer statusEnd_; // takes the status text away
     QtTextMeasure measure_;
     std::optional<std::string> defaultPrinter_; // once the program has changed it; the system's own until then
