@@ -71,7 +71,9 @@ void StoreHost::start(ui::play::PlayDesk& desk, const ui::play::StartUp& startUp
     app::ModMain& session = app::modMain();
     session.desk = &desk;
     session.provider = std::make_unique<db::Provider>(&desk.clock());
-    session.provider->statementSent = [&desk](const std::string& statement) { desk.statementSent(statement); };
+    session.provider->statementSent = [&desk](const std::string& statement, const std::string& shown) {
+        desk.statementSent(statement, shown);
+    };
     session.reportOpened = [&desk](const std::string& file, const std::vector<std::string>& parameters) {
         desk.reportOpened(file, parameters);
     };

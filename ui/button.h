@@ -21,11 +21,18 @@ public:
             click();
     }
 
+    // The mouse or the space bar goes down on it and comes up again.
+    void hold(bool down) {
+        if (held)
+            held(down);
+    }
+
     bool isDefault = false; // Enter presses it
     bool isCancel = false;  // Escape presses it
     bool isDanger = false;  // it destroys something
     bool isQuiet = false;   // drawn as high as a line of text; keeps its room while it is hidden
     std::function<void()> click;
+    std::function<void(bool down)> held; // for a button that works only as long as it is held
 
 private:
     std::string caption_;

@@ -239,6 +239,14 @@ std::string press(Button& button) {
     return use(button, [&] { button.press(); });
 }
 
+std::string hold(Button& button, bool down) {
+    if (!down) { // what was held comes up whatever happened meanwhile
+        button.hold(false);
+        return "";
+    }
+    return use(button, [&] { button.hold(true); });
+}
+
 std::string press(Label& label) {
     return use(label, [&] { label.press(); });
 }

@@ -25,6 +25,8 @@ std::string append(TextBox& box, const std::string& text); // at the end, charac
 std::string type(ComboBox& box, const std::string& text);
 std::string append(ComboBox& box, const std::string& text);
 std::string press(Button& button);
+// Goes down on a button that works while it is held, and comes up.
+std::string hold(Button& button, bool down);
 std::string press(Label& label);
 std::string press(Image& image);
 std::string press(MenuEntry& entry);

@@ -12,6 +12,8 @@ namespace {
 
 using Format = GridColumn::Format;
 
+constexpr const char* kDots = "••••••••";
+
 // A number that is no amount of money, because it is too large or has an exponent, stands as it was typed.
 std::string moneyShown(const std::string& number) {
     try {
@@ -125,6 +127,8 @@ std::string Grid::text(int row, int column) const {
     const GridColumn& shape = columns_[static_cast<std::size_t>(column)];
     if (row == 0)
         return shape.heading;
+    if (shape.secret)
+        return kDots;
     if (bound_ == nullptr)
         return shown(shape, cells_[static_cast<std::size_t>(row) - 1][static_cast<std::size_t>(column)]);
     return shown(shape, bound_->cell(row - 1, column));
@@ -133,6 +137,8 @@ std::string Grid::text(int row, int column) const {
 Value Grid::value(int row, int column) const {
     if (column < 0 || column >= columnCount() || row < 1 || row > dataRows())
         return {};
+    if (columns_[static_cast<std::size_t>(column)].secret)
+        return std::string(kDots);
     if (bound_ != nullptr)
         return bound_->cell(row - 1, column);
     return cells_[static_cast<std::size_t>(row) - 1][static_cast<std::size_t>(column)];
@@ -143,7 +149,7 @@ std::string Grid::rawText(int row, int column) const {
 }
 
 int Grid::findRow(const std::string& text, int column) const {
-    if (column < 0 || column >= columnCount())
+    if (column < 0 || column >= columnCount() || columns_[static_cast<std::size_t>(column)].secret)
         return 0;
     const int rows = dataRows();
     const auto lowered = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
@@ -200,6 +206,11 @@ bool Grid::removeRow(int row) {
     if (bound_ != nullptr)
         return attempt([&] { bound_->removeRow(row - 1); });
     cells_.erase(cells_.begin() + (row - 1));
+    std::map<std::pair<int, int>, Color> colors; // the rows below move up with theirs
+    for (const auto& [cell, color] : colors_)
+        if (cell.first != row)
+            colors[{cell.first - (cell.first > row ? 1 : 0), cell.second}] = color;
+    colors_ = std::move(colors);
     clampCurrent();
     changed(Aspect::Rows);
     return true;

@@ -21,6 +21,7 @@ struct GridColumn {
     Format format = Format::Plain;
     Editor editor = Editor::Text;
     bool hidden = false;
+    bool secret = false;     // passwords: nothing but dots comes out of its cells
     bool alignRight = false; // numbers and money stand right in any case
     bool centred = false;
     bool fixedWidth = false; // codes

@@ -51,4 +51,9 @@ void TextBox::setLocked(bool on) {
     changed(Aspect::State);
 }
 
+void TextBox::setRevealed(bool on) {
+    revealed_ = on;
+    changed(Aspect::Look);
+}
+
 } // namespace merchantry::ui

@@ -30,8 +30,12 @@ public:
     bool locked() const { return locked_; }
     void setLocked(bool on);
 
+    // Of a password: whether the window shows it instead of dots, as it does while a button is held.
+    bool revealed() const { return revealed_; }
+    void setRevealed(bool on);
+
     bool multiline = false;
-    bool password = false;
+    bool password = false;   // dots on a window; never copied, and dots wherever a screen's texts are written down
     bool alignRight = false; // numbers
     bool fixedWidth = false; // codes
     bool money = false;      // see shownText
@@ -47,6 +51,7 @@ private:
     int selStart_ = 0;
     int selLength_ = 0;
     bool locked_ = false;
+    bool revealed_ = false;
 };
 
 } // namespace merchantry::ui

@@ -24,8 +24,9 @@ public:
 
     // Who is asked while a statement of the application waits for another program; null for nobody.
     Waiter* waiter = nullptr;
-    // Called with each statement that the application sends, before it runs. For scripts that look on.
-    std::function<void(const std::string& statement)> statementSent;
+    // Called with each statement that the application sends, before it runs, and with the same as it may be written down. For scripts that
+    // look on.
+    std::function<void(const std::string& statement, const std::string& shown)> statementSent;
 
 private:
     const Clock* clock_;

@@ -55,6 +55,7 @@ Sql& Sql::add(const std::string& value) {
 
 Sql& Sql::add(const Secret& secret) {
     const bool good = badNumber_ == 0;
+    secrets_.emplace_back(text_.size(), secret.value.size());
     add(secret.value);
     if (good && badNumber_ != 0)
         badNear_ = "…";
@@ -106,7 +107,19 @@ Sql& Sql::add(const Sql& other) {
         badNumber_ = other.badNumber_;
         badNear_ = other.badNear_;
     }
+    for (const auto& [begin, length] : other.secrets_)
+        secrets_.emplace_back(text_.size() + begin, length);
     return addLiteral(other.text_);
+}
+
+std::string Sql::shownText() const {
+    std::string shown;
+    std::size_t from = 0;
+    for (const auto& [begin, length] : secrets_) {
+        shown += text_.substr(from, begin - from) + "…";
+        from = begin + length;
+    }
+    return shown + text_.substr(from);
 }
 
 void Sql::check() const {

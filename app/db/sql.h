@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace merchantry::db {
 
@@ -44,6 +45,8 @@ public:
 
     // The joined text, byte for byte.
     const std::string& text() const { return text_; }
+    // The same with "…" in place of every secret, for whoever writes statements down.
+    std::string shownText() const;
     // Throws DbError (category Syntax) when a value would have become a piece of the statement.
     void check() const;
 
@@ -56,8 +59,9 @@ private:
     Sql& addNumber(const std::string& number);
 
     std::string text_;
-    char close_ = '\0';         // ends the literal or quoted name that the text so far ends in; 0 outside
-    std::size_t bareBegin_ = 0; // of the bare value that the text so far ends with
+    std::vector<std::pair<std::size_t, std::size_t>> secrets_; // where they begin in the text, and how long they are
+    char close_ = '\0';                                        // ends the literal or quoted name that the text so far ends in; 0 outside
+    std::size_t bareBegin_ = 0;                                // of the bare value that the text so far ends with
     std::size_t bareEnd_ = std::string::npos;
     int badNumber_ = 0; // 102, 105 or 156 once a value broke out
     std::string badNear_;

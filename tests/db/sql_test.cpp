@@ -141,6 +141,10 @@ TEST(Sql, TellsNoSecret) {
         }
     }
     EXPECT_EQ((Sql("a = '") + Secret{"plain"} + "'").text(), "a = 'plain'");
+    const Sql joined =
+        Sql("n = '") + std::string("Ann") + "' AND " + (Sql("a = '") + Secret{"plain"} + "'") + " OR b = '" + Secret{"x"} + "'";
+    EXPECT_EQ(joined.text(), "n = 'Ann' AND a = 'plain' OR b = 'x'");
+    EXPECT_EQ(joined.shownText(), "n = 'Ann' AND a = '…' OR b = '…'");
 }
 
 } // namespace

@@ -124,7 +124,15 @@ void expectSelection(Step& step) {
     const auto& box = step.as<TextBox>("a text box");
     const Wanted wanted = step.wanted("the selected text");
     step.end();
-    expectThat(wanted.holds(box.selectedText()), "selection " + wanted.told(), "there was " + inQuotes(box.selectedText()));
+    expectThat(wanted.holds(box.selectedText()), "selection " + wanted.told(),
+               "there was " + (box.password ? "another" : inQuotes(box.selectedText())));
+}
+
+// Dots, as a window shows them, or the password itself while a button is held.
+void expectDots(Step& step) {
+    const auto& box = step.as<TextBox>("a text box");
+    step.end();
+    expectThat(box.password && !box.revealed(), box.name() + " to show dots", "it shows its text");
 }
 
 void expectTip(Step& step) {
@@ -145,7 +153,7 @@ void expectColor(Step& step) {
     }
     const std::string wanted = step.bare("a colour");
     step.end();
-    expectThat(isColorWord(wanted), "yellow, green, red, none or #RRGGBB", "there was " + wanted);
+    expectThat(isColorWord(wanted), "yellow, green, red, blue, none or #RRGGBB", "there was " + wanted);
     expectThat(isColor(given, wanted), "colour " + wanted, "there was " + wordFor(given));
 }
 
@@ -165,7 +173,7 @@ void expectControl(Step& step, const std::string& name) {
     step.end();
     const auto text = shownText(target);
     expectThat(text.has_value(), name + " to show a text", "it is a " + kindOf(*target.control));
-    expectThat(wanted.holds(*text), name + " " + wanted.told(), "there was " + inQuotes(*text));
+    expectThat(wanted.holds(*text), name + " " + wanted.told(), "there was " + inQuotes(*tellableText(target)));
 }
 
 const std::vector<Entry>& fieldExpectations() {
@@ -184,6 +192,7 @@ const std::vector<Entry>& fieldExpectations() {
         {"count", "expect count ctl n", &expectCount},
         {"entries", R"(expect entries ctl "a" "b" ...)", &expectEntries},
         {"selection", R"(expect selection ctl "text")", &expectSelection},
+        {"dots", "expect dots ctl", &expectDots},
         {"tip", R"(expect tip ctl "text")", &expectTip},
         {"color", "expect color grd n col yellow or expect color ctl red", &expectColor},
     };

@@ -94,7 +94,7 @@ bool sent(Step& step, const Wanted& wanted) {
 void expectStatement(Step& step) {
     const Wanted wanted = step.wanted("a statement");
     step.end();
-    expectThat(sent(step, wanted), "statement " + wanted.told(), listed(step.desk().doings.statements, kNoneSent));
+    expectThat(sent(step, wanted), "statement " + wanted.told(), listed(step.desk().doings.shownStatements, kNoneSent));
 }
 
 void expectStatements(Step& step) {
@@ -104,7 +104,8 @@ void expectStatements(Step& step) {
     auto at = statements.begin();
     for (const std::string& text : wanted) {
         at = std::find_if(at, statements.end(), [&](const std::string& one) { return Wanted{text, like}.holds(one); });
-        expectThat(at != statements.end(), "statement " + Wanted{text, like}.told() + " in this order", listed(statements, kNoneSent));
+        expectThat(at != statements.end(), "statement " + Wanted{text, like}.told() + " in this order",
+                   listed(step.desk().doings.shownStatements, kNoneSent));
         ++at;
     }
 }
@@ -138,7 +139,7 @@ void expectNo(Step& step) {
     } else if (step.accept("statement")) {
         const Wanted wanted = step.wanted("a statement");
         step.end();
-        expectThat(!sent(step, wanted), "no statement " + wanted.told(), listed(step.desk().doings.statements, kNoneSent));
+        expectThat(!sent(step, wanted), "no statement " + wanted.told(), listed(step.desk().doings.shownStatements, kNoneSent));
     } else if (step.accept("file")) {
         const std::string path = step.text("a path");
         step.end();

@@ -95,6 +95,12 @@ std::optional<std::string> shownText(const Target& target) {
     return readAs<Label, Button, CheckBox, OptionButton, Frame, MenuEntry>(control, [](const auto& one) { return one.caption(); });
 }
 
+std::optional<std::string> tellableText(const Target& target) {
+    const auto* box = dynamic_cast<const TextBox*>(target.control);
+    const bool secret = target.tool == nullptr && box != nullptr && box->password;
+    return secret ? std::optional<std::string>(box->text().empty() ? "" : "••••••••") : shownText(target);
+}
+
 std::optional<bool> shownFlag(const Control& control) {
     if (const auto* box = dynamic_cast<const CheckBox*>(&control))
         return box->value();

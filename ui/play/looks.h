@@ -16,6 +16,8 @@ namespace merchantry::ui::play {
 
 // The text that the control shows: a box's text, a caption, the selected entry. Nothing for kinds that show none (grid, timer, image).
 std::optional<std::string> shownText(const Target& target);
+// The same as it may be written down: dots for a password.
+std::optional<std::string> tellableText(const Target& target);
 // On or off; nothing for kinds that are neither.
 std::optional<bool> shownFlag(const Control& control);
 // The entries of a list, the captions of pages or of a submenu. Nothing for other kinds.

@@ -149,10 +149,11 @@ void PlayDesk::browse(const std::string& topic) {
     transcript_.event("browsed " + inQuotes(topic));
 }
 
-void PlayDesk::statementSent(const std::string& text) {
+void PlayDesk::statementSent(const std::string& text, const std::string& shown) {
     doings.statements.push_back(text);
+    doings.shownStatements.push_back(shown);
     if (transcript_.showsStatements())
-        transcript_.event("statement " + inQuotes(text));
+        transcript_.event("statement " + inQuotes(shown));
 }
 
 void PlayDesk::reportOpened(const std::string& file, const std::vector<std::string>& parameters) {

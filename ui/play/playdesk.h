@@ -39,6 +39,7 @@ struct Doings {
     std::vector<std::string> browsed;
     std::vector<PrintedReport> printed;
     std::vector<std::string> statements;
+    std::vector<std::string> shownStatements; // the same without their secrets, to be told
 };
 
 // The world as a script has it: boxes are answered from queues, time passes when it is told to, and everything is written down.
@@ -55,7 +56,8 @@ public:
     void queueFile(std::optional<std::filesystem::path> path) { fileAnswers_.push_back(std::move(path)); }
 
     // Called by the host while the application works.
-    void statementSent(const std::string& text);
+    void statementSent(const std::string& text, const std::string& shown);
+    void statementSent(const std::string& text) { statementSent(text, text); }
     void reportOpened(const std::string& file, const std::vector<std::string>& parameters);
 
     // Lets so many milliseconds pass: timers fire in their order, also the rest of them when one opens a modal form.
@@ -76,6 +78,7 @@ public:
     std::string clipboard;
     std::string statusText;
     std::string hintText;
+    std::vector<std::string> printerNames{"PDF"}; // of the workstation
 
     // Set by the player: runs the script on until the condition holds, and ends the play because the user's answer is missing.
     std::function<void(const std::function<bool()>& done)> loop;
@@ -90,7 +93,7 @@ public:
     void yield() override {}
     void browse(const std::string& topic) override;
     void copyText(const std::string& text) override { clipboard = text; }
-    std::vector<std::string> printers() override { return {"PDF"}; }
+    std::vector<std::string> printers() override { return printerNames; }
     void setDefaultPrinter(const std::string& printer) override;
     // All pages, onto paper that only the transcript sees.
     std::optional<PrintChoice> printerSetup(const std::string& title, int pages) override;

@@ -51,7 +51,7 @@ void checkVerbs(const Script& script) {
 }
 
 bool startsUp(const Line& line) {
-    return !isOneOf(line.words.front().text, {"config", "answer", "input", "file", "clock"});
+    return !isOneOf(line.words.front().text, {"config", "answer", "input", "file", "printers", "clock"});
 }
 
 void doLine(Player& player, const Line& line) {
@@ -70,7 +70,7 @@ void doVerb(Step& step) {
     const Entry* const verb = find(verbs(), word);
     lineNeeds(verb != nullptr, "a verb", "there was " + word);
     // These prepare or look; what the last verb brought about stays for them.
-    if (!isOneOf(word, {"expect", "answer", "input", "file", "clock", "config", "sql", "let", "print"}))
+    if (!isOneOf(word, {"expect", "answer", "input", "file", "printers", "clock", "config", "sql", "let", "print"}))
         step.desk().doings = {};
     step.isWritten(verb->form);
     verb->run(step);

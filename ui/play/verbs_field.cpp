@@ -76,6 +76,19 @@ void click(Step& step) {
     clickTarget(step, target);
 }
 
+void holdButton(Step& step) {
+    auto& button = step.as<Button>("a button");
+    step.end();
+    lineNeeds(static_cast<bool>(button.held), button.name() + " to be a button that is held", "it is pressed");
+    step.demand(gestures::hold(button, true), "hold " + button.name());
+}
+
+void releaseButton(Step& step) {
+    auto& button = step.as<Button>("a button");
+    step.end();
+    gestures::hold(button, false);
+}
+
 void check(Step& step) {
     Control& control = step.control();
     const bool on = step.flag();
@@ -212,6 +225,8 @@ const std::vector<Entry>& fieldVerbs() {
         {"enter", "enter ctl", &enterControl},
         {"leave", "leave ctl", &leaveControl},
         {"click", "click ctl", &click},
+        {"hold", "hold ctl", &holdButton},
+        {"release", "release ctl", &releaseButton},
         {"check", "check ctl on|off", &check},
         {"pick", R"(pick ctl "text" or pick ctl #n)", &pick},
         {"tab", R"(tab ctl "Caption")", &turnTo},

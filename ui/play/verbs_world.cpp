@@ -128,7 +128,7 @@ std::string rowLine(const Grid& grid, int row) {
 void printForm(Transcript& transcript, const Form& form) {
     transcript.event(form.name() + " caption " + inQuotes(form.caption()));
     for (Control* control : form.controls()) {
-        const auto text = shownText({control, nullptr});
+        const auto text = tellableText({control, nullptr});
         const auto flag = shownFlag(*control);
         transcript.event("  " + control->name() + " " + kindOf(*control) + (text ? " " + inQuotes(*text) : "") +
                          (flag ? (*flag ? " on" : " off") : "") + (isVisible(*control) ? "" : " hidden") +
@@ -147,7 +147,7 @@ void printControl(Transcript& transcript, const Target& target) {
         return;
     }
     const auto flag = shownFlag(control);
-    transcript.event(control.name() + " " + (flag ? std::string(*flag ? "on" : "off") : inQuotes(shownText(target).value_or(""))));
+    transcript.event(control.name() + " " + (flag ? std::string(*flag ? "on" : "off") : inQuotes(tellableText(target).value_or(""))));
 }
 
 void print(Step& step) {
@@ -168,6 +168,11 @@ void print(Step& step) {
     step.end();
 }
 
+void printers(Step& step) {
+    step.desk().printerNames = step.accept("none") ? std::vector<std::string>{} : step.texts();
+    step.end();
+}
+
 void picture(Step& step) {
     const std::string name = step.text("a name");
     step.end();
@@ -181,6 +186,7 @@ const std::vector<Entry>& worldVerbs() {
         {"answer", "answer Yes|No|OK|Cancel", &answer},
         {"input", R"(input "text" or input cancel)", &input},
         {"file", R"(file "path" or file cancel)", &file},
+        {"printers", R"(printers "name" ... or printers none)", &printers},
         {"wait", "wait milliseconds", &wait},
         {"clock", R"(clock "2026-11-21 14:30:00")", &setClock},
         {"sql", R"(sql "...")", &sql},

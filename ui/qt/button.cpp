@@ -24,6 +24,10 @@ public:
             if (host_.entered(button_))
                 host_.act([this] { gestures::press(button_); });
         });
+        if (button.held) {
+            QObject::connect(&shown(), &QPushButton::pressed, widget_, [this] { host_.act([this] { gestures::hold(button_, true); }); });
+            QObject::connect(&shown(), &QPushButton::released, widget_, [this] { host_.act([this] { gestures::hold(button_, false); }); });
+        }
         host_.watch(*widget_, button);
     }
 

@@ -45,8 +45,6 @@ public:
     LineDrawing(FormWindow& host, TextBox& box, QWidget* parent) : Drawing(host, box, new QLineEdit(parent)), box_(box) {
         line().setFixedHeight(measure::kField);
         line().setMinimumWidth(72);
-        if (box.password)
-            line().setEchoMode(QLineEdit::Password);
         if (box.alignRight)
             line().setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         if (box.maxLength > 0)
@@ -76,6 +74,7 @@ public:
             setLook(*widget_, "field");
         }
         if (aspect == Aspect::Look) {
+            line().setEchoMode(box_.password && !box_.revealed() ? QLineEdit::Password : QLineEdit::Normal);
             line().setPlaceholderText(toQt(box_.placeholder));
             showColors(*widget_, box_, host_.skin());
         }
@@ -149,8 +148,10 @@ public:
     PageDrawing(FormWindow& host, TextBox& box, QWidget* parent) : Drawing(host, box, new QPlainTextEdit(parent)), box_(box) {
         page().setTabChangesFocus(true);
         page().setMinimumSize(160, 72);
-        if (box.fixedWidth)
+        if (box.fixedWidth) { // its lines are what they are
             page().setFont(host.skin().code());
+            page().setLineWrapMode(QPlainTextEdit::NoWrap);
+        }
         QObject::connect(&page(), &QPlainTextEdit::textChanged, widget_, [this] { typed(); });
         host_.watch(*widget_, box);
         host_.watch(*page().viewport(), box);

@@ -37,9 +37,9 @@ Session& Connection::session() {
     return *session_;
 }
 
-void Connection::sent(const std::string& statement) const {
+void Connection::sent(const Sql& statement) const {
     if (provider_.statementSent)
-        provider_.statementSent(statement);
+        provider_.statementSent(statement.text(), statement.shownText());
 }
 
 } // namespace merchantry::db

@@ -37,7 +37,7 @@ public:
     Session& session();
     Provider& provider() const { return provider_; }
     // Tells lookers-on that this statement is about to be sent.
-    void sent(const std::string& statement) const;
+    void sent(const Sql& statement) const;
 
 private:
     Provider& provider_;

@@ -76,7 +76,7 @@ void Recordset::Requery() {
 void Recordset::run() {
     Collector rows;
     const Sql& text = command_ ? command_->text() : source_;
-    connection_->sent(text.text());
+    connection_->sent(text);
     text.check();
     if (command_ && command_->type() == CommandType::StoredProcedure)
         connection_->session().call(text.text(), command_->parameters(), rows);

@@ -187,6 +187,38 @@ TEST(Play, WhatDoesNotHoldTellsWhatThereWas) {
     }
 }
 
+// What is written down of a password is dots: failures, prints, and the statements that held it.
+TEST(Play, TellsNoPassword) {
+    const Played held =
+        playInShop("type txtSecret \"s3cret\"\nexpect txtSecret \"s3cret\"\nexpect dots txtSecret\nhold cmdHeld\n"
+                   "expect refused expect dots txtSecret\nrelease cmdHeld\nexpect dots txtSecret\nprint txtSecret\nprint form");
+    EXPECT_TRUE(held.passed) << held.transcript;
+    EXPECT_EQ(held.transcript.find("s3cret"), std::string::npos) << held.transcript;
+    EXPECT_NE(held.transcript.find("txtSecret \"••••••••\""), std::string::npos) << held.transcript;
+    for (const char* wrong : {"expect txtSecret \"x\"", "key Ctrl+A\nexpect selection txtSecret \"x\""}) {
+        const Played failed = playInShop(std::string("type txtSecret \"s3cret\"\n") + wrong);
+        EXPECT_FALSE(failed.passed);
+        EXPECT_EQ(failed.transcript.find("s3cret"), std::string::npos) << failed.transcript;
+    }
+    std::ostringstream out;
+    merchantry::ui::play::Transcript transcript(out, true);
+    merchantry::ui::play::PlayDesk desk(transcript);
+    desk.statementSent("SELECT 's3cret'", "SELECT '…'");
+    EXPECT_EQ(out.str(), "statement \"SELECT '…'\"\n");
+    EXPECT_EQ(desk.doings.statements.front(), "SELECT 's3cret'");
+}
+
+TEST(Play, AHintStandsBesideTheStatus) {
+    std::ostringstream out;
+    merchantry::ui::play::Transcript transcript(out);
+    merchantry::ui::play::PlayDesk desk(transcript);
+    desk.hint("Change it.");
+    desk.status("Saved.");
+    desk.pass(merchantry::ui::play::PlayDesk::kStatusMs, [] {});
+    EXPECT_EQ(desk.statusText, "");
+    EXPECT_EQ(desk.hintText, "Change it.");
+}
+
 TEST(Play, ProceduresWaitWhileTheirModalFormIsOpen) {
     const Played closed =
         playInShop("click cmdModal\nexpect form frmDialog\nexpect refused click cmdBeep\nexpect refused command mnuShop\n"

@@ -57,16 +57,19 @@ public:
         cboColor.add("Blue");
         txtPhone.mask = "(###) ###-####";
         txtShort.maxLength = 3;
+        txtSecret.password = true;
+        cmdHeld.held = [this](bool down) { txtSecret.setRevealed(down); };
         txtLocked.setLocked(true);
         cmdOff.setEnabled(false);
         cmdGone.setVisible(false);
         lblTitle.setForeColor(Color::Red);
-        setLayout(
-            column({title(lblTitle),
-                    fields({field("Name:", txtName), field("Phone:", txtPhone), field("Short:", txtShort), field("Locked:", txtLocked)}),
-                    row({at(chkActive), at(optA), at(optB), at(lstKind), at(cboColor), at(lblLog), at(lblTicks), at(imgUp)}),
-                    pages(tabPages, {at(cmdAsk), at(txtNotes)}), at(grdItems),
-                    buttons({at(cmdOff), at(cmdGone), at(cmdBeep), at(cmdInput), at(cmdFile), at(cmdModal), at(cmdHelp), at(cmdPanel)})}));
+        setLayout(column({title(lblTitle),
+                          fields({field("Name:", txtName), field("Phone:", txtPhone), field("Short:", txtShort),
+                                  field("Locked:", txtLocked)}),
+                          row({at(chkActive), at(optA), at(optB), at(lstKind), at(cboColor), at(lblLog), at(lblTicks), at(imgUp)}),
+                          pages(tabPages, {at(cmdAsk), at(txtNotes)}), at(grdItems),
+                          buttons({at(cmdOff), at(cmdGone), at(cmdBeep), at(cmdInput), at(cmdFile), at(cmdModal), at(cmdHelp), at(cmdPanel),
+                                   at(txtSecret), at(cmdHeld)})}));
     }
     ~frmShop() override { tmrTick.stop(); }
 
@@ -75,6 +78,8 @@ public:
     TextBox txtPhone{*this, "txtPhone"};
     TextBox txtShort{*this, "txtShort"};
     TextBox txtLocked{*this, "txtLocked"};
+    TextBox txtSecret{*this, "txtSecret"};
+    Button cmdHeld{*this, "cmdHeld", "Show"};
     CheckBox chkActive{*this, "chkActive", "&Active"};
     OptionButton optA{*this, "optA", "A", true};
     OptionButton optB{*this, "optB", "B"};

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
@@ -39,6 +40,53 @@ protected:
 };
 
 } // namespace
+
+// Whoever holds the button sees the password, by the mouse or by the space bar, and nobody else.
+TEST_F(EventsTest, APasswordIsDotsUnlessItsButtonIsHeld) {
+    class Sheet : public Form {
+    public:
+        explicit Sheet(Desk& desk) : Form(desk, "Sheet", "Sheet") {
+            txtSecret.password = true;
+            txtSecret.setText("s3cret");
+            cmdShow.held = [this](bool down) { txtSecret.setRevealed(down); };
+            setLayout(row({at(txtSecret), at(cmdShow)}));
+        }
+        TextBox txtSecret{*this, "txtSecret"};
+        Button cmdShow{*this, "cmdShow", "Show"};
+    };
+    auto& form = shown<Sheet>();
+    auto& line = widget<QLineEdit>(form.txtSecret);
+    auto& button = widget<QPushButton>(form.cmdShow);
+    EXPECT_EQ(line.displayText(), QString(6, line.displayText().at(0)));
+    EXPECT_EQ(line.echoMode(), QLineEdit::Password);
+    QTest::mousePress(&button, Qt::LeftButton);
+    EXPECT_EQ(line.displayText(), "s3cret");
+    QTest::mouseRelease(&button, Qt::LeftButton);
+    EXPECT_EQ(line.echoMode(), QLineEdit::Password);
+    QTest::keyPress(&button, Qt::Key_Space);
+    EXPECT_EQ(line.displayText(), "s3cret");
+    QTest::keyRelease(&button, Qt::Key_Space);
+    EXPECT_EQ(line.echoMode(), QLineEdit::Password);
+}
+
+// A caption that a screen colours is the screen's label and still leads to its field.
+TEST_F(EventsTest, ACaptionOfItsOwnIsColouredAndLeadsToItsField) {
+    class Sheet : public Form {
+    public:
+        explicit Sheet(Desk& desk) : Form(desk, "Sheet", "Sheet") { setLayout(fields({field(lblCity, txtCity), field("&Zip:", txtZip)})); }
+        Label lblCity{*this, "lblCity", "&City:"};
+        TextBox txtCity{*this, "txtCity"};
+        TextBox txtZip{*this, "txtZip"};
+    };
+    auto& form = shown<Sheet>();
+    desk.enter([&] { form.lblCity.setForeColor(Color::Red); });
+    auto& label = widget<QLabel>(form.lblCity);
+    EXPECT_TRUE(label.styleSheet().contains(desk.skin().ink(Color::Red).name()));
+    EXPECT_EQ(label.buddy(), &widget<QLineEdit>(form.txtCity));
+    EXPECT_EQ(widget<QLineEdit>(form.txtCity).accessibleName(), "City");
+    EXPECT_EQ(form.tabOrder().size(), 3U);
+    EXPECT_LT(label.x(), widget<QLineEdit>(form.txtCity).x());
+}
 
 TEST_F(EventsTest, AMoneyFieldShowsItsFormUntilItHasTheFocus) {
     auto& form = shown<sample::ItemSheet>();
