@@ -46,6 +46,8 @@
 #include "setup/frmTaxClasses.h"
 #include "setup/frmTaxTable.h"
 #include "setup/frmTenderTypes.h"
+#include "setup/frmCashier_Security.h"
+#include "setup/frmCashiers.h"
 
 #include <algorithm>
 #include <iterator>
@@ -105,6 +107,8 @@ constexpr Screen kScreens[] = {
     {"frmReport_Generate", instanceOf<reports::frmReport_Generate>, false},
     {"frmViewer", instanceOf<reports::frmViewer>, false},
     {"frmOrphanedItems", instanceOf<reports::frmOrphanedItems>, false},
+    {"frmCashiers", instanceOf<setup::frmCashiers>, true},
+    {"frmCashier_Security", instanceOf<setup::frmCashier_Security>, false},
 };
 
 // A file of the report folder with its parameters; null when it cannot be opened, which was said.
