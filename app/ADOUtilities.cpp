@@ -70,6 +70,9 @@ void DataControl::show() {
 void DataControl::collect() {
     for (const ui::Control* control : bound_) {
         db::Field field = (*rows_)[control->dataField];
+        // A list in which nothing is chosen knows no word for what the column holds, and leaves it.
+        if (const auto* list = dynamic_cast<const ui::ListBox*>(control); list != nullptr && list->listIndex() < 0)
+            continue;
         const Value held = heldBy(*control);
         // A field that shows a null as nothing and was left so stays null.
         if (field.isNull() && held.toText().empty())

@@ -48,6 +48,8 @@
 #include "setup/frmTenderTypes.h"
 #include "setup/frmCashier_Security.h"
 #include "setup/frmCashiers.h"
+#include "setup/frmRegister_Edit.h"
+#include "setup/frmRegisters.h"
 
 #include <algorithm>
 #include <iterator>
@@ -109,6 +111,8 @@ constexpr Screen kScreens[] = {
     {"frmOrphanedItems", instanceOf<reports::frmOrphanedItems>, false},
     {"frmCashiers", instanceOf<setup::frmCashiers>, true},
     {"frmCashier_Security", instanceOf<setup::frmCashier_Security>, false},
+    {"frmRegisters", instanceOf<setup::frmRegisters>, true},
+    {"frmRegister_Edit", instanceOf<setup::frmRegister_Edit>, false},
 };
 
 // A file of the report folder with its parameters; null when it cannot be opened, which was said.

@@ -35,6 +35,39 @@ TEST_F(StoreRules, ANewStoreHasItsFirstRowsAndIsSound) {
     EXPECT_EQ(errorOf("sp_GetAllCustomers 1, 0"), 2812);
 }
 
+// A register's sales are told by its number for years; a row that nothing hangs on may go.
+TEST_F(StoreRules, ARegisterThatHasRecordedSomethingStaysAndSaysWhy) {
+    run("INSERT INTO Register DEFAULT VALUES INSERT INTO Register DEFAULT VALUES INSERT INTO Register DEFAULT VALUES");
+    run("INSERT INTO [Transaction] (RegisterID) VALUES (2) INSERT INTO DrawerEvent (RegisterID, CashierID) VALUES (3, 5)");
+    for (const std::string number : {"2", "3"})
+        try {
+            run("DELETE FROM Register WHERE ID = " + number);
+            ADD_FAILURE() << number;
+        } catch (const DbError& error) {
+            EXPECT_EQ(std::string(error.what()).find("Register " + number + " cannot be deleted"), 0U) << error.what();
+        }
+    run("DELETE FROM Register WHERE ID = 4");
+    EXPECT_EQ(rowsOf("SELECT ID FROM Register ORDER BY ID"), "1;2;3");
+}
+
+TEST_F(StoreRules, ACashierWithHistoryStaysAndCustomFieldsTakeTheirValues) {
+    run("INSERT INTO Cashier (Name) VALUES ('Ann') INSERT INTO CashierEvent (CashierID) VALUES (6)");
+    EXPECT_EQ(errorOf("DELETE FROM Cashier WHERE ID = 6"), 547);
+    run("INSERT INTO CustomFields (CustFieldName) VALUES ('Size'), ('Color') INSERT INTO Customer (LastName) VALUES ('Doe')");
+    run("INSERT INTO CustomFieldValues (CustID, CustFieldName, FieldValue) VALUES (1, 'Size', '42'), (1, 'Color', 'red')");
+    run("DELETE FROM CustomFields WHERE CustFieldName = 'Size'");
+    EXPECT_EQ(rowsOf("SELECT CustFieldName FROM CustomFieldValues"), "Color");
+}
+
+TEST_F(StoreRules, TheReceiptPrinterOfARegisterIsANameOrNull) {
+    EXPECT_EQ(rowsOf("sp_GetReceiptPrinter 1"), "NULL");
+    run("sp_SetReceiptPrinter 1, 'Front desk'");
+    EXPECT_EQ(rowsOf("sp_GetReceiptPrinter 1"), "Front desk");
+    run("sp_SetReceiptPrinter 1, NULL");
+    EXPECT_EQ(rowsOf("sp_GetReceiptPrinter 1"), "NULL");
+    EXPECT_EQ(rowsOf("sp_GetReceiptPrinter 9"), "");
+}
+
 TEST_F(StoreRules, WritersNameOnlyWhatTheyKnow) {
     run("INSERT INTO Item (SKU, MatrixSKU) VALUES ('a', 'a')");
     run("INSERT INTO Customer (LastName) VALUES ('Doe')");
