@@ -48,6 +48,7 @@
 #include "setup/frmTenderTypes.h"
 #include "setup/frmCashier_Security.h"
 #include "setup/frmCashiers.h"
+#include "setup/frmOptions.h"
 #include "setup/frmRegister_Edit.h"
 #include "setup/frmRegisters.h"
 
@@ -113,6 +114,7 @@ constexpr Screen kScreens[] = {
     {"frmCashier_Security", instanceOf<setup::frmCashier_Security>, false},
     {"frmRegisters", instanceOf<setup::frmRegisters>, true},
     {"frmRegister_Edit", instanceOf<setup::frmRegister_Edit>, false},
+    {"frmOptions", instanceOf<setup::frmOptions>, true},
 };
 
 // A file of the report folder with its parameters; null when it cannot be opened, which was said.

@@ -1,0 +1,3 @@
+-- The one row of settings of the store, updatable.
+CREATE PROCEDURE bsp_StoreOptions AS
+SELECT * FROM StoreOptions

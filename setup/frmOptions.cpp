@@ -1,0 +1,325 @@
+#include "setup/frmOptions.h"
+
+#include "app/modMain.h"
+#include "app/modPhone.h"
+#include "base/guard.h"
+#include "base/text.h"
+#include "setup/secretbox.h"
+#include "ui/desk.h"
+
+#include <filesystem>
+
+namespace merchantry::setup {
+
+using namespace app;
+using namespace ui;
+
+namespace {
+
+constexpr const char* kTag = "MR_frmOptions";
+constexpr const char* kProduct = "Velmora Tillmark Professional";
+constexpr int kNameColumn = 0;
+constexpr int kTypeColumn = 1;
+constexpr const char* kStates[] = {"AK", "AL", "AR", "AS", "AZ", "CA", "CO", "CT", "DC", "DE", "FL", "GA", "HI",
+                                   "IA", "ID", "IL", "IN", "KS", "KY", "LA", "MA", "MD", "ME", "MI", "MN", "MO",
+                                   "MS", "MT", "NC", "ND", "NE", "NH", "NJ", "NM", "NV", "NY", "OH", "OK", "OR",
+                                   "PA", "PR", "RI", "SC", "SD", "TN", "TX", "UT", "VA", "VT", "WA", "WI", "WV"};
+constexpr const char* kMerchants[] = {"CES", "FDC", "MAPP", "NDC", "FNBO", "GSAR", "VISA", "NB", "FDCN", "MDI", "NPC", "ECHO"};
+
+// How many characters the columns hold.
+constexpr std::pair<const char*, int> kLengths[] = {
+    {"txtVAT", 50},       {"txtMgrOverride", 50}, {"txtName", 100},         {"txtAddress1", 100}, {"txtAddress2", 100},
+    {"txtAddress3", 100}, {"txtCity", 50},        {"txtZip", 20},           {"txtPhone", 30},     {"txtFax", 30},
+    {"txtEmail", 100},    {"txtPCCHG", 255},      {"PCChgMerchActNum", 50}, {"txtFieldName", 50}};
+
+} // namespace
+
+frmOptions::frmOptions(Desk& desk) : Form(desk, "frmOptions", "Options") {
+    setIcon("options");
+    keepSecret(txtMgrOverride, cmdShowOverride);
+    keepSecret(PCChgMerchActNum, cmdShowAccount);
+    for (const auto& [box, length] : kLengths)
+        dynamic_cast<TextBox&>(*find(box)).maxLength = length;
+    for (TextBox* box : {&txtAPR, &txtMinFinChg, &txtPeriod, &txtDeposit, &txtMinDeposit, &PCChgPinPadCom, &txtGVExpiration})
+        box->alignRight = true;
+    txtMinFinChg.money = txtMinDeposit.money = true;
+    grdFields.setColumns({{.heading = "Field name"}, {.heading = "Data type", .characters = 12}});
+    grdFields.editable = false;
+    cmdExit.isCancel = true;
+
+    for (const OptionField& field : optionFields())
+        wire(field);
+    for (TextBox* box : {&txtPhone, &txtFax}) {
+        takePhones(*box);
+        box->setToolTip("Ten digits are laid out as (555) 123-4567; any other number stays as you type it.");
+    }
+    const std::pair<TextBox*, Label*> marks[] = {
+        {&txtAddress1, &lblAddress1}, {&txtCity, &lblCity}, {&txtZip, &lblZip}, {&txtPhone, &lblPhone}};
+    for (const auto& [box, label] : marks)
+        box->change = [this, box = box, label = label] { mark(*label, !trimmed(box->text()).empty()); };
+    cmdBrowse.click = [this] { cmdBrowse_Click(); };
+    cmdAddField.click = [this] { cmdAddField_Click(); };
+    grdFields.click = [this] { grdFields_Click(); };
+    grdFields.dblClick = [this] { grdFields_Click(); }; // and so Enter
+    cmdExit.click = [this] { unload(); };
+    buildLayout();
+}
+
+// --- every field, by the table ---
+
+void frmOptions::wire(const OptionField& field) {
+    Control* const control = find(field.control);
+    if (auto* box = dynamic_cast<TextBox*>(control))
+        wireBox(field, *box);
+    else if (auto* check = dynamic_cast<CheckBox*>(control))
+        check->click = [this, &field, check] { write(field, check->value()); };
+    else if (auto* list = dynamic_cast<ListBox*>(control))
+        list->click = [this, &field, list] { write(field, list->text()); };
+    else if (auto* combo = dynamic_cast<ComboBox*>(control))
+        combo->click = [this, &field, combo] { write(field, combo->text()); };
+    else
+        optTax.click = Option1.click = [this, &field] { write(field, optTax.value()); };
+}
+
+void frmOptions::wireBox(const OptionField& field, TextBox& box) {
+    box.lostFocus = [this, &field, &box] { leave(field, box); };
+    box.gotFocus = [&box] { box.selectAll(); };
+}
+
+void frmOptions::showField(const OptionField& field) {
+    const db::Field stored = (*options_)[field.readAs != nullptr ? field.readAs : field.column];
+    Control* const control = find(field.control);
+    const Restore showing(showing_, true);
+    if (auto* box = dynamic_cast<TextBox*>(control))
+        box->setText(std::string(trimmed(stored.text())));
+    else if (auto* check = dynamic_cast<CheckBox*>(control))
+        check->setValue(stored.Value().toFlag());
+    else if (auto* list = dynamic_cast<ListBox*>(control))
+        list->setListIndex(list->indexOf(stored.text()));
+    else if (auto* combo = dynamic_cast<ComboBox*>(control))
+        combo->setText(stored.text());
+    else
+        (stored.Value().toFlag() ? optTax : Option1).setValue(true);
+}
+
+// Whoever only passes through a field writes nothing; but a default that is shown and left is accepted.
+bool frmOptions::isUntouched(const OptionField& field, const TextBox& box) const {
+    return field.initial == nullptr && trimmed(box.text()) == trimmed((*options_)[field.column].text());
+}
+
+// A wrong entry is said and keeps the focus; the name keeps only its mark.
+void frmOptions::leave(const OptionField& field, TextBox& box) {
+    if (options_ == nullptr)
+        return;
+    const std::string complaint = complaintAbout(field.check, box.text());
+    if (field.check == OptionCheck::Name)
+        mark(lblName, complaint.empty());
+    if (complaint.empty() && isUntouched(field, box))
+        return;
+    if (complaint.empty()) {
+        guarded({field.tag, field.procedure}, [&] { write(field, storedValue(field.check, box.text())); });
+        return;
+    }
+    desk().message(complaint, kProduct);
+    if (field.check == OptionCheck::Name)
+        return;
+    if (const auto instead = afterWrong(field.check))
+        box.setText(*instead);
+    box.setFocus();
+}
+
+bool frmOptions::write(const OptionField& field, const Value& value) {
+    if (showing_ || options_ == nullptr)
+        return false;
+    const bool written = guarded({field.tag, field.procedure}, [&] {
+        (*options_)[field.column] = value;
+        options_->Update();
+    });
+    if (!written) {
+        readAgain();
+        guarded({field.tag, field.procedure}, [&] { showField(field); });
+    }
+    if (std::string_view(field.control) == "lbxState")
+        mark(lblState, !lbxState.text().empty());
+    if (std::string_view(field.control) == "cbxPCCHG")
+        enableCharge();
+    return written;
+}
+
+// After a refused write: the row as the store has it now. By the old values of a row that someone else changed no later write would meet
+// it.
+void frmOptions::readAgain() {
+    options_->CancelUpdate();
+    guarded({kTag, "Form_Load"}, [this] {
+        options_->Requery();
+        putDefaults();
+    });
+}
+
+// They stand in the row until it is written for the first time.
+void frmOptions::putDefaults() {
+    for (const OptionField& field : optionFields())
+        if (field.initial != nullptr && (*options_)[field.column].isNull())
+            (*options_)[field.column] = Value(std::string(field.initial));
+}
+
+// --- the screen ---
+
+void frmOptions::Init_ListBoxes() {
+    lbxState.clear();
+    for (const char* state : kStates)
+        lbxState.add(state);
+    lbxQB.clear();
+    for (const char* version : {"2002", "2003"})
+        lbxQB.add(version);
+}
+
+void frmOptions::LoadPCChargeMerch() {
+    PCChgMerch.clear();
+    for (const char* merchant : kMerchants)
+        PCChgMerch.add(merchant);
+}
+
+void frmOptions::fillCycles(ComboBox& combo, const db::Sql& statement) {
+    combo.clear();
+    const auto rows = openDirect(statement);
+    for (; !rows->Eof(); rows->MoveNext())
+        combo.add((*rows)[0].text());
+    rows->Close();
+}
+
+void frmOptions::Form_Load() {
+    tabOptions.setCurrent(0);
+    bool populated = true;
+    const bool loaded = guarded({kTag, "Form_Load", caption() + " - Critical Error"}, [&] {
+        options_ = openBroker("bsp_StoreOptions", db::CommandType::StoredProcedure, db::CursorType::Dynamic, db::LockType::Optimistic);
+        Init_ListBoxes();
+        LoadPCChargeMerch();
+        fillCycles(cboGracePeriod, "select Period from GracePeriod order by Period");
+        fillCycles(cboBillingCycle, "select Cycle from BillingCycle order by Cycle");
+        putDefaults();
+        populated = Populate_FormData();
+        for (const char* type : {"Date", "Numeric", "Text"})
+            lbxDataType.add(type);
+    });
+    if (!loaded || !populated)
+        unload();
+}
+
+bool frmOptions::Populate_FormData() {
+    return guarded({kTag, "Populate_Form"}, [this] {
+        for (const OptionField& field : optionFields())
+            showField(field);
+        markAll();
+        enableCharge();
+        loadCustomFields();
+    });
+}
+
+void frmOptions::Form_Unload(bool& /*cancel*/) {
+    guarded({kTag, "Form_Unload"}, [this] { closeRows(options_); });
+}
+
+void frmOptions::mark(Label& label, bool filled) {
+    label.setForeColor(filled ? Color::Green : Color::Red);
+}
+
+void frmOptions::markAll() {
+    for (const auto& [label, box] : {std::pair(&lblName, &txtName), std::pair(&lblAddress1, &txtAddress1), std::pair(&lblCity, &txtCity),
+                                     std::pair(&lblZip, &txtZip), std::pair(&lblPhone, &txtPhone)})
+        mark(*label, !trimmed(box->text()).empty());
+    mark(lblState, !lbxState.text().empty());
+}
+
+void frmOptions::enableCharge() {
+    Control* const controls[] = {&lblPCCHG,       &txtPCCHG,          &PCChgMerch, &lblPCCHGMerch, &PCChgMerchActNum, &lblPCCHGMerchActNum,
+                                 &PCChgPinPadCom, &lblPCCHGPinPadCom, &cmdBrowse,  &cmdShowAccount};
+    for (Control* control : controls)
+        control->setEnabled(cbxPCCHG.value());
+}
+
+// Asks for a file and takes its directory.
+void frmOptions::cmdBrowse_Click() {
+    const auto chosen = desk().file({"PC Charge Location", "All Files (*.*)|*.*", txtPCCHG.text(), false});
+    if (!chosen)
+        return;
+    std::error_code unknown;
+    if (!std::filesystem::exists(*chosen, unknown)) {
+        desk().message("Please select a valid file", kProduct);
+        txtPCCHG.setText("");
+        return;
+    }
+    txtPCCHG.setText(chosen->parent_path().string());
+    txtPCCHG.lostFocus();
+}
+
+// --- the customers' own fields ---
+
+// One empty row stands while there is no field.
+void frmOptions::loadCustomFields() {
+    const auto rows = openBroker("bsp_CustomFields", db::CommandType::StoredProcedure, db::CursorType::ForwardOnly, db::LockType::ReadOnly);
+    grdFields.setDataRows(std::max(1, rows->RecordCount()));
+    for (int row = 1; !rows->Eof(); rows->MoveNext(), ++row) {
+        grdFields.setText(row, kNameColumn, (*rows)["CustFieldName"].text());
+        grdFields.setText(row, kTypeColumn, (*rows)["CustFieldType"].text());
+    }
+    rows->Close();
+    grdFields.setCurrent(1, kNameColumn);
+    colour(0);
+    colour(1);
+}
+
+void frmOptions::colour(int row) {
+    for (const int column : {kNameColumn, kTypeColumn})
+        grdFields.setCellColor(row, column, Color::Blue);
+}
+
+void frmOptions::cmdAddField_Click() {
+    guarded({kTag, "cmdAddCustField"}, [this] { addCustomField(); });
+}
+
+void frmOptions::addCustomField() {
+    auto rows = openBroker("bsp_CustomFields", db::CommandType::StoredProcedure, db::CursorType::Dynamic, db::LockType::Optimistic);
+    const std::string name(trimmed(txtFieldName.text()));
+    const std::string type = lbxDataType.text();
+    if (name.empty() || type.empty())
+        return;
+    for (int row = 1; row <= grdFields.dataRows(); ++row)
+        if (grdFields.text(row, kNameColumn) == name) {
+            desk().message("That Customer Field is already present in the database. Please select another.", kProduct);
+            return;
+        }
+    rows->AddNew();
+    (*rows)["CustFieldName"] = Value(name);
+    (*rows)["CustFieldType"] = Value(type);
+    rows->Update();
+    const bool first = grdFields.text(1, kNameColumn).empty();
+    const int row = first ? 1 : grdFields.dataRows() + 1;
+    grdFields.setDataRows(row);
+    grdFields.setText(row, kNameColumn, name);
+    grdFields.setText(row, kTypeColumn, type);
+    colour(row);
+    closeRows(rows);
+}
+
+void frmOptions::grdFields_Click() {
+    if (grdFields.row() < 1 || grdFields.text(grdFields.row(), kNameColumn).empty())
+        return;
+    if (desk().message("Are you sure you wish to remove this field? Fields containing data will be destroyed.", "Remove Field",
+                       MessageIcon::Question, MessageButtons::YesNo) == Answer::Yes)
+        guarded({kTag, "Form_Unload"}, [this] { removeCustomField(); });
+}
+
+void frmOptions::removeCustomField() {
+    const int row = grdFields.row();
+    modMain().Conn->Execute(db::Sql("DELETE FROM CustomFields WHERE CustFieldName = '") + grdFields.text(row, kNameColumn) +
+                            "' AND CustFieldType = '" + grdFields.text(row, kTypeColumn) + "'");
+    if (grdFields.dataRows() > 1) {
+        grdFields.removeRow(row);
+        return;
+    }
+    grdFields.setText(row, kNameColumn, "");
+    grdFields.setText(row, kTypeColumn, "");
+}
+
+} // namespace merchantry::setup

@@ -1,0 +1,105 @@
+#include "setup/frmOptions.h"
+
+// How the seven pages of the options stand on the window.
+namespace merchantry::setup {
+
+using namespace ui;
+
+void frmOptions::buildLayout() {
+    setLayout(column({
+        title(lblHeading),
+        pages(tabOptions, {generalPage(), storePage(), customFieldsPage(), creditPage(), layawayPage(), chargePage(), voucherPage()}),
+        buttons({stretch(), note("Every field is saved as you leave it"), at(cmdExit)}),
+    }));
+}
+
+Item frmOptions::generalPage() {
+    return column({
+        row({
+            box("Sales", column({at(cbxCustData), at(cbxRegGrid), at(cbxItemSerial), at(cbxItemSerialRec), at(cbxBackOrder), at(cbxLogOff),
+                                 at(cbxRec)}))
+                .stretched(),
+            group(fraTax, column({at(optTax), at(Option1), fields({field(lblVAT, txtVAT).wide(20)})})).stretched(),
+        }),
+        fields({
+            field("Manage &Override Code:", txtMgrOverride, {at(cmdShowOverride)}).wide(24),
+            field("&Quickbooks Version:", lbxQB).wide(12),
+        }),
+    });
+}
+
+Item frmOptions::storePage() {
+    return column({
+        fields({field(lblName, txtName).wide(48)}),
+        row({
+            box("Address", fields({
+                               field(lblAddress1, txtAddress1),
+                               field("Address &2:", txtAddress2),
+                               field("Address &3:", txtAddress3),
+                               field(lblCity, txtCity),
+                               field(lblState, lbxState).wide(10),
+                               field(lblZip, txtZip).wide(10),
+                           }))
+                .stretched(),
+            box("Contact", fields({
+                               field(lblPhone, txtPhone),
+                               field("&Fax:", txtFax),
+                               field("&Email:", txtEmail),
+                           }))
+                .stretched(),
+        }),
+        at(lblIncomplete),
+    });
+}
+
+Item frmOptions::customFieldsPage() {
+    return column({
+        at(grdFields).high(5).stretched(),
+        fields({
+            field("Field &name:", txtFieldName).wide(28),
+            field("Data &type:", lbxDataType, {at(cmdAddField)}).wide(12),
+        }),
+        note("A click on a field, or Enter, asks whether to remove it with everything that customers have in it."),
+    });
+}
+
+Item frmOptions::creditPage() {
+    return fields({
+        field("&Billing Cycle", cboBillingCycle, {note("day of the month")}).wide(10),
+        field("&Grace Period (Default)", cboGracePeriod, {note("days")}).wide(10),
+        field("&APR (Default)", txtAPR, {note("percent a year")}).wide(10),
+        field("&Minimum Finance Charge", txtMinFinChg).wide(10),
+        at(chkFinCharge),
+    });
+}
+
+Item frmOptions::layawayPage() {
+    return fields({
+        field("Layaway &Period", txtPeriod, {note("days")}).wide(10),
+        field("&Required Deposit", txtDeposit, {note("percent")}).wide(10),
+        field("&Minimum Deposit", txtMinDeposit).wide(10),
+        at(chkPrintTickets),
+        at(chkCommitItems),
+    });
+}
+
+Item frmOptions::chargePage() {
+    return column({
+        at(cbxPCCHG),
+        fields({
+            field(lblPCCHG, txtPCCHG, {at(cmdBrowse)}).wide(40),
+            field(lblPCCHGMerch, PCChgMerch).wide(12),
+            field(lblPCCHGMerchActNum, PCChgMerchActNum, {at(cmdShowAccount)}).wide(24),
+            field(lblPCCHGPinPadCom, PCChgPinPadCom).wide(6),
+        }),
+    });
+}
+
+Item frmOptions::voucherPage() {
+    return column({
+        fields({field("Expi&ration", txtGVExpiration, {at(lblDays)}).wide(10)}),
+        at(lblVoucherNote),
+    });
+}
+
+} // namespace merchantry::setup
