@@ -75,8 +75,19 @@ LiveRegister::LiveRegister(std::unique_ptr<db::Session> session, int registerId,
             good.serials.clear();
 }
 
+void LiveRegister::readSettings() {
+    const auto options = query(*session_, "SELECT TaxStatus, RecptPrintPostSale, ISNULL(Name, '') FROM StoreOptions");
+    if (options.size() != 1)
+        throw std::runtime_error("The store options are " + std::to_string(options.size()) + " rows.");
+    const Row& row = options.front();
+    settings_ = {row[0].toFlag(), row[1].toFlag(), row[2].toText(), ""};
+    for (const Row& own : query(*session_, "SELECT ISNULL(RecptMsg, '') FROM Register WHERE ID = " + std::to_string(registerId_)))
+        settings_.message = own[0].toText();
+}
+
 bool LiveRegister::postOne(Date now) {
     shop_.tenders = loadTenders(*session_); // a manager may have changed them since the last receipt
+    readSettings();
     const int cashier = shop_.cashierIds.at(static_cast<std::size_t>(random_.below(static_cast<int>(shop_.cashierIds.size()))));
     const auto sale = maker_.make(now, registerId_, cashier);
     if (!sale)

@@ -8,6 +8,14 @@
 
 namespace merchantry::registersim {
 
+// What a till asks the store before each receipt: the options and its own row.
+struct TillSettings {
+    bool taxExclusive = true;
+    bool printsReceipt = true;
+    std::string storeName;
+    std::string message; // at the end of the receipt; empty for a till that has no row
+};
+
 // A register at work on an open store: each receipt is one transaction of the statements that a till sends, beside whatever else uses the
 // store. Owns its session; one thread.
 class LiveRegister {
@@ -17,8 +25,11 @@ public:
     // Makes up a receipt and posts it, paid by what the store offers at that moment. False when there was nothing to sell, or no way to
     // pay. Throws DbError; nothing of the receipt is posted then.
     bool postOne(Date now);
+    // As they stood before the last receipt.
+    const TillSettings& settings() const { return settings_; }
 
 private:
+    void readSettings();
     void post(const Sale& sale);
     void postLine(const Sale& sale, const SaleLine& line, const Value& number);
 
@@ -27,6 +38,7 @@ private:
     Random random_;
     SaleMaker maker_;
     int registerId_;
+    TillSettings settings_;
 };
 
 struct LivePlan {
