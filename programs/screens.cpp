@@ -42,15 +42,15 @@
 #include "reports/frmReportCriteria.h"
 #include "reports/frmReport_Generate.h"
 #include "reports/frmViewer.h"
-#include "setup/frmDepartments.h"
-#include "setup/frmTaxClasses.h"
-#include "setup/frmTaxTable.h"
-#include "setup/frmTenderTypes.h"
 #include "setup/frmCashier_Security.h"
 #include "setup/frmCashiers.h"
+#include "setup/frmDepartments.h"
 #include "setup/frmOptions.h"
 #include "setup/frmRegister_Edit.h"
 #include "setup/frmRegisters.h"
+#include "setup/frmTaxClasses.h"
+#include "setup/frmTaxTable.h"
+#include "setup/frmTenderTypes.h"
 
 #include <algorithm>
 #include <iterator>

@@ -169,7 +169,7 @@ LayoutBuilder::Piece LayoutBuilder::build(const Item& item) {
         return figure(item);
     case Kind::Note:
         return note(item);
-    case Kind::Foot: // stands outside, see foot
+    case Kind::Foot:    // stands outside, see foot
     case Kind::Caption: // with its field
     case Kind::Empty:
     case Kind::Stretch:

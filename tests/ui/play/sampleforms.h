@@ -63,13 +63,13 @@ public:
         cmdOff.setEnabled(false);
         cmdGone.setVisible(false);
         lblTitle.setForeColor(Color::Red);
-        setLayout(column({title(lblTitle),
-                          fields({field("Name:", txtName), field("Phone:", txtPhone), field("Short:", txtShort),
-                                  field("Locked:", txtLocked)}),
-                          row({at(chkActive), at(optA), at(optB), at(lstKind), at(cboColor), at(lblLog), at(lblTicks), at(imgUp)}),
-                          pages(tabPages, {at(cmdAsk), at(txtNotes)}), at(grdItems),
-                          buttons({at(cmdOff), at(cmdGone), at(cmdBeep), at(cmdInput), at(cmdFile), at(cmdModal), at(cmdHelp), at(cmdPanel),
-                                   at(txtSecret), at(cmdHeld)})}));
+        setLayout(
+            column({title(lblTitle),
+                    fields({field("Name:", txtName), field("Phone:", txtPhone), field("Short:", txtShort), field("Locked:", txtLocked)}),
+                    row({at(chkActive), at(optA), at(optB), at(lstKind), at(cboColor), at(lblLog), at(lblTicks), at(imgUp)}),
+                    pages(tabPages, {at(cmdAsk), at(txtNotes)}), at(grdItems),
+                    buttons({at(cmdOff), at(cmdGone), at(cmdBeep), at(cmdInput), at(cmdFile), at(cmdModal), at(cmdHelp), at(cmdPanel),
+                             at(txtSecret), at(cmdHeld)})}));
     }
     ~frmShop() override { tmrTick.stop(); }
 
