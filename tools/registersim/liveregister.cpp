@@ -75,7 +75,7 @@ LiveRegister::LiveRegister(std::unique_ptr<db::Session> session, int registerId,
             good.serials.clear();
 }
 
-void LiveRegister::readSettings() {
+void LiveRegister::readOptions() {
     const auto options = query(*session_, "SELECT TaxStatus, RecptPrintPostSale, ISNULL(Name, '') FROM StoreOptions");
     if (options.size() != 1)
         throw std::runtime_error("The store options are " + std::to_string(options.size()) + " rows.");
@@ -86,8 +86,8 @@ void LiveRegister::readSettings() {
 }
 
 bool LiveRegister::postOne(Date now) {
-    shop_.tenders = loadTenders(*session_); // a manager may have changed them since the last receipt
-    readSettings();
+    readSettings(*session_, shop_); // a manager may have changed them since the last receipt
+    readOptions();
     const int cashier = shop_.cashierIds.at(static_cast<std::size_t>(random_.below(static_cast<int>(shop_.cashierIds.size()))));
     const auto sale = maker_.make(now, registerId_, cashier);
     if (!sale)

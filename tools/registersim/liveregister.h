@@ -22,14 +22,14 @@ class LiveRegister {
 public:
     LiveRegister(std::unique_ptr<db::Session> session, int registerId, std::uint64_t seed);
 
-    // Makes up a receipt and posts it, paid by what the store offers at that moment. False when there was nothing to sell, or no way to
-    // pay. Throws DbError; nothing of the receipt is posted then.
+    // Makes up a receipt and posts it, taxed and paid by what the store says at that moment. False when there was nothing to sell, or no
+    // way to pay. Throws DbError; nothing of the receipt is posted then.
     bool postOne(Date now);
     // As they stood before the last receipt.
     const TillSettings& settings() const { return settings_; }
 
 private:
-    void readSettings();
+    void readOptions();
     void post(const Sale& sale);
     void postLine(const Sale& sale, const SaleLine& line, const Value& number);
 

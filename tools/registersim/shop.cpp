@@ -85,8 +85,6 @@ void readPeople(db::Session& session, Shop& shop) {
         shop.cashierIds.push_back(wholeOf(row[0]));
     for (const Row& row : query(session, "SELECT ID FROM Register ORDER BY ID"))
         shop.registerIds.push_back(wholeOf(row[0]));
-    for (const Row& row : query(session, "SELECT TaxID, Amt FROM TaxDef"))
-        shop.taxRates[wholeOf(row[0])] = static_cast<int>(TaxRate::fromPercent(row[1].toNumber()).thousandths());
 }
 
 } // namespace
@@ -137,6 +135,13 @@ std::vector<TenderKey> loadTenders(db::Session& session) {
     return keys;
 }
 
+void readSettings(db::Session& session, Shop& shop) {
+    shop.tenders = loadTenders(session);
+    shop.taxRates.clear();
+    for (const Row& row : query(session, "SELECT TaxID, Amt FROM TaxDef"))
+        shop.taxRates[wholeOf(row[0])] = static_cast<int>(TaxRate::fromPercent(row[1].toNumber()).thousandths());
+}
+
 Shop loadShop(db::Session& session) {
     Shop shop;
     Places places;
@@ -144,7 +149,7 @@ Shop loadShop(db::Session& session) {
     readTerms(session, shop, places);
     readStock(session, shop, places);
     readPeople(session, shop);
-    shop.tenders = loadTenders(session);
+    readSettings(session, shop);
     return shop;
 }
 

@@ -85,6 +85,8 @@ struct Shop {
 
 // What the registers offer now, in its order; those that are not available are left out. Throws DbError.
 std::vector<TenderKey> loadTenders(db::Session& session);
+// What a manager may change while registers are at work: tenders and tax rates. Throws DbError.
+void readSettings(db::Session& session, Shop& shop);
 // Every item that can be sold (no parents, no pseudo-items), in key order. Throws DbError.
 Shop loadShop(db::Session& session);
 

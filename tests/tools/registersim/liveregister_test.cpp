@@ -43,6 +43,19 @@ TEST_F(LiveRegisters, TakeTheTendersUpWithTheNextReceipt) {
     EXPECT_EQ(paidBy({}), "nothing");
 }
 
+// A rate that was changed went to the receipt's tax line while its items were still taxed at the old one.
+TEST_F(LiveRegisters, TaxByTheRateOfTheMoment) {
+    run("INSERT INTO TaxDef (Amt, Description) VALUES (10, 'Tax') UPDATE Item SET TaxID = 1");
+    LiveRegister till(store->session(), 1, 3);
+    for (const char* rate : {"10", "20", "0"}) {
+        run("UPDATE TaxDef SET Amt = " + std::string(rate) + " WHERE TaxID = 1");
+        for (int i = 0; i < 5; ++i)
+            till.postOne(*Date::fromParts(2026, 5, 4, 12));
+        EXPECT_EQ(rowsOf("SELECT DISTINCT Amount * 100 / Taxable FROM TransactionTax WHERE Rate = " + std::string(rate)), rate);
+    }
+    EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM TransactionTax WHERE ROUND(Taxable * Rate / 100, 2) <> Amount"), "0");
+}
+
 TEST_F(LiveRegisters, GoOnWhileTheTendersChange) {
     std::atomic<bool> done = false;
     std::thread manager([&] {
