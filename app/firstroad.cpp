@@ -115,8 +115,8 @@ Color colorOf(State state) {
 
 } // namespace
 
-FirstRoad::FirstRoad(Form& main, std::function<void()> addItem)
-    : main_(main), addItem_(std::move(addItem)), fraFirstRoad(main, "fraFirstRoad", "Your Shop in Ten Minutes"),
+FirstRoad::FirstRoad(Form& main, std::function<void(const std::string& form)> open)
+    : main_(main), open_(std::move(open)), fraFirstRoad(main, "fraFirstRoad", "Your Shop in Ten Minutes"),
       lblFirstRoad(main, "lblFirstRoad", kWelcome), cmdPutAway(main, "cmdPutAway", "Do Not Show A&gain") {
     for (std::size_t step = 0; step < std::size(kSteps); ++step) {
         cmdStep.push_back(std::make_unique<Button>(main, numbered("cmdStep", step), kSteps[step].caption));
@@ -191,10 +191,7 @@ void FirstRoad::show(bool on) {
 
 void FirstRoad::cmdStep_Click(std::size_t step) {
     CloseReportForms();
-    if (*kSteps[step].form == '\0')
-        addItem_();
-    else
-        modMain().doors.ShowScreen(kSteps[step].form);
+    open_(kSteps[step].form);
     refresh();
 }
 

@@ -18,8 +18,8 @@ namespace merchantry::app {
 // open. Owned by the main window, whose controls it makes.
 class FirstRoad {
 public:
-    // `addItem` asks for a new item's codes and opens it.
-    FirstRoad(ui::Form& main, std::function<void()> addItem);
+    // `open` shows the screen of that name; for an empty name it asks for a new item's codes and opens it.
+    FirstRoad(ui::Form& main, std::function<void(const std::string& form)> open);
     FirstRoad(const FirstRoad&) = delete;
     FirstRoad& operator=(const FirstRoad&) = delete;
 
@@ -43,7 +43,7 @@ private:
     void cmdPutAway_Click();
 
     ui::Form& main_;
-    std::function<void()> addItem_;
+    std::function<void(const std::string& form)> open_;
     ui::Frame fraFirstRoad;
     ui::Label lblFirstRoad;
     std::vector<std::unique_ptr<ui::Button>> cmdStep;

@@ -48,7 +48,7 @@ private:
     std::vector<std::unique_ptr<ui::MenuEntry>> entries_;
     ui::Toolbar Toolbar1;
     ui::Label lblWelcome{*this, "lblWelcome", "Merchantry"};
-    FirstRoad road_{*this, [this] { AddItemNow(); }};
+    FirstRoad road_{*this, [this](const std::string& form) { form.empty() ? AddItemNow() : showScreen(form); }};
 };
 
 } // namespace merchantry::app

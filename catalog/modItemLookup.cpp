@@ -24,6 +24,10 @@ void inheritDepartment(const std::string& sku, const std::string& matrixSku) {
                             "' AND MatrixSKU = '" + sku + "') " + " WHERE SKU = '" + sku + "' AND MatrixSKU = '" + matrixSku + "'");
 }
 
+void giveDefaultTax(const std::string& sku, const std::string& matrixSku) {
+    modMain().Conn->Execute(Sql("bsp_GiveDefaultTax '") + sku + "', '" + matrixSku + "'");
+}
+
 // The statement of a lookup grid.
 Sql lookupStatement(const std::string& filterText, int filterPosition, const std::string& orderBy, const std::string& sku) {
     Sql statement = "SELECT SKU, MatrixSKU, Name FROM Item WHERE (SKU <> '$DROP') AND (SKU <> '$Payout')";
@@ -59,6 +63,7 @@ std::string AddNewItem(int typeId, const std::string& skuGiven, const std::strin
         if (!ItemExists(sku, matrixSku, false))
             return;
         pair = sku + "|" + matrixSku;
+        giveDefaultTax(sku, matrixSku);
         if (inherit)
             inheritDepartment(sku, matrixSku);
     });

@@ -57,6 +57,7 @@ TEST_F(LiveRegisters, TaxByTheRateOfTheMoment) {
 }
 
 TEST_F(LiveRegisters, GoOnWhileTheTendersChange) {
+    offer(*session, {"Cash"});
     std::atomic<bool> done = false;
     std::thread manager([&] {
         const auto own = store->session();

@@ -7,7 +7,7 @@ SELECT o.Name AS StoreName, ISNULL(o.Address1, '') + ISNULL(o.City, '') AS Addre
   (SELECT COUNT(*) FROM TenderTypes WHERE StoreID = 1 AND Available = 1) AS Tenders,
   (SELECT COUNT(*) FROM TenderTypes WHERE StoreID = 1 AND DisplayName IS NOT NULL) AS TendersChosen,
   (SELECT COUNT(*) FROM Cashier) AS Cashiers,
-  (SELECT COUNT(*) FROM Cashier WHERE ID = 5 AND Name = 'manager' AND Password = 'manager') AS FirstPassword,
+  (SELECT COUNT(*) FROM Cashier WHERE ID = 5 AND Password = 'manager') AS FirstPassword,
   (SELECT COUNT(*) FROM Register) AS Registers,
   (SELECT COUNT(*) FROM Register WHERE ID <> 1 OR PrinterType IS NOT NULL OR ReceiptPrinter IS NOT NULL OR DisplayType IS NOT NULL
     OR ISNULL(RecptMsg, '') <> 'Thank you for shopping with us') AS RegistersSetUp,

@@ -13,7 +13,8 @@ BEGIN
     RETURN
   END
   BEGIN TRANSACTION
-  INSERT INTO Item (SKU, MatrixSKU, TaxID) VALUES (@SKU, @MatrixSKU, ISNULL((SELECT MAX(TaxID) FROM TaxDef WHERE DefaultTax = 1), 0))
+  INSERT INTO Item (SKU, MatrixSKU) VALUES (@SKU, @MatrixSKU)
+  EXEC bsp_GiveDefaultTax @SKU, @MatrixSKU
   INSERT INTO Stock (SKU, MatrixSKU, Quantity) VALUES (@SKU, @MatrixSKU, 0)
   INSERT INTO PriceMatrix (SKU, MatrixSKU, Tier, Quantity) VALUES (@SKU, @MatrixSKU, 1, 1)
   COMMIT TRANSACTION
