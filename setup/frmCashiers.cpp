@@ -1,6 +1,7 @@
 #include "setup/frmCashiers.h"
 
 #include "app/modMain.h"
+#include "base/guard.h"
 #include "base/numbers.h"
 #include "setup/frmCashier_Security.h"
 #include "setup/managers.h"
@@ -92,12 +93,14 @@ void frmCashiers::add() {
     if (rsCashiers == nullptr)
         return; // the cashiers could not be loaded
     db::Recordset& rows = *rsCashiers;
+    Undo undo([&rows] { rows.CancelUpdate(); });
     rows.AddNew();
     rows["Name"] = Value(std::string("Name"));
     rows["Password"] = Value(std::string("Passcode"));
     rows["DrawerLimit"] = Value(std::string("1000"));
     rows["ReturnLimit"] = Value(std::string("100"));
     rows.Update();
+    undo.keep();
     grdCashiers.setCurrent(grdCashiers.dataRows(), kNameColumn);
     cmdEdit_Click();
 }
@@ -111,7 +114,8 @@ void frmCashiers::cmdEdit_Click() {
     if (grdCashiers.row() < 1)
         return;
     auto& edit = desk().form<frmCashier_Security>();
-    edit.CashierID = toInt16(numericPrefix(id));
+    if (!guarded({"MR_frmCashiers", "cmdEdit_Click"}, [&] { edit.CashierID = toInt16(numericPrefix(id)); }))
+        return;
     desk().showModal(edit);
     Form_Load();
     standOn(id);

@@ -51,7 +51,8 @@ CodeTable frmDepartments::table() {
             .baseRefusal = "You may not edit or delete the base Department",
             .loading = {kTag, "Form_Load", caption() + " - Critical Error"},
             .adding = {kTag, "Add_Click"},
-            .removing = {.tag = kTag, .procedure = "Delete_Click", .plain = "The department was not deleted. One that has items stays."}};
+            .removing = {
+                .tag = kTag, .procedure = "Delete_Click", .plain = "The department was not deleted. One that has items, or sales, stays."}};
 }
 
 void frmDepartments::Form_Load() {

@@ -9,7 +9,7 @@
 
 namespace merchantry::setup {
 
-// The departments that items belong to. Row 1 is the base department. The database keeps a department that has items.
+// The departments that items belong to. Row 1 is the base department. The database keeps a department that has items or sales.
 class frmDepartments : public ui::Form {
 public:
     explicit frmDepartments(ui::Desk& desk);

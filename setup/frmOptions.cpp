@@ -76,7 +76,7 @@ void frmOptions::wire(const OptionField& field) {
     else if (auto* list = dynamic_cast<ListBox*>(control))
         list->click = [this, &field, list] { write(field, list->text()); };
     else if (auto* combo = dynamic_cast<ComboBox*>(control))
-        combo->click = [this, &field, combo] { write(field, combo->text()); };
+        wireCombo(field, *combo);
     else
         optTax.click = Option1.click = [this, &field] { write(field, optTax.value()); };
 }
@@ -84,6 +84,15 @@ void frmOptions::wire(const OptionField& field) {
 void frmOptions::wireBox(const OptionField& field, TextBox& box) {
     box.lostFocus = [this, &field, &box] { leave(field, box); };
     box.gotFocus = [&box] { box.selectAll(); };
+}
+
+// An entry that was typed and not picked is written as the list is left.
+void frmOptions::wireCombo(const OptionField& field, ComboBox& combo) {
+    combo.click = [this, &field, &combo] { write(field, combo.text()); };
+    combo.lostFocus = [this, &field, &combo] {
+        if (options_ != nullptr && combo.text() != (*options_)[field.column].text())
+            write(field, combo.text());
+    };
 }
 
 void frmOptions::showField(const OptionField& field) {

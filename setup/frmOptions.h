@@ -43,6 +43,7 @@ private:
     // Every field, by the table.
     void wire(const OptionField& field);
     void wireBox(const OptionField& field, ui::TextBox& box);
+    void wireCombo(const OptionField& field, ui::ComboBox& combo);
     void showField(const OptionField& field);
     bool isUntouched(const OptionField& field, const ui::TextBox& box) const;
     void leave(const OptionField& field, ui::TextBox& box);

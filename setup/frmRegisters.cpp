@@ -1,6 +1,7 @@
 #include "setup/frmRegisters.h"
 
 #include "app/modMain.h"
+#include "base/guard.h"
 #include "base/numbers.h"
 #include "setup/frmRegister_Edit.h"
 #include "ui/desk.h"
@@ -68,10 +69,12 @@ void frmRegisters::cmdAdd_Click() {
     guarded({kTag, "cmdAdd_Click"}, [this] {
         if (rsRegisters == nullptr)
             return; // the registers could not be loaded
+        Undo undo([this] { rsRegisters->CancelUpdate(); });
         rsRegisters->AddNew();
         (*rsRegisters)["RecptMsg"] = Value(std::string("Edit this receipt message"));
         (*rsRegisters)["PopDrawer"] = Value(std::string("0"));
         rsRegisters->Update();
+        undo.keep();
         Form_Load();
         grdReg.setCurrent(grdReg.dataRows(), kIdColumn);
     });
@@ -82,7 +85,8 @@ void frmRegisters::cmdEdit_Click() {
     if (row < 1)
         return;
     auto& edit = desk().form<frmRegister_Edit>();
-    edit.RegisterID = toInt16(numericPrefix(grdReg.text(row, kIdColumn)));
+    if (!guarded({kTag, "cmdEdit_Click"}, [&] { edit.RegisterID = toInt16(numericPrefix(grdReg.text(row, kIdColumn))); }))
+        return;
     desk().showModal(edit);
     Form_Load();
     if (row <= grdReg.dataRows())

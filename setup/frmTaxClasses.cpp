@@ -34,6 +34,9 @@ frmTaxClasses::frmTaxClasses(Desk& desk) : Form(desk, "frmTaxClasses", "Tax Clas
                        {.heading = "Description", .characters = 24}});
     grdTax.emptyText = "No tax classes could be loaded.";
     grdTax.setToolTip("The rate in percent: 7.5 is seven and a half. A rate is never negative.");
+    grdTax.colorOf = [this](int row, int column) {
+        return column == kDescription && doubles_.contains(classes_.key(row)) ? Color::Yellow : Color::None;
+    };
     shapeTaxPreview(grdPreview);
     cmdDelete.isDanger = true;
     CmdExit.isCancel = true;
@@ -124,6 +127,18 @@ void frmTaxClasses::cmdDelete_Click() {
 void frmTaxClasses::showAround() {
     use_.show(classes_.key(grdTax.row()), grdTax.text(grdTax.row(), kDescription));
     fillTaxPreview(grdPreview, grdTax);
+    showDoubles();
+}
+
+// Two descriptions that differ here may be one name in accounting, which keeps the export from running.
+void frmTaxClasses::showDoubles() {
+    guarded({kTag, "ShowDoubles"}, [this] {
+        doubles_.clear();
+        const auto rows = openDirect("sp_QBGetTaxDefDups");
+        for (; !rows->Eof(); rows->MoveNext())
+            doubles_.insert((*rows)["TaxID"].Value().toInteger());
+        grdTax.setStatusText(doubles_.empty() ? "" : "The yellow ones are one name in accounting.");
+    });
 }
 
 void frmTaxClasses::showDefault() {

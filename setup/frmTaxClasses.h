@@ -7,6 +7,7 @@
 #include "ui/grid.h"
 #include "ui/label.h"
 
+#include <set>
 #include <string>
 
 namespace merchantry::setup {
@@ -26,6 +27,7 @@ private:
     void cmdDelete_Click();
     void showAround();
     void showDefault();
+    void showDoubles();
 
     ui::Label lblHeading{*this, "lblHeading", "Tax Classes"};
     ui::Label lblDefault{*this, "lblDefault"}; // the class that new items get
@@ -42,6 +44,7 @@ private:
     ui::Button cmdDelete{*this, "cmdDelete", "&Delete"};
     ui::Button CmdExit{*this, "CmdExit", "E&xit"};
 
+    std::set<std::int64_t> doubles_; // keys of classes that accounting would take for another
     app::CodeGrid classes_{grdTax, table()};
     ItemUse use_{{"MR_frmTaxClasses", "ShowUse"}, app::ItemGroup::TaxClass, lblUse, cmdShowItems};
 };

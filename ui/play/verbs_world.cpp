@@ -2,6 +2,7 @@
 #include "ui/play/looks.h"
 #include "ui/play/rowtexts.h"
 #include "ui/play/verbs.h"
+#include "ui/textbox.h"
 
 #include "base/text.h"
 
@@ -176,6 +177,9 @@ void printers(Step& step) {
 void picture(Step& step) {
     const std::string name = step.text("a name");
     step.end();
+    for (Control* control : step.form().controls())
+        if (auto* box = dynamic_cast<TextBox*>(control); box != nullptr && box->revealed())
+            box->setRevealed(false); // no picture shows a password
     step.desk().picture(step.form(), name);
 }
 

@@ -83,6 +83,10 @@ TEST_F(SetUp, DepartmentsWithItemsStayAndItemsLoseADeletedClass) {
     EXPECT_NE(refusal("DELETE FROM Departments WHERE DepartmentID = 2"), "");
     run("DELETE FROM TaxDef WHERE TaxID = 1 UPDATE Item SET DepartmentID = 1");
     EXPECT_EQ(rowsOf("EXEC bsp_ItemCount 'TaxClass', 0"), "2");
+    run("INSERT INTO [Transaction] (CashierID) VALUES (5) INSERT INTO TransactionEntry (TransactionNumber, SKU, MatrixSKU, DepartmentID) "
+        "VALUES (1, 'a', 'a', 2)");
+    EXPECT_NE(refusal("DELETE FROM Departments WHERE DepartmentID = 2").find("\"Toys\" cannot be deleted"), std::string::npos);
+    run("UPDATE TransactionEntry SET DepartmentID = 1");
     EXPECT_EQ(refusal("DELETE FROM Departments WHERE DepartmentID = 2"), "");
 }
 
