@@ -44,8 +44,8 @@ void CodeGrid::release() {
     closeRows(rows_);
 }
 
-void CodeGrid::add() {
-    guarded(table_.adding, [this] {
+bool CodeGrid::add() {
+    return guarded(table_.adding, [this] {
         if (rows_ == nullptr)
             return; // they could not be loaded
         rows_->addRow(table_.newRow());

@@ -40,8 +40,8 @@ public:
     // Reads the rows; the current row keeps its place. A failure is reported.
     void load();
     void release();
-    // Writes a new row and stands on its name.
-    void add();
+    // Writes a new row and stands on its name. False when it could not be added, which was reported.
+    bool add();
     // Asks, refuses the base row, removes the current one and reads the rows again.
     void remove();
     // Gives a name that was left empty a text, and says so.

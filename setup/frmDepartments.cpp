@@ -51,8 +51,7 @@ CodeTable frmDepartments::table() {
             .baseRefusal = "You may not edit or delete the base Department",
             .loading = {kTag, "Form_Load", caption() + " - Critical Error"},
             .adding = {kTag, "Add_Click"},
-            .removing = {
-                .tag = kTag, .procedure = "Delete_Click", .plain = "The department was not deleted. One that has items, or sales, stays."}};
+            .removing = {kTag, "Delete_Click"}};
 }
 
 void frmDepartments::Form_Load() {

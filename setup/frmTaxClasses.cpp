@@ -1,6 +1,7 @@
 #include "setup/frmTaxClasses.h"
 
 #include "base/numbers.h"
+#include "base/text.h"
 #include "setup/taxpreview.h"
 #include "ui/desk.h"
 
@@ -18,6 +19,7 @@ constexpr const char* kTag = "MR_frmTaxClasses";
 constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kRate = 1;
 constexpr int kDescription = 2;
+constexpr const char* kNewName = "Tax Type";
 constexpr int kBase = 0; // the ID of the base class
 
 // Runs a statement through a command of its own.
@@ -48,7 +50,7 @@ frmTaxClasses::frmTaxClasses(Desk& desk) : Form(desk, "frmTaxClasses", "Tax Clas
     };
     grdTax.endEdit = [this](int, int column, std::string& text) { grdTax_EndEdit(column, text); };
     classes_.changed = [this] { showAround(); };
-    cmdAdd.click = [this] { classes_.add(); };
+    cmdAdd.click = [this] { cmdAdd_Click(); };
     cmdDefault.click = [this] { cmdDefault_Click(); };
     cmdDelete.click = [this] { cmdDelete_Click(); };
     CmdExit.click = [this] { unload(); };
@@ -71,7 +73,7 @@ CodeTable frmTaxClasses::table() {
             .nameColumn = kDescription,
             .newRow =
                 [] {
-                    return std::vector<Value>{Value(), 0.0, std::string("Tax Type")};
+                    return std::vector<Value>{Value(), 0.0, std::string(kNewName)};
                 },
             .emptyName = " Please enter a valid Tax description",
             .nameForEmpty = "Edit Tax Description",
@@ -82,9 +84,7 @@ CodeTable frmTaxClasses::table() {
             .baseRefusal = "You may not delete the base Tax Class.",
             .writeRefused = "This action would invalidate your Tax Classes! Please check your entry and try again.",
             .loading = {kTag, "Form_Load", caption() + " - Critical Error"},
-            .adding = {.tag = kTag,
-                       .procedure = "Add_Click",
-                       .plain = "The new class could not be added. If one is called \"Tax Type\" already, give that its own name first."}};
+            .adding = {kTag, "Add_Click"}};
 }
 
 void frmTaxClasses::Form_Load() {
@@ -101,6 +101,18 @@ void frmTaxClasses::grdTax_EndEdit(int column, std::string& text) {
         text = shortestDecimal(std::fabs(numericPrefix(text)));
     else
         classes_.endName(column, text);
+}
+
+// The class that was added before and bears the first name still is what keeps another from being added.
+void frmTaxClasses::cmdAdd_Click() {
+    if (classes_.add())
+        return;
+    for (int row = 1; row <= grdTax.dataRows(); ++row) {
+        if (!sameText(grdTax.text(row, kDescription), kNewName))
+            continue;
+        grdTax.setCurrent(row, kDescription);
+        grdTax.setStatusText("Give this class a name of its own, then add another.");
+    }
 }
 
 void frmTaxClasses::cmdDefault_Click() {

@@ -23,6 +23,7 @@ private:
     app::CodeTable table();
 
     void grdTax_EndEdit(int column, std::string& text);
+    void cmdAdd_Click();
     void cmdDefault_Click();
     void cmdDelete_Click();
     void showAround();

@@ -8,10 +8,12 @@ using namespace app;
 
 namespace {
 
-// "2 items in Toys", "No items with Sales Tax".
-std::string told(std::int64_t items, ItemGroup group, const std::string& name) {
+// What stands behind the row, and what its deletion would meet. Class 0 is the untaxed one.
+std::string told(std::int64_t items, ItemGroup group, std::int64_t id, const std::string& name) {
     const std::string count = items == 0 ? "No items" : items == 1 ? "1 item" : withThousands(items) + " items";
-    return count + (group == ItemGroup::Department ? " in " : " with ") + name;
+    if (group == ItemGroup::TaxClass)
+        return count + " with " + name + (items > 0 && id != 0 ? "; untaxed if it is deleted" : "");
+    return count + " in " + name + (items == 0 ? "" : items == 1 ? " keeps it from being deleted" : " keep it from being deleted");
 }
 
 } // namespace
@@ -30,7 +32,7 @@ void ItemUse::show(std::int64_t id, const std::string& name) {
     if (id >= 0)
         guarded(place_, [&] {
             items = count();
-            text = told(items, group_, name);
+            text = told(items, group_, id, name);
         });
     label_.setCaption(text);
     button_.setEnabled(items > 0 && modMain().doors.ItemsOf != nullptr);
