@@ -191,8 +191,12 @@ void FormWindow::open(FormWindow* over) {
         takeRememberedSize();
     if (!isVisible())
         fitOnScreen();
-    if (!isVisible() && over != nullptr && over->windowHandle() != nullptr)
+    if (!isVisible() && over != nullptr && over->windowHandle() != nullptr) {
+        // Window systems keep only a dialogue in front of its owner.
+        setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
+                       Qt::WindowCloseButtonHint | (form_->sizeable() ? Qt::WindowMaximizeButtonHint : Qt::WindowFlags()));
         standOver(*this, over);
+    }
     show();
     raise();
     activateWindow();
