@@ -1,14 +1,14 @@
--- A code with "|" or with a blank at either end could never be opened again: screens join both codes with "|", and texts are compared without blanks at their end. Codes that
--- begin with "$" are the registers' own and are refused where screens make items (see bsp_NewItem).
+-- A code with "|" or with a blank at either end could never be opened again: screens join both codes with "|", and texts are compared without blanks at their end. A tab, a line
+-- end and a no-break space look like blanks, and are refused like them. Codes that begin with "$" are the registers' own and are refused where screens make items (see bsp_NewItem).
 CREATE TRIGGER Item_Codes ON Item AFTER INSERT, UPDATE AS
 BEGIN
   SET NOCOUNT ON
   IF NOT UPDATE(SKU) AND NOT UPDATE(MatrixSKU)
     RETURN
-  DECLARE @code varchar(100)
-  SELECT TOP 1 @code = CASE WHEN SKU LIKE '%|%' OR SKU LIKE ' %' OR DATALENGTH(SKU) <> DATALENGTH(RTRIM(SKU)) THEN SKU ELSE MatrixSKU END FROM inserted
-    WHERE (SKU LIKE '%|%' OR SKU LIKE ' %' OR DATALENGTH(SKU) <> DATALENGTH(RTRIM(SKU))
-        OR MatrixSKU LIKE '%|%' OR MatrixSKU LIKE ' %' OR DATALENGTH(MatrixSKU) <> DATALENGTH(RTRIM(MatrixSKU)))
+  DECLARE @code varchar(100), @blank varchar(10)
+  SET @blank = '[' + CHAR(9) + CHAR(10) + CHAR(13) + CHAR(160) + ']'
+  SELECT TOP 1 @code = Code FROM (SELECT SKU AS Code FROM inserted UNION ALL SELECT MatrixSKU FROM inserted) AS Codes
+    WHERE Code LIKE '%|%' OR Code LIKE ' %' OR DATALENGTH(Code) <> DATALENGTH(RTRIM(Code)) OR Code LIKE @blank + '%' OR Code LIKE '%' + @blank
   IF @code IS NULL
     RETURN
   ROLLBACK TRANSACTION
