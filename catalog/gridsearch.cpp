@@ -1,6 +1,7 @@
 #include "catalog/gridsearch.h"
 
 #include "base/text.h"
+#include "catalog/modItemLookup.h"
 
 #include <algorithm>
 
@@ -25,7 +26,8 @@ bool SelectInGrid(Grid& grid, const std::string& text) {
 }
 
 void TellSearch(Grid& grid, const std::string& text, bool found) {
-    grid.setStatusText(found || text.empty() ? "" : "Nothing found: no code and no name begins with \"" + text + "\".");
+    grid.setStatusText(found || text.empty() ? countOfItems(grid.dataRows())
+                                             : "Nothing found: no code and no name begins with \"" + text + "\".");
 }
 
 void WireDelayedSearch(TextBox& box, Timer& timer, Grid& grid, std::function<void(const std::string& text)> search) {

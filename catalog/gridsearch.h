@@ -15,7 +15,7 @@ bool SelectInGrid(ui::Grid& grid, const std::string& text);
 // The same in one column only.
 bool SelectInColumn(ui::Grid& grid, const std::string& text, int column);
 
-// Says below the grid that a search for the text found nothing, or takes such words away.
+// Says below the grid that a search for the text found nothing, or else how many items it lists.
 void TellSearch(ui::Grid& grid, const std::string& text, bool found);
 
 // Has the search run a while after the first change of the box, once for a whole code that is typed or scanned: a change while the timer
