@@ -24,6 +24,7 @@ Item UndoLine::item() {
 
 void UndoLine::offer(const std::string& sentence, std::function<std::string()> putBack) {
     putBack_ = std::move(putBack);
+    before_ = form_.focused();
     lblUndoLine.setCaption(sentence);
     cmdUndoLine.setVisible(true);
     tmrUndoLine.stop(); // the minute begins anew
@@ -48,10 +49,13 @@ void UndoLine::undo() {
         form_.desk().message(refused, form_.caption(), MessageIcon::Exclamation);
 }
 
-// The keyboard does not stay on a button that goes.
+// The keyboard goes back to where it was, but not to the button that deletes: to the first field, often the list.
 void UndoLine::leaveButton() {
-    if (form_.focused() == &cmdUndoLine)
-        form_.focusNext();
+    if (form_.focused() != &cmdUndoLine)
+        return;
+    const auto* const button = dynamic_cast<const Button*>(before_);
+    if (before_ == nullptr || before_ == &cmdUndoLine || (button != nullptr && button->isDanger) || !form_.focus(before_))
+        form_.focusFirst();
 }
 
 } // namespace merchantry::ui

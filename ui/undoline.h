@@ -36,6 +36,7 @@ private:
     Button cmdUndoLine;
     Timer tmrUndoLine;
     std::function<std::string()> putBack_;
+    Control* before_ = nullptr; // had the keyboard when it was offered
 };
 
 } // namespace merchantry::ui
