@@ -128,7 +128,7 @@ QWidget* LayoutBuilder::foot(QWidget* parent, const Item& layout) {
     QWidget* const outside = std::exchange(parent_, widget);
     const Piece piece = buttons(*line);
     parent_ = outside;
-    piece.layout->setContentsMargins(measure::kEdge, measure::kHair, measure::kEdge, measure::kHair);
+    piece.layout->setContentsMargins(measure::kEdge, measure::kHair, measure::kEdge, measure::kHair / 2);
     widget->setLayout(piece.layout);
     return widget;
 }
@@ -136,7 +136,8 @@ QWidget* LayoutBuilder::foot(QWidget* parent, const Item& layout) {
 bool LayoutBuilder::fillBody(QWidget& body, const Item& content, int margin) {
     QWidget* const outside = std::exchange(parent_, &body);
     auto* box = made<QVBoxLayout>();
-    box->setContentsMargins(margin, margin, margin, footOf(content) == nullptr ? margin : measure::kHair);
+    const bool footed = footOf(content) != nullptr; // its line takes the place of an edge
+    box->setContentsMargins(margin, footed ? margin - measure::kHair : margin, margin, footed ? 0 : margin);
     const Piece piece = build(content);
     place(*box, content, piece, keepsWidth(content) ? Qt::AlignLeft : Qt::Alignment(), piece.tall);
     if (!piece.tall)
