@@ -92,7 +92,7 @@ frmCashier_Security::frmCashier_Security(Desk& desk) : Form(desk, "frmCashier_Se
                    })
                 .stretched(),
         }),
-        buttons({at(CmdExit), stretch(), note("Update saves and closes"), at(cmdCancel), at(cmdUpdate)}),
+        buttons({stretch(), note("Update saves and closes"), at(CmdExit), at(cmdCancel), at(cmdUpdate)}),
     }));
 }
 

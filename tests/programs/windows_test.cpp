@@ -83,8 +83,9 @@ public:
     std::string complaints;
 
 private:
-    // The main window and a panel in a list are left otherwise; an item has a field under the keyboard that Escape must not write.
-    inline static const std::set<std::string_view> kWithoutEscape{"frmMain", "frmFieldSearch", "frmItems"};
+    // The main window and a panel in a list are left otherwise, and a bare table by its frame; an item has a field under the keyboard that
+    // Escape must not write.
+    inline static const std::set<std::string_view> kWithoutEscape{"frmMain", "frmFieldSearch", "frmItems", "frmTaxTable"};
     // The Enter that a scanner sends must not post a receipt, and a cancellation cancels everything as it opens.
     inline static const std::set<std::string_view> kWithoutEnter{"frmPurchaseOrders_Recv", "frmPOCancel"};
 
