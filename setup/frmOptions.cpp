@@ -140,9 +140,16 @@ void frmOptions::leave(const OptionField& field, TextBox& box) {
 bool frmOptions::write(const OptionField& field, const Value& value) {
     if (showing_ || options_ == nullptr)
         return false;
-    const bool written = guarded({field.tag, field.procedure}, [&] {
-        (*options_)[field.column] = value;
-        options_->Update();
+    FailurePlace place{field.tag, field.procedure};
+    const bool written = guarded(place, [&] {
+        try {
+            (*options_)[field.column] = value;
+            options_->Update();
+        } catch (const db::DbError& error) {
+            if (error.category() == db::DbError::Category::Conflict)
+                place.plain = "Someone else changed this meanwhile. The field shows what is stored now.";
+            throw;
+        }
     });
     if (!written) {
         readAgain();
