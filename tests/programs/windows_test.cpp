@@ -6,7 +6,10 @@
 #include "ui/layout.h"
 #include "ui/list.h"
 #include "ui/qt/inspect.h"
+#include "ui/qt/screenroom.h"
 
+#include <QLayout>
+#include <QScrollBar>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -177,6 +180,17 @@ private:
     void complain(const std::string& where, const std::string& shown) { complaints += where + " shows " + shown + "\n"; }
 };
 
+// Whether the content scrolls although all of it would find room.
+bool scrollsInVain(const ui::FormWindow& window) {
+    const auto* const room = window.findChild<ui::ScrollRoom*>();
+    if (room == nullptr || !room->verticalScrollBar()->isVisible())
+        return false;
+    const QSize seen = room->maximumViewportSize();
+    return room->widget()->minimumSizeHint().width() <= seen.width() &&
+           room->widget()->layout()->totalMinimumHeightForWidth(seen.width()) <= seen.height() &&
+           room->widget()->minimumSizeHint().height() <= seen.height();
+}
+
 // Inspects each form at its smallest, at its own size, and large.
 class InspectingStage : public FormStage {
     void look(ui::FormWindow& window, ui::Form& form, const std::string& name) override {
@@ -192,6 +206,7 @@ class InspectingStage : public FormStage {
             if (window.isWindow() && form.sizeable())
                 window.resize(size);
             EXPECT_EQ(toText(ui::inspect(window)), "") << name << " at " << window.width() << " by " << window.height();
+            EXPECT_TRUE(size == least || !scrollsInVain(window)) << name << " at " << window.width() << " by " << window.height();
         }
     }
 };

@@ -98,7 +98,7 @@ void FormWindow::build() {
     outer_->setContentsMargins(0, 0, 0, 0);
     outer_->setSpacing(0);
     outer_->addStrut(kNarrowest);
-    content_ = new QWidget;
+    content_ = new Content;
     buildBars();
     LayoutBuilder builder(*this);
     builder.fill(*content_, form_->layout());
