@@ -21,6 +21,8 @@ using db::Sql;
 
 namespace {
 
+constexpr const char* kPlace = "frmItemList"; // under which all lists of items keep their sort
+
 struct SearchField {
     const char* caption;
     const char* column;
@@ -170,7 +172,7 @@ void ItemListForm::loadGrid(const Sql& command) {
     grdItems.bind(nullptr);
     closeRows(rows_);
     rows_ = openDirect(command, db::CursorType::Static, db::LockType::ReadOnly);
-    const std::string sort = desk().remembered(name(), "sort");
+    const std::string sort = desk().remembered(kPlace, "sort");
     if (std::find(kSorts.begin(), kSorts.end(), sort) != kSorts.end())
         rows_->setSort(sort);
     shown();
@@ -207,7 +209,7 @@ void ItemListForm::grdItems_Click() {
     guarded({initGridTag_, "grdItems_Click"}, [this] {
         const char* const sort = kSorts[static_cast<std::size_t>(grdItems.col())];
         rows_->setSort(sort);
-        desk().remember(name(), "sort", sort);
+        desk().remember(kPlace, "sort", sort);
     });
 }
 

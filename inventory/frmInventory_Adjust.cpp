@@ -45,6 +45,7 @@ frmInventory_Adjust::frmInventory_Adjust(Desk& desk) : Form(desk, "frmInventory_
     cmdAdjust.click = [this] { cmdAdjust_Click(); };
     cmdClose.click = [this] { unload(); };
 
+    asksBeforeLeaving({&lbxReasonCode});
     setLayout(column({
         title(lblInvAdjust),
         row({

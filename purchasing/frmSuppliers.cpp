@@ -91,6 +91,7 @@ void frmSuppliers::cmdSearch_Click() {
         grdSuppliers.showCurrent();
         return;
     }
+    grdSuppliers.setStatusText("Nothing was found: no supplier's name contains \"" + txtInput.text() + "\".");
 }
 
 void frmSuppliers::grdSuppliers_BeforeEdit(int row, int column, bool& cancel) {

@@ -234,6 +234,7 @@ void frmReportCriteria::AddCrit() {
     addition.rowText = grdSel.text(addition.row, 0);
     const Criteria::Placed placed = criteria_.add(addition);
     setRow(placed.row, placed.text);
+    touched(cmdAdd);
     grdSel.setCurrent(std::min(placed.row + 1, grdSel.dataRows()), 0);
     conditionsChanged();
 }

@@ -137,8 +137,10 @@ bool frmCashier_Security::isTaken(const std::string& name) const {
     return false;
 }
 
+// On the way out, by Exit, Cancel or the close box, what was typed is dropped.
 void frmCashier_Security::CashierName_LostFocus() {
-    if (!hasRow() || !isTaken(CashierName.text()))
+    const bool leaving = focused() == nullptr || focused() == &cmdCancel || focused() == &CmdExit;
+    if (leaving || !hasRow() || !isTaken(CashierName.text()))
         return;
     desk().message("This Name is already present as a cashier. Please edit this name.", kProduct);
     CashierName.setText("Name");

@@ -123,7 +123,8 @@ void frmOptions::leave(const OptionField& field, TextBox& box) {
     const std::string complaint = complaintAbout(field.check, box.text());
     if (field.check == OptionCheck::Name)
         mark(lblName, complaint.empty());
-    if (complaint.empty() && isUntouched(field, box))
+    const bool nothingYet = box.text().empty() && field.check != OptionCheck::Name;
+    if ((complaint.empty() || nothingYet) && isUntouched(field, box))
         return;
     if (complaint.empty()) {
         guarded({field.tag, field.procedure}, [&] { write(field, storedValue(field.check, box.text())); });
@@ -151,10 +152,9 @@ bool frmOptions::write(const OptionField& field, const Value& value) {
             throw;
         }
     });
-    if (!written) {
+    if (!written)
         readAgain();
-        guarded({field.tag, field.procedure}, [&] { showField(field); });
-    }
+    guarded({field.tag, field.procedure}, [&] { showField(field); }); // as it is stored
     if (std::string_view(field.control) == "lbxState")
         mark(lblState, !lbxState.text().empty());
     if (std::string_view(field.control) == "cbxPCCHG")

@@ -42,7 +42,7 @@ frmRegisters::frmRegisters(Desk& desk) : Form(desk, "frmRegisters", "Registers")
     setLayout(column({
         title(lblHeading),
         at(grdReg).high(10).stretched(),
-        note("The number of a register is the one that stands in its own start file."),
+        note("A register finds its row by its number, which the set-up of the register asks for."),
         buttons({at(cmdAdd), at(cmdEdit), stretch(), at(CmdExit)}),
     }));
 }

@@ -120,6 +120,13 @@ void frmTaxClasses::cmdDefault_Click() {
         return;
     guarded({kTag, "DefaultTax"}, [this] {
         const std::string description = grdTax.rawText(grdTax.row(), kDescription);
+        const auto stored = openDirect(Sql("SELECT Description FROM TaxDef WHERE TaxID = ") + classes_.key(grdTax.row()));
+        if (stored->Eof() || (*stored)[0].text() != description) {
+            desk().message("Someone else changed this tax class meanwhile. The list shows it as it is now; nothing was set.", caption(),
+                           MessageIcon::Exclamation);
+            Form_Load();
+            return;
+        }
         runCommand("UPDATE TaxDef Set DefaultTax = 0");
         runCommand(Sql("UPDATE TaxDef Set DefaultTax = 1 WHERE Description = '") + description + "'");
         desk().message("Default Tax Class Set To " + description, kProduct);

@@ -59,7 +59,10 @@ frmTenderTypes::frmTenderTypes(Desk& desk) : Form(desk, "frmTenderTypes", "Tende
 }
 
 void frmTenderTypes::Form_Load() {
-    guarded({kTag, "Form_Load", caption() + " - Critical Error"}, [this] { loadTenders(); });
+    guarded({kTag, "Form_Load", caption() + " - Critical Error"}, [this] {
+        loadTenders();
+        loaded_ = storedTenders();
+    });
     grdTenders_RowColChange();
 }
 
@@ -74,6 +77,16 @@ void frmTenderTypes::loadTenders() {
     }
     if (tenders_ > 0)
         grdTenders.setCurrent(1, kName);
+}
+
+// All that the screen writes, as it stands in the store.
+std::string frmTenderTypes::storedTenders() {
+    std::string all;
+    const auto rows = modMain().Conn->Execute("sp_GetTenderTypes 1");
+    for (; !rows->Eof(); rows->MoveNext())
+        for (const char* column : {"TenderType", "Available", "DisplayName"})
+            all += (*rows)[column].text() + '\t';
+    return all;
 }
 
 void frmTenderTypes::grdTenders_BeforeEdit(int row, bool& cancel) {
@@ -136,11 +149,22 @@ int frmTenderTypes::offered() const {
     return count;
 }
 
+// False when somebody else saved other tenders meanwhile and the user would rather keep those.
+bool frmTenderTypes::mayOverwrite() {
+    return !changed_ || storedTenders() == loaded_ ||
+           desk().message("Someone else changed the tender types meanwhile. Save yours in their place?", caption(),
+                          MessageIcon::Exclamation, MessageButtons::YesNo) == Answer::Yes;
+}
+
 void frmTenderTypes::cmdOK_Click() {
     if (changed_ && offered() == 0) {
         desk().message("You have to select at least one tender type", kProduct);
         return;
     }
+    bool may = true;
+    guarded({kTag, "cmdOK_Click"}, [&] { may = mayOverwrite(); });
+    if (!may)
+        return;
     if (changed_ && !guarded({kTag, "cmdOK_Click"}, [this] { write(); }))
         return;
     unload();

@@ -25,6 +25,8 @@ private:
     void grdTenders_RowColChange();
     void cmdUP_Click();
     void cmdDown_Click();
+    std::string storedTenders();
+    bool mayOverwrite();
     void cmdOK_Click();
     void write();
     void swapRows(int row, int other);
@@ -42,6 +44,7 @@ private:
     ui::Button cmdCancel{*this, "cmdCancel", "&Cancel"};
 
     int tenders_ = 0;                // rows of the grid that are tenders; those below are empty
+    std::string loaded_;             // as they stood in the store
     std::vector<std::string> names_; // the tenders' own names, in the order of the rows
     bool changed_ = false;
 };

@@ -155,7 +155,7 @@ template <class C, class Act> std::string change(C& control, Act act) {
 // One rule for every screen: what only a button would save is asked about before Escape or the close box lose it.
 bool mayLose(Form& form) {
     return !form.unsaved() || form.desk().message("What you changed here is not saved. Leave all the same?", form.caption(),
-                                                  MessageIcon::Question, MessageButtons::YesNo) == Answer::Yes;
+                                                  MessageIcon::Exclamation, MessageButtons::YesNo) == Answer::Yes;
 }
 
 } // namespace

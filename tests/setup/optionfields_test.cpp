@@ -101,7 +101,10 @@ const std::pair<const char*, std::vector<Case>> kPages[] = {
       {"PCChgPinPadCom", "3", "3"},
       {"PCChgPinPadCom", "0", "3", kPort, "1"}}},
     {"Gift Vouchers",
-     {{"txtGVExpiration", "", "NULL", kWhole}, {"txtGVExpiration", "7.5", "NULL", kWhole}, {"txtGVExpiration", "365", "365"}}},
+     {{"txtGVExpiration", "", "NULL", ""},
+      {"txtGVExpiration", "7.5", "NULL", kWhole},
+      {"txtGVExpiration", "365", "365"},
+      {"txtGVExpiration", "", "365", kWhole}}},
 };
 
 const OptionField& fieldOf(const std::string& control) {

@@ -112,8 +112,13 @@ Answer showBox(const Skin& skin, QWidget* owner, const Message& message, const s
     box.body->addWidget(bodyText(message.text), 1);
     const auto offered = choices(message.buttons);
     Answer answer = offered.back().answer;
+    // Enter never answers a warning's question with yes.
+    const bool warns = message.icon == MessageIcon::Exclamation && message.buttons == MessageButtons::YesNo;
+    const Answer usual = warns ? Answer::No : offered.front().answer;
     for (const Choice& choice : offered) {
-        auto* button = box.addButton(QString::fromLatin1(choice.caption), choice.answer == offered.front().answer);
+        auto* button = box.addButton(QString::fromLatin1(choice.caption), choice.answer == usual);
+        if (choice.answer == usual)
+            button->setFocus();
         QObject::connect(button, &QPushButton::clicked, &box, [&answer, &box, choice] {
             answer = choice.answer;
             box.accept();

@@ -1,9 +1,12 @@
 #include "ui/qt/qtdesk.h"
 #include "ui/qt/texts.h"
 
+#include <QAbstractFileIconProvider>
+#include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QStyle>
 
 namespace merchantry::ui {
 namespace {
@@ -20,12 +23,27 @@ QString withEnding(const QString& path, const QString& ending) {
     return some.match(QFileInfo(path).fileName()).hasMatch() ? path : path + ending;
 }
 
+// Icons and kinds of files by their names alone. The usual ones open each file to look what it is; closing the store's own file again drops
+// every lock that this process has on it, and the next program to close the store takes its log away.
+class NamesOnly : public QAbstractFileIconProvider {
+public:
+    QIcon icon(const QFileInfo& file) const override {
+        return QApplication::style()->standardIcon(file.isDir() ? QStyle::SP_DirIcon : QStyle::SP_FileIcon);
+    }
+    QIcon icon(IconType type) const override {
+        return QApplication::style()->standardIcon(type == File ? QStyle::SP_FileIcon : QStyle::SP_DirIcon);
+    }
+    QString type(const QFileInfo& file) const override { return file.isDir() ? QStringLiteral("Folder") : file.suffix(); }
+};
+
 } // namespace
 
 std::optional<std::filesystem::path> QtDesk::file(const FileDialog& wish) {
     QFileDialog dialog(nullptr, toQt(wish.title), toQt(wish.folder));
     dialog.setAcceptMode(wish.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(wish.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    static NamesOnly names;
+    dialog.setIconProvider(&names);
     dialog.setNameFilters(fileFilters(wish.filter));
     dialog.setWindowModality(Qt::ApplicationModal);
     const auto takeEnding = [&dialog](const QString& filter) { dialog.setDefaultSuffix(endingOf(filter)); };

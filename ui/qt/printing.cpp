@@ -3,10 +3,13 @@
 #include "ui/qt/qtdesk.h"
 #include "ui/qt/texts.h"
 
+#include <QFileInfo>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QToolButton>
 
 #include <stdexcept>
 
@@ -65,6 +68,20 @@ void QtDesk::setDefaultPrinter(const std::string& printer) {
         defaultPrinter_ = printer;
 }
 
+// The dialogue's own look for a file would open the files that it lists; see QtDesk::file.
+static void browseWith(QtDesk& desk, QPrintDialog& dialog) {
+    auto* const browse = dialog.findChild<QToolButton*>(QStringLiteral("fileBrowser"));
+    auto* const name = dialog.findChild<QLineEdit*>(QStringLiteral("filename"));
+    if (browse == nullptr || name == nullptr)
+        return;
+    QObject::disconnect(browse, &QToolButton::clicked, nullptr, nullptr);
+    QObject::connect(browse, &QToolButton::clicked, &dialog, [&desk, name] {
+        const QFileInfo now(name->text());
+        if (const auto file = desk.file({"Print to File", "PDF (*.pdf)|*.pdf", fromQt(now.path()), true, fromQt(now.completeBaseName())}))
+            name->setText(QString::fromStdString(file->string()));
+    });
+}
+
 std::optional<PrintChoice> QtDesk::printerSetup(const std::string& title, int pages) {
     auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
     const QString usual = toQt(defaultPrinter());
@@ -78,6 +95,7 @@ std::optional<PrintChoice> QtDesk::printerSetup(const std::string& title, int pa
     printer->setFromTo(1, pages);
     printer->setPrintRange(QPrinter::AllPages);
     dialog.setWindowModality(Qt::ApplicationModal);
+    browseWith(*this, dialog);
     standOver(dialog, owner(nullptr));
     runDialog(dialog);
     if (dialog.result() != QDialog::Accepted)

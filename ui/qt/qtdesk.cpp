@@ -31,6 +31,7 @@ QtDesk::QtDesk(QApplication& application, Tone tone)
 }
 
 QtDesk::~QtDesk() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // windows that were closed still look at the desk
     for (const auto& [form, window] : windows_)
         if (window != nullptr) {
             window->forget();

@@ -3,6 +3,7 @@
 #include "ui/qt/qtdesk.h"
 #include "ui/qt/skin.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
@@ -20,6 +21,8 @@
 #include <QTimer>
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 namespace merchantry::ui {
 namespace {
@@ -119,6 +122,37 @@ TEST(Dialogs, APrintJobBearsTheNameOfItsReport) {
     for (const char letter : std::string("Receivables Aging"))
         title += QByteArray(1, '\0') + letter;
     EXPECT_TRUE(written.readAll().contains(title));
+}
+
+// Closing a file drops every lock that the process has on it: a look into the store's folder must not open the store.
+TEST(Dialogs, ListAFolderWithoutOpeningItsFiles) {
+    const QTemporaryDir folder;
+    const QString store = folder.filePath(QStringLiteral("my.store"));
+    QFile made(store);
+    ASSERT_TRUE(made.open(QIODevice::WriteOnly));
+    made.write("SQLite format 3");
+    made.close();
+    const int watch = inotify_init1(IN_NONBLOCK);
+    ASSERT_GE(inotify_add_watch(watch, QFile::encodeName(store).constData(), IN_OPEN | IN_CLOSE), 0);
+    QtDesk desk(*static_cast<QApplication*>(QApplication::instance()), Tone::Light);
+    bool listed = false;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&, times = 0]() mutable {
+        QDialog* const dialog = box();
+        if (dialog == nullptr)
+            return;
+        for (const auto* view : dialog->findChildren<QAbstractItemView*>())
+            for (int row = 0; view->model() != nullptr && row < view->model()->rowCount(view->rootIndex()); ++row)
+                listed = listed || view->model()->index(row, 0, view->rootIndex()).data().toString() == QStringLiteral("my.store");
+        if (++times > 20)
+            dialog->reject();
+    });
+    look.start(20);
+    desk.file({"Browse", "All Files (*.*)|*.*", folder.path().toStdString(), false});
+    EXPECT_TRUE(listed);
+    char event[4096];
+    EXPECT_LT(read(watch, event, sizeof event), 0) << "the store was opened";
+    close(watch);
 }
 
 } // namespace merchantry::ui
