@@ -275,6 +275,15 @@ TEST_F(StoreFiles, VersionNineKeepsEveryTaxClassUnderANameOfItsOwn) {
     EXPECT_NE(sentenceOf([&] { run(file, "INSERT INTO TaxDef (Description) VALUES ('vat')"); }), "");
 }
 
+TEST_F(StoreFiles, AreReachedByLinks) {
+    makeStore();
+    const auto link = folder / "link.store";
+    std::filesystem::create_symlink(file, link);
+    EXPECT_EQ(checkStoreFile(link), std::vector<std::string>());
+    run(link, "UPDATE StoreOptions SET Name = 'by the link'");
+    run(file, "IF (SELECT Name FROM StoreOptions) <> 'by the link' RAISERROR('another store', 16, 1)");
+}
+
 TEST_F(StoreFiles, WhatIsNoStoreIsSaidToBeNone) {
     db::Store::create(file);
     EXPECT_NE(sentenceOf([&] { db::checkSchemaVersion(*db::Store::open(file)->session()); }).find("not a store"), std::string::npos);

@@ -101,6 +101,13 @@ bool isAtRest(const std::filesystem::path& file) {
     return LayerFile(file, SQLITE_OPEN_READONLY).read(head) && head[kWriteVersionAt] == kAtRest;
 }
 
+// The file behind links, absolute: below SQLite a link is not followed.
+std::filesystem::path followed(const std::filesystem::path& file) {
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::weakly_canonical(file, error);
+    return error ? std::filesystem::absolute(file) : real;
+}
+
 // "shop.store-wal.aside", or with a number when there is one already.
 std::filesystem::path freeName(const std::filesystem::path& wanted) {
     std::filesystem::path name = wanted;
@@ -127,13 +134,14 @@ void requireStoreFile(const std::filesystem::path& file) {
     if (file.string().ends_with(kMaking))
         refuse("The store " + file.string() + " was never finished. Make it again under its name without " + std::string(kMaking) + ".");
     Head head{};
-    if (!LayerFile(std::filesystem::absolute(file), SQLITE_OPEN_READONLY).read(head))
+    if (!LayerFile(followed(file), SQLITE_OPEN_READONLY).read(head))
         refuse("The store " + file.string() + " may not be read by this user.");
     if (!isStore(head))
         refuse("The file " + file.string() + " is no Merchantry store, or its beginning is damaged. It was not changed.");
 }
 
-void putForeignLogAside(const std::filesystem::path& file) {
+void putForeignLogAside(const std::filesystem::path& named) {
+    const std::filesystem::path file = followed(named);
     const std::filesystem::path log = file.string() + "-wal";
     std::error_code error;
     const auto hasLog = [&] { return std::filesystem::file_size(log, error) > 0 && !error; };

@@ -6,7 +6,7 @@
 -- Example: 3 on hand, Restock 5, Reorder 12: told. With 12 on order it is told with QtyOrdered 12, and the run orders nothing.
 CREATE PROCEDURE sp_GetAllReorderItems AS
 SELECT Item.SKU, Item.MatrixSKU, Stock.Quantity, Item.Restock, Item.Reorder,
-  (SELECT ISNULL(SUM(i.Qty - i.QtyRecvd - i.QtyCanceled), 0) FROM PurchaseOrderItem i INNER JOIN PurchaseOrder o ON o.POID = i.POID
+  (SELECT ISNULL(SUM(CASE WHEN i.Qty > i.QtyRecvd + i.QtyCanceled THEN i.Qty - i.QtyRecvd - i.QtyCanceled ELSE 0 END), 0) FROM PurchaseOrderItem i INNER JOIN PurchaseOrder o ON o.POID = i.POID
     WHERE i.SKU = Item.SKU AND i.MatrixSKU = Item.MatrixSKU AND o.Status <> 'C' AND i.Qty > i.QtyRecvd + i.QtyCanceled) AS QtyOrdered
 FROM Item INNER JOIN Stock ON Stock.SKU = Item.SKU AND Stock.MatrixSKU = Item.MatrixSKU
 WHERE Item.Active = 1 AND Item.TypeID <> 4 AND Item.SKU NOT LIKE '$%' AND Item.Reorder > 0 AND Stock.Quantity <= Item.Restock
