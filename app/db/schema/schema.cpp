@@ -29,6 +29,10 @@ constexpr std::array kInvariants{
               "t.TransactionNumber), 0)"},
     Invariant{"A transaction's subtotal and tax do not add up to its total.",
               "SELECT TOP 1 TransactionNumber FROM [Transaction] WHERE SubTotal + TaxTotal <> Total"},
+    Invariant{"A customer's balance is not the sum of what is open.",
+              "SELECT TOP 1 c.ID FROM Customer c LEFT JOIN (SELECT CustomerID, SUM(OutstandingBalance) AS Outstanding FROM "
+              "CreditTransaction GROUP BY "
+              "CustomerID) t ON t.CustomerID = c.ID WHERE c.Balance <> ISNULL(t.Outstanding, 0)"},
     Invariant{"An item's newest ledger row does not hold the sum of its movements.",
               "SELECT TOP 1 s.SKU FROM (SELECT SKU, MatrixSKU, SUM(Qty) AS Moved, MAX(LedgerID) AS Newest FROM InventoryLedger GROUP BY "
               "SKU, MatrixSKU) s "
@@ -149,6 +153,7 @@ std::span<const UpgradeStep> upgradeSteps() {
     static const std::string eighth = "IF SERVERPROPERTY('Edition') = 'Merchantry' EXEC sp_reindextexts\n"
                                       "IF COL_LENGTH('Item', 'True') IS NULL ALTER TABLE Item ADD [True] AS CAST(1 AS bit)";
     static const std::string tenth = newTable("FirstRoad") + kToVersion10;
+    static const std::string eleventh = newTable("CreditApplication") + newTable("StatementRun") + newTable("Statement");
     static const std::array kSteps{
         UpgradeStep{2, ""},           // the procedures of item catalogue and stock
         UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
@@ -163,6 +168,7 @@ std::span<const UpgradeStep> upgradeSteps() {
         UpgradeStep{8, eighth},
         UpgradeStep{9, kToVersion9},
         UpgradeStep{10, tenth},
+        UpgradeStep{11, eleventh}, // what credits were applied to, and statements
     };
     return kSteps;
 }
