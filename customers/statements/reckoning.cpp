@@ -1,0 +1,236 @@
+#include "customers/statements/reckoning.h"
+
+#include "base/division.h"
+
+#include <algorithm>
+#include <span>
+
+namespace merchantry::customers {
+namespace {
+
+constexpr int kDaysInYear = 365;
+constexpr std::int64_t kUnitsInCent = 100;
+constexpr std::int64_t kPercentUnits = 10'000; // APR in ten-thousandths of a percent
+constexpr int kPercent = 100;
+
+std::int64_t daysBetween(Date from, Date to) {
+    return (to.ms() - from.ms()) / Date::kMsPerDay;
+}
+
+// A debit with what was taken off it, day by day.
+struct Debit {
+    const Posting* posting = nullptr;
+    Date due;
+    Currency open;                               // at the end of the statement's day, before unapplied credits
+    std::vector<std::pair<Date, Currency>> paid; // what was taken off it on which day
+};
+
+// What is open of a posting as at a day: what is open today, and what was applied to it since.
+Currency openAt(const Posting& posting, std::span<const Application> applied, Date asAt) {
+    Currency open = posting.open;
+    for (const Application& one : applied)
+        if (one.time.dateOnly() > asAt)
+            open += one.amount;
+    return open;
+}
+
+// Simple interest in cents, halves to even.
+Currency interest(Currency overdue, std::int64_t apr, std::int64_t days) {
+    const __int128 numerator = static_cast<__int128>(overdue.units()) * apr * days;
+    const __int128 divisor = static_cast<__int128>(kPercentUnits) * kPercent * kDaysInYear * kUnitsInCent;
+    return Currency::fromUnits(static_cast<std::int64_t>(dividedHalfEven(numerator, divisor)) * kUnitsInCent);
+}
+
+std::string aprText(std::int64_t apr) {
+    return Currency::fromUnits(apr).toText();
+}
+
+std::string shortDay(Date day) {
+    return std::to_string(day.month()) + "/" + std::to_string(day.day());
+}
+
+std::string days(int count) {
+    return std::to_string(count) + (count == 1 ? " day" : " days");
+}
+
+class Drawing {
+public:
+    Drawing(const Account& account, Date asAt, Date since)
+        : account_(account), asAt_(asAt.dateOnly()), since_(since.dateOnly()), applications_(account.applications) {
+        std::stable_sort(applications_.begin(), applications_.end(), [](const auto& a, const auto& b) { return a.posting < b.posting; });
+        gather();
+    }
+
+    Statement drawn() {
+        Statement statement;
+        statement.since = since_;
+        sum(statement);
+        if (account_.terms.assess)
+            charge(statement);
+        statement.balance += statement.financeCharge;
+        statement.ages.notDue += statement.financeCharge;
+        return statement;
+    }
+
+private:
+    void gather() {
+        for (const Posting& posting : account_.postings) {
+            if (posting.time.dateOnly() > asAt_)
+                continue;
+            const std::span<const Application> own = appliedTo(posting);
+            const Currency open = openAt(posting, own, asAt_);
+            if (posting.total > Currency() || (posting.total == Currency() && open > Currency()))
+                debits_.push_back(debitOf(posting, own, open));
+            else if (open < Currency())
+                credits_.emplace_back(posting.time.dateOnly(), -open);
+        }
+        std::stable_sort(debits_.begin(), debits_.end(), [](const Debit& a, const Debit& b) { return a.due < b.due; });
+        setCreditsAgainstDebits();
+    }
+
+    std::span<const Application> appliedTo(const Posting& posting) const {
+        const auto [first, last] = std::equal_range(applications_.begin(), applications_.end(), Application{posting.id, {}, {}, {}},
+                                                    [](const auto& a, const auto& b) { return a.posting < b.posting; });
+        return {first, last};
+    }
+
+    Debit debitOf(const Posting& posting, std::span<const Application> applied, Currency open) const {
+        Debit debit{&posting, posting.due.value_or(posting.time).dateOnly(), open, {}};
+        for (const Application& one : applied)
+            if (one.time.dateOnly() <= asAt_)
+                debit.paid.emplace_back(one.paid.dateOnly(), one.amount);
+        return debit;
+    }
+
+    // Credits that wait to be applied, oldest first, against what is due first.
+    void setCreditsAgainstDebits() {
+        auto debit = debits_.begin();
+        for (auto [day, left] : credits_) {
+            for (; debit != debits_.end() && left > Currency(); ++debit) {
+                const Currency part = std::min(left, debit->open);
+                if (part > Currency())
+                    debit->paid.emplace_back(std::max(day, debit->posting->time.dateOnly()), part);
+                debit->open -= std::max(part, Currency());
+                left -= std::max(part, Currency());
+                if (left == Currency())
+                    break; // something of the debit may be left
+            }
+            unapplied_ -= left;
+        }
+        for (Debit& one : debits_)
+            std::stable_sort(one.paid.begin(), one.paid.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    }
+
+    void sum(Statement& statement) const {
+        statement.ages.unapplied = unapplied_;
+        statement.balance = unapplied_;
+        for (const Debit& debit : debits_) {
+            ageOf(statement.ages, daysBetween(debit.due, asAt_)) += debit.open;
+            statement.balance += debit.open;
+        }
+        for (const Posting& posting : account_.postings) {
+            const Date day = posting.time.dateOnly();
+            if (day < since_ || day > asAt_)
+                continue;
+            if (posting.kind == Posting::Kind::Payment)
+                statement.paid -= posting.total;
+            else if (posting.total < Currency())
+                statement.credited -= posting.total;
+            else
+                statement.charged += posting.total;
+        }
+        statement.broughtForward = statement.balance - statement.charged + statement.paid + statement.credited;
+    }
+
+    static Currency& ageOf(Ages& ages, std::int64_t overdue) {
+        if (overdue <= 0)
+            return ages.notDue;
+        return overdue <= 30 ? ages.days30 : overdue <= 60 ? ages.days60 : overdue <= 90 ? ages.days90 : ages.over90;
+    }
+
+    void charge(Statement& statement) const {
+        for (const Debit& debit : debits_)
+            if (debit.posting->kind != Posting::Kind::FinanceCharge)
+                chargeDebit(statement, debit);
+        if (statement.financeCharge == Currency()) {
+            statement.lines.clear();
+            return;
+        }
+        for (const ChargeLine& line : statement.lines)
+            statement.reckoning += (statement.reckoning.empty() ? "" : "\n") + line.overdue.toDisplay() + " overdue since " +
+                                   shortDay(line.since) + ", " + days(line.days) + " at " + aprText(account_.terms.apr) +
+                                   " %: " + line.charge.toDisplay();
+        if (statement.financeCharge < account_.terms.minimum) {
+            statement.reckoning += (statement.lines.size() > 1 ? "\ntogether " + statement.financeCharge.toDisplay() : std::string()) +
+                                   ", raised to the minimum of " + account_.terms.minimum.toDisplay();
+            statement.financeCharge = account_.terms.minimum;
+        }
+    }
+
+    // The days from the end of the grace, or of the statement before, to the statement's own, in stretches between payments.
+    void chargeDebit(Statement& statement, const Debit& debit) const {
+        const Date lastFree = debit.due.plusDays(account_.terms.graceDays);
+        Date from = account_.lastStatement ? std::max(lastFree, account_.lastStatement->dateOnly()) : lastFree;
+        Currency owed = debit.open;
+        for (const auto& [day, amount] : debit.paid)
+            owed += amount;
+        const auto stretch = [&](Date to) {
+            if (to <= from)
+                return;
+            if (owed > Currency())
+                addLine(statement, {owed, lastFree.plusDays(1), static_cast<int>(daysBetween(from, to)), Currency()});
+            from = to;
+        };
+        for (const auto& [day, amount] : debit.paid) {
+            stretch(std::min(day, asAt_));
+            owed -= amount;
+        }
+        stretch(asAt_);
+    }
+
+    void addLine(Statement& statement, ChargeLine line) const {
+        line.charge = interest(line.overdue, account_.terms.apr, line.days);
+        statement.financeCharge += line.charge;
+        statement.lines.push_back(line);
+    }
+
+    const Account& account_;
+    Date asAt_;
+    Date since_;
+    std::vector<Application> applications_; // by posting
+    std::vector<Debit> debits_;
+    std::vector<std::pair<Date, Currency>> credits_;
+    Currency unapplied_;
+};
+
+} // namespace
+
+Statement drawUp(const Account& account, Date asAt, Date since) {
+    return Drawing(account, asAt, since).drawn();
+}
+
+namespace {
+
+int lengthOfMonth(int year, int month) {
+    for (int day = 31; day > 28; --day)
+        if (Date::fromParts(year, month, day))
+            return day;
+    return 28;
+}
+
+Date billingDay(int year, int month, int dayOfMonth) {
+    return *Date::fromParts(year, month, std::min(dayOfMonth, lengthOfMonth(year, month)));
+}
+
+} // namespace
+
+Date lastBillingDay(Date today, int dayOfMonth) {
+    const Date thisMonth = billingDay(today.year(), today.month(), dayOfMonth);
+    return thisMonth <= today ? thisMonth : billingDayBefore(thisMonth, dayOfMonth);
+}
+
+Date billingDayBefore(Date day, int dayOfMonth) {
+    return day.month() == 1 ? billingDay(day.year() - 1, 12, dayOfMonth) : billingDay(day.year(), day.month() - 1, dayOfMonth);
+}
+
+} // namespace merchantry::customers

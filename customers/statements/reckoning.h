@@ -1,0 +1,82 @@
+#pragma once
+
+#include "base/currency.h"
+#include "base/date.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace merchantry::customers {
+
+// A posting to a customer's account, as a statement counts it.
+struct Posting {
+    enum class Kind { Charge, Payment, Credit, FinanceCharge };
+    std::int64_t id = 0;
+    Date time;
+    std::optional<Date> due; // a debit's; its own day when there is none
+    Kind kind = Kind::Charge;
+    Currency total; // positive what the customer owes
+    Currency open;  // what is open of it today
+};
+
+// What was taken off a posting's open amount, with the posting's sign.
+struct Application {
+    std::int64_t posting = 0;
+    Date time; // when it was applied
+    Date paid; // when the credit came in that was applied to a debit: from that day on the debit was smaller
+    Currency amount;
+};
+
+// The terms of a charge account.
+struct Terms {
+    bool assess = true;   // finance charges at all
+    std::int64_t apr = 0; // ten-thousandths of a percent a year
+    Currency minimum;     // the least charge where there is one
+    int graceDays = 0;    // after the due day
+};
+
+// A part of a finance charge: so much was overdue for so many days.
+struct ChargeLine {
+    Currency overdue;
+    Date since; // the first overdue day
+    int days = 0;
+    Currency charge; // in cents, halves to even
+};
+
+// The age of what is open, by the days since it was due. What no debit was found for is unapplied, zero or below.
+struct Ages {
+    Currency notDue, days30, days60, days90, over90, unapplied;
+};
+
+// A customer's statement as at a day. broughtForward + charged - paid - credited + financeCharge = balance = the sum of the ages.
+struct Statement {
+    Date since; // the first day of the period
+    Currency broughtForward, charged, paid, credited, financeCharge, balance;
+    Ages ages;
+    std::vector<ChargeLine> lines;
+    std::string reckoning; // the finance charge in words, a sentence a line; empty without one
+};
+
+struct Account {
+    std::vector<Posting> postings;         // by time
+    std::vector<Application> applications; // in any order
+    Terms terms;
+    std::optional<Date> lastStatement; // the day as at which the one before was posted: up to it all is charged
+};
+
+// Draws up the statement of the days from `since` to `asAt`, both in the period. Finance charges are simple interest by the day on 365, on
+// what is overdue (past its due day and the grace days) and no finance charge itself:
+//   charge = overdue * APR / 100 * days / 365, each line rounded to cents, halves to even,
+// for the days behind the statement before. What was paid on a day counts for that day. A credit that is not applied yet is set against
+// what is due first, from its own day on. The sum is at least the minimum when there is any charge. Example: 120.00 due on 3/1 without
+// grace, at 20 % as at 3/20: 120 * 0.20 * 19 / 365 = 1.2493, so 1.25.
+Statement drawUp(const Account& account, Date asAt, Date since);
+
+// The last billing day not behind today: the day of the month (1 to 31), or the month's last day where the month is shorter.
+Date lastBillingDay(Date today, int dayOfMonth);
+// The billing day a month before one.
+Date billingDayBefore(Date billingDay, int dayOfMonth);
+
+} // namespace merchantry::customers
