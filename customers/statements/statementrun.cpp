@@ -1,0 +1,266 @@
+#include "customers/statements/statementrun.h"
+
+#include "app/db/work.h"
+#include "base/text.h"
+
+#include <optional>
+#include <utility>
+
+namespace merchantry::customers {
+namespace {
+
+using db::RowView;
+
+constexpr int kUsualBillingDay = 5;
+constexpr int kFlushEvery = 256; // customers between two looks at the progress
+constexpr const char* kPaymentCode = "Payment";
+constexpr const char* kFinanceCode = "Finance Charge";
+
+struct Stopped {};
+
+// Hands each row of a select to a function.
+class Rows : public db::ResultSink {
+public:
+    explicit Rows(std::function<void(const RowView&)> take) : take_(std::move(take)) {}
+    void beginSet(const std::vector<db::Column>&) override {}
+    void row(const RowView& row) override { take_(row); }
+
+private:
+    std::function<void(const RowView&)> take_;
+};
+
+Currency moneyOf(const RowView& row, int column) {
+    return row.isNull(column) ? Currency() : Currency::fromUnits(row.number(column));
+}
+
+std::string sqlDay(Date day) {
+    return "'" + day.toIsoText().substr(0, 10) + "'";
+}
+
+// A customer's number with what belongs to it; the lists are in the order of the numbers.
+struct Holder {
+    std::int32_t customer = 0;
+    std::string name;
+    bool charge = false;
+    Terms terms;
+    std::optional<Date> lastStatement;
+};
+
+std::vector<Holder> holders(db::Session& session, Date asAt) {
+    std::vector<Holder> all;
+    Rows rows([&](const RowView& row) {
+        Holder one;
+        one.customer = static_cast<std::int32_t>(row.number(0));
+        one.name = trimmed(row.text(1));
+        one.charge = row.number(2) != 0;
+        one.terms.assess = row.number(3) != 0;
+        one.terms.apr = Currency::fromDouble(row.value(4).toNumber()).units();
+        one.terms.minimum = moneyOf(row, 5);
+        one.terms.graceDays = static_cast<int>(row.number(6));
+        if (!row.isNull(7))
+            one.lastStatement = Date::fromMs(row.number(7));
+        all.push_back(std::move(one));
+    });
+    session.execute(
+        "SELECT c.ID, ISNULL(NULLIF(LTRIM(RTRIM(ISNULL(c.FirstName, '') + ' ' + ISNULL(c.LastName, ''))), ''), ISNULL(c.Company, '')), "
+        "c.ChargeAccount, c.AssessFinanceCharges, ISNULL(c.APR, ISNULL(o.FinAPR, 20)), ISNULL(c.MinFinChg, ISNULL(o.MinFinChg, 5)), "
+        "ISNULL(c.OverdueAfter, ISNULL(o.OverdueAfter, 15)), s.AsAt FROM Customer c CROSS JOIN StoreOptions o "
+        "LEFT JOIN (SELECT t.CustomerID, MAX(r.AsAt) AS AsAt FROM Statement t INNER JOIN StatementRun r ON r.RunID = t.RunID "
+        "WHERE r.AsAt < " +
+            sqlDay(asAt) + " GROUP BY t.CustomerID) s ON s.CustomerID = c.ID ORDER BY c.ID",
+        rows);
+    return all;
+}
+
+Posting::Kind kindOf(Currency total, std::string_view code) {
+    if (sameText(code, kFinanceCode))
+        return Posting::Kind::FinanceCharge;
+    if (total >= Currency())
+        return Posting::Kind::Charge;
+    return sameText(code, kPaymentCode) ? Posting::Kind::Payment : Posting::Kind::Credit;
+}
+
+// The accounts, one customer after the other, as two selects in the order of the customers give them.
+class Accounts {
+public:
+    Accounts(db::Session& session, Date asAt) {
+        readPostings(session, asAt);
+        readApplications(session);
+    }
+    // What the next customer has. Requires: customers come in the order of their numbers.
+    Account of(const Holder& holder) {
+        Account account;
+        account.terms = holder.terms;
+        account.lastStatement = holder.lastStatement;
+        while (posting_ < postings_.size() && postings_[posting_].first < holder.customer)
+            ++posting_;
+        while (posting_ < postings_.size() && postings_[posting_].first == holder.customer)
+            account.postings.push_back(postings_[posting_++].second);
+        while (application_ < applications_.size() && applications_[application_].first < holder.customer)
+            ++application_;
+        while (application_ < applications_.size() && applications_[application_].first == holder.customer)
+            account.applications.push_back(applications_[application_++].second);
+        return account;
+    }
+
+private:
+    void readPostings(db::Session& session, Date asAt) {
+        Rows rows([&](const RowView& row) {
+            Posting one;
+            one.id = row.number(1);
+            one.time = Date::fromMs(row.number(2));
+            if (!row.isNull(3))
+                one.due = Date::fromMs(row.number(3));
+            one.total = moneyOf(row, 4);
+            one.open = moneyOf(row, 5);
+            one.kind = kindOf(one.total, row.text(6));
+            postings_.emplace_back(static_cast<std::int32_t>(row.number(0)), one);
+        });
+        session.execute("SELECT CustomerID, CreditTransID, Time, PastDueDate, Total, OutstandingBalance, CreditCode FROM CreditTransaction "
+                        "WHERE Time < " +
+                            sqlDay(asAt.plusDays(1)) + " ORDER BY CustomerID, Time, CreditTransID",
+                        rows);
+    }
+
+    // The other halves of a visit tell when the money had come in: with the last of the credits that were applied in it.
+    void readApplications(db::Session& session) {
+        Rows rows([&](const RowView& row) {
+            const Date applied = Date::fromMs(row.number(2));
+            const Date paid = row.isNull(4) ? applied : std::min(applied, Date::fromMs(row.number(4)));
+            applications_.emplace_back(static_cast<std::int32_t>(row.number(0)),
+                                       Application{row.number(1), applied, paid, moneyOf(row, 3)});
+        });
+        session.execute(
+            "SELECT a.CustomerID, a.CreditTransID, a.Time, a.Amount, p.Paid FROM CreditApplication a LEFT JOIN (SELECT b.BatchNumber, "
+            "b.CustomerID, MAX(t.Time) AS Paid FROM CreditApplication b INNER JOIN CreditTransaction t ON t.CreditTransID = "
+            "b.CreditTransID WHERE b.Amount < 0 GROUP BY b.BatchNumber, b.CustomerID) p ON p.BatchNumber = a.BatchNumber AND "
+            "p.CustomerID = a.CustomerID ORDER BY a.CustomerID, a.ApplicationID",
+            rows);
+    }
+
+    std::vector<std::pair<std::int32_t, Posting>> postings_;
+    std::vector<std::pair<std::int32_t, Application>> applications_;
+    std::size_t posting_ = 0;
+    std::size_t application_ = 0;
+};
+
+bool hasSomethingToTell(const Statement& figures) {
+    const Currency none;
+    return figures.balance != none || figures.broughtForward != none || figures.charged != none || figures.paid != none ||
+           figures.credited != none;
+}
+
+void step(const RunProgress& progress, std::size_t done, std::size_t all) {
+    if (done % kFlushEvery == 0 && !progress(all == 0 ? 100 : static_cast<int>(done * 100 / all)))
+        throw Stopped();
+}
+
+std::vector<CustomerStatement> drawAll(db::Session& session, Date asAt, const RunProgress& progress) {
+    std::vector<CustomerStatement> drawn;
+    const Date monthBefore = billingDayBefore(asAt, billingDayOfMonth(session));
+    const std::vector<Holder> all = holders(session, asAt);
+    Accounts accounts(session, asAt);
+    std::size_t done = 0;
+    for (const Holder& holder : all) {
+        step(progress, done++, all.size());
+        const Account account = accounts.of(holder);
+        if (account.postings.empty())
+            continue;
+        CustomerStatement one{holder.customer, holder.name, drawUp(account, asAt, holder.lastStatement.value_or(monthBefore).plusDays(1))};
+        if (hasSomethingToTell(one.figures))
+            drawn.push_back(std::move(one));
+    }
+    return drawn;
+}
+
+bool sameFigures(const StatementRun& run, const std::vector<CustomerStatement>& again) {
+    return std::equal(run.statements.begin(), run.statements.end(), again.begin(), again.end(), [](const auto& a, const auto& b) {
+        return a.customer == b.customer && a.figures.balance == b.figures.balance && a.figures.reckoning == b.figures.reckoning &&
+               a.figures.broughtForward == b.figures.broughtForward && a.figures.financeCharge == b.figures.financeCharge;
+    });
+}
+
+std::int32_t newRun(db::Session& session, Date asAt) {
+    std::int32_t number = 0;
+    Rows rows([&](const RowView& row) { number = static_cast<std::int32_t>(row.number(0)); });
+    session.execute("EXEC bsp_NewStatementRun " + sqlDay(asAt) + ", 1, 5", rows);
+    return number;
+}
+
+// A call of bsp_PostStatement whose parameters are filled anew for each statement.
+class PostedStatement {
+public:
+    explicit PostedStatement(std::int32_t run) {
+        static constexpr db::SqlType kInt{db::TypeKind::Int};
+        static constexpr db::SqlType kDate{db::TypeKind::DateTime};
+        static constexpr db::SqlType kMoney{db::TypeKind::Money};
+        static constexpr db::SqlType kText{db::TypeKind::VarChar, 8000, 0, 0};
+        parameters_ = {{"", kInt, Value(run), false}, {"", kInt, Value(), false}, {"", kDate, Value(), false}};
+        for (int i = 0; i < kFigures; ++i)
+            parameters_.push_back({"", kMoney, Value(), false});
+        parameters_.push_back({"", kText, Value(), false});
+    }
+    void post(db::Session& session, const CustomerStatement& one) {
+        const Statement& s = one.figures;
+        std::size_t next = 1;
+        parameters_[next++].value = Value(one.customer);
+        parameters_[next++].value = Value(s.since);
+        for (const Currency amount : {s.broughtForward, s.charged, s.paid, s.credited, s.financeCharge, s.balance, s.ages.notDue,
+                                      s.ages.days30, s.ages.days60, s.ages.days90, s.ages.over90, s.ages.unapplied})
+            parameters_[next++].value = Value(amount);
+        parameters_[next].value = Value(s.reckoning);
+        db::NoResult none;
+        session.call("bsp_PostStatement", parameters_, none);
+    }
+
+private:
+    static constexpr int kFigures = 12;
+    std::vector<db::Parameter> parameters_;
+};
+
+} // namespace
+
+int billingDayOfMonth(db::Session& session) {
+    int day = kUsualBillingDay;
+    Rows rows([&](const RowView& row) { day = row.isNull(0) ? day : static_cast<int>(row.number(0)); });
+    session.execute("SELECT ReminderPrior FROM StoreOptions", rows);
+    return day >= 1 && day <= 31 ? day : kUsualBillingDay;
+}
+
+StatementRun drawUpStatements(db::Session& session, Date asAt, const RunProgress& progress) {
+    StatementRun run;
+    run.asAt = asAt.dateOnly();
+    try {
+        run.statements = drawAll(session, run.asAt, progress);
+    } catch (const Stopped&) {
+        run.stopped = true;
+    }
+    for (const CustomerStatement& one : run.statements) {
+        run.financeCharges += one.figures.financeCharge;
+        run.balances += one.figures.balance;
+    }
+    progress(100);
+    return run;
+}
+
+std::int32_t postStatements(db::Session& session, const StatementRun& run, const RunProgress& progress) {
+    db::Work work(session);
+    try {
+        const std::int32_t number = newRun(session, run.asAt);
+        if (!sameFigures(run, drawAll(session, run.asAt, [&](int percent) { return progress(percent / 2); })))
+            throw AccountsChanged();
+        PostedStatement posted(number);
+        std::size_t done = 0;
+        for (const CustomerStatement& one : run.statements) {
+            step([&](int percent) { return progress(50 + percent / 2); }, done++, run.statements.size());
+            posted.post(session, one);
+        }
+        work.commit();
+        progress(100);
+        return number;
+    } catch (const Stopped&) {
+        return 0;
+    }
+}
+
+} // namespace merchantry::customers
