@@ -15,6 +15,8 @@ using registersim::run;
 constexpr int kLayaways = 14;
 constexpr int kVouchers = 60;
 const Currency kAccountLimit = Currency::fromInteger(5000);
+const Currency kLeastCharge = Currency::fromInteger(5);
+constexpr int kGraceDays = 15;
 
 } // namespace
 
@@ -23,8 +25,9 @@ void addCustomers(db::Session& session, const std::filesystem::path& dataFolder,
     BulkInsert rows(session, "Customer",
                     "AccountNumber, FirstName, LastName, Company, Address, Address2, City, State, Zip, Country, PhoneNumber, Email, "
                     "TierID, ChargeAccount, "
-                    "AccountLimit, TaxExempt, Employee, LayawayCustomer, AccountOpened, LastUpdated",
-                    "ttttttttttttibmbbbdd");
+                    "AccountLimit, AssessFinanceCharges, APR, MinFinChg, OverdueAfter, TaxExempt, Employee, LayawayCustomer, "
+                    "AccountOpened, LastUpdated",
+                    "ttttttttttttibmbfmibbbdd");
     for (std::size_t i = 0; i < customers.size(); ++i) {
         Row row;
         for (const char* column : {"account", "first", "last", "company", "address", "address2", "city", "state", "zip"})
@@ -32,9 +35,11 @@ void addCustomers(db::Session& session, const std::filesystem::path& dataFolder,
         const std::string& tier = customers.at(i, "tier");
         const bool charge = customers.number(i, "charge") == 1;
         const Date opened = today.plusDays(-1100 + static_cast<int>(i % 350));
-        for (const Value& value : {Value("USA"), Value(customers.at(i, "phone")), Value(customers.at(i, "email")), Value(tiers.at(tier)),
-                                   Value(charge), Value(charge ? kAccountLimit : Currency()), Value(customers.number(i, "exempt") == 1),
-                                   Value(tier == "Staff"), Value(i % 101 == 7), Value(opened), Value(opened)})
+        for (const Value& value :
+             {Value("USA"), Value(customers.at(i, "phone")), Value(customers.at(i, "email")), Value(tiers.at(tier)), Value(charge),
+              Value(charge ? kAccountLimit : Currency()), Value(charge && i % 5 != 0), charge ? Value(20.0) : Value(),
+              charge ? Value(kLeastCharge) : Value(), charge ? Value(kGraceDays) : Value(), Value(customers.number(i, "exempt") == 1),
+              Value(tier == "Staff"), Value(i % 101 == 7), Value(opened), Value(opened)})
             row.push_back(value);
         rows.add(std::move(row));
     }

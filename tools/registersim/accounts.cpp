@@ -32,19 +32,21 @@ void Accounts::collect(Date day) {
         const Currency paid = mood < 3 ? Currency::fromUnits(amount.units() / 200 * 100) : amount;
         if (paid == Currency())
             continue;
-        const Currency left = payFor(customer, paid);
+        const Currency left = payFor(customer, paid, postings_.size());
         postings_.push_back({customer, 0, static_cast<int>(batches_.size()), day, -paid, -left});
     }
 }
 
 // Matches a payment with the oldest debts; gives back what is left of it.
-Currency Accounts::payFor(int customerId, Currency amount) {
-    for (Posting& posting : postings_) {
+Currency Accounts::payFor(int customerId, Currency amount, std::size_t payment) {
+    for (std::size_t i = 0; i < postings_.size() && amount > Currency(); ++i) {
+        Posting& posting = postings_[i];
         if (posting.customerId != customerId || posting.open <= Currency())
             continue;
         const Currency part = std::min(posting.open, amount);
         posting.open -= part;
         amount -= part;
+        matches_.push_back({i, payment, part});
     }
     return amount;
 }
@@ -61,15 +63,32 @@ void Accounts::finish() {
 }
 
 void Accounts::write(const std::vector<int>& batchNumbers) {
-    BulkInsert rows(session_, "CreditTransaction",
-                    "TransactionNumber, BatchNumber, CustomerID, CreditID, CreditCode, Time, PastDueDate, Total, OutstandingBalance",
-                    "iiiitddmm");
+    const int firstId =
+        static_cast<int>(query(session_, "SELECT ISNULL(MAX(CreditTransID), 0) + 1 FROM CreditTransaction")[0][0].toInteger());
+    BulkInsert rows(
+        session_, "CreditTransaction",
+        "CreditTransID, TransactionNumber, BatchNumber, CustomerID, CreditID, CreditCode, Time, PastDueDate, Total, OutstandingBalance",
+        "iiiiitddmm", true);
+    int id = firstId;
     for (const Posting& posting : postings_) {
         const bool debit = posting.transactionNumber != 0;
-        rows.add({debit ? Value(posting.transactionNumber) : Value(),
+        rows.add({id++, debit ? Value(posting.transactionNumber) : Value(),
                   debit ? Value() : Value(batchNumbers[static_cast<std::size_t>(posting.batch) - 1]), posting.customerId, 1,
                   debit ? "Sale" : "Payment", posting.time, debit ? Value(posting.time.plusDays(kDaysToPay)) : Value(), posting.total,
                   posting.open});
+    }
+    rows.finish();
+    writeMatches(batchNumbers, firstId);
+}
+
+// Both halves of each match, dated as the payment.
+void Accounts::writeMatches(const std::vector<int>& batchNumbers, int firstId) {
+    BulkInsert rows(session_, "CreditApplication", "BatchNumber, CustomerID, CreditTransID, Time, Amount, Pending", "iiidmb");
+    for (const Match& match : matches_) {
+        const Posting& payment = postings_[match.payment];
+        const int batch = batchNumbers[static_cast<std::size_t>(payment.batch) - 1];
+        for (const auto& [posting, amount] : {std::pair(match.debt, match.amount), std::pair(match.payment, -match.amount)})
+            rows.add({batch, payment.customerId, firstId + static_cast<int>(posting), payment.time, amount, false});
     }
     rows.finish();
 }

@@ -26,13 +26,21 @@ private:
         Currency total;
         Currency open;
     };
-    Currency payFor(int customerId, Currency amount);
+    // A part of a payment that was matched with a debt.
+    struct Match {
+        std::size_t debt = 0; // of postings_
+        std::size_t payment = 0;
+        Currency amount;
+    };
+    Currency payFor(int customerId, Currency amount, std::size_t payment);
     void write(const std::vector<int>& batchNumbers);
+    void writeMatches(const std::vector<int>& batchNumbers, int firstId);
     void writeBalances();
 
     db::Session& session_;
     Random& random_;
     std::vector<Posting> postings_;
+    std::vector<Match> matches_;
     std::vector<Date> batches_;
 };
 
