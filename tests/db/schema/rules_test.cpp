@@ -32,7 +32,7 @@ TEST_F(StoreRules, ANewStoreHasItsFirstRowsAndIsSound) {
     EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM StoreOptions"), "1");
     EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM Item"), "0");
     EXPECT_TRUE(brokenInvariants(*session).empty());
-    EXPECT_EQ(errorOf("sp_GetAllCustomers 1, 0"), 2812);
+    EXPECT_EQ(errorOf("bsp_NotMade 1, 0"), 2812);
 }
 
 // A register's sales are told by its number for years; a row that nothing hangs on may go.
