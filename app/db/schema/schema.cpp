@@ -75,11 +75,11 @@ void putAgain(Session& session, const SchemaFile& file) {
     throw DbError(DbError::Category::Storage, 0, sentence);
 }
 
-// The statement that makes a table of the schema unless it is there.
+// What makes a table of the schema, with its indexes, unless it is there.
 std::string newTable(const std::string& table) {
     for (const SchemaFile& file : schemaFiles())
         if (file.name == "tables/" + table + ".sql")
-            return "IF OBJECT_ID('" + table + "') IS NULL\n" + std::string(file.text) + "\n";
+            return "IF OBJECT_ID('" + table + "') IS NULL\nBEGIN\n" + std::string(file.text) + "\nEND\n";
     return "";
 }
 
