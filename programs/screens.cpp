@@ -20,6 +20,11 @@
 #include "catalog/itemlistform.h"
 #include "catalog/itemwizardform.h"
 #include "catalog/modItemLookup.h"
+#include "customers/frmCreditAdjCodes.h"
+#include "customers/frmCustomer.h"
+#include "customers/frmCustomerShip.h"
+#include "customers/frmCustomerView.h"
+#include "customers/frmStoreCreditUdjustment.h"
 #include "inventory/frmInvReasonCodes.h"
 #include "inventory/frmInventory.h"
 #include "inventory/frmInventory_Adjust.h"
@@ -102,6 +107,11 @@ constexpr Screen kScreens[] = {
     {"frmPOItemHistory", instanceOf<purchasing::frmPOItemHistory>, false},
     {"frmPurchaseOrder_View", instanceOf<reports::frmPurchaseOrder_View>, false},
     {"frmPurchaseOrders_New", instanceOf<purchasing::frmPurchaseOrders_New>, false},
+    {"frmCustomerView", instanceOf<customers::frmCustomerView>, true},
+    {"frmCustomer", instanceOf<customers::frmCustomer>, false},
+    {"frmCustomerShip", instanceOf<customers::frmCustomerShip>, false},
+    {"frmStoreCreditUdjustment", instanceOf<customers::frmStoreCreditUdjustment>, true},
+    {"frmCreditAdjCodes", instanceOf<customers::frmCreditAdjCodes>, true},
     {"frmDepartments", instanceOf<setup::frmDepartments>, true},
     {"frmTaxClasses", instanceOf<setup::frmTaxClasses>, true},
     {"frmTaxTable", instanceOf<setup::frmTaxTable>, false},

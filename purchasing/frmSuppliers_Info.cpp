@@ -3,6 +3,7 @@
 #include "app/failure.h"
 #include "app/modMain.h"
 #include "app/modPhone.h"
+#include "app/states.h"
 #include "base/text.h"
 #include "ui/desk.h"
 
@@ -17,10 +18,6 @@ namespace {
 
 constexpr const char* kTag = "MR_frmSuppliers_Info";
 constexpr const char* kProduct = "Velmora Tillmark Professional";
-constexpr const char* kStates[] = {"AK", "AL", "AR", "AS", "AZ", "CA", "CO", "CT", "DC", "DE", "FL", "GA", "HI", "IA",
-                                   "ID", "IL", "IN", "KS", "KY", "LA", "MA", "MD", "ME", "MI", "MN", "MO", "MS", "MT",
-                                   "NC", "ND", "NE", "NH", "NJ", "NM", "NV", "NY", "OH", "OK", "OR", "PA", "PR", "RI",
-                                   "SC", "SD", "TN", "TX", "UT", "VA", "VT", "WA", "WI", "WV", "WY"};
 
 // The first entry that begins with the text, without case; -1 when none does or the text is empty.
 int entryBeginning(const ListBox& list, const std::string& text) {
@@ -98,9 +95,7 @@ void frmSuppliers_Info::FetchSupplierInfo(std::int16_t supplier) {
 }
 
 void frmSuppliers_Info::Init_ListBoxes() {
-    lbxState.clear();
-    for (const char* state : kStates)
-        lbxState.add(state);
+    fillStates(lbxState);
 }
 
 void frmSuppliers_Info::Form_Load() {

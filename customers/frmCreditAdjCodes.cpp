@@ -1,0 +1,80 @@
+#include "customers/frmCreditAdjCodes.h"
+
+#include "app/modMain.h"
+#include "base/text.h"
+#include "ui/desk.h"
+
+namespace merchantry::customers {
+
+using namespace app;
+using namespace ui;
+
+namespace {
+
+constexpr const char* kTag = "MR_frmCreditAdjCodes";
+constexpr const char* kProduct = "Velmora Tillmark Professional";
+constexpr const char* kNewCode = "Credit Adjustment Code";
+constexpr const char* kOther = "Other";
+constexpr int kCode = 1;
+
+// The next free key, a 16-bit number. Throws when there is no code at all.
+Value nextKey() {
+    const Value key = (*openDirect("SELECT MAX(CreditID)+1 FROM CreditCodes"))[0].Value();
+    if (key.isNull())
+        throw RunTimeError(94, "Invalid use of Null");
+    return std::int64_t{key.toInt16()};
+}
+
+} // namespace
+
+frmCreditAdjCodes::frmCreditAdjCodes(Desk& desk) : Form(desk, "frmCreditAdjCodes", "Credit Adjustment Codes") {
+    setIcon("items");
+    grdCodes.setColumns({{.heading = "ID", .hidden = true}, {.heading = "Code", .width = 2500}, {.heading = "Description", .width = 5200}});
+    grdCodes.emptyText = "No codes could be loaded.";
+    grdCodes.setToolTip("Type over a code or its description to change it. \"Other\" stands as it is.");
+    cmdDelete.isDanger = true;
+    CmdExit.isCancel = true;
+
+    grdCodes.endEdit = [](int, int, std::string& text) { text = trimmed(text).empty() ? kNewCode : text; };
+    cmdAdd.click = [this] { codes_.add(); };
+    cmdDelete.click = [this] { cmdDelete_Click(); };
+    CmdExit.click = [this] { unload(); };
+
+    setLayout(column({
+        title(lblHeading),
+        at(grdCodes).high(10).wide(72).stretched(),
+        buttons({at(cmdAdd), gap(), at(cmdDelete), stretch(), note("Each text is saved as you leave its cell"), at(CmdExit)}),
+    }));
+}
+
+CodeTable frmCreditAdjCodes::table() {
+    return {.procedure = "bsp_CreditAdjCodes",
+            .newRow =
+                [] {
+                    return std::vector<Value>{nextKey(), std::string(kNewCode)};
+                },
+            .fixed = [this](int row) { return grdCodes.text(row, kCode) == kOther; },
+            .stays = [](int) { return false; }, // asked before the question
+            .question = "Are you certain you wish to delete this Credit Adjustment Code?",
+            .questionCaption = "Delete Credit Adjustment Code?",
+            .loading = {kTag, "Form_Load"},
+            .adding = {kTag, "Add Credit Code"},
+            .removing = {.tag = kTag, .procedure = "Delete_Click", .plain = "The code was not deleted."}};
+}
+
+void frmCreditAdjCodes::Form_Load() {
+    codes_.load();
+}
+
+void frmCreditAdjCodes::Form_Unload(bool& /*cancel*/) {
+    codes_.release();
+}
+
+void frmCreditAdjCodes::cmdDelete_Click() {
+    if (grdCodes.selected() && sameText(grdCodes.text(grdCodes.row(), kCode), kOther))
+        desk().message("That Credit Adjustment Code cannot be deleted!", kProduct);
+    else
+        codes_.remove();
+}
+
+} // namespace merchantry::customers

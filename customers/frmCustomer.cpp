@@ -1,0 +1,345 @@
+#include "customers/frmCustomer.h"
+
+#include "app/modMain.h"
+#include "app/modPhone.h"
+#include "app/states.h"
+#include "base/guard.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "customers/frmCustomerShip.h"
+#include "ui/desk.h"
+
+namespace merchantry::customers {
+
+using namespace app;
+using namespace ui;
+using db::CursorType;
+using db::LockType;
+using db::Sql;
+
+namespace {
+
+constexpr const char* kTag = "frmCustomer";
+constexpr const char* kProduct = "Velmora Tillmark Professional";
+constexpr int kField = 0; // of the store's own fields
+constexpr int kFieldValue = 1;
+
+// The amount of a text as currency; an empty text and what is no amount stay.
+void showAsCurrency(TextBox& box) {
+    if (const auto amount = amountOf(box.text()))
+        box.setText(amount->toDisplay());
+}
+
+} // namespace
+
+frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Information") {
+    setIcon("item");
+    struct Bound {
+        Control* control;
+        const char* column;
+        int length;
+    };
+    const Bound bound[] = {{&FirstName, "FirstName", 50},
+                           {&LastName, "LastName", 50},
+                           {&Company, "Company", 100},
+                           {&Address, "Address", 100},
+                           {&Address2, "Address2", 100},
+                           {&City, "City", 50},
+                           {&Zip, "Zip", 20},
+                           {&Email, "Email", 100},
+                           {&ResaleNo, "ResaleNo", 50},
+                           {&StoreID, "StoreID", 9},
+                           {&LastUpdated, "LastUpdated", 0},
+                           {&Notes, "Notes", 0},
+                           {&cbxActive, "Active", 0},
+                           {&chkCharge, "ChargeAccount", 0},
+                           {&LayawayCustomer, "LayawayCustomer", 0},
+                           {&TaxExempt, "TaxExempt", 0},
+                           {&Employee, "Employee", 0},
+                           {&chkFinCharge, "AssessFinanceCharges", 0},
+                           {&txtCreditLimit, "AccountLimit", 0},
+                           {&txtAcctBalance, "Balance", 0},
+                           {&txtAPR, "APR", 0},
+                           {&txtMinFinChg, "MinFinChg", 0},
+                           {&txtGracePeriod, "OverdueAfter", 0}};
+    for (const Bound& one : bound) {
+        one.control->dataField = one.column;
+        if (auto* box = dynamic_cast<TextBox*>(one.control))
+            box->maxLength = one.length;
+    }
+    Notes.multiline = true;
+    for (TextBox* box : {&LastUpdated, &LastPurchaseDate, &TotalSales, &txtAcctBalance})
+        box->setLocked(true);
+    txtGracePeriod.setToolTip("Days after the due day.");
+    txtAPR.setToolTip("Percent a year.");
+    txtAcctBalance.setToolTip("The sum of what is open; Store Credit Adjustment changes it.");
+    for (TextBox* box : {&txtCreditLimit, &txtAcctBalance, &txtAPR, &txtMinFinChg, &txtGracePeriod, &TotalSales})
+        box->alignRight = true;
+    for (Control* control : controls())
+        if (auto* box = dynamic_cast<TextBox*>(control); box != nullptr && box != &Notes)
+            box->gotFocus = [box] { box->selectAll(); };
+    for (TextBox* box : {&txtPhone, &txtFax}) {
+        box->maxLength = 30;
+        takePhones(*box);
+        box->setToolTip("Ten digits are laid out as (555) 123-4567; any other number stays as you type it.");
+    }
+    lblDuplicate.oneLine = true;
+    for (TextBox* box : {&txtPhone, &Email})
+        box->lostFocus = [this, laidOut = box->lostFocus] {
+            if (laidOut)
+                laidOut();
+            noteDuplicate();
+        };
+    txtCreditLimit.validate = [this](bool& cancel) { checkNumber(txtCreditLimit, "You must enter a cedit limit amount", true, cancel); };
+    txtAPR.validate = [this](bool& cancel) { checkNumber(txtAPR, "You must enter a valid APR", false, cancel); };
+    txtGracePeriod.validate = [this](bool& cancel) { checkNumber(txtGracePeriod, "You must enter a valid Grace Period", false, cancel); };
+    txtMinFinChg.validate = [this](bool& cancel) {
+        checkNumber(txtMinFinChg, "You must enter a valid minimum finance charge", true, cancel);
+    };
+    vsfCustomFields.setColumns({{.heading = "Field", .characters = 24}, {.heading = "Value", .characters = 30}});
+    vsfCustomFields.emptyText = "The store has no fields of its own. Store, General Options makes them.";
+    vsfCustomFields.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kField; };
+    vsfCustomFields.afterEdit = [this](int row, int) { writeField(row); };
+    chkCharge.click = [this] { chkCharge_Click(); };
+    dcxTierID.click = dcxTierID.change = [this] { dcxTierID_Click(); };
+    cmdShipTo.click = [this] { this->desk().showModal(this->desk().form<frmCustomerShip>()); };
+    cmdSalesHist.click = [this] { cmdSalesHist_Click(); };
+    cmdUpdate.click = [this] { cmdUpdate_Click(); };
+    cmdCancel.click = [this] { unload(); };
+    cmdCancel.isCancel = true;
+    cmdUpdate.isDefault = true;
+    cmdCancel.setToolTip("Leaves without saving. A customer just added stays in the list as \"First Name\".");
+
+    asksBeforeLeaving({&vsfCustomFields});
+    setLayout(column({
+        title(lblHeading),
+        row({
+            fields({field("First &Name:", FirstName).wide(12), field("&Last Name:", LastName), field("C&ompany:", Company),
+                    field("&Address:", Address), field("Address &2:", Address2), field("Cit&y:", City)})
+                .stretched(),
+            gap(),
+            fields({field("Stat&e:", cboState).wide(12), field("&Zip:", Zip), field("&Phone:", txtPhone), field("&Fax:", txtFax),
+                    field("E&mail:", Email), field("Last updated:", LastUpdated)})
+                .stretched(),
+            gap(),
+            column({fields({field("Price t&ier:", dcxTierID).wide(12), field("&Resale no.:", ResaleNo), field("Store:", StoreID),
+                            field("Sales in all:", TotalSales), field("Last purchase:", LastPurchaseDate)}),
+                    at(lblDuplicate).wide(20)})
+                .stretched(),
+        }),
+        row({at(cbxActive), at(LayawayCustomer), at(TaxExempt), at(Employee), gap(), at(chkCharge)}),
+        row({
+                box("Account",
+                    row({column({fields({field(lblCreditLimitT, txtCreditLimit).wide(10), field(lblAcctBalanceT, txtAcctBalance)}),
+                                 at(chkFinCharge)}),
+                         fields({field(lblAPRT, txtAPR).wide(7), field(lblMinFinChgT, txtMinFinChg),
+                                 field(lblGracePeriodT, txtGracePeriod)})})),
+                column({at(vsfCustomFields).high(2).wide(20).stretched(), fields({field("No&tes:", Notes).high(1)})}).stretched(),
+            })
+            .stretched(),
+        buttons({at(cmdShipTo), at(cmdSalesHist), stretch(), note("Update saves and closes"), at(cmdCancel), at(cmdUpdate)}),
+    }));
+    offer("FetchCustomerData", [this](const auto&) {
+        FetchCustomerData();
+        return std::string();
+    });
+}
+
+void frmCustomer::Form_Load() {
+    guarded({kTag, "Form_Load"}, [this] {
+        loading_ = true;
+        const AtEnd loaded([this] { loading_ = false; });
+        load();
+    });
+    EnableCreditFields();
+    FetchCustomerData();
+    nothingUnsaved();
+}
+
+void frmCustomer::load() {
+    tiers_ = openDirect("Select * from TierDefs", CursorType::Static);
+    dcxTierID.fill(*tiers_, "TierName");
+    customer_ = openDirect(Sql("Select * from Customer where ID = ") + CustomerID, CursorType::Keyset, LockType::Optimistic);
+    if (customer_->Eof())
+        throw RunTimeError(3021, "The customer is not there any more.");
+    tiers_->MoveFirst();
+    tiers_->Find("TierID = " + (*customer_)["TierID"].text());
+    if (tiers_->onRow())
+        dcxTierID.setText((*tiers_)["TierName"].text());
+    modMain().Conn->Execute(Sql("bsp_CustomerFields ") + CustomerID);
+    showFields();
+    data_.setRecordset(customer_);
+    BindControls(*this, data_);
+    LastPurchaseDate.setText((*customer_)["LastPurchaseDate"].text());
+    for (TextBox* box : {&txtCreditLimit, &txtAcctBalance, &txtMinFinChg})
+        showAsCurrency(*box);
+}
+
+// The statement that lists them lacks half of their key, so a cell is written by rows of its own.
+void frmCustomer::showFields() {
+    const auto listed =
+        openDirect(Sql("Select CustFieldName As Field, FieldValue As [Value] from CustomFieldValues where CustID = ") + CustomerID,
+                   CursorType::Keyset, LockType::Optimistic);
+    closeRows(fields_);
+    fields_ = openDirect(Sql("Select * from CustomFieldValues where CustID = ") + CustomerID, CursorType::Keyset, LockType::Optimistic);
+    vsfCustomFields.setDataRows(0);
+    for (; !listed->Eof(); listed->MoveNext())
+        vsfCustomFields.addRow({(*listed)["Field"].text(), (*listed)["Value"].text()});
+}
+
+// What the store refuses is reported, and the grid shows what it holds.
+void frmCustomer::writeField(int row) {
+    const bool written = guarded({.tag = kTag, .procedure = "CustomFields_AfterEdit", .plain = "The field was not saved."}, [&] {
+        fields_->MoveFirst();
+        while (!fields_->Eof() && (*fields_)["CustFieldName"].text() != vsfCustomFields.text(row, kField))
+            fields_->MoveNext();
+        const std::string text = vsfCustomFields.text(row, kFieldValue);
+        (*fields_)["FieldValue"] = text.empty() ? Value() : Value(text);
+        fields_->Update();
+    });
+    if (!written)
+        guarded({kTag, "CustomFields_AfterEdit"}, [this] { showFields(); });
+}
+
+void frmCustomer::Form_Activate() {
+    guarded({kTag, "Form_Activate"}, [this] { showSales(); });
+    FirstName.setFocus();
+}
+
+// The total stands as the column gives it.
+void frmCustomer::showSales() {
+    const auto sales = openDirect(Sql("SELECT SUM(TransactionEntry.FullPrice * TransactionEntry.Quantity) AS Total, "
+                                      "MAX([Transaction].[Time]) AS LastDate FROM Customer "
+                                      "INNER JOIN [Transaction] ON Customer.ID = [Transaction].CustomerID INNER JOIN TransactionEntry ON "
+                                      "[Transaction].TransactionNumber = TransactionEntry.TransactionNumber WHERE Customer.ID = ") +
+                                  CustomerID);
+    TotalSales.setText("$" + (*sales)["Total"].text());
+    if (!(*sales)["LastDate"].isNull())
+        LastPurchaseDate.setText((*sales)["LastDate"].text());
+}
+
+void frmCustomer::Form_Unload(bool& /*cancel*/) {
+    data_.setRecordset(nullptr);
+    for (db::RecordsetPtr* rows : {&customer_, &tiers_, &fields_})
+        closeRows(*rows);
+}
+
+void frmCustomer::FetchCustomerData() {
+    guarded({kTag, "FetchCustomerData"}, [this] { fetchData(); });
+}
+
+void frmCustomer::fetchData() {
+    fillStates(cboState);
+    SetPhone("", txtPhone);
+    SetPhone("", txtFax);
+    const auto row = openDirect(Sql("sp_GetCustomerData ") + CustomerID);
+    if (row->Eof())
+        return;
+    SetPhone((*row)["PhoneNumber"].text(), txtPhone);
+    SetPhone((*row)["FaxNumber"].text(), txtFax);
+    const std::string state = (*row)["State"].text();
+    for (int i = 0; i < cboState.count(); ++i)
+        if (cboState.entries()[static_cast<std::size_t>(i)].text == state)
+            cboState.setListIndex(i);
+}
+
+void frmCustomer::EnableCreditFields() {
+    Control* const terms[] = {&chkFinCharge, &lblCreditLimitT, &txtCreditLimit, &txtAcctBalance,  &lblAcctBalanceT, &lblAPRT,
+                              &txtAPR,       &lblMinFinChgT,   &txtMinFinChg,   &lblGracePeriodT, &txtGracePeriod};
+    for (Control* control : terms)
+        control->setEnabled(chkCharge.value());
+}
+
+void frmCustomer::chkCharge_Click() {
+    if (loading_)
+        return;
+    EnableCreditFields();
+    if (chkCharge.value())
+        LoadCreditDefaults();
+}
+
+void frmCustomer::LoadCreditDefaults() {
+    guarded({kTag, "LoadCreditDefaults"}, [this] {
+        const auto options = openDirect(Sql("bsp_GetStoreCreditOptions 1, ") + CustomerID);
+        const auto given = [&](const char* column) { return !options->Eof() && !(*options)[column].isNull(); };
+        finChargeDefault_ = given("FinChargeDefault") ? (*options)["FinChargeDefault"].Value().toInt16() : std::int16_t{1};
+        aprDefault_ = given("FinAPR") ? (*options)["FinAPR"].Value().toNumber() : 20;
+        overdueDefault_ = given("OverdueAfter") ? (*options)["OverdueAfter"].Value().toInt16() : std::int16_t{15};
+        minFinChgDefault_ = given("MinFinChg") ? (*options)["MinFinChg"].Value().toNumber() : 5;
+        applyDefaults();
+    });
+}
+
+// What the customer has stays.
+void frmCustomer::applyDefaults() {
+    chkFinCharge.setValue(finChargeDefault_ != 0);
+    if (txtAPR.text().empty())
+        txtAPR.setText(Value(aprDefault_).toText());
+    if (txtGracePeriod.text().empty())
+        txtGracePeriod.setText(std::to_string(overdueDefault_));
+    if (txtMinFinChg.text().empty())
+        txtMinFinChg.setText(Currency::fromDouble(minFinChgDefault_).toDisplay());
+}
+
+void frmCustomer::dcxTierID_Click() {
+    if (customer_ == nullptr || tiers_ == nullptr)
+        return;
+    guarded({kTag, "dcxTierID_Change"}, [this] { FillFieldFromCombo(dcxTierID, *customer_, "TierID", *tiers_, "TierName"); });
+}
+
+void frmCustomer::checkNumber(TextBox& box, const char* refusal, bool money, bool& cancel) {
+    if (!isNumeric(box.text())) {
+        desk().message(refusal, kProduct);
+        cancel = true;
+    } else if (money) {
+        showAsCurrency(box);
+    }
+}
+
+bool frmCustomer::refused(TextBox& box, const char* message) {
+    if (IsPhoneValid(box.text(), box) || IsPhoneEmpty(box))
+        return false;
+    desk().message(message, kProduct, MessageIcon::Information);
+    box.setFocus();
+    return true;
+}
+
+// Only a note: families share numbers.
+void frmCustomer::noteDuplicate() {
+    guarded({kTag, "NoteDuplicate"}, [this] {
+        const auto others = openBroker("bsp_CustomersAlike", db::CommandType::StoredProcedure, db::CursorType::Static, LockType::ReadOnly,
+                                       {intParameter("CustomerID", CustomerID), textParameter("PhoneNumber", 30, GetPhone(txtPhone)),
+                                        textParameter("Email", 100, std::string(trimmed(Email.text())))});
+        lblDuplicate.setCaption(others->Eof() ? ""
+                                              : "Also of " + (*others)["Name"].text() + ": the same " + (*others)["What"].text() + ".");
+    });
+}
+
+void frmCustomer::cmdUpdate_Click() {
+    if (customer_ == nullptr)
+        return unload();
+    if (refused(txtPhone, "Invalid phone number. Please reenter.") || refused(txtFax, "Invalid fax number. Please reenter."))
+        return;
+    if (guarded({.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The customer was not saved in full."}, [this] { write(); })) {
+        nothingUnsaved();
+        unload();
+    }
+}
+
+// The row first, then what is not bound; a failure between the two leaves the row written.
+void frmCustomer::write() {
+    txtAcctBalance.setText((*customer_)["Balance"].text()); // shown rounded, and the postings' own
+    data_.collect();
+    (*customer_)["LastUpdated"] = Value(desk().clock().now());
+    customer_->Update();
+    modMain().Conn->Execute(Sql("sp_SetCustomerData ") + CustomerID + ", '" + GetPhone(txtPhone) + "', '" + GetPhone(txtFax) + "', '" +
+                            cboState.text() + "'");
+}
+
+void frmCustomer::cmdSalesHist_Click() {
+    guarded({kTag, "cmdSalesHist_Click"}, [this] {
+        modMain().doors.ReportWindow("CustSalesHist.rpt", {std::to_string(CustomerID), "", ""}, true, true);
+    });
+}
+
+} // namespace merchantry::customers

@@ -1,0 +1,120 @@
+#include "customers/frmCustomerShip.h"
+
+#include "app/modMain.h"
+#include "app/modPhone.h"
+#include "app/states.h"
+#include "customers/frmCustomer.h"
+#include "ui/desk.h"
+
+namespace merchantry::customers {
+
+using namespace app;
+using namespace ui;
+using db::CursorType;
+using db::LockType;
+using db::Sql;
+
+namespace {
+
+constexpr const char* kTag = "frmCustomerShip";
+constexpr const char* kProduct = "Velmora Tillmark Professional";
+
+} // namespace
+
+frmCustomerShip::frmCustomerShip(Desk& desk) : Form(desk, "frmCustomerShip", "Shipping Address") {
+    setIcon("item");
+    struct Bound {
+        TextBox* box;
+        const char* column;
+        int length;
+    };
+    const Bound bound[] = {{&FirstName, "FirstName", 50}, {&LastName, "LastName", 50}, {&Attn, "Attn", 100},
+                           {&Company, "Company", 100},    {&Address, "Address", 100},  {&Address2, "Address2", 100},
+                           {&City, "City", 50},           {&Zip, "Zip", 20},           {&Email, "Email", 100}};
+    for (const Bound& one : bound) {
+        one.box->dataField = one.column;
+        one.box->maxLength = one.length;
+        one.box->gotFocus = [box = one.box] { box->selectAll(); };
+    }
+    for (TextBox* box : {&txtPhone, &txtFax}) {
+        box->maxLength = 30;
+        takePhones(*box);
+    }
+    cboState.setToolTip("Shown only: a state chosen here is not kept. The registers keep it.");
+    cmdUpdate.click = [this] { cmdUpdate_Click(); };
+    cmdCancel.click = cmdExit.click = [this] { unload(); };
+    cmdCancel.isCancel = true;
+    cmdUpdate.isDefault = true;
+
+    asksBeforeLeaving();
+    setLayout(column({
+        title(lblHeading),
+        at(lblNone),
+        row({fields({field("First &Name:", FirstName).wide(24), field("&Last Name:", LastName), field("A&ttention:", Attn),
+                     field("C&ompany:", Company), field("&Address:", Address), field("Address &2:", Address2)})
+                 .stretched(),
+             gap(),
+             fields({field("Cit&y:", City).wide(24), field("&State:", cboState), field("&Zip:", Zip), field("&Phone:", txtPhone),
+                     field("&Fax:", txtFax), field("&Email:", Email)})
+                 .stretched()}),
+        buttons({stretch(), note("Update saves and closes; the state is shown only"), at(cmdExit), at(cmdCancel), at(cmdUpdate)}),
+    }));
+}
+
+void frmCustomerShip::Form_Load() {
+    fillStates(cboState);
+    guarded({kTag, "Form_Load"}, [this] {
+        address_ = openDirect(Sql("Select * from ShipAddresses where CustomerID = ") + desk().form<frmCustomer>().CustomerID,
+                              CursorType::Keyset, LockType::Optimistic);
+        data_.setRecordset(address_);
+        BindControls(*this, data_);
+        lblNone.setVisible(address_->Eof());
+    });
+    FetchShipData();
+    nothingUnsaved();
+}
+
+void frmCustomerShip::FetchShipData() {
+    guarded({kTag, "FetchShipData"}, [this] {
+        if (address_ == nullptr || address_->Eof())
+            return;
+        SetPhone((*address_)["PhoneNumber"].text(), txtPhone);
+        SetPhone((*address_)["FaxNumber"].text(), txtFax);
+        if (!(*address_)["State"].isNull())
+            cboState.setText((*address_)["State"].text());
+    });
+}
+
+void frmCustomerShip::Form_Unload(bool& /*cancel*/) {
+    data_.setRecordset(nullptr);
+    closeRows(address_);
+}
+
+bool frmCustomerShip::refused(TextBox& box, const char* message) {
+    if (IsPhoneValid(box.text(), box) || IsPhoneEmpty(box))
+        return false;
+    desk().message(message, kProduct, MessageIcon::Information);
+    box.setFocus();
+    return true;
+}
+
+void frmCustomerShip::cmdUpdate_Click() {
+    if (refused(txtPhone, "Invalid phone number. Please reenter.") || refused(txtFax, "Invalid fax number. Please reenter."))
+        return;
+    const bool written = guarded({.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The address was not saved."}, [this] {
+        if (address_ == nullptr || !address_->onRow()) {
+            desk().status("Nothing was saved: this customer has no shipping address.");
+            return;
+        }
+        data_.collect();
+        (*address_)["PhoneNumber"] = Value(GetPhone(txtPhone));
+        (*address_)["FaxNumber"] = Value(GetPhone(txtFax));
+        address_->Update();
+    });
+    if (!written)
+        return;
+    nothingUnsaved();
+    unload();
+}
+
+} // namespace merchantry::customers
