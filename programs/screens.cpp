@@ -24,6 +24,7 @@
 #include "customers/frmCustomer.h"
 #include "customers/frmCustomerShip.h"
 #include "customers/frmCustomerView.h"
+#include "customers/frmStatements.h"
 #include "customers/frmStoreCreditUdjustment.h"
 #include "inventory/frmInvReasonCodes.h"
 #include "inventory/frmInventory.h"
@@ -110,6 +111,7 @@ constexpr Screen kScreens[] = {
     {"frmCustomerView", instanceOf<customers::frmCustomerView>, true},
     {"frmCustomer", instanceOf<customers::frmCustomer>, false},
     {"frmCustomerShip", instanceOf<customers::frmCustomerShip>, false},
+    {"frmStatements", instanceOf<customers::frmStatements>, false},
     {"frmStoreCreditUdjustment", instanceOf<customers::frmStoreCreditUdjustment>, true},
     {"frmCreditAdjCodes", instanceOf<customers::frmCreditAdjCodes>, true},
     {"frmDepartments", instanceOf<setup::frmDepartments>, true},
@@ -195,6 +197,12 @@ void bindDoors(ui::Desk& desk) {
         window.Report = report;
         window.Title = title;
         desk.showModal(window);
+    };
+    doors.CustomerStatements = [&desk](int store, int cashier) {
+        auto& statements = desk.form<customers::frmStatements>();
+        statements.StoreId = store;
+        statements.CashierId = cashier;
+        desk.showModal(statements);
     };
     doors.OrderReport = [&desk](std::int16_t type, const std::string& number, const std::string& criteria) {
         auto& view = desk.form<reports::frmPurchaseOrder_View>();

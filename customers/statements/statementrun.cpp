@@ -15,6 +15,8 @@ constexpr int kUsualBillingDay = 5;
 constexpr int kFlushEvery = 256; // customers between two looks at the progress
 constexpr const char* kPaymentCode = "Payment";
 constexpr const char* kFinanceCode = "Finance Charge";
+constexpr const char* kNameOf =
+    "ISNULL(NULLIF(LTRIM(RTRIM(ISNULL(c.FirstName, '') + ' ' + ISNULL(c.LastName, ''))), ''), ISNULL(c.Company, ''))";
 
 struct Stopped {};
 
@@ -62,11 +64,11 @@ std::vector<Holder> holders(db::Session& session, Date asAt) {
         all.push_back(std::move(one));
     });
     session.execute(
-        "SELECT c.ID, ISNULL(NULLIF(LTRIM(RTRIM(ISNULL(c.FirstName, '') + ' ' + ISNULL(c.LastName, ''))), ''), ISNULL(c.Company, '')), "
-        "c.ChargeAccount, c.AssessFinanceCharges, ISNULL(c.APR, ISNULL(o.FinAPR, 20)), ISNULL(c.MinFinChg, ISNULL(o.MinFinChg, 5)), "
-        "ISNULL(c.OverdueAfter, ISNULL(o.OverdueAfter, 15)), s.AsAt FROM Customer c CROSS JOIN StoreOptions o "
-        "LEFT JOIN (SELECT t.CustomerID, MAX(r.AsAt) AS AsAt FROM Statement t INNER JOIN StatementRun r ON r.RunID = t.RunID "
-        "WHERE r.AsAt < " +
+        std::string("SELECT c.ID, ") + kNameOf +
+            ", c.ChargeAccount, c.AssessFinanceCharges, ISNULL(c.APR, ISNULL(o.FinAPR, 20)), ISNULL(c.MinFinChg, ISNULL(o.MinFinChg, 5)), "
+            "ISNULL(c.OverdueAfter, ISNULL(o.OverdueAfter, 15)), s.AsAt FROM Customer c CROSS JOIN StoreOptions o "
+            "LEFT JOIN (SELECT t.CustomerID, MAX(r.AsAt) AS AsAt FROM Statement t INNER JOIN StatementRun r ON r.RunID = t.RunID "
+            "WHERE r.AsAt < " +
             sqlDay(asAt) + " GROUP BY t.CustomerID) s ON s.CustomerID = c.ID ORDER BY c.ID",
         rows);
     return all;
@@ -173,6 +175,26 @@ std::vector<CustomerStatement> drawAll(db::Session& session, Date asAt, const Ru
     return drawn;
 }
 
+void addUp(StatementRun& run) {
+    for (const CustomerStatement& one : run.statements) {
+        run.financeCharges += one.figures.financeCharge;
+        run.balances += one.figures.balance;
+    }
+}
+
+CustomerStatement postedOne(const RowView& row) {
+    CustomerStatement one{static_cast<std::int32_t>(row.number(0)), std::string(trimmed(row.text(1))), {}};
+    Statement& s = one.figures;
+    if (!row.isNull(2))
+        s.since = Date::fromMs(row.number(2));
+    int next = 3;
+    for (Currency* amount : {&s.broughtForward, &s.charged, &s.paid, &s.credited, &s.financeCharge, &s.balance, &s.ages.notDue,
+                             &s.ages.days30, &s.ages.days60, &s.ages.days90, &s.ages.over90, &s.ages.unapplied})
+        *amount = moneyOf(row, next++);
+    s.reckoning = row.text(next);
+    return one;
+}
+
 bool sameFigures(const StatementRun& run, const std::vector<CustomerStatement>& again) {
     return std::equal(run.statements.begin(), run.statements.end(), again.begin(), again.end(), [](const auto& a, const auto& b) {
         return a.customer == b.customer && a.figures.balance == b.figures.balance && a.figures.reckoning == b.figures.reckoning &&
@@ -180,10 +202,10 @@ bool sameFigures(const StatementRun& run, const std::vector<CustomerStatement>& 
     });
 }
 
-std::int32_t newRun(db::Session& session, Date asAt) {
+std::int32_t newRun(db::Session& session, Date asAt, int store, int cashier) {
     std::int32_t number = 0;
     Rows rows([&](const RowView& row) { number = static_cast<std::int32_t>(row.number(0)); });
-    session.execute("EXEC bsp_NewStatementRun " + sqlDay(asAt) + ", 1, 5", rows);
+    session.execute("EXEC bsp_NewStatementRun " + sqlDay(asAt) + ", " + std::to_string(store) + ", " + std::to_string(cashier), rows);
     return number;
 }
 
@@ -235,18 +257,15 @@ StatementRun drawUpStatements(db::Session& session, Date asAt, const RunProgress
     } catch (const Stopped&) {
         run.stopped = true;
     }
-    for (const CustomerStatement& one : run.statements) {
-        run.financeCharges += one.figures.financeCharge;
-        run.balances += one.figures.balance;
-    }
+    addUp(run);
     progress(100);
     return run;
 }
 
-std::int32_t postStatements(db::Session& session, const StatementRun& run, const RunProgress& progress) {
+std::int32_t postStatements(db::Session& session, const StatementRun& run, const RunProgress& progress, int store, int cashier) {
     db::Work work(session);
     try {
-        const std::int32_t number = newRun(session, run.asAt);
+        const std::int32_t number = newRun(session, run.asAt, store, cashier);
         if (!sameFigures(run, drawAll(session, run.asAt, [&](int percent) { return progress(percent / 2); })))
             throw AccountsChanged();
         PostedStatement posted(number);
@@ -261,6 +280,23 @@ std::int32_t postStatements(db::Session& session, const StatementRun& run, const
     } catch (const Stopped&) {
         return 0;
     }
+}
+
+StatementRun postedStatements(db::Session& session, std::int32_t run) {
+    StatementRun posted;
+    Rows day([&](const RowView& row) { posted.asAt = Date::fromMs(row.number(0)); });
+    const std::string number = std::to_string(run);
+    session.execute("SELECT AsAt FROM StatementRun WHERE RunID = " + number, day);
+    Rows rows([&](const RowView& row) { posted.statements.push_back(postedOne(row)); });
+    session.execute(
+        std::string("SELECT c.ID, ") + kNameOf +
+            ", s.Since, s.BroughtForward, s.Charged, s.Paid, s.Credited, s.FinanceCharge, s.Balance, s.NotDue, s.Days30, s.Days60, "
+            "s.Days90, s.Over90, s.Unapplied, ISNULL(s.Reckoning, '') FROM Statement s INNER JOIN Customer c ON c.ID = s.CustomerID "
+            "WHERE s.RunID = " +
+            number + " ORDER BY c.ID",
+        rows);
+    addUp(posted);
+    return posted;
 }
 
 } // namespace merchantry::customers

@@ -47,6 +47,9 @@ StatementRun drawUpStatements(db::Session& session, Date asAt, const RunProgress
 // Posts the run in one transaction: its finance charges, a posting for each customer that has one, and the statements. All of it or
 // nothing. The number of the run, 0 when it was stopped. Throws AccountsChanged when drawing it up again gives other figures, and DbError,
 // with a sentence when that day, or a later one, was posted.
-std::int32_t postStatements(db::Session& session, const StatementRun& run, const RunProgress& progress);
+std::int32_t postStatements(db::Session& session, const StatementRun& run, const RunProgress& progress, int store = 1, int cashier = 5);
+
+// The statements of a run as they were posted; none for an unknown number. Throws DbError.
+StatementRun postedStatements(db::Session& session, std::int32_t run);
 
 } // namespace merchantry::customers

@@ -210,22 +210,6 @@ ColumnDefinition column(Table& table) {
     return column;
 }
 
-GroupDefinition group(Table& table) {
-    GroupDefinition group;
-    group.line = table.line();
-    table.read("field", group.field);
-    if (group.field.empty())
-        table.failHere("A group wants its \"field\".");
-    table.read("order", group.order);
-    table.read("header", group.header);
-    table.read("footer", group.footer);
-    table.read("page_break", group.pageBreak);
-    table.read("keep", group.keep, 0, 50);
-    table.read("details", group.details);
-    table.finish();
-    return group;
-}
-
 TextLine textLine(Table& table, bool inBlocks) {
     TextLine line;
     line.line = table.line();
@@ -240,6 +224,26 @@ TextLine textLine(Table& table, bool inBlocks) {
     }
     table.finish();
     return line;
+}
+
+GroupDefinition group(Table& table) {
+    GroupDefinition group;
+    group.line = table.line();
+    table.read("field", group.field);
+    if (group.field.empty())
+        table.failHere("A group wants its \"field\".");
+    table.read("order", group.order);
+    table.read("header", group.header);
+    table.read("footer", group.footer);
+    table.read("page_break", group.pageBreak);
+    table.read("keep", group.keep, 0, 50);
+    table.read("details", group.details);
+    for (auto [name, lines] : {std::pair{"head", &group.head}, std::pair{"below", &group.below}, std::pair{"slip", &group.slip}})
+        for (Table& one : table.list(name, "a line"))
+            lines->push_back(textLine(one, true));
+    table.read("top", group.top, 0, 8);
+    table.finish();
+    return group;
 }
 
 ChartDefinition chart(Table& table) {

@@ -64,17 +64,6 @@ struct ColumnDefinition {
     int line = 0;
 };
 
-struct GroupDefinition {
-    std::string field;
-    std::string order; // empty: the field
-    std::string header;
-    std::string footer;
-    bool pageBreak = false;
-    bool details = true;
-    int keep = 2; // rows on the page of the header
-    int line = 0;
-};
-
 // A line of a form's head or foot, or of a label.
 struct TextLine {
     std::string text; // with fields in braces, "{Price:money}" with their format
@@ -82,6 +71,21 @@ struct TextLine {
     bool bold = false;
     Align align = Align::Left;
     bool rightBlock = false; // of a head or foot: in the block at the right
+    int line = 0;
+};
+
+struct GroupDefinition {
+    std::string field;
+    std::string order; // empty: the field
+    std::string header;
+    std::string footer;
+    bool pageBreak = false;
+    bool details = true;
+    int keep = 2;                // rows on the page of the header
+    std::vector<TextLine> head;  // in the place of the header's line, the columns' headings below: each group is a form of its own
+    double top = 0;              // inches of the page above it, at least
+    std::vector<TextLine> below; // after its total line
+    std::vector<TextLine> slip;  // at the foot of its last page, under a line
     int line = 0;
 };
 

@@ -89,7 +89,8 @@ public:
         if (number_ == 0 && !first())
             return false;
         if (!at.foot) {
-            headings();
+            if (!beginsForm(at.walk))
+                headings();
             goOn(at);
             if (!rows(at, tree))
                 return true;
@@ -204,7 +205,7 @@ private:
     }
 
     // The lines of a form's head or foot: two blocks side by side when some stand at the right.
-    void blocks(const std::vector<TextLine>& lines) {
+    void blocks(const std::vector<TextLine>& lines, int ofRow = 0) {
         const db::RowStore& rows = layout_.outline_.rows();
         const bool two = std::any_of(lines.begin(), lines.end(), [](const TextLine& line) { return line.rightBlock; });
         const int width = two ? inner() / 2 - kGap : inner();
@@ -214,7 +215,7 @@ private:
         for (const TextLine& line : lines) {
             int& end = line.rightBlock ? rightEnd : leftEnd;
             const int size = line.size > 0 ? static_cast<int>(line.size * 2) : layout_.body_;
-            const std::string words = FieldText(line.text, rows, definition().file.filename().string(), line.line).in(rows, 0);
+            const std::string words = FieldText(line.text, rows, definition().file.filename().string(), line.line).in(rows, ofRow);
             if (words.empty()) // an address line that is not there leaves no gap
                 continue;
             for (const std::string& part : wrapped(layout_.measure_, words, width, size, line.bold)) {
@@ -250,6 +251,43 @@ private:
         y_ += 40;
     }
 
+    const GroupDefinition& groupAt(int level) const { return definition().groups[static_cast<std::size_t>(level)]; }
+
+    // Whether the next line is a group's head of its own, with the headings below.
+    bool beginsForm(const Walk& walk) const {
+        Walk ahead = walk;
+        return ahead.peek() == Band::Kind::Header && !groupAt(ahead.take(false).group).head.empty();
+    }
+
+    void form(const Band& header) {
+        const GroupDefinition& group = groupAt(header.group);
+        y_ = std::max(y_, static_cast<int>(group.top * kInch));
+        blocks(group.head, header.row);
+        headings();
+    }
+    // The slip's place is the foot of the page; room() saw to it that there is some.
+    void ended(const Band& footer) {
+        const GroupDefinition& group = groupAt(footer.group);
+        if (!group.below.empty()) {
+            y_ += kAfterHead;
+            blocks(group.below, footer.row);
+        }
+        if (group.slip.empty())
+            return;
+        y_ = std::max(y_, bottom_ - blockHeight(group.slip, footer.row));
+        rule(y_, ui::PageInk::Grey);
+        y_ += kAfterHead;
+        blocks(group.slip, footer.row);
+    }
+    // With the distance above.
+    int blockHeight(const std::vector<TextLine>& lines, int ofRow) const {
+        if (lines.empty())
+            return 0;
+        Filler measure(layout_, nullptr, number_);
+        measure.blocks(lines, ofRow);
+        return measure.y_ + kAfterHead;
+    }
+
     // What goes on from the page before is named again.
     void goOn(const Start& at) {
         Walk walk = at.walk;
@@ -283,9 +321,15 @@ private:
             const Band next = ahead.take(false);
             const GroupDefinition& group = definition().groups[static_cast<std::size_t>(next.group)];
             const int deeper = layout_.outline_.groupCount() - next.group;
-            return deeper * (row + 20) + group.keep * row;
+            const int head = group.head.empty() ? 0 : blockHeight(group.head, next.row) + layout_.headingLines_ * row;
+            return deeper * (row + 20) + group.keep * row + head;
         }
-        case Band::Kind::Footer:
+        case Band::Kind::Footer: {
+            Walk ahead = walk;
+            const Band next = ahead.take(false);
+            const GroupDefinition& group = groupAt(next.group);
+            return row + 60 + blockHeight(group.below, next.row) + blockHeight(group.slip, next.row);
+        }
         case Band::Kind::Total:
             return row + 60;
         case Band::Kind::Row:
@@ -338,7 +382,9 @@ private:
     void draw(const Band& next, std::vector<std::string>& above) {
         switch (next.kind) {
         case Band::Kind::Header:
-            if (!next.label.empty())
+            if (!groupAt(next.group).head.empty())
+                form(next);
+            else if (!next.label.empty())
                 groupLine(next.label, next.group);
             above.clear();
             break;
@@ -347,6 +393,7 @@ private:
             break;
         case Band::Kind::Footer:
             drawTotals(next, definition().groups.back().details);
+            ended(next);
             break;
         case Band::Kind::Total:
             rule(y_ + 10, ui::PageInk::Black);

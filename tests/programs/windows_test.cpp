@@ -150,9 +150,9 @@ public:
     std::string complaints;
 
 private:
-    // Labels that are told to show "$" and a column's text.
-    inline static const std::set<std::string_view> kAsTheyStand{"lblCostAmt", "lblPriceCostAmt", "lblRetailUnitPriceAmt",
-                                                                "lblSupRetailPrice", "lblPriceSaleAmt"};
+    // Labels that are told to show "$" and a column's text, and the sentence of a statement's reckoning.
+    inline static const std::set<std::string_view> kAsTheyStand{"lblCostAmt",        "lblPriceCostAmt", "lblRetailUnitPriceAmt",
+                                                                "lblSupRetailPrice", "lblPriceSaleAmt", "lblReckoning"};
 
     void look(const ui::Grid& grid) {
         static const std::regex money(R"(\b(Costs?|Price|New Price|Amount|Ext\.|Average|SalePrice)\b)");

@@ -67,6 +67,46 @@ header = "{Department}"
 footer = "Total {Department}"
 )";
 
+TEST_F(Layouts, AGroupCanBeALetterWithASlipAtTheFoot) {
+    sell("('Toys', 'Ball', 2, 10, 4), ('Food', 'Jam', 3, 12, 4), ('Food', 'Tea', 1, 2, 1)");
+    layOut(R"(title = "Letters"
+[query]
+sql = "SELECT 1"
+[page]
+grand_total = ""
+[[column]]
+field = "Item"
+[[column]]
+field = "Amount"
+total = "sum"
+[[group]]
+field = "Department"
+header = "{Department}"
+footer = "Sum"
+page_break = true
+top = 2
+head = [{ text = "To {Department}" }, { text = "Dated", right = true }]
+below = [{ text = "Thank you, {Department}." }]
+slip = [{ text = "Return this." }]
+)");
+    ASSERT_EQ(layout->count(), 2);
+    for (const int number : {0, 1}) {
+        const std::string text = pageText(layout->page(number));
+        const std::string name = number == 0 ? "Food" : "Toys";
+        std::size_t at = 0;
+        for (const std::string& expected : {"To " + name, std::string("Dated"), std::string("Item"), std::string("Sum"),
+                                            "Thank you, " + name + ".", std::string("----\n       Return this.")}) {
+            const std::size_t found = text.find(expected, at);
+            ASSERT_NE(found, std::string::npos) << expected << " in\n" << text;
+            at = found;
+        }
+        for (const ui::PageItem& item : layout->page(number).items) {
+            EXPECT_TRUE(item.text != "To " + name || item.y == 2 * 1440) << item.y;
+            EXPECT_TRUE(item.text != "Return this." || item.y > 9 * 1440) << item.y;
+        }
+    }
+}
+
 TEST_F(Layouts, GroupsAddUpAndMarginsComeFromTotals) {
     sell("('Toys', 'Ball', 2, 10, 4), ('Toys', 'Kite', 1, 30, 21), ('Food', 'Jam', 3, 12.3456, 12.3456), ('Food', NULL, NULL, NULL, NULL)");
     const std::string page = pageText(layOut(kReport).page(0));

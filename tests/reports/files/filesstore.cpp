@@ -1,6 +1,7 @@
 #include "tests/reports/files/filesstore.h"
 
 #include "app/db/schema/schema.h"
+#include "customers/statements/statementrun.h"
 #include "demo/demostore.h"
 #include "tests/scratchfolder.h"
 
@@ -40,6 +41,8 @@ struct Made {
             [](int) {});
         db::NoResult none;
         session->execute(kMore, none);
+        const auto going = [](int) { return true; };
+        customers::postStatements(*session, customers::drawUpStatements(*session, *Date::fromParts(2026, 11, 5), going), going);
     }
     ScratchFolder folder;
     std::shared_ptr<db::Store> store;
@@ -66,6 +69,8 @@ ParameterTexts parametersFor(const std::string& file, db::Session& session) {
         return {cell("SELECT MAX(POID) FROM PurchaseOrder"), "0"};
     if (file == "POReceipt.rpt" || file == "POCancel.rpt")
         return {cell("SELECT MAX(POID) FROM PurchaseOrder"), file == "POReceipt.rpt" ? "30001" : "7"};
+    if (file == "CustomerStatement.rpt")
+        return {cell("SELECT MAX(RunID) FROM StatementRun")};
     if (file.ends_with("Qty.rpt"))
         return {"2", ""};
     if (file.ends_with("Rcpt.rpt"))
