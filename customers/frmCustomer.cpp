@@ -114,15 +114,15 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
     setLayout(column({
         title(lblHeading),
         row({
-            fields({field("First &Name:", FirstName).wide(12), field("&Last Name:", LastName), field("C&ompany:", Company),
+            fields({field("First &Name:", FirstName), field("&Last Name:", LastName), field("C&ompany:", Company),
                     field("&Address:", Address), field("Address &2:", Address2), field("Cit&y:", City)})
                 .stretched(),
             gap(),
-            fields({field("Stat&e:", cboState).wide(12), field("&Zip:", Zip), field("&Phone:", txtPhone), field("&Fax:", txtFax),
+            fields({field("Stat&e:", cboState), field("&Zip:", Zip), field("&Phone:", txtPhone), field("&Fax:", txtFax),
                     field("E&mail:", Email), field("Last updated:", LastUpdated)})
                 .stretched(),
             gap(),
-            column({fields({field("Price t&ier:", dcxTierID).wide(12), field("&Resale no.:", ResaleNo), field("Store:", StoreID),
+            column({fields({field("Price t&ier:", dcxTierID), field("&Resale no.:", ResaleNo), field("Store:", StoreID),
                             field("Sales in all:", TotalSales), field("Last purchase:", LastPurchaseDate)}),
                     at(lblDuplicate).wide(20)})
                 .stretched(),
@@ -130,10 +130,9 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
         row({at(cbxActive), at(LayawayCustomer), at(TaxExempt), at(Employee), gap(), at(chkCharge)}),
         row({
                 box("Account",
-                    row({column({fields({field(lblCreditLimitT, txtCreditLimit).wide(10), field(lblAcctBalanceT, txtAcctBalance)}),
-                                 at(chkFinCharge)}),
-                         fields({field(lblAPRT, txtAPR).wide(7), field(lblMinFinChgT, txtMinFinChg),
-                                 field(lblGracePeriodT, txtGracePeriod)})})),
+                    row({column(
+                             {fields({field(lblCreditLimitT, txtCreditLimit), field(lblAcctBalanceT, txtAcctBalance)}), at(chkFinCharge)}),
+                         fields({field(lblAPRT, txtAPR), field(lblMinFinChgT, txtMinFinChg), field(lblGracePeriodT, txtGracePeriod)})})),
                 column({at(vsfCustomFields).high(2).wide(20).stretched(), fields({field("No&tes:", Notes).high(1)})}).stretched(),
             })
             .stretched(),

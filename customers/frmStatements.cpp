@@ -34,20 +34,20 @@ std::size_t charged(const StatementRun& run) {
 }
 
 GridColumn amountColumn(const char* heading) {
-    return {.heading = heading, .alignRight = true, .characters = 10};
+    return {.heading = heading, .alignRight = true, .characters = 9};
 }
 
 } // namespace
 
 frmStatements::frmStatements(Desk& desk) : Form(desk, "frmStatements", "Customer Statements") {
     setIcon("customers");
-    grdStatements.setColumns({{.heading = "No.", .alignRight = true, .characters = 6},
-                              {.heading = "Customer", .characters = 22},
-                              amountColumn("Brought Forward"),
+    grdStatements.setColumns({{.heading = "No.", .alignRight = true, .characters = 5},
+                              {.heading = "Customer", .characters = 20},
+                              amountColumn("Brought Fwd"),
                               amountColumn("Charged"),
                               amountColumn("Paid"),
                               amountColumn("Credited"),
-                              amountColumn("Finance Charge"),
+                              amountColumn("Finance Chg"),
                               amountColumn("Balance"),
                               amountColumn("Current"),
                               amountColumn("1 to 30"),
@@ -88,10 +88,10 @@ frmStatements::frmStatements(Desk& desk) : Form(desk, "frmStatements", "Customer
 
     setLayout(column({
         title(lblHeading),
-        row({fields({field("&As at:", txtAsAt).wide(12)}), at(cmdDrawUp), stretch(), figure("Statements", lblCount),
+        row({fields({field("&As at:", txtAsAt, {at(cmdDrawUp)}).wide(12)}), stretch(), figure("Statements", lblCount),
              figure("Finance charges", lblCharges), figure("Balances", lblBalances)}),
         pages(tabStatements, {column({
-                                  at(grdStatements).high(12).wide(96).stretched(),
+                                  at(grdStatements).high(12).wide(150).stretched(),
                                   at(lblReckoning).high(3),
                               }),
                               column({
@@ -259,7 +259,8 @@ void frmStatements::showReckoning() {
     if (row < 1 || row > static_cast<int>(drawn_.statements.size()))
         return lblReckoning.setCaption("");
     const CustomerStatement& one = drawn_.statements[static_cast<std::size_t>(row - 1)];
-    lblReckoning.setCaption(one.figures.reckoning.empty() ? one.name + ": no finance charge." : replaced(one.figures.reckoning, "\n", "; "));
+    lblReckoning.setCaption(one.figures.reckoning.empty() ? one.name + ": no finance charge."
+                                                          : replaced(one.figures.reckoning, "\n", "; "));
 }
 
 bool frmStatements::postingConfirmed() {

@@ -165,9 +165,7 @@ std::span<const UpgradeStep> upgradeSteps() {
                        "WHERE fieldname = 'Item.Reorder' AND fielddescription = 'Reorder point'\n"
                        "DELETE FROM reportfieldsmapping WHERE reportname = 'ItemBelowReorder' AND fieldname = 'Item.Active'"},
         UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
-        UpgradeStep{8, eighth},
-        UpgradeStep{9, kToVersion9},
-        UpgradeStep{10, tenth},
+        UpgradeStep{8, eighth}, UpgradeStep{9, kToVersion9}, UpgradeStep{10, tenth},
         UpgradeStep{11, eleventh}, // what credits were applied to, and statements
     };
     return kSteps;
