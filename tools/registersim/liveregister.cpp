@@ -11,6 +11,8 @@
 namespace merchantry::registersim {
 namespace {
 
+constexpr int kManager = 5;
+
 using SteadyClock = std::chrono::steady_clock;
 constexpr std::size_t kKeptErrors = 10;
 
@@ -85,13 +87,32 @@ void LiveRegister::readOptions() {
         settings_.message = own[0].toText();
 }
 
+// The supplied manager works at the till only where there is nobody else.
+int LiveRegister::cashierAtWork() {
+    std::vector<int> ids = shop_.cashierIds;
+    if (ids.size() > 1)
+        std::erase(ids, kManager);
+    return ids.at(static_cast<std::size_t>(random_.below(static_cast<int>(ids.size()))));
+}
+
+// Shoppers have their habits; now and then one pays in another way that the store offers.
+void LiveRegister::payAsOffered(Sale& sale) {
+    if (sale.tenders.size() != 1 || sale.isReturn || sale.charged() != Currency() || !random_.chance(20))
+        return;
+    const TenderKey& key = shop_.tenders[static_cast<std::size_t>(random_.below(static_cast<int>(shop_.tenders.size())))];
+    const bool own = key.type == "Charge Account" || key.type == "Store Credit" || key.type == "Gift Voucher"; // they need a balance
+    if (!own)
+        sale.tenders.front().type = key.type;
+}
+
 bool LiveRegister::postOne(Date now) {
     readSettings(*session_, shop_); // a manager may have changed them since the last receipt
     readOptions();
-    const int cashier = shop_.cashierIds.at(static_cast<std::size_t>(random_.below(static_cast<int>(shop_.cashierIds.size()))));
-    const auto sale = maker_.make(now, registerId_, cashier);
+    const int cashier = cashierAtWork();
+    auto sale = maker_.make(now, registerId_, cashier);
     if (!sale)
         return false;
+    payAsOffered(*sale);
     db::Work work(*session_);
     post(*sale);
     work.commit();

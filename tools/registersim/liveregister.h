@@ -30,6 +30,8 @@ public:
 
 private:
     void readOptions();
+    int cashierAtWork();
+    void payAsOffered(Sale& sale);
     void post(const Sale& sale);
     void postLine(const Sale& sale, const SaleLine& line, const Value& number);
 

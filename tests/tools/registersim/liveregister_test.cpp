@@ -39,7 +39,7 @@ TEST_F(LiveRegisters, TakeTheTendersUpWithTheNextReceipt) {
     };
     EXPECT_EQ(paidBy({"Debit Card"}), "Debit Card");
     EXPECT_EQ(paidBy({"Mobile Payment", "Gift Voucher"}), "Mobile Payment");
-    EXPECT_EQ(paidBy({"Gift Voucher", "Mobile Payment"}), "Gift Voucher");
+    EXPECT_EQ(paidBy({"Gift Voucher", "Mobile Payment"}), "Gift Voucher;Mobile Payment");
     EXPECT_EQ(paidBy({}), "nothing");
 }
 
