@@ -167,10 +167,10 @@ private:
         }
     }
 
-    // The days from the end of the grace, or of the statement before, to the statement's own, in stretches between payments.
+    // The days from the end of the grace, or from the period's first day, to the statement's own, in stretches between payments.
     void chargeDebit(Statement& statement, const Debit& debit) const {
         const Date lastFree = debit.due.plusDays(account_.terms.graceDays);
-        Date from = account_.lastStatement ? std::max(lastFree, account_.lastStatement->dateOnly()) : lastFree;
+        Date from = std::max(lastFree, since_.plusDays(-1));
         Currency owed = debit.open;
         for (const auto& [day, amount] : debit.paid)
             owed += amount;

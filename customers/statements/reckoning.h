@@ -63,15 +63,15 @@ struct Account {
     std::vector<Posting> postings;         // by time
     std::vector<Application> applications; // in any order
     Terms terms;
-    std::optional<Date> lastStatement; // the day as at which the one before was posted: up to it all is charged
 };
 
 // Draws up the statement of the days from `since` to `asAt`, both in the period. Finance charges are simple interest by the day on 365, on
 // what is overdue (past its due day and the grace days) and no finance charge itself:
 //   charge = overdue * APR / 100 * days / 365, each line rounded to cents, halves to even,
-// for the days behind the statement before. What was paid on a day counts for that day. A credit that is not applied yet is set against
-// what is due first, from its own day on. The sum is at least the minimum when there is any charge. Example: 120.00 due on 3/1 without
-// grace, at 20 % as at 3/20: 120 * 0.20 * 19 / 365 = 1.2493, so 1.25.
+// for the days of the period: what was overdue before it is the affair of earlier statements. What was paid on a day counts for that day.
+// A credit that is not applied yet is set against what is due first, from its own day on. The sum is at least the minimum when there is any
+// charge.
+// Example: 120.00 due on 3/1 without grace, at 20 % as at 3/20: 120 * 0.20 * 19 / 365 = 1.2493, so 1.25.
 Statement drawUp(const Account& account, Date asAt, Date since);
 
 // The last billing day not behind today: the day of the month (1 to 31), or the month's last day where the month is shorter.

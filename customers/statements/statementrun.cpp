@@ -93,7 +93,6 @@ public:
     Account of(const Holder& holder) {
         Account account;
         account.terms = holder.terms;
-        account.lastStatement = holder.lastStatement;
         while (posting_ < postings_.size() && postings_[posting_].first < holder.customer)
             ++posting_;
         while (posting_ < postings_.size() && postings_[posting_].first == holder.customer)
