@@ -217,15 +217,17 @@ void frmStatements::drawUp(Date day) {
     const std::int32_t run = runOf(day);
     const bool posted = last && *last >= day;
     drawn_ = {};
-    fresh_ = work("cmdDrawUp_Click", [&](db::Session& session, const RunProgress& progress) {
+    const bool done = work("cmdDrawUp_Click", [&](db::Session& session, const RunProgress& progress) {
         if (run != 0)
             drawn_ = postedStatements(session, run);
         else if (!posted)
             drawn_ = drawUpStatements(session, day, progress);
     });
-    fresh_ = fresh_ && !posted && !drawn_.stopped;
+    fresh_ = done && !posted && !drawn_.stopped;
     show(drawn_);
-    if (drawn_.stopped)
+    if (!done)
+        lblState.setCaption("The statements could not be drawn up.");
+    else if (drawn_.stopped)
         lblState.setCaption("Stopped. Press Draw Up to begin anew.");
     else if (run != 0)
         lblState.setCaption("The statements as at " + day.toShortText() + " were posted. Posted Runs prints them again.");
