@@ -96,7 +96,7 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
     txtMinFinChg.validate = [this](bool& cancel) {
         checkNumber(txtMinFinChg, "You must enter a valid minimum finance charge", true, cancel);
     };
-    vsfCustomFields.setColumns({{.heading = "Field", .characters = 24}, {.heading = "Value", .characters = 30}});
+    vsfCustomFields.setColumns({{.heading = "Field", .characters = 12}, {.heading = "Value", .characters = 14}});
     vsfCustomFields.emptyText = "The store has no fields of its own. Store, General Options makes them.";
     vsfCustomFields.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kField; };
     vsfCustomFields.afterEdit = [this](int row, int) { writeField(row); };
@@ -111,32 +111,41 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
     cmdCancel.setToolTip("Leaves without saving. A customer just added stays in the list as \"First Name\".");
 
     asksBeforeLeaving({&vsfCustomFields});
+    onKey("F9", [this] { panel_.toggle(); });
     setLayout(column({
         title(lblHeading),
-        row({
-            fields({field("First &Name:", FirstName), field("&Last Name:", LastName), field("C&ompany:", Company),
-                    field("&Address:", Address), field("Address &2:", Address2), field("Cit&y:", City)})
-                .stretched(),
-            gap(),
-            fields({field("Stat&e:", cboState), field("&Zip:", Zip), field("&Phone:", txtPhone), field("&Fax:", txtFax),
-                    field("E&mail:", Email), field("Last updated:", LastUpdated)})
-                .stretched(),
-            gap(),
-            column({fields({field("Price t&ier:", dcxTierID), field("&Resale no.:", ResaleNo), field("Store:", StoreID),
-                            field("Sales in all:", TotalSales), field("Last purchase:", LastPurchaseDate)}),
-                    at(lblDuplicate).wide(20)})
-                .stretched(),
-        }),
-        row({at(cbxActive), at(LayawayCustomer), at(TaxExempt), at(Employee), gap(), at(chkCharge)}),
-        row({
-                box("Account",
-                    row({column(
-                             {fields({field(lblCreditLimitT, txtCreditLimit), field(lblAcctBalanceT, txtAcctBalance)}), at(chkFinCharge)}),
-                         fields({field(lblAPRT, txtAPR), field(lblMinFinChgT, txtMinFinChg), field(lblGracePeriodT, txtGracePeriod)})})),
-                column({at(vsfCustomFields).high(2).wide(20).stretched(), fields({field("No&tes:", Notes).high(1)})}).stretched(),
-            })
+        row({column({
+                        row({
+                            fields({field("First &Name:", FirstName), field("&Last Name:", LastName), field("C&ompany:", Company),
+                                    field("&Address:", Address), field("Address &2:", Address2), field("Cit&y:", City)})
+                                .stretched(),
+                            gap(),
+                            fields({field("Stat&e:", cboState), field("&Zip:", Zip), field("&Phone:", txtPhone), field("&Fax:", txtFax),
+                                    field("E&mail:", Email), field("Last updated:", LastUpdated)})
+                                .stretched(),
+                            gap(),
+                            column({fields({field("Price t&ier:", dcxTierID), field("&Resale no.:", ResaleNo), field("Store:", StoreID),
+                                            field("Sales in all:", TotalSales), field("Last purchase:", LastPurchaseDate)}),
+                                    at(lblDuplicate).wide(20)})
+                                .stretched(),
+                        }),
+                        row({at(cbxActive), at(LayawayCustomer), at(TaxExempt), at(Employee), gap(), at(chkCharge)}),
+                        row({
+                                box("Account",
+                                    row({column({fields({field(lblCreditLimitT, txtCreditLimit), field(lblAcctBalanceT, txtAcctBalance)}),
+                                                 at(chkFinCharge)}),
+                                         fields({field(lblAPRT, txtAPR), field(lblMinFinChgT, txtMinFinChg),
+                                                 field(lblGracePeriodT, txtGracePeriod)})})),
+                                column({at(vsfCustomFields).high(2).wide(20).stretched(), fields({field("No&tes:", Notes).high(1)})})
+                                    .stretched(),
+                            })
+                            .stretched(),
+                    })
+                 .stretched(2),
+             panel_.item()})
             .stretched(),
-        buttons({at(cmdShipTo), at(cmdSalesHist), stretch(), note("Update saves and closes"), at(cmdCancel), at(cmdUpdate)}),
+        buttons({at(cmdShipTo), at(cmdSalesHist), stretch(), note("Update saves and closes; F9 shows the account"), at(cmdCancel),
+                 at(cmdUpdate)}),
     }));
     offer("FetchCustomerData", [this](const auto&) {
         FetchCustomerData();
@@ -152,6 +161,7 @@ void frmCustomer::Form_Load() {
     });
     EnableCreditFields();
     FetchCustomerData();
+    panel_.refresh(CustomerID);
     nothingUnsaved();
 }
 

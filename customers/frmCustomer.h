@@ -2,6 +2,7 @@
 
 #include "app/ADOUtilities.h"
 #include "app/db/ado/recordset.h"
+#include "customers/accountpanel.h"
 #include "ui/button.h"
 #include "ui/choice.h"
 #include "ui/form.h"
@@ -94,6 +95,7 @@ private:
     ui::Button cmdCancel{*this, "cmdCancel", "&Cancel"};
     ui::Button cmdUpdate{*this, "cmdUpdate", "&Update"};
 
+    AccountPanel panel_{*this};
     app::DataControl data_;
     db::RecordsetPtr customer_;
     db::RecordsetPtr tiers_;
