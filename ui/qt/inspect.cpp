@@ -124,6 +124,14 @@ private:
 
     QRect placeOf(const QWidget& widget) const { return {widget.mapTo(&window_, QPoint(0, 0)), widget.size()}; }
 
+    // What the widget scrolls in; null outside.
+    static const QWidget* roomOf(const QWidget& widget) {
+        const QWidget* around = &widget;
+        while (around != nullptr && dynamic_cast<const ScrollRoom*>(around) == nullptr)
+            around = around->parentWidget();
+        return around;
+    }
+
     void lookAtTexts(const std::vector<const QWidget*>& things) {
         for (const QWidget* thing : things)
             if (clipped(*thing))
@@ -142,7 +150,7 @@ private:
                     break;
                 }
             for (std::size_t k = i + 1; k < things.size(); ++k)
-                if (place.intersects(placeOf(*things[k])))
+                if (roomOf(*things[i]) == roomOf(*things[k]) && place.intersects(placeOf(*things[k])))
                     add(nameOf(*things[i]), "overlaps " + nameOf(*things[k]));
         }
     }

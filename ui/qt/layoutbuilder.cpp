@@ -116,28 +116,41 @@ template <class L> L* LayoutBuilder::made() {
 }
 
 void LayoutBuilder::fill(QWidget& content, const Item& layout) {
+    const Item* const last = lastOf(layout);
+    if (layout.kind() == Kind::Column && last != nullptr && last->kind() == Kind::Buttons)
+        bar_ = last;
     if (layout.kind() != Kind::Empty)
         fillBody(content, layout, measure::kEdge);
 }
 
 QWidget* LayoutBuilder::foot(QWidget* parent, const Item& layout) {
     const Item* const line = footOf(layout);
-    if (line == nullptr)
+    if (line == nullptr && bar_ == nullptr)
         return nullptr;
     auto* widget = new QWidget(parent);
     QWidget* const outside = std::exchange(parent_, widget);
-    const Piece piece = buttons(*line);
+    auto* box = made<QVBoxLayout>();
+    if (bar_ != nullptr) {
+        const Piece piece = buttons(*bar_);
+        piece.layout->setContentsMargins(measure::kEdge, aboveBar_, measure::kEdge, line == nullptr ? measure::kEdge : 0);
+        box->addLayout(piece.layout);
+    }
+    if (line != nullptr) {
+        const Piece piece = buttons(*line);
+        piece.layout->setContentsMargins(measure::kEdge, measure::kHair, measure::kEdge, measure::kHair / 2);
+        box->addLayout(piece.layout);
+    }
     parent_ = outside;
-    piece.layout->setContentsMargins(measure::kEdge, measure::kHair, measure::kEdge, measure::kHair / 2);
-    widget->setLayout(piece.layout);
+    widget->setLayout(box);
     return widget;
 }
 
 bool LayoutBuilder::fillBody(QWidget& body, const Item& content, int margin) {
     QWidget* const outside = std::exchange(parent_, &body);
     auto* box = made<QVBoxLayout>();
-    const bool footed = footOf(content) != nullptr; // its line takes the place of an edge
-    box->setContentsMargins(margin, footed ? margin - measure::kHair : margin, margin, footed ? 0 : margin);
+    const bool footed = footOf(content) != nullptr;                           // its line takes the place of an edge
+    const bool open = footed || (bar_ != nullptr && bar_ == lastOf(content)); // what stands below has the edge
+    box->setContentsMargins(margin, footed ? margin - measure::kHair : margin, margin, open ? 0 : margin);
     const Piece piece = build(content);
     place(*box, content, piece, keepsWidth(content) ? Qt::AlignLeft : Qt::Alignment(), piece.tall);
     if (!piece.tall)
@@ -301,12 +314,14 @@ LayoutBuilder::Piece LayoutBuilder::column(const Item& item) {
     bool tall = false;
     std::vector<std::pair<const Item*, Piece>> pieces;
     for (const Item& child : item.children()) {
+        if (&child == bar_)
+            continue; // stands outside, see foot
         pieces.emplace_back(&child, build(child));
         tall = tall || pieces.back().second.tall || child.stretch() > 0;
         wide = wide || pieces.back().second.wide;
     }
     const Item* const last = lastOf(item);
-    const bool ended = last != nullptr && last->kind() == Kind::Buttons;
+    const bool ended = last != nullptr && last->kind() == Kind::Buttons && last != bar_;
     const Item* before = nullptr;
     for (const auto& [child, piece] : pieces) {
         if (!tall && child == last && ended)
@@ -318,6 +333,8 @@ LayoutBuilder::Piece LayoutBuilder::column(const Item& item) {
     }
     if (!tall && !ended)
         box->addStretch(1);
+    if (last != nullptr && last == bar_)
+        aboveBar_ = before == nullptr ? 0 : below(*before, *last);
     return {nullptr, box, wide, tall};
 }
 

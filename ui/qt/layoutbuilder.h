@@ -23,7 +23,8 @@ public:
     explicit LayoutBuilder(FormWindow& window) : window_(window) {}
     // Fills an empty widget with the form's layout.
     void fill(QWidget& content, const Item& layout);
-    // The line at the foot that the layout ends with, in a widget of its own; null when it has none.
+    // The command bar and the line that the layout ends with, in a widget of their own below what may scroll; null when it has neither.
+    // Requires: the layout was filled in before.
     QWidget* foot(QWidget* parent, const Item& layout);
 
 private:
@@ -63,6 +64,8 @@ private:
 
     FormWindow& window_;
     QWidget* parent_ = nullptr;
+    const Item* bar_ = nullptr; // the command bar that ends the layout
+    int aboveBar_ = 0;          // the distance to what stands before it
 };
 
 } // namespace merchantry::ui
