@@ -108,7 +108,7 @@ frmStatements::frmStatements(Desk& desk) : Form(desk, "frmStatements", "Customer
 void frmStatements::Form_Load() {
     guarded({kTag, "Form_Load"}, [this] {
         const Date today = desk().clock().now().dateOnly();
-        txtAsAt.setText(lastBillingDay(today, billingDayOfMonth(modMain().Conn->session())).toShortText());
+        txtAsAt.setText(lastBillingDay(today.plusDays(-1), billingDayOfMonth(modMain().Conn->session())).toShortText());
         loadRuns();
     });
     setAvailable();

@@ -12,6 +12,7 @@ constexpr int kDaysInYear = 365;
 constexpr std::int64_t kUnitsInCent = 100;
 constexpr std::int64_t kPercentUnits = 10'000; // APR in ten-thousandths of a percent
 constexpr int kPercent = 100;
+constexpr std::size_t kMostLines = 12; // of a reckoning in words; a printed statement has room for these
 
 std::int64_t daysBetween(Date from, Date to) {
     return (to.ms() - from.ms()) / Date::kMsPerDay;
@@ -45,8 +46,10 @@ std::string aprText(std::int64_t apr) {
     return Currency::fromUnits(apr).toText();
 }
 
-std::string shortDay(Date day) {
-    return std::to_string(day.month()) + "/" + std::to_string(day.day());
+// With its year where that is not the statement's.
+std::string shortDay(Date day, Date asAt) {
+    return std::to_string(day.month()) + "/" + std::to_string(day.day()) +
+           (day.year() == asAt.year() ? "" : "/" + std::to_string(day.year()));
 }
 
 std::string days(int count) {
@@ -156,10 +159,18 @@ private:
             statement.lines.clear();
             return;
         }
-        for (const ChargeLine& line : statement.lines)
-            statement.reckoning += (statement.reckoning.empty() ? "" : "\n") + line.overdue.toDisplay() + " overdue since " +
-                                   shortDay(line.since) + ", " + days(line.days) + " at " + aprText(account_.terms.apr) +
-                                   " %: " + line.charge.toDisplay();
+        Currency told;
+        std::size_t lines = 0;
+        for (const ChargeLine& line : statement.lines) {
+            if (++lines > kMostLines)
+                break;
+            told += line.charge;
+            statement.reckoning += (lines == 1 ? "" : "\n") + line.overdue.toDisplay() + " overdue since " + shortDay(line.since, asAt_) +
+                                   ", " + days(line.days) + " at " + aprText(account_.terms.apr) + " %: " + line.charge.toDisplay();
+        }
+        if (lines > kMostLines)
+            statement.reckoning += "\nand " + std::to_string(statement.lines.size() - kMostLines) +
+                                   " more alike: " + (statement.financeCharge - told).toDisplay();
         if (statement.financeCharge < account_.terms.minimum) {
             statement.reckoning += (statement.lines.size() > 1 ? "\ntogether " + statement.financeCharge.toDisplay() : std::string()) +
                                    ", raised to the minimum of " + account_.terms.minimum.toDisplay();

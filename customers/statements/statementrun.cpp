@@ -3,6 +3,8 @@
 #include "app/db/work.h"
 #include "base/text.h"
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -56,9 +58,9 @@ std::vector<Holder> holders(db::Session& session, Date asAt) {
         one.name = trimmed(row.text(1));
         one.charge = row.number(2) != 0;
         one.terms.assess = row.number(3) != 0;
-        one.terms.apr = Currency::fromDouble(row.value(4).toNumber()).units();
+        one.terms.apr = std::max<std::int64_t>(0, Currency::fromDouble(row.value(4).toNumber()).units());
         one.terms.minimum = moneyOf(row, 5);
-        one.terms.graceDays = static_cast<int>(row.number(6));
+        one.terms.graceDays = std::max(0, static_cast<int>(row.number(6)));
         if (!row.isNull(7))
             one.lastStatement = Date::fromMs(row.number(7));
         all.push_back(std::move(one));
@@ -69,7 +71,7 @@ std::vector<Holder> holders(db::Session& session, Date asAt) {
             "ISNULL(c.OverdueAfter, ISNULL(o.OverdueAfter, 15)), s.AsAt FROM Customer c CROSS JOIN StoreOptions o "
             "LEFT JOIN (SELECT t.CustomerID, MAX(r.AsAt) AS AsAt FROM Statement t INNER JOIN StatementRun r ON r.RunID = t.RunID "
             "WHERE r.AsAt < " +
-            sqlDay(asAt) + " GROUP BY t.CustomerID) s ON s.CustomerID = c.ID ORDER BY c.ID",
+            sqlDay(asAt) + " GROUP BY t.CustomerID) s ON s.CustomerID = c.ID WHERE c.ChargeAccount = 1 ORDER BY c.ID",
         rows);
     return all;
 }
@@ -123,20 +125,50 @@ private:
                         rows);
     }
 
-    // The other halves of a visit tell when the money had come in: with the last of the credits that were applied in it.
+    // A half of an application, with its posting's time.
+    struct Half {
+        std::int64_t posting = 0;
+        Date applied;
+        Currency amount;
+        Date came;
+    };
+
+    // The halves of a visit, one customer's after the other's, in their order.
     void readApplications(db::Session& session) {
+        std::pair<std::int32_t, std::int64_t> visit{};
+        std::vector<Half> halves;
         Rows rows([&](const RowView& row) {
-            const Date applied = Date::fromMs(row.number(2));
-            const Date paid = row.isNull(4) ? applied : std::min(applied, Date::fromMs(row.number(4)));
-            applications_.emplace_back(static_cast<std::int32_t>(row.number(0)),
-                                       Application{row.number(1), applied, paid, moneyOf(row, 3)});
+            const std::pair now{static_cast<std::int32_t>(row.number(0)), row.number(1)};
+            if (now != visit)
+                pair(visit.first, halves);
+            visit = now;
+            halves.push_back({row.number(2), Date::fromMs(row.number(3)), moneyOf(row, 4), Date::fromMs(row.number(5))});
         });
-        session.execute(
-            "SELECT a.CustomerID, a.CreditTransID, a.Time, a.Amount, p.Paid FROM CreditApplication a LEFT JOIN (SELECT b.BatchNumber, "
-            "b.CustomerID, MAX(t.Time) AS Paid FROM CreditApplication b INNER JOIN CreditTransaction t ON t.CreditTransID = "
-            "b.CreditTransID WHERE b.Amount < 0 GROUP BY b.BatchNumber, b.CustomerID) p ON p.BatchNumber = a.BatchNumber AND "
-            "p.CustomerID = a.CustomerID ORDER BY a.CustomerID, a.ApplicationID",
-            rows);
+        session.execute("SELECT a.CustomerID, a.BatchNumber, a.CreditTransID, a.Time, a.Amount, t.Time FROM CreditApplication a INNER JOIN "
+                        "CreditTransaction t ON t.CreditTransID = a.CreditTransID ORDER BY a.CustomerID, a.BatchNumber, a.ApplicationID",
+                        rows);
+        pair(visit.first, halves);
+    }
+
+    // The first credit of a visit goes to its first debits: each part of a debit was paid when its credit came in.
+    void pair(std::int32_t customer, std::vector<Half>& halves) {
+        std::vector<Half> credits;
+        std::copy_if(halves.begin(), halves.end(), std::back_inserter(credits), [](const Half& half) { return half.amount < Currency(); });
+        auto credit = credits.begin();
+        for (const Half& half : halves) {
+            Currency left = half.amount;
+            while (left > Currency() && credit != credits.end()) {
+                const Currency part = std::min(left, -credit->amount);
+                applications_.emplace_back(customer, Application{half.posting, half.applied, std::min(half.applied, credit->came), part});
+                left -= part;
+                credit->amount += part;
+                if (credit->amount == Currency())
+                    ++credit;
+            }
+            if (left != Currency()) // a credit, or a half without its other one
+                applications_.emplace_back(customer, Application{half.posting, half.applied, half.applied, left});
+        }
+        halves.clear();
     }
 
     std::vector<std::pair<std::int32_t, Posting>> postings_;

@@ -1,5 +1,6 @@
 #include "customers/statements/reckoning.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace merchantry::customers {
@@ -143,7 +144,7 @@ const std::vector<Case> kCases = {
      "",
      "1/1/2029",
      "20.05",
-     "$100.00 overdue since 1/2, 366 days at 20 %: $20.05"},
+     "$100.00 overdue since 1/2/2028, 366 days at 20 %: $20.05"},
     {"over the end of the year",
      {{1, "12/1/2025", "12/21/2025", "730", "730"}},
      {},
@@ -153,7 +154,7 @@ const std::vector<Case> kCases = {
      "",
      "1/5/2026",
      "6",
-     "$730.00 overdue since 12/22, 15 days at 20 %: $6.00"},
+     "$730.00 overdue since 12/22/2025, 15 days at 20 %: $6.00"},
     {"half a cent goes to the even one below", {{1, "1/1/2026", "1/1/2026", "9.125", "9.125"}}, {}, kApr, "0", 0, "", "1/2/2026", "0", ""},
     {"and to the even one above",
      {{1, "1/1/2026", "1/1/2026", "27.375", "27.375"}},
@@ -321,6 +322,17 @@ TEST(Reckoning, TheFiguresOfAStatementAddUp) {
     EXPECT_EQ(s.ages.notDue.toText(), "50.5"); // the finance charge with it
     EXPECT_EQ(s.ages.unapplied, Currency());
     EXPECT_EQ(s.broughtForward + s.charged - s.paid - s.credited + s.financeCharge, s.balance);
+}
+
+// A printed statement has room for so many lines; the sum is told all the same.
+TEST(Reckoning, ALongReckoningIsSummedUp) {
+    Case one{"", {}, {}, kApr, "0", 0, "", "3/31/2026", "", ""};
+    for (int id = 1; id <= 100; ++id)
+        one.postings.push_back({id, "3/1/2026", "3/1/2026", "100", "100"});
+    const Statement statement = drawUp(accountOf(one), day(one.asAt), firstDay(one));
+    EXPECT_EQ(statement.financeCharge.toText(), "164");
+    EXPECT_EQ(std::count(statement.reckoning.begin(), statement.reckoning.end(), '\n'), 12);
+    EXPECT_TRUE(statement.reckoning.ends_with("\nand 88 more alike: $144.32")) << statement.reckoning;
 }
 
 TEST(Reckoning, BillingDaysOfShortMonths) {

@@ -119,5 +119,27 @@ TEST_F(StatementRuns, APaymentCountsFromItsDay) {
     EXPECT_EQ(drawn().statements[0].figures.paid.toText(), "120");
 }
 
+// Two bills paid in two months, applied together: neither was paid later for that.
+TEST_F(StatementRuns, EachDebitIsPaidByItsOwnCredit) {
+    sale(3, "20260101", "20260101", "1000");
+    sale(3, "20260105", "20260105", "-1000");
+    sale(3, "20260301", "20260302", "10");
+    sale(3, "20260319", "20260319", "-10");
+    const std::string waiting = drawn().statements.back().figures.reckoning;
+    EXPECT_NE(waiting.find("$10.00 overdue since 3/18, 2 days at 20 %: $0.01, raised to the minimum of $5.00"), std::string::npos)
+        << waiting;
+    run("EXEC sp_AddBatch 1, 5");
+    for (const char* half : {"-3, 1, 3, 5, 1000", "-4, 1, 3, 5, -1000", "-5, 1, 3, 5, 10", "-6, 1, 3, 5, -10"})
+        run("sp_PostAppliedAmount 1, " + std::string(half) + ", 2, 'application'");
+    run("UPDATE CreditApplication SET Time = '20260319'");
+    EXPECT_EQ(drawn().statements.back().figures.reckoning, waiting);
+}
+
+TEST_F(StatementRuns, AreForChargeAccountsAndDaysThatAreOver) {
+    sale(4, "20260101", "20260101", "40");
+    EXPECT_EQ(drawn().statements.size(), 2U);
+    EXPECT_NE(refusal([&] { run("bsp_NewStatementRun '99981231', 1, 5"); }).find("is not over yet"), std::string::npos);
+}
+
 } // namespace
 } // namespace merchantry::customers
