@@ -1,6 +1,7 @@
 #include "app/modPhone.h"
 
 #include "base/text.h"
+#include "ui/form.h"
 
 #include <algorithm>
 #include <cctype>
@@ -41,6 +42,14 @@ bool IsPhoneEmpty(const ui::TextBox& control) {
     // An untouched mask shows its own signs and blanks only.
     return !control.mask.empty() &&
            std::none_of(text.begin(), text.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; });
+}
+
+bool phoneRefused(ui::TextBox& control, const char* message, ui::MessageIcon icon) {
+    if (IsPhoneValid(control.text(), control) || IsPhoneEmpty(control))
+        return false;
+    control.form().desk().message(message, "Velmora Tillmark Professional", icon);
+    control.setFocus();
+    return true;
 }
 
 void SetPhone(const std::string& text, ui::TextBox& control) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/desk.h"
 #include "ui/textbox.h"
 
 #include <string>
@@ -16,6 +17,8 @@ std::string phoneLaidOut(const std::string& text);
 
 // Always true: no number is refused.
 bool IsPhoneValid(const std::string& text, const ui::TextBox& control);
+// Whether the field holds a number that is not valid: that is said, under the product's name, and the focus goes back there.
+bool phoneRefused(ui::TextBox& control, const char* message, ui::MessageIcon icon);
 // Whether the field holds nothing but blanks and its mask's own characters.
 bool IsPhoneEmpty(const ui::TextBox& control);
 // Puts the text, without surrounding blanks, into the field.

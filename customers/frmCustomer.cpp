@@ -305,14 +305,6 @@ void frmCustomer::checkNumber(TextBox& box, const char* refusal, bool money, boo
     }
 }
 
-bool frmCustomer::refused(TextBox& box, const char* message) {
-    if (IsPhoneValid(box.text(), box) || IsPhoneEmpty(box))
-        return false;
-    desk().message(message, kProduct, MessageIcon::Information);
-    box.setFocus();
-    return true;
-}
-
 // Only a note: families share numbers.
 void frmCustomer::noteDuplicate() {
     guarded({kTag, "NoteDuplicate"}, [this] {
@@ -327,7 +319,8 @@ void frmCustomer::noteDuplicate() {
 void frmCustomer::cmdUpdate_Click() {
     if (customer_ == nullptr)
         return unload();
-    if (refused(txtPhone, "Invalid phone number. Please reenter.") || refused(txtFax, "Invalid fax number. Please reenter."))
+    if (phoneRefused(txtPhone, "Invalid phone number. Please reenter.", MessageIcon::Information) ||
+        phoneRefused(txtFax, "Invalid fax number. Please reenter.", MessageIcon::Information))
         return;
     if (guarded({.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The customer was not saved in full."}, [this] { write(); })) {
         nothingUnsaved();

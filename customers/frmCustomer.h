@@ -47,7 +47,6 @@ private:
     void applyDefaults();
     void dcxTierID_Click();
     void checkNumber(ui::TextBox& box, const char* refusal, bool money, bool& cancel);
-    bool refused(ui::TextBox& box, const char* message);
     void noteDuplicate();
     void cmdUpdate_Click();
     void write();

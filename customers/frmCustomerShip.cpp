@@ -17,7 +17,6 @@ using db::Sql;
 namespace {
 
 constexpr const char* kTag = "frmCustomerShip";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 
 } // namespace
 
@@ -90,16 +89,9 @@ void frmCustomerShip::Form_Unload(bool& /*cancel*/) {
     closeRows(address_);
 }
 
-bool frmCustomerShip::refused(TextBox& box, const char* message) {
-    if (IsPhoneValid(box.text(), box) || IsPhoneEmpty(box))
-        return false;
-    desk().message(message, kProduct, MessageIcon::Information);
-    box.setFocus();
-    return true;
-}
-
 void frmCustomerShip::cmdUpdate_Click() {
-    if (refused(txtPhone, "Invalid phone number. Please reenter.") || refused(txtFax, "Invalid fax number. Please reenter."))
+    if (phoneRefused(txtPhone, "Invalid phone number. Please reenter.", MessageIcon::Information) ||
+        phoneRefused(txtFax, "Invalid fax number. Please reenter.", MessageIcon::Information))
         return;
     const bool written = guarded({.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The address was not saved."}, [this] {
         if (address_ == nullptr || !address_->onRow()) {

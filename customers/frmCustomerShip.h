@@ -22,7 +22,6 @@ public:
 private:
     void Form_Load() override;
     void Form_Unload(bool& cancel) override;
-    bool refused(ui::TextBox& box, const char* message);
     void cmdUpdate_Click();
 
     ui::Label lblHeading{*this, "lblHeading", "Shipping Address"};

@@ -145,16 +145,9 @@ void frmSuppliers_Info::txtName_LostFocus() {
     guarded({kTag, "txtName"}, [this] { txtName.setText("SupplierName"); });
 }
 
-bool frmSuppliers_Info::refused(TextBox& box, const char* message) {
-    if (IsPhoneValid(box.text(), box) || IsPhoneEmpty(box))
-        return false;
-    desk().message(message, kProduct);
-    box.setFocus();
-    return true;
-}
-
 void frmSuppliers_Info::cmdUpdate_Click() {
-    if (refused(txtPhone, "Invalid phone number. Please reenter.") || refused(txtFax, "Invalid fax number. Please reenter."))
+    if (phoneRefused(txtPhone, "Invalid phone number. Please reenter.", MessageIcon::None) ||
+        phoneRefused(txtFax, "Invalid fax number. Please reenter.", MessageIcon::None))
         return;
     if (guarded({"MR_", "SupplierUpdate"}, [this] { write(); }))
         unload();

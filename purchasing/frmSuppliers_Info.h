@@ -32,7 +32,6 @@ private:
 
     void show(const char* column, ui::TextBox& box);
     void txtName_LostFocus();
-    bool refused(ui::TextBox& box, const char* message);
     void cmdUpdate_Click();
     void write();
 

@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/modPhone.h"
+#include "app/states.h"
 #include "base/guard.h"
 #include "base/text.h"
 #include "setup/secretbox.h"
@@ -20,10 +21,6 @@ constexpr const char* kTag = "MR_frmOptions";
 constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kNameColumn = 0;
 constexpr int kTypeColumn = 1;
-constexpr const char* kStates[] = {"AK", "AL", "AR", "AS", "AZ", "CA", "CO", "CT", "DC", "DE", "FL", "GA", "HI",
-                                   "IA", "ID", "IL", "IN", "KS", "KY", "LA", "MA", "MD", "ME", "MI", "MN", "MO",
-                                   "MS", "MT", "NC", "ND", "NE", "NH", "NJ", "NM", "NV", "NY", "OH", "OK", "OR",
-                                   "PA", "PR", "RI", "SC", "SD", "TN", "TX", "UT", "VA", "VT", "WA", "WI", "WV"};
 constexpr const char* kMerchants[] = {"CES", "FDC", "MAPP", "NDC", "FNBO", "GSAR", "VISA", "NB", "FDCN", "MDI", "NPC", "ECHO"};
 
 // How many characters the columns hold.
@@ -182,9 +179,8 @@ void frmOptions::putDefaults() {
 // --- the screen ---
 
 void frmOptions::Init_ListBoxes() {
-    lbxState.clear();
-    for (const char* state : kStates)
-        lbxState.add(state);
+    fillStates(lbxState);
+    lbxState.removeEntry(lbxState.indexOf("WY")); // the options never offered it
     lbxQB.clear();
     for (const char* version : {"2002", "2003"})
         lbxQB.add(version);

@@ -23,6 +23,14 @@ std::size_t placeOf(int row) {
     return static_cast<std::size_t>(row - 1);
 }
 
+// A row as it stands in the store: all that the screen writes of it but its place.
+std::string tenderOf(db::Recordset& row) {
+    std::string cells;
+    for (const char* column : {"TenderType", "Available", "DisplayName"})
+        cells += row[column].text() + '\t';
+    return cells;
+}
+
 } // namespace
 
 frmTenderTypes::frmTenderTypes(Desk& desk) : Form(desk, "frmTenderTypes", "Tender Type Configuration") {
@@ -59,10 +67,7 @@ frmTenderTypes::frmTenderTypes(Desk& desk) : Form(desk, "frmTenderTypes", "Tende
 }
 
 void frmTenderTypes::Form_Load() {
-    guarded({kTag, "Form_Load", caption() + " - Critical Error"}, [this] {
-        loadTenders();
-        loaded_ = storedTenders();
-    });
+    guarded({kTag, "Form_Load", caption() + " - Critical Error"}, [this] { loadTenders(); });
     grdTenders_RowColChange();
 }
 
@@ -71,6 +76,7 @@ void frmTenderTypes::loadTenders() {
     tenders_ = rows->Eof() ? 0 : (*rows)["TenderCount"].Value().toInt16();
     grdTenders.setDataRows(std::max(tenders_, kLeastRows));
     for (int row = 1; !rows->Eof(); rows->MoveNext(), ++row) {
+        loaded_ += tenderOf(*rows);
         names_.push_back((*rows)["TenderType"].text());
         grdTenders.setText(row, kAvailable, (*rows)["Available"].Value().toFlag() ? "1" : "0");
         grdTenders.setText(row, kName, (*rows)["DisplayName"].isNull() ? names_.back() : (*rows)["DisplayName"].text());
@@ -79,13 +85,12 @@ void frmTenderTypes::loadTenders() {
         grdTenders.setCurrent(1, kName);
 }
 
-// All that the screen writes, as it stands in the store.
+// All rows as they stand now, in their order.
 std::string frmTenderTypes::storedTenders() {
     std::string all;
     const auto rows = modMain().Conn->Execute("sp_GetTenderTypes 1");
     for (; !rows->Eof(); rows->MoveNext())
-        for (const char* column : {"TenderType", "Available", "DisplayName"})
-            all += (*rows)[column].text() + '\t';
+        all += tenderOf(*rows);
     return all;
 }
 

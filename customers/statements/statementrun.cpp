@@ -45,7 +45,6 @@ std::string sqlDay(Date day) {
 struct Holder {
     std::int32_t customer = 0;
     std::string name;
-    bool charge = false;
     Terms terms;
     std::optional<Date> lastStatement;
 };
@@ -56,18 +55,17 @@ std::vector<Holder> holders(db::Session& session, Date asAt) {
         Holder one;
         one.customer = static_cast<std::int32_t>(row.number(0));
         one.name = trimmed(row.text(1));
-        one.charge = row.number(2) != 0;
-        one.terms.assess = row.number(3) != 0;
-        one.terms.apr = std::max<std::int64_t>(0, Currency::fromDouble(row.value(4).toNumber()).units());
-        one.terms.minimum = moneyOf(row, 5);
-        one.terms.graceDays = std::max(0, static_cast<int>(row.number(6)));
-        if (!row.isNull(7))
-            one.lastStatement = Date::fromMs(row.number(7));
+        one.terms.assess = row.number(2) != 0;
+        one.terms.apr = std::max<std::int64_t>(0, Currency::fromDouble(row.value(3).toNumber()).units());
+        one.terms.minimum = moneyOf(row, 4);
+        one.terms.graceDays = std::max(0, static_cast<int>(row.number(5)));
+        if (!row.isNull(6))
+            one.lastStatement = Date::fromMs(row.number(6));
         all.push_back(std::move(one));
     });
     session.execute(
         std::string("SELECT c.ID, ") + kNameOf +
-            ", c.ChargeAccount, c.AssessFinanceCharges, ISNULL(c.APR, ISNULL(o.FinAPR, 20)), ISNULL(c.MinFinChg, ISNULL(o.MinFinChg, 5)), "
+            ", c.AssessFinanceCharges, ISNULL(c.APR, ISNULL(o.FinAPR, 20)), ISNULL(c.MinFinChg, ISNULL(o.MinFinChg, 5)), "
             "ISNULL(c.OverdueAfter, ISNULL(o.OverdueAfter, 15)), s.AsAt FROM Customer c CROSS JOIN StoreOptions o "
             "LEFT JOIN (SELECT t.CustomerID, MAX(r.AsAt) AS AsAt FROM Statement t INNER JOIN StatementRun r ON r.RunID = t.RunID "
             "WHERE r.AsAt < " +
