@@ -1,53 +1,21 @@
 #include "reports/reportexport.h"
 
+#include "app/aside.h"
+#include "base/newfile.h"
 #include "base/text.h"
-#include "reports/aside.h"
 #include "reports/engine/exports.h"
 #include "ui/longwork.h"
 
-#include <fstream>
 #include <stdexcept>
 
 namespace merchantry::reports {
 namespace {
 
-// A file beside the target that takes its place when all is written.
-class NewFile {
-public:
-    explicit NewFile(std::filesystem::path target) : target_(std::move(target)), part_(target_) {
-        part_ += ".part";
-        out.open(part_, std::ios::binary | std::ios::trunc);
-        if (!out)
-            throw std::runtime_error("The file " + target_.string() + " cannot be written.");
-    }
-    ~NewFile() {
-        out.close();
-        std::error_code ignored;
-        std::filesystem::remove(part_, ignored);
-    }
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-    void finish() {
-        out.close();
-        std::error_code problem;
-        if (out)
-            std::filesystem::rename(part_, target_, problem);
-        if (!out || problem)
-            throw std::runtime_error("The file " + target_.string() + " could not be written.");
-    }
-
-    std::ofstream out;
-
-private:
-    std::filesystem::path target_;
-    std::filesystem::path part_;
-};
-
 using Writer = bool (*)(const Report& report, std::ostream& out, const KeepWriting& goOn);
 
 bool writeRows(ui::Desk& desk, const ReportPages& report, const std::filesystem::path& file, Writer writer) {
     NewFile target(file);
-    const bool ended = runAside(desk, "Writing " + file.filename().string() + " …", [&](AsideState& state) {
+    const bool ended = app::runAside(desk, "Writing " + file.filename().string() + " …", [&](app::AsideState& state) {
         const int all = std::max(1, report.rowCount());
         writer(report.report(), target.out, [&](int rows) {
             state.percent = static_cast<int>(100LL * rows / all);
@@ -78,7 +46,7 @@ bool writeHtmlFile(ui::Desk& desk, const ReportPages& report, const std::filesys
 }
 
 bool writeWorkbookFile(ui::Desk& desk, const ReportPages& report, const std::filesystem::path& file) {
-    return runAside(desk, "Writing " + file.filename().string() + " …", [&](AsideState& state) {
+    return app::runAside(desk, "Writing " + file.filename().string() + " …", [&](app::AsideState& state) {
         const int all = std::max(1, report.rowCount());
         writeWorkbook(report.report(), file, [&](int rows) {
             state.percent = static_cast<int>(100LL * rows / all);

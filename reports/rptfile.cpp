@@ -1,8 +1,8 @@
 #include "reports/rptfile.h"
 
+#include "app/aside.h"
 #include "app/modMain.h"
 #include "base/text.h"
-#include "reports/aside.h"
 
 namespace merchantry::reports {
 namespace {
@@ -28,7 +28,7 @@ std::unique_ptr<db::Session> ownSession() {
 // Counts what it is given and keeps nothing.
 class Counter : public db::ResultSink {
 public:
-    explicit Counter(AsideState& state) : state_(state) {}
+    explicit Counter(app::AsideState& state) : state_(state) {}
     void beginSet(const std::vector<db::Column>&) override { ++sets_; }
     void row(const db::RowView&) override {
         if (sets_ == 1)
@@ -36,7 +36,7 @@ public:
     }
 
 private:
-    AsideState& state_;
+    app::AsideState& state_;
     int sets_ = 0;
 };
 
@@ -55,9 +55,9 @@ std::unique_ptr<Report> RptFile::run(ui::Desk& desk) const {
         opened(path_.filename().string(), parameters_);
     const auto session = ownSession();
     std::unique_ptr<Report> report;
-    const bool ended = runAside(
+    const bool ended = app::runAside(
         desk, "Reading \"" + title() + "\" …",
-        [&](AsideState& state) {
+        [&](app::AsideState& state) {
             report = Report::run(*session, definition_, parameters_, criteria, [&state](int rows) {
                 state.rows = rows;
                 return !state.stop;
@@ -72,9 +72,9 @@ std::optional<int> RptFile::countRows(ui::Desk& desk) const {
     const std::string statement = queryText(definition_, parameters_);
     session->setReadOnly(true);
     int rows = 0;
-    const bool ended = runAside(
+    const bool ended = app::runAside(
         desk, "Counting the rows of \"" + title() + "\" …",
-        [&](AsideState& state) {
+        [&](app::AsideState& state) {
             Counter counter(state);
             session->execute(statement, counter);
             rows = state.rows;

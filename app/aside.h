@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-namespace merchantry::reports {
+namespace merchantry::app {
 
 // What a work on a thread of its own and those who wait for it tell each other.
 struct AsideState {
@@ -21,4 +21,4 @@ struct AsideState {
 bool runAside(ui::Desk& desk, const std::string& what, const std::function<void(AsideState&)>& work,
               const std::function<void()>& interrupt = {});
 
-} // namespace merchantry::reports
+} // namespace merchantry::app

@@ -1,4 +1,4 @@
-#include "reports/aside.h"
+#include "app/aside.h"
 
 #include "app/db/dberror.h"
 #include "base/numbers.h"
@@ -7,7 +7,7 @@
 #include <chrono>
 #include <future>
 
-namespace merchantry::reports {
+namespace merchantry::app {
 namespace {
 
 using namespace std::chrono_literals;
@@ -64,4 +64,4 @@ bool runAside(ui::Desk& desk, const std::string& what, const std::function<void(
     return ended;
 }
 
-} // namespace merchantry::reports
+} // namespace merchantry::app
