@@ -26,6 +26,7 @@
 #include "customers/frmCustomerView.h"
 #include "customers/frmStatements.h"
 #include "customers/frmStoreCreditUdjustment.h"
+#include "exchange/frmImportExport.h"
 #include "inventory/frmInvReasonCodes.h"
 #include "inventory/frmInventory.h"
 #include "inventory/frmInventory_Adjust.h"
@@ -122,6 +123,7 @@ constexpr Screen kScreens[] = {
     {"frmReport_Generate", instanceOf<reports::frmReport_Generate>, false},
     {"frmViewer", instanceOf<reports::frmViewer>, false},
     {"frmOrphanedItems", instanceOf<reports::frmOrphanedItems>, false},
+    {"frmImportExport", instanceOf<exchange::frmImportExport>, false},
     {"frmCashiers", instanceOf<setup::frmCashiers>, true},
     {"frmCashier_Security", instanceOf<setup::frmCashier_Security>, false},
     {"frmRegisters", instanceOf<setup::frmRegisters>, true},
@@ -209,6 +211,7 @@ void bindDoors(ui::Desk& desk) {
         view.ReportType = type;
         view.OpenReport(number, criteria);
     };
+    doors.ImportExport = [&desk](const std::string& mode) { desk.form<exchange::frmImportExport>().ShowMode(mode); };
     doors.HasScreen = [](const std::string& form) {
         return std::any_of(std::begin(kScreens), std::end(kScreens), [&](const Screen& s) { return s.command && form == s.name; });
     };
