@@ -1,6 +1,7 @@
 #include "app/aside.h"
 
 #include "app/db/dberror.h"
+#include "app/modMain.h"
 #include "base/numbers.h"
 #include "ui/longwork.h"
 
@@ -42,6 +43,13 @@ private:
 };
 
 } // namespace
+
+std::unique_ptr<db::Session> sessionAside() {
+    const auto& conn = modMain().Conn;
+    auto session = conn->provider().open(conn->ConnectionString());
+    session->setWaiter(nullptr); // it belongs to the desk's thread
+    return session;
+}
 
 bool runAside(ui::Desk& desk, const std::string& what, const std::function<void(AsideState&)>& work,
               const std::function<void()>& interrupt) {

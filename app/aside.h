@@ -1,9 +1,11 @@
 #pragma once
 
+#include "app/db/session.h"
 #include "ui/desk.h"
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace merchantry::app {
@@ -14,6 +16,9 @@ struct AsideState {
     std::atomic<int> rows = 0;      // so far
     std::atomic<int> percent = -1;  // below 0 while it is not known
 };
+
+// A session of its own on the application's store, for such a work: where it has to wait for another program, nobody is asked.
+std::unique_ptr<db::Session> sessionAside();
 
 // Runs the work on a thread of its own while the desk goes on, with progress and a Stop once it takes longer than a moment. The work may
 // touch nothing that the desk's thread changes meanwhile. `interrupt` is called, perhaps several times, when the work should stop; it must

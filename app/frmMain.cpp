@@ -59,6 +59,7 @@ constexpr Need kNeeds[] = {
     {"mnuItemsMatrixitemsParentlookup", [](const Doors& doors) { return doors.ShowItemLookup != nullptr; }},
     {"mnuItemsMatrixitemsMatrixitemlookup", [](const Doors& doors) { return doors.ItemMatrixLookup != nullptr; }},
     {"mnuItemsSetupSalesmessages", [](const Doors& doors) { return doors.SalesMessages != nullptr; }},
+    {"mnuFileQuickbooksexport", [](const Doors& doors) { return doors.QuickBooksExport != nullptr; }},
     {"mnuRunCustomerStatements", [](const Doors& doors) { return doors.CustomerStatements != nullptr; }},
     {"mnuCustomReport", [](const Doors& doors) { return doors.CustomReport != nullptr; }},
 };
@@ -317,14 +318,9 @@ void frmMain::QuickBooksExport() {
         if (!screen || !screen("frmTaxClasses"))
             return;
     }
-    const auto& exporter = modMain().doors.QuickBooksExport;
-    if (!exporter) { // what comes before it is here, and asks
-        desk().status("The QuickBooks export is not part of this version yet.");
-        return;
-    }
     MenuEntry& command = entry("mnuFileQuickbooksexport");
     command.setEnabled(false);
-    exporter(1);
+    modMain().doors.QuickBooksExport(1);
     command.setEnabled(true);
 }
 

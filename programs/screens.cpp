@@ -27,6 +27,7 @@
 #include "customers/frmStatements.h"
 #include "customers/frmStoreCreditUdjustment.h"
 #include "exchange/frmImportExport.h"
+#include "exchange/frmQuickBooks.h"
 #include "inventory/frmInvReasonCodes.h"
 #include "inventory/frmInventory.h"
 #include "inventory/frmInventory_Adjust.h"
@@ -124,6 +125,7 @@ constexpr Screen kScreens[] = {
     {"frmViewer", instanceOf<reports::frmViewer>, false},
     {"frmOrphanedItems", instanceOf<reports::frmOrphanedItems>, false},
     {"frmImportExport", instanceOf<exchange::frmImportExport>, false},
+    {"frmQuickBooks", instanceOf<exchange::frmQuickBooks>, false},
     {"frmCashiers", instanceOf<setup::frmCashiers>, true},
     {"frmCashier_Security", instanceOf<setup::frmCashier_Security>, false},
     {"frmRegisters", instanceOf<setup::frmRegisters>, true},
@@ -212,6 +214,7 @@ void bindDoors(ui::Desk& desk) {
         view.OpenReport(number, criteria);
     };
     doors.ImportExport = [&desk](const std::string& mode) { desk.form<exchange::frmImportExport>().ShowMode(mode); };
+    doors.QuickBooksExport = [&desk](int) { desk.showModal(desk.form<exchange::frmQuickBooks>()); };
     doors.HasScreen = [](const std::string& form) {
         return std::any_of(std::begin(kScreens), std::end(kScreens), [&](const Screen& s) { return s.command && form == s.name; });
     };

@@ -19,12 +19,6 @@ std::filesystem::path fileNamed(const std::filesystem::path& path) {
     throw ReportNotFound();
 }
 
-// A session of the report's own: what else the program does goes on meanwhile.
-std::unique_ptr<db::Session> ownSession() {
-    app::ModMain& session = app::modMain();
-    return session.provider->open(session.Conn->ConnectionString());
-}
-
 // Counts what it is given and keeps nothing.
 class Counter : public db::ResultSink {
 public:
@@ -53,7 +47,7 @@ void RptFile::setParameter(std::size_t number, const std::string& value) {
 std::unique_ptr<Report> RptFile::run(ui::Desk& desk) const {
     if (const auto& opened = app::modMain().reportOpened)
         opened(path_.filename().string(), parameters_);
-    const auto session = ownSession();
+    const auto session = app::sessionAside();
     std::unique_ptr<Report> report;
     const bool ended = app::runAside(
         desk, "Reading \"" + title() + "\" …",
@@ -68,7 +62,7 @@ std::unique_ptr<Report> RptFile::run(ui::Desk& desk) const {
 }
 
 std::optional<int> RptFile::countRows(ui::Desk& desk) const {
-    const auto session = ownSession();
+    const auto session = app::sessionAside();
     const std::string statement = queryText(definition_, parameters_);
     session->setReadOnly(true);
     int rows = 0;

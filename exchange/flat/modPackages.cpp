@@ -25,8 +25,7 @@ constexpr const char* kItemTag = "MR_frmImportItems";
 using Step = std::function<bool(db::Session& session, const FlatProgress& goOn)>;
 
 bool runStep(const FlatPackage& package, const std::string& what, const Step& step) {
-    const auto session = modMain().Conn->provider().open(modMain().Conn->ConnectionString());
-    session->setWaiter(nullptr); // it belongs to the desk's thread
+    const auto session = app::sessionAside();
     bool whole = false;
     try {
         const bool ended = app::runAside(

@@ -154,6 +154,7 @@ std::span<const UpgradeStep> upgradeSteps() {
                                       "IF COL_LENGTH('Item', 'True') IS NULL ALTER TABLE Item ADD [True] AS CAST(1 AS bit)";
     static const std::string tenth = newTable("FirstRoad") + kToVersion10;
     static const std::string eleventh = newTable("CreditApplication") + newTable("StatementRun") + newTable("Statement");
+    static const std::string twelfth = newTable("AccountMap") + newTable("AccountingFile") + newTable("AccountingDay");
     static const std::array kSteps{
         UpgradeStep{2, ""},           // the procedures of item catalogue and stock
         UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
@@ -167,6 +168,7 @@ std::span<const UpgradeStep> upgradeSteps() {
         UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
         UpgradeStep{8, eighth}, UpgradeStep{9, kToVersion9}, UpgradeStep{10, tenth},
         UpgradeStep{11, eleventh}, // what credits were applied to, and statements
+        UpgradeStep{12, twelfth},  // what goes out to accounting
     };
     return kSteps;
 }

@@ -32,4 +32,4 @@ INSERT INTO BillingCycle (Cycle) VALUES (1), (5), (10), (15), (20), (25)
 INSERT INTO GracePeriod (Period) VALUES (0), (5), (10), (15), (20), (30), (45), (60), (90)
 INSERT INTO TenderTypes (TenderType, DisplayOrder) VALUES ('Cash', 0), ('Check', 1), ('Credit Card', 2), ('Debit Card', 3), ('Gift Voucher', 4), ('Store Credit', 5), ('Charge Account', 6), ('Mobile Payment', 7)
 INSERT INTO FirstRoad DEFAULT VALUES
-INSERT INTO SchemaVersion (Version) VALUES (11)
+INSERT INTO SchemaVersion (Version) VALUES (12)

@@ -1,0 +1,127 @@
+#include "exchange/accounting/sentdays.h"
+
+#include "app/db/work.h"
+
+#include <functional>
+
+namespace merchantry::exchange {
+namespace {
+
+using db::RowView;
+using db::TypeKind;
+
+class Rows : public db::ResultSink {
+public:
+    explicit Rows(std::function<void(const RowView&)> take) : take_(std::move(take)) {}
+    void beginSet(const std::vector<db::Column>&) override {}
+    void row(const RowView& row) override { take_(row); }
+
+private:
+    std::function<void(const RowView&)> take_;
+};
+
+Currency moneyOf(const RowView& row, int column) {
+    return Currency::fromUnits(row.number(column));
+}
+
+// Of the days, those that went out, so that nobody else sends them before this transaction ends.
+std::string sentAmong(db::Session& session, const std::vector<BookedDay>& days) {
+    std::string sent;
+    Rows rows([&](const RowView& row) {
+        const Date day = Date::fromMs(row.number(0));
+        if (std::any_of(days.begin(), days.end(), [&](const BookedDay& one) { return one.day == day; }))
+            sent += (sent.empty() ? "" : ", ") + day.toShortText();
+    });
+    session.execute("SELECT Day FROM AccountingDay WITH (UPDLOCK, HOLDLOCK) ORDER BY Day", rows);
+    return sent;
+}
+
+void keepDay(db::Session& session, const BookedDay& day, const Value& file) {
+    const db::SqlType money{TypeKind::Money};
+    const db::SqlType number{TypeKind::Int};
+    std::vector<db::Parameter> values{{"day", {TypeKind::DateTime}, day.day},
+                                      {"file", number, file},
+                                      {"receipts", number, day.figures.receipts},
+                                      {"sales", money, day.figures.sales},
+                                      {"tax", money, day.figures.tax},
+                                      {"tendered", money, day.figures.tendered},
+                                      {"bills", money, day.figures.bills},
+                                      {"accounts", money, day.figures.accounts}};
+    db::NoResult none;
+    session.execute(
+        "INSERT INTO AccountingDay (Day, FileID, Receipts, Sales, Tax, Tendered, Bills, Accounts) VALUES (@day, @file, @receipts, "
+        "@sales, @tax, @tendered, @bills, @accounts)",
+        values, none);
+}
+
+} // namespace
+
+std::map<Date, SentDay> sentDays(db::Session& session) {
+    std::map<Date, SentDay> days;
+    Rows rows([&](const RowView& row) {
+        days[Date::fromMs(row.number(0))] = {
+            static_cast<int>(row.number(1)),
+            Date::fromMs(row.number(2)),
+            {static_cast<int>(row.number(3)), moneyOf(row, 4), moneyOf(row, 5), moneyOf(row, 6), moneyOf(row, 7), moneyOf(row, 8)}};
+    });
+    session.execute(
+        "SELECT d.Day, d.FileID, f.Made, d.Receipts, d.Sales, d.Tax, d.Tendered, d.Bills, d.Accounts FROM AccountingDay d INNER JOIN "
+        "AccountingFile f ON f.FileID = d.FileID ORDER BY d.Day",
+        rows);
+    return days;
+}
+
+std::vector<SentFile> sentFiles(db::Session& session) {
+    std::vector<SentFile> files;
+    Rows rows([&](const RowView& row) {
+        files.push_back({static_cast<int>(row.number(0)), Date::fromMs(row.number(1)), Date::fromMs(row.number(2)),
+                         Date::fromMs(row.number(3)), static_cast<int>(row.number(4)), row.number(5)});
+    });
+    session.execute(
+        "SELECT f.FileID, f.Made, MIN(d.Day), MAX(d.Day), COUNT(*), f.Bytes FROM AccountingFile f INNER JOIN AccountingDay d ON "
+        "d.FileID = f.FileID GROUP BY f.FileID, f.Made, f.Bytes ORDER BY f.FileID DESC",
+        rows);
+    return files;
+}
+
+std::string sentBytes(db::Session& session, int number) {
+    std::string bytes;
+    Rows rows([&](const RowView& row) {
+        const Value content = row.value(0);
+        bytes.assign(content.as<Bytes>().begin(), content.as<Bytes>().end());
+    });
+    session.execute("SELECT Content FROM AccountingFile WHERE FileID = " + std::to_string(number), rows);
+    return bytes;
+}
+
+int keepSent(db::Session& session, const std::vector<BookedDay>& days, const std::string& bytes) {
+    db::Work work(session);
+    const std::string sent = sentAmong(session, days);
+    if (!sent.empty())
+        throw AlreadySent("These days have gone out meanwhile: " + sent + ". Each day goes out once; Sent Files gives a file again.");
+    db::NoResult none;
+    std::vector<db::Parameter> values{{"content", {TypeKind::Image}, Bytes(bytes.begin(), bytes.end())},
+                                      {"bytes", {TypeKind::Int}, static_cast<std::int64_t>(bytes.size())}};
+    session.execute("INSERT INTO AccountingFile (Content, Bytes) VALUES (@content, @bytes)", values, none);
+    const Value file = session.lastIdentity();
+    for (const BookedDay& day : days)
+        keepDay(session, day, file);
+    work.commit();
+    return static_cast<int>(file.toInteger());
+}
+
+Date firstUnsent(db::Session& session, Date today) {
+    Date first = today.dateOnly();
+    Rows rows([&](const RowView& row) {
+        if (!row.isNull(0))
+            first = std::min(first, Date::fromMs(row.number(0)).dateOnly());
+    });
+    session.execute("SELECT DATEADD(day, 1, MAX(Day)) FROM AccountingDay HAVING MAX(Day) IS NOT NULL", rows);
+    if (first == today.dateOnly())
+        session.execute("SELECT MIN(Time) FROM [Transaction] UNION ALL SELECT MIN(PostDate) FROM PurchaseOrderReceipt UNION ALL SELECT "
+                        "MIN(Time) FROM CreditTransaction",
+                        rows);
+    return first;
+}
+
+} // namespace merchantry::exchange
