@@ -1,5 +1,6 @@
 #include "exchange/accounting/accountmap.h"
 
+#include "app/db/eachrow.h"
 #include "base/text.h"
 #include "exchange/accounting/iif.h"
 
@@ -10,6 +11,7 @@
 namespace merchantry::exchange {
 namespace {
 
+using db::EachRow;
 using db::RowView;
 
 // How a use is kept in the store, what it is called, and the account that it has at first. "*" stands for the name of what the code means.
@@ -70,16 +72,6 @@ constexpr CodeSource kSources[] = {
      "WHERE CreditCode <> 'application' ORDER BY CreditCode"},
 };
 
-class Rows : public db::ResultSink {
-public:
-    explicit Rows(std::function<void(const RowView&)> take) : take_(std::move(take)) {}
-    void beginSet(const std::vector<db::Column>&) override {}
-    void row(const RowView& row) override { take_(row); }
-
-private:
-    std::function<void(const RowView&)> take_;
-};
-
 const UseRow& rowOf(AccountUse use) {
     return *std::find_if(std::begin(kUses), std::end(kUses), [&](const UseRow& row) { return row.use == use; });
 }
@@ -134,13 +126,13 @@ void AccountMap::add(AccountUse use, const std::string& code, const std::string&
 AccountMap AccountMap::read(db::Session& session) {
     AccountMap map;
     for (const CodeSource& source : kSources) {
-        Rows codes([&](const RowView& row) { map.add(source.use, std::string(row.text(0)), std::string(row.text(1))); });
+        EachRow codes([&](const RowView& row) { map.add(source.use, std::string(row.text(0)), std::string(row.text(1))); });
         session.execute(source.select, codes);
     }
     for (const UseRow& use : kUses)
         if (!hasCodes(use.use))
             map.add(use.use, "", "");
-    Rows kept([&](const RowView& row) {
+    EachRow kept([&](const RowView& row) {
         for (MappedAccount& account : map.accounts_)
             if (sameText(rowOf(account.use).kept, row.text(0)) && sameText(account.code, row.text(1))) {
                 account.account = row.text(2);

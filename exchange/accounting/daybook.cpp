@@ -1,5 +1,6 @@
 #include "exchange/accounting/daybook.h"
 
+#include "app/db/eachrow.h"
 #include "base/text.h"
 
 #include <algorithm>
@@ -11,22 +12,11 @@
 namespace merchantry::exchange {
 namespace {
 
+using db::EachRow;
 using db::RowView;
 
 constexpr const char* kJournal = "GENERAL JOURNAL";
 constexpr const char* kBill = "BILL";
-
-struct Stopped {};
-
-class Rows : public db::ResultSink {
-public:
-    explicit Rows(std::function<void(const RowView&)> take) : take_(std::move(take)) {}
-    void beginSet(const std::vector<db::Column>&) override {}
-    void row(const RowView& row) override { take_(row); }
-
-private:
-    std::function<void(const RowView&)> take_;
-};
 
 Currency moneyOf(const RowView& row, int column) {
     return row.isNull(column) ? Currency() : Currency::fromUnits(row.number(column));
@@ -131,7 +121,7 @@ public:
 private:
     std::string within(const std::string& column) const { return column + between_ + column + before_; }
     void select(const std::string& statement, std::function<void(const RowView&)> take) {
-        Rows rows(std::move(take));
+        EachRow rows(std::move(take));
         session_.execute(statement, rows);
     }
 
@@ -337,7 +327,7 @@ std::string numbered(const std::string& name, const std::string& number) {
 
 Names customerNames(db::Session& session, const std::set<std::string>& wanted) {
     Names names;
-    Rows rows([&](const RowView& row) {
+    EachRow rows([&](const RowView& row) {
         const std::string number = std::to_string(row.number(0));
         if (!wanted.contains(number))
             return;
@@ -352,7 +342,7 @@ Names customerNames(db::Session& session, const std::set<std::string>& wanted) {
 Names supplierNames(db::Session& session, const std::set<std::string>& wanted) {
     Names names;
     std::map<std::string, int> alike;
-    Rows rows([&](const RowView& row) {
+    EachRow rows([&](const RowView& row) {
         const std::string number = std::to_string(row.number(0));
         const std::string name = accountingName(textOf(row, 1), kLongestName);
         const bool again = ++alike[lowerCase(name)] > 1 || name.empty();

@@ -1,24 +1,14 @@
 #include "exchange/accounting/sentdays.h"
 
+#include "app/db/eachrow.h"
 #include "app/db/work.h"
-
-#include <functional>
 
 namespace merchantry::exchange {
 namespace {
 
+using db::EachRow;
 using db::RowView;
 using db::TypeKind;
-
-class Rows : public db::ResultSink {
-public:
-    explicit Rows(std::function<void(const RowView&)> take) : take_(std::move(take)) {}
-    void beginSet(const std::vector<db::Column>&) override {}
-    void row(const RowView& row) override { take_(row); }
-
-private:
-    std::function<void(const RowView&)> take_;
-};
 
 Currency moneyOf(const RowView& row, int column) {
     return Currency::fromUnits(row.number(column));
@@ -27,7 +17,7 @@ Currency moneyOf(const RowView& row, int column) {
 // Of the days, those that went out, so that nobody else sends them before this transaction ends.
 std::string sentAmong(db::Session& session, const std::vector<BookedDay>& days) {
     std::string sent;
-    Rows rows([&](const RowView& row) {
+    EachRow rows([&](const RowView& row) {
         const Date day = Date::fromMs(row.number(0));
         if (std::any_of(days.begin(), days.end(), [&](const BookedDay& one) { return one.day == day; }))
             sent += (sent.empty() ? "" : ", ") + day.toShortText();
@@ -58,7 +48,7 @@ void keepDay(db::Session& session, const BookedDay& day, const Value& file) {
 
 std::map<Date, SentDay> sentDays(db::Session& session) {
     std::map<Date, SentDay> days;
-    Rows rows([&](const RowView& row) {
+    EachRow rows([&](const RowView& row) {
         days[Date::fromMs(row.number(0))] = {
             static_cast<int>(row.number(1)),
             Date::fromMs(row.number(2)),
@@ -73,7 +63,7 @@ std::map<Date, SentDay> sentDays(db::Session& session) {
 
 std::vector<SentFile> sentFiles(db::Session& session) {
     std::vector<SentFile> files;
-    Rows rows([&](const RowView& row) {
+    EachRow rows([&](const RowView& row) {
         files.push_back({static_cast<int>(row.number(0)), Date::fromMs(row.number(1)), Date::fromMs(row.number(2)),
                          Date::fromMs(row.number(3)), static_cast<int>(row.number(4)), row.number(5)});
     });
@@ -86,7 +76,7 @@ std::vector<SentFile> sentFiles(db::Session& session) {
 
 std::string sentBytes(db::Session& session, int number) {
     std::string bytes;
-    Rows rows([&](const RowView& row) {
+    EachRow rows([&](const RowView& row) {
         const Value content = row.value(0);
         bytes.assign(content.as<Bytes>().begin(), content.as<Bytes>().end());
     });
@@ -112,7 +102,7 @@ int keepSent(db::Session& session, const std::vector<BookedDay>& days, const std
 
 Date firstUnsent(db::Session& session, Date today) {
     Date first = today.dateOnly();
-    Rows rows([&](const RowView& row) {
+    EachRow rows([&](const RowView& row) {
         if (!row.isNull(0))
             first = std::min(first, Date::fromMs(row.number(0)).dateOnly());
     });
