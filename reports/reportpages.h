@@ -18,6 +18,8 @@ public:
     const ui::Pages& pages() const { return *pages_; }
     // Null for labels, which have no groups.
     const std::vector<ui::PageBranch>* tree() const { return layout_ == nullptr ? nullptr : &layout_->tree(); }
+    // A report of letters, each for somebody; none for any other. Requires: all pages are laid out.
+    std::vector<Letter> letters() const { return layout_ == nullptr ? std::vector<Letter>() : layout_->letters(); }
     int rowCount() const { return report_->outline().rows().rowCount(); }
     // Lays out more pages for about so long; true when all are.
     bool layOut(std::chrono::milliseconds time);

@@ -52,11 +52,13 @@ ReportWindow::ReportWindow(Desk& desk, std::string name, std::string caption) : 
     txtFind.setToolTip("Words to look for (Ctrl+F)");
     cmdPrint.setToolTip("Print all pages or some of them (Ctrl+P)");
     cmdExport.setToolTip("Write the report to a file (Ctrl+E)");
+    cmdLetters.setToolTip("Write each letter to a PDF of its own, into a folder");
     cmdRefresh.setToolTip("Read the report anew from the store (F5)");
     cmdClose.isCancel = true;
 
     cmdPrint.click = [this] { cmdPrint_Click(); };
     cmdExport.click = [this] { cmdExport_Click(); };
+    cmdLetters.click = [this] { cmdLetters_Click(); };
     cmdRefresh.click = [this] { cmdRefresh_Click(); };
     imgTree.click = [this] { CRViewer1.setTreeShown(!CRViewer1.treeShown()); };
     imgFirst.click = [this] { CRViewer1.turnTo(1); };
@@ -109,8 +111,8 @@ ReportWindow::ReportWindow(Desk& desk, std::string name, std::string caption) : 
     onKey("Ctrl+-", [this] { zoomStep(-1); });
 
     setLayout(column({
-        row({at(cmdPrint), at(cmdExport), at(cmdRefresh), gap(), at(imgTree), gap(), at(imgFirst), at(imgPrevious), at(txtPage).wide(6),
-             at(lblPages), at(imgNext), at(imgLast), gap(), at(lbxZoom).wide(12), stretch()}),
+        row({at(cmdPrint), at(cmdExport), at(cmdLetters), at(cmdRefresh), gap(), at(imgTree), gap(), at(imgFirst), at(imgPrevious),
+             at(txtPage).wide(6), at(lblPages), at(imgNext), at(imgLast), gap(), at(lbxZoom).wide(12), stretch()}),
         at(CRViewer1).stretched(),
         buttons({at(lblState).stretched(), at(txtFind).wide(20), at(imgFindPrevious), at(imgFindNext), gap(), at(cmdClose)}),
     }));
@@ -146,6 +148,7 @@ bool ReportWindow::readReport() {
 
 void ReportWindow::viewReport() {
     cmdRefresh.setVisible(false);
+    cmdLetters.setVisible(ViewerTools && pages_ != nullptr && hasLetters(pages_->report().definition()));
     for (Control* tool : std::initializer_list<Control*>{&cmdExport, &txtFind, &imgFindPrevious, &imgFindNext, &lbxZoom})
         tool->setVisible(ViewerTools);
     cmdRefresh.setVisible(FifthTool);
@@ -301,6 +304,34 @@ void ReportWindow::cmdExport_Click() {
         if (!file || !layOutAll())
             return;
         lblState.setCaption(exportReport(desk(), *pages_, *file) ? "Written to " + file->string() : "Stopped: nothing was written.");
+    });
+}
+
+bool ReportWindow::writesOver(const std::vector<LetterFile>& files, const std::filesystem::path& folder) {
+    const auto there = std::count_if(files.begin(), files.end(), [&](const LetterFile& one) { return exists(folder / one.name); });
+    if (there == 0)
+        return true;
+    const std::string what = there == 1 ? "One of the files exists" : withThousands(there) + " of the files exist";
+    return desk().message(what + " in " + folder.string() + " already. Replace " + (there == 1 ? "it?" : "them?"), kProduct,
+                          MessageIcon::Question, MessageButtons::YesNo) == Answer::Yes;
+}
+
+void ReportWindow::cmdLetters_Click() {
+    attempt("The letters could not be written.", [this] {
+        const auto folder = desk().file({.title = "Folder for the Letters",
+                                         .filter = "",
+                                         .folder = desk().documentsFolder().string(),
+                                         .save = false,
+                                         .ofFolders = true});
+        if (!folder || !layOutAll())
+            return;
+        const std::vector<LetterFile> files = letterFiles(pages_->letters());
+        if (!writesOver(files, *folder))
+            return;
+        const int written = writeLetters(desk(), *pages_, files, *folder);
+        const bool all = written == static_cast<int>(files.size());
+        lblState.setCaption((all ? "Written to " : "Stopped; written before to ") + folder->string() + ": " +
+                            counted(written, "letter", "letters") + ".");
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "reports/letterfiles.h"
 #include "reports/reportpages.h"
 #include "reports/rptfile.h"
 #include "ui/button.h"
@@ -54,11 +55,14 @@ private:
     bool layOutAll();
     void cmdPrint_Click();
     void cmdExport_Click();
+    void cmdLetters_Click();
+    bool writesOver(const std::vector<LetterFile>& files, const std::filesystem::path& folder);
     void cmdRefresh_Click();
     void attempt(const std::string& what, const std::function<void()>& body);
 
     ui::Button cmdPrint{*this, "cmdPrint", "&Print"};
     ui::Button cmdExport{*this, "cmdExport", "&Export"};
+    ui::Button cmdLetters{*this, "cmdLetters", "Each to a &File..."};
     ui::Button cmdRefresh{*this, "cmdRefresh", "&Read Again"};
     ui::Image imgTree{*this, "imgTree", "tree", "Show or hide the groups (F4)"};
     ui::Image imgFirst{*this, "imgFirst", "arrow-first", "First page (Ctrl+Home)"};

@@ -44,7 +44,8 @@ struct FileDialog {
     std::string filter;
     std::string folder;
     bool save = false;
-    std::string name{}; // without an ending
+    std::string name{};     // without an ending
+    bool ofFolders = false; // a folder is chosen, or a new one made
 };
 
 // What the user chose in a print dialogue: the printer, made ready, and the pages, from 1.

@@ -242,6 +242,9 @@ GroupDefinition group(Table& table) {
         for (Table& one : table.list(name, "a line"))
             lines->push_back(textLine(one, true));
     table.read("top", group.top, 0, 8);
+    table.read("letter", group.letter);
+    if (!group.letter.empty() && !group.pageBreak)
+        table.failHere("A letter begins a page: it wants \"page_break = true\".");
     table.finish();
     return group;
 }

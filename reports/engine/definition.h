@@ -81,6 +81,9 @@ struct GroupDefinition {
     std::string footer;
     bool pageBreak = false;
     bool details = true;
+    // A letter to somebody, its pages counted by themselves, the title on its first: the words name its file where each is a file of its
+    // own. Empty for any other group.
+    std::string letter;
     int keep = 2;                // rows on the page of the header
     std::vector<TextLine> head;  // in the place of the header's line, the columns' headings below: each group is a form of its own
     double top = 0;              // inches of the page above it, at least

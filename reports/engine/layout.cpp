@@ -85,7 +85,10 @@ public:
     // False when this was the last page.
     bool fill(Start& at, std::vector<ui::PageBranch>* tree) {
         bottom_ = layout_.paperHeight_ - kMargin - layout_.height(kFootSize);
-        head();
+        opens_ = number_ == at.letter;
+        head(number_ - at.letter + 1);
+        if (opens_)
+            title();
         if (number_ == 0 && !first())
             return false;
         if (!at.foot) {
@@ -155,17 +158,17 @@ private:
     }
 
     // The store and, from the second page on, the title; the foot with date and page.
-    void head() {
+    void head(int page) {
         y_ = kMargin / 2 + 40;
-        const int store = inner() * (number_ > 0 ? 1 : 3) / 3;
+        const int store = inner() * (opens_ ? 3 : 1) / 3;
         text(0, store, layout_.head_.store, kFootSize + 1, ui::PageAlign::Left, true, ui::PageInk::Grey);
-        if (number_ > 0)
+        if (!opens_)
             text(store, inner() - store, fullTitle(), kFootSize + 1, ui::PageAlign::Right, false, ui::PageInk::Grey);
         y_ = layout_.paperHeight_ - kMargin / 2 - layout_.height(kFootSize);
         text(0, inner() / 2, layout_.head_.made.toShortText(), kFootSize, ui::PageAlign::Left, false, ui::PageInk::Grey);
-        const std::string of = layout_.complete_ ? " of " + std::to_string(layout_.count()) : "";
-        text(inner() / 2, inner() / 2, "Page " + std::to_string(number_ + 1) + of, kFootSize, ui::PageAlign::Right, false,
-             ui::PageInk::Grey);
+        const int end = layout_.endOfLetter(number_);
+        const std::string of = end > 0 ? " of " + std::to_string(end - number_ - 1 + page) : "";
+        text(inner() / 2, inner() / 2, "Page " + std::to_string(page) + of, kFootSize, ui::PageAlign::Right, false, ui::PageInk::Grey);
         y_ = kMargin;
     }
 
@@ -175,17 +178,19 @@ private:
         return below.empty() ? definition().title : definition().title + ", " + below;
     }
 
-    // Title, criteria, the form's head and the charts of the start. False when there is nothing else, for want of rows.
-    bool first() {
+    // Of the report or of each letter, with the criteria.
+    void title() {
         text(0, inner(), definition().title, kTitleSize, ui::PageAlign::Left, true);
         y_ += layout_.height(kTitleSize);
-        const db::RowStore& rows = layout_.outline_.rows();
         if (const std::string below = layout_.outline_.subtitle(); !below.empty())
             line(below, 22);
         for (const std::string& words : criteria())
             line(words, 17, ui::PageInk::Grey);
         y_ += kAfterHead;
-        if (rows.rowCount() == 0) {
+    }
+    // The form's head and the charts of the start. False when there is nothing else, for want of rows.
+    bool first() {
+        if (layout_.outline_.rows().rowCount() == 0) {
             text(0, inner(), definition().page.empty, 22);
             return false;
         }
@@ -475,6 +480,7 @@ private:
     const Layout& layout_;
     ui::Page* page_;
     int number_;
+    bool opens_ = false; // the first page of the report, or of a letter
     int y_ = 0;
     int bottom_ = 0;
 };
@@ -522,10 +528,43 @@ bool Layout::layOut(int pages) {
         Start next = starts_.back();
         const bool more = Filler(*this, nullptr, count() - 1).fill(next, &tree_);
         complete_ = !more;
-        if (more)
-            starts_.push_back(std::move(next));
+        if (!more)
+            break;
+        if (beginsLetter(next.walk))
+            next.letter = count();
+        starts_.push_back(std::move(next));
     }
     return complete_;
+}
+
+bool Layout::beginsLetter(const Walk& walk) const {
+    Walk ahead = walk;
+    return ahead.peek() == Band::Kind::Header &&
+           !outline_.definition().groups[static_cast<std::size_t>(ahead.take(false).group)].letter.empty();
+}
+
+// The page behind the last of the page's letter; 0 while that is not known.
+int Layout::endOfLetter(int number) const {
+    const auto& groups = outline_.definition().groups;
+    if (std::all_of(groups.begin(), groups.end(), [](const GroupDefinition& group) { return group.letter.empty(); }))
+        return complete_ ? count() : 0;
+    const auto page = starts_.begin() + std::min(number, count() - 1);
+    const auto end = std::find_if(page, starts_.end(), [&](const Start& start) { return start.letter != page->letter; });
+    return end == starts_.end() && !complete_ ? 0 : static_cast<int>(end - starts_.begin());
+}
+
+std::vector<Letter> Layout::letters() const {
+    std::vector<Letter> all;
+    for (int number = 0; number < count(); number = endOfLetter(number)) {
+        Walk walk = starts_[static_cast<std::size_t>(number)].walk;
+        if (!beginsLetter(walk))
+            return {};
+        const Band header = walk.take(false);
+        const GroupDefinition& group = outline_.definition().groups[static_cast<std::size_t>(header.group)];
+        const FieldText words(group.letter, outline_.rows(), outline_.definition().file.filename().string(), group.line);
+        all.push_back({number, endOfLetter(number) - 1, words.in(outline_.rows(), header.row)});
+    }
+    return all;
 }
 
 ui::Page Layout::page(int number) const {

@@ -17,6 +17,13 @@ struct PageHead {
     Date made;
 };
 
+// A letter of a report: its pages, from 0, and the words that name its file.
+struct Letter {
+    int first = 0;
+    int last = 0;
+    std::string name;
+};
+
 // Lays a report out on pages. Only where each page begins is kept; a page is made when it is asked for and owned by the caller.
 // Borrows outline and measure, which must outlive it.
 class Layout : public ui::Pages {
@@ -28,8 +35,10 @@ public:
     bool complete() const override { return complete_; }
     int count() const override { return static_cast<int>(starts_.size()); }
     const std::vector<ui::PageBranch>& tree() const { return tree_; }
-    // "Page n of m" has its m once all pages are laid out.
+    // "Page n of m" has its m once all pages are laid out, or all of the page's letter.
     ui::Page page(int number) const override;
+    // The letters of a report that consists of such; none of any other. Requires: complete().
+    std::vector<Letter> letters() const;
 
 private:
     // Where a column stands, in twips from the left margin.
@@ -45,11 +54,14 @@ private:
         std::vector<std::string> open; // headers of the groups that go on from the page before
         bool foot = false;             // nothing but what follows the rows
         std::size_t chart = 0;         // the first chart of that page
+        int letter = 0;                // the page on which its letter begins
     };
     class Filler;
     friend class Filler;
 
     void placeColumns();
+    bool beginsLetter(const Walk& walk) const;
+    int endOfLetter(int number) const;
     int height(int halfPoints) const { return halfPoints * 13; } // 1.3 times the size
     int bodyHeight() const { return height(body_) + 30; }
 

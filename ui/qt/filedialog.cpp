@@ -41,7 +41,8 @@ public:
 std::optional<std::filesystem::path> QtDesk::file(const FileDialog& wish) {
     QFileDialog dialog(nullptr, toQt(wish.title), toQt(wish.folder));
     dialog.setAcceptMode(wish.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(wish.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setFileMode(wish.ofFolders ? QFileDialog::Directory : wish.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setOption(QFileDialog::ShowDirsOnly, wish.ofFolders);
     static NamesOnly names;
     dialog.setIconProvider(&names);
     dialog.setNameFilters(fileFilters(wish.filter));

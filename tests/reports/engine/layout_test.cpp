@@ -107,6 +107,47 @@ slip = [{ text = "Return this." }]
     }
 }
 
+// The pages of a run of letters counted on through all of them, and only the first of them had the title.
+TEST_F(Layouts, EachLetterCountsItsOwnPagesAndBeginsWithTheTitle) {
+    std::string sold = "('Toys', 'Ball', 2, 10, 4), ('Zoo', 'Bear', 1, 5, 4)";
+    for (int i = 0; i < 90; ++i)
+        sold += ", ('Food', 'Jam', 3, 12, 4)";
+    sell(sold);
+    layOut(R"(title = "Letters"
+[query]
+sql = "SELECT 1"
+[page]
+grand_total = ""
+[[column]]
+field = "Item"
+[[group]]
+field = "Department"
+header = "{Department}"
+page_break = true
+letter = "{Department}/{Units:number}"
+top = 2
+head = [{ text = "To {Department}" }]
+)");
+    ASSERT_EQ(layout->count(), 4);
+    const char* const feet[] = {"Page 1 of 2", "Page 2 of 2", "Page 1 of 1", "Page 1 of 1"};
+    for (const int number : {0, 1, 2, 3}) {
+        const ui::Page page = layout->page(number);
+        const auto has = [&](const std::string& words, int least) {
+            return std::any_of(page.items.begin(), page.items.end(),
+                               [&](const ui::PageItem& item) { return item.text == words && item.halfPoints >= least; });
+        };
+        EXPECT_TRUE(has(feet[number], 0)) << number << "\n" << pageText(page);
+        EXPECT_EQ(has("Letters", 30), number != 1) << number;
+        EXPECT_TRUE(has("Letters", 0)) << number;
+    }
+    const std::vector<Letter> letters = layout->letters();
+    ASSERT_EQ(letters.size(), 3U);
+    EXPECT_EQ(letters[0].last, 1);
+    EXPECT_EQ(letters[1].first, 2);
+    EXPECT_EQ(letters[1].name, "Toys/2");
+    EXPECT_TRUE(layOut(kReport).letters().empty());
+}
+
 TEST_F(Layouts, GroupsAddUpAndMarginsComeFromTotals) {
     sell("('Toys', 'Ball', 2, 10, 4), ('Toys', 'Kite', 1, 30, 21), ('Food', 'Jam', 3, 12.3456, 12.3456), ('Food', NULL, NULL, NULL, NULL)");
     const std::string page = pageText(layOut(kReport).page(0));
