@@ -34,7 +34,7 @@ std::size_t charged(const StatementRun& run) {
 }
 
 GridColumn amountColumn(const char* heading) {
-    return {.heading = heading, .alignRight = true, .characters = 9};
+    return {.heading = heading, .alignRight = true, .characters = 8};
 }
 
 } // namespace
@@ -72,7 +72,7 @@ frmStatements::frmStatements(Desk& desk) : Form(desk, "frmStatements", "Customer
     txtAsAt.gotFocus = [this] { txtAsAt.selectAll(); };
     cmdTakeBack.isDanger = true;
     cmdTakeBack.setToolTip("Takes the last run back with its finance charges, as long as nothing was applied to one of them.");
-    cmdPost.isDefault = true;
+    cmdDrawUp.isDefault = true;
     cmdExit.isCancel = true;
     prgWork.setVisible(false);
     cmdDrawUp.click = [this] { cmdDrawUp_Click(); };
@@ -213,8 +213,10 @@ void frmStatements::cmdDrawUp_Click() {
 
 // A day that was posted, or one before it, is not drawn up again: what was posted is shown.
 void frmStatements::drawUp(Date day) {
+    guarded({kTag, "Load_Runs"}, [this] { loadRuns(); });
     const auto last = lastPosted();
     const std::int32_t run = runOf(day);
+    const bool over = day < desk().clock().now().dateOnly();
     const bool posted = last && *last >= day;
     drawn_ = {};
     const bool done = work("cmdDrawUp_Click", [&](db::Session& session, const RunProgress& progress) {
@@ -223,7 +225,7 @@ void frmStatements::drawUp(Date day) {
         else if (!posted)
             drawn_ = drawUpStatements(session, day, progress);
     });
-    fresh_ = done && !posted && !drawn_.stopped;
+    fresh_ = done && over && !posted && !drawn_.stopped;
     show(drawn_);
     if (!done)
         lblState.setCaption("The statements could not be drawn up.");
@@ -234,7 +236,8 @@ void frmStatements::drawUp(Date day) {
     else if (posted)
         lblState.setCaption("Statements as at " + last->toShortText() + " were posted already: there are none before that day any more.");
     else
-        lblState.setCaption(counted(charged(drawn_), "account bears", "accounts bear") + " a finance charge. Nothing is posted yet.");
+        lblState.setCaption(counted(charged(drawn_), "account bears", "accounts bear") + " a finance charge. " +
+                            (over ? "Nothing is posted yet." : "The day is not over: it can be posted from tomorrow on."));
     setAvailable();
 }
 
@@ -272,7 +275,7 @@ bool frmStatements::postingConfirmed() {
                                                     counted(accounts, "account.", "accounts.");
     return desk().message("Do you wish to post " + counted(drawn_.statements.size(), "statement", "statements") + " as at " +
                               drawn_.asAt.toShortText() + "?\n\n" + charges + " The balances come to " + drawn_.balances.toDisplay() + ".",
-                          caption(), MessageIcon::Question, MessageButtons::YesNo) == Answer::Yes;
+                          caption(), MessageIcon::Exclamation, MessageButtons::YesNo) == Answer::Yes;
 }
 
 void frmStatements::cmdPost_Click() {
@@ -291,6 +294,8 @@ void frmStatements::post() {
             number = postStatements(session, drawn_, progress, StoreId, CashierId);
         } catch (const AccountsChanged& news) {
             changed = news.what();
+        } catch (const PostedMeanwhile& news) {
+            changed = std::string(news.what()) + " They are shown as they were posted; Posted Runs prints them.";
         }
     });
     if (!changed.empty()) {
@@ -324,16 +329,31 @@ void frmStatements::cmdTakeBack_Click() {
     const std::string day = grdRuns.value(grdRuns.row(), 1).as<Date>().toShortText();
     if (desk().message("Do you wish to take back the statements as at " + day +
                            "?\n\nTheir finance charges are taken off the accounts again.",
-                       caption(), MessageIcon::Question, MessageButtons::YesNo) != Answer::Yes)
+                       caption(), MessageIcon::Exclamation, MessageButtons::YesNo) != Answer::Yes)
         return;
-    const bool done = guarded({.tag = kTag, .procedure = "cmdTakeBack_Click", .plain = "Nothing was taken back."}, [this] {
-        modMain().Conn->Execute(db::Sql("bsp_TakeBackStatementRun ") + grdRuns.value(grdRuns.row(), 0).toInteger());
-    });
+    const bool done = takenBack(grdRuns.value(grdRuns.row(), 0).toInteger());
     guarded({kTag, "Load_Runs"}, [this] { loadRuns(); });
     fresh_ = false;
     setAvailable();
-    if (done)
-        lblState.setCaption("The statements as at " + day + " were taken back. Press Draw Up to draw them up anew.");
+    lblState.setCaption(done ? "The statements as at " + day + " were taken back. Press Draw Up to draw them up anew."
+                             : "Nothing was taken back.");
+}
+
+// What somebody else did meanwhile is no failure: it is said, and what is posted now is shown.
+bool frmStatements::takenBack(std::int64_t run) {
+    std::string refusal;
+    const bool done = guarded({.tag = kTag, .procedure = "cmdTakeBack_Click", .plain = "Nothing was taken back."}, [&] {
+        try {
+            modMain().Conn->Execute(db::Sql("bsp_TakeBackStatementRun ") + run);
+        } catch (const db::DbError& error) {
+            if (error.category() != db::DbError::Category::Raised)
+                throw;
+            refusal = error.what();
+        }
+    });
+    if (!refusal.empty())
+        desk().message("Nothing was taken back. " + refusal, caption(), MessageIcon::Exclamation);
+    return done && refusal.empty();
 }
 
 } // namespace merchantry::customers

@@ -37,6 +37,7 @@ private:
     void post();
     void cmdPrint_Click();
     void cmdTakeBack_Click();
+    bool takenBack(std::int64_t run);
     void loadRuns();
     void show(const StatementRun& run);
     void showReckoning();

@@ -132,8 +132,7 @@ private:
             statement.balance += debit.open;
         }
         for (const Posting& posting : account_.postings) {
-            const Date day = posting.time.dateOnly();
-            if (day < since_ || day > asAt_)
+            if (!isOfStatement(posting))
                 continue;
             if (posting.kind == Posting::Kind::Payment)
                 statement.paid -= posting.total;
@@ -142,7 +141,15 @@ private:
             else
                 statement.charged += posting.total;
         }
-        statement.broughtForward = statement.balance - statement.charged + statement.paid + statement.credited;
+        const Currency moved = statement.charged - statement.paid - statement.credited;
+        statement.broughtForward = account_.lastBalance.value_or(statement.balance - moved);
+        statement.balance = statement.broughtForward + moved;
+    }
+
+    // Posted up to the day, and on no statement yet.
+    bool isOfStatement(const Posting& posting) const {
+        const Date day = posting.time.dateOnly();
+        return day <= asAt_ && (account_.lastBalance ? !posting.told : day >= since_);
     }
 
     static Currency& ageOf(Ages& ages, std::int64_t overdue) {
@@ -171,11 +178,26 @@ private:
         if (lines > kMostLines)
             statement.reckoning += "\nand " + std::to_string(statement.lines.size() - kMostLines) +
                                    " more alike: " + (statement.financeCharge - told).toDisplay();
-        if (statement.financeCharge < account_.terms.minimum) {
-            statement.reckoning += (statement.lines.size() > 1 ? "\ntogether " + statement.financeCharge.toDisplay() : std::string()) +
-                                   ", raised to the minimum of " + account_.terms.minimum.toDisplay();
-            statement.financeCharge = account_.terms.minimum;
+        if (statement.financeCharge < account_.terms.minimum)
+            raise(statement);
+    }
+
+    // To the month's minimum, as far as the month's charges have not reached it.
+    void raise(Statement& statement) const {
+        const Currency minimum = account_.terms.minimum;
+        const Currency before = account_.chargedThisMonth;
+        statement.reckoning += statement.lines.size() > 1 ? "\ntogether " + statement.financeCharge.toDisplay() : std::string();
+        if (before <= Currency()) {
+            statement.financeCharge = minimum;
+            statement.reckoning += ", raised to the minimum of " + minimum.toDisplay();
+            return;
         }
+        const Currency lacking = minimum - before;
+        const bool lacks = statement.financeCharge < lacking;
+        statement.reckoning += lacks ? ", raised to " + lacking.toDisplay() + " for" : ", with";
+        statement.reckoning += " the month's minimum of " + minimum.toDisplay() + (lacks ? "" : " reached") + ": " + before.toDisplay() +
+                               " was charged before";
+        statement.financeCharge = std::max(statement.financeCharge, lacking);
     }
 
     // The days from the end of the grace, or from the period's first day, to the statement's own, in stretches between payments.
@@ -238,6 +260,10 @@ Date billingDay(int year, int month, int dayOfMonth) {
 Date lastBillingDay(Date today, int dayOfMonth) {
     const Date thisMonth = billingDay(today.year(), today.month(), dayOfMonth);
     return thisMonth <= today ? thisMonth : billingDayBefore(thisMonth, dayOfMonth);
+}
+
+Date monthBefore(Date day, int dayOfMonth) {
+    return billingDayBefore(day, day == billingDay(day.year(), day.month(), dayOfMonth) ? dayOfMonth : day.day());
 }
 
 Date billingDayBefore(Date day, int dayOfMonth) {

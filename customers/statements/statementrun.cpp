@@ -20,6 +20,8 @@ constexpr const char* kFinanceCode = "Finance Charge";
 constexpr const char* kNameOf =
     "ISNULL(NULLIF(LTRIM(RTRIM(ISNULL(c.FirstName, '') + ' ' + ISNULL(c.LastName, ''))), ''), ISNULL(c.Company, ''))";
 
+const Date kNever = *Date::fromParts(9999, 12, 31);
+
 struct Stopped {};
 
 // Hands each row of a select to a function.
@@ -47,9 +49,12 @@ struct Holder {
     std::string name;
     Terms terms;
     std::optional<Date> lastStatement;
+    std::int64_t lastPosting = 0; // that the last statement's run knew
+    std::optional<Currency> lastBalance;
+    Currency chargedThisMonth;
 };
 
-std::vector<Holder> holders(db::Session& session, Date asAt) {
+std::vector<Holder> holders(db::Session& session, Date asAt, Date monthBefore) {
     std::vector<Holder> all;
     Rows rows([&](const RowView& row) {
         Holder one;
@@ -59,17 +64,24 @@ std::vector<Holder> holders(db::Session& session, Date asAt) {
         one.terms.apr = std::max<std::int64_t>(0, Currency::fromDouble(row.value(3).toNumber()).units());
         one.terms.minimum = moneyOf(row, 4);
         one.terms.graceDays = std::max(0, static_cast<int>(row.number(5)));
-        if (!row.isNull(6))
+        if (!row.isNull(6)) {
             one.lastStatement = Date::fromMs(row.number(6));
+            one.lastPosting = row.number(7);
+            one.lastBalance = moneyOf(row, 8);
+        }
+        one.chargedThisMonth = moneyOf(row, 9);
         all.push_back(std::move(one));
     });
     session.execute(
         std::string("SELECT c.ID, ") + kNameOf +
             ", c.AssessFinanceCharges, ISNULL(c.APR, ISNULL(o.FinAPR, 20)), ISNULL(c.MinFinChg, ISNULL(o.MinFinChg, 5)), "
-            "ISNULL(c.OverdueAfter, ISNULL(o.OverdueAfter, 15)), s.AsAt FROM Customer c CROSS JOIN StoreOptions o "
-            "LEFT JOIN (SELECT t.CustomerID, MAX(r.AsAt) AS AsAt FROM Statement t INNER JOIN StatementRun r ON r.RunID = t.RunID "
-            "WHERE r.AsAt < " +
-            sqlDay(asAt) + " GROUP BY t.CustomerID) s ON s.CustomerID = c.ID WHERE c.ChargeAccount = 1 ORDER BY c.ID",
+            "ISNULL(c.OverdueAfter, ISNULL(o.OverdueAfter, 15)), l.AsAt, l.LastPosting, b.Balance, s.Charged FROM Customer c "
+            "CROSS JOIN StoreOptions o LEFT JOIN (SELECT t.CustomerID, MAX(t.RunID) AS RunID, SUM(CASE WHEN r.AsAt > " +
+            sqlDay(monthBefore) +
+            " THEN t.FinanceCharge ELSE 0 END) AS Charged FROM Statement t INNER JOIN StatementRun r ON r.RunID = t.RunID WHERE r.AsAt < " +
+            sqlDay(asAt) +
+            " GROUP BY t.CustomerID) s ON s.CustomerID = c.ID LEFT JOIN StatementRun l ON l.RunID = s.RunID "
+            "LEFT JOIN Statement b ON b.RunID = s.RunID AND b.CustomerID = c.ID WHERE c.ChargeAccount = 1 ORDER BY c.ID",
         rows);
     return all;
 }
@@ -93,10 +105,14 @@ public:
     Account of(const Holder& holder) {
         Account account;
         account.terms = holder.terms;
+        account.lastBalance = holder.lastBalance;
+        account.chargedThisMonth = holder.chargedThisMonth;
         while (posting_ < postings_.size() && postings_[posting_].first < holder.customer)
             ++posting_;
-        while (posting_ < postings_.size() && postings_[posting_].first == holder.customer)
-            account.postings.push_back(postings_[posting_++].second);
+        while (posting_ < postings_.size() && postings_[posting_].first == holder.customer) {
+            Posting& one = account.postings.emplace_back(postings_[posting_++].second);
+            one.told = holder.lastStatement && one.id <= holder.lastPosting && one.time.dateOnly() <= *holder.lastStatement;
+        }
         while (application_ < applications_.size() && applications_[application_].first < holder.customer)
             ++application_;
         while (application_ < applications_.size() && applications_[application_].first == holder.customer)
@@ -119,16 +135,21 @@ private:
         });
         session.execute("SELECT CustomerID, CreditTransID, Time, PastDueDate, Total, OutstandingBalance, CreditCode FROM CreditTransaction "
                         "WHERE Time < " +
-                            sqlDay(asAt.plusDays(1)) + " ORDER BY CustomerID, Time, CreditTransID",
+                            sqlDay(asAt.plusDays(1)) +
+                            " AND (Total <> 0 OR NOT EXISTS (SELECT * FROM CreditApplication a WHERE a.BatchNumber = "
+                            "CreditTransaction.BatchNumber AND a.CustomerID = CreditTransaction.CustomerID AND a.Pending = 1)) "
+                            "ORDER BY CustomerID, Time, CreditTransID",
                         rows);
     }
 
-    // A half of an application, with its posting's time.
+    // A half of an application, with its posting's time. One that waits for its other half (somebody is at work, or the program ended
+    // between the two) was not applied yet, for a statement: neither it nor the row that holds its amount counts.
     struct Half {
         std::int64_t posting = 0;
         Date applied;
         Currency amount;
         Date came;
+        bool waits = false;
     };
 
     // The halves of a visit, one customer's after the other's, in their order.
@@ -140,33 +161,42 @@ private:
             if (now != visit)
                 pair(visit.first, halves);
             visit = now;
-            halves.push_back({row.number(2), Date::fromMs(row.number(3)), moneyOf(row, 4), Date::fromMs(row.number(5))});
+            halves.push_back(
+                {row.number(2), Date::fromMs(row.number(3)), moneyOf(row, 4), Date::fromMs(row.number(5)), row.number(6) != 0});
         });
-        session.execute("SELECT a.CustomerID, a.BatchNumber, a.CreditTransID, a.Time, a.Amount, t.Time FROM CreditApplication a INNER JOIN "
-                        "CreditTransaction t ON t.CreditTransID = a.CreditTransID ORDER BY a.CustomerID, a.BatchNumber, a.ApplicationID",
-                        rows);
+        session.execute(
+            "SELECT a.CustomerID, a.BatchNumber, a.CreditTransID, a.Time, a.Amount, t.Time, a.Pending FROM CreditApplication a INNER JOIN "
+            "CreditTransaction t ON t.CreditTransID = a.CreditTransID ORDER BY a.CustomerID, a.BatchNumber, a.ApplicationID",
+            rows);
         pair(visit.first, halves);
     }
 
     // The first credit of a visit goes to its first debits: each part of a debit was paid when its credit came in.
     void pair(std::int32_t customer, std::vector<Half>& halves) {
-        std::vector<Half> credits;
-        std::copy_if(halves.begin(), halves.end(), std::back_inserter(credits), [](const Half& half) { return half.amount < Currency(); });
-        auto credit = credits.begin();
-        for (const Half& half : halves) {
-            Currency left = half.amount;
-            while (left > Currency() && credit != credits.end()) {
-                const Currency part = std::min(left, -credit->amount);
-                applications_.emplace_back(customer, Application{half.posting, half.applied, std::min(half.applied, credit->came), part});
-                left -= part;
-                credit->amount += part;
-                if (credit->amount == Currency())
-                    ++credit;
+        auto credit = halves.begin();
+        for (Half& debit : halves)
+            while (debit.amount > Currency()) {
+                credit = std::find_if(credit, halves.end(), [](const Half& half) { return half.amount < Currency(); });
+                if (credit == halves.end())
+                    break;
+                meet(customer, debit, *credit);
             }
-            if (left != Currency()) // a credit, or a half without its other one
-                applications_.emplace_back(customer, Application{half.posting, half.applied, half.applied, left});
-        }
+        for (const Half& half : halves)
+            if (half.amount != Currency())
+                take(customer, half, half.waits ? kNever : half.applied, half.applied, half.amount);
         halves.clear();
+    }
+    // So much of both as the smaller has left.
+    void meet(std::int32_t customer, Half& debit, Half& credit) {
+        const Currency part = std::min(debit.amount, -credit.amount);
+        const Date time = std::max({debit.applied, credit.applied, debit.came, credit.came});
+        take(customer, debit, time, credit.came, part);
+        take(customer, credit, time, credit.came, -part);
+        debit.amount -= part;
+        credit.amount += part;
+    }
+    void take(std::int32_t customer, const Half& half, Date time, Date paid, Currency amount) {
+        applications_.emplace_back(customer, Application{half.posting, time, paid, amount});
     }
 
     std::vector<std::pair<std::int32_t, Posting>> postings_;
@@ -188,8 +218,8 @@ void step(const RunProgress& progress, std::size_t done, std::size_t all) {
 
 std::vector<CustomerStatement> drawAll(db::Session& session, Date asAt, const RunProgress& progress) {
     std::vector<CustomerStatement> drawn;
-    const Date monthBefore = billingDayBefore(asAt, billingDayOfMonth(session));
-    const std::vector<Holder> all = holders(session, asAt);
+    const Date before = monthBefore(asAt, billingDayOfMonth(session));
+    const std::vector<Holder> all = holders(session, asAt, before);
     Accounts accounts(session, asAt);
     std::size_t done = 0;
     for (const Holder& holder : all) {
@@ -197,7 +227,7 @@ std::vector<CustomerStatement> drawAll(db::Session& session, Date asAt, const Ru
         const Account account = accounts.of(holder);
         if (account.postings.empty())
             continue;
-        CustomerStatement one{holder.customer, holder.name, drawUp(account, asAt, holder.lastStatement.value_or(monthBefore).plusDays(1))};
+        CustomerStatement one{holder.customer, holder.name, drawUp(account, asAt, holder.lastStatement.value_or(before).plusDays(1))};
         if (hasSomethingToTell(one.figures))
             drawn.push_back(std::move(one));
     }
@@ -231,10 +261,28 @@ bool sameFigures(const StatementRun& run, const std::vector<CustomerStatement>& 
     });
 }
 
+std::optional<Date> lastPostedDay(db::Session& session) {
+    std::optional<Date> day;
+    Rows rows([&](const RowView& row) {
+        if (!row.isNull(0))
+            day = Date::fromMs(row.number(0));
+    });
+    session.execute("SELECT MAX(AsAt) FROM StatementRun", rows);
+    return day;
+}
+
 std::int32_t newRun(db::Session& session, Date asAt, int store, int cashier) {
     std::int32_t number = 0;
     Rows rows([&](const RowView& row) { number = static_cast<std::int32_t>(row.number(0)); });
-    session.execute("EXEC bsp_NewStatementRun " + sqlDay(asAt) + ", " + std::to_string(store) + ", " + std::to_string(cashier), rows);
+    try {
+        session.execute("EXEC bsp_NewStatementRun " + sqlDay(asAt) + ", " + std::to_string(store) + ", " + std::to_string(cashier), rows);
+    } catch (const db::DbError& error) {
+        if (error.category() != db::DbError::Category::Raised)
+            throw;
+        if (const auto last = lastPostedDay(session); last && *last >= asAt)
+            throw PostedMeanwhile(*last);
+        throw;
+    }
     return number;
 }
 
@@ -303,6 +351,8 @@ std::int32_t postStatements(db::Session& session, const StatementRun& run, const
             step([&](int percent) { return progress(50 + percent / 2); }, done++, run.statements.size());
             posted.post(session, one);
         }
+        db::NoResult none;
+        session.execute("EXEC bsp_EndStatementRun " + std::to_string(number), none);
         work.commit();
         progress(100);
         return number;

@@ -38,6 +38,13 @@ public:
               "Somebody posted to an account meanwhile. The statements were drawn up again: please look at them, then post.") {}
 };
 
+// Statements as at the run's day, or a later one, are posted already: another desktop was faster.
+class PostedMeanwhile : public std::runtime_error {
+public:
+    explicit PostedMeanwhile(Date day)
+        : std::runtime_error("Statements as at " + day.toShortText() + " were posted already, by somebody else meanwhile.") {}
+};
+
 // The billing day of the store's options; 5 where there is none.
 int billingDayOfMonth(db::Session& session);
 
@@ -45,8 +52,8 @@ int billingDayOfMonth(db::Session& session);
 StatementRun drawUpStatements(db::Session& session, Date asAt, const RunProgress& progress);
 
 // Posts the run in one transaction: its finance charges, a posting for each customer that has one, and the statements. All of it or
-// nothing. The number of the run, 0 when it was stopped. Throws AccountsChanged when drawing it up again gives other figures, and DbError,
-// with a sentence when that day, or a later one, was posted.
+// nothing. The number of the run, 0 when it was stopped. Throws PostedMeanwhile when that day, or a later one, is posted already,
+// AccountsChanged when drawing it up again gives other figures, and DbError.
 std::int32_t postStatements(db::Session& session, const StatementRun& run, const RunProgress& progress, int store = 1, int cashier = 5);
 
 // The statements of a run as they were posted; none for an unknown number. Throws DbError.

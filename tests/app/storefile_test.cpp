@@ -252,6 +252,19 @@ TEST_F(StoreFiles, VersionEightGetsWideOrderNumbersKindsAndTheAveragesOfUndoneWr
     EXPECT_NE(sentenceOf([&] { run(file, "INSERT INTO PurchaseOrderItem (POID, SKU, MatrixSKU) VALUES (7, 'a', 'a')"); }), "");
 }
 
+// Version 11 did not know which postings a run of statements had seen: those that were there when it was posted.
+TEST_F(StoreFiles, VersionElevenGetsThePostingsThatItsStatementsKnew) {
+    makeStore();
+    run(file, "ALTER TABLE StatementRun DROP CONSTRAINT DF_StatementRun_LastPosting");
+    run(file, "ALTER TABLE StatementRun DROP COLUMN LastPosting DELETE FROM SchemaVersion INSERT INTO SchemaVersion (Version) VALUES (11)");
+    run(file, "INSERT INTO Customer (FirstName) VALUES ('Ann') INSERT INTO batch (CashierID) VALUES (5) "
+              "INSERT INTO StatementRun (AsAt, Posted, BatchNumber) VALUES ('20260320', '20260321 10:00', 1) "
+              "INSERT INTO CreditTransaction (CustomerID, Time) VALUES (1, '20260301'), (1, '20260320 23:59:59'), (1, '20260401')");
+    upgradeStoreFile(file);
+    EXPECT_EQ(checkStoreFile(file), std::vector<std::string>());
+    run(file, "IF (SELECT LastPosting FROM StatementRun) <> 2 RAISERROR('other postings', 16, 1)");
+}
+
 // Version 9 took any description for a tax class, and had no word on which one is the default.
 TEST_F(StoreFiles, VersionNineKeepsEveryTaxClassUnderANameOfItsOwn) {
     makeStore();

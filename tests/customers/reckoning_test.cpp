@@ -294,6 +294,78 @@ TEST(Reckoning, FinanceChargesAreThoseReckonedByHand) {
     }
 }
 
+// Runs on one day after the other each raised the minimum: it is of a month.
+TEST(Reckoning, TheMinimumIsRaisedOnceAMonth) {
+    struct Month {
+        const char* name;
+        const char* overdue; // since 3/2, at 20 %
+        const char* since;   // of the period
+        const char* asAt;
+        const char* minimum;
+        const char* before; // charged in the month before
+        const char* charge;
+        const char* reckoning;
+    };
+    // 365 * 0.20 / 365 is 0.20 a day, 3650 is 2.00.
+    const Month months[] = {
+        {"the first run", "365", "3/2/2026", "3/20/2026", "5", "0", "5",
+         "$365.00 overdue since 3/2, 19 days at 20 %: $3.80, raised to the minimum of $5.00"},
+        {"the day after, the minimum was charged", "365", "3/21/2026", "3/21/2026", "5", "5", "0.2",
+         "$365.00 overdue since 3/2, 1 day at 20 %: $0.20, with the month's minimum of $5.00 reached: $5.00 was charged before"},
+        {"more than the minimum was charged", "365", "3/21/2026", "3/25/2026", "5", "7.3", "1",
+         "$365.00 overdue since 3/2, 5 days at 20 %: $1.00, with the month's minimum of $5.00 reached: $7.30 was charged before"},
+        {"together they reach it", "365", "3/11/2026", "3/20/2026", "5", "3.5", "2",
+         "$365.00 overdue since 3/2, 10 days at 20 %: $2.00, with the month's minimum of $5.00 reached: $3.50 was charged before"},
+        {"together they are just the minimum", "365", "3/11/2026", "3/20/2026", "5", "3", "2",
+         "$365.00 overdue since 3/2, 10 days at 20 %: $2.00, with the month's minimum of $5.00 reached: $3.00 was charged before"},
+        {"raised by what the month lacks", "365", "3/11/2026", "3/20/2026", "5", "1", "4",
+         "$365.00 overdue since 3/2, 10 days at 20 %: $2.00, raised to $4.00 for the month's minimum of $5.00: $1.00 was charged before"},
+        {"a minimum that was lowered meanwhile", "365", "3/11/2026", "3/20/2026", "2.5", "5", "2",
+         "$365.00 overdue since 3/2, 10 days at 20 %: $2.00, with the month's minimum of $2.50 reached: $5.00 was charged before"},
+        {"more than the minimum by the day", "3650", "3/11/2026", "3/20/2026", "5", "5", "20",
+         "$3,650.00 overdue since 3/2, 10 days at 20 %: $20.00"},
+        {"nothing overdue, nothing to raise", "0", "3/11/2026", "3/20/2026", "5", "1", "0", ""},
+    };
+    for (const Month& one : months) {
+        Account account;
+        account.postings.push_back(
+            {1, day("2/1/2026"), day("3/1/2026"), Posting::Kind::Charge, Currency::fromText(one.overdue), Currency::fromText(one.overdue)});
+        account.terms = {true, kApr, Currency::fromText(one.minimum), 0};
+        account.chargedThisMonth = Currency::fromText(one.before);
+        const Statement statement = drawUp(account, day(one.asAt), day(one.since));
+        EXPECT_EQ(statement.financeCharge.toText(), one.charge) << one.name;
+        EXPECT_EQ(statement.reckoning, one.reckoning) << one.name;
+    }
+}
+
+// A register's sale of 3/18 that reached the store after the statement as at 3/20 stood on no statement at all.
+TEST(Reckoning, WhatIsEnteredLateStandsOnTheNextStatement) {
+    const Case one{"",
+                   {{1, "3/1/2026", "3/16/2026", "100", "100"},
+                    {2, "3/18/2026", "4/2/2026", "40", "40"},     // late
+                    {3, "3/19/2026", "", "-10", "-10", kPayment}, // late
+                    {4, "4/5/2026", "4/20/2026", "25", "25"},
+                    {5, "4/21/2026", "4/21/2026", "7", "7"}}, // behind the statement's day
+                   {},
+                   kApr,
+                   "0",
+                   0,
+                   "3/20/2026",
+                   "4/20/2026",
+                   "",
+                   ""};
+    Account account = accountOf(one);
+    account.postings[0].told = true;
+    account.lastBalance = Currency::fromText("100");
+    const Statement s = drawUp(account, day(one.asAt), firstDay(one));
+    EXPECT_EQ(s.broughtForward.toText(), "100");
+    EXPECT_EQ(s.charged.toText(), "65");
+    EXPECT_EQ(s.paid.toText(), "10");
+    EXPECT_EQ(s.financeCharge.toText(), "1.92"); // 90 since 3/17, 31 days: 1.5288; 40 since 4/3, 18 days: 0.3945
+    EXPECT_EQ(s.balance.toText(), "156.92");
+    EXPECT_EQ((s.ages.notDue + s.ages.days30 + s.ages.days60 + s.ages.days90 + s.ages.over90 + s.ages.unapplied), s.balance);
+}
+
 TEST(Reckoning, TheFiguresOfAStatementAddUp) {
     const Case one{"",
                    {{1, "11/1/2025", "11/16/2025", "100", "20"}, // over 90 days
@@ -344,6 +416,11 @@ TEST(Reckoning, BillingDaysOfShortMonths) {
     EXPECT_EQ(lastBillingDay(day("1/1/2026"), 15), day("12/15/2025"));
     EXPECT_EQ(billingDayBefore(day("3/31/2026"), 31), day("2/28/2026"));
     EXPECT_EQ(billingDayBefore(day("2/28/2026"), 31), day("1/31/2026"));
+    // a month before any day
+    EXPECT_EQ(monthBefore(day("2/28/2026"), 31), day("1/31/2026"));
+    EXPECT_EQ(monthBefore(day("3/31/2026"), 31), day("2/28/2026"));
+    EXPECT_EQ(monthBefore(day("3/25/2026"), 20), day("2/25/2026"));
+    EXPECT_EQ(monthBefore(day("3/30/2028"), 5), day("2/29/2028"));
 }
 
 } // namespace

@@ -2,6 +2,11 @@
 #include "customers/statements/statementrun.h"
 #include "tests/db/teststore.h"
 
+#include <atomic>
+#include <map>
+#include <random>
+#include <thread>
+
 namespace merchantry::customers {
 namespace {
 
@@ -59,8 +64,8 @@ TEST_F(StatementRuns, AreDrawnUpWithoutWritingAndPostedOnce) {
         "0|120|1.25|121.25|1.25|120|$120.00 overdue since 3/2, 19 days at 20 %: $1.25");
     expectSound();
 
-    EXPECT_NE(refusal([&] { postStatements(*session, drawn(), go); }).find("Statements as at 03/20/2026 were posted already."),
-              std::string::npos);
+    EXPECT_EQ(refusal([&] { postStatements(*session, drawn(), go); }),
+              "Statements as at 3/20/2026 were posted already, by somebody else meanwhile.");
     EXPECT_NE(refusal([&] { postStatements(*session, drawn("3/19/2026"), go); }).find("posted already"), std::string::npos);
 
     const StatementRun april = drawn("4/20/2026"); // the charge is brought forward and bears no interest itself
@@ -139,6 +144,190 @@ TEST_F(StatementRuns, AreForChargeAccountsAndDaysThatAreOver) {
     sale(4, "20260101", "20260101", "40");
     EXPECT_EQ(drawn().statements.size(), 2U);
     EXPECT_NE(refusal([&] { run("bsp_NewStatementRun '99981231', 1, 5"); }).find("is not over yet"), std::string::npos);
+}
+
+// Two desktops post the same day: one is told plainly, and reads what was posted.
+TEST_F(StatementRuns, AreNotPostedByASecondDesktopAsWell) {
+    const auto other = db::Store::open(file)->session();
+    const StatementRun mine = drawn();
+    const StatementRun theirs = drawUpStatements(*other, mine.asAt, go);
+    const std::int32_t number = postStatements(*session, mine, go);
+    const std::string before = accounts();
+    EXPECT_THROW(postStatements(*other, theirs, go), PostedMeanwhile);
+    EXPECT_EQ(accounts(), before);
+    EXPECT_EQ(postedStatements(*other, number).financeCharges, mine.financeCharges);
+    run("bsp_TakeBackStatementRun " + std::to_string(number));
+    EXPECT_NE(refusal([&] {
+                  db::NoResult none;
+                  other->execute("bsp_TakeBackStatementRun " + std::to_string(number), none);
+              }).find("not there any more"),
+              std::string::npos);
+    expectSound();
+}
+
+TEST_F(StatementRuns, PostedAtTheSameMomentArePostedOnce) {
+    for (const char* day : {"3/20/2026", "4/20/2026", "5/20/2026"}) {
+        std::atomic<int> posted = 0;
+        std::atomic<int> refused = 0;
+        const auto desktop = [&] {
+            const auto own = db::Store::open(file)->session();
+            const StatementRun run = drawUpStatements(*own, *Date::fromText(day), go);
+            try {
+                posted += postStatements(*own, run, go) != 0 ? 1 : 0;
+            } catch (const PostedMeanwhile&) {
+                ++refused;
+            }
+        };
+        std::thread first(desktop);
+        std::thread second(desktop);
+        first.join();
+        second.join();
+        EXPECT_EQ(posted, 1) << day;
+        EXPECT_EQ(refused, 1) << day;
+    }
+    EXPECT_EQ(rowsOf("SELECT COUNT(*), COUNT(DISTINCT RunID) FROM Statement SELECT COUNT(*) FROM StatementRun"), "6|3;3");
+    expectSound();
+}
+
+// Runs on days after each other raised the minimum each time.
+TEST_F(StatementRuns, RaiseTheMinimumOnceAMonth) {
+    sale(3, "20260201", "20260201", "365"); // by the store's terms: 15 days of grace, the minimum of 5.00
+    std::string charges;
+    for (const char* day : {"3/20/2026", "3/21/2026", "3/24/2026", "4/19/2026", "4/20/2026", "4/21/2026"}) {
+        const StatementRun run = drawn(day);
+        charges += run.statements.back().figures.financeCharge.toText() + " ";
+        postStatements(*session, run, go);
+    }
+    // 27 days 5.40 from 2/17 on, then by the day; from 4/20 on the first run is a month old, and 0.20 + 0.60 + 5.20 are above the minimum
+    EXPECT_EQ(charges, "5.6 0.2 0.6 5.2 0.2 0.2 ");
+    sale(2, "20260301", "20260301", "36.5");
+    EXPECT_EQ(drawn("4/22/2026").statements[1].figures.reckoning,
+              "$36.50 overdue since 3/17, 1 day at 20 %: $0.02, raised to the minimum of $5.00");
+    postStatements(*session, drawn("4/22/2026"), go);
+    EXPECT_EQ(drawn("5/21/2026").statements[1].figures.reckoning,
+              "$36.50 overdue since 3/17, 29 days at 20 %: $0.58\n$40.00 overdue since 5/3, 19 days at 20 %: $0.42\n"
+              "together $1.00, with the month's minimum of $5.00 reached: $5.00 was charged before");
+    EXPECT_EQ(drawn("5/22/2026").statements[1].figures.financeCharge.toText(), "5");
+    expectSound();
+}
+
+// A register that was cut off for days brings its sales when the statements of those days are posted.
+TEST_F(StatementRuns, TellOfLatePostingsOnTheNextStatement) {
+    postStatements(*session, drawn(), go);
+    sale(1, "20260310", "20260310", "30");
+    sale(1, "20260402", "20260402", "-50");
+    const StatementRun april = drawn("4/20/2026");
+    const Statement& s = april.statements[0].figures;
+    EXPECT_EQ(s.broughtForward.toText(), "121.25");
+    EXPECT_EQ(s.charged.toText(), "30");
+    EXPECT_EQ(s.credited.toText(), "50");
+    // 120.00 until 4/2, 70.00 then, and 30.00, all of 3/21 to 4/20
+    EXPECT_EQ(s.financeCharge.toText(), "2.05"); // 0.85 + 0.69 + 0.51
+    EXPECT_EQ(s.balance, s.broughtForward + s.charged - s.paid - s.credited + s.financeCharge);
+    const std::int32_t number = postStatements(*session, april, go);
+    EXPECT_EQ(drawn("5/20/2026").statements[0].figures.charged, Currency());
+    run("bsp_TakeBackStatementRun " + std::to_string(number)); // they wait for the next run again
+    EXPECT_EQ(drawn("5/20/2026").statements[0].figures.charged.toText(), "30");
+    expectSound();
+}
+
+// The program ended between the two halves of an application: the debit is as open as before, for a statement.
+TEST_F(StatementRuns, AHalfWithoutItsOtherWasNotAppliedYet) {
+    run("INSERT INTO CreditTransaction (CustomerID, CreditCode, Time, Total, OutstandingBalance) VALUES (1, 'Payment', '20260311', -50, "
+        "-50) "
+        "UPDATE Customer SET Balance = 70 WHERE ID = 1");
+    const Statement before = drawn().statements[0].figures;
+    run("EXEC sp_AddBatch 1, 5 EXEC sp_PostAppliedAmount 1, -1, 1, 1, 5, 50, 2, 'application' UPDATE CreditApplication SET Time = "
+        "'20260315' "
+        "UPDATE CreditTransaction SET Time = '20260315' WHERE Total = 0");
+    expectSound();
+    const Statement half = drawn().statements[0].figures;
+    EXPECT_EQ(half.reckoning, before.reckoning);
+    EXPECT_EQ(half.balance, before.balance);
+    EXPECT_EQ(half.ages.days30, before.ages.days30);
+    EXPECT_EQ(half.ages.unapplied, before.ages.unapplied);
+}
+
+// Whatever is posted, dated, applied and taken back in whatever order.
+class RandomAccounts : public StatementRuns {
+protected:
+    int upTo(int most) { return std::uniform_int_distribution<int>(1, most)(random); }
+    static std::string dayText(int day) { return Date::fromText("3/1/2026")->plusDays(day).toIsoText().substr(0, 10); }
+
+    // Up to twenty days late, or as many ahead.
+    void post() {
+        const std::string customer = std::to_string(upTo(3));
+        const std::string amount = Currency::fromUnits((upTo(2) == 1 ? 100 : -100) * upTo(20'000)).toText();
+        const std::string day = dayText(today + upTo(40) - 20);
+        run("INSERT INTO CreditTransaction (CustomerID, CreditCode, Time, PastDueDate, Total, OutstandingBalance) VALUES (" + customer +
+            (upTo(2) == 1 ? ", 'Payment', '" : ", 'Sale', '") + day + "', '" + day + "', " + amount + ", " + amount +
+            ") UPDATE Customer SET Balance = Balance + " + amount + " WHERE ID = " + customer);
+    }
+    // A part of a debit and of a credit, one batch; now and then the second half is missing.
+    void apply() {
+        const std::string customer = std::to_string(upTo(3));
+        const auto open = [&](const char* sign) {
+            return rowsOf("SELECT TOP 1 CreditTransID, OutstandingBalance FROM CreditTransaction WHERE CustomerID = " + customer +
+                          " AND Total " + sign + " 0 AND OutstandingBalance " + sign + " 0 ORDER BY (CreditTransID * 7919 + " +
+                          std::to_string(upTo(1000)) + ") % 101, CreditTransID");
+        };
+        const std::string debit = open(">");
+        const std::string credit = open("<");
+        if (debit.empty() || credit.empty())
+            return;
+        const auto amountIn = [](const std::string& row) { return Currency::fromText(row.substr(row.find('|') + 1)); };
+        const Currency most = std::min(amountIn(debit), -amountIn(credit));
+        const Currency part = upTo(2) == 1 ? most : Currency::fromUnits(std::max<std::int64_t>(100, most.units() / 300 * 100));
+        run("EXEC sp_AddBatch 1, 5");
+        const auto half = [&](const std::string& row, Currency amount) {
+            run("DECLARE @b int SELECT @b = MAX(BatchNumber) FROM batch EXEC sp_PostAppliedAmount @b, -" + row.substr(0, row.find('|')) +
+                ", 1, " + customer + ", 5, " + amount.toText() + ", 2, 'application' UPDATE CreditApplication SET Time = '" +
+                dayText(today + upTo(3) - 2) + "' WHERE ApplicationID = (SELECT MAX(ApplicationID) FROM CreditApplication)");
+        };
+        half(debit, part);
+        if (upTo(10) > 1)
+            half(credit, -part);
+    }
+    void runStatements() {
+        today += upTo(35);
+        const StatementRun run = drawUpStatements(*session, *Date::fromText(dayText(today)), go);
+        for (const CustomerStatement& one : run.statements) {
+            const Statement& s = one.figures;
+            EXPECT_EQ(s.balance, s.broughtForward + s.charged - s.paid - s.credited + s.financeCharge);
+            EXPECT_EQ(s.balance, s.ages.notDue + s.ages.days30 + s.ages.days60 + s.ages.days90 + s.ages.over90 + s.ages.unapplied);
+            if (last.contains(one.customer)) {
+                EXPECT_EQ(s.broughtForward, last[one.customer]) << "customer " << one.customer << " as at " << dayText(today);
+            }
+        }
+        const std::int32_t number = postStatements(*session, run, go);
+        expectSound();
+        if (upTo(4) == 1)
+            return takeBack(number);
+        for (const CustomerStatement& one : run.statements)
+            last[one.customer] = one.figures.balance;
+    }
+    void takeBack(std::int32_t number) {
+        run("bsp_TakeBackStatementRun " + std::to_string(number));
+        expectSound();
+    }
+
+    std::mt19937 random{7};
+    int today = 0;
+    std::map<std::int32_t, Currency> last; // balance of the last statement
+};
+
+TEST_F(RandomAccounts, StatementsGoOnFromEachOtherAndMissNothing) {
+    run("DELETE FROM CreditTransaction UPDATE Customer SET Balance = 0, ChargeAccount = 1");
+    for (int turn = 0; turn < 240 && today < 200; ++turn) {
+        const int what = upTo(10);
+        what <= 5 ? post() : what <= 9 ? apply() : runStatements();
+    }
+    ASSERT_FALSE(last.empty());
+    today += 60; // behind every posting: what the statements tell is what is owed
+    const StatementRun all = drawUpStatements(*session, *Date::fromText(dayText(today)), go);
+    for (const CustomerStatement& one : all.statements)
+        EXPECT_EQ((one.figures.balance - one.figures.financeCharge).toText(),
+                  rowsOf("SELECT Balance FROM Customer WHERE ID = " + std::to_string(one.customer)));
 }
 
 } // namespace

@@ -154,7 +154,12 @@ std::span<const UpgradeStep> upgradeSteps() {
                                       "IF COL_LENGTH('Item', 'True') IS NULL ALTER TABLE Item ADD [True] AS CAST(1 AS bit)";
     static const std::string tenth = newTable("FirstRoad") + kToVersion10;
     static const std::string eleventh = newTable("CreditApplication") + newTable("StatementRun") + newTable("Statement");
-    static const std::string twelfth = newTable("AccountMap") + newTable("AccountingFile") + newTable("AccountingDay");
+    static const std::string twelfth =
+        newTable("AccountMap") + newTable("AccountingFile") + newTable("AccountingDay") +
+        "IF COL_LENGTH('StatementRun', 'LastPosting') IS NULL\nBEGIN\n"
+        "ALTER TABLE StatementRun ADD LastPosting int NOT NULL CONSTRAINT DF_StatementRun_LastPosting DEFAULT 0\n"
+        "EXEC ('UPDATE StatementRun SET LastPosting = ISNULL((SELECT MAX(t.CreditTransID) FROM CreditTransaction t WHERE t.Time <= "
+        "StatementRun.Posted), 0)')\nEND";
     static const std::array kSteps{
         UpgradeStep{2, ""},           // the procedures of item catalogue and stock
         UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
@@ -168,7 +173,7 @@ std::span<const UpgradeStep> upgradeSteps() {
         UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
         UpgradeStep{8, eighth}, UpgradeStep{9, kToVersion9}, UpgradeStep{10, tenth},
         UpgradeStep{11, eleventh}, // what credits were applied to, and statements
-        UpgradeStep{12, twelfth},  // what goes out to accounting
+        UpgradeStep{12, twelfth},  // what goes out to accounting; which postings a run of statements knew
     };
     return kSteps;
 }

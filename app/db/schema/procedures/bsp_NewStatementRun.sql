@@ -11,6 +11,8 @@ BEGIN
 END
 BEGIN TRANSACTION
 SELECT @last = MAX(AsAt) FROM StatementRun WITH (UPDLOCK, HOLDLOCK)
+-- Whoever posts to an account waits until the run has ended.
+SELECT @batch = MAX(CreditTransID) FROM CreditTransaction WITH (UPDLOCK, HOLDLOCK)
 IF @last >= @AsAt
 BEGIN
   COMMIT TRANSACTION
