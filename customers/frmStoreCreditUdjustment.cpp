@@ -17,6 +17,7 @@ namespace {
 
 constexpr const char* kTag = "MR_frmCreditAdjCodes"; // shared with that screen
 constexpr int kCodeLength = 25;
+constexpr std::int64_t kUnitsInCent = 100;
 constexpr int kApplicationId = 2;
 constexpr int kApplicationCashier = 5;
 constexpr const char* kApplicationCode = "application";
@@ -52,6 +53,21 @@ std::string shortDate(const Value& date) {
 
 Currency magnitude(Currency amount) {
     return amount < Currency() ? -amount : amount;
+}
+
+// As stored: in cents, and with all its decimals where it has fractions of one (a register's posting can), so that what is shown is what
+// can be applied.
+std::string asStored(Currency amount) {
+    if (amount.units() % kUnitsInCent == 0)
+        return amount.toDisplay();
+    const std::string digits = magnitude(amount).toText();
+    return amount < Currency() ? "($" + digits + ")" : "$" + digits;
+}
+
+// Whether what is left open after applying would be more than the posting ever was, with the wrong sign that is.
+bool opensMore(Currency total, Currency open, Currency applied) {
+    const Currency left = open - applied;
+    return open > Currency() ? left > open && left > total : left < open && left < total;
 }
 
 } // namespace
@@ -187,7 +203,7 @@ void frmStoreCreditUdjustment::loadTransactions() {
             const Currency amount = (*rows)["Total"].Value().toCurrency();
             const Currency left = (*rows)["OutstandingBalance"].Value().toCurrency();
             grdTrans.addRow({(*rows)["TransactionNumber"].text(), (*rows)["CreditCode"].text(), shortDate((*rows)["Time"].Value()),
-                             shortDate((*rows)["PastDueDate"].Value()), amount.toDisplay(), left.toDisplay(), ""});
+                             shortDate((*rows)["PastDueDate"].Value()), asStored(amount), asStored(left), ""});
             total += amount;
             open += left;
             (left > Currency() ? debits : credits) += left;
@@ -198,12 +214,12 @@ void frmStoreCreditUdjustment::loadTransactions() {
 }
 
 void frmStoreCreditUdjustment::showTotals(Currency total, Currency open, Currency debits, Currency credits) {
-    lbTotalTA.setCaption(total.toDisplay());
-    lbTotalBA.setCaption(open.toDisplay());
+    lbTotalTA.setCaption(asStored(total));
+    lbTotalBA.setCaption(asStored(open));
     lbTotalAA.setCaption(Currency().toDisplay());
-    txtOutBalance.setText(GetCustomerBalance(CustomerID).toDisplay());
-    txtDebits.setText(debits.toDisplay());
-    txtCredits.setText(credits.toDisplay());
+    txtOutBalance.setText(asStored(GetCustomerBalance(CustomerID)));
+    txtDebits.setText(asStored(debits));
+    txtCredits.setText(asStored(credits));
 }
 
 Currency frmStoreCreditUdjustment::amountAt(int row, int column) const {
@@ -215,13 +231,14 @@ Currency frmStoreCreditUdjustment::GetAppliedAmount(int row) const {
     return amountAt(row, kApplied);
 }
 
-// What is typed becomes currency; what is no amount is taken out again.
+// What is typed becomes currency, in cents, unless the row has fractions of one itself; what is no amount is taken out again.
 void frmStoreCreditUdjustment::grdTrans_AfterEdit(int row, int column) {
     const std::string typed = std::string(trimmed(grdTrans.text(row, column)));
     const auto amount = amountOf(typed);
     if (!typed.empty() && !amount)
         desk().message("\"" + typed + "\" is no amount.", caption(), MessageIcon::Exclamation);
-    grdTrans.setText(row, column, amount ? amount->toDisplay() : "");
+    const bool fractions = amountAt(row, kOpen).units() % kUnitsInCent != 0;
+    grdTrans.setText(row, column, !amount ? "" : fractions ? asStored(*amount) : amount->toDisplay());
     if (!autoApply_)
         showApplied();
 }
@@ -230,7 +247,7 @@ void frmStoreCreditUdjustment::showApplied() {
     Currency sum;
     for (int row = 1; row <= grdTrans.dataRows(); ++row)
         sum += GetAppliedAmount(row);
-    lbTotalAA.setCaption(sum.toDisplay());
+    lbTotalAA.setCaption(asStored(sum));
 }
 
 void frmStoreCreditUdjustment::mdClearAll_Click() {
@@ -255,7 +272,9 @@ void frmStoreCreditUdjustment::cmdPostAdjustment_Click() {
         return;
     }
     txtAmount.setText(amountFrom(txtAmount.text()).toDisplay());
-    if (cbCreditCodes.listIndex() < 0)
+    if (amountFrom(txtAmount.text()) == Currency())
+        desk().message("Less than a cent cannot be posted.", "Wrong Adjustment Amount");
+    else if (cbCreditCodes.listIndex() < 0)
         desk().message("Please choose a code first.", caption(), MessageIcon::Exclamation);
     else
         postAdjustment(amountFrom(txtAmount.text()));
@@ -301,7 +320,22 @@ void frmStoreCreditUdjustment::cmdPostApplAmounts_Click() {
             "Wrong Applied Amounts");
         return;
     }
-    postApplied();
+    if (signsFit())
+        postApplied();
+}
+
+// False when it was said which amount has the wrong sign. The other way round an amount takes back what was applied before, and no more.
+bool frmStoreCreditUdjustment::signsFit() {
+    for (int row = 1; row <= grdTrans.dataRows(); ++row) {
+        if (!opensMore(amountAt(row, kTotal), amountAt(row, kOpen), GetAppliedAmount(row)))
+            continue;
+        const bool debit = amountAt(row, kOpen) > Currency();
+        desk().message("Transaction " + grdTrans.text(row, kNumber) + " is a " +
+                           (debit ? "debit: what is applied to it stands above zero." : "credit: what is applied to it stands below zero."),
+                       "Wrong Applied Amount");
+        return false;
+    }
+    return true;
 }
 
 // Without a handler: a refusal of the store, because somebody else applied it meanwhile, ends the program with nothing applied twice.
@@ -341,7 +375,8 @@ void frmStoreCreditUdjustment::cmdAutoApply_Click() {
     autoApply_ = true; // and stays so: from here on edits by hand no longer add up in lbTotalAA
     proposePairs();
     desk().yield();
-    postApplied();
+    if (signsFit())
+        postApplied();
 }
 
 // Each credit, from the top of the list, takes the first debits that are left.
@@ -364,8 +399,8 @@ void frmStoreCreditUdjustment::proposePairs() {
 }
 
 void frmStoreCreditUdjustment::ApplyPair(int credit, int debit, Currency amount) {
-    grdTrans.setText(credit, kApplied, (GetAppliedAmount(credit) - amount).toDisplay());
-    grdTrans.setText(debit, kApplied, (GetAppliedAmount(debit) + amount).toDisplay());
+    grdTrans.setText(credit, kApplied, asStored(GetAppliedAmount(credit) - amount));
+    grdTrans.setText(debit, kApplied, asStored(GetAppliedAmount(debit) + amount));
 }
 
 void frmStoreCreditUdjustment::cmdDetail_Click() {

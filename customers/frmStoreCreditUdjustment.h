@@ -43,6 +43,7 @@ private:
     void cmdPostAdjustment_Click();
     void postAdjustment(Currency amount);
     void cmdPostApplAmounts_Click();
+    bool signsFit();
     bool appliedFits(Currency& sum);
     void cmdAutoApply_Click();
     void proposePairs();

@@ -41,13 +41,32 @@ protected:
 
 TEST_F(CustomerAccounts, AnAdjustmentIsOpenInFullAndMovesTheBalance) {
     post("50");
-    post("-12.345");
-    EXPECT_EQ(open(), "-1|50;-2|-12.345");
-    EXPECT_EQ(balance(), "37.655");
+    post("-12.34");
+    EXPECT_EQ(open(), "-1|50;-2|-12.34");
+    EXPECT_EQ(balance(), "37.66");
     EXPECT_EQ(rowsOf("SELECT COUNT(PastDueDate), COUNT(*) FROM CreditTransaction"), "1|2"); // only what is owed is due
     EXPECT_THROW(post("5", 99), DbError);
     EXPECT_THROW(run("sp_PostAdjustment 77, 1, 1, 5, 5, 1, 'Other'"), DbError); // no such batch
-    EXPECT_EQ(balance(), "37.655");
+    EXPECT_EQ(balance(), "37.66");
+    expectSound();
+}
+
+// An adjustment of 0.004 stood in the list as $0.00; 10.005 applied to what was shown as $10.01 was somebody else's doing, it said.
+TEST_F(CustomerAccounts, FractionsOfACentAndWrongSignsAreSaid) {
+    for (const char* amount : {"0.004", "-10.005", "0"})
+        EXPECT_THROW(post(amount), DbError) << amount;
+    EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM CreditTransaction"), "0");
+    post("10");
+    post("-10");
+    EXPECT_NE(apply(-1, "4.005").find("Transaction -1 has 10.00 open; 4.0050 is no amount in whole cents."), std::string::npos);
+    EXPECT_NE(apply(-1, "-4").find("Transaction -1 has 10.00 open; -4.00 would leave more open than it ever was."), std::string::npos);
+    // what a register posted with fractions can be settled
+    run("INSERT INTO CreditTransaction (CustomerID, CreditCode, Total, OutstandingBalance) VALUES (1, 'Sale', 4.005, 4.005) "
+        "UPDATE Customer SET Balance = 4.005 WHERE ID = 1");
+    EXPECT_NE(apply(-3, "4.01").find("has 4.0050 open; 4.01 cannot be applied"), std::string::npos);
+    EXPECT_EQ(apply(-3, "4.005"), "");
+    EXPECT_EQ(apply(-2, "-4.005"), "");
+    EXPECT_EQ(open(), "-1|10;-2|-5.995");
     expectSound();
 }
 

@@ -1,8 +1,14 @@
--- One posting to a customer's account, open in full; the balance moves by it. A debit is due on its day.
+-- One posting to a customer's account, open in full; the balance moves by it. A debit is due on its day. Nothing, and what is no whole number of cents, is refused.
 CREATE PROCEDURE sp_PostAdjustment @BatchNumber int, @StoreId int, @CustomerId int, @CashierId int, @AdjustmentAmount money, @CreditId int, @CreditCode varchar(25) AS
 SET NOCOUNT ON
 SET XACT_ABORT ON
-DECLARE @id int
+DECLARE @id int, @amountText varchar(40)
+IF @AdjustmentAmount IS NULL OR @AdjustmentAmount = 0 OR @AdjustmentAmount <> ROUND(@AdjustmentAmount, 2)
+BEGIN
+  SET @amountText = ISNULL(CONVERT(varchar(40), @AdjustmentAmount, 2), 'nothing')
+  RAISERROR('An adjustment is in whole cents, above or below zero: %s cannot be posted. Nothing was posted.', 16, 1, @amountText)
+  RETURN
+END
 IF NOT EXISTS (SELECT * FROM Customer WHERE ID = @CustomerId)
 BEGIN
   RAISERROR('The customer %d is not there any more. Nothing was posted.', 16, 1, @CustomerId)
