@@ -32,6 +32,11 @@ void frmFieldSearch::setSearch(const std::string& field, const std::string& text
     txtText.setText(text);
 }
 
+// The search begins with its text; all fields are looked through unless one is chosen.
+void frmFieldSearch::Form_Activate() {
+    txtText.setFocus();
+}
+
 void frmFieldSearch::Form_Unload(bool& /*cancel*/) {
     if (gone)
         gone();

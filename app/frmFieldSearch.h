@@ -25,6 +25,7 @@ public:
     std::function<void()> gone;
 
 private:
+    void Form_Activate() override;
     void Form_Unload(bool& cancel) override;
     void tell();
 

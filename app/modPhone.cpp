@@ -9,6 +9,21 @@
 #include <utility>
 
 namespace merchantry::app {
+namespace {
+
+constexpr std::size_t kRoom = 30; // of the store's columns, in characters
+
+void refuseTooLong(ui::TextBox& control, bool& cancel) {
+    const std::size_t typed = characterCount(trimmed(control.text()));
+    if (typed <= kRoom)
+        return;
+    control.form().desk().message("A phone or fax number has room for " + std::to_string(kRoom) + " characters; these are " +
+                                      std::to_string(typed) + ". Please shorten it.",
+                                  "Velmora Tillmark Professional");
+    cancel = true;
+}
+
+} // namespace
 
 std::string phoneLaidOut(const std::string& text) {
     if (text.size() != 10 || !std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; }))
@@ -17,6 +32,8 @@ std::string phoneLaidOut(const std::string& text) {
 }
 
 void takePhones(ui::TextBox& control) {
+    control.maxLength = 0; // nothing typed is dropped
+    control.validate = [&control](bool& cancel) { refuseTooLong(control, cancel); };
     const auto before = std::make_shared<std::string>();
     control.gotFocus = [&control, before, also = std::move(control.gotFocus)] {
         *before = control.text();

@@ -10,7 +10,8 @@ namespace merchantry::app {
 // Phone numbers in fields. Any form of a number is accepted and kept as it was typed, a country code and an extension among them.
 
 // Makes the field lay out ten typed digits as "(###) ###-####" when it loses the focus. What was not typed stays as it is. Keeps what the
-// field does already when it gets and loses the focus.
+// field does already when it gets and loses the focus. A number that the store has no room for is refused as the field is left, whole as it
+// was typed.
 void takePhones(ui::TextBox& control);
 // "(555) 123-4567" for exactly ten digits; any other text as it is.
 std::string phoneLaidOut(const std::string& text);

@@ -16,6 +16,8 @@ constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kNewCode = "Credit Adjustment Code";
 constexpr const char* kOther = "Other";
 constexpr int kCode = 1;
+constexpr std::size_t kCodeRoom = 25; // characters
+constexpr std::size_t kDescriptionRoom = 255;
 
 // The next free key, a 16-bit number. Throws when there is no code at all.
 Value nextKey() {
@@ -35,6 +37,14 @@ frmCreditAdjCodes::frmCreditAdjCodes(Desk& desk) : Form(desk, "frmCreditAdjCodes
     cmdDelete.isDanger = true;
     CmdExit.isCancel = true;
 
+    grdCodes.validateEdit = [this](int, int column, const std::string& text, bool& cancel) {
+        const std::size_t room = column == kCode ? kCodeRoom : kDescriptionRoom;
+        cancel = characterCount(text) > room;
+        if (cancel)
+            this->desk().message((column == kCode ? "A code has room for " : "A description has room for ") + std::to_string(room) +
+                                     " characters; these are " + std::to_string(characterCount(text)) + ". Please shorten it.",
+                                 kProduct);
+    };
     grdCodes.endEdit = [](int, int, std::string& text) { text = trimmed(text).empty() ? kNewCode : text; };
     cmdAdd.click = [this] { codes_.add(); };
     cmdDelete.click = [this] { cmdDelete_Click(); };

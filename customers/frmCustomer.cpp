@@ -9,6 +9,8 @@
 #include "customers/frmCustomerShip.h"
 #include "ui/desk.h"
 
+#include <cmath>
+
 namespace merchantry::customers {
 
 using namespace app;
@@ -28,6 +30,51 @@ constexpr int kFieldValue = 1;
 void showAsCurrency(TextBox& box) {
     if (const auto amount = amountOf(box.text()))
         box.setText(amount->toDisplay());
+}
+
+// What a term of the account can be, and what is said of anything else.
+struct Term {
+    enum class Kind { Money, Percent, Days };
+    const char* noNumber;
+    const char* outside;
+    Kind kind;
+};
+
+bool isWithin(double number, Term::Kind kind) {
+    constexpr double kMostMoney = 999'999'999.99;
+    constexpr double kMostPercent = 100;
+    constexpr double kMostDays = 9'999;
+    const double most = kind == Term::Kind::Money ? kMostMoney : kind == Term::Kind::Percent ? kMostPercent : kMostDays;
+    return number >= 0 && number <= most && (kind != Term::Kind::Days || number == std::floor(number));
+}
+
+// Of so many digits that the store's column holds it.
+bool isWholeNumber(std::string_view text) {
+    const std::string_view digits = trimmed(text);
+    return !digits.empty() && std::all_of(digits.begin(), digits.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
+}
+
+// Null for what the term can be.
+const char* refusalOf(const std::string& text, const Term& term) {
+    const auto number = numberOf(text);
+    return !number ? term.noNumber : isWithin(*number, term.kind) ? nullptr : term.outside;
+}
+
+// As the field is left. One that is empty as the store has it can be passed: the store's own terms count then.
+void checkAsLeft(TextBox& box, const Term& term) {
+    const auto before = std::make_shared<std::string>();
+    box.gotFocus = [&box, before] {
+        *before = box.text();
+        box.selectAll();
+    };
+    box.validate = [&box, term, before](bool& cancel) {
+        const char* refusal = box.text().empty() && before->empty() ? nullptr : refusalOf(box.text(), term);
+        cancel = refusal != nullptr;
+        if (cancel)
+            box.form().desk().message(refusal, kProduct);
+        else if (term.kind == Term::Kind::Money)
+            showAsCurrency(box);
+    };
 }
 
 } // namespace
@@ -79,7 +126,6 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
         if (auto* box = dynamic_cast<TextBox*>(control); box != nullptr && box != &Notes)
             box->gotFocus = [box] { box->selectAll(); };
     for (TextBox* box : {&txtPhone, &txtFax}) {
-        box->maxLength = 30;
         takePhones(*box);
         box->setToolTip("Ten digits are laid out as (555) 123-4567; any other number stays as you type it.");
     }
@@ -90,12 +136,17 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
                 laidOut();
             noteDuplicate();
         };
-    txtCreditLimit.validate = [this](bool& cancel) { checkNumber(txtCreditLimit, "You must enter a cedit limit amount", true, cancel); };
-    txtAPR.validate = [this](bool& cancel) { checkNumber(txtAPR, "You must enter a valid APR", false, cancel); };
-    txtGracePeriod.validate = [this](bool& cancel) { checkNumber(txtGracePeriod, "You must enter a valid Grace Period", false, cancel); };
-    txtMinFinChg.validate = [this](bool& cancel) {
-        checkNumber(txtMinFinChg, "You must enter a valid minimum finance charge", true, cancel);
-    };
+    const std::pair<TextBox*, Term> terms[] = {
+        {&txtCreditLimit,
+         {"You must enter a cedit limit amount", "A credit limit is an amount from $0.00 to $999,999,999.99.", Term::Kind::Money}},
+        {&txtAPR, {"You must enter a valid APR", "An APR is a percentage from 0 to 100.", Term::Kind::Percent}},
+        {&txtGracePeriod,
+         {"You must enter a valid Grace Period", "A grace period is a whole number of days, from 0 to 9,999.", Term::Kind::Days}},
+        {&txtMinFinChg,
+         {"You must enter a valid minimum finance charge", "A minimum finance charge is an amount from $0.00 to $999,999,999.99.",
+          Term::Kind::Money}}};
+    for (const auto& [box, term] : terms)
+        checkAsLeft(*box, term);
     vsfCustomFields.setColumns({{.heading = "Field", .characters = 12}, {.heading = "Value", .characters = 14}});
     vsfCustomFields.emptyText = "The store has no fields of its own. Store, General Options makes them.";
     vsfCustomFields.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kField; };
@@ -106,7 +157,7 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
     cmdSalesHist.click = [this] { cmdSalesHist_Click(); };
     cmdUpdate.click = [this] { cmdUpdate_Click(); };
     cmdCancel.click = [this] { unload(); };
-    cmdCancel.isCancel = true;
+    cmdCancel.isCancel = cmdCancel.drops = true;
     cmdUpdate.isDefault = true;
     cmdCancel.setToolTip("Leaves without saving. A customer just added stays in the list as \"First Name\".");
 
@@ -296,15 +347,6 @@ void frmCustomer::dcxTierID_Click() {
     guarded({kTag, "dcxTierID_Change"}, [this] { FillFieldFromCombo(dcxTierID, *customer_, "TierID", *tiers_, "TierName"); });
 }
 
-void frmCustomer::checkNumber(TextBox& box, const char* refusal, bool money, bool& cancel) {
-    if (!isNumeric(box.text())) {
-        desk().message(refusal, kProduct);
-        cancel = true;
-    } else if (money) {
-        showAsCurrency(box);
-    }
-}
-
 // Only a note: families share numbers.
 void frmCustomer::noteDuplicate() {
     guarded({kTag, "NoteDuplicate"}, [this] {
@@ -322,6 +364,11 @@ void frmCustomer::cmdUpdate_Click() {
     if (phoneRefused(txtPhone, "Invalid phone number. Please reenter.", MessageIcon::Information) ||
         phoneRefused(txtFax, "Invalid fax number. Please reenter.", MessageIcon::Information))
         return;
+    if (!isWholeNumber(StoreID.text())) {
+        desk().message("The store is a number; \"" + StoreID.text() + "\" is none.", kProduct);
+        StoreID.setFocus();
+        return;
+    }
     if (guarded({.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The customer was not saved in full."}, [this] { write(); })) {
         nothingUnsaved();
         unload();
@@ -330,6 +377,7 @@ void frmCustomer::cmdUpdate_Click() {
 
 // The row first, then what is not bound; a failure between the two leaves the row written.
 void frmCustomer::write() {
+    const AtEnd shown([this] { showAsCurrency(txtAcctBalance); });
     txtAcctBalance.setText((*customer_)["Balance"].text()); // shown rounded, and the postings' own
     data_.collect();
     (*customer_)["LastUpdated"] = Value(desk().clock().now());

@@ -46,7 +46,6 @@ private:
     void chkCharge_Click();
     void applyDefaults();
     void dcxTierID_Click();
-    void checkNumber(ui::TextBox& box, const char* refusal, bool money, bool& cancel);
     void noteDuplicate();
     void cmdUpdate_Click();
     void write();

@@ -36,13 +36,12 @@ frmCustomerShip::frmCustomerShip(Desk& desk) : Form(desk, "frmCustomerShip", "Sh
         one.box->gotFocus = [box = one.box] { box->selectAll(); };
     }
     for (TextBox* box : {&txtPhone, &txtFax}) {
-        box->maxLength = 30;
         takePhones(*box);
     }
     cboState.setToolTip("Shown only: a state chosen here is not kept. The registers keep it.");
     cmdUpdate.click = [this] { cmdUpdate_Click(); };
     cmdCancel.click = cmdExit.click = [this] { unload(); };
-    cmdCancel.isCancel = true;
+    cmdCancel.isCancel = cmdCancel.drops = true;
     cmdUpdate.isDefault = true;
 
     asksBeforeLeaving();

@@ -50,17 +50,26 @@ std::string filterFor(const std::string& caption, const std::string& text) {
 
 frmCustomerView::frmCustomerView(Desk& desk) : Form(desk, "frmCustomerView", "View Customers") {
     setIcon("items");
-    grdCust.setColumns({{.heading = "ID", .centred = true, .fixedWidth = true, .width = 1005},
-                        {.heading = "First Name", .centred = true, .width = 3630},
-                        {.heading = "Last Name", .centred = true, .width = 3630},
-                        {.heading = "Company", .hidden = true},
-                        {.heading = "Phone Number", .hidden = true},
-                        {.heading = "City", .hidden = true},
-                        {.heading = "State", .hidden = true},
-                        {.heading = "Zip Code", .hidden = true}});
+    grdCust.setColumns(
+        {{.heading = "ID", .centred = true, .fixedWidth = true, .width = 1005},
+         {.heading = "First Name", .centred = true, .width = 3630},
+         {.heading = "Last Name", .centred = true, .width = 3630},
+         {.heading = "Company", .hidden = true},
+         {.heading = "Phone Number", .hidden = true},
+         {.heading = "City", .hidden = true},
+         {.heading = "State", .hidden = true},
+         {.heading = "Zip Code", .hidden = true},
+         {.heading = "Balance", .format = GridColumn::Format::Currency, .hidden = true, .optional = true, .characters = 13},
+         {.heading = "Credit Limit", .format = GridColumn::Format::Currency, .hidden = true, .optional = true, .characters = 13}});
+    grdCust.showColumn = [this](int) {
+        guarded({"frmCustomerView", "ShowColumn"}, [this] {
+            if (rows_ != nullptr)
+                rows_->readAccounts();
+        });
+    };
     grdCust.editable = false;
     grdCust.emptyText = "No customers match. Change the search, or add a customer.";
-    grdCust.setToolTip("A double click opens the customer.");
+    grdCust.setToolTip("A double click opens the customer. The list's menu (right click) shows balances and credit limits.");
     cmdDelete.isDanger = true;
     cmdDelete.setToolTip("A customer with transactions cannot be deleted; untick Active instead.");
     cmdEdit.isDefault = true;
@@ -119,6 +128,7 @@ void frmCustomerView::Form_Unload(bool& /*cancel*/) {
         srch_FieldSearch->Close();
     srch_FieldSearch.reset();
     grdCust.bind(nullptr);
+    rows_.reset();
     closeRows(customers_);
 }
 
@@ -142,8 +152,14 @@ void frmCustomerView::Init_Grid(bool activeWanted, bool inactiveWanted) {
 void frmCustomerView::open(const Sql& command) {
     const int row = grdCust.row();
     grdCust.bind(nullptr);
+    rows_.reset();
     closeRows(customers_);
+    cmdEdit.setEnabled(false);
+    cmdDelete.setEnabled(false);
     customers_ = openDirect(command, CursorType::Static, LockType::Optimistic);
+    rows_ = std::make_unique<CustomerRows>(*customers_);
+    if (accountsShown())
+        rows_->readAccounts();
     shown();
     if (!filter_.empty()) {
         customers_->setFilter(filter_);
@@ -155,7 +171,7 @@ void frmCustomerView::open(const Sql& command) {
 
 // After the rows or their filter changed.
 void frmCustomerView::shown() {
-    grdCust.bind(customers_.get());
+    grdCust.bind(rows_.get());
     const int count = customers_->RecordCount();
     cmdEdit.setEnabled(count > 0);
     cmdDelete.setEnabled(count > 0);
@@ -173,23 +189,41 @@ void frmCustomerView::ApplyFilter(const std::string& field, const std::string& t
     });
 }
 
-bool frmCustomerView::hasPlaceholder() const {
+bool frmCustomerView::accountsShown() const {
+    return !grdCust.column(CustomerRows::kBalance).hidden || !grdCust.column(CustomerRows::kLimit).hidden;
+}
+
+// The row of a customer that was added and not filled in yet; 0 when there is none.
+int frmCustomerView::placeholder() const {
     for (int row = 1; row <= grdCust.dataRows(); ++row)
         if (customers_->cellText(row - 1, kFirstName) == kPlaceholder)
-            return true;
-    return false;
+            return row;
+    return 0;
+}
+
+// All customers: one that is added is active, and must be found in the list whatever was searched for.
+void frmCustomerView::showAll() {
+    filter_.clear();
+    if (srch_FieldSearch != nullptr)
+        srch_FieldSearch->Search("All", "");
+    if (optInactive.value()) {
+        optAll.setValue(true);
+        reload();
+    }
+    customers_->setFilter("");
+    shown();
 }
 
 void frmCustomerView::cmdAdd_Click() {
     guarded({"frmCashiers", "Add_Click"}, [this] {
         if (customers_ == nullptr)
             return;
-        if (hasPlaceholder()) {
+        showAll();
+        if (const int blank = placeholder(); blank > 0) {
+            grdCust.setCurrent(blank, kFirstName);
             desk().message("You already have a blank customer to use. Please edit it first", kProduct);
             return;
         }
-        filter_.clear();
-        customers_->setFilter("");
         customers_->AddNew();
         (*customers_)["FirstName"] = Value(std::string(kPlaceholder));
         (*customers_)["LastName"] = Value(std::string("Last Name"));
@@ -202,8 +236,15 @@ void frmCustomerView::cmdAdd_Click() {
 }
 
 void frmCustomerView::edit(int row) {
+    const std::int64_t id = grdCust.value(row, kId).toInteger();
+    bool there = false;
+    guarded({"frmCustomerView", "cmdEdit_Click"}, [&] { there = !openDirect(Sql("SELECT ID FROM Customer WHERE ID = ") + id)->Eof(); });
+    if (!there) {
+        desk().message("That customer was deleted meanwhile. The list is read again.", kProduct);
+        return Form_Load();
+    }
     auto& customer = desk().form<frmCustomer>();
-    customer.CustomerID = static_cast<std::int32_t>(grdCust.value(row, kId).toInteger());
+    customer.CustomerID = static_cast<std::int32_t>(id);
     desk().showModal(customer);
     Form_Load();
 }

@@ -2,6 +2,7 @@
 
 #include "app/VelmoraSearch.h"
 #include "app/db/ado/recordset.h"
+#include "customers/customerrows.h"
 #include "ui/button.h"
 #include "ui/choice.h"
 #include "ui/form.h"
@@ -35,7 +36,9 @@ private:
     void cmdAdd_Click();
     void cmdEdit_Click();
     void cmdDelete_Click();
-    bool hasPlaceholder() const;
+    int placeholder() const;
+    void showAll();
+    bool accountsShown() const;
     void edit(int row);
 
     ui::Label lblHeading{*this, "lblHeading", "View Customers"};
@@ -49,6 +52,7 @@ private:
     ui::Button cmdExit{*this, "cmdExit", "E&xit"};
 
     db::RecordsetPtr customers_;
+    std::unique_ptr<CustomerRows> rows_; // over customers_, for the grid
     std::unique_ptr<app::VelmoraSearch> srch_FieldSearch;
     std::string filter_; // last applied
     bool activated_ = false;

@@ -29,6 +29,7 @@ public:
 
     bool isDefault = false; // Enter presses it
     bool isCancel = false;  // Escape presses it
+    bool drops = false;     // drops what was typed: the field that has the focus is not checked before
     bool isDanger = false;  // it destroys something
     bool isQuiet = false;   // drawn as high as a line of text; keeps its room while it is hidden
     std::function<void()> click;

@@ -121,6 +121,15 @@ std::vector<Control*> Form::tabOrder() const {
     return order;
 }
 
+namespace {
+
+bool dropsWhatWasTyped(const Control* control) {
+    const auto* button = dynamic_cast<const Button*>(control);
+    return button != nullptr && button->drops;
+}
+
+} // namespace
+
 bool Form::focus(Control* control) {
     if (control == focused_)
         return true;
@@ -129,7 +138,7 @@ bool Form::focus(Control* control) {
     Control* const old = focused_;
     if (old != nullptr) {
         bool cancel = false;
-        if (old->validate && !away_)
+        if (old->validate && !away_ && !dropsWhatWasTyped(control))
             old->validate(cancel);
         if (cancel)
             return false;

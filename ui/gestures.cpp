@@ -343,6 +343,9 @@ std::string chooseUse(Grid& grid, const std::string& caption) {
     for (const GridUse& one : gridUses())
         if (caption == one.caption)
             return use(grid, [&] { one.run(grid); });
+    for (const ColumnUse& one : columnUses(grid))
+        if (caption == one.caption)
+            return use(grid, [&] { grid.userTurnColumn(one.column); });
     return "no such entry in its menu";
 }
 

@@ -81,6 +81,14 @@ void Grid::setHidden(int index, bool hidden) {
     changed(Aspect::Rows);
 }
 
+void Grid::userTurnColumn(int column) {
+    if (column < 0 || column >= columnCount() || !this->column(column).optional)
+        return;
+    if (this->column(column).hidden && showColumn)
+        showColumn(column);
+    setHidden(column, !this->column(column).hidden);
+}
+
 void Grid::bind(Rows* rows) {
     if (bound_ != nullptr && !boundLives_.expired())
         bound_->stopListening(listener_);

@@ -21,6 +21,7 @@ struct GridColumn {
     Format format = Format::Plain;
     Editor editor = Editor::Text;
     bool hidden = false;
+    bool optional = false;   // hidden and shown by the user, in the grid's menu
     bool secret = false;     // passwords: nothing but dots comes out of its cells
     bool alignRight = false; // numbers and money stand right in any case
     bool centred = false;
@@ -116,6 +117,8 @@ public:
     bool userClick(int row, int column);
     void userHeader(int column);
     void userDoubleClick(int row, int column);
+    // Shows a column that is hidden or hides one that is shown; only an optional one.
+    void userTurnColumn(int column);
     bool userBeginEdit(int row, int column);
     // The editor's text changed; gives back what it must show.
     std::string userEditText(std::string text);
@@ -139,6 +142,8 @@ public:
     std::function<void(int oldRow, int newRow, bool& cancel)> beforeRowColChange;
     std::function<void()> rowColChange;
     std::function<void()> afterRefresh;
+    // Before a column that was hidden is shown: the screen sees to what stands in it.
+    std::function<void(int column)> showColumn;
 
     // Shown below the grid and in the empty grid; the screen says what is listed and what to do next.
     std::string statusText;

@@ -84,6 +84,14 @@ std::span<const GridUse> gridUses() {
     return kUses;
 }
 
+std::vector<ColumnUse> columnUses(const Grid& grid) {
+    std::vector<ColumnUse> uses;
+    for (int column = 0; column < grid.columnCount(); ++column)
+        if (grid.column(column).optional)
+            uses.push_back({(grid.column(column).hidden ? "Show " : "Hide ") + grid.column(column).heading, column});
+    return uses;
+}
+
 std::vector<int> shownColumns(const Grid& grid) {
     std::vector<int> shown;
     for (int column = 0; column < grid.columnCount(); ++column)

@@ -16,6 +16,13 @@ struct GridUse {
 };
 std::span<const GridUse> gridUses();
 
+// The further entries of a grid's menu: a column of the user's choice, shown or hidden.
+struct ColumnUse {
+    std::string caption; // "Show Balance"
+    int column = 0;
+};
+std::vector<ColumnUse> columnUses(const Grid& grid);
+
 // The columns that are shown, in their order.
 std::vector<int> shownColumns(const Grid& grid);
 // A cell as it stands in a table outside: what the user sees, a tick as Yes or No.

@@ -3,6 +3,7 @@
 #include "ui/gestures.h"
 #include "ui/gridcopy.h"
 #include "ui/qt/formwindow.h"
+#include "ui/qt/texts.h"
 
 #include <QMenu>
 #include <QTableView>
@@ -36,6 +37,13 @@ void showMenu(QTableView& view, FormWindow& host, Grid& grid, const QPoint& wher
         entry->setEnabled(grid.dataRows() > 0);
     }
     menu.insertSeparator(menu.actions().at(3));
+    const std::vector<ColumnUse> columns = columnUses(grid);
+    if (!columns.empty())
+        menu.addSeparator();
+    for (const ColumnUse& one : columns) {
+        const QString caption = toQt(one.caption);
+        menu.addAction(caption)->setData(caption);
+    }
     const QAction* const chosen = menu.exec(view.viewport()->mapToGlobal(where));
     if (chosen != nullptr && alive != nullptr && host.form() != nullptr)
         host.act([&] { gestures::chooseUse(grid, chosen->data().toString().toStdString()); });
