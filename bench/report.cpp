@@ -1,5 +1,6 @@
 // Reports over a million lines of sales: from the command to the first page and to the last, their values to a file, and pages to PDF.
 
+#include "bench/barepdf.h"
 #include "bench/barestore.h"
 #include "bench/itemstore.h"
 #include "bench/ratio.h"
@@ -7,10 +8,7 @@
 #include "ui/qt/pagepainter.h"
 #include "ui/qt/texts.h"
 
-#include <QFile>
 #include <QGuiApplication>
-#include <QPainter>
-#include <QPdfWriter>
 
 #include <fstream>
 
@@ -150,7 +148,6 @@ field = "FullPrice"
         });
 }
 
-// The same strings at the same places, with nothing between them and the painter.
 void pdf(const ItemStore& items, const std::filesystem::path& folder) {
     const ui::QtTextMeasure measure;
     const auto report = run(items, reports::readDefinition(folder / "SalesByItem.rpt"));
@@ -160,24 +157,7 @@ void pdf(const ItemStore& items, const std::filesystem::path& folder) {
         drawn.push_back(all->page(number));
     const QString ours = ui::toQt((items.folder() / "ours.pdf").string());
     ratio((std::to_string(drawn.size()) + " pages as PDF").c_str(), 3, [&] { ui::writePdf(ours, QStringLiteral("Pages"), *all, {}); },
-          [&] {
-              QFile file(ui::toQt((items.folder() / "bare.pdf").string()));
-              file.open(QIODevice::WriteOnly);
-              QPdfWriter writer(&file);
-              writer.setResolution(1440);
-              writer.setPageSize(QPageSize(QSizeF(drawn[0].width / 20.0, drawn[0].height / 20.0), QPageSize::Point));
-              QPainter painter(&writer);
-              for (std::size_t i = 0; i < drawn.size(); ++i) {
-                  if (i > 0)
-                      writer.newPage();
-                  for (const ui::PageItem& item : drawn[i].items)
-                      if (item.kind == ui::PageItem::Kind::Text) {
-                          painter.setFont(ui::pageFont(item.halfPoints, item.bold));
-                          painter.drawText(QPointF(item.x, item.y + item.height), ui::toQt(item.text));
-                      }
-              }
-              painter.end();
-          });
+          [&] { writeBarePdf(items.folder() / "bare.pdf", drawn); });
 }
 
 } // namespace

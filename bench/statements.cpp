@@ -2,6 +2,7 @@
 // stepped to their end and the same rows written, prepared once, in one durable transaction.
 
 #include "bench/barestore.h"
+#include "bench/chargeaccounts.h"
 #include "bench/itemstore.h"
 #include "bench/ratio.h"
 #include "customers/statements/statementrun.h"
@@ -12,38 +13,6 @@ using namespace merchantry::bench;
 namespace {
 
 constexpr int kRuns = 3;
-constexpr int kMonths = 25; // a sale and a payment in each
-
-// All but the newest sale of each customer is paid and matched.
-void makeAccounts(db::Session& session, int customers) {
-    db::NoResult none;
-    session.begin();
-    session.execute("INSERT INTO Customer (FirstName, ChargeAccount, AssessFinanceCharges) SELECT TOP " + std::to_string(customers) +
-                        " SKU, 1, 1 FROM Item",
-                    none);
-    for (int month = 0; month < kMonths; ++month) {
-        const std::string first = "DATEADD(month, " + std::to_string(month) + ", '20240101')";
-        const std::string paid = month == kMonths - 1 ? "0" : "1";
-        session.execute("INSERT INTO batch (CashierID) VALUES (5) "
-                        "INSERT INTO CreditTransaction (CustomerID, CreditCode, Time, PastDueDate, Total, OutstandingBalance) SELECT ID, "
-                        "'Sale', " +
-                            first + ", " + first + ", 100 + ID % 90, CASE WHEN " + paid +
-                            " = 1 THEN 0 ELSE 100 + ID % 90 END FROM Customer "
-                            "INSERT INTO CreditTransaction (CustomerID, CreditCode, Time, Total, OutstandingBalance) SELECT ID, 'Payment', "
-                            "DATEADD(day, 10, " +
-                            first + "), CASE WHEN " + paid + " = 1 THEN -(100 + ID % 90) ELSE -1 END, CASE WHEN " + paid +
-                            " = 1 THEN 0 ELSE -1 END FROM Customer",
-                        none);
-    }
-    session.execute(
-        "INSERT INTO CreditApplication (BatchNumber, CustomerID, CreditTransID, Time, Amount, Pending) SELECT DATEDIFF(month, "
-        "'20240101', Time) + 1, CustomerID, CreditTransID, DATEADD(day, CASE WHEN Total > 0 THEN 10 ELSE 0 END, Time), Total, 0 "
-        "FROM CreditTransaction WHERE OutstandingBalance = 0 ORDER BY CreditTransID "
-        "UPDATE Customer SET Balance = 99 + ID % 90",
-        none);
-    session.commit();
-}
-
 // The same work without the program.
 class BareRun {
 public:
@@ -61,7 +30,7 @@ public:
               "0 GROUP BY "
               "b.BatchNumber, b.CustomerID) p ON p.BatchNumber = a.BatchNumber AND p.CustomerID = a.CustomerID ORDER BY a.CustomerID, "
               "a.ApplicationID",
-              "INSERT INTO StatementRun (RunID, AsAt, Posted, StoreID, CashierID, BatchNumber) VALUES (?1, ?1, 0, 1, 5, 1)",
+              "INSERT INTO StatementRun (RunID, AsAt, Posted, StoreID, CashierID, BatchNumber, LastPosting) VALUES (?1, ?1, 0, 1, 5, 1, 0)",
               "INSERT INTO CreditTransaction (CreditTransID, TransactionNumber, BatchNumber, StoreID, CustomerID, CashierID, CreditID, "
               "CreditCode, Time, "
               "PastDueDate, Total, OutstandingBalance) VALUES (?1, -?1, 1, 1, ?2, 5, 1, 'Finance Charge', ?3, ?3, 50000, 50000)",
@@ -125,7 +94,7 @@ private:
 void measure(int customers) {
     const ItemStore items(customers);
     const auto session = items.session();
-    makeAccounts(*session, customers);
+    makeChargeAccounts(*session, customers);
     const BareStore store(items.file());
     BareRun bare(store);
     Date asAt = *Date::fromText("3/5/2026");
