@@ -18,6 +18,9 @@ namespace {
 constexpr const char* kTag = "MR_frmStatements";
 constexpr const char* kReport = "CustomerStatement.rpt";
 constexpr int kPostedPage = 1;
+constexpr int kFirstAmount = 2;                 // column
+constexpr Twips kWidth = 1340 * kTwipsPerPixel; // so that the ages are in sight, too
+constexpr Twips kHeight = 700 * kTwipsPerPixel;
 
 std::string counted(std::size_t number, const char* one, const char* many) {
     return withThousands(static_cast<std::int64_t>(number)) + " " + (number == 1 ? one : many);
@@ -34,13 +37,14 @@ std::size_t charged(const StatementRun& run) {
 }
 
 GridColumn amountColumn(const char* heading) {
-    return {.heading = heading, .alignRight = true, .characters = 8};
+    return {.heading = heading, .alignRight = true};
 }
 
 } // namespace
 
 frmStatements::frmStatements(Desk& desk) : Form(desk, "frmStatements", "Customer Statements") {
     setIcon("customers");
+    setSize(kWidth, kHeight);
     grdStatements.setColumns({{.heading = "No.", .alignRight = true, .characters = 5},
                               {.heading = "Customer", .characters = 20},
                               amountColumn("Brought Fwd"),
@@ -241,6 +245,17 @@ void frmStatements::drawUp(Date day) {
     setAvailable();
 }
 
+// As wide as the longest amount of all rows; what is left over goes to the names.
+void frmStatements::fitAmounts() {
+    for (int column = kFirstAmount; column < grdStatements.columnCount(); ++column) {
+        GridColumn shape = grdStatements.column(column);
+        shape.characters = 0;
+        for (int row = 1; row <= grdStatements.dataRows(); ++row)
+            shape.characters = std::max(shape.characters, static_cast<int>(grdStatements.text(row, column).size()));
+        grdStatements.setColumn(column, shape);
+    }
+}
+
 void frmStatements::show(const StatementRun& run) {
     grdStatements.setDataRows(0);
     for (const CustomerStatement& one : run.statements) {
@@ -250,6 +265,7 @@ void frmStatements::show(const StatementRun& run) {
                               amountText(s.ages.notDue), amountText(s.ages.days30), amountText(s.ages.days60), amountText(s.ages.days90),
                               amountText(s.ages.over90), amountText(s.ages.unapplied)});
     }
+    fitAmounts();
     grdStatements.emptyText = "There is nothing to tell any customer as at that day.";
     lblCount.setCaption(withThousands(static_cast<std::int64_t>(run.statements.size())));
     lblCharges.setCaption(run.financeCharges.toDisplay());

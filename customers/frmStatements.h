@@ -40,6 +40,7 @@ private:
     bool takenBack(std::int64_t run);
     void loadRuns();
     void show(const StatementRun& run);
+    void fitAmounts();
     void showReckoning();
     void setAvailable();
     std::optional<Date> dayTyped();
