@@ -216,7 +216,7 @@ const Control kControls[] = {
      "<> 'Closing')"},
     {"CustomerList.rpt", "Total sales", "SELECT SUM(SubTotal) FROM [Transaction] WHERE CustomerID IS NOT NULL"},
     {"CustomerList.rpt", "Balance", "SELECT SUM(OutstandingBalance) FROM CreditTransaction"},
-    {"CustomerStatement.rpt", "Amount", "SELECT SUM(Balance) FROM Statement"},
+    {"CustomerStatement.rpt", "Amount", "SELECT SUM(Balance) FROM Statement WHERE RunID = 2"},
     {"CreditAging.rpt", "Balance", "SELECT SUM(Balance) FROM Customer"},
     {"CreditAging.rpt", "Credits", "SELECT SUM(OutstandingBalance) FROM CreditTransaction WHERE Total < 0"},
     {"CreditbyCustomer.rpt", "Still open", "SELECT SUM(Balance) FROM Customer"},

@@ -41,8 +41,16 @@ struct Made {
             [](int) {});
         db::NoResult none;
         session->execute(kMore, none);
+        runStatements(*session, *Date::fromParts(2026, 11, 5));
+        // dated before that run, entered after it: the next one tells of it
+        session->execute("INSERT INTO CreditTransaction (CustomerID, CreditID, CreditCode, Time, Total, OutstandingBalance) VALUES (4, 1, "
+                         "'Other', '20261101', -7.25, -7.25) UPDATE Customer SET Balance = Balance - 7.25 WHERE ID = 4",
+                         none);
+        runStatements(*session, *Date::fromParts(2026, 11, 15));
+    }
+    static void runStatements(db::Session& session, Date day) {
         const auto going = [](int) { return true; };
-        customers::postStatements(*session, customers::drawUpStatements(*session, *Date::fromParts(2026, 11, 5), going), going);
+        customers::postStatements(session, customers::drawUpStatements(session, day, going), going);
     }
     ScratchFolder folder;
     std::shared_ptr<db::Store> store;

@@ -2,7 +2,7 @@
 CREATE PROCEDURE bsp_NewStatementRun @AsAt datetime, @StoreId int, @CashierId int AS
 SET NOCOUNT ON
 SET XACT_ABORT ON
-DECLARE @last datetime, @day varchar(10), @batch int, @run int
+DECLARE @last datetime, @day varchar(10), @posting int, @batch int, @run int
 IF @AsAt >= CONVERT(datetime, CONVERT(varchar(8), GETDATE(), 112))
 BEGIN
   SET @day = CONVERT(varchar(10), @AsAt, 101)
@@ -12,7 +12,7 @@ END
 BEGIN TRANSACTION
 SELECT @last = MAX(AsAt) FROM StatementRun WITH (UPDLOCK, HOLDLOCK)
 -- Whoever posts to an account waits until the run has ended.
-SELECT @batch = MAX(CreditTransID) FROM CreditTransaction WITH (UPDLOCK, HOLDLOCK)
+SELECT @posting = MAX(CreditTransID) FROM CreditTransaction WITH (UPDLOCK, HOLDLOCK)
 IF @last >= @AsAt
 BEGIN
   COMMIT TRANSACTION
