@@ -41,7 +41,7 @@ frmCustomerShip::frmCustomerShip(Desk& desk) : Form(desk, "frmCustomerShip", "Sh
     cboState.setToolTip("Shown only: a state chosen here is not kept. The registers keep it.");
     cmdUpdate.click = [this] { cmdUpdate_Click(); };
     cmdCancel.click = cmdExit.click = [this] { unload(); };
-    cmdCancel.isCancel = cmdCancel.drops = true;
+    cmdCancel.isCancel = cmdCancel.drops = cmdExit.drops = true;
     cmdUpdate.isDefault = true;
 
     asksBeforeLeaving();

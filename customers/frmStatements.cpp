@@ -95,11 +95,11 @@ frmStatements::frmStatements(Desk& desk) : Form(desk, "frmStatements", "Customer
         row({fields({field("&As at:", txtAsAt, {at(cmdDrawUp)}).wide(12)}), stretch(), figure("Statements", lblCount),
              figure("Finance charges", lblCharges), figure("Balances", lblBalances)}),
         pages(tabStatements, {column({
-                                  at(grdStatements).high(12).wide(150).stretched(),
+                                  at(grdStatements).high(8).wide(150).stretched(),
                                   at(lblReckoning).high(3),
                               }),
                               column({
-                                  at(grdRuns).high(12).stretched(),
+                                  at(grdRuns).high(8).stretched(),
                                   row({at(cmdPrint), stretch(), at(cmdTakeBack)}),
                               })})
             .stretched(),
@@ -210,6 +210,8 @@ void frmStatements::cmdDrawUp_Click() {
     if (const auto day = dayTyped()) {
         txtAsAt.setText(day->toShortText());
         drawUp(*day);
+        if (grdStatements.dataRows() > 0)
+            grdStatements.setFocus(); // the day's box was off while it worked
     }
     if (leave_)
         unload();

@@ -37,7 +37,7 @@ std::string trimmedText(const TextBox& box) {
 
 frmSuppliers_Info::frmSuppliers_Info(Desk& desk) : Form(desk, "frmSuppliers_Info", "Supplier Info") {
     setIcon("item");
-    cmdCancel.isCancel = cmdCancel.drops = true;
+    cmdCancel.isCancel = cmdCancel.drops = cmdExit.drops = true;
     cmdUpdate.isDefault = true;
     cmdCancel.setToolTip("Leaves without saving. A supplier just added stays in the list with its name.");
     const std::pair<TextBox*, int> lengths[] = {{&txtName, 100},         {&txtAddress1, 100},    {&txtAddress2, 100}, {&txtAddress3, 100},
