@@ -307,17 +307,20 @@ void frmStatements::cmdPost_Click() {
 void frmStatements::post() {
     std::int32_t number = 0;
     std::string changed;
+    Date day = drawn_.asAt;
     const bool done = work("cmdPost_Click", [&](db::Session& session, const RunProgress& progress) {
         try {
             number = postStatements(session, drawn_, progress, StoreId, CashierId);
         } catch (const AccountsChanged& news) {
             changed = news.what();
         } catch (const PostedMeanwhile& news) {
+            day = news.day();
             changed = std::string(news.what()) + " They are shown as they were posted; Posted Runs prints them.";
         }
     });
     if (!changed.empty()) {
-        drawUp(drawn_.asAt);
+        txtAsAt.setText(day.toShortText());
+        drawUp(day);
         desk().message(changed, caption(), MessageIcon::Exclamation);
         return;
     }

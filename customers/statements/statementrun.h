@@ -42,7 +42,12 @@ public:
 class PostedMeanwhile : public std::runtime_error {
 public:
     explicit PostedMeanwhile(Date day)
-        : std::runtime_error("Statements as at " + day.toShortText() + " were posted already, by somebody else meanwhile.") {}
+        : std::runtime_error("Statements as at " + day.toShortText() + " were posted already, by somebody else meanwhile."), day_(day) {}
+    // The last day that is posted.
+    Date day() const { return day_; }
+
+private:
+    Date day_;
 };
 
 // The billing day of the store's options; 5 where there is none.
