@@ -1,5 +1,6 @@
 #include "customers/statements/statementrun.h"
 
+#include "app/db/eachrow.h"
 #include "app/db/work.h"
 #include "base/text.h"
 
@@ -11,6 +12,7 @@
 namespace merchantry::customers {
 namespace {
 
+using db::EachRow;
 using db::RowView;
 
 constexpr int kUsualBillingDay = 5;
@@ -23,17 +25,6 @@ constexpr const char* kNameOf =
 const Date kNever = *Date::fromParts(9999, 12, 31);
 
 struct Stopped {};
-
-// Hands each row of a select to a function.
-class Rows : public db::ResultSink {
-public:
-    explicit Rows(std::function<void(const RowView&)> take) : take_(std::move(take)) {}
-    void beginSet(const std::vector<db::Column>&) override {}
-    void row(const RowView& row) override { take_(row); }
-
-private:
-    std::function<void(const RowView&)> take_;
-};
 
 Currency moneyOf(const RowView& row, int column) {
     return row.isNull(column) ? Currency() : Currency::fromUnits(row.number(column));
@@ -56,7 +47,7 @@ struct Holder {
 
 std::vector<Holder> holders(db::Session& session, Date asAt, Date monthBefore) {
     std::vector<Holder> all;
-    Rows rows([&](const RowView& row) {
+    EachRow rows([&](const RowView& row) {
         Holder one;
         one.customer = static_cast<std::int32_t>(row.number(0));
         one.name = trimmed(row.text(1));
@@ -122,7 +113,7 @@ public:
 
 private:
     void readPostings(db::Session& session, Date asAt) {
-        Rows rows([&](const RowView& row) {
+        EachRow rows([&](const RowView& row) {
             Posting one;
             one.id = row.number(1);
             one.time = Date::fromMs(row.number(2));
@@ -156,7 +147,7 @@ private:
     void readApplications(db::Session& session) {
         std::pair<std::int32_t, std::int64_t> visit{};
         std::vector<Half> halves;
-        Rows rows([&](const RowView& row) {
+        EachRow rows([&](const RowView& row) {
             const std::pair now{static_cast<std::int32_t>(row.number(0)), row.number(1)};
             if (now != visit)
                 pair(visit.first, halves);
@@ -263,7 +254,7 @@ bool sameFigures(const StatementRun& run, const std::vector<CustomerStatement>& 
 
 std::optional<Date> lastPostedDay(db::Session& session) {
     std::optional<Date> day;
-    Rows rows([&](const RowView& row) {
+    EachRow rows([&](const RowView& row) {
         if (!row.isNull(0))
             day = Date::fromMs(row.number(0));
     });
@@ -273,7 +264,7 @@ std::optional<Date> lastPostedDay(db::Session& session) {
 
 std::int32_t newRun(db::Session& session, Date asAt, int store, int cashier) {
     std::int32_t number = 0;
-    Rows rows([&](const RowView& row) { number = static_cast<std::int32_t>(row.number(0)); });
+    EachRow rows([&](const RowView& row) { number = static_cast<std::int32_t>(row.number(0)); });
     try {
         session.execute("EXEC bsp_NewStatementRun " + sqlDay(asAt) + ", " + std::to_string(store) + ", " + std::to_string(cashier), rows);
     } catch (const db::DbError& error) {
@@ -321,7 +312,7 @@ private:
 
 int billingDayOfMonth(db::Session& session) {
     int day = kUsualBillingDay;
-    Rows rows([&](const RowView& row) { day = row.isNull(0) ? day : static_cast<int>(row.number(0)); });
+    EachRow rows([&](const RowView& row) { day = row.isNull(0) ? day : static_cast<int>(row.number(0)); });
     session.execute("SELECT ReminderPrior FROM StoreOptions", rows);
     return day >= 1 && day <= 31 ? day : kUsualBillingDay;
 }
@@ -363,10 +354,10 @@ std::int32_t postStatements(db::Session& session, const StatementRun& run, const
 
 StatementRun postedStatements(db::Session& session, std::int32_t run) {
     StatementRun posted;
-    Rows day([&](const RowView& row) { posted.asAt = Date::fromMs(row.number(0)); });
+    EachRow day([&](const RowView& row) { posted.asAt = Date::fromMs(row.number(0)); });
     const std::string number = std::to_string(run);
     session.execute("SELECT AsAt FROM StatementRun WHERE RunID = " + number, day);
-    Rows rows([&](const RowView& row) { posted.statements.push_back(postedOne(row)); });
+    EachRow rows([&](const RowView& row) { posted.statements.push_back(postedOne(row)); });
     session.execute(
         std::string("SELECT c.ID, ") + kNameOf +
             ", s.Since, s.BroughtForward, s.Charged, s.Paid, s.Credited, s.FinanceCharge, s.Balance, s.NotDue, s.Days30, s.Days60, "
