@@ -60,14 +60,14 @@ void writeFile(const std::filesystem::path& file, const std::string& bytes) {
 
 frmQuickBooks::frmQuickBooks(Desk& desk) : Form(desk, "frmQuickBooks", "QuickBooks Export") {
     setIcon("quickbooks");
-    grdDays.setColumns({{.heading = "Day", .fixedWidth = true, .characters = 11},
+    grdDays.setColumns({{.heading = "Day", .characters = 11},
                         {.heading = "Receipts", .alignRight = true, .characters = 8},
                         amountColumn("Sales"),
                         amountColumn("Tax"),
                         amountColumn("Tenders"),
                         amountColumn("Bills"),
                         amountColumn("Accounts"),
-                        {.heading = "State", .characters = 30}});
+                        {.heading = "State", .characters = 26}});
     grdDays.editable = false;
     grdDays.rowColChange = [this] { showLines(); };
     grdLines.setColumns({{.heading = "Entry", .characters = 12},
@@ -108,7 +108,7 @@ frmQuickBooks::frmQuickBooks(Desk& desk) : Form(desk, "frmQuickBooks", "QuickBoo
     setLayout(column({
         row({fields({field("&From:", txtFrom).wide(12)}), fields({field("&To:", txtTo, {at(cmdShow)}).wide(12)}), stretch(),
              figure("To send", lblDays), figure("Sales", lblSales), figure("Tax", lblTax), figure("Bills", lblBills)}),
-        pages(tabBooks, {column({at(grdDays).high(5).wide(132).stretched(3), at(lblDay), at(grdLines).high(4).stretched(2)}),
+        pages(tabBooks, {column({at(grdDays).high(6).wide(150).stretched(3), at(lblDay), at(grdLines).high(6).stretched(2)}),
                          column({at(grdAccounts).high(9).stretched()}),
                          column({at(grdSent).high(8).stretched(), row({at(cmdSendAgain), stretch()})})})
             .stretched(),
