@@ -1,5 +1,6 @@
 #include "app/codegrid.h"
 
+#include "app/titles.h"
 #include "base/text.h"
 #include "ui/desk.h"
 #include "ui/form.h"
@@ -10,7 +11,6 @@ using namespace ui;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kKey = 0;
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "app/frmAbout.h"
 #include "app/itemcodes.h"
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/text.h"
 #include "ui/desk.h"
 
@@ -20,7 +21,6 @@ namespace {
 constexpr const char* kCaption = "Merchantry Manager";
 constexpr Twips kWidth = 1060 * kTwipsPerPixel;
 constexpr Twips kHeight = 680 * kTwipsPerPixel;
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 
 // A tool, and the command that has the same behind it.
 struct ToolRow {

@@ -1,5 +1,6 @@
 #include "app/modPhone.h"
 
+#include "app/titles.h"
 #include "base/text.h"
 #include "ui/form.h"
 
@@ -19,7 +20,7 @@ void refuseTooLong(ui::TextBox& control, bool& cancel) {
         return;
     control.form().desk().message("A phone or fax number has room for " + std::to_string(kRoom) + " characters; these are " +
                                       std::to_string(typed) + ". Please shorten it.",
-                                  "Velmora Tillmark Professional");
+                                  kProduct);
     cancel = true;
 }
 
@@ -64,7 +65,7 @@ bool IsPhoneEmpty(const ui::TextBox& control) {
 bool phoneRefused(ui::TextBox& control, const char* message, ui::MessageIcon icon) {
     if (IsPhoneValid(control.text(), control) || IsPhoneEmpty(control))
         return false;
-    control.form().desk().message(message, "Velmora Tillmark Professional", icon);
+    control.form().desk().message(message, kProduct, icon);
     control.setFocus();
     return true;
 }

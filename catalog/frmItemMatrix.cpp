@@ -1,6 +1,7 @@
 #include "catalog/frmItemMatrix.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/text.h"
 #include "ui/desk.h"
 
@@ -17,7 +18,6 @@ namespace {
 // Some procedures report under a name with a letter too many.
 constexpr const char* kTag = "MR_frmItemMatrix";
 constexpr const char* kOtherTag = "MR_frmItemsMatrix";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kGroupName = 1; // columns of the two grids
 constexpr int kCategoryName = 1;
 

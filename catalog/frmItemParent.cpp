@@ -1,6 +1,7 @@
 #include "catalog/frmItemParent.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/text.h"
 #include "catalog/gridsearch.h"
 #include "catalog/modItemLookup.h"
@@ -19,7 +20,6 @@ using db::Sql;
 namespace {
 
 constexpr const char* kTag = "MR_frmItemParent";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kMatrixType = 2;
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/currency.h"
 #include "ui/list.h"
 
@@ -10,10 +11,11 @@
 
 namespace merchantry::catalog {
 
+using app::kProduct;
+
 // What the sources of frmItems share.
 
 constexpr const char* kItemsTag = "MR_frmItems";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kPofessional = "Velmora Tillmark Pofessional";
 
 // The key of the current item as the parameters SKU and MatrixSKU.

@@ -3,6 +3,7 @@
 #include "app/ADOUtilities.h"
 #include "app/itemcodes.h"
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/text.h"
 #include "catalog/codedialog.h"
 #include "catalog/frmItemParent.h"
@@ -16,7 +17,6 @@ using db::Sql;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kParentType = 4;
 
 void inheritDepartment(const std::string& sku, const std::string& matrixSku) {

@@ -1,6 +1,7 @@
 #include "customers/frmCreditAdjCodes.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/text.h"
 #include "ui/desk.h"
 
@@ -12,7 +13,6 @@ using namespace ui;
 namespace {
 
 constexpr const char* kTag = "MR_frmCreditAdjCodes";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kNewCode = "Credit Adjustment Code";
 constexpr const char* kOther = "Other";
 constexpr int kCode = 1;

@@ -3,6 +3,7 @@
 #include "app/modMain.h"
 #include "app/modPhone.h"
 #include "app/states.h"
+#include "app/titles.h"
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -22,7 +23,6 @@ using db::Sql;
 namespace {
 
 constexpr const char* kTag = "frmCustomer";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kField = 0; // of the store's own fields
 constexpr int kFieldValue = 1;
 

@@ -1,6 +1,7 @@
 #include "customers/frmCustomerView.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "customers/frmCustomer.h"
@@ -18,7 +19,6 @@ using db::Sql;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kPlaceholder = "First Name"; // of a customer just added
 constexpr int kId = 0;
 constexpr int kFirstName = 1;

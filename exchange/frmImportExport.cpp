@@ -1,6 +1,7 @@
 #include "exchange/frmImportExport.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "exchange/flat/modPackages.h"
 #include "ui/desk.h"
 
@@ -10,7 +11,6 @@ using namespace ui;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kStandard = "Std";
 constexpr const char* kQuickSell = "QSell";
 constexpr const char* kWhatIsMoved = "Customers and items want a first row with the columns' names, suppliers none.";
@@ -98,14 +98,14 @@ std::filesystem::path frmImportExport::chosen() {
     std::error_code ignored;
     if (std::filesystem::exists(*file, ignored))
         return *file;
-    desk().message("Please select a valid file", kProduct);
+    desk().message("Please select a valid file", app::kProduct);
     return {};
 }
 
 void frmImportExport::cmdGo_Click() {
     app::guarded({"MR_frmDatabaseBak", "ImportExport_Error"}, [this] {
         desk().message(run() ? "Database Operation Complete" : "Database Operation Failed -- Please Check Data Source for Accuracy",
-                       kProduct);
+                       app::kProduct);
         clearFile();
     });
 }

@@ -1,6 +1,7 @@
 #include "inventory/frmInventory.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "inventory/frmInventory_Adjust.h"
@@ -17,7 +18,6 @@ using db::Sql;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kTag = "MR_frmInventory";
 enum Column { kSku, kMatrixSku, kName, kQuantity, kCommitted, kSerial };
 

@@ -1,6 +1,7 @@
 #include "inventory/frmInventory_Adjust.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "inventory/adjustment.h"
 #include "inventory/frmInvReasonCodes.h"
@@ -14,7 +15,6 @@ using db::Sql;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kHeading = "Inventory Adjustment";
 
 std::string balanceInWords(std::int64_t present, const std::string& quantity) {

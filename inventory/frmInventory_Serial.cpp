@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/takeback.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "ui/desk.h"
 
@@ -13,7 +14,6 @@ using db::Sql;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kTag = "MR_frmInventory_Serial";
 constexpr const char* kPlaceholder = "XXXX"; // a unit whose number is still to be typed
 constexpr Twips kColumnWidth = 2040;

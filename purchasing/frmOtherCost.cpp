@@ -1,6 +1,7 @@
 #include "purchasing/frmOtherCost.h"
 
 #include "app/failure.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "purchasing/openlines.h"
 #include "ui/desk.h"
@@ -68,7 +69,7 @@ void frmOtherCost::txtDesc_Change() {
 }
 
 bool frmOtherCost::refused(const char* message) {
-    desk().message(message, kBoxTitle);
+    desk().message(message, kProduct);
     txtAmount.setFocus();
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "app/db/ado/transaction.h"
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "purchasing/frmPOItemHistory.h"
 #include "purchasing/orders.h"
@@ -110,7 +111,7 @@ void frmPOCancel::grdPOItems_AfterEdit(int row) {
     std::string refused;
     const bool read = guarded({kTag, "grdPOItems_AfterEdit"}, [&] { refused = refusal(row, line); });
     if (!refused.empty())
-        desk().message(refused, kBoxTitle);
+        desk().message(refused, kProduct);
     if (!read || !refused.empty()) {
         grdPOItems.setText(row, kCancelQty, saved_);
         return;
@@ -143,7 +144,7 @@ void frmPOCancel::cmdViewHist_Click() {
     if (const CancelLine* line = lineOf(lines_, grdPOItems, grdPOItems.row(), kIndex))
         ShowPOItemHistory(PONumber, line->SKU, line->MatrixSKU);
     else
-        desk().message("Please select an item to view.", kBoxTitle);
+        desk().message("Please select an item to view.", kProduct);
 }
 
 // Without a handler: a failure before the commit ends the program, and its transaction is undone.

@@ -1,6 +1,7 @@
 #include "purchasing/frmPOCreate.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "purchasing/frmPOFrom.h"
 #include "ui/desk.h"
 #include "ui/longwork.h"
@@ -19,7 +20,6 @@ using db::Sql;
 namespace {
 
 constexpr const char* kTag = "frmPOCreate";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr auto kSlice = std::chrono::milliseconds(30); // of a long work, between two looks at the user
 
 // What a run would do, by filter in the order of the window: with the lowest cost, with the priority order.

@@ -1,6 +1,7 @@
 #include "purchasing/frmPOFrom.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "ui/desk.h"
 
 #include <algorithm>
@@ -29,7 +30,7 @@ std::vector<SourcePick> askedFor(Desk& desk, std::int16_t from, bool manual, con
     for (SourcePick& source : sources)
         source.Selected = std::find(ticked.begin(), ticked.end(), source.Key) != ticked.end();
     if (sources.empty()) {
-        desk.message("No suppliers found in the database.", "Velmora Tillmark Professional");
+        desk.message("No suppliers found in the database.", kProduct);
         return {};
     }
     auto& list = desk.form<frmPOFrom>();

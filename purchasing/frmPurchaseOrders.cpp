@@ -1,6 +1,7 @@
 #include "purchasing/frmPurchaseOrders.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmPOCancel.h"
@@ -18,7 +19,6 @@ using db::Sql;
 namespace {
 
 constexpr const char* kTag = "frmPurchaseOrders";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 
 enum FilterCode { kAll = 1, kAllOpen, kPartial, kClosed, kNumber, kOfSupplier, kItem, kToday };
 constexpr const char* kFilters[] = {"All PO",   "All Open PO", "All Partially Received PO", "All Closed PO", "PO Number",

@@ -1,6 +1,7 @@
 #include "purchasing/frmPurchaseOrders_Edit.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmPOItemHistory.h"
@@ -23,7 +24,6 @@ using db::Sql;
 namespace {
 
 constexpr const char* kTag = "frmPurchaseOrders_Edit";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 enum Column { kMemorize, kSku, kName, kPartNo, kQty, kOpenQty, kCost, kExt, kIndex };
 
 constexpr std::size_t kPicksAtOnce = 20;

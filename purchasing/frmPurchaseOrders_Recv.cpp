@@ -1,6 +1,7 @@
 #include "purchasing/frmPurchaseOrders_Recv.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "base/shown.h"
 #include "base/text.h"
@@ -299,7 +300,7 @@ void frmPurchaseOrders_Recv::grdPOItems_AfterEdit(int row, int column) {
 void frmPurchaseOrders_Recv::takeQuantity(int row, ReceiveLine& line) {
     const auto quantity = wholeQuantity(grdPOItems.rawText(row, kRecvQty));
     if (!quantity) {
-        desk().message("Quantity must be a positive integral number.", kBoxTitle);
+        desk().message("Quantity must be a positive integral number.", kProduct);
         grdPOItems.setText(row, kRecvQty, saved_);
         return;
     }
@@ -310,7 +311,7 @@ void frmPurchaseOrders_Recv::takeQuantity(int row, ReceiveLine& line) {
 void frmPurchaseOrders_Recv::takeCost(int row, ReceiveLine& line) {
     const auto cost = amountOf(grdPOItems.rawText(row, kCost));
     if (!cost) {
-        desk().message("Cost must be numeric.", kBoxTitle);
+        desk().message("Cost must be numeric.", kProduct);
         grdPOItems.setText(row, kCost, saved_);
         return;
     }
@@ -382,7 +383,7 @@ void frmPurchaseOrders_Recv::cmdViewHist_Click() {
     if (const ReceiveLine* line = lineOf(lines_, grdPOItems, grdPOItems.row(), kIndex))
         ShowPOItemHistory(PONumber, line->SKU, line->MatrixSKU);
     else
-        desk().message("Please select an item to view.", kBoxTitle);
+        desk().message("Please select an item to view.", kProduct);
 }
 
 // Without a handler: a failure before the commit ends the program, and its transaction is undone.

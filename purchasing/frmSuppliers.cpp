@@ -1,6 +1,7 @@
 #include "purchasing/frmSuppliers.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmSuppliers_Info.h"
@@ -14,7 +15,6 @@ using namespace ui;
 namespace {
 
 constexpr const char* kTag = "MR_frmSuppliers";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kIdColumn = 0;
 constexpr int kNameColumn = 1;
 

@@ -4,6 +4,7 @@
 #include "app/modMain.h"
 #include "app/modPhone.h"
 #include "app/states.h"
+#include "app/titles.h"
 #include "base/text.h"
 #include "ui/desk.h"
 
@@ -17,7 +18,6 @@ using namespace ui;
 namespace {
 
 constexpr const char* kTag = "MR_frmSuppliers_Info";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 
 // The first entry that begins with the text, without case; -1 when none does or the text is empty.
 int entryBeginning(const ListBox& list, const std::string& text) {

@@ -17,7 +17,6 @@ namespace merchantry::purchasing {
 // What the screens that receive and cancel an order's open lines share.
 
 // Titles of their boxes; the second one where a posting is refused.
-constexpr const char* kBoxTitle = "Velmora Tillmark Professional";
 constexpr const char* kPostingTitle = "Velmora Tillmark Professonal";
 
 // A line of an order of which something is still open, as it was when it was read.

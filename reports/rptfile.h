@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/titles.h"
 #include "reports/engine/report.h"
 #include "ui/desk.h"
 
@@ -10,7 +11,7 @@
 
 namespace merchantry::reports {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
+using app::kProduct;
 
 // There is no such report file.
 class ReportNotFound : public std::runtime_error {

@@ -1,6 +1,7 @@
 #include "setup/frmCashier_Security.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/text.h"
 #include "setup/boundrow.h"
 #include "setup/frmCashiers.h"
@@ -15,7 +16,6 @@ using namespace ui;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kTag = "MR_frmCashier_Security";
 
 std::string nameKey(std::string_view name) {

@@ -1,6 +1,7 @@
 #include "setup/frmCashiers.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "setup/frmCashier_Security.h"
@@ -14,7 +15,6 @@ using namespace ui;
 
 namespace {
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kDefaultAccount = "5";
 constexpr int kIdColumn = 0;
 constexpr int kNameColumn = 1;

@@ -3,6 +3,7 @@
 #include "app/modMain.h"
 #include "app/modPhone.h"
 #include "app/states.h"
+#include "app/titles.h"
 #include "base/guard.h"
 #include "base/text.h"
 #include "setup/secretbox.h"
@@ -18,7 +19,6 @@ using namespace ui;
 namespace {
 
 constexpr const char* kTag = "MR_frmOptions";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kNameColumn = 0;
 constexpr int kTypeColumn = 1;
 constexpr const char* kMerchants[] = {"CES", "FDC", "MAPP", "NDC", "FNBO", "GSAR", "VISA", "NB", "FDCN", "MDI", "NPC", "ECHO"};

@@ -1,5 +1,6 @@
 #include "setup/frmTaxClasses.h"
 
+#include "app/titles.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "setup/taxpreview.h"
@@ -16,7 +17,6 @@ using db::Sql;
 namespace {
 
 constexpr const char* kTag = "MR_frmTaxClasses";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kRate = 1;
 constexpr int kDescription = 2;
 constexpr const char* kNewName = "Tax Type";

@@ -1,6 +1,7 @@
 #include "setup/frmTenderTypes.h"
 
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/text.h"
 #include "ui/desk.h"
 
@@ -13,7 +14,6 @@ using db::Sql;
 namespace {
 
 constexpr const char* kTag = "MR_frmTenderTypes";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr int kAvailable = 0;
 constexpr int kName = 1;
 constexpr int kLeastRows = 8;

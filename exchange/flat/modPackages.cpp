@@ -3,6 +3,7 @@
 #include "app/aside.h"
 #include "app/db/work.h"
 #include "app/modMain.h"
+#include "app/titles.h"
 #include "base/newfile.h"
 #include "base/text.h"
 #include "exchange/flat/flatfile.h"
@@ -18,7 +19,6 @@ using app::modMain;
 using Path = std::filesystem::path;
 using Rows = std::vector<FlatRow>;
 
-constexpr const char* kProduct = "Velmora Tillmark Professional";
 constexpr const char* kItemTag = "MR_frmImportItems";
 
 // A step's work beside the desk: on its own session, asked to go on with the rows done. False when it stopped half-way.
@@ -39,9 +39,9 @@ bool runStep(const FlatPackage& package, const std::string& what, const Step& st
             [&session] { session->cancel(); });
         return ended && whole;
     } catch (const FlatError& error) {
-        modMain().desk->message(std::string(package.name) + " failed\r\n" + error.source() + "\r\n" + error.what(), kProduct);
+        modMain().desk->message(std::string(package.name) + " failed\r\n" + error.source() + "\r\n" + error.what(), app::kProduct);
     } catch (const db::DbError& error) {
-        modMain().desk->message(std::string(package.name) + " failed\r\n" + kFlatStore + "\r\n" + error.what(), kProduct);
+        modMain().desk->message(std::string(package.name) + " failed\r\n" + kFlatStore + "\r\n" + error.what(), app::kProduct);
     }
     return false;
 }
