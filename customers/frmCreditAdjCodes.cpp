@@ -16,6 +16,7 @@ constexpr const char* kTag = "MR_frmCreditAdjCodes";
 constexpr const char* kNewCode = "Credit Adjustment Code";
 constexpr const char* kOther = "Other";
 constexpr int kCode = 1;
+constexpr int kApplicationId = 2;
 constexpr std::size_t kCodeRoom = 25; // characters
 constexpr std::size_t kDescriptionRoom = 255;
 
@@ -33,7 +34,7 @@ frmCreditAdjCodes::frmCreditAdjCodes(Desk& desk) : Form(desk, "frmCreditAdjCodes
     setIcon("items");
     grdCodes.setColumns({{.heading = "ID", .hidden = true}, {.heading = "Code", .width = 2500}, {.heading = "Description", .width = 5200}});
     grdCodes.emptyText = "No codes could be loaded.";
-    grdCodes.setToolTip("Type over a code or its description to change it. \"Other\" stands as it is.");
+    grdCodes.setToolTip("Type over a code or its description to change it. \"Other\" and \"application\" stand as they are.");
     cmdDelete.isDanger = true;
     CmdExit.isCancel = true;
 
@@ -57,13 +58,18 @@ frmCreditAdjCodes::frmCreditAdjCodes(Desk& desk) : Form(desk, "frmCreditAdjCodes
     }));
 }
 
+// The code under which credits are applied to debits, which the store must have.
+bool frmCreditAdjCodes::isApplication(int row) const {
+    return codes_.key(row) == kApplicationId;
+}
+
 CodeTable frmCreditAdjCodes::table() {
     return {.procedure = "bsp_CreditAdjCodes",
             .newRow =
                 [] {
                     return std::vector<Value>{nextKey(), std::string(kNewCode)};
                 },
-            .fixed = [this](int row) { return grdCodes.text(row, kCode) == kOther; },
+            .fixed = [this](int row) { return grdCodes.text(row, kCode) == kOther || isApplication(row); },
             .stays = [](int) { return false; }, // asked before the question
             .question = "Are you certain you wish to delete this Credit Adjustment Code?",
             .questionCaption = "Delete Credit Adjustment Code?",
@@ -81,7 +87,8 @@ void frmCreditAdjCodes::Form_Unload(bool& /*cancel*/) {
 }
 
 void frmCreditAdjCodes::cmdDelete_Click() {
-    if (grdCodes.selected() && sameText(grdCodes.text(grdCodes.row(), kCode), kOther))
+    const int row = grdCodes.row();
+    if (grdCodes.selected() && (sameText(grdCodes.text(row, kCode), kOther) || isApplication(row)))
         desk().message("That Credit Adjustment Code cannot be deleted!", kProduct);
     else
         codes_.remove();

@@ -18,6 +18,7 @@ private:
     void Form_Unload(bool& cancel) override;
     app::CodeTable table();
     void cmdDelete_Click();
+    bool isApplication(int row) const;
 
     ui::Label lblHeading{*this, "lblHeading", "Credit Adjustment Codes"};
     ui::Grid grdCodes{*this, "grdCodes"};

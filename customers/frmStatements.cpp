@@ -3,6 +3,7 @@
 #include "app/modMain.h"
 #include "base/guard.h"
 #include "base/numbers.h"
+#include "base/shown.h"
 #include "base/text.h"
 #include "ui/desk.h"
 
@@ -28,7 +29,7 @@ std::string counted(std::size_t number, const char* one, const char* many) {
 
 // An amount of the grid; nothing where there is none, so that what there is stands out.
 std::string amountText(Currency amount) {
-    return amount == Currency() ? "" : amount.toDisplay();
+    return amount == Currency() ? "" : shownCost(amount);
 }
 
 std::size_t charged(const StatementRun& run) {
@@ -263,15 +264,15 @@ void frmStatements::show(const StatementRun& run) {
     for (const CustomerStatement& one : run.statements) {
         const Statement& s = one.figures;
         grdStatements.addRow({std::to_string(one.customer), one.name, amountText(s.broughtForward), amountText(s.charged),
-                              amountText(s.paid), amountText(s.credited), amountText(s.financeCharge), s.balance.toDisplay(),
+                              amountText(s.paid), amountText(s.credited), amountText(s.financeCharge), shownCost(s.balance),
                               amountText(s.ages.notDue), amountText(s.ages.days30), amountText(s.ages.days60), amountText(s.ages.days90),
                               amountText(s.ages.over90), amountText(s.ages.unapplied)});
     }
     fitAmounts();
     grdStatements.emptyText = "There is nothing to tell any customer as at that day.";
     lblCount.setCaption(withThousands(static_cast<std::int64_t>(run.statements.size())));
-    lblCharges.setCaption(run.financeCharges.toDisplay());
-    lblBalances.setCaption(run.balances.toDisplay());
+    lblCharges.setCaption(shownCost(run.financeCharges));
+    lblBalances.setCaption(shownCost(run.balances));
     if (grdStatements.dataRows() > 0)
         grdStatements.setCurrent(1, 1);
     showReckoning();
@@ -292,7 +293,7 @@ bool frmStatements::postingConfirmed() {
                                               : "Finance charges of " + drawn_.financeCharges.toDisplay() + " are charged to " +
                                                     counted(accounts, "account.", "accounts.");
     return desk().message("Do you wish to post " + counted(drawn_.statements.size(), "statement", "statements") + " as at " +
-                              drawn_.asAt.toShortText() + "?\n\n" + charges + " The balances come to " + drawn_.balances.toDisplay() + ".",
+                              drawn_.asAt.toShortText() + "?\n\n" + charges + " The balances come to " + shownCost(drawn_.balances) + ".",
                           caption(), MessageIcon::Exclamation, MessageButtons::YesNo) == Answer::Yes;
 }
 

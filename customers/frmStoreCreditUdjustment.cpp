@@ -47,12 +47,25 @@ Currency amountFrom(const std::string& text) {
     return *amount;
 }
 
-std::string shortDate(const Value& date) {
-    return date.isNull() ? "" : date.as<Date>().dateOnly().toShortText();
-}
-
 Currency magnitude(Currency amount) {
     return amount < Currency() ? -amount : amount;
+}
+
+// As much as one posting may come to, so that accounts and their sums never leave what money can hold.
+const Currency kMostAdjusted = Currency::fromUnits(9'999'999'999'900);
+
+// Nothing for what is no amount, or a larger one.
+std::optional<Currency> amountWithin(const std::string& text) {
+    try {
+        const auto amount = amountOf(text);
+        return amount && magnitude(*amount) <= kMostAdjusted ? amount : std::nullopt;
+    } catch (const OverflowError&) {
+        return std::nullopt;
+    }
+}
+
+std::string shortDate(const Value& date) {
+    return date.isNull() ? "" : date.as<Date>().dateOnly().toShortText();
 }
 
 // As stored: in cents, and with all its decimals where it has fractions of one (a register's posting can), so that what is shown is what
@@ -231,16 +244,23 @@ Currency frmStoreCreditUdjustment::GetAppliedAmount(int row) const {
     return amountAt(row, kApplied);
 }
 
-// What is typed becomes currency, in cents, unless the row has fractions of one itself; what is no amount is taken out again.
+// What is typed becomes currency, in cents, unless something open has fractions of one; what is no amount is taken out again.
 void frmStoreCreditUdjustment::grdTrans_AfterEdit(int row, int column) {
     const std::string typed = std::string(trimmed(grdTrans.text(row, column)));
-    const auto amount = amountOf(typed);
+    const auto amount = amountWithin(typed);
     if (!typed.empty() && !amount)
-        desk().message("\"" + typed + "\" is no amount.", caption(), MessageIcon::Exclamation);
-    const bool fractions = amountAt(row, kOpen).units() % kUnitsInCent != 0;
-    grdTrans.setText(row, column, !amount ? "" : fractions ? asStored(*amount) : amount->toDisplay());
+        desk().message("\"" + typed + "\" is no amount" + (isNumeric(typed) ? " that an account can have." : "."), caption(),
+                       MessageIcon::Exclamation);
+    grdTrans.setText(row, column, !amount ? "" : hasFractions() ? asStored(*amount) : amount->toDisplay());
     if (!autoApply_)
         showApplied();
+}
+
+bool frmStoreCreditUdjustment::hasFractions() const {
+    for (int row = 1; row <= grdTrans.dataRows(); ++row)
+        if (amountAt(row, kOpen).units() % kUnitsInCent != 0)
+            return true;
+    return false;
 }
 
 void frmStoreCreditUdjustment::showApplied() {
@@ -267,6 +287,10 @@ bool frmStoreCreditUdjustment::hasCustomer() {
 void frmStoreCreditUdjustment::cmdPostAdjustment_Click() {
     if (!hasCustomer())
         return;
+    if (isNumeric(txtAmount.text()) && !amountWithin(txtAmount.text())) {
+        desk().message("An adjustment of more than " + kMostAdjusted.toDisplay() + " cannot be posted.", "Wrong Adjustment Amount");
+        return;
+    }
     if (amountFrom(txtAmount.text()) == Currency()) {
         desk().message("Please enter a positive or negative adjustment amount", "Wrong Adjustment Amount");
         return;

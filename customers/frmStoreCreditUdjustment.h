@@ -36,6 +36,7 @@ private:
     void showTotals(Currency total, Currency open, Currency debits, Currency credits);
     Currency amountAt(int row, int column) const;
     Currency GetAppliedAmount(int row) const;
+    bool hasFractions() const;
     void showApplied();
     void grdTrans_AfterEdit(int row, int column);
     void mdClearAll_Click();

@@ -1,6 +1,7 @@
 #include "customers/statements/reckoning.h"
 
 #include "base/division.h"
+#include "base/shown.h"
 
 #include <algorithm>
 #include <span>
@@ -172,7 +173,7 @@ private:
             if (++lines > kMostLines)
                 break;
             told += line.charge;
-            statement.reckoning += (lines == 1 ? "" : "\n") + line.overdue.toDisplay() + " overdue since " + shortDay(line.since, asAt_) +
+            statement.reckoning += (lines == 1 ? "" : "\n") + shownCost(line.overdue) + " overdue since " + shortDay(line.since, asAt_) +
                                    ", " + days(line.days) + " at " + aprText(account_.terms.apr) + " %: " + line.charge.toDisplay();
         }
         if (lines > kMostLines)
@@ -262,8 +263,9 @@ Date lastBillingDay(Date today, int dayOfMonth) {
     return thisMonth <= today ? thisMonth : billingDayBefore(thisMonth, dayOfMonth);
 }
 
-Date monthBefore(Date day, int dayOfMonth) {
-    return billingDayBefore(day, day == billingDay(day.year(), day.month(), dayOfMonth) ? dayOfMonth : day.day());
+Date monthBefore(Date day) {
+    const bool endsMonth = day.day() == lengthOfMonth(day.year(), day.month());
+    return billingDayBefore(day, endsMonth ? 31 : day.day());
 }
 
 Date billingDayBefore(Date day, int dayOfMonth) {

@@ -45,11 +45,15 @@ struct ChargeLine {
     Date since; // the first overdue day
     int days = 0;
     Currency charge; // in cents, halves to even
+
+    bool operator==(const ChargeLine&) const = default;
 };
 
 // The age of what is open, by the days since it was due. What no debit was found for is unapplied, zero or below.
 struct Ages {
     Currency notDue, days30, days60, days90, over90, unapplied;
+
+    bool operator==(const Ages&) const = default;
 };
 
 // A customer's statement as at a day. broughtForward + charged - paid - credited + financeCharge = balance = the sum of the ages.
@@ -59,6 +63,8 @@ struct Statement {
     Ages ages;
     std::vector<ChargeLine> lines;
     std::string reckoning; // the finance charge in words, a sentence a line; empty without one
+
+    bool operator==(const Statement&) const = default;
 };
 
 struct Account {
@@ -86,7 +92,8 @@ Statement drawUp(const Account& account, Date asAt, Date since);
 Date lastBillingDay(Date today, int dayOfMonth);
 // The billing day a month before one.
 Date billingDayBefore(Date billingDay, int dayOfMonth);
-// The day a month before any day: a billing day's is the billing day before, another's the same day of the month before or its last one.
-Date monthBefore(Date day, int dayOfMonth);
+// The day a month before any day: the same day of the month before, or that month's last one where it is shorter; that of a month's last
+// day is the last day of the month before. Runs as at the ends of two months are a month apart, however long those are.
+Date monthBefore(Date day);
 
 } // namespace merchantry::customers

@@ -209,7 +209,7 @@ void step(const RunProgress& progress, std::size_t done, std::size_t all) {
 
 std::vector<CustomerStatement> drawAll(db::Session& session, Date asAt, const RunProgress& progress) {
     std::vector<CustomerStatement> drawn;
-    const Date before = monthBefore(asAt, billingDayOfMonth(session));
+    const Date before = monthBefore(asAt);
     const std::vector<Holder> all = holders(session, asAt, before);
     Accounts accounts(session, asAt);
     std::size_t done = 0;
@@ -246,10 +246,8 @@ CustomerStatement postedOne(const RowView& row) {
 }
 
 bool sameFigures(const StatementRun& run, const std::vector<CustomerStatement>& again) {
-    return std::equal(run.statements.begin(), run.statements.end(), again.begin(), again.end(), [](const auto& a, const auto& b) {
-        return a.customer == b.customer && a.figures.balance == b.figures.balance && a.figures.reckoning == b.figures.reckoning &&
-               a.figures.broughtForward == b.figures.broughtForward && a.figures.financeCharge == b.figures.financeCharge;
-    });
+    return std::equal(run.statements.begin(), run.statements.end(), again.begin(), again.end(),
+                      [](const auto& a, const auto& b) { return a.customer == b.customer && a.figures == b.figures; });
 }
 
 std::optional<Date> lastPostedDay(db::Session& session) {

@@ -35,7 +35,7 @@ class AccountsChanged : public std::runtime_error {
 public:
     AccountsChanged()
         : std::runtime_error(
-              "Somebody posted to an account meanwhile. The statements were drawn up again: please look at them, then post.") {}
+              "An account or its terms changed meanwhile. The statements were drawn up again: please look at them, then post.") {}
 };
 
 // Statements as at the run's day, or a later one, are posted already: another desktop was faster.

@@ -165,7 +165,7 @@ const std::vector<Case> kCases = {
      "",
      "1/2/2026",
      "0.02",
-     "$27.38 overdue since 1/2, 1 day at 20 %: $0.02"},
+     "$27.3750 overdue since 1/2, 1 day at 20 %: $0.02"},
     {"another rate",
      {{1, "1/1/2026", "1/31/2026", "500", "500"}},
      {},
@@ -417,10 +417,12 @@ TEST(Reckoning, BillingDaysOfShortMonths) {
     EXPECT_EQ(billingDayBefore(day("3/31/2026"), 31), day("2/28/2026"));
     EXPECT_EQ(billingDayBefore(day("2/28/2026"), 31), day("1/31/2026"));
     // a month before any day
-    EXPECT_EQ(monthBefore(day("2/28/2026"), 31), day("1/31/2026"));
-    EXPECT_EQ(monthBefore(day("3/31/2026"), 31), day("2/28/2026"));
-    EXPECT_EQ(monthBefore(day("3/25/2026"), 20), day("2/25/2026"));
-    EXPECT_EQ(monthBefore(day("3/30/2028"), 5), day("2/29/2028"));
+    EXPECT_EQ(monthBefore(day("2/28/2026")), day("1/31/2026"));
+    EXPECT_EQ(monthBefore(day("3/31/2026")), day("2/28/2026"));
+    EXPECT_EQ(monthBefore(day("3/25/2026")), day("2/25/2026"));
+    EXPECT_EQ(monthBefore(day("3/30/2028")), day("2/29/2028"));
+    EXPECT_EQ(monthBefore(day("4/30/2026")), day("3/31/2026")) << "a month's end is a month behind the one before";
+    EXPECT_EQ(monthBefore(day("4/29/2026")), day("3/29/2026"));
 }
 
 } // namespace

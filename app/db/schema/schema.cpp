@@ -5,11 +5,12 @@
 #include "app/db/work.h"
 
 #include <array>
+#include <utility>
 
 namespace merchantry::db {
 namespace {
 
-// Each statement finds rows that must not be there.
+// Each statement finds rows that must not be there; a text in the first one's first column says which it is.
 struct Invariant {
     const char* says;
     const char* select;
@@ -24,17 +25,21 @@ constexpr std::array kInvariants{
               "OR NOT EXISTS (SELECT * FROM SalesMessages WHERE SalesMsgID = 0) OR NOT EXISTS (SELECT * FROM Suppliers WHERE SupID = 0) "
               "OR NOT EXISTS (SELECT * FROM Cashier WHERE ID = 5)"},
     Invariant{"A transaction's entries do not add up to its subtotal.",
-              "SELECT TOP 1 t.TransactionNumber FROM [Transaction] t WHERE t.SubTotal <> "
+              "SELECT TOP 1 'transaction ' + CAST(t.TransactionNumber AS varchar(12)) FROM [Transaction] t WHERE t.SubTotal <> "
               "ISNULL((SELECT SUM(e.FullPrice * e.Quantity - e.Discount) FROM TransactionEntry e WHERE e.TransactionNumber = "
               "t.TransactionNumber), 0)"},
     Invariant{"A transaction's subtotal and tax do not add up to its total.",
-              "SELECT TOP 1 TransactionNumber FROM [Transaction] WHERE SubTotal + TaxTotal <> Total"},
+              "SELECT TOP 1 'transaction ' + CAST(TransactionNumber AS varchar(12)) FROM [Transaction] WHERE SubTotal + TaxTotal <> Total "
+              "ORDER BY TransactionNumber"},
     Invariant{"A customer's balance is not the sum of what is open.",
-              "SELECT TOP 1 c.ID FROM Customer c LEFT JOIN (SELECT CustomerID, SUM(OutstandingBalance) AS Outstanding FROM "
+              "SELECT TOP 1 'customer ' + CAST(c.ID AS varchar(12)) + ', balance ' + CONVERT(varchar(30), c.Balance, 2) + ', open ' + "
+              "CONVERT(varchar(30), ISNULL(t.Outstanding, 0), 2) FROM Customer c LEFT JOIN (SELECT CustomerID, SUM(OutstandingBalance) AS "
+              "Outstanding FROM "
               "CreditTransaction GROUP BY "
-              "CustomerID) t ON t.CustomerID = c.ID WHERE c.Balance <> ISNULL(t.Outstanding, 0)"},
+              "CustomerID) t ON t.CustomerID = c.ID WHERE c.Balance <> ISNULL(t.Outstanding, 0) ORDER BY c.ID"},
     Invariant{"An item's newest ledger row does not hold the sum of its movements.",
-              "SELECT TOP 1 s.SKU FROM (SELECT SKU, MatrixSKU, SUM(Qty) AS Moved, MAX(LedgerID) AS Newest FROM InventoryLedger GROUP BY "
+              "SELECT TOP 1 'item ' + s.MatrixSKU FROM (SELECT SKU, MatrixSKU, SUM(Qty) AS Moved, MAX(LedgerID) AS Newest FROM "
+              "InventoryLedger GROUP BY "
               "SKU, MatrixSKU) s "
               "INNER JOIN InventoryLedger l ON l.LedgerID = s.Newest WHERE l.QtyAfter <> s.Moved"},
 };
@@ -94,11 +99,17 @@ std::string firstRows(const std::string& table, std::string_view file) {
     return "IF NOT EXISTS (SELECT * FROM " + table + ") EXEC ('" + rows + "')\n";
 }
 
-class Counter : public ResultSink {
+// What was found, as the sentence that says so goes on.
+class Finding : public ResultSink {
 public:
     void beginSet(const std::vector<Column>&) override {}
-    void row(const RowView&) override { ++rows; }
-    int rows = 0;
+    void row(const RowView& row) override {
+        if (std::exchange(any, true) || !row.value(0).is<std::string>())
+            return;
+        which = " The first: " + row.value(0).as<std::string>() + ".";
+    }
+    bool any = false;
+    std::string which;
 };
 
 } // namespace
@@ -203,10 +214,10 @@ void upgradeSchema(Session& session, std::span<const UpgradeStep> steps) {
 std::vector<std::string> brokenInvariants(Session& session) {
     std::vector<std::string> broken;
     for (const Invariant& invariant : kInvariants) {
-        Counter found;
+        Finding found;
         session.execute(invariant.select, found);
-        if (found.rows > 0)
-            broken.emplace_back(invariant.says);
+        if (found.any)
+            broken.push_back(invariant.says + found.which);
     }
     return broken;
 }

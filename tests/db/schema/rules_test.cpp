@@ -181,7 +181,8 @@ TEST_F(StoreRules, TheLedgerKeepsTheMovingWeightedAverage) {
     EXPECT_TRUE(brokenInvariants(*session).empty());
     run("ALTER TABLE InventoryLedger DISABLE TRIGGER InventoryLedger_Insert INSERT INTO InventoryLedger (SKU, MatrixSKU, Qty, QtyAfter) "
         "VALUES ('b', 'b', 1, 77)");
-    EXPECT_EQ(brokenInvariants(*session).size(), 1U);
+    EXPECT_EQ(brokenInvariants(*session),
+              std::vector<std::string>{"An item's newest ledger row does not hold the sum of its movements. The first: item b."});
 }
 
 TEST_F(StoreRules, PhoneNumbersKeepTheirDigits) {

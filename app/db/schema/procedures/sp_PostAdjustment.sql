@@ -1,4 +1,5 @@
--- One posting to a customer's account, open in full; the balance moves by it. A debit is due on its day. Nothing, and what is no whole number of cents, is refused.
+-- One posting to a customer's account, open in full; the balance moves by it. A debit is due on its day. Nothing, what is no whole number of cents, and more than
+-- 999,999,999.99 are refused.
 CREATE PROCEDURE sp_PostAdjustment @BatchNumber int, @StoreId int, @CustomerId int, @CashierId int, @AdjustmentAmount money, @CreditId int, @CreditCode varchar(25) AS
 SET NOCOUNT ON
 SET XACT_ABORT ON
@@ -7,6 +8,11 @@ IF @AdjustmentAmount IS NULL OR @AdjustmentAmount = 0 OR @AdjustmentAmount <> RO
 BEGIN
   SET @amountText = ISNULL(CONVERT(varchar(40), @AdjustmentAmount, 2), 'nothing')
   RAISERROR('An adjustment is in whole cents, above or below zero: %s cannot be posted. Nothing was posted.', 16, 1, @amountText)
+  RETURN
+END
+IF @AdjustmentAmount > 999999999.99 OR @AdjustmentAmount < -999999999.99
+BEGIN
+  RAISERROR('An adjustment of more than 999,999,999.99 cannot be posted. Nothing was posted.', 16, 1)
   RETURN
 END
 IF NOT EXISTS (SELECT * FROM Customer WHERE ID = @CustomerId)
