@@ -48,6 +48,8 @@ struct LivePlan {
     double perSecond = 1; // receipts of each register; 0 for as fast as it can
     double seconds = 10;
     std::uint64_t seed = 1;
+    // Asked between two receipts; true ends the work before its time.
+    std::function<bool()> closing{};
 };
 
 struct LiveFigures {

@@ -1,5 +1,6 @@
 // Registers at work on an open store, for tests beside a working manager and for watching reports move.
 
+#include "app/db/embedded/closing.h"
 #include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
 #include "base/date.h"
@@ -32,10 +33,17 @@ int tellOffers(const Options& options) {
     return 0;
 }
 
+// Ends between two receipts when somebody wants to restore the store, and does not begin while one does.
 int sellLive(const Options& options) {
+    if (db::closingAsked(options.store))
+        throw std::runtime_error("The store is being restored. Start again when that is done.");
     const auto store = db::Store::open(options.store);
     db::refuseNewerSchema(*store->session());
-    const auto figures = registersim::runRegisters([&] { return store->session(); }, options.live);
+    registersim::LivePlan plan = options.live;
+    plan.closing = [&] { return db::closingAsked(options.store); };
+    const auto figures = registersim::runRegisters([&] { return store->session(); }, plan);
+    if (plan.closing())
+        std::cerr << "Closed, because the store is to be restored.\n";
     for (const std::string& error : figures.errors)
         std::cerr << error << "\n";
     std::cout << figures.posted << " receipts posted, " << figures.failed << " failed, " << figures.medianMs << " ms in the middle, "
