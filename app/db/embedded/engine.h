@@ -225,6 +225,7 @@ private:
     void executeSql(const tsql::ExecuteStatement& statement);
     void addType(const tsql::ExecuteStatement& statement);
     void reindexTexts();
+    void runShell(const tsql::ExecuteStatement& statement);
     struct BoundArgument {
         std::string name;
         Cell cell;

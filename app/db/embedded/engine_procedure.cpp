@@ -1,4 +1,5 @@
 #include "app/db/embedded/engine.h"
+#include "app/db/embedded/filestage.h"
 #include "app/db/embedded/write_scope.h"
 
 #include "app/db/tsql/convert.h"
@@ -254,11 +255,22 @@ void Engine::runSystemProcedure(const tsql::ExecuteStatement& statement, const s
         return reindexTexts();
     if (tsql::sameName(name, "sp_dboption") || tsql::sameName(name, "sp_configure"))
         return;
-    if (tsql::sameName(name, "xp_cmdshell") || tsql::sameName(name, "sp_rename") || tsql::sameName(name, "sp_bindefault") ||
-        tsql::sameName(name, "sp_bindrule") || tsql::sameName(name, "sp_helptext") || tsql::sameName(name, "sp_help"))
+    if (tsql::sameName(name, "xp_cmdshell"))
+        return runShell(statement);
+    if (tsql::sameName(name, "sp_rename") || tsql::sameName(name, "sp_bindefault") || tsql::sameName(name, "sp_bindrule") ||
+        tsql::sameName(name, "sp_helptext") || tsql::sameName(name, "sp_help"))
         throw tsql::unsupported(name, statement.line);
     const std::string text = statement.procedure.empty() ? name : statement.procedure.toText();
     throw tsql::nameError(2812, "Could not find stored procedure '" + text + "'.", statement.line);
+}
+
+// No shell, ever: the three commands of the backup screen while its stage stands.
+void Engine::runShell(const tsql::ExecuteStatement& statement) {
+    FileStage* const stage = FileStage::current();
+    const std::vector<BoundArgument> arguments = argumentsOf(statement);
+    if (stage == nullptr || arguments.size() != 1 || arguments.front().cell.isNull())
+        refuseShell();
+    stage->run(tsql::textOf(arguments.front().cell, arguments.front().type));
 }
 
 // Brings a store of an earlier order of texts to the newest; another session reads the catalogue, and with it the order, before its next

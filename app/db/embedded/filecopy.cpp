@@ -4,10 +4,14 @@
 #include "app/db/embedded/connection.h"
 #include "app/db/embedded/filehead.h"
 #include "app/db/embedded/text_order.h"
+#include "base/guard.h"
+#include "base/platform/files.h"
 #include "base/platform/platform.h"
 
+#include <algorithm>
 #include <memory>
 #include <sqlite3.h>
+#include <utility>
 
 namespace merchantry::db {
 namespace {
@@ -56,19 +60,103 @@ void run(const Handle& handle, const std::filesystem::path& file, const char* sq
         failed(file, result);
 }
 
-void copyPages(sqlite3* source, const std::filesystem::path& from, const Handle& target, const std::filesystem::path& to) {
-    sqlite3_backup* backup = sqlite3_backup_init(target.get(), "main", source, "main");
-    if (backup == nullptr)
-        failed(to, sqlite3_errcode(target.get()));
-    int result = SQLITE_BUSY;
-    for (int tries = 0; tries < kMostTries && (result == SQLITE_BUSY || result == SQLITE_LOCKED); ++tries)
-        result = sqlite3_backup_step(backup, -1);
-    const int finished = sqlite3_backup_finish(backup);
-    if (result != SQLITE_DONE || finished != SQLITE_OK) {
-        const int code = result != SQLITE_DONE ? result : finished;
-        const bool damaged = (code & 0xFF) == SQLITE_CORRUPT || (code & 0xFF) == SQLITE_NOTADB;
-        failed(damaged ? from : to, code);
+constexpr int kMostAtOnce = 1024; // pages: 4 MB
+constexpr int kLeastAtOnce = 16;
+constexpr int kSteps = 20;
+constexpr int kWhole = 100;
+
+// The pages of a store on their way into another file.
+class Pages {
+public:
+    Pages(sqlite3* source, const std::filesystem::path& from, const Handle& target, const std::filesystem::path& to)
+        : from_(from), to_(to), backup_(sqlite3_backup_init(target.get(), "main", source, "main")) {
+        if (backup_ == nullptr)
+            failed(to, sqlite3_errcode(target.get()));
     }
+    ~Pages() { sqlite3_backup_finish(backup_); }
+    Pages(const Pages&) = delete;
+    Pages& operator=(const Pages&) = delete;
+
+    // So many more, -1 for all; false when none is left.
+    bool copy(int pages) {
+        const int result = sqlite3_backup_step(backup_, pages);
+        const bool busy = result == SQLITE_BUSY || result == SQLITE_LOCKED;
+        tries_ = busy ? tries_ + 1 : 0;
+        if (result != SQLITE_OK && result != SQLITE_DONE && (!busy || tries_ >= kMostTries))
+            fail(result);
+        return result != SQLITE_DONE;
+    }
+    // How many make a step: some hundredths of a second, and some steps even of a small store.
+    int part() const { return std::clamp(sqlite3_backup_pagecount(backup_) / kSteps, kLeastAtOnce, kMostAtOnce); }
+    int percent() const {
+        const std::int64_t all = sqlite3_backup_pagecount(backup_);
+        return all == 0 ? 0 : static_cast<int>((all - sqlite3_backup_remaining(backup_)) * kWhole / all);
+    }
+    void finish() {
+        if (const int result = sqlite3_backup_finish(std::exchange(backup_, nullptr)); result != SQLITE_OK)
+            fail(result);
+    }
+
+private:
+    [[noreturn]] void fail(int code) const {
+        const bool damaged = (code & 0xFF) == SQLITE_CORRUPT || (code & 0xFF) == SQLITE_NOTADB;
+        failed(damaged ? from_ : to_, code);
+    }
+
+    const std::filesystem::path& from_;
+    const std::filesystem::path& to_;
+    sqlite3_backup* backup_;
+    int tries_ = 0;
+};
+
+void copyPages(Pages& pages, const std::filesystem::path& from, const CopyPlan& plan) {
+    if (!plan.progress) {
+        while (pages.copy(-1))
+            continue;
+        return;
+    }
+    const auto tell = [&] {
+        if (!plan.progress(pages.percent()))
+            throw DbError(DbError::Category::Cancelled, 0, "Stopped: " + from.string() + " was not copied.");
+    };
+    pages.copy(0);
+    tell();
+    while (pages.copy(pages.part()))
+        tell();
+    plan.progress(kWhole); // too late for a stop
+}
+
+// Holds the store as it stands now, for this connection: the pages of one moment, however long they take.
+class Moment {
+public:
+    explicit Moment(embedded::Connection& connection) : connection_(connection) {
+        connection_.run("BEGIN");
+        connection_.single("SELECT COUNT(*) FROM sqlite_master");
+    }
+    ~Moment() { sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr); }
+    Moment(const Moment&) = delete;
+    Moment& operator=(const Moment&) = delete;
+
+private:
+    embedded::Connection& connection_;
+};
+
+// A new file needs no way back: it is nothing before it is whole, and is brought to the disk at once then.
+constexpr const char* kWithoutWayBack = "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF";
+
+void copyInto(embedded::Connection& source, const std::filesystem::path& from, const std::filesystem::path& to, bool isNew,
+              const CopyPlan& plan) {
+    const Handle target = openFile(to, SQLITE_OPEN_READWRITE);
+    if (isNew)
+        run(target, to, kWithoutWayBack);
+    const Moment moment(source);
+    Pages pages(source.handle(), from, target, to);
+    copyPages(pages, from, plan);
+    pages.finish();
+    if (isNew)
+        run(target, to, "PRAGMA journal_mode=DELETE");
+    if (plan.sameMoment)
+        plan.sameMoment(source);
 }
 
 // Whether another program holds the file open.
@@ -88,25 +176,27 @@ void removeAll(const std::filesystem::path& file) {
 
 } // namespace
 
-void copyStore(const std::filesystem::path& from, const std::filesystem::path& to) {
+void copyStore(const std::filesystem::path& from, const std::filesystem::path& to, const CopyPlan& plan) {
     embedded::requireStoreFile(from);
     embedded::putForeignLogAside(from);
     embedded::Connection source(from, true);
+    const AtEnd atRest([&] { source.putToRest(); });
+    if (plan.beside && platform::mayWrite(from))
+        source.readyToWrite();
     const bool isNew = !std::filesystem::exists(to);
     try {
         if (isNew)
             platform::createPrivateFile(to);
-        const Handle target = openFile(to, SQLITE_OPEN_READWRITE);
-        copyPages(source.handle(), from, target, to);
+        copyInto(source, from, to, isNew, plan);
         if (isNew) {
-            run(target, to, "PRAGMA journal_mode=DELETE");
             platform::restrictLike(to, from);
+            if (plan.lasting)
+                platform::syncFile(to);
         }
-        source.putToRest();
     } catch (const std::filesystem::filesystem_error& error) {
         throw DbError(DbError::Category::Storage, 0,
                       to.string() + " cannot be written (" + error.code().message() +
-                          "): its folder is not there, or this user may not write in it.");
+                          "): its folder is not there, this user may not write in it, or the disk fails.");
     }
 }
 

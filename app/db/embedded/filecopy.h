@@ -1,15 +1,35 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace merchantry::db {
 
+namespace embedded {
+class Connection;
+} // namespace embedded
+
+// How a copy of a store is made, and who looks on.
+struct CopyPlan {
+    // Others go on writing to the original: it gets its log at once, so that nobody waits for the copy. Otherwise the original's file stays
+    // as it is, byte for byte.
+    bool beside = false;
+    // Takes how much is copied, in percent; false stops the copy, which throws DbError Cancelled, but for 100, when it is done. None: it is
+    // not divided.
+    std::function<bool(int percent)> progress{};
+    // A new target is brought to the disk; not so for one that is of no use after the process.
+    bool lasting = true;
+    // Called once all is copied, with the original still as it was at the moment that was copied; for reading only.
+    std::function<void(embedded::Connection& original)> sameMoment{};
+};
+
 // Copies a store file as it stands at one moment, also while others write to it; the target becomes that copy as a whole or stays as it
-// was. A new target is readable by its owner only, never more than the original, and keeps no write-ahead log beside it, so that one which
-// lies where it is put is known as another store's. Throws DbError (category Storage) with a sentence.
-void copyStore(const std::filesystem::path& from, const std::filesystem::path& to);
+// was. A new target is readable by its owner only, never more than the original, is on the disk when this returns, and keeps no
+// write-ahead log beside it, so that one which lies where it is put is known as another store's; half of one that failed may be left, see
+// NewStoreFile. Throws DbError (category Storage, or Cancelled) with a sentence.
+void copyStore(const std::filesystem::path& from, const std::filesystem::path& to, const CopyPlan& plan = {});
 
 // What the file's own check finds damaged, a sentence each; empty for a sound file. Throws DbError when it cannot be read at all.
 std::vector<std::string> damageOf(const std::filesystem::path& file);
