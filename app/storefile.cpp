@@ -81,14 +81,7 @@ std::map<std::string, std::string> ownTableParts() {
     return db::tableParts(*session);
 }
 
-// A store takes a backup in one transaction. What cannot be opened is not overwritten, since it may hold what can still be saved.
-void requireReplaceable(const std::filesystem::path& file) {
-    try {
-        db::Store::open(file);
-    } catch (const DbError& error) {
-        refuse(std::string(error.what()) + " Nothing was restored: move " + file.string() + " to another place first, then restore.");
-    }
-}
+constexpr const char* kReplaced = ".replaced-";
 
 } // namespace
 
@@ -103,13 +96,16 @@ void createStoreFile(const std::filesystem::path& file, const StoreFiller& fille
     made.finish();
 }
 
+std::vector<std::string> damageOfStoreFile(const std::filesystem::path& file) {
+    const std::vector<std::string> found = db::damageOf(file);
+    return found.empty() ? damagedTexts(db::storedTexts(file)) : found;
+}
+
 std::vector<std::string> checkStoreFile(const std::filesystem::path& file) {
-    std::vector<std::string> found = db::damageOf(file);
+    std::vector<std::string> found = damageOfStoreFile(file);
     if (!found.empty())
         return found;
     const std::vector<db::StoredText> texts = db::storedTexts(file);
-    if (found = damagedTexts(texts); !found.empty())
-        return found;
     const auto session = db::Store::open(file)->session();
     db::refuseNewerSchema(*session);
     if (db::schemaVersion(*session) == db::kSchemaVersion) {
@@ -151,8 +147,41 @@ std::filesystem::path upgradeStoreFile(const std::filesystem::path& file, std::s
 void backupStoreFile(const std::filesystem::path& file, const std::filesystem::path& target) {
     db::Store::open(file);
     db::NewStoreFile made(target);
-    db::copyStore(file, made.path());
+    db::copyStore(file, made.path(), {.beside = true});
     made.finish();
+}
+
+void requireReplaceable(const std::filesystem::path& file) {
+    try {
+        db::Store::open(file);
+    } catch (const DbError& error) {
+        refuse(std::string(error.what()) + " Nothing was restored: move " + file.string() + " to another place first, then restore.");
+    }
+}
+
+std::string nameOfMoment(Date moment) {
+    std::string text;
+    for (const char c : moment.toIsoText())
+        text += c == ' ' ? "-" : c == '-' || c == ':' ? "" : std::string(1, c);
+    return text;
+}
+
+std::filesystem::path replacedName(const std::filesystem::path& file, Date now) {
+    const std::string name = file.string() + kReplaced + nameOfMoment(now);
+    std::filesystem::path kept = name;
+    for (int number = 2; std::filesystem::exists(kept); ++number)
+        kept = name + "." + std::to_string(number);
+    return kept;
+}
+
+std::vector<std::filesystem::path> replacedStores(const std::filesystem::path& file) {
+    const std::filesystem::path folder = std::filesystem::absolute(file).parent_path();
+    std::vector<std::filesystem::path> kept;
+    std::error_code ignored;
+    for (const auto& one : std::filesystem::directory_iterator(folder, ignored))
+        if (one.path().filename().string().starts_with(file.filename().string() + kReplaced) && !one.path().string().ends_with(".making"))
+            kept.push_back(one.path());
+    return kept;
 }
 
 void restoreStoreFile(const std::filesystem::path& backup, const std::filesystem::path& file) {

@@ -2,6 +2,7 @@
 
 #include "app/db/schema/schema.h"
 #include "app/db/session.h"
+#include "base/date.h"
 
 #include <filesystem>
 #include <functional>
@@ -21,6 +22,9 @@ void createStoreFile(const std::filesystem::path& file, const StoreFiller& fille
 // store.
 std::vector<std::string> checkStoreFile(const std::filesystem::path& file);
 
+// Damage of the file only, in a sentence each: of its pages, and of the texts of its tables and procedures.
+std::vector<std::string> damageOfStoreFile(const std::filesystem::path& file);
+
 // Whether the file is a store that an earlier version of the program made, so that upgradeStoreFile helps; false for anything else.
 bool isOlderStore(const std::filesystem::path& file);
 
@@ -34,5 +38,16 @@ std::filesystem::path upgradeStoreFile(const std::filesystem::path& file, std::s
 // transaction (restore).
 void backupStoreFile(const std::filesystem::path& file, const std::filesystem::path& target);
 void restoreStoreFile(const std::filesystem::path& backup, const std::filesystem::path& file);
+
+// Throws DbError Storage with a sentence when the store that a backup is to replace cannot be opened: it is not overwritten, since it may
+// hold what can still be saved.
+void requireReplaceable(const std::filesystem::path& file);
+
+// Where the store that a restore replaces is kept: "shop.store.replaced-20261121-140205".
+std::filesystem::path replacedName(const std::filesystem::path& file, Date now);
+// Those that are kept.
+std::vector<std::filesystem::path> replacedStores(const std::filesystem::path& file);
+// "20261121-140205": a moment in the name of a file, so that names sort by time.
+std::string nameOfMoment(Date moment);
 
 } // namespace merchantry::app

@@ -21,7 +21,10 @@ int runSql(const SqlOptions& options); // throws UsageError unless it is one sto
 
 struct StoreOptions {
     std::string file;
-    std::string other; // the backup
+    std::string other;  // the backup
+    std::string folder; // of many backups; instead of the other
+    int keep = 0;
+    bool prove = false;
     bool demo = false;
     bool empty = false;
     bool items = false;

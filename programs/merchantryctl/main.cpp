@@ -38,7 +38,13 @@ void addStore(CLI::App& program, StoreOptions& options, int& exitCode) {
     checked->add_flag("--items", options.items, "List every item whose stock differs from its ledger");
     action("upgrade", "Bring a store to this program's version, keeping a copy", upgradeStore);
     CLI::App* copied = action("backup", "Copy a store that may be in use", backupStore);
-    copied->add_option("TARGET", options.other, "The copy to make")->required();
+    CLI::Option* target = copied->add_option("TARGET", options.other, "The copy to make");
+    CLI::Option* folder = copied->add_option("--to", options.folder, "Make it in this folder, under a name of its own");
+    folder->excludes(target);
+    copied->add_option("--keep", options.keep, "How many of this store's backups stay in that folder; all when not given")
+        ->needs(folder)
+        ->check(CLI::PositiveNumber);
+    copied->add_flag("--prove", options.prove, "Restore it into a scratch store and compare")->needs(folder);
     CLI::App* restored = action("restore", "Overwrite a store with a backup", restoreStore);
     restored->add_option("BACKUP", options.other, "The backup to take")->required();
 }

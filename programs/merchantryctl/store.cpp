@@ -3,8 +3,12 @@
 #include "app/stockproof.h"
 #include "app/storefile.h"
 #include "base/numbers.h"
+#include "base/platform/platform.h"
+#include "exchange/backup/nightly.h"
+#include "exchange/backup/restoring.h"
 #include "programs/storehost.h"
 
+#include <filesystem>
 #include <iostream>
 #include <string>
 
@@ -61,15 +65,37 @@ int upgradeStore(const StoreOptions& options) {
     return 0;
 }
 
+namespace {
+
+// For the night: one line of what came of it, on standard output or, when it is not good, on standard error.
+int backUpToFolder(const StoreOptions& options) {
+    const auto outcome = exchange::backUpNightly({.store = std::filesystem::absolute(options.file),
+                                                  .folder = std::filesystem::absolute(options.folder),
+                                                  .keep = options.keep,
+                                                  .prove = options.prove,
+                                                  .now = platform::localTime()});
+    (outcome.good ? std::cout : std::cerr) << outcome.sentence() << "\n";
+    if (!outcome.complaint.empty())
+        std::cerr << outcome.complaint << "\n";
+    return outcome.good ? 0 : 1;
+}
+
+} // namespace
+
 int backupStore(const StoreOptions& options) {
+    if (!options.folder.empty())
+        return backUpToFolder(options);
+    if (options.other.empty())
+        throw UsageError{"store backup wants the copy to make, or --to with a folder."};
     app::backupStoreFile(options.file, options.other);
     std::cout << "Copied " << options.file << " to " << options.other << ".\n";
     return 0;
 }
 
 int restoreStore(const StoreOptions& options) {
-    app::restoreStoreFile(options.other, options.file);
-    std::cout << "Restored " << options.file << " from " << options.other << ".\n";
+    const auto replaced = exchange::restoreFrom(options.other, options.file, platform::localTime());
+    std::cout << "Restored " << options.file << " from " << options.other << ".";
+    std::cout << (replaced.empty() ? "" : " The store that was there is kept as " + replaced.string() + ".") << "\n";
     return 0;
 }
 
