@@ -1,5 +1,6 @@
 #include "app/frmMain.h"
 
+#include "app/backuplog.h"
 #include "app/commands.h"
 #include "app/frmAbout.h"
 #include "app/itemcodes.h"
@@ -117,15 +118,38 @@ void frmMain::Form_Activate() {
     road_.offer();
 }
 
-// A hint that stands as long as the default manager account has the password that every store starts with. Only a hint: a failure is
-// nobody's concern.
+namespace {
+
+// As long as the default manager account has the password that every store starts with.
+std::string passwordHint() {
+    const auto known = openDirect("SELECT ID FROM Cashier WHERE ID = 5 AND Password = 'manager'");
+    return known->Eof() ? "" : "The manager's password is still \"manager\". Please change it under Store, Cashiers.";
+}
+
+// Of a store in a file; what became of a server's backups is not known here.
+std::string backupHint(Date now) {
+    const std::string& store = modMain().DBServer;
+    if (store.find('/') == std::string::npos && !store.ends_with(".store"))
+        return "";
+    const auto made = openDirect("SELECT MIN(UpgradeDate) AS Made FROM SchemaVersion");
+    return backupReminder(store, (*made)["Made"].Value().as<Date>(), now);
+}
+
+} // namespace
+
+// What stands in the status bar until it is seen to. Only hints: a failure is nobody's concern.
 void frmMain::remind() {
+    if (modMain().Conn->State() == 0)
+        return desk().hint(
+            "There is no connection to the store: open File, Backup/Restore Database and press Go, or start the program again.");
+    std::string hints;
+    const auto add = [&](const std::string& hint) { hints += (hints.empty() || hint.empty() ? "" : "  \u00B7  ") + hint; };
     try {
-        const auto known = openDirect("SELECT ID FROM Cashier WHERE ID = 5 AND Password = 'manager'");
-        desk().hint(known->Eof() ? "" : "The manager's password is still \"manager\". Please change it under Store, Cashiers.");
-    } catch (const std::exception&) {
-        desk().hint("");
+        add(passwordHint());
+        add(backupHint(desk().clock().now()));
+    } catch (const std::exception&) { // what is known stands
     }
+    desk().hint(hints);
 }
 
 void frmMain::Form_Unload(bool& /*cancel*/) {

@@ -26,6 +26,7 @@
 #include "customers/frmCustomerView.h"
 #include "customers/frmStatements.h"
 #include "customers/frmStoreCreditUdjustment.h"
+#include "exchange/frmDatabaseBak.h"
 #include "exchange/frmImportExport.h"
 #include "exchange/frmQuickBooks.h"
 #include "inventory/frmInvReasonCodes.h"
@@ -131,6 +132,7 @@ constexpr Screen kScreens[] = {
     {"frmRegisters", instanceOf<setup::frmRegisters>, true},
     {"frmRegister_Edit", instanceOf<setup::frmRegister_Edit>, false},
     {"frmOptions", instanceOf<setup::frmOptions>, true},
+    {"frmDatabaseBak", instanceOf<exchange::frmDatabaseBak>, true},
 };
 
 // A file of the report folder with its parameters; null when it cannot be opened, which was said.
