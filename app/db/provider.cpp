@@ -21,6 +21,8 @@ std::map<std::string, std::string> connectionParts(const std::string& connection
 }
 
 std::unique_ptr<Session> Provider::open(const std::string& connectionString) {
+    if (connectionString.empty()) // of a connection that was closed and let go
+        throw DbError(DbError::Category::Storage, 0, "There is no connection to the store.").withHresult(kClosedObject);
     const auto parts = connectionParts(connectionString);
     const auto source = parts.find("data source");
     if (source == parts.end() || source->second.empty())
