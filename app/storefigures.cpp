@@ -6,6 +6,7 @@
 #include "app/db/schema/schema.h"
 #include "base/numbers.h"
 
+#include <exception>
 #include <optional>
 #include <vector>
 
@@ -27,9 +28,7 @@ struct Sums {
 
 const std::vector<Sums>& allSums() {
     static const std::vector<Sums> sums{
-        {"InventoryLedger",
-         {"Quantity in the ledger", "Cost in the ledger", "Balances in the ledger"},
-         "SELECT SUM(Qty), SUM(Qty * Cost_ea), SUM(QtyAfter) FROM InventoryLedger"},
+        {"InventoryLedger", {"Quantity in the ledger", "Cost in the ledger"}, "SELECT SUM(Qty), SUM(Qty * Cost_ea) FROM InventoryLedger"},
         {"Stock", {"Stock", "Committed stock"}, "SELECT SUM(Quantity), SUM(QtyCommitt) FROM Stock"},
         {"Stock",
          {kStockValue},
@@ -100,6 +99,77 @@ Date newestOf(Connection& connection, int version) {
     return Date::fromMs(newest);
 }
 
+// Every page of every table and index counts its entries: an index has as many as its table has rows, or pages of one of them are not what
+// they were.
+void requireWholeIndexes(Connection& connection, const StoreFigures& figures) {
+    const Statement3 select(connection.handle(),
+                            "SELECT m.name, m.tbl_name, d.entries, d.rows, m.type FROM (SELECT name, SUM(ncell) AS entries, SUM(CASE WHEN "
+                            "pagetype = 'leaf' THEN ncell ELSE 0 END) AS rows FROM dbstat WHERE pagetype <> 'overflow' GROUP BY name) d "
+                            "INNER JOIN sqlite_master m ON m.name = d.name WHERE m.type = 'table' OR m.sql NOT LIKE '% WHERE %'");
+    const auto text = [&](int column) { return std::string(reinterpret_cast<const char*>(sqlite3_column_text(select.get(), column))); };
+    while (connection.step(select.get())) {
+        const bool isTable = text(4) == "table";
+        const std::int64_t found = sqlite3_column_int64(select.get(), isTable ? 3 : 2);
+        const auto table = figures.rows.find(text(1));
+        if (table != figures.rows.end() && found != table->second)
+            throw db::DbError(db::DbError::Category::Storage, 824,
+                              "The " + std::string(isTable ? "table " : "index ") + text(0) + " is damaged: it has " +
+                                  withThousands(found) + " entries for " + withThousands(table->second) + " rows.");
+    }
+}
+
+StoreFigures readFigures(Connection& connection) {
+    db::embedded::registerCollations(connection.handle(), db::embedded::textOrderOf(connection.handle()));
+    StoreFigures figures;
+    for (const std::string& table : tablesOf(connection))
+        figures.rows[table] = numberOf(connection, "SELECT COUNT(*) FROM \"" + table + "\"");
+    figures.version = versionOf(connection);
+    for (const Sums& sums : allSums())
+        if (figures.rows.contains(sums.table))
+            addSums(connection, sums, figures);
+    figures.stockValue = Currency::fromUnits(figures.sums[kStockValue]);
+    figures.newest = newestOf(connection, figures.version);
+    return figures;
+}
+
+// Lets somebody look up now and then while SQLite is at work, and stop it. What is thrown there must not pass through SQLite.
+class Asked {
+public:
+    Asked(Connection& connection, const GoOn& goOn) : connection_(connection), goOn_(goOn) {
+        constexpr int kStepsBetween = 200'000; // some milliseconds
+        if (goOn_)
+            sqlite3_progress_handler(connection_.handle(), kStepsBetween, &Asked::ask, this);
+    }
+    ~Asked() { sqlite3_progress_handler(connection_.handle(), 0, nullptr, nullptr); }
+    Asked(const Asked&) = delete;
+    Asked& operator=(const Asked&) = delete;
+
+    template <class Work> auto during(Work&& work) {
+        try {
+            return work();
+        } catch (const db::DbError&) {
+            if (thrown_)
+                std::rethrow_exception(thrown_);
+            throw;
+        }
+    }
+
+private:
+    static int ask(void* self) {
+        auto& asked = *static_cast<Asked*>(self);
+        try {
+            return asked.goOn_() ? 0 : 1;
+        } catch (...) {
+            asked.thrown_ = std::current_exception();
+            return 1;
+        }
+    }
+
+    Connection& connection_;
+    const GoOn& goOn_;
+    std::exception_ptr thrown_;
+};
+
 std::string shown(std::int64_t number) {
     return withThousands(number);
 }
@@ -129,24 +199,24 @@ std::int64_t StoreFigures::rowCount() const {
     return count;
 }
 
-StoreFigures figuresOf(Connection& connection) {
-    db::embedded::registerCollations(connection.handle(), db::embedded::textOrderOf(connection.handle()));
-    StoreFigures figures;
-    for (const std::string& table : tablesOf(connection))
-        figures.rows[table] = numberOf(connection, "SELECT COUNT(*) FROM \"" + table + "\"");
-    figures.version = versionOf(connection);
-    for (const Sums& sums : allSums())
-        if (figures.rows.contains(sums.table))
-            addSums(connection, sums, figures);
-    figures.stockValue = Currency::fromUnits(figures.sums[kStockValue]);
-    figures.newest = newestOf(connection, figures.version);
-    return figures;
+StoreFigures figuresOf(Connection& connection, const GoOn& goOn) {
+    return Asked(connection, goOn).during([&] { return readFigures(connection); });
 }
 
 StoreFigures figuresOf(const std::filesystem::path& store) {
     db::embedded::requireStoreFile(store);
     Connection connection(store, true);
     return figuresOf(connection);
+}
+
+StoreFigures figuresOfOwn(const std::filesystem::path& store, const GoOn& goOn) {
+    Connection connection(store, false);
+    connection.run("PRAGMA mmap_size=" + std::to_string(std::filesystem::file_size(store)));
+    return Asked(connection, goOn).during([&] {
+        StoreFigures figures = readFigures(connection);
+        requireWholeIndexes(connection, figures);
+        return figures;
+    });
 }
 
 StoreMark markOf(const std::filesystem::path& store) {

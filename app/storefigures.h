@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -26,10 +27,15 @@ struct StoreFigures {
     std::int64_t rowCount() const;
 };
 
+// Asked now and then during a long work; false stops it: DbError Cancelled.
+using GoOn = std::function<bool()>;
+
 // Reads only; one moment of the store when the connection holds one. Throws DbError.
-StoreFigures figuresOf(db::embedded::Connection& connection);
+StoreFigures figuresOf(db::embedded::Connection& connection, const GoOn& goOn = {});
 // Of a file; throws DbError with a sentence when it is no store.
 StoreFigures figuresOf(const std::filesystem::path& store);
+// Of a file that only the caller knows, with a look at every page of its tables and indexes. Throws DbError when one is damaged.
+StoreFigures figuresOfOwn(const std::filesystem::path& store, const GoOn& goOn = {});
 
 // What can be told of a store at a glance.
 struct StoreMark {

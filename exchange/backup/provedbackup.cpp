@@ -17,7 +17,8 @@ namespace {
 
 using db::DbError;
 
-constexpr int kCopied = 60; // percent of a proof, when the scratch store stands
+constexpr int kAlmost = 99;
+constexpr int kCopied = 50; // percent of a proof, when the scratch store stands
 
 // "11/21/2026 14:02".
 std::string momentText(Date at) {
@@ -60,18 +61,16 @@ private:
     std::filesystem::path file_;
 };
 
-void step(const BackupProgress& progress, int percent) {
-    if (progress && !progress(percent))
-        throw DbError(DbError::Category::Cancelled, 0, "The proof was stopped.");
+std::string damageIn(const std::filesystem::path& restored) {
+    const auto damage = app::damageOfStoreFile(restored);
+    return damage.empty() ? "" : "It is damaged: " + damage.front();
 }
 
 // Why the restored store is not the original; empty when it is.
 std::string faultOf(const std::filesystem::path& restored, const app::StoreFigures& original, app::StoreFigures& found,
                     const BackupProgress& progress) {
-    if (const auto damage = db::damageOf(restored); !damage.empty())
-        return "It is damaged: " + damage.front();
-    step(progress, (kCopied + 100) / 2);
-    found = app::figuresOf(restored);
+    const auto goOn = [&progress, percent = kCopied]() mutable { return progress(percent < kAlmost ? ++percent : percent); };
+    found = app::figuresOfOwn(restored, progress ? app::GoOn(goOn) : app::GoOn());
     if (found.version == db::kSchemaVersion)
         db::checkSchemaVersion(*db::Store::open(restored)->session()); // the program itself can open it
     return app::differenceOf(original, found);
@@ -90,13 +89,15 @@ void backUp(const std::filesystem::path& store, const std::filesystem::path& tar
     db::NewStoreFile made(target);
     db::CopyPlan plan{.beside = true, .progress = progress};
     if (figures != nullptr)
-        plan.sameMoment = [&](db::embedded::Connection& original) { *figures = app::figuresOf(original); };
+        plan.sameMoment = [&](db::embedded::Connection& original) {
+            *figures = app::figuresOf(original, progress ? [&] { return progress(kAlmost); } : app::GoOn());
+        };
     db::copyStore(store, made.path(), plan);
     made.finish();
 }
 
 BackupProof proveBackup(const std::filesystem::path& backup, const app::StoreFigures& original, const std::filesystem::path& folder,
-                        Date now, const BackupProgress& progress) {
+                        Date now, const BackupProgress& progress, bool thoroughly) {
     BackupProof proof;
     proof.at = now;
     try {
@@ -105,7 +106,10 @@ BackupProof proveBackup(const std::filesystem::path& backup, const app::StoreFig
         const auto half = [&](int percent) { return !progress || progress(percent * kCopied / 100); };
         db::copyStore(backup, scratch.file(), {.progress = half, .lasting = false});
         app::StoreFigures found;
-        proof.fault = faultOf(scratch.file(), original, found, progress);
+        if (thoroughly)
+            proof.fault = damageIn(scratch.file());
+        if (proof.fault.empty())
+            proof.fault = faultOf(scratch.file(), original, found, progress);
         proof.rows = found.rowCount();
         proof.stock = found.stockValue;
     } catch (const DbError& error) {

@@ -28,10 +28,11 @@ struct BackupProof {
 void backUp(const std::filesystem::path& store, const std::filesystem::path& target, app::StoreFigures* figures,
             const BackupProgress& progress);
 
-// Restores a backup into a scratch store in the folder, which goes again, and compares it with what the store came to. The backup is read
-// from its disk. Throws DbError Cancelled only: whatever else goes wrong is the proof's fault.
+// Restores a backup into a scratch store in the folder, which goes again, compares it with what the store came to, and looks at every page
+// of its tables and indexes. The backup is read from its disk. Thoroughly: every row is looked for in every index, too, which takes some
+// times as long. Throws DbError Cancelled only: whatever else goes wrong is the proof's fault.
 BackupProof proveBackup(const std::filesystem::path& backup, const app::StoreFigures& original, const std::filesystem::path& folder,
-                        Date now, const BackupProgress& progress);
+                        Date now, const BackupProgress& progress, bool thoroughly = false);
 
 // Where a backup that failed its proof is kept: "shop.bki" as "shop.unproved.bki", or with a number when there is one already.
 std::filesystem::path unprovedName(const std::filesystem::path& backup);

@@ -149,7 +149,7 @@ TEST_F(Restoring, LosesNothingWhenKilledHalfWay) {
     const auto original = folder / "original.store";
     std::filesystem::copy_file(store, original);
     int before = 0;
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 15; ++i) {
         for (const auto& one : std::filesystem::directory_iterator(folder.path()))
             if (one.path().filename().string().starts_with("shop.store"))
                 std::filesystem::remove(one.path());

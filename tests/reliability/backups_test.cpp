@@ -221,15 +221,18 @@ TEST(Backups, ThatFailTheirProofAreKeptAndMarked) {
     writeBytes(folder / "b.bki", "the one before");
     sqlite3* db = nullptr;
     sqlite3_open(store.c_str(), &db);
-    EXPECT_EQ(sqlite3_exec(db,
-                           "PRAGMA writable_schema=ON; DELETE FROM sqlite_master WHERE type = 'index' AND name LIKE '%IX_Transaction_Time'",
-                           nullptr, nullptr, nullptr),
-              SQLITE_OK);
+    EXPECT_EQ(
+        sqlite3_exec(db,
+                     "PRAGMA writable_schema=ON; UPDATE sqlite_master SET rootpage = (SELECT rootpage FROM sqlite_master WHERE type = "
+                     "'index' AND name LIKE '%PK_Departments') WHERE type = 'index' AND name LIKE '%IX_Transaction_Time'",
+                     nullptr, nullptr, nullptr),
+        SQLITE_OK);
     sqlite3_close(db);
     const auto kept = folder / "b.unproved.bki";
     EXPECT_EQ(played(folder, store,
                      chosen("optBak", folder / "b.bki") +
-                         "expect message like \"The backup failed its proof: It is damaged: %It is kept as " + kept.string() +
+                         "expect message like \"The backup failed its proof: The index % is damaged: it has %It is kept as " +
+                         kept.string() +
                          ", and what was there before was not replaced.\" icon exclamation\nexpect lblState \"The backup failed its proof "
                          "and is kept as " +
                          kept.string() +
