@@ -46,6 +46,20 @@ void createPrivateFolder(const std::filesystem::path& folder);
 // Everything of the file, and its name in its folder, is on the disk when this returns. Throws std::filesystem::filesystem_error. Requires:
 // this process holds no lock on the file; closing it would drop them.
 void syncFile(const std::filesystem::path& file);
+// Has what was written to a file go to its disk while more is being written, so that syncFile has little left to wait for. Only a hint:
+// nothing happens where the system has no such thing. Requires: as syncFile, for as long as the object stands.
+class WriteBehind {
+public:
+    explicit WriteBehind(const std::filesystem::path& file);
+    ~WriteBehind();
+    WriteBehind(const WriteBehind&) = delete;
+    WriteBehind& operator=(const WriteBehind&) = delete;
+    void push() const;
+
+private:
+    int file_;
+};
+
 // The next look at the file reads the disk, not what the system remembers of it, as far as the system can be told. Requires: as syncFile.
 void forgetCached(const std::filesystem::path& file);
 // Gives the file another name in the place of whatever has it, on the disk when this returns. Throws std::filesystem::filesystem_error;

@@ -164,6 +164,18 @@ void syncFile(const std::filesystem::path& file) {
     syncFolder(folderOf(file));
 }
 
+WriteBehind::WriteBehind(const std::filesystem::path& file) : file_(open(file.c_str(), O_WRONLY | O_CLOEXEC)) {}
+
+WriteBehind::~WriteBehind() {
+    if (file_ >= 0)
+        close(file_);
+}
+
+void WriteBehind::push() const {
+    if (file_ >= 0)
+        sync_file_range(file_, 0, 0, SYNC_FILE_RANGE_WRITE);
+}
+
 void forgetCached(const std::filesystem::path& file) {
     const Descriptor opened(file, O_RDONLY);
     if (opened.opened())

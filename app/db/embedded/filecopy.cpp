@@ -1,6 +1,7 @@
 #include "app/db/embedded/filecopy.h"
 
 #include "app/db/dberror.h"
+#include "app/db/embedded/blockcopy.h"
 #include "app/db/embedded/connection.h"
 #include "app/db/embedded/filehead.h"
 #include "app/db/embedded/text_order.h"
@@ -109,21 +110,17 @@ private:
     int tries_ = 0;
 };
 
+void tell(const CopyPlan& plan, const std::filesystem::path& from, int percent) {
+    if (plan.progress && !plan.progress(percent) && percent < kWhole) // then it is too late
+        throw DbError(DbError::Category::Cancelled, 0, "Stopped: " + from.string() + " was not copied.");
+}
+
 void copyPages(Pages& pages, const std::filesystem::path& from, const CopyPlan& plan) {
-    if (!plan.progress) {
-        while (pages.copy(-1))
-            continue;
-        return;
-    }
-    const auto tell = [&] {
-        if (!plan.progress(pages.percent()))
-            throw DbError(DbError::Category::Cancelled, 0, "Stopped: " + from.string() + " was not copied.");
-    };
     pages.copy(0);
-    tell();
+    tell(plan, from, 0);
     while (pages.copy(pages.part()))
-        tell();
-    plan.progress(kWhole); // too late for a stop
+        tell(plan, from, pages.percent());
+    tell(plan, from, kWhole);
 }
 
 // Holds the store as it stands now, for this connection: the pages of one moment, however long they take.
@@ -143,9 +140,34 @@ private:
 
 // A new file needs no way back: it is nothing before it is whole, and is brought to the disk at once then.
 constexpr const char* kWithoutWayBack = "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF";
+constexpr const char* kAtRest = "PRAGMA synchronous=OFF; PRAGMA journal_mode=DELETE";
 
-void copyInto(embedded::Connection& source, const std::filesystem::path& from, const std::filesystem::path& to, bool isNew,
-              const CopyPlan& plan) {
+std::int64_t pagesOf(sqlite3* db) {
+    const embedded::Statement3 count(db, "PRAGMA page_count");
+    return sqlite3_step(count.get()) == SQLITE_ROW ? sqlite3_column_int64(count.get(), 0) : 0;
+}
+
+void copyByBlocks(embedded::Connection& source, const std::filesystem::path& from, const std::filesystem::path& to, const CopyPlan& plan) {
+    embedded::BlockCopy copy(source, from, to);
+    const platform::WriteBehind behind(to);
+    tell(plan, from, 0);
+    const auto part = [&](int percent) {
+        if (plan.lasting)
+            behind.push();
+        tell(plan, from, std::min(percent, kWhole - 1));
+    };
+    copy.run(part, [](const std::filesystem::path& file, int code) { failed(file, code); });
+    const Handle target = openFile(to, SQLITE_OPEN_READWRITE);
+    run(target, to, kAtRest);
+    if (pagesOf(target.get()) != pagesOf(source.handle()))
+        failed(from, SQLITE_CORRUPT);
+    tell(plan, from, kWhole);
+    if (plan.sameMoment)
+        plan.sameMoment(source);
+}
+
+void copyByPages(embedded::Connection& source, const std::filesystem::path& from, const std::filesystem::path& to, bool isNew,
+                 const CopyPlan& plan) {
     const Handle target = openFile(to, SQLITE_OPEN_READWRITE);
     if (isNew)
         run(target, to, kWithoutWayBack);
@@ -154,7 +176,7 @@ void copyInto(embedded::Connection& source, const std::filesystem::path& from, c
     copyPages(pages, from, plan);
     pages.finish();
     if (isNew)
-        run(target, to, "PRAGMA journal_mode=DELETE");
+        run(target, to, kAtRest);
     if (plan.sameMoment)
         plan.sameMoment(source);
 }
@@ -187,7 +209,10 @@ void copyStore(const std::filesystem::path& from, const std::filesystem::path& t
     try {
         if (isNew)
             platform::createPrivateFile(to);
-        copyInto(source, from, to, isNew, plan);
+        if (isNew && embedded::BlockCopy::fits(from))
+            copyByBlocks(source, from, to, plan);
+        else
+            copyByPages(source, from, to, isNew, plan);
         if (isNew) {
             platform::restrictLike(to, from);
             if (plan.lasting)
