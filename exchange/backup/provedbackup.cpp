@@ -89,9 +89,7 @@ void backUp(const std::filesystem::path& store, const std::filesystem::path& tar
     db::NewStoreFile made(target);
     db::CopyPlan plan{.beside = true, .progress = progress};
     if (figures != nullptr)
-        plan.sameMoment = [&](db::embedded::Connection& original) {
-            *figures = app::figuresOf(original, progress ? [&] { return progress(kAlmost); } : app::GoOn());
-        };
+        plan.sameMoment = [&](db::embedded::Connection& original) { *figures = app::figuresOf(original); };
     db::copyStore(store, made.path(), plan);
     made.finish();
 }

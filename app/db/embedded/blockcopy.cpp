@@ -83,11 +83,13 @@ bool hasLog(const std::filesystem::path& store) {
 
 } // namespace
 
-BlockCopy::BlockCopy(Connection& source, std::filesystem::path from, std::filesystem::path to)
-    : source_(source), from_(std::move(from)), to_(std::move(to)) {}
+BlockCopy::BlockCopy(Connection& source, Connection* other, std::filesystem::path from, std::filesystem::path to)
+    : source_(source), other_(other), from_(std::move(from)), to_(std::move(to)) {}
 
 BlockCopy::~BlockCopy() {
     sqlite3_exec(source_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+    if (other_ != nullptr)
+        sqlite3_exec(other_->handle(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 bool BlockCopy::fits(const std::filesystem::path& from) {
@@ -95,24 +97,28 @@ bool BlockCopy::fits(const std::filesystem::path& from) {
     return !std::filesystem::exists(logOf(from), error) || platform::mayWrite(from);
 }
 
-// The pages that this connection sees from now on.
+// The pages that the connections see from now on.
 void BlockCopy::hold() {
-    source_.run("BEGIN");
-    source_.single("SELECT COUNT(*) FROM sqlite_master");
+    for (Connection* one : {&source_, other_})
+        if (one != nullptr) {
+            one->run("BEGIN");
+            one->single("SELECT COUNT(*) FROM sqlite_master");
+        }
+}
+
+void BlockCopy::begin(const Failed& failed) {
+    if (!std::filesystem::exists(logOf(from_)))
+        return hold();
+    Connection writer(from_, true);
+    writer.run("BEGIN IMMEDIATE"); // goes with the connection
+    hold();
+    if (!hasLog(from_))
+        return;
+    platform::createPrivateFile(logOf(to_));
+    copyFile(logOf(from_), logOf(to_), failed);
 }
 
 void BlockCopy::run(const std::function<void(int percent)>& part, const Failed& failed) {
-    if (std::filesystem::exists(logOf(from_))) {
-        Connection writer(from_, true);
-        writer.run("BEGIN IMMEDIATE"); // goes with the connection
-        hold();
-        if (hasLog(from_)) {
-            platform::createPrivateFile(logOf(to_));
-            copyFile(logOf(from_), logOf(to_), failed);
-        }
-    } else {
-        hold();
-    }
     sqlite3_file* file = nullptr;
     requireOk(sqlite3_file_control(source_.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file), from_, failed);
     LayerFile target(to_, SQLITE_OPEN_READWRITE);

@@ -13,8 +13,8 @@ class Connection;
 // which SQLite puts together as after a crash; pages that changed while they were read stand in the log.
 class BlockCopy {
 public:
-    // The connection holds the moment until the object goes. Throws DbError.
-    BlockCopy(Connection& source, std::filesystem::path from, std::filesystem::path to);
+    // The connection, and the other one where given, hold the moment until the object goes. Throws DbError.
+    BlockCopy(Connection& source, Connection* other, std::filesystem::path from, std::filesystem::path to);
     ~BlockCopy();
     BlockCopy(const BlockCopy&) = delete;
     BlockCopy& operator=(const BlockCopy&) = delete;
@@ -22,15 +22,18 @@ public:
     // Whether a store can be copied so: one with a log, by whoever may write to it.
     static bool fits(const std::filesystem::path& from);
 
-    // All of it; `part` is called behind each block with the percent done. The target is there and empty. Throws DbError; SQLite's code for
-    // one of the two files goes to `failed`, which throws.
+    // Takes SQLite's code for one of the two files, and throws.
     using Failed = std::function<void(const std::filesystem::path& file, int code)>;
+    // The moment: its log. The target is there and empty.
+    void begin(const Failed& failed);
+    // All the rest; `part` is called now and then with the percent done.
     void run(const std::function<void(int percent)>& part, const Failed& failed);
 
 private:
     void hold();
 
     Connection& source_;
+    Connection* other_;
     std::filesystem::path from_;
     std::filesystem::path to_;
 };

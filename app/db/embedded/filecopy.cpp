@@ -10,7 +10,10 @@
 #include "base/platform/platform.h"
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <memory>
+#include <optional>
 #include <sqlite3.h>
 #include <utility>
 
@@ -147,23 +150,58 @@ std::int64_t pagesOf(sqlite3* db) {
     return sqlite3_step(count.get()) == SQLITE_ROW ? sqlite3_column_int64(count.get(), 0) : 0;
 }
 
+// Works on a connection in a thread of its own; whoever does not wait for the end stops it.
+class Beside {
+public:
+    Beside(embedded::Connection& connection, const std::function<void(embedded::Connection&)>& work)
+        : connection_(connection), done_(std::async(std::launch::async, [&connection, &work] { work(connection); })) {}
+    ~Beside() {
+        if (done_.valid()) {
+            sqlite3_interrupt(connection_.handle());
+            done_.wait();
+        }
+    }
+    Beside(const Beside&) = delete;
+    Beside& operator=(const Beside&) = delete;
+
+    // Throws what the work threw.
+    void wait(const std::function<void()>& meanwhile) {
+        while (done_.wait_for(kLookEvery) != std::future_status::ready)
+            meanwhile();
+        done_.get();
+    }
+
+private:
+    static constexpr std::chrono::milliseconds kLookEvery{50};
+    embedded::Connection& connection_;
+    std::future<void> done_;
+};
+
 void copyByBlocks(embedded::Connection& source, const std::filesystem::path& from, const std::filesystem::path& to, const CopyPlan& plan) {
-    embedded::BlockCopy copy(source, from, to);
+    const auto fails = [](const std::filesystem::path& file, int code) { failed(file, code); };
+    std::optional<embedded::Connection> reader;
+    if (plan.sameMoment)
+        reader.emplace(from, true);
+    embedded::BlockCopy copy(source, reader ? &*reader : nullptr, from, to);
     const platform::WriteBehind behind(to);
+    copy.begin(fails);
+    std::optional<Beside> beside;
+    if (reader)
+        beside.emplace(*reader, plan.sameMoment);
     tell(plan, from, 0);
     const auto part = [&](int percent) {
         if (plan.lasting)
             behind.push();
         tell(plan, from, std::min(percent, kWhole - 1));
     };
-    copy.run(part, [](const std::filesystem::path& file, int code) { failed(file, code); });
+    copy.run(part, fails);
     const Handle target = openFile(to, SQLITE_OPEN_READWRITE);
     run(target, to, kAtRest);
     if (pagesOf(target.get()) != pagesOf(source.handle()))
         failed(from, SQLITE_CORRUPT);
+    if (beside)
+        beside->wait([&] { tell(plan, from, kWhole - 1); });
     tell(plan, from, kWhole);
-    if (plan.sameMoment)
-        plan.sameMoment(source);
 }
 
 void copyByPages(embedded::Connection& source, const std::filesystem::path& from, const std::filesystem::path& to, bool isNew,

@@ -21,7 +21,8 @@ struct CopyPlan {
     std::function<bool(int percent)> progress{};
     // A new target is brought to the disk; not so for one that is of no use after the process.
     bool lasting = true;
-    // Called once all is copied, with the original still as it was at the moment that was copied; for reading only.
+    // Called with the original as it was at the moment that was copied, for reading only; mostly in a thread of its own while the copy is
+    // made, which does not end before it.
     std::function<void(embedded::Connection& original)> sameMoment{};
 };
 
