@@ -19,7 +19,7 @@ using namespace merchantry::bench;
 namespace {
 
 constexpr int kRuns = 5;
-constexpr int kSalesOfMegabyte = 3; // a day, over two years
+constexpr int kSalesOfMegabyte = 6; // a day, over two years
 constexpr double kMegabyte = 1e6;
 constexpr const char* kCopying = "online backup with its figures / plain copy, one sync";
 constexpr const char* kProving = "proof of it / the same";
