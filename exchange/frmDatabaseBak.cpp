@@ -4,6 +4,7 @@
 #include "app/db/embedded/filestage.h"
 #include "app/modMain.h"
 #include "app/storefile.h"
+#include "app/titles.h"
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "base/platform/files.h"
@@ -22,7 +23,7 @@ namespace {
 
 constexpr const char* kTag = "MR_frmDatabaseBak";
 constexpr const char* kHandler = "Dbase_Error";
-constexpr const char* kProduct = "Velmora Tillmark Professional";
+
 constexpr const char* kQuestion = "Velmora Tillmark Profesional";
 constexpr int kLoginTimeoutSeconds = 30;
 constexpr int kCopiesOfRestore = 3; // on the stage, of the store that is kept, and in the log of the change
