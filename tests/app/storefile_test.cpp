@@ -196,6 +196,7 @@ TEST_F(StoreFiles, StoresOfTheFirstVersionGetTheTablesAndProceduresMadeSince) {
     run(file, "DELETE FROM SchemaVersion WHERE Version > 1 INSERT INTO SchemaVersion (Version) VALUES (1) DROP PROCEDURE bsp_SubsGrid "
               "DROP TABLE PriceChangeItem DROP TABLE PriceChange DROP VIEW PurchaseOrderList");
     run(file, "DROP TABLE LabelReports DELETE FROM reportfieldsmapping");
+    run(file, "DROP TABLE ImportItem DROP TABLE ImportField DROP TABLE ImportRun DROP TABLE ImportHeadings");
     run(file, "ALTER TABLE reportfieldsmapping DROP CONSTRAINT DF_reportfieldsmapping_Position");
     run(file, "ALTER TABLE reportfieldsmapping DROP COLUMN position");
     run(file, "DROP TRIGGER InventoryLedger_Insert ALTER TABLE InventoryLedger DROP COLUMN ReversesID");

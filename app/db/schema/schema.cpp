@@ -166,7 +166,8 @@ std::span<const UpgradeStep> upgradeSteps() {
     static const std::string tenth = newTable("FirstRoad") + kToVersion10;
     static const std::string eleventh = newTable("CreditApplication") + newTable("StatementRun") + newTable("Statement");
     static const std::string twelfth =
-        newTable("AccountMap") + newTable("AccountingFile") + newTable("AccountingDay") +
+        newTable("AccountMap") + newTable("AccountingFile") + newTable("AccountingDay") + newTable("ImportRun") + newTable("ImportItem") +
+        newTable("ImportField") + newTable("ImportHeadings") +
         "IF COL_LENGTH('StatementRun', 'LastPosting') IS NULL\nBEGIN\n"
         "ALTER TABLE StatementRun ADD LastPosting int NOT NULL CONSTRAINT DF_StatementRun_LastPosting DEFAULT 0\n"
         "EXEC ('UPDATE StatementRun SET LastPosting = ISNULL((SELECT MAX(t.CreditTransID) FROM CreditTransaction t WHERE t.Time <= "
@@ -182,9 +183,12 @@ std::span<const UpgradeStep> upgradeSteps() {
                        "WHERE fieldname = 'Item.Reorder' AND fielddescription = 'Reorder point'\n"
                        "DELETE FROM reportfieldsmapping WHERE reportname = 'ItemBelowReorder' AND fieldname = 'Item.Active'"},
         UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
-        UpgradeStep{8, eighth}, UpgradeStep{9, kToVersion9}, UpgradeStep{10, tenth},
+        UpgradeStep{8, eighth},
+        UpgradeStep{9, kToVersion9},
+        UpgradeStep{10, tenth},
         UpgradeStep{11, eleventh}, // what credits were applied to, and statements
-        UpgradeStep{12, twelfth},  // what goes out to accounting; which postings a run of statements knew
+        // what goes out to accounting, what files were imported, which postings a run of statements knew
+        UpgradeStep{12, twelfth},
     };
     return kSteps;
 }

@@ -5,7 +5,11 @@ BEGIN
   SET NOCOUNT ON
   IF NOT UPDATE(SKU) AND NOT UPDATE(MatrixSKU)
     RETURN
-  DECLARE @code varchar(100), @blank varchar(10)
+  DECLARE @code varchar(100), @blank varchar(10), @any varchar(20)
+  -- Most codes hold none of these: one look at each tells, which counts where many items come at once.
+  SET @any = '%[| ' + CHAR(9) + CHAR(10) + CHAR(13) + CHAR(160) + ']%'
+  IF NOT EXISTS (SELECT * FROM inserted WHERE MatrixSKU LIKE @any OR SKU LIKE @any)
+    RETURN
   SET @blank = '[' + CHAR(9) + CHAR(10) + CHAR(13) + CHAR(160) + ']'
   SELECT TOP 1 @code = Code FROM (SELECT SKU AS Code FROM inserted UNION ALL SELECT MatrixSKU FROM inserted) AS Codes
     WHERE Code LIKE '%|%' OR Code LIKE ' %' OR DATALENGTH(Code) <> DATALENGTH(RTRIM(Code)) OR Code LIKE @blank + '%' OR Code LIKE '%' + @blank
