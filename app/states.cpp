@@ -1,5 +1,8 @@
 #include "app/states.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace merchantry::app {
 namespace {
 
@@ -22,6 +25,10 @@ void fillStates(ui::ListBox& list) {
 
 void fillStates(ui::ComboBox& list) {
     fill(list);
+}
+
+bool isState(const std::string& code) {
+    return std::find(std::begin(kStates), std::end(kStates), code) != std::end(kStates);
 }
 
 } // namespace merchantry::app
