@@ -29,6 +29,7 @@
 #include "exchange/frmDatabaseBak.h"
 #include "exchange/frmImportExport.h"
 #include "exchange/frmQuickBooks.h"
+#include "exchange/import/frmExcelImport.h"
 #include "inventory/frmInvReasonCodes.h"
 #include "inventory/frmInventory.h"
 #include "inventory/frmInventory_Adjust.h"
@@ -117,6 +118,7 @@ constexpr Screen kScreens[] = {
     {"frmStatements", instanceOf<customers::frmStatements>, false},
     {"frmStoreCreditUdjustment", instanceOf<customers::frmStoreCreditUdjustment>, true},
     {"frmCreditAdjCodes", instanceOf<customers::frmCreditAdjCodes>, true},
+    {"frmExcelImport", instanceOf<exchange::frmExcelImport>, false},
     {"frmDepartments", instanceOf<setup::frmDepartments>, true},
     {"frmTaxClasses", instanceOf<setup::frmTaxClasses>, true},
     {"frmTaxTable", instanceOf<setup::frmTaxTable>, false},
@@ -204,6 +206,7 @@ void bindDoors(ui::Desk& desk) {
         window.Title = title;
         desk.showModal(window);
     };
+    doors.ExcelImport = [&desk] { desk.showModal(desk.form<exchange::frmExcelImport>()); };
     doors.CustomerStatements = [&desk](int store, int cashier) {
         auto& statements = desk.form<customers::frmStatements>();
         statements.StoreId = store;

@@ -176,9 +176,7 @@ bool CellReader::money(const SheetCell& cell, Currency& into, Refusal& refusal) 
         return refuse(refusal, FindingKind::Number, quoted(cell.text) + " is no amount that the store can keep.");
     if (decimals > kMoneyDecimals && !rules_.roundMoney)
         return refuse(refusal, FindingKind::Number,
-                      quoted(cell.text) +
-                          " has more than four decimals, which is all that money has. Tick \"Round amounts to cents\" to take "
-                          "it rounded.");
+                      quoted(cell.text) + " has more than four decimals, which is all that money has. A tick on page 2 takes it rounded.");
     into = *exact;
     if (rules_.roundMoney && decimals > kCents) {
         into = toCents(number_);

@@ -12,7 +12,7 @@ namespace {
 constexpr int kQuantityMost = 32'767;
 constexpr int kNotesMost = 8000;
 
-constexpr std::array kTargets{TargetName{Target::Items, "Items", "Items with prices, stock and suppliers"},
+constexpr std::array kTargets{TargetName{Target::Items, "Items", "Items, prices and stock"},
                               TargetName{Target::Suppliers, "Suppliers", "Suppliers"},
                               TargetName{Target::Customers, "Customers", "Customers"}};
 

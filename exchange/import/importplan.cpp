@@ -10,8 +10,8 @@ constexpr int kRowsOfAStep = 2000;
 
 } // namespace
 
-ImportPlan::ImportPlan(const SheetTable& table, ColumnMatch match, Target target)
-    : table_(table), match_(std::move(match)), target_(target), next_(match_.headingRow + 1) {
+ImportPlan::ImportPlan(const SheetTable& table, ColumnMatch match, Target target, bool hiddenRows)
+    : table_(table), match_(std::move(match)), target_(target), hiddenRows_(hiddenRows), next_(match_.headingRow + 1) {
     for (std::size_t field = 0; field < fieldsOf(target).size(); ++field)
         columns_.push_back(match_.columnOf(static_cast<int>(field)));
 }
@@ -19,7 +19,7 @@ ImportPlan::ImportPlan(const SheetTable& table, ColumnMatch match, Target target
 int ImportPlan::step() {
     const int end = std::min(table_.rows(), next_ + kRowsOfAStep);
     for (; next_ < end; ++next_)
-        if (!isBlank(next_))
+        if ((hiddenRows_ || !table_.hidden(next_)) && !isBlank(next_))
             checkRow(next_);
     if (next_ < table_.rows())
         return static_cast<int>(static_cast<std::int64_t>(next_) * 99 / table_.rows());

@@ -21,6 +21,7 @@ struct ImportOptions {
     bool makeSuppliers = false;
     std::optional<std::int16_t> supplier; // of all rows that name none
     std::string reason = "Adjustment";    // of adjustments of stock
+    bool hiddenRows = false;              // take them, too
 };
 
 // A cell that cannot be taken, or a row.
@@ -37,7 +38,7 @@ enum class RowState : std::uint8_t { New, Changed, Same, Bad };
 // be taken. Rows without anything in a column that is taken are passed over. The table must outlive it.
 class ImportPlan {
 public:
-    ImportPlan(const SheetTable& table, ColumnMatch match, Target target);
+    ImportPlan(const SheetTable& table, ColumnMatch match, Target target, bool hiddenRows);
     virtual ~ImportPlan() = default;
     ImportPlan(const ImportPlan&) = delete;
     ImportPlan& operator=(const ImportPlan&) = delete;
@@ -89,6 +90,7 @@ private:
     const SheetTable& table_;
     ColumnMatch match_;
     Target target_;
+    bool hiddenRows_;
     std::vector<int> columns_; // by field
     std::vector<Finding> findings_;
     std::array<int, 4> counts_{};

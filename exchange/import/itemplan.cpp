@@ -15,9 +15,7 @@ std::string rowNumber(const SheetTable& table, int row) {
     return "Row " + withThousands(table.number(row));
 }
 
-std::string optionWords(const char* option) {
-    return " Choose above whether such codes are mended or taken " + std::string(option) + ".";
-}
+constexpr const char* kChooseCodes = " On page 2 you choose whether such codes are mended or taken as they are.";
 
 // What the programs could never find again; see also itemCodeComplaint.
 std::string complaintAbout(std::string_view sku, std::string_view matrixSku) {
@@ -39,7 +37,7 @@ std::string flagText(bool on) {
 } // namespace
 
 ItemPlan::ItemPlan(const SheetTable& table, const ColumnMatch& match, const ImportOptions& options, const ItemsInStore& store)
-    : ImportPlan(table, match, Target::Items), options_(options), store_(store), reader_(options.reading) {
+    : ImportPlan(table, match, Target::Items, options.hiddenRows), options_(options), store_(store), reader_(options.reading) {
     rows_.reserve(static_cast<std::size_t>(table.rows()));
     seen_.reserve(static_cast<std::size_t>(table.rows()));
 }
@@ -112,7 +110,7 @@ void ItemPlan::judgeCode(const SheetCell& cell, std::string_view& code, Refusal&
     if (options_.codes == ImportOptions::Codes::Mend)
         code = reader_.keep(std::move(mended));
     else
-        refusal = {FindingKind::Code, what + optionWords("as they are")};
+        refusal = {FindingKind::Code, what + kChooseCodes};
 }
 
 bool ItemPlan::findItem(ItemRow& row, std::string_view code, std::string_view parent) {
@@ -245,11 +243,11 @@ bool ItemPlan::takeNames(ItemRow& row) {
         row.set(field, !refusal);
         good = !refused(row, field, refusal) && good;
     };
-    take(item::Department, store_.departments, options_.makeDepartments ? &newDepartments_ : nullptr,
-         " Tick \"Make new departments\" to have it made.", row.department);
-    take(item::Tax, store_.taxes, nullptr, " Make it on the screen of tax classes, or write one that there is.", row.tax);
-    take(item::Supplier, store_.suppliers, options_.makeSuppliers ? &newSuppliers_ : nullptr,
-         " Tick \"Make new suppliers\" to have it made.", row.supplier);
+    take(item::Department, store_.departments, options_.makeDepartments ? &newDepartments_ : nullptr, " A tick on page 2 has it made.",
+         row.department);
+    take(item::Tax, store_.taxes, nullptr, " Make it under Items, Setup, Tax Classes, or write one that there is.", row.tax);
+    take(item::Supplier, store_.suppliers, options_.makeSuppliers ? &newSuppliers_ : nullptr, " A tick on page 2 has it made.",
+         row.supplier);
     const StoredItem* before = stored(row);
     if (row.has(item::Tax) && before != nullptr && before->untaxed && row.tax != before->tax) {
         refuse(row.tableRow, item::Tax, {FindingKind::UnknownName, "A serialized item has no tax class."});
@@ -275,7 +273,7 @@ bool ItemPlan::takeSupplier(ItemRow& row) {
     const bool named = !trimmed(cellOf(row.tableRow, item::Supplier).text).empty();
     if (!named) // an unknown name was told already
         refuse(row.tableRow, row.has(item::Cost) ? item::Cost : item::PartNo,
-               {FindingKind::UnknownName, "Whose is it? Choose the column of the supplier, or the supplier of all rows above."});
+               {FindingKind::UnknownName, "Whose is it? On page 2 you choose the column of the supplier, or the supplier of all rows."});
     return false;
 }
 

@@ -113,7 +113,7 @@ int RecordsInStore::find(const std::string& key) const {
 
 RecordPlan::RecordPlan(const SheetTable& table, const ColumnMatch& match, Target target, const ImportOptions& options,
                        const RecordsInStore& store)
-    : ImportPlan(table, match, target), options_(options), store_(store), reader_(options.reading) {}
+    : ImportPlan(table, match, target, options.hiddenRows), options_(options), store_(store), reader_(options.reading) {}
 
 const RecordsInStore::Record* RecordPlan::stored(const Row& row) const {
     return row.existing < 0 ? nullptr : &store_.records()[static_cast<std::size_t>(row.existing)];
@@ -199,10 +199,10 @@ bool RecordPlan::takeZip(const SheetCell& cell, std::string_view& text, Refusal&
     if (options_.codes == ImportOptions::Codes::Mend)
         text = reader_.keep(mended);
     else
-        refusal = {FindingKind::Code,
-                   "This looks like the zip " + mended +
-                       ", whose zero in front a spreadsheet dropped. Choose above whether such codes are mended or taken as "
-                       "they are."};
+        refusal = {
+            FindingKind::Code,
+            "This looks like the zip " + mended +
+                ", whose zero in front a spreadsheet dropped. On page 2 you choose whether such codes are mended or taken as they are."};
     return !refusal;
 }
 

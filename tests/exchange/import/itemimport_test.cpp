@@ -116,30 +116,29 @@ TEST_F(ItemImport, NamesEveryBadCellAtOnceWithItsReason) {
          ",Total,99,,,,,\n"
          "BAG,Bags,1,,,,,\n"
          "GOOD,,1,,,,2,\n");
-    EXPECT_EQ(
-        bad(),
-        "A2 The spreadsheet turned this code into a number, and digits of it are lost. Please type it anew in the file, as a text.\n"
-        "A3 The code \"A|B\" cannot be used: a code holds no \"|\".\n"
-        "C3 \"free\" is no number.\n"
-        "D3 The store has no department \"Nowhere\". Tick \"Make new departments\" to have it made.\n"
-        "E3 \"1.5\" is no whole number.\n"
-        "F3 The store has no supplier \"Nobody\". Tick \"Make new suppliers\" to have it made.\n"
-        "G3 The amount is below 0.\n"
-        "H3 \"maybe\" is neither yes nor no.\n"
-        "A4 The code \"$DROP\" cannot be used: \"$\" begins the codes of the registers' own items.\n"
-        "C4 Price cannot be zero. An empty cell leaves the price alone.\n"
-        "E4 \"40000\" is beyond what the field takes, 32,767.\n"
-        "A5 A code holds no \"'\" and no \";\".\n"
-        "C5 \"1.23456\" has more than four decimals, which is all that money has. Tick \"Round amounts to cents\" to take it rounded.\n"
-        "A6 Row 7 has the same code dup.\n"
-        "C6 " +
-            commaComplaint("1,5") +
-            " Is the decimal sign of the file a comma?\n"
-            "A7 Row 6 has the same code dup.\n"
-            "A8 There is no code in this row.\n"
-            "A9 This is the code of a matrix parent, which is never sold.\n"
-            "B10 A new item wants a name.\n"
-            "G10 Whose is it? Choose the column of the supplier, or the supplier of all rows above.\n");
+    EXPECT_EQ(bad(),
+              "A2 The spreadsheet turned this code into a number, and digits of it are lost. Please type it anew in the file, as a text.\n"
+              "A3 The code \"A|B\" cannot be used: a code holds no \"|\".\n"
+              "C3 \"free\" is no number.\n"
+              "D3 The store has no department \"Nowhere\". A tick on page 2 has it made.\n"
+              "E3 \"1.5\" is no whole number.\n"
+              "F3 The store has no supplier \"Nobody\". A tick on page 2 has it made.\n"
+              "G3 The amount is below 0.\n"
+              "H3 \"maybe\" is neither yes nor no.\n"
+              "A4 The code \"$DROP\" cannot be used: \"$\" begins the codes of the registers' own items.\n"
+              "C4 Price cannot be zero. An empty cell leaves the price alone.\n"
+              "E4 \"40000\" is beyond what the field takes, 32,767.\n"
+              "A5 A code holds no \"'\" and no \";\".\n"
+              "C5 \"1.23456\" has more than four decimals, which is all that money has. A tick on page 2 takes it rounded.\n"
+              "A6 Row 7 has the same code dup.\n"
+              "C6 " +
+                  commaComplaint("1,5") +
+                  " Is the decimal sign of the file a comma?\n"
+                  "A7 Row 6 has the same code dup.\n"
+                  "A8 There is no code in this row.\n"
+                  "A9 This is the code of a matrix parent, which is never sold.\n"
+                  "B10 A new item wants a name.\n"
+                  "G10 Whose is it? On page 2 you choose the column of the supplier, or the supplier of all rows.\n");
     EXPECT_EQ(plan_->count(RowState::Bad), 9);
     EXPECT_EQ(plan_->count(RowState::New), 0);
 }

@@ -16,9 +16,8 @@ TEST_F(RecordImport, SuppliersComeByNameAndAreUndoneAsOne) {
     const std::string before = everything();
     plan("Vendor,Street,City,State,Zip,Phone,Email\nacme,1 Main St,Salem,ma,2134,5551234567,a@b.c\nBolt Ltd,,Troy,NY,12180,,\n,x,,,,,\n",
          Target::Suppliers);
-    EXPECT_EQ(bad(),
-              "E2 This looks like the zip 02134, whose zero in front a spreadsheet dropped. Choose above whether such codes are mended or "
-              "taken as they are.\nA4 There is no name in this row.\n");
+    EXPECT_EQ(bad(), "E2 This looks like the zip 02134, whose zero in front a spreadsheet dropped. On page 2 you choose whether such codes "
+                     "are mended or taken as they are.\nA4 There is no name in this row.\n");
     options.codes = ImportOptions::Codes::Mend;
     planTable(Target::Suppliers);
     EXPECT_EQ(said(),
