@@ -620,7 +620,9 @@ bool frmExcelImport::work(const char* procedure, const std::string& what, const 
         db::Connection own(*modMain().provider);
         own.Open(modMain().Conn->ConnectionString());
         try {
-            done = longWork(desk(), what, begun(own.session()));
+            // Lent only: the window of the progress lives on for a while, and the work must go before its session does.
+            const std::function<int()> step = begun(own.session());
+            done = longWork(desk(), what, [&step] { return step(); });
         } catch (const StoreChanged& news) {
             changed = news.what();
         } catch (const ImportKept& kept) {

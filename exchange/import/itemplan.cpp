@@ -10,6 +10,7 @@ namespace merchantry::exchange {
 namespace {
 
 constexpr int kCodeLength = 100;
+constexpr std::size_t kMostNamed = 6; // of departments or suppliers
 
 std::string rowNumber(const SheetTable& table, int row) {
     return "Row " + withThousands(table.number(row));
@@ -28,6 +29,13 @@ std::string complaintAbout(std::string_view sku, std::string_view matrixSku) {
             return "The code goes over several lines.";
     }
     return app::itemCodeComplaint(std::string(sku), std::string(matrixSku));
+}
+
+// "Lighting, Cards and 12 more".
+std::string firstOf(const std::vector<std::string>& names) {
+    const std::size_t shown = std::min(names.size(), kMostNamed);
+    const std::string some = joined({names.begin(), names.begin() + static_cast<std::ptrdiff_t>(shown)}, ", ");
+    return shown == names.size() ? some : some + " and " + withThousands(static_cast<std::int64_t>(names.size() - shown)) + " more";
 }
 
 std::string flagText(bool on) {
@@ -427,13 +435,14 @@ std::vector<std::string> ItemPlan::sums() const {
             "Stock moves by " + withThousands(pieces) + " pieces" +
             (worth != 0 ? ", " + Currency::fromUnits(static_cast<std::int64_t>(worth)).toDisplay() + " at the file's costs." : "."));
     if (raised + lowered > 0)
-        said.push_back(withThousands(raised) + " prices rise, " + withThousands(lowered) + " fall.");
+        said.push_back(withThousands(raised) + (raised == 1 ? " price rises, " : " prices rise, ") + withThousands(lowered) +
+                       (lowered == 1 ? " falls." : " fall."));
     if (reader_.rounded() > 0)
         said.push_back(withThousands(reader_.rounded()) + " amounts are rounded to cents.");
     if (!newDepartments_.empty())
-        said.push_back("New departments: " + joined(newDepartments_, ", ") + ".");
+        said.push_back("New departments: " + firstOf(newDepartments_) + ".");
     if (!newSuppliers_.empty())
-        said.push_back("New suppliers: " + joined(newSuppliers_, ", ") + ".");
+        said.push_back("New suppliers: " + firstOf(newSuppliers_) + ".");
     return said;
 }
 

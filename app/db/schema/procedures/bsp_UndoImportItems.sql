@@ -3,7 +3,8 @@ CREATE PROCEDURE bsp_UndoImportItems @ImportID int, @First int, @Last int AS
 BEGIN
   SET NOCOUNT ON
   DECLARE @row int, @ledger int
-  DELETE FROM Item WHERE EXISTS (SELECT * FROM ImportItem r WHERE r.ImportID = @ImportID AND r.RowNo BETWEEN @First AND @Last AND r.Made = 1 AND r.SKU = Item.SKU AND r.MatrixSKU = Item.MatrixSKU)
+  DELETE Item FROM ImportItem r INNER JOIN Item ON Item.SKU = r.SKU AND Item.MatrixSKU = r.MatrixSKU
+    WHERE r.ImportID = @ImportID AND r.RowNo BETWEEN @First AND @Last AND r.Made = 1
   IF NOT EXISTS (SELECT * FROM ImportItem WHERE ImportID = @ImportID AND RowNo BETWEEN @First AND @Last AND Made = 0)
     RETURN
   UPDATE Item SET Name = CASE WHEN r.NewName IS NULL THEN Item.Name ELSE r.OldName END, DepartmentID = CASE WHEN r.NewDepartmentID IS NULL THEN Item.DepartmentID ELSE r.OldDepartmentID END,
@@ -13,12 +14,13 @@ BEGIN
     WHERE r.ImportID = @ImportID AND r.RowNo BETWEEN @First AND @Last AND r.Made = 0
   UPDATE Item SET Notes = r.OldNotes FROM Item INNER JOIN ImportItem r ON r.SKU = Item.SKU AND r.MatrixSKU = Item.MatrixSKU
     WHERE r.ImportID = @ImportID AND r.RowNo BETWEEN @First AND @Last AND r.Made = 0 AND r.NewNotes IS NOT NULL
-  DELETE FROM PriceMatrix WHERE Tier = 1 AND Quantity = 1 AND EXISTS (SELECT * FROM ImportItem r WHERE r.ImportID = @ImportID AND r.RowNo BETWEEN @First AND @Last AND r.Made = 0
-    AND r.NewPrice IS NOT NULL AND r.OldPrice IS NULL AND r.SKU = PriceMatrix.SKU AND r.MatrixSKU = PriceMatrix.MatrixSKU)
+  DELETE PriceMatrix FROM ImportItem r INNER JOIN PriceMatrix ON PriceMatrix.SKU = r.SKU AND PriceMatrix.MatrixSKU = r.MatrixSKU AND PriceMatrix.Tier = 1 AND PriceMatrix.Quantity = 1
+    WHERE r.ImportID = @ImportID AND r.RowNo BETWEEN @First AND @Last AND r.Made = 0 AND r.NewPrice IS NOT NULL AND r.OldPrice IS NULL
   UPDATE PriceMatrix SET Price = r.OldPrice FROM PriceMatrix INNER JOIN ImportItem r ON r.SKU = PriceMatrix.SKU AND r.MatrixSKU = PriceMatrix.MatrixSKU
     WHERE r.ImportID = @ImportID AND r.RowNo BETWEEN @First AND @Last AND r.Made = 0 AND r.NewPrice IS NOT NULL AND r.OldPrice IS NOT NULL AND PriceMatrix.Tier = 1 AND PriceMatrix.Quantity IN (0, 1)
-  DELETE FROM SupplierMatrixDetail WHERE EXISTS (SELECT * FROM ImportItem r WHERE r.ImportID = @ImportID AND r.RowNo BETWEEN @First AND @Last AND r.Made = 0 AND r.LinkMade = 1
-    AND r.SKU = SupplierMatrixDetail.SKU AND r.MatrixSKU = SupplierMatrixDetail.MatrixSKU AND r.SupID = SupplierMatrixDetail.SupID AND SupplierMatrixDetail.Cost = ISNULL(r.NewCost, 0))
+  DELETE SupplierMatrixDetail FROM ImportItem r INNER JOIN SupplierMatrixDetail ON SupplierMatrixDetail.SKU = r.SKU AND SupplierMatrixDetail.MatrixSKU = r.MatrixSKU
+      AND SupplierMatrixDetail.SupID = r.SupID AND SupplierMatrixDetail.Cost = ISNULL(r.NewCost, 0)
+    WHERE r.ImportID = @ImportID AND r.RowNo BETWEEN @First AND @Last AND r.Made = 0 AND r.LinkMade = 1
   UPDATE SupplierMatrixDetail SET Cost = r.OldCost, PartNo = r.OldPartNo
     FROM SupplierMatrixDetail INNER JOIN ImportItem r ON r.SKU = SupplierMatrixDetail.SKU AND r.MatrixSKU = SupplierMatrixDetail.MatrixSKU AND r.SupID = SupplierMatrixDetail.SupID
       AND SupplierMatrixDetail.Cost = ISNULL(r.NewCost, r.OldCost)
