@@ -5,6 +5,7 @@
 #include "exchange/import/fields.h"
 #include "exchange/import/sheettable.h"
 
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <string_view>

@@ -3,6 +3,7 @@
 #include "base/date.h"
 #include "base/text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 

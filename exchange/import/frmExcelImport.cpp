@@ -9,6 +9,7 @@
 #include "ui/longwork.h"
 
 #include <algorithm>
+#include <map>
 
 namespace merchantry::exchange {
 

@@ -4,6 +4,7 @@
 #include "exchange/import/columns.h"
 #include "exchange/import/sheettable.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>

@@ -5,6 +5,7 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace merchantry::exchange {
 namespace {

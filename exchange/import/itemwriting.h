@@ -3,6 +3,10 @@
 #include "exchange/import/importwriting.h"
 #include "exchange/import/itemplan.h"
 
+#include <functional>
+#include <string>
+#include <vector>
+
 namespace merchantry::exchange {
 
 // Writes a plan of items. All rows are put into a table of the session first, which keeps nobody waiting; then the store is held for a few

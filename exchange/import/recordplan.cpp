@@ -7,6 +7,7 @@
 #include "exchange/import/itemsinstore.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace merchantry::exchange {
 namespace {

@@ -4,6 +4,7 @@
 #include "exchange/import/statements.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace merchantry::exchange {
 namespace {

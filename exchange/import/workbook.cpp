@@ -4,7 +4,10 @@
 #include "exchange/import/cellvalue.h"
 #include "exchange/import/xmlpieces.h"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
+#include <map>
 
 namespace merchantry::exchange {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "exchange/import/sheettable.h"
 
-#include <array>
+#include <algorithm>
 #include <fstream>
 #include <zip.h>
 
