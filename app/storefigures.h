@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace merchantry::db::embedded {
@@ -23,6 +24,8 @@ struct StoreFigures {
     std::map<std::string, std::int64_t> sums;
     Currency stockValue; // at average cost
     Date newest;         // as in StoreMark
+    // The fingerprint of the backup's file, where these are the figures of what was backed up; see db::contentOf.
+    std::optional<std::uint64_t> content{};
 
     std::int64_t rowCount() const;
 };

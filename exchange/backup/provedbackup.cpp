@@ -1,6 +1,7 @@
 #include "exchange/backup/provedbackup.h"
 
 #include "app/backuplog.h"
+#include "app/db/embedded/filecontent.h"
 #include "app/db/embedded/filecopy.h"
 #include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
@@ -90,8 +91,13 @@ void backUp(const std::filesystem::path& store, const std::filesystem::path& tar
     db::CopyPlan plan{.beside = true, .progress = progress};
     if (figures != nullptr)
         plan.sameMoment = [&](db::embedded::Connection& original) { *figures = app::figuresOf(original); };
+    std::uint64_t content = 0;
+    if (figures != nullptr)
+        plan.content = &content;
     db::copyStore(store, made.path(), plan);
     made.finish();
+    if (figures != nullptr)
+        figures->content = content;
 }
 
 BackupProof proveBackup(const std::filesystem::path& backup, const app::StoreFigures& original, const std::filesystem::path& folder,
@@ -108,6 +114,8 @@ BackupProof proveBackup(const std::filesystem::path& backup, const app::StoreFig
             proof.fault = damageIn(scratch.file());
         if (proof.fault.empty())
             proof.fault = faultOf(scratch.file(), original, found, progress);
+        if (proof.fault.empty() && original.content && db::contentOf(backup) != *original.content)
+            proof.fault = "What stands on the disk is not what was written.";
         proof.rows = found.rowCount();
         proof.stock = found.stockValue;
     } catch (const DbError& error) {

@@ -98,7 +98,7 @@ TEST_F(ProvedBackups, FailWhenAnythingIsOtherwise) {
 TEST_F(ProvedBackups, FailWhenTheFileIsDamaged) {
     backUp(store, backup, &figures, {});
     const auto size = std::filesystem::file_size(backup);
-    for (const std::uintmax_t at : {std::uintmax_t{0}, size / 3 / 4096 * 4096, size / 2 / 4096 * 4096}) {
+    for (const std::uintmax_t at : {std::uintmax_t{0}, size / 3 / 4096 * 4096, size / 2 / 4096 * 4096, size - 4096, size - 8 * 4096}) {
         const auto changed = folder / "changed.bki";
         std::filesystem::copy_file(backup, changed, std::filesystem::copy_options::overwrite_existing);
         std::fstream stream(changed, std::ios::binary | std::ios::in | std::ios::out);

@@ -3,6 +3,7 @@
 #include "app/db/dberror.h"
 #include "app/db/embedded/blockcopy.h"
 #include "app/db/embedded/connection.h"
+#include "app/db/embedded/filecontent.h"
 #include "app/db/embedded/filehead.h"
 #include "app/db/embedded/text_order.h"
 #include "base/guard.h"
@@ -251,11 +252,16 @@ void copyStore(const std::filesystem::path& from, const std::filesystem::path& t
             copyByBlocks(source, from, to, plan);
         else
             copyByPages(source, from, to, isNew, plan);
+        std::future<std::uint64_t> content;
+        if (plan.content != nullptr)
+            content = std::async(std::launch::async, contentOf, to);
         if (isNew) {
             platform::restrictLike(to, from);
             if (plan.lasting)
                 platform::syncFile(to);
         }
+        if (content.valid())
+            *plan.content = content.get();
     } catch (const std::filesystem::filesystem_error& error) {
         throw DbError(DbError::Category::Storage, 0,
                       to.string() + " cannot be written (" + error.code().message() +

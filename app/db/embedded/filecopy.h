@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -24,6 +25,8 @@ struct CopyPlan {
     // Called with the original as it was at the moment that was copied, for reading only; mostly in a thread of its own while the copy is
     // made, which does not end before it.
     std::function<void(embedded::Connection& original)> sameMoment{};
+    // Where given, gets the fingerprint of the copy, see contentOf; taken while the copy is brought to the disk.
+    std::uint64_t* content = nullptr;
 };
 
 // Copies a store file as it stands at one moment, also while others write to it; the target becomes that copy as a whole or stays as it
