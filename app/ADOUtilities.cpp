@@ -6,6 +6,7 @@
 #include "ui/textbox.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace merchantry::app {
 namespace {
@@ -50,36 +51,100 @@ Value heldBy(const ui::Control& control) {
 
 } // namespace
 
+const DataControl::Held* DataControl::find(const ui::Control& control) const {
+    const auto found = std::find_if(held_.begin(), held_.end(), [&](const Held& held) { return held.control == &control; });
+    return found == held_.end() ? nullptr : &*found;
+}
+
 bool DataControl::isBound(const ui::Control& control) const {
-    return std::find(bound_.begin(), bound_.end(), &control) != bound_.end();
+    return find(control) != nullptr;
 }
 
 void DataControl::bind(ui::Control& control) {
     if (isBound(control) || control.dataField.empty() || !bindable(control))
         return;
-    bound_.push_back(&control);
+    held_.push_back({&control, control.dataField, nullptr});
     if (rows_ != nullptr && rows_->onRow())
-        showIn(control, (*rows_)[control.dataField].Value());
+        showStored(held_.back());
+    settle(control);
+}
+
+void DataControl::follow(ui::Control& control, std::string column, Shown shown) {
+    if (!isBound(control))
+        held_.push_back({&control, std::move(column), std::move(shown)});
+    settle(control);
+}
+
+void DataControl::showStored(Held& held) {
+    const Value stored = (*rows_)[held.column].Value();
+    showIn(*held.control, held.shown ? Value(held.shown(stored)) : stored);
+    held.settled = heldBy(*held.control);
+    held.collected = false;
 }
 
 void DataControl::show() {
-    for (ui::Control* control : bound_)
-        showIn(*control, (*rows_)[control->dataField].Value());
+    for (Held& held : held_)
+        showStored(held);
+}
+
+bool DataControl::isChanged(const ui::Control& control) const {
+    const Held* const held = find(control);
+    return held != nullptr && heldBy(control) != held->settled;
+}
+
+void DataControl::settle(const ui::Control& control) {
+    for (Held& held : held_)
+        if (held.control == &control) {
+            held.settled = heldBy(control);
+            held.collected = false;
+        }
 }
 
 void DataControl::collect() {
-    for (const ui::Control* control : bound_) {
-        db::Field field = (*rows_)[control->dataField];
+    for (Held& held : held_) {
+        if (held.shown || (!held.collected && !isChanged(*held.control)))
+            continue;
+        held.collected = true;
+        db::Field field = (*rows_)[held.column];
         // A list in which nothing is chosen knows no word for what the column holds, and leaves it.
-        if (const auto* list = dynamic_cast<const ui::ListBox*>(control); list != nullptr && list->listIndex() < 0)
+        if (const auto* list = dynamic_cast<const ui::ListBox*>(held.control); list != nullptr && list->listIndex() < 0)
             continue;
-        const Value held = heldBy(*control);
+        const Value value = heldBy(*held.control);
         // A field that shows a null as nothing and was left so stays null.
-        if (field.isNull() && held.toText().empty())
+        if (field.isNull() && value.toText().empty())
             continue;
-        if (field.text() != held.toText())
-            field = held.toText().empty() && !field.Type().isText() ? Value() : held;
+        if (field.text() != value.toText())
+            field = value.toText().empty() && !field.Type().isText() ? Value() : value;
     }
+}
+
+Value DataControl::asShown(const Held& held, const Value& stored) {
+    const bool flag = held.control->role() == ui::Role::CheckBox || held.control->role() == ui::Role::OptionButton;
+    return held.shown ? Value(held.shown(stored)) : flag ? Value(stored.toFlag()) : Value(stored.toText());
+}
+
+std::string DataControl::shownText(const ui::Control& control) const {
+    const Held* const held = find(control);
+    return held == nullptr ? std::string() : asShown(*held, (*rows_)[held->column].Value()).toText();
+}
+
+std::vector<const ui::Control*> DataControl::renew(db::RecordsetPtr rows) {
+    rows_->CancelUpdate();
+    const db::RecordsetPtr before = std::exchange(rows_, std::move(rows));
+    std::vector<const ui::Control*> met;
+    for (Held& held : held_) {
+        const Value stored = (*rows_)[held.column].Value();
+        if (stored == (*before)[held.column].Value())
+            continue;
+        if (!isChanged(*held.control)) {
+            showStored(held);
+            continue;
+        }
+        held.settled = asShown(held, stored);
+        if (heldBy(*held.control) != held.settled)
+            met.push_back(held.control);
+    }
+    return met;
 }
 
 void BindControls(ui::Form& form, DataControl& data) {

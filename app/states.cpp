@@ -31,4 +31,12 @@ bool isState(const std::string& code) {
     return std::find(std::begin(kStates), std::end(kStates), code) != std::end(kStates);
 }
 
+std::string stateEntry(ui::ComboBox& list, const std::string& stored) {
+    if (stored.empty())
+        return "";
+    if (list.indexOf(stored) < 0)
+        list.add(stored);
+    return list.entries()[static_cast<std::size_t>(list.indexOf(stored))].text;
+}
+
 } // namespace merchantry::app

@@ -8,8 +8,10 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "customers/frmCustomerShip.h"
+#include "customers/meanwhile.h"
 #include "ui/desk.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace merchantry::customers {
@@ -219,20 +221,46 @@ void frmCustomer::Form_Load() {
 void frmCustomer::load() {
     tiers_ = openDirect("Select * from TierDefs", CursorType::Static);
     dcxTierID.fill(*tiers_, "TierName");
-    customer_ = openDirect(Sql("Select * from Customer where ID = ") + CustomerID, CursorType::Keyset, LockType::Optimistic);
+    customer_ = readCustomer();
     if (customer_->Eof())
         throw RunTimeError(3021, "The customer is not there any more.");
-    tiers_->MoveFirst();
-    tiers_->Find("TierID = " + (*customer_)["TierID"].text());
-    if (tiers_->onRow())
-        dcxTierID.setText((*tiers_)["TierName"].text());
+    dcxTierID.setText(tierName((*customer_)["TierID"].Value()));
     modMain().Conn->Execute(Sql("bsp_CustomerFields ") + CustomerID);
     showFields();
     data_.setRecordset(customer_);
     BindControls(*this, data_);
+    followUnbound();
     LastPurchaseDate.setText((*customer_)["LastPurchaseDate"].text());
+    showAmounts();
+}
+
+db::RecordsetPtr frmCustomer::readCustomer() const {
+    return openDirect(Sql("Select * from Customer where ID = ") + CustomerID, CursorType::Keyset, LockType::Optimistic);
+}
+
+// What is written beside the row or by its combo, as it is shown.
+void frmCustomer::followUnbound() {
+    const auto phone = [](const Value& stored) { return std::string(trimmed(stored.toText())); };
+    data_.follow(txtPhone, "PhoneNumber", phone);
+    data_.follow(txtFax, "FaxNumber", phone);
+    data_.follow(cboState, "State", [this](const Value& stored) { return stateEntry(cboState, stored.toText()); });
+    data_.follow(dcxTierID, "TierID", [this](const Value& stored) { return tierName(stored); });
+}
+
+// Empty for one that is not among the tiers.
+std::string frmCustomer::tierName(const Value& tier) {
+    tiers_->MoveFirst();
+    tiers_->Find("TierID = " + tier.toText());
+    return tiers_->onRow() ? (*tiers_)["TierName"].text() : std::string();
+}
+
+// An amount that was not changed is shown in whole cents, and stays as it is stored.
+void frmCustomer::showAmounts() {
     for (TextBox* box : {&txtCreditLimit, &txtAcctBalance, &txtMinFinChg})
-        showAsCurrency(*box);
+        if (!data_.isChanged(*box)) {
+            showAsCurrency(*box);
+            data_.settle(*box);
+        }
 }
 
 // The statement that lists them lacks half of their key, so a cell is written by rows of its own.
@@ -297,10 +325,9 @@ void frmCustomer::fetchData() {
         return;
     SetPhone((*row)["PhoneNumber"].text(), txtPhone);
     SetPhone((*row)["FaxNumber"].text(), txtFax);
-    const std::string state = (*row)["State"].text();
-    for (int i = 0; i < cboState.count(); ++i)
-        if (cboState.entries()[static_cast<std::size_t>(i)].text == state)
-            cboState.setListIndex(i);
+    cboState.setText(stateEntry(cboState, (*row)["State"].text()));
+    for (Control* control : unbound())
+        data_.settle(*control);
 }
 
 void frmCustomer::EnableCreditFields() {
@@ -342,9 +369,15 @@ void frmCustomer::applyDefaults() {
 }
 
 void frmCustomer::dcxTierID_Click() {
-    if (customer_ == nullptr || tiers_ == nullptr)
+    if (loading_ || customer_ == nullptr || tiers_ == nullptr || guarded({kTag, "dcxTierID_Change"}, [this] { takeTier(); }))
         return;
-    guarded({kTag, "dcxTierID_Change"}, [this] { FillFieldFromCombo(dcxTierID, *customer_, "TierID", *tiers_, "TierName"); });
+    loading_ = true;
+    const AtEnd shown([this] { loading_ = false; });
+    dcxTierID.setText(data_.shownText(dcxTierID)); // the tier that is saved
+}
+
+void frmCustomer::takeTier() {
+    FillFieldFromCombo(dcxTierID, *customer_, "TierID", *tiers_, "TierName");
 }
 
 // Only a note: families share numbers.
@@ -369,21 +402,50 @@ void frmCustomer::cmdUpdate_Click() {
         StoreID.setFocus();
         return;
     }
-    if (guarded({.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The customer was not saved in full."}, [this] { write(); })) {
-        nothingUnsaved();
-        unload();
-    }
+    FailurePlace place{.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The customer was not saved."};
+    bool written = false;
+    if (!guarded(place, [&] { written = renewed() && write(place); }) || !written)
+        return;
+    nothingUnsaved();
+    unload();
+}
+
+// Reads what somebody else changed while the screen stood open; false when the user has to look at it first.
+bool frmCustomer::renewed() {
+    loading_ = true;
+    const AtEnd shown([this] { loading_ = false; });
+    const bool clear = takeMeanwhile(*this, data_, readCustomer(), "customer");
+    customer_ = data_.Recordset();
+    showAmounts();
+    EnableCreditFields();
+    return clear;
 }
 
 // The row first, then what is not bound; a failure between the two leaves the row written.
-void frmCustomer::write() {
-    const AtEnd shown([this] { showAsCurrency(txtAcctBalance); });
-    txtAcctBalance.setText((*customer_)["Balance"].text()); // shown rounded, and the postings' own
+bool frmCustomer::write(FailurePlace& place) {
     data_.collect();
+    if (data_.isChanged(dcxTierID))
+        takeTier();
     (*customer_)["LastUpdated"] = Value(desk().clock().now());
     customer_->Update();
-    modMain().Conn->Execute(Sql("sp_SetCustomerData ") + CustomerID + ", '" + GetPhone(txtPhone) + "', '" + GetPhone(txtFax) + "', '" +
-                            cboState.text() + "'");
+    const auto beside = unbound();
+    for (Control* control : controls())
+        if (std::find(beside.begin(), beside.end(), control) == beside.end())
+            data_.settle(*control);
+    place.plain = "The customer was not saved in full.";
+    modMain().Conn->Execute(Sql("sp_SetCustomerData ") + CustomerID + ", '" + besideRow(txtPhone, "PhoneNumber", GetPhone(txtPhone)) +
+                            "', '" + besideRow(txtFax, "FaxNumber", GetPhone(txtFax)) + "', '" +
+                            besideRow(cboState, "State", cboState.text()) + "'");
+    return true;
+}
+
+std::vector<Control*> frmCustomer::unbound() {
+    return {&txtPhone, &txtFax, &cboState};
+}
+
+// Held by the control, or as the store has it where the user changed nothing.
+std::string frmCustomer::besideRow(const Control& control, const char* column, const std::string& held) {
+    return data_.isChanged(control) ? held : (*customer_)[column].text();
 }
 
 void frmCustomer::cmdSalesHist_Click() {

@@ -2,6 +2,7 @@
 
 #include "app/ADOUtilities.h"
 #include "app/db/ado/recordset.h"
+#include "app/failure.h"
 #include "customers/accountpanel.h"
 #include "ui/button.h"
 #include "ui/choice.h"
@@ -14,6 +15,8 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace merchantry::customers {
 
@@ -39,6 +42,11 @@ private:
     void Form_Unload(bool& cancel) override;
 
     void load();
+    db::RecordsetPtr readCustomer() const;
+    void followUnbound();
+    std::string tierName(const Value& tier);
+    void takeTier();
+    void showAmounts();
     void showFields();
     void writeField(int row);
     void showSales();
@@ -48,7 +56,10 @@ private:
     void dcxTierID_Click();
     void noteDuplicate();
     void cmdUpdate_Click();
-    void write();
+    bool renewed();
+    bool write(app::FailurePlace& place);
+    std::vector<ui::Control*> unbound();
+    std::string besideRow(const ui::Control& control, const char* column, const std::string& held);
     void cmdSalesHist_Click();
 
     ui::Label lblHeading{*this, "lblHeading", "Customer Information"};

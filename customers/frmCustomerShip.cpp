@@ -3,7 +3,9 @@
 #include "app/modMain.h"
 #include "app/modPhone.h"
 #include "app/states.h"
+#include "base/text.h"
 #include "customers/frmCustomer.h"
+#include "customers/meanwhile.h"
 #include "ui/desk.h"
 
 namespace merchantry::customers {
@@ -62,10 +64,11 @@ frmCustomerShip::frmCustomerShip(Desk& desk) : Form(desk, "frmCustomerShip", "Sh
 void frmCustomerShip::Form_Load() {
     fillStates(cboState);
     guarded({kTag, "Form_Load"}, [this] {
-        address_ = openDirect(Sql("Select * from ShipAddresses where CustomerID = ") + desk().form<frmCustomer>().CustomerID,
-                              CursorType::Keyset, LockType::Optimistic);
+        address_ = read();
         data_.setRecordset(address_);
         BindControls(*this, data_);
+        for (const auto& [box, column] : phones())
+            data_.follow(*box, column, [](const Value& stored) { return std::string(trimmed(stored.toText())); });
         lblNone.setVisible(address_->Eof());
     });
     FetchShipData();
@@ -79,7 +82,9 @@ void frmCustomerShip::FetchShipData() {
         SetPhone((*address_)["PhoneNumber"].text(), txtPhone);
         SetPhone((*address_)["FaxNumber"].text(), txtFax);
         if (!(*address_)["State"].isNull())
-            cboState.setText((*address_)["State"].text());
+            cboState.setText(stateEntry(cboState, (*address_)["State"].text()));
+        for (const auto& [box, column] : phones())
+            data_.settle(*box);
     });
 }
 
@@ -92,20 +97,38 @@ void frmCustomerShip::cmdUpdate_Click() {
     if (phoneRefused(txtPhone, "Invalid phone number. Please reenter.", MessageIcon::Information) ||
         phoneRefused(txtFax, "Invalid fax number. Please reenter.", MessageIcon::Information))
         return;
-    const bool written = guarded({.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The address was not saved."}, [this] {
+    bool stays = false;
+    const bool written = guarded({.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The address was not saved."}, [&] {
         if (address_ == nullptr || !address_->onRow()) {
             desk().status("Nothing was saved: this customer has no shipping address.");
             return;
         }
-        data_.collect();
-        (*address_)["PhoneNumber"] = Value(GetPhone(txtPhone));
-        (*address_)["FaxNumber"] = Value(GetPhone(txtFax));
-        address_->Update();
+        stays = !takeMeanwhile(*this, data_, read(), "address");
+        address_ = data_.Recordset();
+        if (!stays)
+            write();
     });
-    if (!written)
+    if (!written || stays)
         return;
     nothingUnsaved();
     unload();
+}
+
+std::vector<std::pair<TextBox*, const char*>> frmCustomerShip::phones() {
+    return {{&txtPhone, "PhoneNumber"}, {&txtFax, "FaxNumber"}};
+}
+
+db::RecordsetPtr frmCustomerShip::read() {
+    return openDirect(Sql("Select * from ShipAddresses where CustomerID = ") + desk().form<frmCustomer>().CustomerID, CursorType::Keyset,
+                      LockType::Optimistic);
+}
+
+void frmCustomerShip::write() {
+    data_.collect();
+    for (const auto& [box, column] : phones())
+        if (data_.isChanged(*box))
+            (*address_)[column] = Value(GetPhone(*box));
+    address_->Update();
 }
 
 } // namespace merchantry::customers

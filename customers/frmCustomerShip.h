@@ -8,6 +8,9 @@
 #include "ui/list.h"
 #include "ui/textbox.h"
 
+#include <utility>
+#include <vector>
+
 namespace merchantry::customers {
 
 // Where the customer of frmCustomer wants goods sent. The state is shown and never written, and a customer without such an address gets
@@ -23,6 +26,9 @@ private:
     void Form_Load() override;
     void Form_Unload(bool& cancel) override;
     void cmdUpdate_Click();
+    db::RecordsetPtr read();
+    void write();
+    std::vector<std::pair<ui::TextBox*, const char*>> phones();
 
     ui::Label lblHeading{*this, "lblHeading", "Shipping Address"};
     ui::Label lblNone{*this, "lblNone", "This customer has no shipping address. The registers make one with the first order that is sent."};
