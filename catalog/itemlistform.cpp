@@ -2,6 +2,7 @@
 
 #include "app/ADOUtilities.h"
 #include "app/modMain.h"
+#include "base/guard.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "catalog/codedialog.h"
@@ -175,11 +176,8 @@ void ItemListForm::loadGrid(const Sql& command) {
     const std::string sort = desk().remembered(kPlace, "sort");
     if (std::find(kSorts.begin(), kSorts.end(), sort) != kSorts.end())
         rows_->setSort(sort);
-    shown();
-    if (filter_.empty())
-        return;
-    rows_->setFilter(filter_);
-    shown();
+    const AtEnd listed([this] { shown(); });
+    filter_.reapply(*rows_);
 }
 
 // After the rows or their filter changed.
@@ -187,19 +185,18 @@ void ItemListForm::shown() {
     grdItems.bind(rows_.get());
     cmdSelect.setEnabled(rows_->RecordCount() > 0);
     const int count = rows_->RecordCount();
-    grdItems.setStatusText((count == 0 && !filter_.empty() ? "Nothing was found: " : "") + countOfItems(count) +
-                           (filter_.empty() ? "" : " found by the search"));
+    grdItems.setStatusText(filter_.words(count, countOfItems(count)));
 }
 
 void ItemListForm::srch_FieldSearch(const std::string& field, const std::string& text) {
     guarded({.tag = initGridTag_, .procedure = "srch_FieldSearch", .plain = "The search could not be made."}, [&] {
         place_.field = field;
         place_.text = text;
-        filter_ = filterFor(field, text);
-        if (rows_ == nullptr)
-            return; // the list could not be loaded
-        rows_->setFilter(filter_);
-        shown();
+        const AtEnd listed([this] {
+            if (rows_ != nullptr) // the list could be loaded
+                shown();
+        });
+        filter_.apply(rows_.get(), filterFor(field, text));
     });
 }
 

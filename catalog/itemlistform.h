@@ -2,6 +2,7 @@
 
 #include "app/VelmoraSearch.h"
 #include "app/db/ado/recordset.h"
+#include "app/searchfilter.h"
 #include "catalog/listplace.h"
 #include "ui/button.h"
 #include "ui/choice.h"
@@ -64,7 +65,7 @@ private:
 
     std::string initGridTag_;
     db::RecordsetPtr rows_;
-    std::string filter_;
+    app::SearchFilter filter_;
     std::unique_ptr<app::VelmoraSearch> search_;
     bool activated_ = false;
 };

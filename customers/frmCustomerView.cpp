@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/guard.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "customers/frmCustomer.h"
@@ -160,10 +161,9 @@ void frmCustomerView::open(const Sql& command) {
     rows_ = std::make_unique<CustomerRows>(*customers_);
     if (accountsShown())
         rows_->readAccounts();
-    shown();
-    if (!filter_.empty()) {
-        customers_->setFilter(filter_);
-        shown();
+    {
+        const AtEnd listed([this] { shown(); });
+        filter_.reapply(*customers_);
     }
     if (row >= 1 && row <= grdCust.dataRows())
         grdCust.setCurrent(row, std::max(0, grdCust.col()));
@@ -175,17 +175,16 @@ void frmCustomerView::shown() {
     const int count = customers_->RecordCount();
     cmdEdit.setEnabled(count > 0);
     cmdDelete.setEnabled(count > 0);
-    grdCust.setStatusText((count == 0 && !filter_.empty() ? "Nothing was found: " : "") + withThousands(count) +
-                          (count == 1 ? " customer" : " customers") + (filter_.empty() ? "" : " found by the search"));
+    grdCust.setStatusText(filter_.words(count, withThousands(count) + (count == 1 ? " customer" : " customers")));
 }
 
 void frmCustomerView::ApplyFilter(const std::string& field, const std::string& text) {
     guarded({.tag = "frmCustomerView", .procedure = "ApplyFilter", .plain = "The search could not be made."}, [&] {
-        filter_ = filterFor(field, text);
-        if (customers_ == nullptr)
-            return; // the list could not be read
-        customers_->setFilter(filter_);
-        shown();
+        const AtEnd listed([this] {
+            if (customers_ != nullptr) // the list could be read
+                shown();
+        });
+        filter_.apply(customers_.get(), filterFor(field, text));
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/VelmoraSearch.h"
 #include "app/db/ado/recordset.h"
+#include "app/searchfilter.h"
 #include "customers/customerrows.h"
 #include "ui/button.h"
 #include "ui/choice.h"
@@ -54,7 +55,7 @@ private:
     db::RecordsetPtr customers_;
     std::unique_ptr<CustomerRows> rows_; // over customers_, for the grid
     std::unique_ptr<app::VelmoraSearch> srch_FieldSearch;
-    std::string filter_; // last applied
+    app::SearchFilter filter_;
     bool activated_ = false;
     bool newCustomer_ = false; // cmdAdd made one that cmdEdit opens
 };

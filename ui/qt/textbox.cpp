@@ -8,8 +8,12 @@
 
 #include "base/text.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QTextBlock>
 
 namespace merchantry::ui {
@@ -39,6 +43,28 @@ int charactersOf(const QString& text, qsizetype units) {
         count += text[i].isLowSurrogate() ? 0 : 1;
     return count;
 }
+
+// A box that comes up while somebody types must not swallow the rest of the word: what is typed at its buttons, as long as this object
+// lives, is kept for the field. Enter, Escape and, before the first letter, the space bar are the buttons' own.
+class TypedMeanwhile : public QObject {
+public:
+    TypedMeanwhile() { qApp->installEventFilter(this); }
+    const QString& text() const { return text_; }
+
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress || qobject_cast<QAbstractButton*>(object) == nullptr)
+            return false;
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        const bool letter = !key.text().isEmpty() && key.text().front().isPrint() && (!key.text().front().isSpace() || !text_.isEmpty());
+        if (!letter || (key.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) != Qt::NoModifier)
+            return false;
+        text_ += key.text();
+        return true;
+    }
+
+private:
+    QString text_;
+};
 
 class LineDrawing : public Drawing {
 public:
@@ -95,10 +121,18 @@ private:
             }
         }
         typingAt_ = line().cursorPosition();
+        const QPointer<QWidget> field(widget_);
+        const TypedMeanwhile meanwhile;
         host_.act([&] { gestures::type(box_, fromQt(kept)); });
+        if (field == nullptr)
+            return;
         if (host_.form() != nullptr)
             showText();
         typingAt_ = -1;
+        if (!meanwhile.text().isEmpty() && host_.form() != nullptr && !line().isReadOnly()) {
+            line().insert(meanwhile.text());
+            typed(line().text());
+        }
     }
 
     // Leaves the caret where the user has it when nothing differs, or when a change procedure only put the typed text right.

@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace merchantry::ui {
@@ -40,6 +41,31 @@ protected:
 };
 
 } // namespace
+
+// A search that fails at its first apostrophe told so in the middle of a word, and the rest of the word went to the message's button.
+TEST_F(EventsTest, AMessageDoesNotSwallowWhatIsTypedOn) {
+    auto& form = shown<sample::SearchPanel>();
+    auto& line = widget<QLineEdit>(form.txtText);
+    line.setFocus();
+    int told = 0;
+    form.txtText.change = [&] {
+        if (form.txtText.text() == "O'") {
+            ++told;
+            desk.message("That cannot be searched for.", "Items");
+        }
+    };
+    QTimer::singleShot(0, qApp, [] {
+        QTimer::singleShot(50, qApp, [] {
+            QWidget* const button = QApplication::activeModalWidget()->findChild<QPushButton*>();
+            QTest::keyClicks(button, QStringLiteral("Brien & Co"));
+            QTest::keyClick(button, Qt::Key_Return);
+        });
+    });
+    QTest::keyClicks(&line, QStringLiteral("O'"));
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(line.text(), QStringLiteral("O'Brien & Co"));
+    EXPECT_EQ(form.txtText.text(), "O'Brien & Co");
+}
 
 // Whoever holds the button sees the password, by the mouse or by the space bar, and nobody else.
 TEST_F(EventsTest, APasswordIsDotsUnlessItsButtonIsHeld) {
