@@ -152,6 +152,7 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
     vsfCustomFields.setColumns({{.heading = "Field", .characters = 12}, {.heading = "Value", .characters = 14}});
     vsfCustomFields.emptyText = "The store has no fields of its own. Store, General Options makes them.";
     vsfCustomFields.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kField; };
+    vsfCustomFields.validateEdit = [this](int row, int, const std::string& text, bool& cancel) { cancel = refuseField(row, text); };
     vsfCustomFields.afterEdit = [this](int row, int) { writeField(row); };
     chkCharge.click = [this] { chkCharge_Click(); };
     dcxTierID.click = dcxTierID.change = [this] { dcxTierID_Click(); };
@@ -268,11 +269,30 @@ void frmCustomer::showFields() {
     const auto listed =
         openDirect(Sql("Select CustFieldName As Field, FieldValue As [Value] from CustomFieldValues where CustID = ") + CustomerID,
                    CursorType::Keyset, LockType::Optimistic);
+    dateFields_.clear();
+    for (const auto dates = openDirect("SELECT CustFieldName FROM CustomFields WHERE CustFieldType = 'Date'"); !dates->Eof();
+         dates->MoveNext())
+        dateFields_.insert((*dates)[0].text());
     closeRows(fields_);
     fields_ = openDirect(Sql("Select * from CustomFieldValues where CustID = ") + CustomerID, CursorType::Keyset, LockType::Optimistic);
     vsfCustomFields.setDataRows(0);
     for (; !listed->Eof(); listed->MoveNext())
         vsfCustomFields.addRow({(*listed)["Field"].text(), (*listed)["Value"].text()});
+}
+
+// A date must be one, and a text must go into its column; an empty one is no value.
+bool frmCustomer::refuseField(int row, const std::string& text) {
+    constexpr std::size_t kRoom = 255; // of the store's column
+    const std::string name = vsfCustomFields.text(row, kField);
+    std::string refusal;
+    if (dateFields_.contains(name) && !trimmed(text).empty() && !Date::fromText(trimmed(text)))
+        refusal = name + " is a date, as 5/1/1970; \"" + text + "\" is none.";
+    else if (characterCount(text) > kRoom)
+        refusal = "A field has room for " + std::to_string(kRoom) + " characters; these are " + std::to_string(characterCount(text)) +
+                  ". Please shorten it.";
+    if (!refusal.empty())
+        desk().message(refusal, kProduct);
+    return !refusal.empty();
 }
 
 // What the store refuses is reported, and the grid shows what it holds.

@@ -15,6 +15,7 @@
 
 #include <array>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,7 @@ private:
     void takeTier();
     void showAmounts();
     void showFields();
+    bool refuseField(int row, const std::string& text);
     void writeField(int row);
     void showSales();
     void fetchData();
@@ -109,6 +111,7 @@ private:
     db::RecordsetPtr customer_;
     db::RecordsetPtr tiers_;
     db::RecordsetPtr fields_;
+    std::set<std::string> dateFields_; // those of fields_ that are dates
     bool loading_ = false;
     // The store's terms, as LoadCreditDefaults read them.
     std::int16_t finChargeDefault_ = 1;
