@@ -22,8 +22,8 @@ std::vector<GridColumn> lastColumns(const char* what) {
 
 } // namespace
 
-AccountPanel::AccountPanel(Form& form)
-    : form_(form), fraPanel(form, "fraPanel", "Account and purchases"), grdAges(form, "grdAges"), grdSales(form, "grdSales"),
+AccountPanel::AccountPanel(Form& form, Frame& fields)
+    : form_(form), fields_(fields), fraPanel(form, "fraPanel"), grdAges(form, "grdAges"), grdSales(form, "grdSales"),
       grdPayments(form, "grdPayments") {
     grdAges.setColumns({{.heading = "Open", .characters = 20}, {.heading = "Amount", .alignRight = true, .characters = 11}});
     grdSales.setColumns(lastColumns("Last sales"));
@@ -37,22 +37,37 @@ AccountPanel::AccountPanel(Form& form)
 
 Item AccountPanel::item() {
     return group(fraPanel, column({
-                               at(grdAges).high(6).wide(38).stretched(),
-                               at(grdSales).high(4).stretched(),
-                               at(grdPayments).high(4).stretched(),
+                               at(grdAges).high(6).wide(38).stretched(17),
+                               at(grdSales).high(4).stretched(12),
+                               at(grdPayments).high(4).stretched(12),
                            }))
         .stretched();
 }
 
 void AccountPanel::toggle() {
     const bool on = !fraPanel.visible();
+    if (Control* const held = form_.focused(); on) {
+        if (!form_.focus(nullptr)) // a field that may be hidden now is checked as it is left
+            return;
+        held_ = held;
+    }
     const Twips before = form_.width(); // the window may grow as soon as the panel shows
     fraPanel.setVisible(on);
     form_.desk().remember(kScreen, "panel", on ? "shown" : "hidden");
     if (before > 0)
         form_.setSize(before + (on ? kWidth : -gained_), form_.height());
     gained_ = on ? form_.width() - before : kWidth;
+    arrange();
+    if (!fields_.visible())
+        grdAges.setFocus();
+    else if (held_ != nullptr && (on || form_.focused() == nullptr || form_.focused()->container() == &fraPanel))
+        held_->setFocus();
     refresh(customer_);
+}
+
+void AccountPanel::arrange() {
+    const bool narrow = form_.width() > 0 && form_.width() < kBoth; // of no width before it is drawn
+    fields_.setVisible(!fraPanel.visible() || !narrow);
 }
 
 void AccountPanel::refresh(std::int32_t customer) {

@@ -131,7 +131,6 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
         takePhones(*box);
         box->setToolTip("Ten digits are laid out as (555) 123-4567; any other number stays as you type it.");
     }
-    lblDuplicate.oneLine = true;
     for (TextBox* box : {&txtPhone, &Email})
         box->lostFocus = [this, laidOut = box->lostFocus] {
             if (laidOut)
@@ -168,33 +167,34 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
     onKey("F9", [this] { panel_.toggle(); });
     setLayout(column({
         title(lblHeading),
-        row({column({
-                        row({
-                            fields({field("First &Name:", FirstName), field("&Last Name:", LastName), field("C&ompany:", Company),
-                                    field("&Address:", Address), field("Address &2:", Address2), field("Cit&y:", City)})
-                                .stretched(),
-                            gap(),
-                            fields({field("Stat&e:", cboState), field("&Zip:", Zip), field("&Phone:", txtPhone), field("&Fax:", txtFax),
-                                    field("E&mail:", Email), field("Last updated:", LastUpdated)})
-                                .stretched(),
-                            gap(),
-                            column({fields({field("Price t&ier:", dcxTierID), field("&Resale no.:", ResaleNo), field("Store:", StoreID),
-                                            field("Sales in all:", TotalSales), field("Last purchase:", LastPurchaseDate)}),
-                                    at(lblDuplicate).wide(20)})
-                                .stretched(),
-                        }),
-                        row({at(cbxActive), at(LayawayCustomer), at(TaxExempt), at(Employee), gap(), at(chkCharge)}),
-                        row({
-                                box("Account",
-                                    row({column({fields({field(lblCreditLimitT, txtCreditLimit), field(lblAcctBalanceT, txtAcctBalance)}),
-                                                 at(chkFinCharge)}),
-                                         fields({field(lblAPRT, txtAPR), field(lblMinFinChgT, txtMinFinChg),
-                                                 field(lblGracePeriodT, txtGracePeriod)})})),
-                                column({at(vsfCustomFields).high(2).wide(20).stretched(), fields({field("No&tes:", Notes).high(1)})})
-                                    .stretched(),
-                            })
-                            .stretched(),
-                    })
+        row({group(fraCustomer,
+                   column({
+                       row({
+                           fields({field("First &Name:", FirstName), field("&Last Name:", LastName), field("C&ompany:", Company),
+                                   field("&Address:", Address), field("Address &2:", Address2), field("Cit&y:", City)})
+                               .stretched(),
+                           gap(),
+                           fields({field("Stat&e:", cboState), field("&Zip:", Zip), field("&Phone:", txtPhone), field("&Fax:", txtFax),
+                                   field("E&mail:", Email), field("Last updated:", LastUpdated)})
+                               .stretched(),
+                           gap(),
+                           column({fields({field("Price t&ier:", dcxTierID), field("&Resale no.:", ResaleNo), field("Store:", StoreID),
+                                           field("Sales in all:", TotalSales), field("Last purchase:", LastPurchaseDate)}),
+                                   at(lblDuplicate).wide(20).high(2)})
+                               .stretched(),
+                       }),
+                       row({at(cbxActive), at(LayawayCustomer), at(TaxExempt), at(Employee), gap(), at(chkCharge)}),
+                       row({
+                               box("Account",
+                                   row({column({fields({field(lblCreditLimitT, txtCreditLimit), field(lblAcctBalanceT, txtAcctBalance)}),
+                                                at(chkFinCharge)}),
+                                        fields({field(lblAPRT, txtAPR), field(lblMinFinChgT, txtMinFinChg),
+                                                field(lblGracePeriodT, txtGracePeriod)})})),
+                               column({at(vsfCustomFields).high(2).wide(20).stretched(), fields({field("No&tes:", Notes).high(1)})})
+                                   .stretched(),
+                           })
+                           .stretched(),
+                   }))
                  .stretched(2),
              panel_.item()})
             .stretched(),
@@ -215,6 +215,7 @@ void frmCustomer::Form_Load() {
     });
     EnableCreditFields();
     FetchCustomerData();
+    noteDuplicate();
     panel_.refresh(CustomerID);
     nothingUnsaved();
 }

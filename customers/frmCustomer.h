@@ -40,6 +40,7 @@ public:
 private:
     void Form_Load() override;
     void Form_Activate() override;
+    void Form_Resize() override { panel_.arrange(); }
     void Form_Unload(bool& cancel) override;
 
     void load();
@@ -106,7 +107,8 @@ private:
     ui::Button cmdCancel{*this, "cmdCancel", "&Cancel"};
     ui::Button cmdUpdate{*this, "cmdUpdate", "&Update"};
 
-    AccountPanel panel_{*this};
+    ui::Frame fraCustomer{*this, "fraCustomer"};
+    AccountPanel panel_{*this, fraCustomer};
     app::DataControl data_;
     db::RecordsetPtr customer_;
     db::RecordsetPtr tiers_;

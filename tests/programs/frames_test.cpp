@@ -1,12 +1,16 @@
 #include "tests/programs/formstage.h"
 #include "ui/qt/inspect.h"
+#include "ui/qt/screenroom.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTest>
 #include <QWindow>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace merchantry::programs {
@@ -16,7 +20,7 @@ constexpr int kStill = 150; // looks, 20 ms apart, after which a window is taken
 
 // Frames come from a window manager: this test runs under one, on screens of the size that its name tells.
 class FramesStage : public FormStage {
-    void look(ui::FormWindow& window, ui::Form&, const std::string& name) override {
+    void look(ui::FormWindow& window, ui::Form& form, const std::string& name) override {
         if (!window.isWindow())
             return;
         const QRect frame = settled(window);
@@ -26,6 +30,29 @@ class FramesStage : public FormStage {
             << ", title bar " << handle.frameMargins().top() << (handle.isExposed() ? "" : ", not exposed")
             << (handle.isVisible() ? "" : ", hidden") << ", least height " << window.minimumHeight();
         ui::onEveryPage(window, [&] { pressable(window, name); });
+        if (form.name() == "frmCustomer")
+            accountShown(window, form);
+    }
+
+    // Beside the fields where both have room, with all ages; else instead of them.
+    static void accountShown(ui::FormWindow& window, ui::Form& form) {
+        form.pressKey("F9");
+        // A play's desk is not told how large a window became.
+        form.setSize(std::min(form.width(), ui::roomOnScreen(window).width() * ui::kTwipsPerPixel), form.height());
+        settled(window);
+        const bool both = window.screen()->availableGeometry().width() > 1200;
+        for (int look = 0; look < kStill && form.find("fraCustomer")->visible() != both; ++look)
+            QTest::qWait(20);
+        EXPECT_EQ(form.find("fraCustomer")->visible(), both)
+            << "in a width of " << form.width() / ui::kTwipsPerPixel << ", drawn in " << window.width();
+        const auto* ages = window.drawing(*form.find("grdAges"))->widget()->findChild<QAbstractItemView*>();
+        EXPECT_TRUE(ages->isVisible());
+        if (both) {
+            EXPECT_EQ(ages->verticalScrollBar()->maximum(), 0) << "not all ages are seen";
+        }
+        form.pressKey("F9");
+        settled(window);
+        EXPECT_TRUE(form.find("fraCustomer")->visible());
     }
 
     static bool standsInside(const ui::FormWindow& window, const QRect& frame) {

@@ -148,6 +148,7 @@ void FormWindow::takeWishedSize() {
         size = size.expandedTo(QSize(form_->width(), form_->height()) / kTwipsPerPixel);
     else if (std::any_of(drawings_.begin(), drawings_.end(), [](const auto& drawing) { return drawing->tall(); }))
         size = size.expandedTo(kRoomy); // what grows is worth the room
+    wished_ = size;
     resize(size.boundedTo(roomOnScreen(*this)));
     outer_->activate();
     settled_ = true;
@@ -167,7 +168,9 @@ void FormWindow::takeRememberedSize() {
         layOutUnseen(*room_);
         recordPlaces(); // a screen may have hidden controls before it is shown
     }
-    resize(rememberedSize(form_->name(), size()).expandedTo(outer_->minimumSize()).boundedTo(roomOnScreen(*this)));
+    const QSize kept = rememberedSize(form_->name(), QSize());
+    wished_ = kept.isEmpty() ? wished_.expandedTo(size()) : kept;
+    resize((kept.isEmpty() ? size() : kept).expandedTo(outer_->minimumSize()).boundedTo(roomOnScreen(*this)));
 }
 
 Drawing& FormWindow::addDrawing(Control& control, QWidget* parent) {
@@ -279,7 +282,10 @@ void FormWindow::formChanged() {
         outer_->activate();
     }
     if (settled_ && !placing_ && embeddedIn_ == nullptr && wanted != size() && !wanted.isEmpty()) {
+        const QSize before = size();
         resize(wanted.boundedTo(roomOnScreen(*this)));
+        if (size() == before && &form_->desk() == &desk_)
+            reportSize(); // no room: the screen hears what it has
         fitOnScreen();
     }
 }
@@ -463,9 +469,18 @@ void FormWindow::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
+// A window that fills a small screen is as large as it can be there, not as large as its user wants it: a larger wish outlives that screen.
 void FormWindow::rememberSize() {
-    if (form_ != nullptr && form_->sizeable() && isVisible() && embeddedIn_ == nullptr && !isMaximized())
-        rememberSizeOf(form_->name(), size());
+    if (form_ == nullptr || !form_->sizeable() || !isVisible() || embeddedIn_ != nullptr || isMaximized())
+        return;
+    constexpr int kFrames = 40; // by which the frames of window managers differ
+    const QSize room = roomOnScreen(*this);
+    QSize own = size();
+    if (own.width() > room.width() - kFrames)
+        own.setWidth(std::max(own.width(), wished_.width()));
+    if (own.height() > room.height() - kFrames)
+        own.setHeight(std::max(own.height(), wished_.height()));
+    rememberSizeOf(form_->name(), own);
 }
 
 // A main window is no hole: a calm mark stands in its middle, above the words there if it has some.

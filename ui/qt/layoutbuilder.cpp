@@ -1,5 +1,6 @@
 #include "ui/qt/layoutbuilder.h"
 
+#include "ui/frame.h"
 #include "ui/label.h"
 #include "ui/qt/formwindow.h"
 #include "ui/qt/frame.h"
@@ -407,8 +408,10 @@ LayoutBuilder::Piece LayoutBuilder::fields(const Item& item) {
 
 LayoutBuilder::Piece LayoutBuilder::group(const Item& item) {
     const Item& inside = item.children().front();
-    // A list in a box has its own frame; a second one around it would only be noise.
-    const bool bare = inside.kind() == Kind::Control && inside.control()->role() == Role::Grid;
+    // A list in a box has its own frame; a second one around it would only be noise. A frame without a heading only holds together what is
+    // shown and hidden at once.
+    const bool nameless = item.control() != nullptr && static_cast<Frame*>(item.control())->caption().empty();
+    const bool bare = nameless || (inside.kind() == Kind::Control && inside.control()->role() == Role::Grid);
     GroupPanel* panel = nullptr;
     if (item.control() != nullptr) {
         Drawing& drawing = window_.addDrawing(*item.control(), parent_);

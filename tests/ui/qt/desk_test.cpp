@@ -1,6 +1,7 @@
 #include "tests/ui/qt/sampleforms.h"
 #include "ui/longwork.h"
 #include "ui/qt/formwindow.h"
+#include "ui/qt/memory.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -175,6 +176,21 @@ TEST_F(DeskTest, WindowSizesAreRemembered) {
     desk.show(again);
     EXPECT_EQ(desk.window(again)->size(), QSize(730, 610));
     EXPECT_EQ(again.width(), 730 * kTwipsPerPixel);
+}
+
+// A day at a small screen made every window small on the large one, too.
+TEST_F(DeskTest, ASmallScreenDoesNotMakeALargeWindowSmallForEver) {
+    rememberSizeOf("frmOrderList", QSize(9000, 610));
+    auto& form = desk.form<sample::OrderList>();
+    desk.show(form);
+    EXPECT_LT(desk.window(form)->width(), 9000);
+    form.unload();
+    EXPECT_EQ(rememberedSize("frmOrderList", QSize()), QSize(9000, 610));
+    auto& again = desk.form<sample::OrderList>();
+    desk.show(again);
+    desk.window(again)->resize(730, 610); // by its user
+    again.unload();
+    EXPECT_EQ(rememberedSize("frmOrderList", QSize()), QSize(730, 610));
 }
 
 TEST_F(DeskTest, AFloatingPanelStandsInItsOwnersWindow) {
