@@ -74,6 +74,16 @@ std::optional<BackupNote> lastProvedBackup(const std::filesystem::path& store) {
     return lastNote(store, [](const BackupNote& note) { return note.outcome == BackupOutcome::Proved; });
 }
 
+std::vector<std::filesystem::path> loggedBackups(const std::filesystem::path& store) {
+    std::vector<std::filesystem::path> files;
+    lastNote(store, [&](const BackupNote& note) {
+        if (note.outcome != BackupOutcome::Restored)
+            files.push_back(note.file);
+        return false;
+    });
+    return files;
+}
+
 std::optional<BackupNote> lastBackupNote(const std::filesystem::path& store) {
     return lastNote(store, [](const BackupNote&) { return true; });
 }

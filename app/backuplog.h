@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace merchantry::app {
 
@@ -26,6 +27,8 @@ struct BackupNote {
 void noteBackup(const std::filesystem::path& store, const BackupNote& note);
 // The newest line of a proved backup; nothing when there is none, or no log. Lines that are none are passed over.
 std::optional<BackupNote> lastProvedBackup(const std::filesystem::path& store);
+// The files that the log tells of, as backups that were made, proved or not.
+std::vector<std::filesystem::path> loggedBackups(const std::filesystem::path& store);
 // The newest line of any outcome.
 std::optional<BackupNote> lastBackupNote(const std::filesystem::path& store);
 

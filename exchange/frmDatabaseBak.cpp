@@ -260,9 +260,20 @@ void frmDatabaseBak::cmdGo_Click() {
     else if (modMain().Conn->State() == 0)
         say("The application has no connection to the store now. Press Go to try again, or leave the program and start it anew.", true);
     else
-        say(work.backsUp ? "No backup was made." : work.complete ? "The database was restored." : "Nothing was restored.", true);
+        sayFailed(work);
     if (leave_)
         unload();
+}
+
+// A backup that failed goes into the log: the last good one is not the last that was tried.
+void frmDatabaseBak::sayFailed(const Work& work) {
+    if (work.backsUp && !storeFile().empty())
+        guarded({kTag, kHandler}, [&] {
+            const Date now = desk().clock().now();
+            noteBackup(storeFile(), {now, BackupOutcome::Failed, path_, "No backup " + now.toShortText() + ": it could not be made"});
+        });
+    showLast();
+    say(work.backsUp ? "No backup was made." : work.complete ? "The database was restored." : "Nothing was restored.", true);
 }
 
 // A stop leaves everything as it was, with a connection.
@@ -370,6 +381,7 @@ void frmDatabaseBak::stageForRestore(Work& work) {
     watch("Reading the backup...");
     work.files->progress = progress();
     modMain().Conn->Execute(copyCommand(path_));
+    requireSound(work.files->fileOf(work.stage)); // before the connection is closed
     dbBar.setVisible(false);
 }
 
@@ -381,7 +393,8 @@ void frmDatabaseBak::closeConn(Work& work) {
     session.Conn->Close();
     session.Conn = std::make_shared<db::Connection>(*session.provider);
     work.closer = std::make_unique<StoreCloser>(desk(), work.backsUp ? "" : storeFile());
-    work.closer->CloseOthers();
+    if (!work.closer->CloseOthers())
+        throw db::DbError(db::DbError::Category::Cancelled, 0, "Others hold the store.");
 }
 
 void frmDatabaseBak::backUp(Work& work) {

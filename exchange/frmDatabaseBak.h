@@ -52,6 +52,7 @@ private:
     void keepUnproved(Work& work);
     void unstage(Work& work);
     void tell(const Work& work);
+    void sayFailed(const Work& work);
 
     bool backsUp() const;
     std::string refusal(const std::string& path) const;

@@ -17,14 +17,6 @@ std::filesystem::path staged(const std::string& files) {
     return stage->fileOf(files);
 }
 
-// A folder with room for the scratch store: that of the store, or else that of the backup.
-std::filesystem::path roomyFolder(const std::filesystem::path& store, const std::filesystem::path& backup) {
-    std::error_code error;
-    const auto space = std::filesystem::space(store.parent_path(), error);
-    const bool roomy = !error && space.available > std::filesystem::file_size(backup);
-    return roomy && std::filesystem::exists(store) ? store.parent_path() : backup.parent_path();
-}
-
 class StoreServer : public SQLServer {
 public:
     explicit StoreServer(std::filesystem::path store) : store_(std::move(store)) {}
@@ -57,7 +49,7 @@ public:
         if (Complete)
             Complete();
     }
-    BackupProof Prove(Date now) override { return proveBackup(file(), figures_, roomyFolder(store_, file()), now, watched()); }
+    BackupProof Prove(Date now) override { return proveBackup(file(), figures_, folderForProof(store_, file()), now, watched()); }
     std::filesystem::path file() const override { return staged(Files); }
 
 private:

@@ -100,6 +100,13 @@ void backUp(const std::filesystem::path& store, const std::filesystem::path& tar
         figures->content = content;
 }
 
+std::filesystem::path folderForProof(const std::filesystem::path& store, const std::filesystem::path& backup) {
+    std::error_code error;
+    const auto space = std::filesystem::space(store.parent_path(), error);
+    const bool roomy = !error && space.available > std::filesystem::file_size(backup);
+    return roomy && std::filesystem::exists(store) ? store.parent_path() : backup.parent_path();
+}
+
 BackupProof proveBackup(const std::filesystem::path& backup, const app::StoreFigures& original, const std::filesystem::path& folder,
                         Date now, const BackupProgress& progress, bool thoroughly) {
     BackupProof proof;

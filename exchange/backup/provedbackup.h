@@ -28,6 +28,9 @@ struct BackupProof {
 void backUp(const std::filesystem::path& store, const std::filesystem::path& target, app::StoreFigures* figures,
             const BackupProgress& progress);
 
+// Where a scratch store finds room: beside the store, else beside the backup.
+std::filesystem::path folderForProof(const std::filesystem::path& store, const std::filesystem::path& backup);
+
 // Restores a backup into a scratch store in the folder, which goes again, compares it with what the store came to, and looks at every page
 // of its tables and indexes. The backup is read from its disk. Thoroughly: every row is looked for in every index, too, which takes some
 // times as long. Throws DbError Cancelled only: whatever else goes wrong is the proof's fault.

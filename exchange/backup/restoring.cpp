@@ -16,12 +16,6 @@ namespace {
     throw db::DbError(db::DbError::Category::Storage, 0, sentence);
 }
 
-// Rows that break a rule are no damage: the store had them, and goes on with them.
-void requireSound(const std::filesystem::path& backup) {
-    if (const auto damage = app::damageOfStoreFile(backup); !damage.empty())
-        refuse("The backup is damaged and was not used: " + damage.front());
-}
-
 // What is no store of this program's, or one that it does not know yet.
 app::StoreMark requireOurs(const std::filesystem::path& backup) {
     const app::StoreMark mark = app::markOf(backup);
@@ -55,7 +49,19 @@ std::filesystem::path setAside(const std::filesystem::path& store, Date now, con
     return aside;
 }
 
+// Whoever restores a file that may only be read, from a disc or a careful folder, wants a store to be written.
+void makeWritable(const std::filesystem::path& file) {
+    std::error_code ignored;
+    std::filesystem::permissions(file, std::filesystem::perms::owner_write, std::filesystem::perm_options::add, ignored);
+}
+
 } // namespace
+
+// Rows that break a rule are no damage: the store had them, and goes on with them.
+void requireSound(const std::filesystem::path& backup) {
+    if (const auto damage = app::damageOfStoreFile(backup); !damage.empty())
+        refuse("The backup is damaged and was not used: " + damage.front().substr(0, damage.front().find('\n')));
+}
 
 RestoreOutlook outlookOf(const std::filesystem::path& backup, const std::filesystem::path& store) {
     std::error_code error;
@@ -73,12 +79,13 @@ std::filesystem::path restoreStore(const std::filesystem::path& backup, const st
                                    const std::function<bool(int percent)>& progress) {
     requireFree(store);
     requireOurs(backup);
-    requireSound(backup);
+    makeWritable(backup);
     if (app::isOlderStore(backup))
         app::upgradeStoreFile(backup);
     if (!std::filesystem::exists(store)) {
         db::NewStoreFile made(store);
         db::copyStore(backup, made.path(), {.progress = progress});
+        makeWritable(made.path());
         made.finish();
         return {};
     }
@@ -99,7 +106,12 @@ std::filesystem::path restoreStore(const std::filesystem::path& backup, const st
 std::filesystem::path restoreFrom(const std::filesystem::path& chosen, const std::filesystem::path& store, Date now) {
     outlookOf(chosen, store);
     db::FileStage stage(chosen, std::filesystem::absolute(store).parent_path());
-    return restoreStore(stage.taken(), store, now, {});
+    const std::filesystem::path taken = stage.taken();
+    requireSound(taken);
+    const std::filesystem::path aside = restoreStore(taken, store, now, {});
+    app::noteBackup(store, {now, app::BackupOutcome::Restored, std::filesystem::absolute(chosen),
+                            "Restored " + now.toShortText() + " from " + std::filesystem::absolute(chosen).string()});
+    return aside;
 }
 
 } // namespace merchantry::exchange

@@ -21,10 +21,13 @@ struct RestoreOutlook {
 // restored: it is no store, a newer program's, or the store itself.
 RestoreOutlook outlookOf(const std::filesystem::path& backup, const std::filesystem::path& store);
 
-// Puts a backup in the store's place as a whole: whoever is stopped or killed half-way leaves the store as it was. It is looked through
-// first, and one of an earlier version is brought up to date, for which this file is written: a copy of the chosen one, not that itself.
-// The store that was there is kept, its path is the result; empty when there was none. Throws DbError with a sentence: while other programs
-// hold the store, with their names; with Cancelled when the progress gave false.
+// Looks through every page of a backup. Throws DbError with a sentence when it is damaged.
+void requireSound(const std::filesystem::path& backup);
+
+// Puts a backup in the store's place as a whole: whoever is stopped or killed half-way leaves the store as it was. One
+// of an earlier version is brought up to date, for which this file is written: a copy of the chosen one, not that itself.
+// Requires: it is sound, see requireSound. The store that was there is kept, its path is the result; empty when there was none. Throws
+// DbError with a sentence: while other programs hold the store, with their names; with Cancelled when the progress gave false.
 std::filesystem::path restoreStore(const std::filesystem::path& backup, const std::filesystem::path& store, Date now,
                                    const std::function<bool(int percent)>& progress);
 

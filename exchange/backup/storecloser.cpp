@@ -14,9 +14,9 @@ constexpr int kUnknown = -1;
 
 } // namespace
 
-void StoreCloser::CloseOthers() {
+bool StoreCloser::CloseOthers() {
     if (store_.empty())
-        return;
+        return true;
     asked_ = std::make_unique<db::AskedToClose>(store_);
     std::string names;
     const auto step = [&] {
@@ -26,8 +26,8 @@ void StoreCloser::CloseOthers() {
         std::this_thread::sleep_for(kNap);
         return kUnknown;
     };
-    ui::longWork(desk_, "Waiting for other programs to close the store", step,
-                 [&] { return "Waiting for " + names + " to close the store"; });
+    return ui::longWork(desk_, "Waiting for other programs to close the store", step,
+                        [&] { return "Waiting for " + names + " to close the store"; });
 }
 
 } // namespace merchantry::exchange

@@ -18,8 +18,8 @@ class StoreCloser {
 public:
     // Empty: of a store that nobody has to let go.
     StoreCloser(ui::Desk& desk, std::filesystem::path store) : desk_(desk), store_(std::move(store)) {}
-    // Returns when nobody holds the store any more, or when the user would not wait for them.
-    void CloseOthers();
+    // Returns when nobody holds the store any more; false when the user would not wait for them.
+    bool CloseOthers();
 
 private:
     ui::Desk& desk_;

@@ -189,7 +189,7 @@ protected:
 
 TEST_F(NightlyBackups, KeepTheNewestAndTouchNothingElse) {
     const std::vector<std::string> others{"shop-20261121-140200.bki.txt", "shop-2026112-140200.bki", "shop.bki",
-                                          "shop2-20200101-000000.bki"};
+                                          "shop2-20200101-000000.bki", "shop-20200101-000000.bki"}; // the last is another shop's
     for (const std::string& name : others)
         std::ofstream(nights / name) << "not ours";
     for (int day = 0; day < 4; ++day)
@@ -200,6 +200,19 @@ TEST_F(NightlyBackups, KeepTheNewestAndTouchNothingElse) {
     EXPECT_EQ(kept(), expected);
     EXPECT_EQ(app::lastProvedBackup(store)->file, nights / "shop-20261124-140200.bki");
     EXPECT_THROW(night(3, 2), db::DbError) << "one of that name is there";
+}
+
+// Ended during the proof: what it left has no good name, is told in the log, and goes with the next good one.
+TEST_F(NightlyBackups, ThatWereEndedInTheMiddleDoNotLookGood) {
+    const auto left = nights / "shop-20261120-140200.unproved.bki";
+    std::ofstream(left) << "half";
+    app::noteBackup(store, {kNow, app::BackupOutcome::Unproved, left, "Backed up, not proved"});
+    EXPECT_TRUE(night(0, 2).good);
+    EXPECT_EQ(kept(), std::vector<std::string>{"shop-20261121-140200.bki"});
+    std::filesystem::rename(store, folder / "gone.store");
+    EXPECT_THROW(night(1, 2), db::DbError);
+    EXPECT_EQ(app::lastBackupNote(store)->outcome, app::BackupOutcome::Failed) << "a night without a backup is told";
+    std::filesystem::rename(folder / "gone.store", store);
 }
 
 TEST_F(NightlyBackups, NeverLetTheLastProvedOneGo) {

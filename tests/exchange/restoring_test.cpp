@@ -2,6 +2,7 @@
 
 #include "exchange/backup/restoring.h"
 
+#include "app/backuplog.h"
 #include "app/db/dberror.h"
 #include "app/db/embedded/closing.h"
 #include "app/db/embedded/store.h"
@@ -53,7 +54,11 @@ protected:
     }
     static std::int64_t receipts(const std::filesystem::path& file) { return app::figuresOf(file).rows.at("Transaction"); }
     std::string restored() const {
-        return saidBy([&] { restoreStore(backup, store, kNow, {}); });
+        return saidBy([&] {
+            outlookOf(backup, store);
+            requireSound(backup);
+            restoreStore(backup, store, kNow, {});
+        });
     }
 
     ScratchFolder folder;
@@ -86,8 +91,11 @@ TEST_F(Restoring, TakesABackupWhoseRowsBreakARule) {
 TEST_F(Restoring, MakesTheStoreWhereThereIsNone) {
     std::filesystem::create_directory(folder / "second");
     const auto fresh = folder / "second" / "shop.store";
-    EXPECT_EQ(restoreStore(backup, fresh, kNow, {}), std::filesystem::path());
+    std::filesystem::permissions(backup, std::filesystem::perms::owner_read); // as it comes from a disc
+    EXPECT_EQ(restoreFrom(backup, fresh, kNow), std::filesystem::path());
     EXPECT_EQ(receipts(fresh), 1);
+    EXPECT_NE(std::filesystem::status(fresh).permissions() & std::filesystem::perms::owner_write, std::filesystem::perms::none);
+    EXPECT_EQ(app::lastBackupNote(fresh)->outcome, app::BackupOutcome::Restored);
 }
 
 TEST_F(Restoring, TellsWhetherTheStoreIsNewer) {
