@@ -18,6 +18,7 @@ namespace {
 
 constexpr const char* kTag = "MR_frmQuickBooks";
 constexpr const char* kFilter = "QuickBooks Files (*.iif)|*.iif";
+constexpr Twips kDayWidth = 1600;
 constexpr std::size_t kMostTold = 5; // faults in one box
 enum AccountColumn { kWhat, kAccount, kType };
 enum SentColumn { kFileNumber };
@@ -60,7 +61,7 @@ void writeFile(const std::filesystem::path& file, const std::string& bytes) {
 
 frmQuickBooks::frmQuickBooks(Desk& desk) : Form(desk, "frmQuickBooks", "QuickBooks Export") {
     setIcon("quickbooks");
-    grdDays.setColumns({{.heading = "Day", .characters = 11},
+    grdDays.setColumns({{.heading = "Day", .characters = 11, .width = kDayWidth},
                         {.heading = "Receipts", .alignRight = true, .characters = 8},
                         amountColumn("Sales"),
                         amountColumn("Tax"),
@@ -85,7 +86,7 @@ frmQuickBooks::frmQuickBooks(Desk& desk) : Form(desk, "frmQuickBooks", "QuickBoo
     grdAccounts.validateEdit = [this](int row, int column, const std::string& text, bool& cancel) {
         grdAccounts_ValidateEdit(row, column, text, cancel);
     };
-    grdAccounts.afterEdit = [this](int row, int) { grdAccounts_AfterEdit(row); };
+    grdAccounts.afterEdit = [this](int row, int column) { grdAccounts_AfterEdit(row, column); };
     grdSent.setColumns({{.heading = "File", .alignRight = true, .characters = 6},
                         {.heading = "Made", .characters = 22},
                         {.heading = "Days", .characters = 26},
@@ -185,8 +186,11 @@ void frmQuickBooks::read() {
     const bool ended = work("cmdShow_Click", "Reading the days …", [&](db::Session& session, const BookProgress& goOn) {
         book_ = readDays(session, *first, *last, goOn);
         sentDays_ = exchange::sentDays(session);
+        changed_ = changedSince(session);
     });
-    lblState.setCaption(ended && !book_.stopped ? "" : "The days were not read. Press Show to begin anew.");
+    const std::string late =
+        changed_.empty() ? "" : "Something was posted after they went out to " + daysNamed(changed_) + ". From and To show them.";
+    lblState.setCaption(ended && !book_.stopped ? late : "The days were not read. Press Show to begin anew.");
     showDays();
     showAccounts();
 }
@@ -274,20 +278,29 @@ void frmQuickBooks::showSent() {
         grdSent.setCurrent(1, kFileNumber);
 }
 
-void frmQuickBooks::grdAccounts_ValidateEdit(int row, int column, const std::string& text, bool& cancel) {
-    MappedAccount account = book_.map.all()[static_cast<std::size_t>(row - 1)];
-    (column == kAccount ? account.account : account.type) = column == kAccount ? std::string(trimmed(text)) : typeNamed(text);
-    const std::string complaint = accountComplaint(account);
-    cancel = !complaint.empty();
-    if (cancel)
-        desk().message(complaint, caption(), MessageIcon::Exclamation);
+// The accounts that such an edit changes.
+std::vector<MappedAccount> frmQuickBooks::edited(int row, int column, const std::string& text) const {
+    const auto index = static_cast<std::size_t>(row - 1);
+    return column == kAccount ? book_.map.withAccount(index, std::string(trimmed(text))) : book_.map.withType(index, typeNamed(text));
 }
 
-void frmQuickBooks::grdAccounts_AfterEdit(int row) {
-    MappedAccount account = book_.map.all()[static_cast<std::size_t>(row - 1)];
-    account.account = trimmed(grdAccounts.rawText(row, kAccount));
-    account.type = grdAccounts.rawText(row, kType);
-    if (guarded({kTag, "grdAccounts_AfterEdit"}, [&] { keepAccount(modMain().Conn->session(), account); }))
+void frmQuickBooks::grdAccounts_ValidateEdit(int row, int column, const std::string& text, bool& cancel) {
+    for (const MappedAccount& account : edited(row, column, text)) {
+        const std::string complaint = accountComplaint(account);
+        if (complaint.empty())
+            continue;
+        cancel = true;
+        desk().message(complaint, caption(), MessageIcon::Exclamation);
+        return;
+    }
+}
+
+void frmQuickBooks::grdAccounts_AfterEdit(int row, int column) {
+    const auto changed = edited(row, column, grdAccounts.text(row, column));
+    if (guarded({kTag, "grdAccounts_AfterEdit"}, [&] {
+            for (const MappedAccount& account : changed)
+                keepAccount(modMain().Conn->session(), account);
+        }))
         read();
 }
 

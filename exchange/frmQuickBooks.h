@@ -34,7 +34,8 @@ private:
     void showAccounts();
     void showSent();
     void grdAccounts_ValidateEdit(int row, int column, const std::string& text, bool& cancel);
-    void grdAccounts_AfterEdit(int row);
+    void grdAccounts_AfterEdit(int row, int column);
+    std::vector<MappedAccount> edited(int row, int column, const std::string& text) const;
     std::string stateOf(const BookedDay& day) const;
     std::optional<Date> dayIn(ui::TextBox& box);
     std::vector<BookedDay> unsent() const;
@@ -63,6 +64,7 @@ private:
 
     Daybook book_;
     std::map<Date, SentDay> sentDays_;
+    std::vector<Date> changed_; // after they went out
     std::vector<SentFile> sentFiles_;
     bool fullYears_ = true; // as the accounting program's version wants dates
     bool activated_ = false;

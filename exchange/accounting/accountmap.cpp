@@ -92,6 +92,11 @@ MappedAccount atFirst(AccountUse use, const std::string& code, const std::string
     return account;
 }
 
+// The account at the top of those that one stands below.
+std::string topOf(const MappedAccount& account) {
+    return std::string(trimmed(account.account.substr(0, account.account.find(':'))));
+}
+
 bool isThat(const MappedAccount& account, AccountUse use, const std::string& code) {
     return account.use == use && sameText(account.code, code);
 }
@@ -150,6 +155,25 @@ MappedAccount AccountMap::of(AccountUse use, const std::string& code) {
         return *found;
     add(use, code, code.empty() ? "No Name" : code);
     return accounts_.back();
+}
+
+std::vector<MappedAccount> AccountMap::withAccount(std::size_t index, const std::string& account) const {
+    MappedAccount changed = accounts_.at(index);
+    changed.account = account;
+    for (std::size_t i = 0; i < accounts_.size(); ++i)
+        if (i != index && sameText(topOf(accounts_[i]), topOf(changed)))
+            changed.type = accounts_[i].type;
+    return {changed};
+}
+
+std::vector<MappedAccount> AccountMap::withType(std::size_t index, const std::string& type) const {
+    std::vector<MappedAccount> changed;
+    for (const MappedAccount& one : accounts_)
+        if (sameText(topOf(one), topOf(accounts_.at(index)))) {
+            changed.push_back(one);
+            changed.back().type = type;
+        }
+    return changed;
 }
 
 std::string accountComplaint(const MappedAccount& account) {

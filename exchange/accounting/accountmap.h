@@ -46,6 +46,10 @@ public:
     const std::vector<MappedAccount>& all() const { return accounts_; }
     // That of a use; a code that the store does not know any more joins the others with the account that it would get.
     MappedAccount of(AccountUse use, const std::string& code = "");
+    // What is to be kept when one of them, from 0, gets another account, or another type: accounting knows one type for an account and all
+    // below it. Another account takes over the type that it has already; another type is that of all that share it.
+    std::vector<MappedAccount> withAccount(std::size_t index, const std::string& account) const;
+    std::vector<MappedAccount> withType(std::size_t index, const std::string& type) const;
 
 private:
     void add(AccountUse use, const std::string& code, const std::string& name);

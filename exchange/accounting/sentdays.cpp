@@ -16,14 +16,14 @@ Currency moneyOf(const RowView& row, int column) {
 
 // Of the days, those that went out, so that nobody else sends them before this transaction ends.
 std::string sentAmong(db::Session& session, const std::vector<BookedDay>& days) {
-    std::string sent;
+    std::vector<Date> sent;
     EachRow rows([&](const RowView& row) {
         const Date day = Date::fromMs(row.number(0));
         if (std::any_of(days.begin(), days.end(), [&](const BookedDay& one) { return one.day == day; }))
-            sent += (sent.empty() ? "" : ", ") + day.toShortText();
+            sent.push_back(day);
     });
     session.execute("SELECT Day FROM AccountingDay WITH (UPDLOCK, HOLDLOCK) ORDER BY Day", rows);
-    return sent;
+    return daysNamed(sent);
 }
 
 void keepDay(db::Session& session, const BookedDay& day, const Value& file) {
@@ -46,6 +46,14 @@ void keepDay(db::Session& session, const BookedDay& day, const Value& file) {
 
 } // namespace
 
+std::string daysNamed(const std::vector<Date>& days) {
+    constexpr std::size_t kMostNamed = 5;
+    std::string names;
+    for (std::size_t i = 0; i < std::min(days.size(), kMostNamed); ++i)
+        names += (i == 0 ? "" : ", ") + days[i].toShortText();
+    return days.size() <= kMostNamed ? names : names + " and " + std::to_string(days.size() - kMostNamed) + " more";
+}
+
 std::map<Date, SentDay> sentDays(db::Session& session) {
     std::map<Date, SentDay> days;
     EachRow rows([&](const RowView& row) {
@@ -57,6 +65,24 @@ std::map<Date, SentDay> sentDays(db::Session& session) {
     session.execute(
         "SELECT d.Day, d.FileID, f.Made, d.Receipts, d.Sales, d.Tax, d.Tendered, d.Bills, d.Accounts FROM AccountingDay d INNER JOIN "
         "AccountingFile f ON f.FileID = d.FileID ORDER BY d.Day",
+        rows);
+    return days;
+}
+
+std::vector<Date> changedSince(db::Session& session) {
+    std::vector<Date> days;
+    EachRow rows([&](const RowView& row) { days.push_back(Date::fromMs(row.number(0))); });
+    session.execute(
+        "SELECT d.Day FROM AccountingDay d "
+        "LEFT JOIN (SELECT DATEDIFF(day, 0, Time) AS Number, COUNT(*) AS Receipts, SUM(Total) AS Total FROM [Transaction] GROUP BY "
+        "DATEDIFF(day, 0, Time)) t ON t.Number = DATEDIFF(day, 0, d.Day) "
+        "LEFT JOIN (SELECT DATEDIFF(day, 0, PostDate) AS Number, SUM(Quantity * Cost + OtherCost) AS Total FROM PurchaseOrderReceipt GROUP "
+        "BY "
+        "DATEDIFF(day, 0, PostDate)) b ON b.Number = DATEDIFF(day, 0, d.Day) "
+        "LEFT JOIN (SELECT DATEDIFF(day, 0, Time) AS Number, SUM(Total) AS Total FROM CreditTransaction GROUP BY DATEDIFF(day, 0, Time)) c "
+        "ON c.Number = DATEDIFF(day, 0, d.Day) "
+        "WHERE d.Receipts <> ISNULL(t.Receipts, 0) OR d.Tendered <> ISNULL(t.Total, 0) OR d.Bills <> ISNULL(b.Total, 0) OR d.Accounts <> "
+        "ISNULL(c.Total, 0) ORDER BY d.Day",
         rows);
     return days;
 }

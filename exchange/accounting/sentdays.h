@@ -33,8 +33,14 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// "3/2/2026, 3/4/2026 and 12 more".
+std::string daysNamed(const std::vector<Date>& days);
+
 // By day. All throw DbError.
 std::map<Date, SentDay> sentDays(db::Session& session);
+// The days on which something was posted after they went out, as far as their receipts, deliveries and account postings tell, in their
+// order.
+std::vector<Date> changedSince(db::Session& session);
 // The last first.
 std::vector<SentFile> sentFiles(db::Session& session);
 // The very bytes that went out; empty when there is no such file.

@@ -5,6 +5,7 @@
 #include "exchange/csv.h"
 
 #include <charconv>
+#include <cmath>
 #include <limits>
 
 namespace merchantry::exchange {
@@ -118,7 +119,7 @@ private:
     Value fraction(std::string_view cell, int row) const {
         double number = 0;
         const auto [end, problem] = std::from_chars(cell.data(), cell.data() + cell.size(), number, std::chars_format::fixed);
-        if (problem != std::errc() || end != cell.data() + cell.size())
+        if (problem != std::errc() || end != cell.data() + cell.size() || !std::isfinite(number))
             badCell(row, name, "\"" + std::string(cell) + "\" is no number.");
         return number;
     }

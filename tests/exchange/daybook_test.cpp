@@ -131,6 +131,18 @@ TEST_F(Books, GoWhereTheMapSaysAndStayWithinWhatAccountingTakes) {
     cash.account = "Till Money:Back";
     keepAccount(*session, cash);
     EXPECT_EQ(AccountMap::read(*session).of(AccountUse::Tender, "Cash").account, "Till Money:Back");
+    // one account, with all below it, has one type
+    AccountMap map = AccountMap::read(*session);
+    const auto place = [&](AccountUse use, const std::string& code) {
+        const auto& all = map.all();
+        return static_cast<std::size_t>(
+            std::find_if(all.begin(), all.end(), [&](const auto& one) { return one.use == use && one.code == code; }) - all.begin());
+    };
+    EXPECT_EQ(map.withAccount(place(AccountUse::Department, "1"), "accounts receivable").front().type, "AR");
+    EXPECT_EQ(map.withAccount(place(AccountUse::Department, "1"), "Till Money:Sold").front().type, "BANK");
+    const auto sales = map.withType(place(AccountUse::Department, "1"), "EXINC");
+    EXPECT_EQ(sales.size(), 2U) << "both departments stand below Sales";
+    EXPECT_EQ(sales[1].type, "EXINC");
     for (const auto& [account, type] : {std::pair("", "BANK"), std::pair("A::B", "BANK"), std::pair("Tills", "AR"),
                                         std::pair("A\tB", "BANK"), std::pair("An account with a name of 32 characters", "BANK")})
         EXPECT_NE(accountComplaint({AccountUse::Tender, "Cash", "", account, type}), "") << account;
@@ -143,11 +155,13 @@ TEST_F(Books, OfADayGoOutOnceAndTheSameAgain) {
     const Daybook book = march();
     const std::string bytes = iifText(fileOf(*session, book.days, book.map), false);
     const int number = keepSent(*session, book.days, bytes);
+    EXPECT_EQ(changedSince(*session), std::vector<Date>());
     EXPECT_THROW(keepSent(*other, book.days, bytes), AlreadySent);
     EXPECT_EQ(sentFiles(*other).size(), 1U);
     receipt("2026-03-02 12:00", 1, "SEED", "1", "0.07", "Cash", "1.07");
     EXPECT_EQ(sentBytes(*other, number), bytes);
     EXPECT_NE(sentDays(*other).at(book.days[0].day).figures, march().days[0].figures) << "what was posted since is seen";
+    EXPECT_EQ(changedSince(*other), std::vector<Date>{book.days[0].day});
     EXPECT_EQ(firstUnsent(*session, *Date::fromText("3/9/2026")), *Date::fromText("3/3/2026"));
 }
 

@@ -87,6 +87,7 @@ TEST_F(FlatFiles, NameRowAndColumnOfWhatTheStoreCannotHold) {
         {"dts_TillmarkItemImport", heading + "A,A,B,C,1\r\nB,B,C\r\n", "Text file: Row 3 has 3 cells in place of 5."},
         {"dts_TillmarkItemImport", heading + "A,A,\"B,C,1\r\n", "Text file: Row 2: A quote is opened and never closed."},
         {"dts_TillmarkItemImport", heading + "A,A,B,C,1e3\r\n", "Text file: Row 2, column Reorder: \"1e3\" is no number."},
+        {"dts_TillmarkItemImport", heading + "A,A,B,C,nan\r\n", "Text file: Row 2, column Reorder: \"nan\" is no number."},
         {"dts_TillmarkItemImport", heading + "A,A,caf\xE9,C,1\r\n",
          "Text file: Row 2, column Name: it holds a byte that is no UTF-8. Please save the file as UTF-8."},
         {"dts_TillmarkItemImport", heading + "A,A," + std::string(256, 'x') + ",C,1\r\n", nullptr},
