@@ -1,5 +1,6 @@
 #include "app/frmDbConfig.h"
 
+#include "app/db/schema/schema.h"
 #include "app/modMain.h"
 #include "base/errortext.h"
 #include "base/text.h"
@@ -186,6 +187,7 @@ void frmDbConfig::cmdTest_Click() {
     try {
         db::Connection trial(*modMain().provider);
         trial.Open(connectString(shownConfig()));
+        db::checkSchemaVersion(trial.session());
     } catch (const std::exception& error) {
         said = error.what();
     }

@@ -5,16 +5,27 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace merchantry::db {
+
+namespace server {
+class Server;
+} // namespace server
 
 // The parts of a connection string "Key=value; Key=value", keys without case. A data source that the catalogue follows is taken whole: the
 // path of a store may hold a semicolon.
 std::map<std::string, std::string> connectionParts(const std::string& connectionString);
 
+// Whether a data source is the path of a store file; any other names a server.
+bool isStoreFile(const std::string& dataSource);
+
+// The server that a connection string names. Throws DbError Storage with a sentence when the string cannot be used.
+std::shared_ptr<server::Server> serverOf(const std::string& connectionString);
+
 // Opens sessions by connection string: a data source that is a path is a store file, run in this process; anything else names a server.
-// One provider lives as long as the program; connections borrow it.
+// One provider lives as long as the program; connections borrow it. It keeps the connections to servers that are not in use.
 class Provider {
 public:
     explicit Provider(const Clock* clock = nullptr) : clock_(clock) {}
@@ -29,7 +40,11 @@ public:
     std::function<void(const std::string& statement, const std::string& shown)> statementSent;
 
 private:
+    std::shared_ptr<server::Server> server(const std::string& connectionString);
+
     const Clock* clock_;
+    std::mutex mutex_;
+    std::map<std::string, std::shared_ptr<server::Server>> servers_; // by connection string
 };
 
 } // namespace merchantry::db

@@ -45,6 +45,8 @@ public:
 class ResultSink {
 public:
     virtual ~ResultSink() = default;
+    // Whether the columns must name their tables, since rows will be written back. A store in a file always does; a server is asked first.
+    virtual bool wantsTables() const { return false; }
     virtual void beginSet(const std::vector<Column>& columns) = 0;
     virtual void row(const RowView& row) = 0;
     virtual void endSet() {}

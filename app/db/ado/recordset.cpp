@@ -17,6 +17,8 @@ using Category = DbError::Category;
 // Keeps the first set of rows of a batch.
 class Collector : public ResultSink {
 public:
+    explicit Collector(bool writesBack) : writesBack_(writesBack) {}
+    bool wantsTables() const override { return writesBack_; }
     void beginSet(const std::vector<Column>& columns) override {
         taking_ = store == nullptr;
         if (taking_)
@@ -30,6 +32,7 @@ public:
     std::shared_ptr<RowStore> store;
 
 private:
+    bool writesBack_;
     bool taking_ = false;
 };
 
@@ -74,7 +77,7 @@ void Recordset::Requery() {
 }
 
 void Recordset::run() {
-    Collector rows;
+    Collector rows(canChange());
     const Sql& text = command_ ? command_->text() : source_;
     connection_->sent(text);
     text.check();

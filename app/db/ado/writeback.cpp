@@ -21,10 +21,13 @@ public:
         parameters_.push_back({name, parameterType(type, value), value, false});
     }
     // Runs it followed by a select of the number of rows that it changed.
-    std::int64_t run(Session& session);
+    std::int64_t run(Session& session) { return runWith(session, "@@ROWCOUNT").toInteger(); }
+    // Runs an INSERT followed by a select of the identity that it gave; null when the table has none.
+    Value insert(Session& session) { return runWith(session, "CAST(SCOPE_IDENTITY() AS bigint)"); }
     void rows(Session& session, ResultSink& sink) { session.execute(text_, parameters_, sink); }
 
 private:
+    Value runWith(Session& session, const std::string& asked);
     // Texts go as long as they are, so that the server itself finds those that are too long.
     static SqlType parameterType(const SqlType& type, const Value& value) {
         if (!value.is<std::string>())
@@ -44,11 +47,11 @@ public:
     Value value;
 };
 
-std::int64_t Statement::run(Session& session) {
-    text_ += " SELECT @@ROWCOUNT";
-    LastNumber count;
-    session.execute(text_, parameters_, count);
-    return count.value.toInteger();
+Value Statement::runWith(Session& session, const std::string& asked) {
+    text_ += " SELECT " + asked;
+    LastNumber answer;
+    session.execute(text_, parameters_, answer);
+    return answer.value;
 }
 
 std::string bracketed(const std::string& name) {
@@ -225,11 +228,11 @@ int writeInsert(Session& session, RowStore& store, const std::map<int, Value>& p
     }
     if (!names.empty())
         statement.add(")");
-    statement.run(session);
+    const Value identity = statement.insert(session);
     const int row = store.appendEmpty();
     for (const auto& [column, value] : pending)
         store.set(row, column, value);
-    readBack(session, store, row, table, shape, session.lastIdentity());
+    readBack(session, store, row, table, shape, identity);
     return row;
 }
 

@@ -76,6 +76,15 @@ void putAgain(Session& session, const SchemaFile& file) {
     }
 }
 
+// Errors name the file.
+void runFile(Session& session, const SchemaFile& file) {
+    try {
+        run(session, file.text);
+    } catch (const DbError& error) {
+        throw DbError(error.category(), error.native(), std::string(file.name) + ": " + error.what(), error.line());
+    }
+}
+
 [[noreturn]] void refuse(const std::string& sentence) {
     throw DbError(DbError::Category::Storage, 0, sentence);
 }
@@ -114,16 +123,36 @@ public:
 
 } // namespace
 
-void createSchema(Session& session) {
+void createSchema(Session& session, const std::function<void(int percent)>& progress) {
     Work work(session);
-    for (const SchemaFile& file : schemaFiles()) {
-        try {
-            run(session, file.text);
-        } catch (const DbError& error) {
-            throw DbError(error.category(), error.native(), std::string(file.name) + ": " + error.what(), error.line());
-        }
+    const auto files = schemaFiles();
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        runFile(session, files[i]);
+        if (progress)
+            progress(static_cast<int>((i + 1) * 100 / files.size()));
     }
     work.commit();
+}
+
+void createSchemaWith(Session& session, const std::function<void()>& fill) {
+    Work work(session);
+    bool filled = false;
+    for (const SchemaFile& file : schemaFiles()) {
+        if (file.name.starts_with("rows/"))
+            continue;
+        if (!file.name.starts_with("tables/") && !std::exchange(filled, true))
+            fill();
+        runFile(session, file);
+    }
+    work.commit();
+}
+
+std::vector<std::string> schemaTables() {
+    std::vector<std::string> tables;
+    for (const SchemaFile& file : schemaFiles())
+        if (const std::string table = objectIn(file, "tables/"); !table.empty())
+            tables.push_back(table);
+    return tables;
 }
 
 int schemaVersion(Session& session) {
@@ -143,10 +172,10 @@ void checkSchemaVersion(Session& session) {
     refuseNewerSchema(session);
     const int version = schemaVersion(session);
     if (version == 0)
-        refuse("The file is a database, but not a store of Merchantry: it has no schema version.");
+        refuse("This is a database, but not a store of Merchantry: it has no schema version. \"merchantryctl store create\" makes one.");
     if (version < kSchemaVersion)
         refuse("The store is of an older version (schema " + std::to_string(version) + ", this program wants " +
-               std::to_string(kSchemaVersion) + "). Run \"merchantryctl store upgrade\" on it; a copy of the old store is kept.");
+               std::to_string(kSchemaVersion) + "). Run \"merchantryctl store upgrade\" on it; of a store file a copy is kept.");
 }
 
 std::span<const UpgradeStep> upgradeSteps() {

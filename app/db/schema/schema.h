@@ -2,7 +2,9 @@
 
 #include "app/db/session.h"
 
+#include <functional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -22,7 +24,14 @@ std::span<const SchemaFile> schemaFiles();
 constexpr int kSchemaVersion = 12;
 
 // Makes the schema with its first rows in an empty store, in one transaction. Throws DbError, naming the file; nothing is left then.
-void createSchema(Session& session);
+// Progress in percent.
+void createSchema(Session& session, const std::function<void(int percent)>& progress = {});
+
+// The same with other rows in the place of the first ones: `fill` puts them into the tables before there is any trigger.
+void createSchemaWith(Session& session, const std::function<void()>& fill);
+
+// The tables of the schema, each behind those that it refers to.
+std::vector<std::string> schemaTables();
 
 // The schema version of a store; 0 for a file that has no schema of this program.
 int schemaVersion(Session& session);

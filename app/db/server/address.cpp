@@ -1,0 +1,95 @@
+#include "app/db/server/address.h"
+
+#include "app/db/dberror.h"
+#include "base/numbers.h"
+#include "base/text.h"
+
+namespace merchantry::db::server {
+namespace {
+
+constexpr int kHighestPort = 65535;
+
+std::string part(const std::map<std::string, std::string>& parts, const std::string& key) {
+    const auto found = parts.find(key);
+    return found == parts.end() ? std::string() : found->second;
+}
+
+bool isOff(const std::string& word) {
+    return sameText(word, "no") || sameText(word, "false") || sameText(word, "0") || sameText(word, "off");
+}
+
+int portOf(const std::string& text) {
+    const bool digits = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos && text.size() <= 5;
+    const int port = digits ? std::stoi(text) : 0;
+    if (port < 1 || port > kHighestPort)
+        throw DbError(DbError::Category::Storage, 0, "\"" + text + "\" is not the port of a server. A port is a number from 1 to 65535.");
+    return port;
+}
+
+void readHost(Address& address, std::string host) {
+    if (const std::size_t comma = host.find(','); comma != std::string::npos) {
+        address.port = portOf(std::string(trimmed(host.substr(comma + 1))));
+        host.resize(comma);
+    }
+    if (const std::size_t slash = host.find('\\'); slash != std::string::npos) {
+        address.instance = trimmed(host.substr(slash + 1));
+        host.resize(slash);
+    }
+    address.host = trimmed(host);
+    if (address.host == ".")
+        address.host = "localhost";
+}
+
+// "; Encrypt=no; Database=Trial" behind the host.
+std::map<std::string, std::string> wordsBehind(const std::vector<std::string>& source) {
+    std::map<std::string, std::string> words;
+    for (const std::string& piece : source)
+        if (const std::size_t sign = piece.find('='); sign != std::string::npos)
+            words[lowerCase(trimmed(piece.substr(0, sign)))] = std::string(trimmed(piece.substr(sign + 1)));
+    return words;
+}
+
+// A value of the driver's connection string, in which braces quote.
+std::string braced(const std::string& value) {
+    return "{" + replaced(value, "}", "}}") + "}";
+}
+
+} // namespace
+
+Address addressOf(const std::map<std::string, std::string>& parts) {
+    Address address;
+    const auto source = split(part(parts, "data source"), ";");
+    readHost(address, source.empty() ? "" : std::string(source.front()));
+    const std::map<std::string, std::string> behind = wordsBehind(source);
+    address.encrypted = !isOff(part(behind, "encrypt")) && !isOff(part(parts, "encrypt"));
+    address.user = part(parts, "user id");
+    address.password = part(parts, "password");
+    address.database = behind.count("database") != 0 ? part(behind, "database") : part(parts, "initial catalog");
+    address.integrated = sameText(part(parts, "integrated security"), "SSPI");
+    return address;
+}
+
+std::string Address::toText() const {
+    if (!instance.empty())
+        return host + "\\" + instance;
+    return port == 0 ? host : host + ", port " + std::to_string(port);
+}
+
+std::string Address::sourceText() const {
+    return host + (instance.empty() ? "" : "\\" + instance) + (port == 0 ? "" : "," + std::to_string(port)) +
+           (encrypted ? "" : "; Encrypt=no") + (database.empty() ? "" : "; Database=" + database);
+}
+
+std::string Address::driverText() const {
+    std::string text = "Driver={FreeTDS};Server=" + host + (instance.empty() ? "" : "\\" + instance);
+    if (instance.empty())
+        text += ";Port=" + std::to_string(port == 0 ? 1433 : port);
+    else if (port != 0)
+        text += ";Port=" + std::to_string(port);
+    text += ";UID=" + braced(user) + ";PWD=" + braced(password);
+    if (!database.empty())
+        text += ";Database=" + braced(database);
+    return text + ";TDS_Version=7.4;ClientCharset=UTF-8;APP=Merchantry;Encryption=" + (encrypted ? "require" : "off");
+}
+
+} // namespace merchantry::db::server

@@ -1,0 +1,208 @@
+#include "app/db/server/link.h"
+
+#include "app/db/nativeerrors.h"
+#include "app/db/server/batchtext.h"
+#include "app/db/server/boundparameters.h"
+#include "app/db/server/resultrows.h"
+#include "base/guard.h"
+
+#include <algorithm>
+#include <array>
+
+namespace merchantry::db::server {
+namespace {
+
+using Category = DbError::Category;
+
+constexpr int kFirstError = 11; // severity; below are messages
+constexpr int kTerminated = 3621;
+constexpr int kContextChanged = 5701; // the database, and the language
+constexpr int kLanguageChanged = 5703;
+constexpr SQLULEN kLoginSeconds = 15;
+
+// What every connection begins with, whatever the server's own defaults are. A statement waits for others as long as in a store file.
+constexpr const char* kSettings = "SET NOCOUNT OFF SET DATEFORMAT mdy SET DATEFIRST 7 SET TEXTSIZE 2147483647 SET LOCK_TIMEOUT 20000 "
+                                  "SET ANSI_NULLS ON SET ANSI_PADDING ON SET ANSI_WARNINGS ON SET ARITHABORT ON "
+                                  "SET CONCAT_NULL_YIELDS_NULL ON SET QUOTED_IDENTIFIER ON SET NUMERIC_ROUNDABORT OFF "
+                                  "SET XACT_ABORT OFF SET IMPLICIT_TRANSACTIONS OFF";
+
+std::string atName(const Parameter& parameter) {
+    return parameter.name.starts_with('@') ? parameter.name : "@" + parameter.name;
+}
+
+// "@sku varchar(25), @found int OUTPUT"
+std::string declarations(const std::vector<Parameter>& parameters) {
+    std::string text;
+    for (const Parameter& parameter : parameters)
+        text += (text.empty() ? "" : ", ") + atName(parameter) + " " + sentType(parameter).toText() + (parameter.output ? " OUTPUT" : "");
+    return text;
+}
+
+} // namespace
+
+// Reads all results of one batch.
+class Link::Results {
+public:
+    Results(Link& link, ResultSink& sink, std::vector<DbError>& errors, bool opened)
+        : link_(link), statement_(link.statement_.get()), sink_(sink), errors_(errors), dropsFirst_(opened) {}
+
+    void read(SQLRETURN state) {
+        while (take(state) != SQL_NO_DATA) {
+            if (link_.lost_)
+                return;
+            if (state != SQL_NO_DATA)
+                readOne();
+            if (link_.lost_)
+                return;
+            state = SQLMoreResults(statement_);
+        }
+    }
+
+private:
+    // Tells what the driver says of a call; gives the call's own answer.
+    SQLRETURN take(SQLRETURN state) {
+        if (state == SQL_ERROR && link_.isDead())
+            link_.lost_ = true;
+        if (state != SQL_SUCCESS && state != SQL_NO_DATA)
+            for (const Diagnostic& one : diagnosticsOf(SQL_HANDLE_STMT, statement_))
+                tell(one);
+        failures_ = state == SQL_ERROR ? failures_ + 1 : 0;
+        if (failures_ > kMostFailures)
+            link_.lost_ = true;
+        return state;
+    }
+
+    void tell(const Diagnostic& one) {
+        if (one.isLost())
+            link_.lost_ = true;
+        const bool isMessage = one.severity > 0 ? one.severity < kFirstError : one.state.starts_with("01");
+        if (!isMessage) {
+            errors_.push_back(link_.errorOf(one));
+            return;
+        }
+        if (one.native == kTerminated || one.native == kContextChanged || one.native == kLanguageChanged)
+            return;
+        if (std::exchange(dropsFirst_, false) && one.text.find_first_not_of(' ') == std::string::npos)
+            return;
+        sink_.message(one.text);
+    }
+
+    void readOne() {
+        const std::vector<Column> columns = columnsOf(statement_);
+        if (!columns.empty()) {
+            readRows(columns);
+            return;
+        }
+        SQLLEN rows = -1;
+        if (SQL_SUCCEEDED(SQLRowCount(statement_, &rows)) && rows >= 0)
+            sink_.changed(rows);
+    }
+
+    void readRows(const std::vector<Column>& columns) {
+        sink_.beginSet(columns);
+        ResultRows rows(statement_, columns);
+        SQLRETURN got = rows.next();
+        for (; SQL_SUCCEEDED(got); got = rows.next()) {
+            if (got == SQL_SUCCESS_WITH_INFO)
+                take(got);
+            sink_.row(rows);
+        }
+        take(got);
+        sink_.endSet();
+    }
+
+    static constexpr int kMostFailures = 100; // errors in a row without an end of the results
+
+    Link& link_;
+    SQLHANDLE statement_;
+    ResultSink& sink_;
+    std::vector<DbError>& errors_;
+    bool dropsFirst_;
+    int failures_ = 0;
+};
+
+Link::Link(const Address& address) : address_(address), connection_(odbcEnvironment()) {
+    connect();
+    statement_ = Handle<SQL_HANDLE_STMT>(connection_.get());
+    setUp();
+}
+
+Link::~Link() {
+    statement_ = {};
+    SQLDisconnect(connection_.get());
+}
+
+void Link::connect() {
+    SQLSetConnectAttr(connection_.get(), SQL_ATTR_LOGIN_TIMEOUT, reinterpret_cast<SQLPOINTER>(kLoginSeconds), 0);
+    const std::string text = address_.driverText();
+    std::array<SQLCHAR, 2048> whole{};
+    SQLSMALLINT length = 0;
+    const SQLRETURN connected = SQLDriverConnect(connection_.get(), nullptr, odbcText(text), static_cast<SQLSMALLINT>(text.size()),
+                                                 whole.data(), static_cast<SQLSMALLINT>(whole.size()), &length, SQL_DRIVER_NOPROMPT);
+    if (!SQL_SUCCEEDED(connected))
+        throw connectError(address_, diagnosticsOf(SQL_HANDLE_DBC, connection_.get()));
+}
+
+void Link::setUp() {
+    NoResult none;
+    std::vector<Parameter> noParameters;
+    std::vector<DbError> errors;
+    run(kSettings, noParameters, none, errors);
+    if (lost_ && !errors.empty())
+        throw DbError(errors.front());
+}
+
+void Link::run(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink, std::vector<DbError>& errors) {
+    cancelled_ = false;
+    runSent(batch, parameters, sink, errors);
+    // The driver may throw away what came behind the request to cancel, without a word.
+    if (cancelled_ && !lost_)
+        errors.assign(1, DbError(Category::Cancelled, 0, "The statement was cancelled."));
+}
+
+void Link::runSent(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink, std::vector<DbError>& errors) {
+    SQLHANDLE statement = statement_.get();
+    const AtEnd close([&] { SQLFreeStmt(statement, SQL_CLOSE); });
+    SentBatch sent = sentBatch(batch);
+    Results results(*this, sink, errors, sent.opened);
+    if (parameters.empty()) {
+        results.read(SQLExecDirect(statement, odbcText(sent.text), static_cast<SQLINTEGER>(sent.text.size())));
+        return;
+    }
+    BoundParameters bound(statement);
+    bound.addText(std::move(sent.text));
+    bound.addText(declarations(parameters));
+    std::string call = "{call sp_executesql(?,?";
+    for (const Parameter& parameter : parameters) {
+        bound.add(atName(parameter), parameter);
+        call += ",?";
+    }
+    call += ")}";
+    results.read(SQLExecDirect(statement, odbcText(call), static_cast<SQLINTEGER>(call.size())));
+    if (!lost_)
+        bound.readBack(2, parameters);
+}
+
+bool Link::isDead() const {
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    SQLGetConnectAttr(connection_.get(), SQL_ATTR_CONNECTION_DEAD, &dead, 0, nullptr);
+    return dead == SQL_CD_TRUE;
+}
+
+void Link::cancel() {
+    cancelled_ = true;
+    SQLCancel(statement_.get());
+}
+
+DbError Link::errorOf(const Diagnostic& one) const {
+    if (lost_)
+        return {Category::Storage, 0,
+                "The connection to the server " + address_.toText() +
+                    " was lost. What was not saved yet is not saved. Please try again: the program connects anew."};
+    const Category category = one.state.starts_with("23") ? Category::Integrity : categoryOf(one.native);
+    DbError error(category, one.native, one.text, one.line);
+    error.withSeverity(one.severity > 0 ? one.severity : error.severity(), one.messageState);
+    return error.in(one.procedure);
+}
+
+} // namespace merchantry::db::server

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/db/server/server.h"
+#include "app/db/session.h"
+
+#include <mutex>
+#include <optional>
+
+namespace merchantry::db::server {
+
+// A session on a server: a connection, borrowed as long as the session lives. A connection that was lost is replaced at the next command;
+// what was open on it is gone.
+class ServerSession : public Session {
+public:
+    ServerSession(std::shared_ptr<Server> server, std::unique_ptr<Link> link);
+    ~ServerSession() override;
+
+    using Session::execute;
+    void execute(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink) override;
+    void call(std::string_view procedure, std::vector<Parameter>& parameters, ResultSink& sink) override;
+    TableShape table(std::string_view name) override;
+    void begin() override;
+    void commit() override;
+    void rollback() override;
+    int transactionDepth() const override;
+    Value lastIdentity() const override;
+    void cancel() override;
+    void setReadOnly(bool readOnly) override { readOnly_ = readOnly; }
+    // A server waits by itself, and no longer than a store file does; nobody is asked meanwhile.
+    void setWaiter(Waiter*) override {}
+    // A server has its own clock.
+    void setClock(const Clock*) override {}
+
+private:
+    void run(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink);
+    void runAlone(std::string_view batch);
+    void runReading(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink);
+    Link& link();
+    Value single(std::string_view select) const;
+
+    std::shared_ptr<Server> server_;
+    std::mutex linkMutex_; // for cancel, which comes from another thread
+    std::unique_ptr<Link> link_;
+    bool readOnly_ = false;
+    bool traces_ = false;              // the connection is no longer as new
+    mutable std::optional<int> depth_; // of transactions, where it is known
+};
+
+} // namespace merchantry::db::server

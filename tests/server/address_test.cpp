@@ -1,0 +1,68 @@
+#include "app/db/server/address.h"
+
+#include "app/db/provider.h"
+
+#include <gtest/gtest.h>
+
+namespace merchantry::db::server {
+namespace {
+
+Address read(const std::string& text) {
+    return addressOf(connectionParts(text));
+}
+
+TEST(AddressTest, IsReadFromTheStringOfAConfiguration) {
+    const Address address =
+        read("Provider=SQLOLEDB.1; User ID=sa; PASSWORD=let me in; Data Source=shop1\\second; Initial Catalog=Tillmark2k");
+    EXPECT_EQ(address.host, "shop1");
+    EXPECT_EQ(address.instance, "second");
+    EXPECT_EQ(address.user, "sa");
+    EXPECT_EQ(address.password, "let me in");
+    EXPECT_EQ(address.database, "Tillmark2k");
+    EXPECT_TRUE(address.encrypted);
+    EXPECT_FALSE(address.integrated);
+}
+
+TEST(AddressTest, TakesWordsBehindTheHost) {
+    const Address address = read("User ID=sa; PASSWORD=x; Data Source=shop1,1435; Encrypt=no; Database=Trial; Initial Catalog=Tillmark2k");
+    EXPECT_EQ(address.host, "shop1");
+    EXPECT_EQ(address.port, 1435);
+    EXPECT_FALSE(address.encrypted);
+    EXPECT_EQ(address.database, "Trial");
+    EXPECT_EQ(address.sourceText(), "shop1,1435; Encrypt=no; Database=Trial");
+}
+
+TEST(AddressTest, TakesAStringInAnyOrder) {
+    const Address address = read("Data Source=shop1; Initial Catalog=Trial; Encrypt=no; User ID=boss; Password=y");
+    EXPECT_EQ(address.database, "Trial");
+    EXPECT_EQ(address.user, "boss");
+    EXPECT_EQ(address.password, "y");
+    EXPECT_FALSE(address.encrypted);
+}
+
+TEST(AddressTest, KnowsTheOperatingSystemsLoginBehindTheCatalogue) {
+    EXPECT_TRUE(read("User ID=sa; PASSWORD=x; Data Source=shop1; Initial Catalog=Tillmark2k;Integrated Security=SSPI").integrated);
+}
+
+TEST(AddressTest, RefusesAPortThatIsNone) {
+    EXPECT_THROW(read("Data Source=shop1,abc; Initial Catalog=x"), DbError);
+    EXPECT_THROW(read("Data Source=shop1,70000; Initial Catalog=x"), DbError);
+}
+
+TEST(AddressTest, APasswordCannotSayAnythingElseToTheDriver) {
+    EXPECT_NE(read("Data Source=a; Password=x}y; User ID=sa; Initial Catalog=t").driverText().find("PWD={x}}y}"), std::string::npos);
+}
+
+TEST(ProviderTest, SaysThatTheSystemsOwnLoginIsNotThere) {
+    Provider provider;
+    try {
+        provider.open("User ID=sa; PASSWORD=x; Data Source=shop1; Initial Catalog=Tillmark2k;Integrated Security=SSPI");
+        FAIL();
+    } catch (const DbError& error) {
+        EXPECT_EQ(error.category(), DbError::Category::Storage);
+        EXPECT_NE(std::string(error.what()).find("is not available on this system"), std::string::npos);
+    }
+}
+
+} // namespace
+} // namespace merchantry::db::server
