@@ -2,7 +2,6 @@
 
 #include "app/db/embedded/filecopy.h"
 #include "app/db/embedded/store.h"
-#include "app/db/embedded/storedtexts.h"
 #include "app/db/schema/schema.h"
 #include "app/db/schema/tableparts.h"
 #include "base/text.h"
@@ -74,11 +73,11 @@ std::vector<std::string> changedTexts(const std::vector<db::StoredText>& stored)
 }
 
 // The tables as this program makes them: those of a store made for the purpose, which goes again.
-std::map<std::string, std::string> ownTableParts() {
+std::map<std::string, std::string> ownTableParts(bool withIndexes) {
     const db::NewStoreFile scratch(std::filesystem::temp_directory_path() / ("merchantry-check-" + std::to_string(std::random_device()())));
     const auto session = db::Store::create(scratch.path())->session();
     db::createSchema(*session);
-    return db::tableParts(*session);
+    return db::tableParts(*session, withIndexes);
 }
 
 constexpr const char* kReplaced = ".replaced-";
@@ -108,13 +107,17 @@ std::vector<std::string> checkStoreFile(const std::filesystem::path& file) {
     const std::vector<db::StoredText> texts = db::storedTexts(file);
     const auto session = db::Store::open(file)->session();
     db::refuseNewerSchema(*session);
-    if (db::schemaVersion(*session) == db::kSchemaVersion) {
-        found = changedTexts(texts);
-        for (std::string& changed : db::changedTables(db::tableParts(*session), ownTableParts()))
-            found.push_back(std::move(changed));
-    }
+    if (db::schemaVersion(*session) == db::kSchemaVersion)
+        found = changesOf(*session, texts);
     for (std::string& broken : db::brokenInvariants(*session))
         found.push_back(std::move(broken));
+    return found;
+}
+
+std::vector<std::string> changesOf(db::Session& session, const std::vector<db::StoredText>& texts, bool withIndexes) {
+    std::vector<std::string> found = changedTexts(texts);
+    for (std::string& changed : db::changedTables(db::tableParts(session, withIndexes), ownTableParts(withIndexes)))
+        found.push_back(std::move(changed));
     return found;
 }
 

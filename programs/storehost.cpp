@@ -1,8 +1,10 @@
 #include "programs/storehost.h"
 
-#include "app/db/embedded/store.h"
+#include "app/db/provider.h"
+#include "app/db/server/address.h"
 #include "app/frmLogin.h"
 #include "app/modMain.h"
+#include "app/serverstore.h"
 #include "app/storefile.h"
 #include "programs/screens.h"
 #include "ui/play/playdesk.h"
@@ -52,12 +54,21 @@ app::DbConfig configOf(const std::map<std::string, std::string>& settings, const
 
 } // namespace
 
-StoreHost::StoreHost(std::filesystem::path store, bool ownCopy) : store_(std::filesystem::absolute(store)), folder_(freshFolder()) {
-    if (!ownCopy)
+StoreHost::StoreHost(const std::string& store, bool ownCopy) : folder_(freshFolder()) {
+    if (app::isServerPlace(store)) {
+        const db::server::Address address = db::server::addressOf(db::connectionParts(store));
+        store_ = address.sourceText();
+        password_ = address.password;
+        connection_ = store;
         return;
-    const auto copy = folder_ / "play.store";
-    app::backupStoreFile(store_, copy);
-    store_ = copy;
+    }
+    store_ = std::filesystem::absolute(store).string();
+    if (ownCopy) {
+        const auto copy = folder_ / "play.store";
+        app::backupStoreFile(store_, copy);
+        store_ = copy.string();
+    }
+    connection_ = store_;
 }
 
 StoreHost::~StoreHost() {
@@ -81,12 +92,12 @@ void StoreHost::start(ui::play::PlayDesk& desk, const ui::play::StartUp& startUp
     session.storeMaker = storeMaker();
     app::ConfigStore configurations(session.configFile);
     for (const auto& settings : startUp.configurations) {
-        const app::DbConfig config = configOf(settings, store_.string());
+        const app::DbConfig config = configOf(settings, store_);
         configurations.put(config);
         configurations.setDefault(config.ConfigName);
     }
     if (startUp.configurations.empty() && !startUp.bare) {
-        configurations.put({"Play", store_.string(), "1", "", "", ""});
+        configurations.put({"Play", store_, "1", password_, "", ""});
         configurations.setDefault("Play");
     }
     if (!configurations.all().empty())
@@ -100,7 +111,7 @@ ui::Form* StoreHost::formNamed(ui::play::PlayDesk& desk, const std::string& name
 }
 
 std::vector<std::vector<Value>> StoreHost::query(const std::string& batch) {
-    const auto session = db::Store::open(store_)->session();
+    const auto session = app::openStore(connection_);
     session->setClock(clock_.isSet() ? &clock_ : nullptr);
     FirstResult result;
     session->execute(batch, result);

@@ -14,14 +14,16 @@ struct UsageError {
 
 struct SqlOptions {
     std::vector<std::string> files; // the store, or files of recorded answers
+    std::string server;             // connection string of the store, or of where to check answers
     bool check = false;
     bool csv = false;
 };
 int runSql(const SqlOptions& options); // throws UsageError unless it is one store
 
 struct StoreOptions {
-    std::string file;
-    std::string other;  // the backup
+    std::string file;   // path of a store file
+    std::string server; // connection string of a store on a server, instead of the file
+    std::string other;  // the backup, or where to copy
     std::string folder; // of many backups; instead of the other
     int keep = 0;
     bool prove = false;
@@ -29,11 +31,13 @@ struct StoreOptions {
     bool empty = false;
     bool items = false;
 };
+// The store is a file or on a server; throws UsageError unless it is just one of them.
 int createStore(const StoreOptions& options);
 int checkStore(const StoreOptions& options);
 int upgradeStore(const StoreOptions& options);
 int backupStore(const StoreOptions& options);
 int restoreStore(const StoreOptions& options);
+int copyStore(const StoreOptions& options);
 
 struct PlayOptions {
     std::string store;

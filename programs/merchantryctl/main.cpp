@@ -12,32 +12,46 @@ namespace {
 using namespace merchantry::programs;
 
 constexpr int kUsage = 2;
+constexpr const char* kServerHelp =
+    "A store on a server: \"Data Source=HOST[,PORT]; Initial Catalog=DATABASE; User ID=LOGIN; Password=WORD[; Encrypt=no]\"";
 
 void addSql(CLI::App& program, SqlOptions& options, int& exitCode) {
     CLI::App* sql =
         program.add_subcommand("sql", "Run T-SQL batches from standard input, or typed at a prompt, on a store; GO ends a batch");
     sql->add_flag("--check", options.check, "The files hold recorded answers; run each on an empty store and tell what differs");
     sql->add_flag("--csv", options.csv, "Rows as comma-separated values");
-    sql->add_option("FILE", options.files, "The store file, or the files to check")->required();
+    sql->add_option("--server", options.server, kServerHelp);
+    sql->add_option("FILE", options.files, "The store file, or the files to check");
     sql->callback([&] { exitCode = runSql(options); });
 }
 
 void addStore(CLI::App& program, StoreOptions& options, int& exitCode) {
-    CLI::App* store = program.add_subcommand("store", "Make, check, upgrade, back up and restore store files");
+    CLI::App* store = program.add_subcommand("store", "Make, check, upgrade, copy, back up and restore stores");
     store->require_subcommand(1);
     const auto action = [&](const char* name, const char* what, int (*run)(const StoreOptions&)) {
         CLI::App* command = store->add_subcommand(name, what);
-        command->add_option("FILE", options.file, "The store file")->required();
         command->callback([run, &options, &exitCode] { exitCode = run(options); });
         return command;
     };
-    CLI::App* made = action("create", "Make a new store", createStore);
+    const auto onFile = [&](CLI::App* command) {
+        command->add_option("FILE", options.file, "The store file")->required();
+        return command;
+    };
+    const auto onEither = [&](CLI::App* command) {
+        command->add_option("--server", options.server, kServerHelp);
+        command->add_option("FILE", options.file, "The store file");
+        return command;
+    };
+    CLI::App* made = onEither(action("create", "Make a new store", createStore));
     made->add_flag("--demo", options.demo, "With demo goods and two years of sales");
     made->add_flag("--empty", options.empty, "With nothing but the rows that every store starts with (the default)");
-    CLI::App* checked = action("check", "Look for damage and broken rules, and prove the stock by its ledger", checkStore);
+    CLI::App* checked = onEither(action("check", "Look for damage and broken rules, and prove the stock by its ledger", checkStore));
     checked->add_flag("--items", options.items, "List every item whose stock differs from its ledger");
-    action("upgrade", "Bring a store to this program's version, keeping a copy", upgradeStore);
-    CLI::App* copied = action("backup", "Copy a store that may be in use", backupStore);
+    onEither(action("upgrade", "Bring a store to this program's version, keeping a copy of a store file", upgradeStore));
+    CLI::App* moved = action("copy", "Copy a store into a new one, between a file and a server in either direction", copyStore);
+    moved->add_option("FROM", options.file, "The store: a file, or a connection string as --server takes it")->required();
+    moved->add_option("TO", options.other, "The store to make, likewise")->required();
+    CLI::App* copied = onFile(action("backup", "Copy a store file that may be in use", backupStore));
     CLI::Option* target = copied->add_option("TARGET", options.other, "The copy to make");
     CLI::Option* folder = copied->add_option("--to", options.folder, "Make it in this folder, under a name of its own");
     folder->excludes(target);
@@ -45,13 +59,13 @@ void addStore(CLI::App& program, StoreOptions& options, int& exitCode) {
         ->needs(folder)
         ->check(CLI::PositiveNumber);
     copied->add_flag("--prove", options.prove, "Restore it into a scratch store and compare")->needs(folder);
-    CLI::App* restored = action("restore", "Overwrite a store with a backup", restoreStore);
+    CLI::App* restored = onFile(action("restore", "Overwrite a store file with a backup", restoreStore));
     restored->add_option("BACKUP", options.other, "The backup to take")->required();
 }
 
 void addPlay(CLI::App& program, PlayOptions& options, int& exitCode) {
     CLI::App* play = program.add_subcommand("play", "Run screen scripts on a store, without a window");
-    play->add_option("--store", options.store, "The store file")->required();
+    play->add_option("--store", options.store, "The store file, or the connection string of a store on a server")->required();
     play->add_flag("--fresh", options.fresh, "Each script on a copy of its own; the store stays as it is");
     play->add_flag("--statements", options.statements, "Show the statements that the screens send");
     play->add_option("SCRIPT", options.scripts, "Scripts, in this order")->required();
@@ -61,7 +75,7 @@ void addPlay(CLI::App& program, PlayOptions& options, int& exitCode) {
 void addReport(CLI::App& program, ReportOptions& options, int& exitCode) {
     CLI::App* report = program.add_subcommand("report", "Run a report file on a store");
     report->add_option("FILE", options.file, "The report file (.rpt)")->required();
-    report->add_option("--store", options.store, "The store file")->required();
+    report->add_option("--store", options.store, "The store file, or the connection string of a store on a server")->required();
     report->add_option("--out", options.out,
                        "Where to: the ending tells the kind; rows as comma-separated values on standard output without it");
     report->add_option("--where", options.where, "Conditions, as \"Item.Active = 1\"");

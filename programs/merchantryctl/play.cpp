@@ -1,7 +1,7 @@
 #include "programs/merchantryctl/commands.h"
 
-#include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
+#include "app/serverstore.h"
 #include "programs/storehost.h"
 #include "ui/play/player.h"
 
@@ -12,7 +12,7 @@ namespace merchantry::programs {
 
 int runPlay(const PlayOptions& options) {
     // Says at once, and clearly, that there is none or that it cannot be used.
-    db::refuseNewerSchema(*db::Store::open(options.store)->session());
+    db::refuseNewerSchema(*app::openStore(options.store));
     ui::play::PlayOptions plays;
     plays.scripts.assign(options.scripts.begin(), options.scripts.end());
     plays.statements = options.statements;

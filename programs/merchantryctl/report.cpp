@@ -1,7 +1,7 @@
 #include "programs/merchantryctl/commands.h"
 
-#include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
+#include "app/serverstore.h"
 #include "base/platform/platform.h"
 #include "base/text.h"
 #include "reports/engine/exports.h"
@@ -63,7 +63,7 @@ void write(const reports::Report& report, const std::string& out) {
 } // namespace
 
 int runReport(const ReportOptions& options) {
-    const auto session = db::Store::open(options.store)->session();
+    const auto session = app::openStore(options.store);
     db::refuseNewerSchema(*session);
     const reports::Definition definition = reports::readDefinition(options.file);
     const auto report = reports::Report::run(*session, definition, textsFor(definition, options));

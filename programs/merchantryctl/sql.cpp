@@ -2,8 +2,11 @@
 
 #include "app/db/embedded/answers.h"
 #include "app/db/embedded/script.h"
-#include "app/db/embedded/store.h"
+#include "app/db/provider.h"
 #include "app/db/schema/schema.h"
+#include "app/db/server/database.h"
+#include "app/db/server/server.h"
+#include "app/serverstore.h"
 #include "base/platform/platform.h"
 #include "base/text.h"
 
@@ -14,6 +17,7 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -181,9 +185,31 @@ int runPrompt(db::Session& session, bool csv) {
     return 0;
 }
 
+// A database of its own on the server for each file, which goes when the next one comes.
+db::embedded::FreshSession emptyDatabases(const SqlOptions& options) {
+    struct Trial {
+        explicit Trial(const db::server::Address& address)
+            : database(address), session(std::make_shared<db::server::Server>(address)->session()) {}
+        db::server::NewDatabase database;
+        std::unique_ptr<db::Session> session; // goes first
+    };
+    const auto server = db::serverOf(options.server);
+    return [server, trial = std::shared_ptr<Trial>()]() mutable -> db::Session& {
+        trial.reset();
+        db::server::Address address = server->address();
+        address.database = "merchantry_answers_" + std::to_string(std::random_device()());
+        trial = std::make_shared<Trial>(address);
+        return *trial->session;
+    };
+}
+
 int check(const SqlOptions& options) {
     const std::vector<std::filesystem::path> files(options.files.begin(), options.files.end());
-    const db::embedded::AnswerCounts counts = db::embedded::checkAnswers(files, std::cout);
+    if (files.empty())
+        throw UsageError{"FILE: the files to check are wanted"};
+    const db::embedded::AnswerCounts counts = options.server.empty()
+                                                  ? db::embedded::checkAnswers(files, std::cout)
+                                                  : db::embedded::checkAnswers(files, std::cout, emptyDatabases(options));
     std::cout << counts.passed << " passed, " << counts.failed << " failed, " << counts.refused << " refused\n";
     return counts.failed == 0 ? 0 : 1;
 }
@@ -193,9 +219,9 @@ int check(const SqlOptions& options) {
 int runSql(const SqlOptions& options) {
     if (options.check)
         return check(options);
-    if (options.files.size() != 1)
-        throw UsageError{"FILE: exactly one store file is wanted"};
-    const std::unique_ptr<db::Session> session = db::Store::open(options.files[0])->session();
+    if (options.files.size() + (options.server.empty() ? 0 : 1) != 1)
+        throw UsageError{"FILE: exactly one store file is wanted, or --server"};
+    const std::unique_ptr<db::Session> session = app::openStore(options.server.empty() ? options.files[0] : options.server);
     db::refuseNewerSchema(*session);
     return isatty(STDIN_FILENO) != 0 ? runPrompt(*session, options.csv) : runInput(*session, options.csv);
 }

@@ -1,7 +1,11 @@
 #include "programs/merchantryctl/commands.h"
 
+#include "app/db/schema/schema.h"
+#include "app/serverstore.h"
 #include "app/stockproof.h"
+#include "app/storecopy.h"
 #include "app/storefile.h"
+#include "base/guard.h"
 #include "base/numbers.h"
 #include "base/platform/platform.h"
 #include "exchange/backup/nightly.h"
@@ -10,20 +14,84 @@
 
 #include <filesystem>
 #include <iostream>
+#include <random>
 #include <string>
 
 namespace merchantry::programs {
 
-int createStore(const StoreOptions& options) {
-    int shown = -1;
-    storeMaker()(options.file, options.demo, [&](int percent) {
-        if (percent / 10 != shown && options.demo)
+namespace {
+
+// Ten steps of progress on standard error, in one line.
+class Progress {
+public:
+    ~Progress() {
+        if (shown_ >= 0)
+            std::cerr << "\r";
+    }
+    void operator()(int percent) {
+        if (percent / 10 != shown_)
             std::cerr << "\r" << percent << " %" << std::flush;
-        shown = percent / 10;
+        shown_ = percent / 10;
+    }
+
+private:
+    int shown_ = -1;
+};
+
+void needOnePlace(const StoreOptions& options) {
+    if (options.file.empty() == options.server.empty())
+        throw UsageError{"FILE: a store file is wanted, or --server"};
+}
+
+std::string placeOf(const StoreOptions& options) {
+    return options.server.empty() ? options.file : options.server;
+}
+
+// The demo goods are made in a file and go up as they are.
+void createDemoOnServer(const StoreOptions& options) {
+    const auto file = std::filesystem::temp_directory_path() / ("merchantry-demo-" + std::to_string(std::random_device()()) + ".store");
+    const AtEnd gone([&] {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
     });
-    if (options.demo)
-        std::cerr << "\r";
-    std::cout << "Made " << options.file << ". Its manager logs in as manager with the password manager.\n";
+    {
+        Progress progress;
+        storeMaker()(file, true, [&](int percent) { progress(percent / 2); });
+    }
+    Progress progress;
+    app::copyStoreTo(file.string(), options.server, [&](int percent) { progress(50 + percent / 2); });
+}
+
+} // namespace
+
+int createStore(const StoreOptions& options) {
+    needOnePlace(options);
+    if (!options.server.empty() && options.demo) {
+        createDemoOnServer(options);
+    } else if (!options.server.empty()) {
+        Progress progress;
+        app::createServerStore(options.server, [&](int percent) { progress(percent); });
+    } else {
+        Progress progress;
+        storeMaker()(options.file, options.demo, [&](int percent) {
+            if (options.demo)
+                progress(percent);
+        });
+    }
+    std::cout << "Made " << app::shownPlace(placeOf(options)) << ". Its manager logs in as manager with the password manager.\n";
+    return 0;
+}
+
+int copyStore(const StoreOptions& options) {
+    app::StoreCopy done;
+    {
+        Progress progress;
+        done = app::copyStoreTo(options.file, options.other, [&](int percent) { progress(percent); });
+    }
+    for (const std::string& table : done.leftBehind)
+        std::cerr << "The table " << table << " is no part of a store and was not copied.\n";
+    std::cout << "Copied " << withThousands(done.rows) << " rows of " << done.tables << " tables to " << app::shownPlace(options.other)
+              << "; counts and sums are equal.\n";
     return 0;
 }
 
@@ -31,7 +99,9 @@ namespace {
 
 // What the proof of stock found: faults of the ledger, and where the stock differs from it, which need not be a fault.
 bool tellProof(const StoreOptions& options) {
-    const app::Proof proof = app::proveStockFile(options.file, [](int) { return true; });
+    const auto session = app::openStore(placeOf(options));
+    db::checkSchemaVersion(*session);
+    const app::Proof proof = app::proveStock(*session, [](int) { return true; });
     for (const app::ProofFinding& finding : proof.ledger)
         std::cerr << finding.sentence() << "\n";
     std::cout << "Proof of stock: " << withThousands(proof.rows) << " movements of " << withThousands(proof.items) << " items, "
@@ -49,16 +119,23 @@ bool tellProof(const StoreOptions& options) {
 } // namespace
 
 int checkStore(const StoreOptions& options) {
-    const auto found = app::checkStoreFile(options.file);
+    needOnePlace(options);
+    const auto found = options.server.empty() ? app::checkStoreFile(options.file) : app::checkServerStore(options.server);
     for (const std::string& line : found)
         std::cerr << line << "\n";
     const bool sound = found.empty() && tellProof(options);
     if (sound)
-        std::cout << options.file << " is sound.\n";
+        std::cout << app::shownPlace(placeOf(options)) << " is sound.\n";
     return sound ? 0 : 1;
 }
 
 int upgradeStore(const StoreOptions& options) {
+    needOnePlace(options);
+    if (!options.server.empty()) {
+        const std::string place = app::shownPlace(options.server);
+        std::cout << (app::upgradeServerStore(options.server) ? "Upgraded " + place + ".\n" : place + " is of this version already.\n");
+        return 0;
+    }
     const auto copy = app::upgradeStoreFile(options.file);
     std::cout << (copy.empty() ? options.file + " is of this version already.\n"
                                : "Upgraded. The old store is kept as " + copy.string() + ".\n");

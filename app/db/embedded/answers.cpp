@@ -202,13 +202,11 @@ Outcome runBlock(Session& session, const AnswerBlock& block, std::string& differ
     return Outcome::Failed;
 }
 
-AnswerCounts checkFile(const std::filesystem::path& file, std::ostream& out) {
+AnswerCounts checkFile(const std::filesystem::path& file, std::ostream& out, Session& session) {
     AnswerCounts counts;
-    const std::shared_ptr<Store> store = Store::scratch();
-    const std::unique_ptr<Session> session = store->session();
     for (const AnswerBlock& block : blocksOf(file)) {
         std::string difference;
-        const Outcome outcome = runBlock(*session, block, difference);
+        const Outcome outcome = runBlock(session, block, difference);
         counts.passed += outcome == Outcome::Passed ? 1 : 0;
         counts.failed += outcome == Outcome::Failed ? 1 : 0;
         counts.refused += outcome == Outcome::Refused ? 1 : 0;
@@ -222,9 +220,17 @@ AnswerCounts checkFile(const std::filesystem::path& file, std::ostream& out) {
 } // namespace
 
 AnswerCounts checkAnswers(const std::vector<std::filesystem::path>& files, std::ostream& out) {
+    std::unique_ptr<Session> session;
+    return checkAnswers(files, out, [&]() -> Session& {
+        session = Store::scratch()->session();
+        return *session;
+    });
+}
+
+AnswerCounts checkAnswers(const std::vector<std::filesystem::path>& files, std::ostream& out, const FreshSession& fresh) {
     AnswerCounts counts;
     for (const std::filesystem::path& file : files)
-        counts += checkFile(file, out);
+        counts += checkFile(file, out, fresh());
     return counts;
 }
 

@@ -1,13 +1,17 @@
 #include "app/db/schema/tableparts.h"
 
+#include "base/text.h"
+
 #include <array>
+#include <span>
 
 namespace merchantry::db {
 namespace {
 
-// The part's name, then what it is.
+// The part's name, then what it is; indexes last.
 constexpr std::array kSelects{
-    "SELECT 'column ' + c.COLUMN_NAME + ' of the table ' + c.TABLE_NAME, c.DATA_TYPE, c.CHARACTER_MAXIMUM_LENGTH, c.NUMERIC_PRECISION, "
+    "SELECT 'column ' + c.COLUMN_NAME + ' of the table ' + c.TABLE_NAME, c.DATA_TYPE, CASE WHEN c.DATA_TYPE NOT IN ('text', 'ntext', "
+    "'image') THEN c.CHARACTER_MAXIMUM_LENGTH END, c.NUMERIC_PRECISION, "
     "c.NUMERIC_SCALE, c.IS_NULLABLE, s.is_identity, s.is_computed "
     "FROM information_schema.columns c INNER JOIN sys.columns s ON s.object_id = OBJECT_ID('[' + c.TABLE_NAME + ']') AND s.name = "
     "c.COLUMN_NAME "
@@ -33,18 +37,21 @@ public:
 
 } // namespace
 
-std::map<std::string, std::string> tableParts(Session& session) {
+std::map<std::string, std::string> tableParts(Session& session, bool withIndexes) {
     Parts found;
-    for (const char* select : kSelects)
+    for (const char* select : std::span(kSelects).first(kSelects.size() - (withIndexes ? 0 : 1)))
         session.execute(select, found);
     return std::move(found.parts);
 }
 
 std::vector<std::string> changedTables(const std::map<std::string, std::string>& stored, const std::map<std::string, std::string>& own) {
+    std::map<std::string, std::string_view> byName;
+    for (const auto& [name, definition] : stored)
+        byName[lowerCase(name)] = definition;
     std::vector<std::string> changed;
     for (const auto& [name, definition] : own) {
-        const auto found = stored.find(name);
-        if (found == stored.end())
+        const auto found = byName.find(lowerCase(name));
+        if (found == byName.end())
             changed.push_back("The store lacks the " + name + '.');
         else if (found->second != definition)
             changed.push_back("The " + name + " is not as this program makes it.");
