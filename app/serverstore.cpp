@@ -66,9 +66,11 @@ bool upgradeServerStore(const std::string& place) {
 
 std::vector<std::string> checkServerStore(const std::string& place) {
     const auto session = openStore(place);
-    db::refuseNewerSchema(*session);
+    const int version = db::schemaVersion(*session);
+    if (version == 0 || version > db::kSchemaVersion)
+        db::checkSchemaVersion(*session);
     std::vector<std::string> found;
-    if (db::schemaVersion(*session) == db::kSchemaVersion)
+    if (version == db::kSchemaVersion)
         found = changesOf(*session, textsOf(*session), false);
     for (std::string& broken : db::brokenInvariants(*session))
         found.push_back(std::move(broken));

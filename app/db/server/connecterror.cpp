@@ -37,11 +37,11 @@ std::string sentence(const Address& address, const std::vector<Diagnostic>& all)
         return "The driver for servers (FreeTDS, the package tdsodbc) is not installed on this machine.";
     if (hasOne(all, kNoDatabase))
         return "The server " + server + " has no database " + address.database + ", or " + address.user + " may not open it.";
-    if (hasOne(all, kWrongLogin))
+    if (hasOne(all, kWrongLogin) || hasState(all, "28000"))
         return "The server " + server + " does not let " + address.user + " in: the password is wrong, or there is no such login.";
     if (has(all, kNoHost))
         return "No machine is named \"" + address.host + "\". Please check the name of the server.";
-    if (has(all, kNoInstance))
+    if (has(all, kNoInstance) || (!address.instance.empty() && has(all, kNobodyListens)))
         return "The machine " + address.host + " did not tell where its instance " + address.instance +
                " is. Please check the instance's name, or name its port as \"" + address.host + ",1433\".";
     if (has(all, kNobodyListens))

@@ -14,7 +14,9 @@ namespace {
 
 using Category = DbError::Category;
 
-constexpr int kFirstError = 11; // severity; below are messages
+constexpr int kUsualSeverity = 16; // the driver does not tell it
+constexpr int kOverflow = 8115;
+constexpr const char* kOutOfRange = "22003"; // found by the driver, when it sends a parameter
 constexpr int kTerminated = 3621;
 constexpr int kContextChanged = 5701; // the database, and the language
 constexpr int kLanguageChanged = 5703;
@@ -75,8 +77,7 @@ private:
     void tell(const Diagnostic& one) {
         if (one.isLost())
             link_.lost_ = true;
-        const bool isMessage = one.severity > 0 ? one.severity < kFirstError : one.state.starts_with("01");
-        if (!isMessage) {
+        if (!one.isMessage()) {
             errors_.push_back(link_.errorOf(one));
             return;
         }
@@ -199,10 +200,10 @@ DbError Link::errorOf(const Diagnostic& one) const {
         return {Category::Storage, 0,
                 "The connection to the server " + address_.toText() +
                     " was lost. What was not saved yet is not saved. Please try again: the program connects anew."};
+    if (one.native == 0 && one.state == kOutOfRange)
+        return {Category::Type, kOverflow, "Arithmetic overflow error converting a value to the type that is wanted."};
     const Category category = one.state.starts_with("23") ? Category::Integrity : categoryOf(one.native);
-    DbError error(category, one.native, one.text, one.line);
-    error.withSeverity(one.severity > 0 ? one.severity : error.severity(), one.messageState);
-    return error.in(one.procedure);
+    return DbError(category, one.native, one.text, one.line).withSeverity(kUsualSeverity, one.messageState);
 }
 
 } // namespace merchantry::db::server

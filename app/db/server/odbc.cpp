@@ -6,10 +6,8 @@
 namespace merchantry::db::server {
 namespace {
 
-// FreeTDS' fields of a server's message, as the drivers of this server number them.
+// FreeTDS' fields of a server's message.
 constexpr SQLSMALLINT kMessageState = -1150;
-constexpr SQLSMALLINT kSeverity = -1151;
-constexpr SQLSMALLINT kProcedure = -1153;
 constexpr SQLSMALLINT kLine = -1154;
 
 // FreeTDS' own numbers of a line that is gone: it could not be written to or read from, it ended, or it is dead.
@@ -20,14 +18,6 @@ constexpr std::size_t kLongestMessage = 4096;
 int numberField(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT record, SQLSMALLINT field) {
     SQLINTEGER number = 0;
     return SQL_SUCCEEDED(SQLGetDiagField(kind, handle, record, field, &number, SQL_IS_INTEGER, nullptr)) ? number : 0;
-}
-
-std::string textField(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT record, SQLSMALLINT field) {
-    std::array<char, 512> text{};
-    SQLSMALLINT length = 0;
-    if (!SQL_SUCCEEDED(SQLGetDiagField(kind, handle, record, field, text.data(), static_cast<SQLSMALLINT>(text.size()), &length)))
-        return "";
-    return text.data();
 }
 
 // "[FreeTDS][SQL Server]Invalid object name": who says it goes.
@@ -57,10 +47,8 @@ std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT kind, SQLHANDLE handle) {
         one.state = reinterpret_cast<const char*>(state.data());
         one.native = native;
         one.text = withoutSpeakers(text.substr(0, std::min(text.size() - 1, static_cast<std::size_t>(length))));
-        one.severity = numberField(kind, handle, record, kSeverity);
         one.messageState = std::max(1, numberField(kind, handle, record, kMessageState));
         one.line = numberField(kind, handle, record, kLine);
-        one.procedure = textField(kind, handle, record, kProcedure);
         all.push_back(std::move(one));
     }
 }

@@ -43,11 +43,11 @@ struct Diagnostic {
     std::string state; // SQLSTATE
     int native = 0;
     std::string text;
-    int severity = 0; // 0 when it is not told
     int messageState = 1;
     int line = 0;
-    std::string procedure;
 
+    // PRINT, and what else is no error.
+    bool isMessage() const { return state.starts_with("01"); }
     // The line to the server is gone, and with it the connection.
     bool isLost() const;
 };
