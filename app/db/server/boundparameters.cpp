@@ -147,6 +147,8 @@ void BoundParameters::add(const std::string& name, const Parameter& parameter) {
     if (parameter.output)
         place.bytes.resize(std::max(place.bytes.size(), kLongestOutput));
     bind(place, parameter.output);
+    if (name.empty())
+        return;
     SQLHANDLE descriptor = SQL_NULL_HANDLE;
     SQLGetStmtAttr(statement_, SQL_ATTR_IMP_PARAM_DESC, &descriptor, 0, nullptr);
     SQLSetDescField(descriptor, static_cast<SQLSMALLINT>(places_.size()), SQL_DESC_NAME, const_cast<char*>(name.c_str()), SQL_NTS);

@@ -19,7 +19,7 @@ public:
 
     // A text by position, however long: what is run, and what its parameters are declared as.
     void addText(std::string text);
-    // A parameter by its name, with "@".
+    // A parameter by its name, with "@"; by position without one.
     void add(const std::string& name, const Parameter& parameter);
     // What the server gave back into the parameters, which stand behind `first` others. Requires: every result was read.
     void readBack(std::size_t first, std::vector<Parameter>& parameters) const;

@@ -40,6 +40,15 @@ std::string declarations(const std::vector<Parameter>& parameters) {
     return text;
 }
 
+// "{call sp_executesql(?,?)}"
+std::string callText(std::string_view procedure, std::size_t parameters) {
+    std::string text = "{call ";
+    text += procedure;
+    for (std::size_t i = 0; i < parameters; ++i)
+        text += i == 0 ? "(?" : ",?";
+    return text + (parameters > 0 ? ")}" : "}");
+}
+
 } // namespace
 
 // Reads all results of one batch.
@@ -148,40 +157,54 @@ void Link::setUp() {
     NoResult none;
     std::vector<Parameter> noParameters;
     std::vector<DbError> errors;
-    run(kSettings, noParameters, none, errors);
+    run({kSettings, noParameters}, none, errors);
     if (lost_ && !errors.empty())
         throw DbError(errors.front());
 }
 
-void Link::run(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink, std::vector<DbError>& errors) {
+void Link::run(const Request& request, ResultSink& sink, std::vector<DbError>& errors) {
     cancelled_ = false;
-    runSent(batch, parameters, sink, errors);
+    runRequest(request, sink, errors);
     // The driver may throw away what came behind the request to cancel, without a word.
     if (cancelled_ && !lost_)
         errors.assign(1, DbError(Category::Cancelled, 0, "The statement was cancelled."));
 }
 
-void Link::runSent(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink, std::vector<DbError>& errors) {
-    SQLHANDLE statement = statement_.get();
-    const AtEnd close([&] { SQLFreeStmt(statement, SQL_CLOSE); });
-    SentBatch sent = sentBatch(batch);
-    Results results(*this, sink, errors, sent.opened);
-    if (parameters.empty()) {
-        results.read(SQLExecDirect(statement, odbcText(sent.text), static_cast<SQLINTEGER>(sent.text.size())));
+void Link::runRequest(const Request& request, ResultSink& sink, std::vector<DbError>& errors) {
+    const AtEnd close([&] { SQLFreeStmt(statement_.get(), SQL_CLOSE); });
+    if (request.isCall) {
+        Results results(*this, sink, errors, false);
+        runCall(request, results);
         return;
     }
-    BoundParameters bound(statement);
-    bound.addText(std::move(sent.text));
-    bound.addText(declarations(parameters));
-    std::string call = "{call sp_executesql(?,?";
-    for (const Parameter& parameter : parameters) {
-        bound.add(atName(parameter), parameter);
-        call += ",?";
+    const SentBatch sent = sentBatch(request.text);
+    Results results(*this, sink, errors, sent.opened);
+    runBatch(sent.text, request.parameters, results);
+}
+
+void Link::runBatch(std::string_view text, std::vector<Parameter>& parameters, Results& results) {
+    if (parameters.empty()) {
+        results.read(SQLExecDirect(statement_.get(), odbcText(text), static_cast<SQLINTEGER>(text.size())));
+        return;
     }
-    call += ")}";
-    results.read(SQLExecDirect(statement, odbcText(call), static_cast<SQLINTEGER>(call.size())));
+    BoundParameters bound(statement_.get());
+    bound.addText(std::string(text));
+    bound.addText(declarations(parameters));
+    for (const Parameter& parameter : parameters)
+        bound.add(atName(parameter), parameter);
+    const std::string call = callText("sp_executesql", parameters.size() + 2);
+    results.read(SQLExecDirect(statement_.get(), odbcText(call), static_cast<SQLINTEGER>(call.size())));
     if (!lost_)
         bound.readBack(2, parameters);
+}
+
+// Rows behind an error at the procedure's very beginning are lost to the driver; the error is thrown, and nobody takes them then.
+void Link::runCall(const Request& request, Results& results) {
+    BoundParameters bound(statement_.get());
+    for (const Parameter& parameter : request.parameters)
+        bound.add(parameter.name.empty() ? "" : atName(parameter), parameter);
+    const std::string call = callText(request.text, request.parameters.size());
+    results.read(SQLExecDirect(statement_.get(), odbcText(call), static_cast<SQLINTEGER>(call.size())));
 }
 
 bool Link::isDead() const {

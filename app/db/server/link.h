@@ -9,6 +9,13 @@
 
 namespace merchantry::db::server {
 
+// What is sent at once: a batch, or the name of a procedure that is called with the parameters, none of which gives a result back.
+struct Request {
+    std::string_view text;
+    std::vector<Parameter>& parameters; // of a batch; results come back into them
+    bool isCall = false;
+};
+
 // One open connection to a server. One thread, but for cancel.
 class Link {
 public:
@@ -18,9 +25,9 @@ public:
     Link(const Link&) = delete;
     Link& operator=(const Link&) = delete;
 
-    // Runs a batch to its end and gives all that comes to the sink, but its errors to `errors`, in their order. What the sink throws stops
-    // the batch and passes through.
-    void run(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink, std::vector<DbError>& errors);
+    // Runs a request to its end and gives all that comes to the sink, but its errors to `errors`, in their order. What the sink throws
+    // stops it and passes through.
+    void run(const Request& request, ResultSink& sink, std::vector<DbError>& errors);
     void cancel();
     // The connection is gone: nothing can be run on it any more.
     bool isLost() const { return lost_; }
@@ -30,7 +37,9 @@ private:
 
     void connect();
     void setUp();
-    void runSent(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink, std::vector<DbError>& errors);
+    void runRequest(const Request& request, ResultSink& sink, std::vector<DbError>& errors);
+    void runCall(const Request& request, Results& results);
+    void runBatch(std::string_view text, std::vector<Parameter>& parameters, Results& results);
     bool isDead() const;
     DbError errorOf(const Diagnostic& diagnostic) const;
 

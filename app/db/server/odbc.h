@@ -6,6 +6,7 @@
 #include <sqlext.h>
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -58,7 +59,7 @@ std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT kind, SQLHANDLE handle);
 SQLHANDLE odbcEnvironment();
 
 // A text as the driver takes it.
-inline SQLCHAR* odbcText(const std::string& text) {
+inline SQLCHAR* odbcText(std::string_view text) {
     return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.data()));
 }
 

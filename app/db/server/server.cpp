@@ -88,7 +88,7 @@ TableShape Server::table(Link& link, std::string_view name) {
 void runOn(Link& link, std::string_view batch, ResultSink& sink) {
     std::vector<Parameter> none;
     std::vector<DbError> errors;
-    link.run(batch, none, sink, errors);
+    link.run({batch, none}, sink, errors);
     if (!errors.empty())
         throw DbError(errors.front());
 }

@@ -7,6 +7,8 @@
 #include "base/guard.h"
 #include "base/text.h"
 
+#include <algorithm>
+
 namespace merchantry::db::server {
 namespace {
 
@@ -53,18 +55,24 @@ public:
 }
 
 // "EXEC sp_x @name = @p0 OUTPUT, @p1": a call as a batch, its parameters under the batch's own names.
-std::string callText(std::string_view procedure, std::vector<Parameter>& parameters) {
-    std::string text = "EXEC " + std::string(trimmed(procedure));
-    bool first = true;
-    int number = 0;
-    for (Parameter& parameter : parameters) {
-        const std::string name = parameter.name.starts_with('@') ? parameter.name.substr(1) : parameter.name;
-        const std::string own = "p" + std::to_string(number++);
-        text += (std::exchange(first, false) ? " " : ", ") + (name.empty() ? "" : "@" + name + " = ") + "@" + own +
-                (parameter.output ? " OUTPUT" : "");
-        parameter.name = own;
+std::string batchOf(std::string_view procedure, std::vector<Parameter>& parameters) {
+    std::string text = "EXEC " + std::string(procedure);
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const std::string own = "p" + std::to_string(i);
+        const std::string& name = parameters[i].name;
+        text += (i == 0 ? " " : ", ") + (name.empty() ? "" : (name.starts_with('@') ? "" : "@") + name + " = ") + "@" + own +
+                (parameters[i].output ? " OUTPUT" : "");
+        parameters[i].name = own;
     }
     return text;
+}
+
+std::vector<std::vector<Column>> setsOf(Server& server, Link& link, const Request& request) {
+    if (!request.isCall)
+        return server.setsOf(link, request.text, request.parameters);
+    std::vector<Parameter> named = request.parameters;
+    const std::string batch = batchOf(request.text, named);
+    return server.setsOf(link, batch, named);
 }
 
 } // namespace
@@ -84,22 +92,38 @@ ServerSession::~ServerSession() {
 }
 
 void ServerSession::execute(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink) {
-    if (readOnly_)
-        runReading(batch, parameters, sink);
-    else
-        run(batch, parameters, sink);
+    runAny({batch, parameters, false}, sink);
 }
 
-void ServerSession::run(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink) {
+// Compatible servers mistake results of parameters that are called in another order than the procedure's: these go as a batch.
+void ServerSession::call(std::string_view procedure, std::vector<Parameter>& parameters, ResultSink& sink) {
+    if (std::none_of(parameters.begin(), parameters.end(), [](const Parameter& parameter) { return parameter.output; })) {
+        runAny({trimmed(procedure), parameters, true}, sink);
+        return;
+    }
+    std::vector<Parameter> named = parameters;
+    execute(batchOf(trimmed(procedure), named), named, sink);
+    for (std::size_t i = 0; i < named.size(); ++i)
+        parameters[i].value = std::move(named[i].value);
+}
+
+void ServerSession::runAny(const Request& request, ResultSink& sink) {
+    if (readOnly_)
+        runReading(request, sink);
+    else
+        run(request, sink);
+}
+
+void ServerSession::run(const Request& request, ResultSink& sink) {
     Link& open = link();
-    traces_ = traces_ || leavesTraces(batch);
-    if (touchesTransactions(batch))
+    traces_ = traces_ || (!request.isCall && leavesTraces(request.text));
+    if (!request.isCall && touchesTransactions(request.text))
         depth_.reset();
     std::optional<NamingSink> naming;
     if (sink.wantsTables())
-        naming.emplace(sink, server_->setsOf(open, batch, parameters));
+        naming.emplace(sink, setsOf(*server_, open, request));
     std::vector<DbError> errors;
-    open.run(batch, parameters, naming ? static_cast<ResultSink&>(*naming) : sink, errors);
+    open.run(request, naming ? static_cast<ResultSink&>(*naming) : sink, errors);
     if (errors.empty())
         return;
     depth_.reset();
@@ -112,8 +136,8 @@ void ServerSession::run(std::string_view batch, std::vector<Parameter>& paramete
 }
 
 // Whatever is called may write: it does so in a transaction that is taken back.
-void ServerSession::runReading(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink) {
-    if (!isOneReading(batch))
+void ServerSession::runReading(const Request& request, ResultSink& sink) {
+    if (!request.isCall && !isOneReading(request.text))
         refuseChange();
     begin();
     const AtEnd back([&] {
@@ -124,18 +148,9 @@ void ServerSession::runReading(std::string_view batch, std::vector<Parameter>& p
         }
     });
     ChangeSink watching(sink);
-    run(batch, parameters, watching);
+    run(request, watching);
     if (watching.changedRows > 0)
         refuseChange();
-}
-
-void ServerSession::call(std::string_view procedure, std::vector<Parameter>& parameters, ResultSink& sink) {
-    std::vector<Parameter> sent = parameters;
-    const std::string text = callText(procedure, sent);
-    execute(text, sent, sink);
-    for (std::size_t i = 0; i < sent.size(); ++i)
-        if (sent[i].output)
-            parameters[i].value = std::move(sent[i].value);
 }
 
 TableShape ServerSession::table(std::string_view name) {
@@ -164,7 +179,7 @@ void ServerSession::rollback() {
 void ServerSession::runAlone(std::string_view batch) {
     NoResult none;
     std::vector<Parameter> noParameters;
-    run(batch, noParameters, none);
+    run({batch, noParameters}, none);
 }
 
 int ServerSession::transactionDepth() const {

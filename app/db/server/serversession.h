@@ -8,6 +8,8 @@
 
 namespace merchantry::db::server {
 
+struct Request;
+
 // A session on a server: a connection, borrowed as long as the session lives. A connection that was lost is replaced at the next command;
 // what was open on it is gone.
 class ServerSession : public Session {
@@ -32,9 +34,10 @@ public:
     void setClock(const Clock*) override {}
 
 private:
-    void run(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink);
+    void runAny(const Request& request, ResultSink& sink);
+    void run(const Request& request, ResultSink& sink);
     void runAlone(std::string_view batch);
-    void runReading(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink);
+    void runReading(const Request& request, ResultSink& sink);
     Link& link();
     Value single(std::string_view select) const;
 
