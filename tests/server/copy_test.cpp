@@ -1,0 +1,115 @@
+#include "app/db/eachrow.h"
+#include "app/db/embedded/store.h"
+#include "app/db/schema/schema.h"
+#include "app/storecopy.h"
+#include "app/storefile.h"
+#include "base/guard.h"
+#include "tests/scratchfolder.h"
+#include "tests/server/onaserver.h"
+
+#include <algorithm>
+
+namespace merchantry::app {
+namespace {
+
+class CopyOnAServer : public testing::Test {
+protected:
+    void SetUp() override {
+        if (db::testServer().empty())
+            GTEST_SKIP() << "skipped, no server";
+        address = db::serverOf(db::testServer())->address();
+        address.database = "merchantry_copy_" + std::to_string(std::random_device()());
+    }
+    void TearDown() override {
+        if (IsSkipped())
+            return;
+        try {
+            db::server::dropDatabase(address);
+        } catch (const db::DbError&) { // nothing was left
+        }
+    }
+
+    std::string place() const {
+        return "Data Source=" + address.sourceText() + "; Initial Catalog=" + address.database + "; User ID=" + address.user +
+               "; Password=" + address.password;
+    }
+    // All cells of all tables, the rows of each in order of their texts.
+    static std::vector<std::string> allRows(db::Session& session) {
+        std::vector<std::string> all;
+        for (const std::string& table : db::schemaTables()) {
+            db::EachRow rows([&](const db::RowView& row) {
+                std::string text = table;
+                for (int i = 0; i < row.size(); ++i)
+                    text += "|" + row.value(i).toScriptText();
+                all.push_back(std::move(text));
+            });
+            session.execute("SELECT * FROM [" + table + "]", rows);
+        }
+        std::sort(all.begin(), all.end());
+        return all;
+    }
+    void makeFile(const std::filesystem::path& file) const {
+        createStoreFile(
+            file,
+            [](db::Session& session, const std::function<void(int)>&) {
+                db::NoResult none;
+                session.execute(
+                    "INSERT INTO Item (SKU, MatrixSKU, Name, TypeID, Reorder) VALUES ('A''1', 'A''1', '\xC3\x89tui', 6, 0.1) "
+                    "INSERT INTO Item (SKU, MatrixSKU, Name, TypeID, Notes) VALUES ('B', 'B', '', 6, 'two\r\nlines') "
+                    "INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) VALUES ('B', 'B', 'Receipt', 5, 3.3333) "
+                    "DELETE FROM InventoryLedger WHERE Qty = 99 "
+                    "INSERT INTO Customer (FirstName, LastName) VALUES ('Ann', 'O''Neil')",
+                    none);
+            },
+            [](int) {});
+    }
+
+    db::server::Address address;
+    ScratchFolder folder;
+};
+
+TEST_F(CopyOnAServer, ThereAndBackIsTheSameStore) {
+    const auto file = folder / "shop.store";
+    const auto back = folder / "back.store";
+    makeFile(file);
+    const StoreCopy up = copyStoreTo(file.string(), place(), [](int) {});
+    const StoreCopy down = copyStoreTo(place(), back.string(), [](int) {});
+    EXPECT_GT(up.rows, 3);
+    EXPECT_EQ(up.rows, down.rows);
+    EXPECT_EQ(allRows(*db::Store::open(file)->session()), allRows(*db::Store::open(back)->session()));
+    EXPECT_EQ(checkStoreFile(back), std::vector<std::string>{});
+    const auto server = openStore(place());
+    EXPECT_EQ(allRows(*server).size(), allRows(*db::Store::open(file)->session()).size());
+    db::NoResult none;
+    server->execute("INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) VALUES ('B', 'B', 'Receipt', 2, 3)", none);
+    EXPECT_EQ(db::brokenInvariants(*server), std::vector<std::string>{}); // its triggers run, its numbers go on
+}
+
+TEST_F(CopyOnAServer, NothingOfAnotherStoreIsOverwritten) {
+    const auto file = folder / "shop.store";
+    makeFile(file);
+    createServerStore(place(), [](int) {});
+    EXPECT_THROW(copyStoreTo(file.string(), place(), [](int) {}), db::DbError);
+    EXPECT_THROW(createServerStore(place(), [](int) {}), db::DbError);
+    EXPECT_EQ(db::schemaVersion(*openStore(place())), db::kSchemaVersion);
+    EXPECT_FALSE(upgradeServerStore(place()));
+}
+
+TEST_F(CopyOnAServer, ACopyThatFailsLeavesNoDatabase) {
+    const auto file = folder / "shop.store";
+    makeFile(file);
+    {
+        const auto session = db::Store::open(file)->session();
+        db::NoResult none;
+        session->execute("INSERT INTO SchemaVersion (Version) VALUES (99)", none);
+    }
+    EXPECT_THROW(copyStoreTo(file.string(), place(), [](int) {}), db::DbError);
+    const auto stopped = [](int) { throw std::runtime_error("stopped"); };
+    const auto sound = folder / "sound.store";
+    makeFile(sound);
+    EXPECT_THROW(copyStoreTo(sound.string(), place(), stopped), std::runtime_error);
+    EXPECT_THROW(openStore(place()), db::DbError);
+}
+
+} // namespace
+} // namespace merchantry::app
