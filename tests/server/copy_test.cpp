@@ -53,13 +53,12 @@ protected:
             file,
             [](db::Session& session, const std::function<void(int)>&) {
                 db::NoResult none;
-                session.execute(
-                    "INSERT INTO Item (SKU, MatrixSKU, Name, TypeID, Reorder) VALUES ('A''1', 'A''1', '\xC3\x89tui', 6, 0.1) "
-                    "INSERT INTO Item (SKU, MatrixSKU, Name, TypeID, Notes) VALUES ('B', 'B', '', 6, 'two\r\nlines') "
-                    "INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) VALUES ('B', 'B', 'Receipt', 5, 3.3333) "
-                    "DELETE FROM InventoryLedger WHERE Qty = 99 "
-                    "INSERT INTO Customer (FirstName, LastName) VALUES ('Ann', 'O''Neil')",
-                    none);
+                session.execute("INSERT INTO Item (SKU, MatrixSKU, Name, TypeID, Reorder) VALUES ('A''1', 'A''1', '\xC3\x89tui', 6, 0.1) "
+                                "INSERT INTO Item (SKU, MatrixSKU, Name, TypeID, Notes) VALUES ('B', 'B', '', 6, 'two\r\nlines') "
+                                "INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) VALUES ('B', 'B', 'Receipt', 5, 3.3333) "
+                                "DELETE FROM InventoryLedger WHERE Qty = 99 "
+                                "INSERT INTO Customer (FirstName, LastName) VALUES ('Ann', 'O''Neil')",
+                                none);
             },
             [](int) {});
     }

@@ -31,6 +31,20 @@ TEST_F(ResultsOnAServer, ACallByItsNameAloneRuns) {
     EXPECT_EQ(rowsOf("Two 8"), "8/9");
 }
 
+TEST_F(ResultsOnAServer, AProcedureThatFirstChangesNoRowGivesWhatFollows) {
+    table("Still", "Id int");
+    run("IF OBJECT_ID('Touch') IS NOT NULL DROP PROCEDURE Touch");
+    run("CREATE PROCEDURE Touch AS UPDATE Still SET Id = 1 SELECT 7 AS seven");
+    class Count : public NoResult {
+    public:
+        void row(const RowView& row) override { seen = row.value(0); }
+        Value seen;
+    } count;
+    std::vector<Parameter> none;
+    session->call("Touch", none, count);
+    EXPECT_EQ(count.seen, Value(7));
+}
+
 TEST_F(ResultsOnAServer, AnIdentityIsTold) {
     table("Numbered", "Id int IDENTITY(10, 5) NOT NULL PRIMARY KEY, Name varchar(10)");
     run("INSERT INTO Numbered (Name) VALUES ('a')");

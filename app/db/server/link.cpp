@@ -57,12 +57,11 @@ public:
     Results(Link& link, ResultSink& sink, std::vector<DbError>& errors, bool opened)
         : link_(link), statement_(link.statement_.get()), sink_(sink), errors_(errors), dropsFirst_(opened) {}
 
-    void read(SQLRETURN state) {
-        while (take(state) != SQL_NO_DATA) {
-            if (link_.lost_)
-                return;
-            if (state != SQL_NO_DATA)
-                readOne();
+    void read(SQLRETURN executed) {
+        // A first statement that changed no row is no end of the results.
+        SQLRETURN state = executed == SQL_NO_DATA ? SQL_SUCCESS : executed;
+        while (take(state) != SQL_NO_DATA && !link_.lost_) {
+            readOne();
             if (link_.lost_)
                 return;
             state = SQLMoreResults(statement_);
@@ -165,6 +164,8 @@ void Link::setUp() {
 void Link::run(const Request& request, ResultSink& sink, std::vector<DbError>& errors) {
     cancelled_ = false;
     runRequest(request, sink, errors);
+    if (lost_ && errors.empty()) // the driver may lose it without a word
+        errors.push_back(lostError());
     // The driver may throw away what came behind the request to cancel, without a word.
     if (cancelled_ && !lost_)
         errors.assign(1, DbError(Category::Cancelled, 0, "The statement was cancelled."));
@@ -218,11 +219,15 @@ void Link::cancel() {
     SQLCancel(statement_.get());
 }
 
+DbError Link::lostError() const {
+    return {Category::Storage, 0,
+            "The connection to the server " + address_.toText() +
+                " was lost. What was not saved yet is not saved. Please try again: the program connects anew."};
+}
+
 DbError Link::errorOf(const Diagnostic& one) const {
     if (lost_)
-        return {Category::Storage, 0,
-                "The connection to the server " + address_.toText() +
-                    " was lost. What was not saved yet is not saved. Please try again: the program connects anew."};
+        return lostError();
     if (one.native == 0 && one.state == kOutOfRange)
         return {Category::Type, kOverflow, "Arithmetic overflow error converting a value to the type that is wanted."};
     const Category category = one.state.starts_with("23") ? Category::Integrity : categoryOf(one.native);

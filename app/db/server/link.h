@@ -41,6 +41,7 @@ private:
     void runCall(const Request& request, Results& results);
     void runBatch(std::string_view text, std::vector<Parameter>& parameters, Results& results);
     bool isDead() const;
+    DbError lostError() const;
     DbError errorOf(const Diagnostic& diagnostic) const;
 
     const Address address_;
