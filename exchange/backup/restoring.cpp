@@ -8,6 +8,7 @@
 #include "app/storefigures.h"
 #include "app/storefile.h"
 #include "base/platform/files.h"
+#include "base/text.h"
 
 namespace merchantry::exchange {
 namespace {
@@ -59,8 +60,12 @@ void makeWritable(const std::filesystem::path& file) {
 
 // Rows that break a rule are no damage: the store had them, and goes on with them.
 void requireSound(const std::filesystem::path& backup) {
-    if (const auto damage = app::damageOfStoreFile(backup); !damage.empty())
-        refuse("The backup is damaged and was not used: " + damage.front().substr(0, damage.front().find('\n')));
+    const auto damage = app::damageOfStoreFile(backup);
+    if (damage.empty())
+        return;
+    std::vector<std::string> lines = split(joined(damage, "\n"), "\n");
+    std::erase_if(lines, [](const std::string& line) { return line.starts_with("***"); }); // where the file's check begins
+    refuse("The backup is damaged and was not used" + (lines.empty() ? "." : ": " + lines.front()));
 }
 
 RestoreOutlook outlookOf(const std::filesystem::path& backup, const std::filesystem::path& store) {

@@ -188,7 +188,15 @@ TEST(Restores, ThatFailLeaveNoConnectionAndSayWhatToDo) {
     app::backupStoreFile(store, folder / "good.bki");
     std::string bytes = bytesOf(folder / "bad.bki");
     bytes.replace(bytes.size() / 2 / 4096 * 4096, 8192, 8192, '\x5a');
-    writeBytes(folder / "bad.bki", bytes);
+    writeBytes(folder / "damaged.bki", bytes);
+    { // sound, and yet it cannot be brought up to date
+        db::NoResult none;
+        db::Store::open(folder / "bad.bki")
+            ->session()
+            ->execute(
+                "DROP TABLE Statement DROP TABLE StatementRun DELETE FROM SchemaVersion INSERT INTO SchemaVersion (Version) VALUES (11)",
+                none);
+    }
     const std::string before = cell(store, "SELECT COUNT(*) FROM [Transaction]");
     // What each says, and how it is left.
     const std::string commands =
@@ -199,10 +207,14 @@ TEST(Restores, ThatFailLeaveNoConnectionAndSayWhatToDo) {
         "command mnuFileQuickbooksexport\nexpect message like \"%is closed.%\"\n"
         "command mnuItemsInventoryquantities\nexpect message like \"%is closed.%\"\nclose\n";
     const std::string script = "login \"manager\" \"manager\"\ncommand mnuFileDButil\nclick optRest\nfile \"" +
-                               (folder / "bad.bki").string() +
+                               (folder / "damaged.bki").string() +
                                "\"\nclick cmdFile\nanswer OK\nclick cmdGo\nexpect message like \"Please make sure%\"\n"
                                "expect message like \"%The backup is damaged and was not used: %MR_frmDatabaseBak, Dbase_Error\" caption "
-                               "\"Critical Error\" icon stop\n"
+                               "\"Critical Error\" icon stop\nexpect lblState \"Nothing was restored.\"\nfile \"" +
+                               (folder / "bad.bki").string() +
+                               "\"\nclick cmdFile\nanswer OK\nanswer Yes\nclick cmdGo\nexpect message like \"Please make sure%\"\n"
+                               "expect message like \"The backup was made by an earlier version%\"\n"
+                               "expect message like \"%version 12: %MR_frmDatabaseBak, Dbase_Error\" caption \"Critical Error\" icon stop\n"
                                "expect lblState like \"The application has no connection to the store now. Press Go to try again%\"\n"
                                "expect color lblState red\nexpect hidden dbBar\nexpect enabled CmdExit\nclick CmdExit\n"
                                "expect hint like \"There is no connection to the store: %\"\n" +
