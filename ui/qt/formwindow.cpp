@@ -171,6 +171,7 @@ void FormWindow::takeRememberedSize() {
     const QSize kept = rememberedSize(form_->name(), QSize());
     wished_ = kept.isEmpty() ? wished_.expandedTo(size()) : kept;
     resize((kept.isEmpty() ? size() : kept).expandedTo(outer_->minimumSize()).boundedTo(roomOnScreen(*this)));
+    openedAt_ = size();
 }
 
 Drawing& FormWindow::addDrawing(Control& control, QWidget* parent) {
@@ -470,8 +471,9 @@ void FormWindow::changeEvent(QEvent* event) {
 }
 
 // A window that fills a small screen is as large as it can be there, not as large as its user wants it: a larger wish outlives that screen.
+// One that nobody made another is not remembered: next time its content may ask for more.
 void FormWindow::rememberSize() {
-    if (form_ == nullptr || !form_->sizeable() || !isVisible() || embeddedIn_ != nullptr || isMaximized())
+    if (form_ == nullptr || !form_->sizeable() || !isVisible() || embeddedIn_ != nullptr || isMaximized() || size() == openedAt_)
         return;
     constexpr int kFrames = 40; // by which the frames of window managers differ
     const QSize room = roomOnScreen(*this);

@@ -122,7 +122,8 @@ private:
     QPointer<FormWindow> embeddedIn_;
     int looks_ = 0; // still to come at where the window stands, see fitOnScreen
     bool settled_ = false;
-    QSize wished_; // what the window would have on a screen of any size
+    QSize openedAt_; // before its user made it another
+    QSize wished_;   // what the window would have on a screen of any size
     bool opened_ = false;
     bool freed_ = false;
     bool placing_ = false;

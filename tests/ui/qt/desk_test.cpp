@@ -178,6 +178,14 @@ TEST_F(DeskTest, WindowSizesAreRemembered) {
     EXPECT_EQ(again.width(), 730 * kTwipsPerPixel);
 }
 
+// A screen that opens with less on it, in another mode, must not leave that size to the one with more.
+TEST_F(DeskTest, ASizeThatNobodyChoseIsNotRemembered) {
+    auto& form = desk.form<sample::OrderList>();
+    desk.show(form);
+    form.unload();
+    EXPECT_EQ(rememberedSize("frmOrderList", QSize()), QSize());
+}
+
 // A day at a small screen made every window small on the large one, too.
 TEST_F(DeskTest, ASmallScreenDoesNotMakeALargeWindowSmallForEver) {
     rememberSizeOf("frmOrderList", QSize(9000, 610));
