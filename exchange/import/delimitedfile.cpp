@@ -229,7 +229,9 @@ struct DelimitedReading::Source {
 };
 
 DelimitedReading::DelimitedReading(const DelimitedFile& file, const DelimitedShape& shape)
-    : source_(std::make_unique<Source>(file.decoded(shape.encoding), shape.delimiter)) {}
+    : source_(std::make_unique<Source>(file.decoded(shape.encoding), shape.delimiter)) {
+    table_.delimiter = shape.delimiter;
+}
 
 DelimitedReading::~DelimitedReading() = default;
 
@@ -250,6 +252,7 @@ int DelimitedReading::step() {
                     table_.add(column, CellKind::Text, withoutFormulaQuotes(cell.text));
                 ++column;
             }
+            table_.setWritten(column);
         }
     } catch (const CsvError& error) {
         throw FileRefused(error.what());

@@ -11,7 +11,8 @@ constexpr int kRowsOfAStep = 2000;
 } // namespace
 
 ImportPlan::ImportPlan(const SheetTable& table, ColumnMatch match, Target target, bool hiddenRows)
-    : table_(table), match_(std::move(match)), target_(target), hiddenRows_(hiddenRows), next_(match_.headingRow + 1) {
+    : table_(table), match_(std::move(match)), target_(target), hiddenRows_(hiddenRows), rowCheck_(table, match_),
+      next_(match_.headingRow + 1) {
     for (std::size_t field = 0; field < fieldsOf(target).size(); ++field)
         columns_.push_back(match_.columnOf(static_cast<int>(field)));
 }
@@ -19,8 +20,10 @@ ImportPlan::ImportPlan(const SheetTable& table, ColumnMatch match, Target target
 int ImportPlan::step() {
     const int end = std::min(table_.rows(), next_ + kRowsOfAStep);
     for (; next_ < end; ++next_)
-        if ((hiddenRows_ || !table_.hidden(next_)) && !isBlank(next_))
+        if ((hiddenRows_ || !table_.hidden(next_)) && !isBlank(next_)) {
             checkRow(next_);
+            judgeRow(rows() - 1);
+        }
     if (next_ < table_.rows())
         return static_cast<int>(static_cast<std::int64_t>(next_) * 99 / table_.rows());
     if (!checked_) {
@@ -29,6 +32,12 @@ int ImportPlan::step() {
         checked_ = true;
     }
     return 100;
+}
+
+// What is the matter with a row whose cells may be good, each by itself.
+void ImportPlan::judgeRow(int row) {
+    if (const std::string wrong = rowCheck_.widthComplaint(tableRow(row)); !wrong.empty())
+        spoil(row, -1, {FindingKind::Text, wrong});
 }
 
 void ImportPlan::sortFindings() {

@@ -2,6 +2,7 @@
 
 #include "exchange/import/cellreader.h"
 #include "exchange/import/columns.h"
+#include "exchange/import/rowcheck.h"
 #include "exchange/import/sheettable.h"
 
 #include <array>
@@ -86,12 +87,14 @@ protected:
     std::vector<std::string> newSuppliers_;
 
 private:
+    void judgeRow(int row);
     void sortFindings();
 
     const SheetTable& table_;
     ColumnMatch match_;
     Target target_;
     bool hiddenRows_;
+    RowCheck rowCheck_;
     std::vector<int> columns_; // by field
     std::vector<Finding> findings_;
     std::array<int, 4> counts_{};

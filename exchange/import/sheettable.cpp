@@ -16,7 +16,7 @@ void SheetTable::beginRow(int number, bool hidden) {
     if (!rows_.empty() && number <= rows_.back().number)
         throw FileRefused("The file is damaged: its row " + std::to_string(number) + " comes behind row " +
                           std::to_string(int{rows_.back().number}) + ".");
-    rows_.push_back({static_cast<std::uint32_t>(cells_.size()), number, hidden ? 1U : 0U});
+    rows_.push_back({static_cast<std::uint32_t>(cells_.size()), number, hidden ? 1U : 0U, 0});
 }
 
 SheetTable::Kept SheetTable::keep(std::string_view text) {

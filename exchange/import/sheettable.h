@@ -47,6 +47,8 @@ public:
     void addKept(int column, CellKind kind, Kept text);
     Kept keep(std::string_view text);
     void clear(int row, int column);
+    // How many cells the last row begun is written with, empty ones at its end counted, too.
+    void setWritten(int cells) { rows_.back().written = static_cast<std::uint32_t>(cells); }
     // Gives back the room that growing took in advance.
     void finish();
 
@@ -56,13 +58,16 @@ public:
     int number(int row) const { return rows_[static_cast<std::size_t>(row)].number; }
     bool hidden(int row) const { return rows_[static_cast<std::size_t>(row)].hidden; }
     int cells(int row) const;
+    // As setWritten says; 0 in a workbook.
+    int written(int row) const { return static_cast<int>(rows_[static_cast<std::size_t>(row)].written); }
     // Empty for a column behind the row's last.
     SheetCell cell(int row, int column) const;
     // The row of that number, or the next one; rows() behind the last.
     int rowAt(int number) const;
 
     std::vector<bool> hiddenColumns;
-    int merged = 0; // areas of merged cells
+    int merged = 0;        // areas of merged cells
+    char delimiter = '\0'; // of delimited text; none in a workbook
 
 private:
     struct CellRef {
@@ -74,6 +79,7 @@ private:
         std::uint32_t first;
         std::int32_t number : 31;
         std::uint32_t hidden : 1;
+        std::uint32_t written;
     };
     const CellRef* at(int row, int column) const;
 

@@ -143,6 +143,23 @@ TEST_F(ItemImport, NamesEveryBadCellAtOnceWithItsReason) {
     EXPECT_EQ(plan_->count(RowState::New), 0);
 }
 
+TEST_F(ItemImport, RowsCutIntoOtherCellsThanTheHeadingsAreBad) {
+    plan("Code,Name,Price,Stock\nA1,Lamp,12,50,3\nA2,Bag,4,10\n");
+    EXPECT_EQ(bad(), "2 This row has 5 cells, the headings 4: a comma within a number or text may want quotes.\n");
+    EXPECT_EQ(plan_->count(RowState::New), 1);
+    // moved by one although nothing stands behind the last heading; a text that goes on in the next row
+    plan("Code,Name,Price,Stock\nA1,Lamp,12,50,\nA2,Bag,4,\nA3,Long\ntext,3,\nA4,Pen,1,5\n");
+    EXPECT_EQ(bad().substr(0, bad().find("\n5 ") + 1),
+              "2 This row has 5 cells, the headings 4: a comma within a number or text may want quotes.\n4 This row has 2 cells, the "
+              "headings 4: a line end within a text may want quotes.\n");
+    EXPECT_EQ(plan_->count(RowState::New), 2) << bad();
+    // what is no fault: delimiters behind every row, cells left out at the end, a heading that goes nowhere
+    plan("Code;Name;Price;Colour\nA1;Lamp;1,50;red;\nA2;Bag;2,50;;\nA3;Pen;2,00;blue;\n");
+    EXPECT_EQ(bad(), "");
+    plan("Code;Name;Price;Stock\nA1;Lamp;1,50\nA2;Bag;2,50;3\n");
+    EXPECT_EQ(bad(), "");
+}
+
 TEST_F(ItemImport, MendsWhatASpreadsheetMadeOfCodesOnlyWhenAsked) {
     const char* list = "Code,Name,Price\n36000291452,Cards,1\n12345.0,Pen,1\n123,Bulb,12\n12345678901,Own code,1\n";
     plan(list);
