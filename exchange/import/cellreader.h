@@ -26,6 +26,7 @@ struct Refusal {
 // How cells are read.
 struct ReadingRules {
     bool decimalComma = false; // texts: "1.234,50"
+    bool decimalsSaid = false; // by the user, and not guessed
     bool roundMoney = false;   // to cents, where a cell has more decimals
 };
 

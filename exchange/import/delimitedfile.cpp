@@ -135,6 +135,14 @@ std::size_t evenness(const std::vector<CsvRow>& rows) {
     return best;
 }
 
+// "1.234.567": a sign that stands several times groups thousands, and is no decimal one.
+bool isGroupedTwice(std::string_view text, char group) {
+    const std::vector<std::string> groups = split(text, std::string(1, group));
+    const auto isGroup = [](const std::string& one) { return one.size() == 3 && one.find_first_not_of("0123456789") == std::string::npos; };
+    return groups.size() > 2 && !groups[0].empty() && groups[0].size() <= 3 &&
+           groups[0].find_first_not_of("-$ 0123456789") == std::string::npos && std::all_of(groups.begin() + 1, groups.end(), isGroup);
+}
+
 bool isNumberWith(std::string_view text, char point, char group) {
     const std::size_t at = text.find_last_of(point);
     if (at == std::string_view::npos || at == 0 || text.size() - at - 1 < 1 || text.size() - at - 1 > 4)
@@ -183,8 +191,8 @@ bool guessedDecimalComma(const std::string& text, char delimiter) {
     int points = 0;
     for (const CsvRow& row : firstRows(text, delimiter))
         for (const CsvCell& cell : row.cells) {
-            commas += isNumberWith(cell.text, ',', '.') ? 1 : 0;
-            points += isNumberWith(cell.text, '.', ',') ? 1 : 0;
+            commas += isNumberWith(cell.text, ',', '.') || isGroupedTwice(cell.text, '.') ? 1 : 0;
+            points += isNumberWith(cell.text, '.', ',') || isGroupedTwice(cell.text, ',') ? 1 : 0;
         }
     return commas > points;
 }

@@ -4,6 +4,7 @@
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "exchange/import/decimals.h"
 #include "ui/desk.h"
 #include "ui/gridexport.h"
 #include "ui/longwork.h"
@@ -31,6 +32,7 @@ constexpr std::size_t kReasonsShown = 10;
 constexpr const char* kLeftAside = "(left aside)";
 
 enum ColumnsColumn { kLetter, kHeading, kValues, kField };
+enum Decimals { kPoint, kComma, kUnsaid };
 enum RunsColumn { kRun, kMade, kWhat, kFile, kWords, kUndone };
 
 std::string counted(std::int64_t number, const char* one, const char* many) {
@@ -73,7 +75,7 @@ frmExcelImport::frmExcelImport(Desk& desk) : Form(desk, "frmExcelImport", "Excel
         lbxEncoding.add(one);
     for (const Delimiter& one : delimiters())
         lbxDelimiter.add(one.name);
-    for (const char* one : {"Point: 1,234.50", "Comma: 1.234,50"})
+    for (const char* one : {"Point: 1,234.50", "Comma: 1.234,50", "Please choose"})
         lbxDecimals.add(one);
     for (const char* one : {"Tell them as bad cells", "Mend them", "Take them as they are"})
         lbxCodes.add(one);
@@ -149,7 +151,8 @@ void frmExcelImport::wire() {
     lbxTarget.click = [this] { lbxTarget_Click(); };
     lbxSheet.click = lbxEncoding.click = lbxDelimiter.click = [this] { takeShape(); };
     txtHeadings.lostFocus = [this] { txtHeadings_LostFocus(); };
-    for (ListBox* one : {&lbxDecimals, &lbxCodes, &lbxSupplier, &lbxReason})
+    lbxDecimals.click = [this] { lbxDecimals_Click(); };
+    for (ListBox* one : {&lbxCodes, &lbxSupplier, &lbxReason})
         one->click = [this] { outdated(); };
     for (CheckBox* one : {&chkHidden, &chkDepartments, &chkSuppliers, &chkRound})
         one->click = [this] { outdated(); };
@@ -266,6 +269,7 @@ void frmExcelImport::open(const std::filesystem::path& file) {
         return;
     }
     txtFile.setText(file.string());
+    decimalsSaid_ = false;
     showShape();
     read();
 }
@@ -286,12 +290,27 @@ void frmExcelImport::showShape() {
         std::find_if(signs.begin(), signs.end(), [&](const Delimiter& one) { return text && one.sign == source_->shape.delimiter; });
     lbxDelimiter.setListIndex(sign == signs.end() ? -1 : static_cast<int>(sign - signs.begin()));
     lbxEncoding.setListIndex(text ? lbxEncoding.indexOf(source_->shape.encoding) : -1);
-    lbxDecimals.setListIndex(text && source_->shape.decimalComma ? 1 : 0);
     lbxSheet.setEnabled(book);
     for (Control* one : {static_cast<Control*>(&lbxEncoding), static_cast<Control*>(&lbxDelimiter)})
         one->setEnabled(text);
     for (Control* one : std::initializer_list<Control*>{&lbxDecimals, &txtHeadings, &chkHidden})
         one->setEnabled(source_ != nullptr);
+}
+
+void frmExcelImport::lbxDecimals_Click() {
+    if (filling_)
+        return;
+    decimalsSaid_ = lbxDecimals.listIndex() != kUnsaid;
+    outdated();
+}
+
+// What is guessed, until the user says it: where the columns of amounts tell nothing, it is asked.
+void frmExcelImport::showDecimals() {
+    if (decimalsSaid_)
+        return;
+    const Restore filling(filling_, true);
+    const bool comma = source_ != nullptr && !source_->isWorkbook() && source_->shape.decimalComma;
+    lbxDecimals.setListIndex(comma ? kComma : decimalsUnclear(table_, match_, target()) ? kUnsaid : kPoint);
 }
 
 void frmExcelImport::takeShape() {
@@ -330,6 +349,7 @@ void frmExcelImport::match() {
     showFound();
     showSample();
     showColumns();
+    showDecimals();
     outdated();
 }
 
@@ -348,6 +368,7 @@ void frmExcelImport::txtHeadings_LostFocus() {
     match_ = matchedBy(target(), table_, wanted);
     showFound();
     showColumns();
+    showDecimals();
     outdated();
 }
 
@@ -412,12 +433,14 @@ void frmExcelImport::grdColumns_AfterEdit(int row) {
     match_.set(row - 1, wanted);
     for (int other = 1; other <= grdColumns.dataRows(); ++other) // one that had the field is left aside now
         grdColumns.setText(other, kField, std::to_string(match_.fields[static_cast<std::size_t>(other - 1)]));
+    showDecimals();
     outdated();
 }
 
 ImportOptions frmExcelImport::options() const {
     ImportOptions chosen;
-    chosen.reading.decimalComma = lbxDecimals.listIndex() == 1;
+    chosen.reading.decimalComma = lbxDecimals.listIndex() == kComma;
+    chosen.reading.decimalsSaid = decimalsSaid_;
     chosen.reading.roundMoney = chkRound.value();
     chosen.codes = static_cast<ImportOptions::Codes>(std::max(0, lbxCodes.listIndex()));
     chosen.makeDepartments = chkDepartments.value();

@@ -46,6 +46,8 @@ private:
     void read();
     void showShape();
     void takeShape();
+    void lbxDecimals_Click();
+    void showDecimals();
     void lbxTarget_Click();
     void txtHeadings_LostFocus();
     void match();
@@ -132,7 +134,8 @@ private:
     PlannedRows plannedRows_;
     FindingRows findingRows_;
     db::RecordsetPtr runs_;
-    bool filling_ = false; // controls are set by the screen itself
+    bool decimalsSaid_ = false; // by the user, of this file
+    bool filling_ = false;      // controls are set by the screen itself
 };
 
 } // namespace merchantry::exchange

@@ -2,7 +2,9 @@
 
 #include "app/itemcodes.h"
 #include "base/numbers.h"
+#include "base/shown.h"
 #include "base/text.h"
+#include "exchange/import/decimals.h"
 
 #include <algorithm>
 #include <functional>
@@ -46,7 +48,8 @@ std::string flagText(bool on) {
 } // namespace
 
 ItemPlan::ItemPlan(const SheetTable& table, const ColumnMatch& match, const ImportOptions& options, const ItemsInStore& store)
-    : ImportPlan(table, match, Target::Items, options.hiddenRows), options_(options), store_(store), reader_(options.reading) {
+    : ImportPlan(table, match, Target::Items, options.hiddenRows), options_(options), store_(store), reader_(options.reading),
+      decimalsOpen_(!options.reading.decimalComma && !options.reading.decimalsSaid && decimalsUnclear(table, match, Target::Items)) {
     rows_.reserve(static_cast<std::size_t>(table.rows()));
     seen_.reserve(static_cast<std::size_t>(table.rows()));
 }
@@ -189,6 +192,16 @@ bool ItemPlan::takeTexts(ItemRow& row) {
     return !refused(row, item::Active, refusal) && good;
 }
 
+bool ItemPlan::takeAmount(const SheetCell& cell, Currency& into, Refusal& refusal) {
+    if (decimalsOpen_ && cell.kind == CellKind::Text && readsEitherWay(cell.text))
+        refusal = {FindingKind::Number, "\"" + std::string(trimmed(cell.text)) +
+                                            "\" can be thousands or have three decimals, and no amount of the file tells which. On page 1 "
+                                            "you choose what the decimal sign is."};
+    else if (reader_.money(cell, into, refusal) && into < Currency())
+        refusal = {FindingKind::Number, "The amount is below 0."};
+    return !refusal;
+}
+
 bool ItemPlan::takeNumbers(ItemRow& row) {
     bool good = true;
     const auto given = [&](int field) { return !trimmed(cellOf(row.tableRow, field).text).empty(); };
@@ -200,9 +213,7 @@ bool ItemPlan::takeNumbers(ItemRow& row) {
         if (!given(field))
             continue;
         Refusal refusal;
-        if (reader_.money(cellOf(row.tableRow, field), *into, refusal) && *into < Currency())
-            refusal = {FindingKind::Number, "The amount is below 0."};
-        else if (!refusal && field == item::Price && *into == Currency())
+        if (takeAmount(cellOf(row.tableRow, field), *into, refusal) && field == item::Price && *into == Currency())
             refusal = {FindingKind::Number, "Price cannot be zero. An empty cell leaves the price alone."};
         check(field, refusal);
     }
@@ -393,7 +404,7 @@ std::string ItemPlan::changesOf(int index) const {
     };
     if (before != nullptr)
         say(item::Name, std::string(row.name), [&] { return before->name; });
-    say(item::Price, row.price.toDisplay(), [&] { return before->price ? before->price->toDisplay() : "(none)"; });
+    say(item::Price, shownCost(row.price), [&] { return before->price ? shownCost(*before->price) : "(none)"; });
     say(item::Department, departmentName(row.department), [&] { return departmentName(before->department); });
     say(item::Tax, store_.taxes.nameOf(row.tax), [&] { return store_.taxes.nameOf(before->tax); });
     say(item::Stock, withThousands(row.stock), [&] { return withThousands(before->stock); });
@@ -401,8 +412,8 @@ std::string ItemPlan::changesOf(int index) const {
     if (row.linkMade)
         appendChange(words, "Supplier", std::nullopt, supplierName(row.supplier));
     if (row.has(item::Cost))
-        appendChange(words, heading(item::Cost), link != nullptr ? std::optional(link->cost.toDisplay()) : std::nullopt,
-                     row.cost.toDisplay());
+        appendChange(words, heading(item::Cost), link != nullptr ? std::optional(shownCost(link->cost)) : std::nullopt,
+                     shownCost(row.cost));
     if (row.has(item::PartNo))
         appendChange(words, heading(item::PartNo), link != nullptr ? std::optional(link->partNo) : std::nullopt, std::string(row.partNo));
     say(item::Restock, withThousands(row.restock), [&] { return shortestDecimal(before->restock); });

@@ -66,6 +66,7 @@ private:
     bool takeFields(ItemRow& row, bool known);
     bool takeTexts(ItemRow& row);
     bool takeNumbers(ItemRow& row);
+    bool takeAmount(const SheetCell& cell, Currency& into, Refusal& refusal);
     bool takeNames(ItemRow& row);
     bool takeSupplier(ItemRow& row);
     bool takeLink(ItemRow& row);
@@ -80,6 +81,7 @@ private:
     ImportOptions options_;
     const ItemsInStore& store_;
     CellReader reader_;
+    bool decimalsOpen_; // and the user has not said what they are
     std::vector<ItemRow> rows_;
     std::unordered_map<std::string, int> seen_; // by parent and code: the row of the plan
 };

@@ -160,6 +160,26 @@ TEST_F(ItemImport, RowsCutIntoOtherCellsThanTheHeadingsAreBad) {
     EXPECT_EQ(bad(), "");
 }
 
+TEST_F(ItemImport, AmountsThatCanBeThousandsOrDecimalsWaitForTheUser) {
+    const char* const list = "Code;Name;Preis\nA1;x;1.234\nA2;y;2.500 \xE2\x82\xAC\nA3;z;3\n";
+    plan(list);
+    EXPECT_EQ(plan_->count(RowState::Bad), 2);
+    EXPECT_TRUE(bad().starts_with("C2 \"1.234\" can be thousands or have three decimals")) << bad();
+    options.reading.decimalsSaid = true;
+    plan(list);
+    EXPECT_EQ(said(), "new A1: Price $1.2340\nnew A2: Price $2.50\nnew A3: Price $3.00\n") << "what is shown is what is stored";
+    options.reading.decimalsSaid = false;
+    // one amount tells it for all
+    for (const char* telling : {"12.50", "0.125", "1,234.500", "1234.500"}) {
+        plan("Code;Name;Preis\nA1;x;1.234\nA2;y;" + std::string(telling) + "\n");
+        EXPECT_EQ(bad(), "") << telling;
+    }
+    for (const char* telling : {"12,50", "1.234.567", "1.234,5"}) {
+        plan("Code;Name;Preis\nA1;x;1.234\nA2;y;" + std::string(telling) + "\n");
+        EXPECT_EQ(said().substr(0, 24), "new A1: Price $1,234.00\n") << telling << bad();
+    }
+}
+
 TEST_F(ItemImport, MendsWhatASpreadsheetMadeOfCodesOnlyWhenAsked) {
     const char* list = "Code,Name,Price\n36000291452,Cards,1\n12345.0,Pen,1\n123,Bulb,12\n12345678901,Own code,1\n";
     plan(list);
