@@ -79,6 +79,33 @@ TEST_F(ItemImport, WhoseItemsWereChangedSinceStaysAndNamesThem) {
     EXPECT_EQ(rowsOf("SELECT UndoneAt FROM ImportRun"), "NULL");
 }
 
+TEST_F(ItemImport, IsUndoneAfterALaterOneThatWasUndone) {
+    const std::string before = everything();
+    plan("Code,Name,Price,Stock\nLAMP,,,8\nNEW-1,Shade,2,3\nNEW-2,Cord,2,\n");
+    const std::int32_t first = write();
+    const auto changeAndUndo = [&] {
+        plan("Code,Stock\nLAMP,9\nNEW-1,7\nNEW-2,4\n");
+        const std::int32_t later = write();
+        EXPECT_EQ(keptBy(first), "The item LAMP has another stock since.\nThe item NEW-1 has another stock since.\nThe item NEW-2 has "
+                                 "another stock since.\n");
+        EXPECT_EQ(keptBy(later), "");
+    };
+    changeAndUndo();
+    changeAndUndo();
+    // what others moved stays in the way, also where it comes to nothing
+    run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Qty, Cost_ea) SELECT SKU, MatrixSKU, 'Found', n.Qty, 1 FROM Item, (SELECT 1 AS "
+        "Qty UNION SELECT -1) n WHERE SKU IN ('LAMP', 'NEW-1', 'NEW-2')");
+    EXPECT_EQ(keptBy(first), "The item LAMP had other movements of stock since.\nThe item NEW-1 had other movements of stock since.\nThe "
+                             "item NEW-2 had other movements of stock since.\n");
+    run("DELETE FROM InventoryLedger WHERE Type = 'Found'");
+    EXPECT_EQ(keptBy(first), "");
+    EXPECT_EQ(everything(), before);
+    // the same once more: what the items of an undone import left in the ledger is none of the new ones' movements
+    plan("Code,Name,Price,Stock\nNEW-1,Shade,2,3\nNEW-2,Cord,2,\n");
+    EXPECT_EQ(keptBy(write()), "");
+    EXPECT_EQ(everything(), before);
+}
+
 TEST_F(ItemImport, LeavesTheStoreAloneWhenItChangedBehindThePreview) {
     const struct {
         const char* meanwhile;
