@@ -21,6 +21,7 @@ int ImportPlan::step() {
     const int end = std::min(table_.rows(), next_ + kRowsOfAStep);
     for (; next_ < end; ++next_)
         if ((hiddenRows_ || !table_.hidden(next_)) && !isBlank(next_)) {
+            before_ = findings_.size();
             checkRow(next_);
             judgeRow(rows() - 1);
         }
@@ -37,7 +38,15 @@ int ImportPlan::step() {
 // What is the matter with a row whose cells may be good, each by itself.
 void ImportPlan::judgeRow(int row) {
     if (const std::string wrong = rowCheck_.widthComplaint(tableRow(row)); !wrong.empty())
-        spoil(row, -1, {FindingKind::Text, wrong});
+        refuseRow(row, -1, {FindingKind::Text, wrong});
+}
+
+// What its cells lack says nothing then.
+void ImportPlan::refuseRow(int row, int field, Refusal refusal) {
+    const auto ofRow = findings_.begin() + static_cast<std::ptrdiff_t>(before_);
+    findings_.erase(std::remove_if(ofRow, findings_.end(), [](const Finding& one) { return one.kind != FindingKind::Twice; }),
+                    findings_.end());
+    spoil(row, field, std::move(refusal));
 }
 
 void ImportPlan::sortFindings() {

@@ -88,6 +88,7 @@ protected:
 
 private:
     void judgeRow(int row);
+    void refuseRow(int row, int field, Refusal refusal);
     void sortFindings();
 
     const SheetTable& table_;
@@ -97,6 +98,7 @@ private:
     RowCheck rowCheck_;
     std::vector<int> columns_; // by field
     std::vector<Finding> findings_;
+    std::size_t before_ = 0; // findings of the rows before the one that is checked
     std::array<int, 4> counts_{};
     int next_ = 0;
     bool checked_ = false;

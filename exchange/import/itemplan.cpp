@@ -320,10 +320,16 @@ bool ItemPlan::takeLink(ItemRow& row) {
 }
 
 bool ItemPlan::checkNew(ItemRow& row) {
-    const bool nameWanted = row.existing < 0 && match().columnOf(item::Name) >= 0 && row.name.empty();
+    const auto wanted = [&](int field) {
+        return row.existing < 0 && match().columnOf(field) >= 0 && trimmed(cellOf(row.tableRow, field).text).empty();
+    };
+    const bool nameWanted = wanted(item::Name);
+    const bool priceWanted = wanted(item::Price);
     if (nameWanted)
         refuse(row.tableRow, item::Name, {FindingKind::Text, "A new item wants a name."});
-    return !nameWanted;
+    if (priceWanted)
+        refuse(row.tableRow, item::Price, {FindingKind::Number, "A new item wants a price."});
+    return !nameWanted && !priceWanted;
 }
 
 // Fields that say what the store has already are not written.
@@ -442,6 +448,9 @@ std::vector<std::string> ItemPlan::sums() const {
             ++(row.price > *before->price ? raised : lowered);
     }
     std::vector<std::string> said;
+    const int made = count(RowState::New);
+    if (made > 0 && match().columnOf(item::Price) < 0)
+        said.push_back(withThousands(made) + (made == 1 ? " new item has" : " new items have") + " no price.");
     if (pieces != 0)
         said.push_back(
             "Stock moves by " + withThousands(pieces) + " pieces" +

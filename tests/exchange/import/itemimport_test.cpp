@@ -207,6 +207,15 @@ TEST_F(ItemImport, AmountsThatCanBeThousandsOrDecimalsWaitForTheUser) {
     }
 }
 
+TEST_F(ItemImport, NewItemsWithoutAPriceAreTold) {
+    plan("Code,Name,Price\nA5,w,\nLAMP,Lamp,\nA6,v,3\n");
+    EXPECT_EQ(bad(), "C2 A new item wants a price.\n");
+    EXPECT_EQ(plan_->count(RowState::New), 1);
+    plan("Code,Name\nA5,w\nA6,v\nLAMP,Lamp\n");
+    EXPECT_EQ(bad(), "");
+    EXPECT_EQ(joined(plan_->sums(), " "), "2 new items have no price.");
+}
+
 TEST_F(ItemImport, MendsWhatASpreadsheetMadeOfCodesOnlyWhenAsked) {
     const char* list = "Code,Name,Price\n36000291452,Cards,1\n12345.0,Pen,1\n123,Bulb,12\n12345678901,Own code,1\n";
     plan(list);
