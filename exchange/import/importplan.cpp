@@ -11,7 +11,7 @@ constexpr int kRowsOfAStep = 2000;
 } // namespace
 
 ImportPlan::ImportPlan(const SheetTable& table, ColumnMatch match, Target target, bool hiddenRows)
-    : table_(table), match_(std::move(match)), target_(target), hiddenRows_(hiddenRows), rowCheck_(table, match_),
+    : table_(table), match_(std::move(match)), target_(target), hiddenRows_(hiddenRows), rowCheck_(table, match_, target),
       next_(match_.headingRow + 1) {
     for (std::size_t field = 0; field < fieldsOf(target).size(); ++field)
         columns_.push_back(match_.columnOf(static_cast<int>(field)));
@@ -39,6 +39,9 @@ int ImportPlan::step() {
 void ImportPlan::judgeRow(int row) {
     if (const std::string wrong = rowCheck_.widthComplaint(tableRow(row)); !wrong.empty())
         refuseRow(row, -1, {FindingKind::Text, wrong});
+    const bool known = state(row) == RowState::Changed || state(row) == RowState::Same;
+    if (const int field = known ? -1 : rowCheck_.sumField(tableRow(row)); field >= 0)
+        refuseRow(row, field, {FindingKind::Text, "This looks like a sum below the list."});
 }
 
 // What its cells lack says nothing then.

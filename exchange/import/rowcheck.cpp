@@ -28,9 +28,31 @@ std::string cellsInWords(int count) {
     return std::to_string(count) + (count == 1 ? " cell" : " cells");
 }
 
+// By what a row says whose it is.
+std::vector<int> namingFields(Target target) {
+    if (target == Target::Items)
+        return {item::Code, item::Name};
+    if (target == Target::Suppliers)
+        return {fieldNamed(target, "Supplier")};
+    std::vector<int> fields;
+    for (const char* key : {"AccountNumber", "FirstName", "LastName", "Company"})
+        fields.push_back(fieldNamed(target, key));
+    return fields;
+}
+
+bool isSumWord(std::string_view text) {
+    const std::string word = foldedHeading(text);
+    for (const char* sum : {"total", "totals", "sum", "sums", "summe", "subtotal", "grandtotal", "sumtotal", "gesamt", "gesamtsumme",
+                            "zwischensumme", "insgesamt"})
+        if (word == sum)
+            return true;
+    return false;
+}
+
 } // namespace
 
-RowCheck::RowCheck(const SheetTable& table, const ColumnMatch& match) : table_(table) {
+RowCheck::RowCheck(const SheetTable& table, const ColumnMatch& match, Target target) : table_(table), match_(match), target_(target) {
+    findSums();
     if (table.delimiter == '\0')
         return;
     std::map<int, int> widths;
@@ -43,6 +65,32 @@ RowCheck::RowCheck(const SheetTable& table, const ColumnMatch& match) : table_(t
     headed_ = match.headingRow < 0 ? usual_ : filledCells(table, match.headingRow);
     for (int column = headed_; column < static_cast<int>(match.fields.size()); ++column)
         headed_ = match.fields[static_cast<std::size_t>(column)] < 0 ? headed_ : column + 1;
+}
+
+bool RowCheck::isBlank(int row) const {
+    return filledCells(table_, row) == 0;
+}
+
+void RowCheck::findSums() {
+    sumsFrom_ = table_.rows();
+    while (sumsFrom_ - 1 > match_.headingRow && (isBlank(sumsFrom_ - 1) || sumWordIn(sumsFrom_ - 1) >= 0))
+        --sumsFrom_;
+}
+
+// A customer may be called Sum, with a first name: all that names one must be such words.
+int RowCheck::sumWordIn(int row) const {
+    int found = -1;
+    for (const int field : namingFields(target_)) {
+        const int column = match_.columnOf(field);
+        const std::string_view text = column < 0 ? std::string_view() : trimmed(table_.cell(row, column).text);
+        if (text.empty())
+            continue;
+        if (isSumWord(text))
+            found = found < 0 ? field : found;
+        else if (target_ == Target::Customers)
+            return -1;
+    }
+    return found;
 }
 
 // Cells that are not there count as empty, where the file leaves empty ones at the end out.

@@ -216,6 +216,18 @@ TEST_F(ItemImport, NewItemsWithoutAPriceAreTold) {
     EXPECT_EQ(joined(plan_->sums(), " "), "2 new items have no price.");
 }
 
+TEST_F(ItemImport, SumsBelowTheListAreNoItems) {
+    plan("Code;Name;Preis;Stock\nSUM;A sum that stands higher up;1,00;1\nA1;x;8,00;10\nSubtotal;;8,00;10\n;;;\nTotal;Total;8,00;10\n;Grand "
+         "Total:;8,00;\n");
+    EXPECT_EQ(bad(),
+              "A4 This looks like a sum below the list.\nA6 This looks like a sum below the list.\nB7 This looks like a sum below the "
+              "list.\n");
+    EXPECT_EQ(plan_->count(RowState::New), 2);
+    run("UPDATE Item SET Name = 'Total' WHERE SKU = '00123'");
+    plan("Code,Name,Price\nLAMP,Lamp,9\n00123,Total,11\n");
+    EXPECT_EQ(bad(), "") << "an item of the store is none";
+}
+
 TEST_F(ItemImport, MendsWhatASpreadsheetMadeOfCodesOnlyWhenAsked) {
     const char* list = "Code,Name,Price\n36000291452,Cards,1\n12345.0,Pen,1\n123,Bulb,12\n12345678901,Own code,1\n";
     plan(list);

@@ -61,6 +61,15 @@ TEST_F(RecordImport, CustomersAreKnownByNumberEmailPhoneOrName) {
     EXPECT_EQ(bad(), "2 Row 3 is for the same one.\n3 Row 2 is for the same one.\n");
 }
 
+TEST_F(RecordImport, SumsBelowTheListAreNoSuppliersOrCustomers) {
+    plan("Name,City\nBolt,Troy\nSumme:,2\n", Target::Suppliers);
+    EXPECT_EQ(bad(), "A3 This looks like a sum below the list.\n");
+    plan("Account No,First Name,Last Name,City\nC9,Kai,Sum,Troy\nTOTAL,,,1\n", Target::Customers);
+    EXPECT_EQ(bad(), "A3 This looks like a sum below the list.\n");
+    plan("Account No,First Name,Last Name,City\nC9,Kai,Sum,Troy\n", Target::Customers);
+    EXPECT_EQ(bad(), "");
+}
+
 TEST_F(RecordImport, CustomersChangedMeanwhileLeaveTheStoreAlone) {
     plan("Email,City\nann@example.com,Troy\nbob@example.com,Troy\n", Target::Customers);
     run("UPDATE Customer SET City = 'Lynn' WHERE ID = 2");
