@@ -142,7 +142,8 @@ void RecordPlan::checkRow(int tableRow) {
     bool good = true;
     for (std::size_t i = 0; i < fields.size(); ++i)
         good = takeField(row, static_cast<int>(i)) && good;
-    good = good && findRecord(row);
+    const bool named = findRecord(row, good);
+    good = good && named;
     const RecordsInStore::Record* before = stored(row);
     for (std::size_t i = 0; good && i < fields.size(); ++i) {
         const bool isName = before != nullptr && fields[i].kind == FieldKind::Name; // by which it was found
@@ -153,7 +154,7 @@ void RecordPlan::checkRow(int tableRow) {
         row.state = before == nullptr ? RowState::New : row.changed.empty() ? RowState::Same : RowState::Changed;
     countState(row.state, 1);
     rows_.push_back(std::move(row));
-    if (good)
+    if (named)
         noteTwice(rows() - 1);
 }
 
@@ -207,7 +208,8 @@ bool RecordPlan::takeZip(const SheetCell& cell, std::string_view& text, Refusal&
     return !refusal;
 }
 
-bool RecordPlan::findRecord(Row& row) {
+// A row with bad cells is looked for by the others; what it lacks says nothing then.
+bool RecordPlan::findRecord(Row& row, bool good) {
     const std::vector<std::string> keys = keysOf(target(), row.values);
     const bool nameless = wholeName(target(), row.values).empty();
     for (const std::string& key : keys) {
@@ -220,9 +222,9 @@ bool RecordPlan::findRecord(Row& row) {
         if (row.existing >= 0)
             return true;
     }
-    if (nameless)
+    if (nameless && good)
         refuse(row.tableRow, target() == Target::Suppliers ? 0 : -1, {FindingKind::Text, "There is no name in this row."});
-    return !nameless;
+    return !nameless || !good;
 }
 
 void RecordPlan::noteTwice(int rowIndex) {

@@ -73,7 +73,7 @@ private:
     std::string changesOf(int row) const override;
     bool takeField(Row& row, int field);
     bool takeZip(const SheetCell& cell, std::string_view& text, Refusal& refusal);
-    bool findRecord(Row& row);
+    bool findRecord(Row& row, bool good);
     void noteTwice(int rowIndex);
 
     ImportOptions options_;

@@ -43,7 +43,7 @@ TEST_F(RecordImport, CustomersAreKnownByNumberEmailPhoneOrName) {
          ",Bob,Birch,5550001111,bob@example.com,,,\"two\nlines\"\n"
          ",Cy,Cedar,,cy@example.com,,no,\n"
          ",,,,,,yes,\n"
-         ",Bobby,B.,,bob@example.com,5/40/2020,perhaps,\n",
+         ",Bobby,B.,,bobby@example.com,5/40/2020,perhaps,\n",
          Target::Customers);
     EXPECT_EQ(said(),
               "changed C1: First name Ann to Anna; Tax exempt no to yes; Customer since 1/31/2019 to 5/1/2020\n"
@@ -59,6 +59,16 @@ TEST_F(RecordImport, CustomersAreKnownByNumberEmailPhoneOrName) {
     EXPECT_EQ(everything(), before);
     plan("Email,City\nbob@example.com,Troy\nbob@example.com,Lynn\n", Target::Customers);
     EXPECT_EQ(bad(), "2 Row 3 is for the same one.\n3 Row 2 is for the same one.\n");
+}
+
+TEST_F(RecordImport, RowsThatComeTwiceAreNamedBesideOtherBadCells) {
+    plan("Account No,First Name,State,Tax Exempt\nC9,Cy,XX,\nC9,Cyrus,,perhaps\nC1,Ann,,maybe\nC1,Anna,,\n,,XX,\n,,XX,\n",
+         Target::Customers);
+    EXPECT_EQ(bad(), "2 Row 3 is for the same one.\nC2 \"XX\" is none of the states' codes, such as CA.\n"
+                     "3 Row 2 is for the same one.\nD3 \"perhaps\" is neither yes nor no.\n"
+                     "4 Row 5 is for the same one.\nD4 \"maybe\" is neither yes nor no.\n5 Row 4 is for the same one.\n"
+                     "C6 \"XX\" is none of the states' codes, such as CA.\nC7 \"XX\" is none of the states' codes, such as CA.\n");
+    EXPECT_EQ(plan_->count(RowState::Bad), 6);
 }
 
 TEST_F(RecordImport, SumsBelowTheListAreNoSuppliersOrCustomers) {
