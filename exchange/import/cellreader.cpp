@@ -131,8 +131,10 @@ bool CellReader::text(const SheetCell& cell, int most, bool notes, std::string_v
     if (cell.kind == CellKind::Date)
         if (const auto date = Date::fromText(cell.text))
             into = keep(date->toShortText());
-    if (!notes && into.find_first_of("\r\n\t") != std::string_view::npos)
-        into = keep(replaced(replaced(replaced(into, "\r\n", " "), "\n", " "), "\t", " "));
+    if (!notes && into.find_first_of("\r\n\t") != std::string_view::npos) {
+        into = keep(replaced(replaced(replaced(replaced(into, "\r\n", " "), "\n", " "), "\r", " "), "\t", " "));
+        ++flattened_;
+    }
     const std::size_t length = into.size() <= static_cast<std::size_t>(most) ? 0 : characterCount(into);
     if (length > static_cast<std::size_t>(most))
         return refuse(refusal, FindingKind::Text,
@@ -148,6 +150,8 @@ bool CellReader::plainNumber(const SheetCell& cell, std::string& into, Refusal& 
         return refuse(refusal, FindingKind::Number, "The cell is a date, and a number is wanted.");
     if (cell.kind == CellKind::Flag)
         return refuse(refusal, FindingKind::Number, "The cell is true or false, and a number is wanted.");
+    if (trimmed(cell.text).ends_with('%'))
+        return refuse(refusal, FindingKind::Number, quoted(cell.text) + " is a percentage, and a number is wanted.");
     into.assign(cell.text);
     if (cell.kind == CellKind::Number)
         return true;

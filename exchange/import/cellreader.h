@@ -36,7 +36,7 @@ class CellReader {
 public:
     explicit CellReader(const ReadingRules& rules) : rules_(rules) {}
 
-    // Without blanks around it; line ends within become blanks, but in notes.
+    // Without blanks around it; line ends and tabs within become blanks, but in notes, and are counted.
     bool text(const SheetCell& cell, int most, bool notes, std::string_view& into, Refusal& refusal);
     // An amount of at most four decimals. Counts what it rounded.
     bool money(const SheetCell& cell, Currency& into, Refusal& refusal);
@@ -47,6 +47,7 @@ public:
     std::string_view keep(std::string text) { return kept_.emplace_back(std::move(text)); }
 
     std::int64_t rounded() const { return rounded_; }
+    std::int64_t flattened() const { return flattened_; }
 
 private:
     bool plainNumber(const SheetCell& cell, std::string& into, Refusal& refusal) const;
@@ -55,6 +56,7 @@ private:
     std::deque<std::string> kept_;
     std::string number_;
     std::int64_t rounded_ = 0;
+    std::int64_t flattened_ = 0;
 };
 
 // What became of a code in a spreadsheet, judged by its cell alone.

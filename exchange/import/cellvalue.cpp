@@ -156,6 +156,14 @@ bool isDateFormat(std::string_view code) {
     return bare.find_first_of("ydhms") != std::string::npos;
 }
 
+bool isPercentFormat(int number) {
+    return number == 9 || number == 10;
+}
+
+bool isPercentFormat(std::string_view code) {
+    return placeholders(code).find('%') != std::string::npos;
+}
+
 std::string unescaped(std::string_view text) {
     std::string result;
     for (std::size_t at = 0; at < text.size(); ++at) {

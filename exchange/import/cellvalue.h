@@ -20,6 +20,10 @@ std::optional<std::string> dateText(std::string_view decimal, bool from1904);
 bool isDateFormat(int number);
 bool isDateFormat(std::string_view code);
 
+// Whether a number format shows percentages.
+bool isPercentFormat(int number);
+bool isPercentFormat(std::string_view code);
+
 // The text of a cell with its escapes resolved: "_x000D_" is a carriage return, "_x005F_" an underscore.
 std::string unescaped(std::string_view text);
 

@@ -106,6 +106,10 @@ int ImportPlan::rowOf(int wanted) const {
     return first < rows() && tableRow(first) == wanted ? first : -1;
 }
 
+void appendFlattened(std::string& words) {
+    words += words.empty() ? "Line ends and tabs became blanks" : "; line ends and tabs became blanks";
+}
+
 void appendChange(std::string& words, const std::string& field, const std::optional<std::string>& from, const std::string& to) {
     words += words.empty() ? "" : "; ";
     words += field + " ";

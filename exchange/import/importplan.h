@@ -104,6 +104,9 @@ private:
     bool checked_ = false;
 };
 
+// Says behind the changes of a row that its texts had line ends or tabs.
+void appendFlattened(std::string& words);
+
 // "Price $10.00 to $12.00", or "Price $12.00" where there was nothing.
 void appendChange(std::string& words, const std::string& field, const std::optional<std::string>& from, const std::string& to);
 

@@ -74,8 +74,10 @@ bool ItemPlan::refused(const ItemRow& row, int field, const Refusal& refusal) {
 void ItemPlan::checkRow(int tableRow) {
     ItemRow row;
     row.tableRow = tableRow;
+    const std::int64_t flattened = reader_.flattened();
     const bool known = takeCode(row);
     const bool good = takeFields(row, known) && known;
+    row.flattened = reader_.flattened() != flattened;
     if (good) {
         leaveOutSame(row);
         row.state = row.existing < 0 ? RowState::New : row.changed != 0 || row.linkMade ? RowState::Changed : RowState::Same;
@@ -427,6 +429,8 @@ std::string ItemPlan::changesOf(int index) const {
     say(item::Active, flagText(row.active), [&] { return flagText(before->active); });
     if (row.has(item::Notes))
         appendChange(words, heading(item::Notes), std::nullopt, std::string(characters(row.notes, 0, 40)));
+    if (row.flattened && row.state != RowState::Same)
+        appendFlattened(words);
     return words;
 }
 

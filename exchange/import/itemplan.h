@@ -30,6 +30,7 @@ struct ItemRow {
     std::int32_t reorder = 0;
     std::int32_t restock = 0;
     bool active = true;
+    bool flattened = false; // a text had line ends or tabs
 
     bool has(int field) const { return (changed >> field & 1U) != 0; }
     void set(int field, bool on = true) { changed = static_cast<std::uint16_t>(on ? changed | 1U << field : changed & ~(1U << field)); }

@@ -140,8 +140,10 @@ void RecordPlan::checkRow(int tableRow) {
     const auto fields = fieldsOf(target());
     row.values.resize(fields.size());
     bool good = true;
+    const std::int64_t flattened = reader_.flattened();
     for (std::size_t i = 0; i < fields.size(); ++i)
         good = takeField(row, static_cast<int>(i)) && good;
+    row.flattened = reader_.flattened() != flattened;
     const bool named = findRecord(row, good);
     good = good && named;
     const RecordsInStore::Record* before = stored(row);
@@ -257,6 +259,8 @@ std::string RecordPlan::changesOf(int index) const {
         appendChange(words, shape.caption, before != nullptr ? std::optional(shownValue(shape.kind, before->values[at])) : std::nullopt,
                      shownValue(shape.kind, row.values[at]));
     }
+    if (row.flattened && !row.changed.empty())
+        appendFlattened(words);
     return words;
 }
 

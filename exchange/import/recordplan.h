@@ -51,6 +51,7 @@ public:
         std::int32_t tableRow = 0;
         std::int32_t existing = RecordsInStore::kNone;
         RowState state = RowState::Bad;
+        bool flattened = false;          // a text had line ends or tabs
         std::vector<std::string> values; // by field; empty where the file leaves it alone
         std::vector<int> changed;        // fields that are written
     };

@@ -21,8 +21,8 @@ constexpr int kMostRows = 1'048'576;
 constexpr int kMostColumns = 16'384;
 
 // What a cell of a file is. Numbers are exact decimal texts ("12.1"), dates "yyyy-mm-dd" with " hh:mm:ss" where they have a time, flags
-// "TRUE" and "FALSE", errors what the spreadsheet shows ("#N/A").
-enum class CellKind : std::uint8_t { Empty, Text, Number, Date, Flag, Error };
+// "TRUE" and "FALSE", errors what the spreadsheet shows ("#N/A"), percentages as well ("15%").
+enum class CellKind : std::uint8_t { Empty, Text, Number, Date, Flag, Error, Percent };
 
 struct SheetCell {
     CellKind kind = CellKind::Empty;

@@ -71,6 +71,11 @@ CellPlace placeOf(std::string_view reference) {
     return place;
 }
 
+// By the number of a format, or by its code.
+template <typename Format> CellKind kindOfFormat(const Format& format) {
+    return isDateFormat(format) ? CellKind::Date : isPercentFormat(format) ? CellKind::Percent : CellKind::Number;
+}
+
 } // namespace
 
 struct Workbook::File : ZipFile {
@@ -138,14 +143,14 @@ void Workbook::readSheets(const std::string& part) {
 void Workbook::readStyles(const std::string& part) {
     const pugi::xml_document document = parsedPart(*file_, part);
     const pugi::xml_node root = document.document_element();
-    std::map<int, bool> own;
+    std::map<int, CellKind> own;
     for (const pugi::xml_node format : childNamed(root, "numFmts").children())
         own[numberOr(attributeNamed(format, "numFmtId").value(), -1)] =
-            isDateFormat(std::string_view(attributeNamed(format, "formatCode").value()));
+            kindOfFormat(std::string_view(attributeNamed(format, "formatCode").value()));
     for (const pugi::xml_node style : childNamed(root, "cellXfs").children()) {
         const int format = numberOr(attributeNamed(style, "numFmtId").value(), 0);
         const auto found = own.find(format);
-        dateStyle_.push_back(found == own.end() ? isDateFormat(format) : found->second);
+        numberKind_.push_back(found == own.end() ? kindOfFormat(format) : found->second);
     }
 }
 
@@ -222,10 +227,12 @@ void SheetReading::State::takeNumber(SheetTable& table, int column, const char* 
     if (!decimal)
         return table.add(column, CellKind::Error, written);
     const int style = numberOr(cell.attribute("s").value(), 0);
-    const bool isDate =
-        style >= 0 && static_cast<std::size_t>(style) < book.dateStyle_.size() && book.dateStyle_[static_cast<std::size_t>(style)];
-    if (!isDate)
-        return table.add(column, CellKind::Number, *decimal);
+    const bool known = style >= 0 && static_cast<std::size_t>(style) < book.numberKind_.size();
+    const CellKind kind = known ? book.numberKind_[static_cast<std::size_t>(style)] : CellKind::Number;
+    if (kind == CellKind::Percent)
+        return table.add(column, kind, decimalText(*decimal + "E2").value_or(*decimal) + "%");
+    if (kind == CellKind::Number)
+        return table.add(column, kind, *decimal);
     if (const auto date = dateText(*decimal, book.from1904_))
         return table.add(column, CellKind::Date, *date);
     table.add(column, CellKind::Error, *decimal + " (no day)");

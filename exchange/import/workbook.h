@@ -41,8 +41,8 @@ private:
 
     std::unique_ptr<File> file_;
     std::vector<Sheet> sheets_;
-    std::string sharedStrings_;   // part; empty for none
-    std::vector<bool> dateStyle_; // by the number of a cell's style
+    std::string sharedStrings_;        // part; empty for none
+    std::vector<CellKind> numberKind_; // of numbers, by the number of their cell's style
     bool from1904_ = false;
 };
 

@@ -228,6 +228,16 @@ TEST_F(ItemImport, SumsBelowTheListAreNoItems) {
     EXPECT_EQ(bad(), "") << "an item of the store is none";
 }
 
+TEST_F(ItemImport, WhatBecomesOfACellsTextIsSaid) {
+    plan("Code,Name,Price,Cost,Stock\nLAMP,\"Big\r\nlamp\",,,\nA1,\"a\tb\rc\",2,,\nA2,w,15%,,\nA3,w,2,15.00 %,100%\n");
+    EXPECT_EQ(said().substr(0, said().find("bad")),
+              "changed LAMP: Name Lamp to Big lamp; line ends and tabs became blanks\nnew A1: Price $2.00; "
+              "line ends and tabs became blanks\n");
+    EXPECT_EQ(plan_->name(1), "a b c");
+    EXPECT_EQ(bad(), "C4 \"15%\" is a percentage, and a number is wanted.\nD5 \"15.00 %\" is a percentage, and a number is wanted.\n"
+                     "E5 \"100%\" is a percentage, and a number is wanted.\n");
+}
+
 TEST_F(ItemImport, MendsWhatASpreadsheetMadeOfCodesOnlyWhenAsked) {
     const char* list = "Code,Name,Price\n36000291452,Cards,1\n12345.0,Pen,1\n123,Bulb,12\n12345678901,Own code,1\n";
     plan(list);

@@ -23,7 +23,7 @@ inline SheetTable readDelimited(const std::filesystem::path& file) {
 
 // Rows on lines with their numbers, cells between bars: "3:lamp|#12.5|@2026-01-31|!#N/A|?TRUE|-|".
 inline std::string shown(const SheetTable& table, int mostRows = 1000, int mostColumns = 1000) {
-    static constexpr const char* kMarks[] = {"-", "", "#", "@", "?", "!"};
+    static constexpr const char* kMarks[] = {"-", "", "#", "@", "?", "!", "%"};
     std::string text;
     for (int row = 0; row < std::min(table.rows(), mostRows); ++row) {
         text += std::to_string(table.number(row)) + (table.hidden(row) ? " hidden:" : ":");

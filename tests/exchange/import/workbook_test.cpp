@@ -93,6 +93,16 @@ TEST_F(Workbooks, HoldTextsNumbersDatesFlagsAndErrorsInEveryFormThatCellsHave) {
     EXPECT_EQ(read({"<sheetData><row><c s=\"1\"><v>0</v></c></row></sheetData>", "", styles, "date1904=\"1\""}), "1:@1904-01-01|\n");
 }
 
+TEST_F(Workbooks, ShowPercentagesAsSuch) {
+    const std::string styles =
+        "<numFmts><numFmt numFmtId=\"200\" formatCode=\"0.0%\"/><numFmt numFmtId=\"201\" formatCode=\"0&quot;%&quot;\"/>"
+        "</numFmts><cellXfs><xf numFmtId=\"9\"/><xf numFmtId=\"200\"/><xf numFmtId=\"201\"/></cellXfs>";
+    EXPECT_EQ(read({"<sheetData><row><c s=\"0\"><v>0.15</v></c><c s=\"1\"><v>8.2500000000000004E-2</v></c><c s=\"2\"><v>0.15</v></c></row>"
+                    "</sheetData>",
+                    "", styles}),
+              "1:%15%|%8.25%|#0.15|\n");
+}
+
 TEST_F(Workbooks, TellWhatIsHiddenAndMerged) {
     writeParts(file,
                MadeWorkbook{"<cols><col min=\"2\" max=\"2\" hidden=\"1\"/><col min=\"5\" max=\"16384\" hidden=\"true\"/></cols>"
