@@ -125,13 +125,14 @@ void frmExcelImport::setUpGrids() {
                             {.heading = "Why It Cannot Be Taken", .characters = 60}});
     grdFindings.emptyText = "No bad cells.";
     grdFindings.dblClick = [this] { cmdJump_Click(); };
-    grdFindings.rowColChange = [this] { setAvailable(); };
+    grdFindings.rowColChange = [this] { showReason(grdFindings); };
     grdRows.setColumns({{.heading = "Row", .format = Format::Number, .characters = 7},
                         {.heading = "What", .characters = 9},
                         {.heading = "Code", .fixedWidth = true, .characters = 14},
                         {.heading = "Name", .characters = 22},
                         {.heading = "What Changes, or Why It Cannot Be Taken", .characters = 50}});
     grdRows.emptyText = "No rows.";
+    grdRows.rowColChange = [this] { showReason(grdRows); };
     grdRows.colorOf = [this](int row, int column) {
         const RowState state = plannedRows_.stateAt(row - 1);
         return column != 1 ? Color::None : state == RowState::Bad ? Color::Red : state == RowState::New ? Color::Green : Color::None;
@@ -178,7 +179,7 @@ Item frmExcelImport::filePage() {
                      field("&Decimals:", lbxDecimals).wide(17)}),
              stretch()}),
         at(lblFound).high(2).wide(60),
-        at(grdSample).high(8).wide(60).stretched(),
+        at(grdSample).high(4).wide(60).stretched(),
     });
 }
 
@@ -200,9 +201,10 @@ Item frmExcelImport::columnsPage() {
 Item frmExcelImport::checkPage() {
     return column({
         row({fields({field("&Bad cells:", lbxFindings).wide(30)}), stretch(), at(cmdJump), at(cmdExportBad)}),
-        at(grdFindings).high(4).wide(60).stretched(2),
+        at(grdFindings).high(3).wide(60).stretched(2),
         row({fields({field("R&ows:", lbxRows).wide(20)}), gap(), at(lblSums).high(1).stretched()}),
-        at(grdRows).high(6).stretched(3),
+        at(grdRows).high(4).stretched(3),
+        at(lblReason).high(2).wide(60),
     });
 }
 
@@ -573,7 +575,24 @@ void frmExcelImport::showRows() {
     grdRows.bind(&plannedRows_);
     if (grdRows.dataRows() > 0)
         grdRows.setCurrent(1, 0);
+    showReason(grdFindings.selected() ? grdFindings : grdRows);
+}
+
+// All of what the marked row of a list says, which its cell has no room for.
+void frmExcelImport::showReason(const Grid& grid) {
     setAvailable();
+    if (plan_ == nullptr || !grid.selected())
+        return lblReason.setCaption("");
+    const int row = grid.row() - 1;
+    if (&grid == &grdFindings) {
+        const Finding& one = findingRows_.at(row);
+        lblReason.setCaption("Row " + withThousands(table_.number(one.row)) + ": " + one.reason);
+    } else {
+        const int planned = plannedRows_.planRow(row);
+        const std::string words = plan_->changes(planned);
+        lblReason.setCaption("Row " + withThousands(table_.number(plan_->tableRow(planned))) + ": " +
+                             (words.empty() ? "nothing changes" : words));
+    }
 }
 
 void frmExcelImport::cmdJump_Click() {

@@ -67,6 +67,7 @@ private:
     void showPlan();
     void showFindings();
     void showRows();
+    void showReason(const ui::Grid& grid);
     void cmdJump_Click();
     void cmdExportBad_Click();
 
@@ -115,6 +116,7 @@ private:
     ui::ListBox lbxRows{*this, "lbxRows"};
     ui::Label lblSums{*this, "lblSums"};
     ui::Grid grdRows{*this, "grdRows"};
+    ui::Label lblReason{*this, "lblReason"};
 
     ui::Grid grdRuns{*this, "grdRuns"};
     ui::Button cmdUndo{*this, "cmdUndo", "&Undo Import..."};

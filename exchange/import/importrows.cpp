@@ -38,18 +38,18 @@ std::string PlannedRows::columnName(int column) const {
 }
 
 Value PlannedRows::cell(int row, int column) const {
-    const int planRow = rows_.at(static_cast<std::size_t>(row));
+    const int planned = rows_.at(static_cast<std::size_t>(row));
     switch (column) {
     case 0:
-        return plan_->table().number(plan_->tableRow(planRow));
+        return plan_->table().number(plan_->tableRow(planned));
     case 1:
-        return kStates.at(static_cast<std::size_t>(plan_->state(planRow)));
+        return kStates.at(static_cast<std::size_t>(plan_->state(planned)));
     case 2:
-        return plan_->key(planRow);
+        return plan_->key(planned);
     case 3:
-        return cut(plan_->name(planRow));
+        return cut(plan_->name(planned));
     default:
-        return cut(plan_->changes(planRow));
+        return cut(plan_->changes(planned));
     }
 }
 

@@ -14,6 +14,8 @@ public:
     void show(const ImportPlan* plan, std::optional<RowState> only);
     // The position of a row of the plan; -1 where it is not shown.
     int positionOf(int planRow) const;
+    // The row of the plan that is shown at a position.
+    int planRow(int row) const { return rows_[static_cast<std::size_t>(row)]; }
     RowState stateAt(int row) const { return plan_->state(rows_[static_cast<std::size_t>(row)]); }
 
     int columnCount() const override { return 5; }
