@@ -185,7 +185,7 @@ Item frmExcelImport::filePage() {
 
 Item frmExcelImport::columnsPage() {
     return row({
-        at(grdColumns).high(12).wide(60).stretched(3),
+        at(grdColumns).high(6).wide(60).stretched(3),
         column({
             fields({field("Changed codes:", lbxCodes).wide(20), field("Su&pplier of all rows:", lbxSupplier).wide(20),
                     field("Adjustm&ent code:", lbxReason).wide(20)}),
@@ -210,7 +210,7 @@ Item frmExcelImport::checkPage() {
 
 Item frmExcelImport::runsPage() {
     return column({
-        at(grdRuns).high(12).stretched(),
+        at(grdRuns).high(6).stretched(),
         row({note("An import is taken back as one, as long as what it changed was not changed since"), stretch(), at(cmdUndo)}),
     });
 }
