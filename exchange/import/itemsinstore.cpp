@@ -1,5 +1,6 @@
 #include "exchange/import/itemsinstore.h"
 
+#include "app/db/eachrow.h"
 #include "base/text.h"
 
 #include <algorithm>
@@ -10,16 +11,6 @@ namespace {
 
 constexpr int kParentType = 4;
 constexpr int kSerializedType = 5;
-
-class RowTaker : public db::ResultSink {
-public:
-    explicit RowTaker(const std::function<void(const db::RowView&)>& take) : take_(take) {}
-    void beginSet(const std::vector<db::Column>&) override {}
-    void row(const db::RowView& row) override { take_(row); }
-
-private:
-    const std::function<void(const db::RowView&)>& take_;
-};
 
 std::string textAt(const db::RowView& row, int column) {
     return row.isNull(column) ? std::string() : std::string(row.text(column));
@@ -39,7 +30,7 @@ std::string_view numberIn(std::string_view code) {
 } // namespace
 
 void readRows(db::Session& session, const std::string& select, const std::function<void(const db::RowView&)>& take) {
-    RowTaker taker(take);
+    db::EachRow taker(take);
     session.execute(select, taker);
 }
 

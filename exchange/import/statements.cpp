@@ -1,18 +1,18 @@
 #include "exchange/import/statements.h"
 
+#include "app/db/eachrow.h"
+
 namespace merchantry::exchange {
 namespace {
 
-class AllRows : public db::ResultSink {
-public:
-    void beginSet(const std::vector<db::Column>&) override {}
-    void row(const db::RowView& row) override {
-        auto& cells = rows.emplace_back();
+// Hands a copy of each row to the list.
+db::EachRow into(std::vector<std::vector<Value>>& all) {
+    return db::EachRow([&all](const db::RowView& row) {
+        auto& cells = all.emplace_back();
         for (int column = 0; column < row.size(); ++column)
             cells.push_back(row.value(column));
-    }
-    std::vector<std::vector<Value>> rows;
-};
+    });
+}
 
 } // namespace
 
@@ -21,15 +21,17 @@ db::Parameter parameter(std::string name, const db::SqlType& type, Value value) 
 }
 
 std::vector<std::vector<Value>> called(db::Session& session, const std::string& procedure, std::vector<db::Parameter> parameters) {
-    AllRows all;
-    session.call(procedure, parameters, all);
-    return std::move(all.rows);
+    std::vector<std::vector<Value>> all;
+    db::EachRow rows = into(all);
+    session.call(procedure, parameters, rows);
+    return all;
 }
 
 std::vector<std::vector<Value>> ran(db::Session& session, const std::string& batch, std::vector<db::Parameter> parameters) {
-    AllRows all;
-    session.execute(batch, parameters, all);
-    return std::move(all.rows);
+    std::vector<std::vector<Value>> all;
+    db::EachRow rows = into(all);
+    session.execute(batch, parameters, rows);
+    return all;
 }
 
 } // namespace merchantry::exchange
