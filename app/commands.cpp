@@ -1,5 +1,9 @@
 #include "app/commands.h"
 
+#include "app/reportlistings.h"
+
+#include <vector>
+
 namespace merchantry::app {
 namespace {
 
@@ -58,53 +62,12 @@ constexpr CommandRow kCommands[] = {
     {"mnuReports", "mnuRptSales", "&Sales", false, Kind::Menu, ""},
     {"mnuReports", "mnuReportsStore", "S&tore", false, Kind::Menu, ""},
     {"mnuReports", "mnuRptSuppliers", "S&uppliers", false, Kind::Menu, ""},
-    {"mnuReportsPrintLabels", "mnuReportsPrintlabelsCustomers", "&Customers", false, Kind::Report, "CustLabels"},
-    {"mnuReportsPrintLabels", "mnuReportsPrintlabelsItems", "&Items", false, Kind::Report, "ItemLabels"},
-    {"mnuReportsCustomers", "mnuReportsCustomersCustomerlist", "&Customer List", false, Kind::Report, "CustomerList"},
-    {"mnuReportsCustomers", "mnuReportsCustomersReceivablesAging", "Receivables Aging", false, Kind::Report, "CreditAging"},
-    {"mnuReportsCustomers", "mnuReportsCustomersHistByCust", "Receivables History by Customer", false, Kind::Report, "CreditbyCustomer"},
-    {"mnuReportsCustomers", "mnuReportsCustomersCreditTransByType", "Credit Transactions by Type", false, Kind::Report, "CreditAdjustmentType"},
-    {"mnuReportsCustomers", "mnuReportsCustomersLayawaysByCustomer", "Layaways by Customer", false, Kind::Report, "layawaybycustomer"},
-    {"mnuReportsCustomers", "mnuReportsCustomersOpenLayByExpDate", "Open Layaways by Expiration Date", false, Kind::Report, "layawayexpiration"},
-    {"mnuReportsInventoryInventoryadjustmentreport", "mnuReportsInventoryInventoryadjustmentItem", "Inventory adjustments by Item", false, Kind::Report, "InventoryAdjustment"},
-    {"mnuReportsInventoryInventoryadjustmentreport", "mnuReportsInventoryInventoryadjustmentType", "Inventory adjustments by Type", false, Kind::Report, "InventoryAdjustmentType"},
-    {"mnuRptInventory", "mnuReportsInventoryInventoryvaluationreport", "Inventory valuation report", false, Kind::Report, "InventoryValuation"},
-    {"mnuReportsItemMatrixReports", "mnuRptItemMatrixCP", "Item Matrix by Group", false, Kind::Report, "ItemMatrixCP"},
-    {"mnuReportsItemMatrixReports", "mnuRptItemMatrixGP", "Item Matrix by Parent SKU", false, Kind::Report, "ItemMatrixGC"},
-    {"mnuRptInventory", "mnuReportsInventoryItemdetaillist", "Item detail list", false, Kind::Report, "ItemDetailList"},
-    {"mnuRptInventory", "mnuReportsInventoryItempricelist", "Item price list", false, Kind::Report, "ItemPriceList"},
-    {"mnuRptInventory", "mnuReportsInventoryItemsbydepartment", "Items by department", false, Kind::Report, "ItemsByDept"},
-    {"mnuRptInventory", "mnuReportsInventoryCommittedInventory", "Committed Inventory", false, Kind::Report, "CommittedInventory"},
-    {"mnuRptInventory", "mnuGiftVoucherReport", "Gift voucher report", false, Kind::Report, "GiftVouchers"},
-    {"mnuReportsInventoryMaintenance", "mnuReportsInventoryMaintenanceItemsbelowreorderpoint", "Items below re-order point", false, Kind::Report, "ItemBelowReorder"},
-    {"mnuReportsInventoryMaintenance", "mnuReportsInventoryMaintenanceItemswithnocost", "Items with no cost", false, Kind::Report, "ItemWithNoCost"},
-    {"mnuReportsInventoryMaintenance", "mnuReportsInventoryMaintenanceItemswithnosupplier", "Items with no supplier", false, Kind::Report, "ItemNoSupp"},
-    {"mnuReportsInventoryMaintenance", "mnuReportsInventoryMaintenanceItemsserialitemqtydescrepency", "Serial item qty descrepency", false, Kind::Report, "SerialRecon"},
-    {"mnuReportsInventoryMaintenance", "mnuReportsInventoryMaintenanceSerialnumbertracking", "Serial number tracking", false, Kind::Report, "SerialList"},
-    {"mnuReportsInventoryMaintenance", "mnuReportsInventoryMaintenanceSubstituteitemlist", "Substitute item list", false, Kind::Report, "ItemSubs"},
-    {"mnuRptInventory", "mnuReportsPhysicalinventoryworksheet", "Physical inventory worksheet", false, Kind::Report, "PhysicalInvWk"},
-    {"mnuRptProfit", "mnuReportDailyProfit", "Daily Profit", false, Kind::Report, "DailyProfit"},
-    {"mnuRptProfit", "mnuProfitProfitbycustomer", "Profit by customer", false, Kind::Report, "ProfitByCust"},
-    {"mnuRptProfit", "mnuProfitProfitbydepartment", "Profit by department", false, Kind::Report, "ProfitByDept"},
-    {"mnuRptProfit", "mnuProfitProfitbyitem", "Profit by item", false, Kind::Report, "ProfitByItem"},
+};
+
+// What follows the reports in their menus.
+constexpr CommandRow kBehindReports[] = {
     {"mnuRptProfit", "mnuProfitTopprofitperformers", "Top profit performers", false, Kind::Message, "Top profit performers report is not available at this time"},
-    {"mnuRptSales", "mnuReportsStoreDailysalessummary", "Daily Sales", false, Kind::Report, "DailySales"},
-    {"mnuRptSales", "mnuReportsSalesSalesbycustomer", "Sales by customer", false, Kind::Report, "SalesByCust"},
-    {"mnuRptSales", "mnuReportsSalesSalesbydepartment", "Sales by department", false, Kind::Report, "DeptSales"},
-    {"mnuRptSales", "mnuReportsSalesSalesbyitem", "Sales by item", false, Kind::Report, "SalesByItem"},
     {"mnuRptSales", "mnuReportsSalesTopsalesperformers", "Top sales performers", false, Kind::Message, "Top sales performers report is not available at this time"},
-    {"mnuReportsStore", "mnuReportsStoreCashierlist", "Cashier list", false, Kind::Report, "CashierList"},
-    {"mnuReportsStore", "mnuReportsStoreCashierlog", "Cashier log", false, Kind::Report, "CashierLog"},
-    {"mnuReportsStore", "mnuReportsStoreDailytaxcollected", "Daily tax collected", false, Kind::Report, "DailyTaxes"},
-    {"mnuReportsStore", "mnuReportsStoreDailytaxexemptsales", "Daily tax exempt sales", false, Kind::Report, "DailyTaxESales"},
-    {"mnuReportsStore", "mnuReportsStoreRegisteranalysis", "Register analysis", false, Kind::Report, "RegisterAnalysis"},
-    {"mnuReportsStore", "mnuReportsStoreTenderanalysis", "Tender analysis", false, Kind::Report, "TenderAnalysis"},
-    {"mnuReportsStore", "mnuReportsErrorLog", "Error Log", false, Kind::Report, "ErrorLog"},
-    {"mnuRptSuppliers", "mnuReportsSuppliersPurchaseorderstatus", "Purchase order status", false, Kind::Report, "PurchaseOrderStatus"},
-    {"mnuRptSuppliers", "mnuReportsSuppliersPurchasesbydepartment", "Purchases by department", false, Kind::Report, "PurchasesByDept"},
-    {"mnuRptSuppliers", "mnuReportsSuppliersPurchasesbyitem", "Purchases by item", false, Kind::Report, "PurchasesByItem"},
-    {"mnuRptSuppliers", "mnuReportsSuppliersPurchasesbysupplier", "Purchases by supplier", false, Kind::Report, "PurchasesBySupplier"},
-    {"mnuRptSuppliers", "mnuReportsSuppliersSupplierlist", "Supplier list", false, Kind::Report, "SupplierList"},
     {"mnuReports", "mnuLine2", "-", false, Kind::Line, ""},
     {"mnuReports", "mnuCustomReport", "Custom Reports", false, Kind::Own, ""},
     {"", "mnuHelp", "&Help", false, Kind::Menu, ""},
@@ -115,10 +78,19 @@ constexpr CommandRow kCommands[] = {
 };
 // clang-format on
 
+std::vector<CommandRow> joined() {
+    std::vector<CommandRow> rows(std::begin(kCommands), std::end(kCommands));
+    for (const ReportListing& report : reportListings())
+        rows.push_back({report.menu, report.command, report.caption, false, Kind::Report, report.key});
+    rows.insert(rows.end(), std::begin(kBehindReports), std::end(kBehindReports));
+    return rows;
+}
+
 } // namespace
 
 std::span<const CommandRow> commandTable() {
-    return kCommands;
+    static const std::vector<CommandRow> rows = joined();
+    return rows;
 }
 
 } // namespace merchantry::app

@@ -14,7 +14,7 @@ enum class CommandKind {
     Message, // only says something; target: the text
 };
 
-// One row of the main window's menu. The table is the menu: its order is the order on the screen.
+// One row of the main window's menu. The table is the menu: its order is the order on the screen. Reports stand in it as their files say.
 struct CommandRow {
     const char* parent; // name of the menu it stands in, empty for the bar
     const char* name;

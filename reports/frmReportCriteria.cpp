@@ -368,8 +368,8 @@ void frmReportCriteria::generateLabels() {
 RptFilePtr frmReportCriteria::preparedReport() {
     if (isLabels())
         return checkLabels() ? labelReport() : nullptr;
-    const struct ReportKey* known = reportKey(ReportKey);
-    const RptFilePtr report = openReport(desk(), reportFolder(desk()) / (known == nullptr ? "" : known->file));
+    const auto known = reportKey(ReportKey);
+    const RptFilePtr report = openReport(desk(), reportFolder(desk()) / (known ? known->file : ""));
     if (report == nullptr)
         return nullptr;
     std::string where;

@@ -45,10 +45,10 @@ void frmReport_Generate::Generate(const std::string& key, const std::vector<std:
     std::filesystem::path path;
     try {
         Custom_ = false;
-        const ReportKey* known = reportKey(key);
-        ViewerTools = known == nullptr || known->viewerTools;
-        FifthTool = known != nullptr && known->fifthTool;
-        path = reportFolder(desk()) / (known == nullptr ? "" : known->file);
+        const auto known = reportKey(key);
+        ViewerTools = !known || known->viewerTools;
+        FifthTool = known && known->fifthTool;
+        path = reportFolder(desk()) / (known ? known->file : "");
         if (key == "TenderAnalysis")
             runTenderAnalysis(*modMain().Conn);
         report_ = std::make_shared<RptFile>(path);

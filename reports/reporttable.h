@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 namespace merchantry::reports {
@@ -12,7 +13,7 @@ struct ReportKey {
     bool fifthTool = false;
 };
 
-// Null for a key that the table does not know.
-const ReportKey* reportKey(std::string_view key);
+// Nothing for a key that no report has.
+std::optional<ReportKey> reportKey(std::string_view key);
 
 } // namespace merchantry::reports

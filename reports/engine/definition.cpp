@@ -1,7 +1,7 @@
 #include "reports/engine/definition.h"
 
 #include "base/text.h"
-#include "base/toml.h"
+#include "base/tomltable.h"
 #include "reports/engine/figure.h"
 
 #include <algorithm>
@@ -15,117 +15,8 @@
 namespace merchantry::reports {
 namespace {
 
-template <class E> using Words = std::vector<std::pair<std::string_view, E>>;
-
-// One table of the file: hands out its values by key and kind, and in the end refuses the keys that nobody asked for.
-class Table {
-public:
-    Table(const toml::Value& value, std::string file, std::string what) : value_(value), file_(std::move(file)), what_(std::move(what)) {
-        if (!value.isTable())
-            fail(value, what_ + " must be a table.");
-    }
-
-    int line() const { return value_.line(); }
-    int lineOfKey(const char* key) const { return has(key) ? value_.at(key).line() : line(); }
-    // Where the text of a key begins: below its three quotes, when they end their line.
-    int lineOfText(const char* key) const {
-        const std::string line(trimmed(value_.at(key).sourceLine()));
-        return lineOfKey(key) + (line.ends_with("\"\"\"") || line.ends_with("'''") ? 1 : 0);
-    }
-
-    [[noreturn]] void fail(const toml::Value& where, const std::string& reason) const {
-        throw DefinitionError(file_, where.line(), reason);
-    }
-    [[noreturn]] void failHere(const std::string& reason) const { fail(value_, reason); }
-    [[noreturn]] void failAt(const char* key, const std::string& reason) const { fail(value_.at(key), reason); }
-
-    bool has(const char* key) const { return value_.find(key) != nullptr; }
-
-    const toml::Value* find(const char* key) {
-        asked_.insert(key);
-        return value_.find(key);
-    }
-    void read(const char* key, std::string& result) {
-        if (const toml::Value* value = find(key)) {
-            if (!value->isText())
-                fail(*value, quoted(key) + " must be a text.");
-            result = value->text();
-        }
-    }
-    void read(const char* key, bool& result) {
-        if (const toml::Value* value = find(key)) {
-            if (!value->isFlag())
-                fail(*value, quoted(key) + " must be true or false.");
-            result = value->flag();
-        }
-    }
-    void read(const char* key, double& result, double low, double high) {
-        const toml::Value* value = find(key);
-        if (value == nullptr)
-            return;
-        if (!value->isInteger() && !value->isFloating())
-            fail(*value, quoted(key) + " must be a number.");
-        result = value->isInteger() ? static_cast<double>(value->integer()) : value->floating();
-        if (!(result >= low && result <= high))
-            fail(*value, quoted(key) + " must be from " + plain(low) + " to " + plain(high) + ".");
-    }
-    void read(const char* key, int& result, int low, int high) {
-        const toml::Value* value = find(key);
-        if (value == nullptr)
-            return;
-        if (!value->isInteger() || value->integer() < low || value->integer() > high)
-            fail(*value, quoted(key) + " must be a whole number from " + std::to_string(low) + " to " + std::to_string(high) + ".");
-        result = static_cast<int>(value->integer());
-    }
-    template <class E> void read(const char* key, E& result, const Words<E>& words) {
-        if (const toml::Value* value = find(key))
-            result = word(*value, key, words);
-    }
-    template <class E> E word(const toml::Value& value, const char* key, const Words<E>& words) const {
-        std::string known;
-        for (const auto& [name, meaning] : words) {
-            if (value.isText() && value.text() == name)
-                return meaning;
-            known += (known.empty() ? "" : ", ") + std::string(name);
-        }
-        fail(value, quoted(key) + " must be one of: " + known + ".");
-    }
-    // The entries of a list of tables, each with the name of what it is.
-    std::vector<Table> list(const char* key, const std::string& what) {
-        std::vector<Table> result;
-        if (const toml::Value* value = find(key)) {
-            if (!value->isArray())
-                fail(*value, quoted(key) + " stands in double brackets: [[" + key + "]].");
-            for (const toml::Value& entry : value->array())
-                result.emplace_back(entry, file_, what);
-        }
-        return result;
-    }
-    std::optional<Table> table(const char* key) {
-        const toml::Value* value = find(key);
-        return value == nullptr ? std::nullopt : std::optional<Table>(Table(*value, file_, std::string("[") + key + "]"));
-    }
-    // Requires: every key that means something was asked for.
-    void finish() const {
-        for (const auto& [key, value] : value_.table())
-            if (asked_.count(key) == 0)
-                fail(value, quoted(key) + " means nothing in " + what_ + ".");
-    }
-
-    static std::string quoted(const std::string& key) { return "\"" + key + "\""; }
-
-private:
-    static std::string plain(double number) {
-        std::ostringstream text;
-        text << number;
-        return text.str();
-    }
-
-    const toml::Value& value_;
-    std::string file_;
-    std::string what_;
-    std::set<std::string> asked_;
-};
+using toml::CheckedTable;
+using toml::Words;
 
 const Words<Align> kAligns{{"left", Align::Left}, {"center", Align::Center}, {"right", Align::Right}};
 const Words<Ink> kInks{{"black", Ink::Black}, {"red", Ink::Red},   {"green", Ink::Green},
@@ -149,7 +40,7 @@ const Words<Format> kFormats{{"text", Format::Text},         {"number", Format::
 const Words<ChartKind> kCharts{{"bar", ChartKind::Bar}, {"line", ChartKind::Line}, {"pie", ChartKind::Pie}};
 const Words<PaperSize> kPapers{{"Letter", PaperSize::Letter}, {"A4", PaperSize::A4}};
 
-StyleRule styleRule(Table& table) {
+StyleRule styleRule(CheckedTable& table) {
     StyleRule rule;
     std::string when;
     table.read("when", when);
@@ -173,7 +64,7 @@ StyleRule styleRule(Table& table) {
     return rule;
 }
 
-Scope runningOf(Table& table) {
+Scope runningOf(CheckedTable& table) {
     const toml::Value* value = table.find("running");
     if (value == nullptr)
         return Scope::None;
@@ -182,7 +73,7 @@ Scope runningOf(Table& table) {
     return table.word(*value, "running", Words<Scope>{{"group", Scope::Group}, {"report", Scope::Report}});
 }
 
-ColumnDefinition column(Table& table) {
+ColumnDefinition column(CheckedTable& table) {
     ColumnDefinition column;
     column.line = table.line();
     table.read("field", column.field);
@@ -204,13 +95,13 @@ ColumnDefinition column(Table& table) {
     table.read("repeat", column.repeat);
     table.read("wrap", column.wrap);
     table.read("hide", column.hide);
-    for (Table& rule : table.list("style", "a style"))
+    for (CheckedTable& rule : table.list("style", "a style"))
         column.styles.push_back(styleRule(rule));
     table.finish();
     return column;
 }
 
-TextLine textLine(Table& table, bool inBlocks) {
+TextLine textLine(CheckedTable& table, bool inBlocks) {
     TextLine line;
     line.line = table.line();
     table.read("text", line.text);
@@ -226,7 +117,7 @@ TextLine textLine(Table& table, bool inBlocks) {
     return line;
 }
 
-GroupDefinition group(Table& table) {
+GroupDefinition group(CheckedTable& table) {
     GroupDefinition group;
     group.line = table.line();
     table.read("field", group.field);
@@ -239,7 +130,7 @@ GroupDefinition group(Table& table) {
     table.read("keep", group.keep, 0, 50);
     table.read("details", group.details);
     for (auto [name, lines] : {std::pair{"head", &group.head}, std::pair{"below", &group.below}, std::pair{"slip", &group.slip}})
-        for (Table& one : table.list(name, "a line"))
+        for (CheckedTable& one : table.list(name, "a line"))
             lines->push_back(textLine(one, true));
     table.read("top", group.top, 0, 8);
     table.read("letter", group.letter);
@@ -249,7 +140,7 @@ GroupDefinition group(Table& table) {
     return group;
 }
 
-ChartDefinition chart(Table& table) {
+ChartDefinition chart(CheckedTable& table) {
     ChartDefinition chart;
     chart.line = table.line();
     table.read("kind", chart.kind, kCharts);
@@ -266,7 +157,7 @@ ChartDefinition chart(Table& table) {
     return chart;
 }
 
-BarcodeDefinition barcode(Table& table) {
+BarcodeDefinition barcode(CheckedTable& table) {
     BarcodeDefinition barcode;
     barcode.line = table.line();
     table.read("field", barcode.field);
@@ -279,7 +170,7 @@ BarcodeDefinition barcode(Table& table) {
     return barcode;
 }
 
-LabelDefinition label(Table& table, Table& root, PageDefinition& page) {
+LabelDefinition label(CheckedTable& table, CheckedTable& root, PageDefinition& page) {
     LabelDefinition label;
     std::string sheet = "Letter";
     table.read("sheet", sheet);
@@ -312,14 +203,14 @@ LabelDefinition label(Table& table, Table& root, PageDefinition& page) {
                         label.top + label.rows * label.height + (label.rows - 1) * label.gapY > paperHeight + 0.01))
         table.failHere("The labels do not fit on the sheet.");
     table.finish();
-    for (Table& line : root.list("line", "a [[line]]"))
+    for (CheckedTable& line : root.list("line", "a [[line]]"))
         label.lines.push_back(textLine(line, false));
-    for (Table& code : root.list("barcode", "a [[barcode]]"))
+    for (CheckedTable& code : root.list("barcode", "a [[barcode]]"))
         label.barcodes.push_back(barcode(code));
     return label;
 }
 
-QueryDefinition query(Table& table) {
+QueryDefinition query(CheckedTable& table) {
     QueryDefinition query;
     table.read("sql", query.sql);
     if (trimmed(query.sql).empty())
@@ -347,7 +238,7 @@ QueryDefinition query(Table& table) {
     return query;
 }
 
-void readPage(Table& table, PageDefinition& page) {
+void readPage(CheckedTable& table, PageDefinition& page) {
     table.read("size", page.size, kPapers);
     table.read("orientation", page.landscape, Words<bool>{{"portrait", false}, {"landscape", true}});
     table.read("font_size", page.fontSize, 5, 24);
@@ -359,29 +250,31 @@ void readPage(Table& table, PageDefinition& page) {
 Definition definitionOf(const toml::Value& root, const std::filesystem::path& file) {
     Definition result;
     result.file = file;
-    Table table(root, file.filename().string(), "a report");
+    CheckedTable table(root, file.filename().string(), "a report");
     table.read("title", result.title);
     if (result.title.empty())
         table.failHere("A report wants its \"title\".");
+    table.leave("listing");       // where the program offers it
+    table.leave("prints_labels"); // likewise
     table.read("subtitle", result.subtitle);
     result.subtitleLine = table.lineOfKey("subtitle");
-    std::optional<Table> queryTable = table.table("query");
+    std::optional<CheckedTable> queryTable = table.table("query");
     if (!queryTable)
         table.failHere("A report wants its [query].");
     result.query = query(*queryTable);
-    if (std::optional<Table> page = table.table("page"))
+    if (std::optional<CheckedTable> page = table.table("page"))
         readPage(*page, result.page);
-    for (Table& entry : table.list("column", "a [[column]]"))
+    for (CheckedTable& entry : table.list("column", "a [[column]]"))
         result.columns.push_back(column(entry));
-    for (Table& entry : table.list("group", "a [[group]]"))
+    for (CheckedTable& entry : table.list("group", "a [[group]]"))
         result.groups.push_back(group(entry));
-    for (Table& entry : table.list("header", "a [[header]]"))
+    for (CheckedTable& entry : table.list("header", "a [[header]]"))
         result.headers.push_back(textLine(entry, true));
-    for (Table& entry : table.list("footer", "a [[footer]]"))
+    for (CheckedTable& entry : table.list("footer", "a [[footer]]"))
         result.footers.push_back(textLine(entry, true));
-    for (Table& entry : table.list("chart", "a [[chart]]"))
+    for (CheckedTable& entry : table.list("chart", "a [[chart]]"))
         result.charts.push_back(chart(entry));
-    if (std::optional<Table> entry = table.table("label"))
+    if (std::optional<CheckedTable> entry = table.table("label"))
         result.label = label(*entry, table, result.page);
     if (result.columns.empty() && !result.label)
         table.failHere("A report wants at least one [[column]], or a [label].");
@@ -393,9 +286,6 @@ Definition definitionOf(const toml::Value& root, const std::filesystem::path& fi
 }
 
 } // namespace
-
-DefinitionError::DefinitionError(const std::string& file, int line, const std::string& reason)
-    : std::runtime_error(file + ":" + (line > 0 ? std::to_string(line) + ": " : " ") + reason), line_(line) {}
 
 std::optional<Format> formatNamed(std::string_view name) {
     for (const auto& [word, format] : kFormats)

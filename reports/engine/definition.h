@@ -1,24 +1,18 @@
 #pragma once
 
+#include "base/tomltable.h"
+
 #include <filesystem>
 #include <map>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace merchantry::reports {
 
-// A mistake in a report file, told as "file:line: reason". Line 0 where no line is to blame.
-class DefinitionError : public std::runtime_error {
-public:
-    DefinitionError(const std::string& file, int line, const std::string& reason);
-    int line() const { return line_; }
-
-private:
-    int line_;
-};
+// A mistake in a report file.
+using DefinitionError = toml::FileError;
 
 // What a numbered parameter of a report is, and so what may stand in it.
 enum class ParameterKind { Where, Sort, Direction, Number, Text };

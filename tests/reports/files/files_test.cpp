@@ -1,3 +1,4 @@
+#include "app/reportlistings.h"
 #include "reports/engine/labels.h"
 #include "reports/engine/querytext.h"
 #include "reports/reporttable.h"
@@ -7,7 +8,6 @@
 
 #include <fstream>
 #include <map>
-#include <set>
 #include <sstream>
 
 namespace merchantry::reports {
@@ -16,8 +16,8 @@ namespace {
 using registersim::query;
 
 std::string fileOf(const std::string& key) {
-    const ReportKey* known = reportKey(key);
-    return known == nullptr ? "" : known->file;
+    const auto known = reportKey(key);
+    return known ? known->file : "";
 }
 
 std::unique_ptr<Report> runFile(db::Session& session, const std::string& file, const ParameterTexts& parameters) {
@@ -132,19 +132,13 @@ TEST_P(KeyedReports, RunWithTheirCriteria) {
     }
 }
 
-std::vector<std::string> keysOfTheSchema() {
+std::vector<std::string> offeredKeys() {
     std::vector<std::string> keys;
-    std::ifstream rows("app/db/schema/rows/ReportFields.sql");
-    std::set<std::string> seen;
-    for (std::string line; std::getline(rows, line);)
-        if (line.starts_with("  ('")) {
-            const std::string key = line.substr(4, line.find('\'', 4) - 4);
-            if (seen.insert(key).second)
-                keys.push_back(key);
-        }
+    for (const app::ReportListing& listing : app::reportListings())
+        keys.emplace_back(listing.key);
     return keys;
 }
-INSTANTIATE_TEST_SUITE_P(All, KeyedReports, testing::ValuesIn(keysOfTheSchema()), [](const auto& key) { return key.param; });
+INSTANTIATE_TEST_SUITE_P(All, KeyedReports, testing::ValuesIn(offeredKeys()), [](const auto& key) { return key.param; });
 
 // ------------------------------------------------------------------ right figures
 
