@@ -1,5 +1,6 @@
 #include "app/DataBroker.h"
 
+#include "app/db/schema/content.h"
 #include "app/db/schema/schema.h"
 #include "base/errortext.h"
 
@@ -16,6 +17,7 @@ void DataBroker::OpenConnection(std::string& connectionString, std::shared_ptr<E
     try {
         connection->Open(connectionString);
         db::checkSchemaVersion(connection->session());
+        db::renewContent(connection->session());
     } catch (const std::exception& error) {
         whyClosed_ = sentenceOf(error);
         connection->Close();

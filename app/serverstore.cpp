@@ -3,6 +3,7 @@
 #include "app/db/eachrow.h"
 #include "app/db/embedded/store.h"
 #include "app/db/provider.h"
+#include "app/db/schema/content.h"
 #include "app/db/schema/schema.h"
 #include "app/db/server/database.h"
 #include "app/db/server/server.h"
@@ -51,6 +52,12 @@ void createServerStore(const std::string& place, const StorePercent& progress) {
     db::server::NewDatabase made(server->address());
     db::createSchema(*server->session(), progress);
     made.keep();
+}
+
+std::size_t renewStore(const std::string& place) {
+    const auto session = openStore(place);
+    db::checkSchemaVersion(*session);
+    return db::renewContent(*session).size();
 }
 
 bool upgradeServerStore(const std::string& place) {

@@ -129,16 +129,30 @@ int checkStore(const StoreOptions& options) {
     return sound ? 0 : 1;
 }
 
+namespace {
+
+// A store of this version may still have views, procedures, triggers and first rows as another program of this version had them.
+int renewOf(const std::string& place) {
+    const std::size_t renewed = app::renewStore(place);
+    std::cout << app::shownPlace(place) << " is of this version already"
+              << (renewed == 0 ? "." : "; " + std::to_string(renewed) + " of its procedures and first rows were renewed.") << "\n";
+    return 0;
+}
+
+} // namespace
+
 int upgradeStore(const StoreOptions& options) {
     needOnePlace(options);
     if (!options.server.empty()) {
-        const std::string place = app::shownPlace(options.server);
-        std::cout << (app::upgradeServerStore(options.server) ? "Upgraded " + place + ".\n" : place + " is of this version already.\n");
+        if (!app::upgradeServerStore(options.server))
+            return renewOf(options.server);
+        std::cout << "Upgraded " << app::shownPlace(options.server) << ".\n";
         return 0;
     }
     const auto copy = app::upgradeStoreFile(options.file);
-    std::cout << (copy.empty() ? options.file + " is of this version already.\n"
-                               : "Upgraded. The old store is kept as " + copy.string() + ".\n");
+    if (copy.empty())
+        return renewOf(options.file);
+    std::cout << "Upgraded. The old store is kept as " << copy.string() << ".\n";
     return 0;
 }
 

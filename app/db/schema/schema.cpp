@@ -1,5 +1,6 @@
 #include "app/db/schema/schema.h"
 
+#include "app/db/schema/content.h"
 #include "app/db/schema/version10.h"
 #include "app/db/schema/version9.h"
 #include "app/db/work.h"
@@ -65,17 +66,6 @@ std::string objectIn(const SchemaFile& file, std::string_view folder) {
     return std::string(name.substr(0, name.find('.')));
 }
 
-void putAgain(Session& session, const SchemaFile& file) {
-    for (const auto& [folder, kind] :
-         {std::pair{"views/", "VIEW"}, std::pair{"procedures/", "PROCEDURE"}, std::pair{"triggers/", "TRIGGER"}}) {
-        const std::string object = objectIn(file, folder);
-        if (object.empty())
-            continue;
-        run(session, "IF OBJECT_ID('" + object + "') IS NOT NULL DROP " + kind + " " + object);
-        run(session, file.text);
-    }
-}
-
 // Errors name the file.
 void runFile(Session& session, const SchemaFile& file) {
     try {
@@ -83,6 +73,10 @@ void runFile(Session& session, const SchemaFile& file) {
     } catch (const DbError& error) {
         throw DbError(error.category(), error.native(), std::string(file.name) + ": " + error.what(), error.line());
     }
+}
+
+void noteVersion(Session& session, int version) {
+    run(session, "INSERT INTO SchemaVersion (Version) VALUES (" + std::to_string(version) + ")");
 }
 
 [[noreturn]] void refuse(const std::string& sentence) {
@@ -95,17 +89,6 @@ std::string newTable(const std::string& table) {
         if (file.name == "tables/" + table + ".sql")
             return "IF OBJECT_ID('" + table + "') IS NULL\nBEGIN\n" + std::string(file.text) + "\nEND\n";
     return "";
-}
-
-// What fills a table with the schema's first rows unless it has some. As a text within the batch, so that a column which the batch adds is
-// known by then.
-std::string firstRows(const std::string& table, std::string_view file) {
-    std::string rows;
-    for (const SchemaFile& one : schemaFiles())
-        if (one.name == file)
-            for (const char c : one.text)
-                rows += c == '\'' ? std::string("''") : std::string(1, c);
-    return "IF NOT EXISTS (SELECT * FROM " + table + ") EXEC ('" + rows + "')\n";
 }
 
 // What was found, as the sentence that says so goes on.
@@ -131,6 +114,8 @@ void createSchema(Session& session, const std::function<void(int percent)>& prog
         if (progress)
             progress(static_cast<int>((i + 1) * 100 / files.size()));
     }
+    noteVersion(session, kSchemaVersion);
+    noteContent(session);
     work.commit();
 }
 
@@ -179,16 +164,16 @@ void checkSchemaVersion(Session& session) {
 }
 
 std::span<const UpgradeStep> upgradeSteps() {
-    // Views, procedures and triggers are renewed by every upgrade: a step tells only what happens to tables and rows.
+    // Views, procedures, triggers and first rows are renewed by every upgrade: a step tells only what happens to tables and what is in
+    // them.
     static const std::string priceChanges = newTable("PriceChange") + newTable("PriceChangeItem");
-    // The last movement of an item by its posting; what the reports offer as criteria, and the label reports.
+    // The last movement of an item by its posting; the order of what the reports offer as criteria, and the label reports.
     static const std::string fifth =
         "IF NOT EXISTS (SELECT * FROM sys.indexes WHERE name = 'IX_InventoryLedger_Posting') "
         "CREATE INDEX IX_InventoryLedger_Posting ON InventoryLedger (SKU, MatrixSKU, LedgerID)\n"
         "IF COL_LENGTH('reportfieldsmapping', 'position') IS NULL ALTER TABLE reportfieldsmapping ADD position smallint NOT NULL "
         "CONSTRAINT DF_reportfieldsmapping_Position DEFAULT 0\n" +
-        newTable("LabelReports") + firstRows("reportfieldsmapping", "rows/ReportFields.sql") +
-        firstRows("LabelReports", "rows/LabelReports.sql");
+        newTable("LabelReports");
     // Texts order by rule; a server has its own order. Items have the column that the look-up of serial items compares with.
     static const std::string eighth = "IF SERVERPROPERTY('Edition') = 'Merchantry' EXEC sp_reindextexts\n"
                                       "IF COL_LENGTH('Item', 'True') IS NULL ALTER TABLE Item ADD [True] AS CAST(1 AS bit)";
@@ -201,6 +186,7 @@ std::span<const UpgradeStep> upgradeSteps() {
         "ALTER TABLE StatementRun ADD LastPosting int NOT NULL CONSTRAINT DF_StatementRun_LastPosting DEFAULT 0\n"
         "EXEC ('UPDATE StatementRun SET LastPosting = ISNULL((SELECT MAX(t.CreditTransID) FROM CreditTransaction t WHERE t.Time <= "
         "StatementRun.Posted), 0)')\nEND";
+    static const std::string content = newTable("SchemaContent");
     static const std::array kSteps{
         UpgradeStep{2, ""},           // the procedures of item catalogue and stock
         UpgradeStep{3, priceChanges}, // changes of many prices, and their undoing
@@ -212,12 +198,10 @@ std::span<const UpgradeStep> upgradeSteps() {
                        "WHERE fieldname = 'Item.Reorder' AND fielddescription = 'Reorder point'\n"
                        "DELETE FROM reportfieldsmapping WHERE reportname = 'ItemBelowReorder' AND fieldname = 'Item.Active'"},
         UpgradeStep{7, ""}, // the orders as they are listed, once; no line is taken off an order with its receipts
-        UpgradeStep{8, eighth},
-        UpgradeStep{9, kToVersion9},
-        UpgradeStep{10, tenth},
+        UpgradeStep{8, eighth}, UpgradeStep{9, kToVersion9}, UpgradeStep{10, tenth},
         UpgradeStep{11, eleventh}, // what credits were applied to, and statements
         // what goes out to accounting, what files were imported, which postings a run of statements knew
-        UpgradeStep{12, twelfth},
+        UpgradeStep{12, twelfth}, UpgradeStep{13, content}, // by what views, procedures, triggers and first rows are renewed from then on
     };
     return kSteps;
 }
@@ -232,14 +216,12 @@ void upgradeSchema(Session& session, std::span<const UpgradeStep> steps) {
                 continue;
             doing = "version " + std::to_string(step.to);
             run(session, step.batch);
-            run(session, "INSERT INTO SchemaVersion (Version) VALUES (" + std::to_string(step.to) + ")");
+            noteVersion(session, step.to);
         }
-        for (const SchemaFile& file : schemaFiles()) {
-            doing = file.name;
-            putAgain(session, file);
-        }
+        doing.clear();
+        putContent(session);
     } catch (const DbError& error) {
-        throw DbError(error.category(), error.native(), doing + ": " + error.what(), error.line());
+        throw DbError(error.category(), error.native(), (doing.empty() ? "" : doing + ": ") + error.what(), error.line());
     }
     work.commit();
 }

@@ -20,8 +20,8 @@ struct SchemaFile {
 std::span<const SchemaFile> schemaFiles();
 
 // The version that this program knows and makes.
-// A release that changes a table or adds a procedure gets the next one, its step in upgradeSteps() and its row in rows/FirstRows.sql.
-constexpr int kSchemaVersion = 12;
+// A release that changes a table gets the next one and its step in upgradeSteps(); all else is renewed by its content (content.h).
+constexpr int kSchemaVersion = 13;
 
 // Makes the schema with its first rows in an empty store, in one transaction. Throws DbError, naming the file; nothing is left then.
 // Progress in percent.
@@ -51,8 +51,8 @@ struct UpgradeStep {
 // All steps that this program knows, in their order.
 std::span<const UpgradeStep> upgradeSteps();
 
-// Runs the steps that the store lacks and puts this program's views, procedures and triggers in the place of the store's, in one
-// transaction. Throws DbError, naming the version or file; nothing is changed then.
+// Runs the steps that the store lacks and puts this program's views, procedures, triggers and first rows in the place of the store's, in
+// one transaction. Throws DbError, naming the version or file; nothing is changed then.
 void upgradeSchema(Session& session, std::span<const UpgradeStep> steps);
 
 // A store that breaks one of the program's own rules, in a sentence each; empty for a sound store.

@@ -1,0 +1,2 @@
+-- The one row of the store's options.
+IF NOT EXISTS (SELECT * FROM StoreOptions) INSERT INTO StoreOptions (ID) VALUES (1)
