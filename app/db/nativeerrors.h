@@ -8,4 +8,9 @@ namespace merchantry::db {
 // store's own; Other for a number that nobody here tells from others.
 DbError::Category categoryOf(int native);
 
+// The error of a server's number, which says what kind it is, whoever raises it.
+inline DbError serverError(int native, const std::string& message, int line = 0) {
+    return {categoryOf(native), native, message, line};
+}
+
 } // namespace merchantry::db

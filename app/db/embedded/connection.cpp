@@ -1,5 +1,6 @@
 #include "app/db/embedded/connection.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
 #include "base/platform/platform.h"
 
@@ -16,17 +17,23 @@ constexpr int kShortestPauseUs = 1'000;
 constexpr int kLongestPauseUs = 15'000;
 constexpr int kStatementCacheBytes = 16 * 1024; // kibibytes of pages: 16 MiB
 
-DbError storageError(const std::string& message, int code) {
-    return DbError(DbError::Category::Storage, code, message).withSeverity(17, 1);
+constexpr int kStorageSeverity = 17;
+
+// What the file says under a number of SQLite's own.
+DbError fileError(const std::string& message, int code) {
+    return DbError(DbError::Category::Storage, code, message).withSeverity(kStorageSeverity, 1);
+}
+
+DbError storageError(int native, const std::string& message) {
+    return serverError(native, message).withSeverity(kStorageSeverity, 1);
 }
 
 DbError notNull(const std::string& column) {
     const std::size_t point = column.find('.');
     const std::string table = column.substr(0, point);
     const std::string name = point == std::string::npos ? column : column.substr(point + 1);
-    return DbError(DbError::Category::Integrity, 515,
-                   "Cannot insert the value NULL into column '" + name + "', table 'dbo." + table +
-                       "'; column does not allow nulls. The statement fails.")
+    return serverError(515, "Cannot insert the value NULL into column '" + name + "', table 'dbo." + table +
+                                "'; column does not allow nulls. The statement fails.")
         .withSeverity(16, 2);
 }
 
@@ -41,15 +48,13 @@ DbError constraintError(int extended, const std::string& message) {
     case SQLITE_CONSTRAINT_NOTNULL:
         return notNull(what);
     case SQLITE_CONSTRAINT_CHECK:
-        return DbError(DbError::Category::Integrity, 547, "The statement conflicted with the CHECK constraint \"" + what + "\".")
-            .withSeverity(16, 0);
+        return serverError(547, "The statement conflicted with the CHECK constraint \"" + what + "\".").withSeverity(16, 0);
     case SQLITE_CONSTRAINT_FOREIGNKEY:
     case SQLITE_CONSTRAINT_TRIGGER:
-        return DbError(DbError::Category::Integrity, 547, "The statement conflicted with a FOREIGN KEY or REFERENCE constraint.")
-            .withSeverity(16, 0);
+        return serverError(547, "The statement conflicted with a FOREIGN KEY or REFERENCE constraint.").withSeverity(16, 0);
     default:
         // The session knows which key it was.
-        return DbError(DbError::Category::Integrity, 2627, what).withSeverity(14, 1);
+        return serverError(2627, what).withSeverity(14, 1);
     }
 }
 
@@ -102,7 +107,7 @@ Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
         message.find("too many") != std::string::npos)
         throw tsql::syntaxError(
             191, "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.", 0);
-    throw storageError(message, code);
+    throw fileError(message, code);
 }
 
 Connection::Connection(const std::filesystem::path& file, bool durable) : file_(file) {
@@ -127,7 +132,7 @@ void Connection::openFile(const std::string& name, int flags) {
     db_.reset(opened);
     if (code != SQLITE_OK) {
         const std::string message = opened ? sqlite3_errmsg(opened) : "out of memory";
-        throw storageError("The store file " + file_.string() + " cannot be opened: " + message + ".", code);
+        throw fileError("The store file " + file_.string() + " cannot be opened: " + message + ".", code);
     }
     sqlite3_busy_handler(opened, &Connection::waitForTurn, this);
     // A name in double quotes is a name: never a text, should the column be gone.
@@ -221,33 +226,32 @@ DbError Connection::errorOf(int code, sqlite3_stmt* statement) {
         return constraintError(sqlite3_extended_errcode(handle()), message);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return DbError(DbError::Category::Busy, 1205,
-                       "Another program is saving to this store and has not finished. Nothing was changed here; try again in a moment.")
+        return serverError(1205,
+                           "Another program is saving to this store and has not finished. Nothing was changed here; try again in a moment.")
             .withSeverity(13, 1);
     case SQLITE_INTERRUPT:
         return DbError(DbError::Category::Cancelled, 0, "The statement was cancelled.");
     case SQLITE_FULL:
-        return storageError("The disk of the store " + file_.string() + " is full. This change was not saved. Make room and try again.",
-                            1105);
+        return storageError(1105,
+                            "The disk of the store " + file_.string() + " is full. This change was not saved. Make room and try again.");
     case SQLITE_READONLY:
         if (readOnly_)
-            return DbError(DbError::Category::Storage, 3906, "This session only reads: the change was refused.").withSeverity(16, 1);
-        return storageError("The store " + file_.string() + " or its folder is read-only for this user. This change was not saved.", 3906);
+            return serverError(3906, "This session only reads: the change was refused.").withSeverity(16, 1);
+        return storageError(3906, "The store " + file_.string() + " or its folder is read-only for this user. This change was not saved.");
     case SQLITE_CANTOPEN:
-        return storageError(
-            "The store " + file_.string() + " cannot be opened: this user may not write in its folder, or the folder is gone.", 5120);
+        return storageError(5120, "The store " + file_.string() +
+                                      " cannot be opened: this user may not write in its folder, or the folder is gone.");
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-        return storageError("The store " + file_.string() + " is damaged (" + message + "). Keep the file, and restore the newest backup.",
-                            824);
+        return storageError(824,
+                            "The store " + file_.string() + " is damaged (" + message + "). Keep the file, and restore the newest backup.");
     case SQLITE_NOMEM:
-        return storageError("Out of memory.", 701);
+        return storageError(701, "Out of memory.");
     case SQLITE_TOOBIG:
-        return storageError("A value or statement is too large: " + message + ".", 0);
+        return fileError("A value or statement is too large: " + message + ".", 0);
     default:
-        return storageError("The store " + file_.string() + " cannot be read or written (" + message + ")." + consequence(statement) +
-                                " The disk may be full or failing.",
-                            823);
+        return storageError(823, "The store " + file_.string() + " cannot be read or written (" + message + ")." + consequence(statement) +
+                                     " The disk may be full or failing.");
     }
 }
 

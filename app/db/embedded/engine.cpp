@@ -1,5 +1,6 @@
 #include "app/db/embedded/engine.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/parser.h"
 #include "app/db/tsql/token.h"
@@ -142,8 +143,7 @@ void Engine::endBatch(bool nested) {
     endRead();
     if (doomed_) {
         rollbackAll();
-        note(DbError(DbError::Category::Transaction, 3998,
-                     "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back.")
+        note(serverError(3998, "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back.")
                  .withSeverity(16, 1));
     }
     if (tranCount_ == 0 && inWrite_)
@@ -327,7 +327,7 @@ void Engine::commit() {
 
 void Engine::rollback() {
     if (tranCount_ == 0)
-        throw DbError(DbError::Category::Transaction, 3903, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+        throw serverError(3903, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
     rollbackAll();
 }
 

@@ -1,5 +1,6 @@
 #include "app/db/embedded/engine.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/define_table.h"
 #include "app/db/tsql/errors.h"
@@ -115,9 +116,9 @@ void Engine::alterAdd(const tsql::AlterTableStatement& statement, TableDef table
         } catch (const DbError& error) {
             if (error.native() != 2627)
                 throw;
-            throw DbError(DbError::Category::Integrity, 1505,
-                          "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo." +
-                              table.name + "' and the index name '" + table.keys[i].name + "'.")
+            throw serverError(1505,
+                              "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo." +
+                                  table.name + "' and the index name '" + table.keys[i].name + "'.")
                 .withSeverity(16, 1);
         }
     }
@@ -129,8 +130,7 @@ void Engine::verifyRows(const TableDef& table, const std::vector<tsql::CheckDef>
     for (const tsql::CheckDef& check : checks) {
         const std::string condition = tsql::Binder(tsql::BindContext{catalog_, kNone}).check(table, *check.expr);
         if (scalar("SELECT EXISTS(SELECT 1 FROM " + table.storage + " WHERE NOT (" + condition + "))") != 0)
-            throw DbError(DbError::Category::Integrity, 547,
-                          "The ALTER TABLE statement conflicted with the CHECK constraint \"" + check.name + "\".")
+            throw serverError(547, "The ALTER TABLE statement conflicted with the CHECK constraint \"" + check.name + "\".")
                 .withSeverity(16, 0);
     }
     for (const tsql::ForeignKeyDef& key : keys) {
@@ -143,8 +143,7 @@ void Engine::verifyRows(const TableDef& table, const std::vector<tsql::CheckDef>
         }
         if (scalar("SELECT EXISTS(SELECT 1 FROM " + table.storage + " AS c WHERE " + given + " AND NOT EXISTS(SELECT 1 FROM main." +
                    tsql::quotedName(key.table) + " AS p WHERE " + matches + "))") != 0)
-            throw DbError(DbError::Category::Integrity, 547,
-                          "The ALTER TABLE statement conflicted with the FOREIGN KEY constraint \"" + key.name + "\".")
+            throw serverError(547, "The ALTER TABLE statement conflicted with the FOREIGN KEY constraint \"" + key.name + "\".")
                 .withSeverity(16, 0);
     }
 }
@@ -184,9 +183,8 @@ void Engine::alterColumn(const tsql::AlterTableStatement& statement, TableDef ta
     column.nullable = clause.nullable.value_or(nullable);
     const std::string quoted = tsql::quotedName(column.name);
     if (!column.nullable && scalar("SELECT EXISTS(SELECT 1 FROM " + table.storage + " WHERE " + quoted + " IS NULL)") != 0)
-        throw DbError(DbError::Category::Integrity, 515,
-                      "Cannot insert the value NULL into column '" + column.name + "', table 'dbo." + table.name +
-                          "'; column does not allow nulls. UPDATE fails.")
+        throw serverError(515, "Cannot insert the value NULL into column '" + column.name + "', table 'dbo." + table.name +
+                                   "'; column does not allow nulls. UPDATE fails.")
             .withSeverity(16, 2);
     if (from == column.type)
         return rewriteTable(table);

@@ -2,6 +2,7 @@
 #include "app/db/embedded/row_view.h"
 #include "app/db/embedded/write_scope.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
@@ -55,14 +56,11 @@ void Engine::runChange(const PlanPtr& plan) {
     tsql::ChangePlan& change_plan = *plan->change;
     WriteScope scope(*this, change_plan.table->isTemporary(), undoesItself(change_plan));
     if (plan->version != version_ && !change_plan.table->isTemporary())
-        throw DbError(DbError::Category::Busy, 1205, "The tables were changed by another user while the statement began. Run it again.")
-            .withSeverity(13, 1);
+        throw serverError(1205, "The tables were changed by another user while the statement began. Run it again.").withSeverity(13, 1);
     change(*plan, scope);
     // A trigger that rolled back ends the batch.
     if (scope.isOver()) {
-        const DbError ended =
-            DbError(DbError::Category::Transaction, 3609, "The transaction ended in the trigger. The batch has been aborted.")
-                .withSeverity(16, 1);
+        const DbError ended = serverError(3609, "The transaction ended in the trigger. The batch has been aborted.").withSeverity(16, 1);
         if (tries_ > 0)
             throw DbError(ended);
         note(ended);
@@ -138,7 +136,7 @@ std::int64_t Engine::moveKeys(StatementPlan& plan) {
     const tsql::TableDef& table = *change.table;
     for (const auto& [other, key] : catalog_.referencesTo(table.name)) {
         if (!key.onDelete.empty())
-            throw refined(DbError(DbError::Category::Integrity, 2627, table.name), table, change.kind);
+            throw refined(serverError(2627, table.name), table, change.kind);
     }
     for (auto& [name, captured] : capture_.tables) {
         captured.inserted->clear();

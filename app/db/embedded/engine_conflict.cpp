@@ -1,5 +1,6 @@
 #include "app/db/embedded/engine.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
 
@@ -17,9 +18,9 @@ using Kind = tsql::ChangePlan::Kind;
 DbError conflictOf(Kind kind, const std::string& what, const std::string& constraint, const std::string& table, const std::string& column) {
     static constexpr const char* kWords[] = {"INSERT", "UPDATE", "DELETE"};
     const std::string where = column.empty() ? "" : ", column '" + column + "'";
-    return DbError(DbError::Category::Integrity, 547,
-                   std::string("The ") + kWords[static_cast<int>(kind)] + " statement conflicted with the " + what + " constraint \"" +
-                       constraint + "\". The conflict occurred in database \"Tillmark2k\", table \"dbo." + table + "\"" + where + ".")
+    return serverError(547, std::string("The ") + kWords[static_cast<int>(kind)] + " statement conflicted with the " + what +
+                                " constraint \"" + constraint + "\". The conflict occurred in database \"Tillmark2k\", table \"dbo." +
+                                table + "\"" + where + ".")
         .withSeverity(16, 0);
 }
 
@@ -54,19 +55,17 @@ DbError Engine::refined(const DbError& error, const tsql::TableDef& table, tsql:
     };
     for (const tsql::KeyDef& key : table.keys) {
         if (fits(key.name, key.columns))
-            return DbError(DbError::Category::Integrity, 2627,
-                           std::string("Violation of ") + (key.primary ? "PRIMARY KEY" : "UNIQUE KEY") + " constraint '" + key.name +
-                               "'. Cannot insert duplicate key in object 'dbo." + table.name + "'.")
+            return serverError(2627, std::string("Violation of ") + (key.primary ? "PRIMARY KEY" : "UNIQUE KEY") + " constraint '" +
+                                         key.name + "'. Cannot insert duplicate key in object 'dbo." + table.name + "'.")
                 .withSeverity(14, 1);
     }
     for (const tsql::IndexDef& index : table.indexes) {
         if (index.unique && fits(index.name, index.columns))
-            return DbError(DbError::Category::Integrity, 2601,
-                           "Cannot insert duplicate key row in object 'dbo." + table.name + "' with unique index '" + index.name + "'.")
+            return serverError(2601,
+                               "Cannot insert duplicate key row in object 'dbo." + table.name + "' with unique index '" + index.name + "'.")
                 .withSeverity(14, 1);
     }
-    return DbError(DbError::Category::Integrity, 2627, "Cannot insert duplicate key in object 'dbo." + table.name + "'.")
-        .withSeverity(14, 1);
+    return serverError(2627, "Cannot insert duplicate key in object 'dbo." + table.name + "'.").withSeverity(14, 1);
 }
 
 // The error of a change that failed, with the name of the rule. A broken reference is found by doing the change once more with all

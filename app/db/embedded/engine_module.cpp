@@ -1,5 +1,6 @@
 #include "app/db/embedded/engine.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
@@ -33,9 +34,8 @@ void Engine::createIndex(const tsql::CreateIndexStatement& statement) {
     } catch (const DbError& error) {
         if (error.native() != 2627)
             throw;
-        throw DbError(DbError::Category::Integrity, 1505,
-                      "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo." +
-                          table->name + "' and the index name '" + statement.name + "'.")
+        throw serverError(1505, "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo." +
+                                    table->name + "' and the index name '" + statement.name + "'.")
             .withSeverity(16, 1);
     }
     if (table->isTemporary()) {

@@ -2,6 +2,7 @@
 #include "app/db/embedded/filestage.h"
 #include "app/db/embedded/write_scope.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/parser.h"
@@ -20,15 +21,13 @@ Cell toParameter(const Cell& cell, const SqlType& from, const SqlType& to) {
     try {
         return tsql::converted(cell, from, to);
     } catch (const DbError&) {
-        throw DbError(DbError::Category::Type, 8114,
-                      "Error converting data type " + tsql::kindNameOf(from) + " to " + tsql::kindNameOf(to) + ".")
+        throw serverError(8114, "Error converting data type " + tsql::kindNameOf(from) + " to " + tsql::kindNameOf(to) + ".")
             .withSeverity(16, 5);
     }
 }
 
 DbError tooDeep() {
-    return DbError(DbError::Category::Other, 217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
-        .withSeverity(16, 1);
+    return serverError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).").withSeverity(16, 1);
 }
 
 } // namespace
@@ -189,9 +188,9 @@ Engine::CallResult Engine::callModule(const StoredObject& object, const std::vec
     result.outputs.assign(frame.variables.begin(), frame.variables.begin() + static_cast<std::ptrdiff_t>(result.code->parameters.size()));
     if (tranCount_ != entry) {
         const DbError error =
-            DbError(DbError::Category::Transaction, 266,
-                    "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = " +
-                        std::to_string(entry) + ", current count = " + std::to_string(tranCount_) + ".")
+            serverError(266,
+                        "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = " +
+                            std::to_string(entry) + ", current count = " + std::to_string(tranCount_) + ".")
                 .withSeverity(16, 2);
         if (tries_ > 0)
             throw DbError(error);

@@ -1,6 +1,7 @@
 #include "app/db/embedded/engine.h"
 #include "app/db/embedded/write_scope.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
 
@@ -13,7 +14,7 @@ using tsql::StatementKind;
 namespace {
 
 DbError transactionError(int number, const std::string& message) {
-    return DbError(DbError::Category::Transaction, number, message).withSeverity(16, 1);
+    return serverError(number, message).withSeverity(16, 1);
 }
 
 } // namespace

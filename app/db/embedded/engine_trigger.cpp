@@ -2,6 +2,7 @@
 #include "app/db/embedded/engine.h"
 #include "app/db/embedded/write_scope.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
@@ -175,8 +176,7 @@ void Engine::runTrigger(const StoredObject& trigger, const std::shared_ptr<const
                         const std::shared_ptr<const Rowset>& inserted, const std::shared_ptr<const Rowset>& deleted,
                         const std::vector<bool>& updated) {
     if (level_ >= kDeepestLevel)
-        throw DbError(DbError::Category::Other, 217,
-                      "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
+        throw serverError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
             .withSeverity(16, 1);
     const std::string insertedName = pseudoName("inserted", table->id);
     const std::string deletedName = pseudoName("deleted", table->id);

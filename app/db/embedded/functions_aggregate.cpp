@@ -1,5 +1,6 @@
 #include "app/db/embedded/functions.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/types.h"
@@ -62,8 +63,8 @@ void step(sqlite3_context* context, int, sqlite3_value** values) {
         if (++gathered->count > 1)
             return failWith(
                 context, aggregate.host,
-                DbError(
-                    DbError::Category::Other, 512,
+                serverError(
+                    512,
                     "Subquery returned more than 1 value. This is not permitted when the subquery follows =, !=, <, <= , >, >= or when the "
                     "subquery is used as an expression.")
                     .withSeverity(16, 1));

@@ -1,5 +1,6 @@
 #include "app/db/embedded/functions.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/datetext.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/functions.h"
@@ -20,7 +21,7 @@ constexpr std::int64_t kMsPerMinute = 60'000;
 constexpr std::int64_t kMsPerSecond = 1000;
 
 DbError dateOverflow() {
-    return DbError(DbError::Category::Type, 517, "Adding a value to a 'datetime' column caused an overflow.").withSeverity(16, 1);
+    return serverError(517, "Adding a value to a 'datetime' column caused an overflow.").withSeverity(16, 1);
 }
 
 void giveDate(const Call& call, Wide ms) {
@@ -100,9 +101,8 @@ void dateDiff(const Call& call) {
     const std::int64_t result =
         borders(static_cast<DatePart>(call.integer(0)), Date::fromMs(call.integer(1)), Date::fromMs(call.integer(2)));
     if (result > INT32_MAX || result < INT32_MIN)
-        throw DbError(
-            DbError::Category::Type, 535,
-            "The datediff function resulted in an overflow. The number of dateparts separating two date/time instances is too large.")
+        throw serverError(
+            535, "The datediff function resulted in an overflow. The number of dateparts separating two date/time instances is too large.")
             .withSeverity(16, 1);
     call.give(result);
 }

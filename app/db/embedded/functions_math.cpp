@@ -1,5 +1,6 @@
 #include "app/db/embedded/functions.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/types.h"
@@ -21,7 +22,7 @@ Wide powerOfTen(int exponent) {
 }
 
 DbError divideByZero() {
-    return DbError(DbError::Category::Type, 8134, "Divide by zero error encountered.").withSeverity(16, 1);
+    return serverError(8134, "Divide by zero error encountered.").withSeverity(16, 1);
 }
 
 // ---- whole numbers: one function for each operator and type
@@ -111,7 +112,7 @@ double finite(double number) {
     if (std::isinf(number))
         throw tsql::overflow(tsql::simpleType(TypeKind::Float));
     if (std::isnan(number))
-        throw DbError(DbError::Category::Type, 3623, "An invalid floating point operation occurred.").withSeverity(16, 1);
+        throw serverError(3623, "An invalid floating point operation occurred.").withSeverity(16, 1);
     return number;
 }
 

@@ -1,6 +1,7 @@
 #include "app/db/server/serversession.h"
 
 #include "app/db/eachrow.h"
+#include "app/db/nativeerrors.h"
 #include "app/db/server/batchtext.h"
 #include "app/db/server/link.h"
 #include "app/db/server/scratchstore.h"
@@ -51,7 +52,7 @@ public:
 };
 
 [[noreturn]] void refuseChange() {
-    throw DbError(Category::Storage, 3906, "Failed to update database because the database is read-only.");
+    throw serverError(3906, "Failed to update database because the database is read-only.");
 }
 
 // "EXEC sp_x @name = @p0 OUTPUT, @p1": a call as a batch, its parameters under the batch's own names.

@@ -1,5 +1,6 @@
 #include "app/db/tsql/convert_to.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
 #include "base/text.h"
 
@@ -27,7 +28,7 @@ Cell toBinary(const CellView& cell, const SqlType& from, const SqlType& to, Conv
     std::string bytes = numeric ? bytesOfWhole(cell.integer, from) : std::string(cell.bytes);
     if (to.length != SqlType::kMax && to.length > 0 && bytes.size() > static_cast<std::size_t>(to.length)) {
         if (purpose == ConvertFor::Column && !numeric)
-            throw DbError(DbError::Category::Type, 8152, "String or binary data would be truncated.").withSeverity(16, 1);
+            throw serverError(8152, "String or binary data would be truncated.").withSeverity(16, 1);
         if (numeric)
             bytes.erase(0, bytes.size() - static_cast<std::size_t>(to.length));
         else

@@ -1,5 +1,6 @@
 #include "app/db/tsql/convert_to.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/datetext.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
@@ -48,7 +49,7 @@ Cell fitted(std::string text, const SqlType& from, const SqlType& to, ConvertFor
             throw overflow(to);
         else if (tooLong && purpose == ConvertFor::Column && from.kind != TypeKind::DateTime &&
                  text.find_first_not_of(' ', kept.size()) != std::string::npos)
-            throw DbError(DbError::Category::Type, 8152, "String or binary data would be truncated.").withSeverity(16, 1);
+            throw serverError(8152, "String or binary data would be truncated.").withSeverity(16, 1);
         else
             text.resize(kept.size());
     }

@@ -6,7 +6,7 @@
 
 namespace merchantry::db::tsql {
 
-// The server's errors that the engine raises itself, each with its category and severity.
+// The server's errors that the engine raises itself, each with its severity. Their numbers tell their category (nativeerrors.h).
 DbError syntaxError(int number, const std::string& message, int line);
 DbError nameError(int number, const std::string& message, int line);
 // Bad types that are known before a statement runs (206, 257, 402, 8117, ...).

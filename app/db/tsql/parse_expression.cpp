@@ -1,5 +1,7 @@
 #include "app/db/tsql/parser.h"
 
+#include "app/db/nativeerrors.h"
+
 #include <array>
 
 namespace merchantry::db::tsql {
@@ -39,9 +41,8 @@ void Parser::requireCondition(const Expr& expr) const {
     if (isCondition(expr))
         return;
     const std::string near = atEnd() && at_ > 0 ? tokens_[at_ - 1].value() : peek().value();
-    throw DbError(DbError::Category::Syntax, 4145,
-                  "An expression of non-boolean type specified in a context where a condition is expected, near '" + near + "'.",
-                  peek().line)
+    throw serverError(4145, "An expression of non-boolean type specified in a context where a condition is expected, near '" + near + "'.",
+                      peek().line)
         .withSeverity(15, 1);
 }
 

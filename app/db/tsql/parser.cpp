@@ -1,5 +1,6 @@
 #include "app/db/tsql/parser.h"
 
+#include "app/db/tsql/errors.h"
 #include "base/text.h"
 
 namespace merchantry::db::tsql {
@@ -7,10 +8,6 @@ namespace {
 
 constexpr int kDeepest = 400;
 constexpr int kLongestChain = 900; // what SQLite takes in one expression
-
-DbError syntaxError(int number, const std::string& message, int line) {
-    return DbError(DbError::Category::Syntax, number, message, line).withSeverity(15, 1);
-}
 
 } // namespace
 
