@@ -1,10 +1,12 @@
 #include "base/platform/platform.h"
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -112,6 +114,14 @@ void moveToNewName(const std::filesystem::path& file, const std::filesystem::pat
 bool mayWrite(const std::filesystem::path& file) {
     const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
     return access(file.c_str(), W_OK) == 0 && access(folder.c_str(), W_OK) == 0;
+}
+
+LineState lineState(int socket) {
+    char peeked = 0;
+    const ssize_t got = recv(socket, &peeked, 1, MSG_PEEK | MSG_DONTWAIT);
+    if (got > 0)
+        return LineState::Readable;
+    return got < 0 && (errno == EAGAIN || errno == EINTR) ? LineState::Quiet : LineState::Ended;
 }
 
 } // namespace merchantry::platform

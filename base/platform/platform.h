@@ -29,4 +29,8 @@ void moveToNewName(const std::filesystem::path& file, const std::filesystem::pat
 // Whether this user may write the file and in its folder.
 bool mayWrite(const std::filesystem::path& file);
 
+// What is seen of a connected socket without reading from it: nothing, something to read, or its other end is gone.
+enum class LineState { Quiet, Readable, Ended };
+LineState lineState(int socket);
+
 } // namespace merchantry::platform

@@ -53,6 +53,15 @@ bool pass(int from, int to) {
 } // namespace
 
 struct Cable::State {
+    // One connection. A request is what its client says after the server has spoken.
+    struct Line {
+        int near = -1;
+        int far = -1;
+        bool asked = false;
+        bool nearSpeaks = false;
+        bool farSpeaks = false;
+    };
+
     std::string host;
     int serverPort = 0;
     int listener = -1;
@@ -60,42 +69,69 @@ struct Cable::State {
     std::atomic<bool> stop = false;
     std::atomic<int> cuts = 0;
     std::atomic<int> done = 0;
+    std::atomic<int> requestsLeft = 0; // until the line is cut by itself; 0: it is not
+    std::atomic<Where> where = Where::BeforeIt;
+    std::vector<Line> lines;
     std::thread thread;
 
     void run() {
-        std::vector<std::pair<int, int>> lines;
-        const auto closeAll = [&] {
-            for (const auto& [near, far] : lines) {
-                close(near);
-                close(far);
-            }
-            lines.clear();
-        };
         while (!stop) {
-            std::vector<pollfd> watched{{listener, POLLIN, 0}};
-            for (const auto& [near, far] : lines) {
-                watched.push_back({near, POLLIN, 0});
-                watched.push_back({far, POLLIN, 0});
-            }
-            poll(watched.data(), watched.size(), kLookAgainMs);
+            watch();
             if (cuts > done) {
                 closeAll();
                 done = cuts.load();
                 continue;
             }
+            passAll();
             if (isReadable(listener))
-                lines.emplace_back(accept(listener, nullptr, nullptr), connectTo(host, serverPort));
-            std::erase_if(lines, [](const auto& line) {
-                const bool good = (!isReadable(line.first) || pass(line.first, line.second)) &&
-                                  (!isReadable(line.second) || pass(line.second, line.first));
-                if (!good) {
-                    close(line.first);
-                    close(line.second);
-                }
-                return !good;
-            });
+                lines.push_back({accept(listener, nullptr, nullptr), connectTo(host, serverPort)});
         }
         closeAll();
+    }
+    void watch() {
+        std::vector<pollfd> watched{{listener, POLLIN, 0}};
+        for (const Line& line : lines) {
+            watched.push_back({line.near, POLLIN, 0});
+            watched.push_back({line.far, POLLIN, 0});
+        }
+        poll(watched.data(), watched.size(), kLookAgainMs);
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            lines[i].nearSpeaks = watched[2 * i + 1].revents != 0;
+            lines[i].farSpeaks = watched[2 * i + 2].revents != 0;
+        }
+    }
+    void passAll() {
+        for (Line& line : lines)
+            if (isCutNow(line))
+                return closeAll();
+        std::erase_if(lines, [](const Line& line) {
+            const bool good = (!line.nearSpeaks || pass(line.near, line.far)) && (!line.farSpeaks || pass(line.far, line.near));
+            if (!good)
+                closeOne(line);
+            return !good;
+        });
+    }
+    bool isCutNow(Line& line) {
+        if (!line.asked && line.nearSpeaks) {
+            line.asked = true;
+            if (requestsLeft == 1 && where == Where::BeforeIt)
+                return true;
+        } else if (line.asked && line.farSpeaks) {
+            line.asked = false;
+            if (requestsLeft > 0 && --requestsLeft == 0)
+                return where == Where::BehindIt;
+        }
+        return false;
+    }
+    void closeAll() {
+        for (const Line& line : lines)
+            closeOne(line);
+        lines.clear();
+        requestsLeft = 0;
+    }
+    static void closeOne(const Line& line) {
+        close(line.near);
+        close(line.far);
     }
 };
 
@@ -121,8 +157,28 @@ Cable::~Cable() {
     close(state_->listener);
 }
 
+Cable cableTo(const server::Address& address) {
+    constexpr int kUsualPort = 1433;
+    return {address.host, address.port == 0 ? kUsualPort : address.port};
+}
+
+server::Address through(const Cable& cable, server::Address address) {
+    address.host = "127.0.0.1";
+    address.port = cable.port();
+    return address;
+}
+
 int Cable::port() const {
     return state_->port;
+}
+
+void Cable::cutAt(int request, Where where) {
+    state_->where = where;
+    state_->requestsLeft = request;
+}
+
+bool Cable::spared() {
+    return state_->requestsLeft.exchange(0) > 0;
 }
 
 void Cable::cut() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/db/server/address.h"
+
 #include <memory>
 #include <string>
 
@@ -17,10 +19,20 @@ public:
     int port() const;
     // Ends every connection that stands; new ones are passed on as before.
     void cut();
+    // Ends them all by itself at a request from now on, counted from 1: before the server gets it, or behind it, when it was carried out
+    // and its answer is on the way. Once.
+    enum class Where { BeforeIt, BehindIt };
+    void cutAt(int request, Where where);
+    // Forgets a cut that has not come; false when it has.
+    bool spared();
 
 private:
     struct State;
     std::unique_ptr<State> state_;
 };
+
+// A cable to the server of an address, and the same address through it.
+Cable cableTo(const server::Address& address);
+server::Address through(const Cable& cable, server::Address address);
 
 } // namespace merchantry::db

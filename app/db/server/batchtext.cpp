@@ -3,6 +3,7 @@
 #include "app/db/tsql/parser.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace merchantry::db::server {
 namespace {
@@ -41,6 +42,21 @@ bool hasWord(const std::vector<Token>& tokens, std::string_view word) {
     return std::any_of(tokens.begin(), tokens.end(), [&](const Token& token) { return token.is(word); });
 }
 
+// A batch of one statement; nothing for any other, and for one that is not understood.
+std::optional<tsql::Batch> onlyStatement(std::string_view batch) {
+    try {
+        tsql::Batch read = tsql::parseBatch(batch);
+        return read.statements.size() == 1 ? std::optional(std::move(read)) : std::nullopt;
+    } catch (const DbError&) {
+        return std::nullopt;
+    }
+}
+
+bool isSelect(const tsql::Statement& statement) {
+    const auto* select = dynamic_cast<const tsql::SelectStatement*>(&statement);
+    return select != nullptr && (select->query->core == nullptr || select->query->core->into.empty());
+}
+
 } // namespace
 
 SentBatch sentBatch(std::string_view batch) {
@@ -54,18 +70,13 @@ SentBatch sentBatch(std::string_view batch) {
 }
 
 bool isOneReading(std::string_view batch) {
-    try {
-        const tsql::Batch read = tsql::parseBatch(batch);
-        if (read.statements.size() != 1)
-            return false;
-        const tsql::Statement& only = *read.statements.front();
-        if (only.kind == tsql::StatementKind::Execute)
-            return true;
-        const auto* select = dynamic_cast<const tsql::SelectStatement*>(&only);
-        return select != nullptr && (select->query->core == nullptr || select->query->core->into.empty());
-    } catch (const DbError&) {
-        return false;
-    }
+    const std::optional<tsql::Batch> read = onlyStatement(batch);
+    return read && (read->statements.front()->kind == tsql::StatementKind::Execute || isSelect(*read->statements.front()));
+}
+
+bool isOneSelect(std::string_view batch) {
+    const std::optional<tsql::Batch> read = onlyStatement(batch);
+    return read && isSelect(*read->statements.front());
 }
 
 bool leavesTraces(std::string_view batch) {

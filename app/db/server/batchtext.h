@@ -19,6 +19,9 @@ SentBatch sentBatch(std::string_view batch);
 // Whether the batch is one select, or one call of a procedure, and nothing else. False for one that is not understood.
 bool isOneReading(std::string_view batch);
 
+// Whether the batch is one select that makes no table.
+bool isOneSelect(std::string_view batch);
+
 // Whether the batch may leave something behind in its connection: settings or temporary tables.
 bool leavesTraces(std::string_view batch);
 

@@ -58,8 +58,16 @@ std::string sentence(const Address& address, const std::vector<Diagnostic>& all)
 
 } // namespace
 
-DbError connectError(const Address& address, const std::vector<Diagnostic>& diagnostics) {
-    return {DbError::Category::Storage, 0, sentence(address, diagnostics)};
+NotConnected connectError(const Address& address, const std::vector<Diagnostic>& diagnostics) {
+    return NotConnected(sentence(address, diagnostics));
+}
+
+NotConnected lostError(const Address& address, bool isKnown) {
+    return NotConnected(
+        "The connection to the server " + address.toText() + " was lost. " +
+        (isKnown
+             ? "What was not saved yet is not saved. Please try again: the program connects anew."
+             : "If you were saving, please look before you repeat it: the change may have been saved or not. The program connects anew."));
 }
 
 } // namespace merchantry::db::server

@@ -18,9 +18,12 @@ constexpr int kUsualSeverity = 16; // the driver does not tell it
 constexpr int kOverflow = 8115;
 constexpr const char* kOutOfRange = "22003"; // found by the driver, when it sends a parameter
 constexpr int kTerminated = 3621;
+constexpr int kDeadlock = 1205;
+constexpr int kLockTimeout = 1222;
 constexpr int kContextChanged = 5701; // the database, and the language
 constexpr int kLanguageChanged = 5703;
 constexpr SQLULEN kLoginSeconds = 15;
+constexpr std::chrono::minutes kAskedAfter{1}; // without use
 
 // What every connection begins with, whatever the server's own defaults are. A statement waits for others as long as in a store file.
 constexpr const char* kSettings = "SET NOCOUNT OFF SET DATEFORMAT mdy SET DATEFIRST 7 SET TEXTSIZE 2147483647 SET LOCK_TIMEOUT 20000 "
@@ -47,6 +50,15 @@ std::string callText(std::string_view procedure, std::size_t parameters) {
     for (std::size_t i = 0; i < parameters; ++i)
         text += i == 0 ? "(?" : ",?";
     return text + (parameters > 0 ? ")}" : "}");
+}
+
+// Compatible servers tell in words only that others are in the way.
+int numberOf(const Diagnostic& one) {
+    if (one.native != kUnnamedError)
+        return one.native;
+    if (one.text.find("deadlock") != std::string::npos)
+        return kDeadlock;
+    return one.text.find("lock timeout") != std::string::npos ? kLockTimeout : one.native;
 }
 
 } // namespace
@@ -158,14 +170,15 @@ void Link::setUp() {
     std::vector<DbError> errors;
     run({kSettings, noParameters}, none, errors);
     if (lost_ && !errors.empty())
-        throw DbError(errors.front());
+        throw NotConnected(lostError(address_, true));
 }
 
 void Link::run(const Request& request, ResultSink& sink, std::vector<DbError>& errors) {
     cancelled_ = false;
     runRequest(request, sink, errors);
+    lastUsed_ = std::chrono::steady_clock::now();
     if (lost_ && errors.empty()) // the driver may lose it without a word
-        errors.push_back(lostError());
+        errors.push_back(lostError(address_, true));
     // The driver may throw away what came behind the request to cancel, without a word.
     if (cancelled_ && !lost_)
         errors.assign(1, DbError(Category::Cancelled, 0, "The statement was cancelled."));
@@ -219,19 +232,34 @@ void Link::cancel() {
     SQLCancel(statement_.get());
 }
 
-DbError Link::lostError() const {
-    return {Category::Storage, 0,
-            "The connection to the server " + address_.toText() +
-                " was lost. What was not saved yet is not saved. Please try again: the program connects anew."};
+bool Link::stillStands() {
+    if (lost_)
+        return false;
+    // Something to read where nothing was asked for is mostly the server's farewell.
+    const platform::LineState line = lineStateOf(connection_.get());
+    if (line == platform::LineState::Ended)
+        lost_ = true;
+    else if (line == platform::LineState::Readable || std::chrono::steady_clock::now() - lastUsed_ > kAskedAfter)
+        lost_ = !answers();
+    return !lost_;
+}
+
+bool Link::answers() {
+    NoResult none;
+    std::vector<Parameter> noParameters;
+    std::vector<DbError> errors;
+    run({"SELECT 1", noParameters}, none, errors);
+    return errors.empty();
 }
 
 DbError Link::errorOf(const Diagnostic& one) const {
     if (lost_)
-        return lostError();
+        return lostError(address_, true);
     if (one.native == 0 && one.state == kOutOfRange)
         return {Category::Type, kOverflow, "Arithmetic overflow error converting a value to the type that is wanted."};
-    const Category category = one.state.starts_with("23") ? Category::Integrity : categoryOf(one.native);
-    return DbError(category, one.native, one.text, one.line).withSeverity(kUsualSeverity, one.messageState);
+    const int native = numberOf(one);
+    const Category category = one.state.starts_with("23") ? Category::Integrity : categoryOf(native);
+    return DbError(category, native, one.text, one.line).withSeverity(kUsualSeverity, one.messageState);
 }
 
 } // namespace merchantry::db::server

@@ -2,9 +2,11 @@
 
 #include "app/db/server/address.h"
 #include "app/db/server/odbc.h"
+#include "app/db/servererrors.h"
 #include "app/db/session.h"
 
 #include <atomic>
+#include <chrono>
 #include <vector>
 
 namespace merchantry::db::server {
@@ -31,6 +33,10 @@ public:
     void cancel();
     // The connection is gone: nothing can be run on it any more.
     bool isLost() const { return lost_; }
+    const Address& address() const { return address_; }
+    // Whether the connection still stands after nothing was run on it for a while. The server is asked only where that cannot be seen from
+    // here, or a minute has passed. Requires: nothing is running.
+    bool stillStands();
 
 private:
     class Results;
@@ -41,7 +47,7 @@ private:
     void runCall(const Request& request, Results& results);
     void runBatch(std::string_view text, std::vector<Parameter>& parameters, Results& results);
     bool isDead() const;
-    DbError lostError() const;
+    bool answers();
     DbError errorOf(const Diagnostic& diagnostic) const;
 
     const Address address_;
@@ -49,9 +55,14 @@ private:
     Handle<SQL_HANDLE_STMT> statement_;
     std::atomic<bool> cancelled_ = false;
     bool lost_ = false;
+    std::chrono::steady_clock::time_point lastUsed_;
 };
 
 // What a failed connection is told as.
-DbError connectError(const Address& address, const std::vector<Diagnostic>& diagnostics);
+NotConnected connectError(const Address& address, const std::vector<Diagnostic>& diagnostics);
+
+// What a lost connection is told as. Whether what ran last was saved is known, where it was part of a transaction that did not end or only
+// read; or it is not.
+NotConnected lostError(const Address& address, bool isKnown);
 
 } // namespace merchantry::db::server

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 namespace merchantry::db::server {
 namespace {
@@ -9,6 +10,8 @@ namespace {
 // FreeTDS' fields of a server's message.
 constexpr SQLSMALLINT kMessageState = -1150;
 constexpr SQLSMALLINT kLine = -1154;
+// FreeTDS' own question for the socket.
+constexpr SQLUSMALLINT kSocket = 1301;
 
 // FreeTDS' own numbers of a line that is gone: it could not be written to or read from, it ended, or it is dead.
 constexpr std::array kLostNumbers{20004, 20006, 20017, 20047};
@@ -51,6 +54,14 @@ std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT kind, SQLHANDLE handle) {
         one.line = numberField(kind, handle, record, kLine);
         all.push_back(std::move(one));
     }
+}
+
+platform::LineState lineStateOf(SQLHANDLE connection) {
+    std::uint64_t socket = 0; // as wide as on any system
+    SQLSMALLINT length = 0;
+    if (!SQL_SUCCEEDED(SQLGetInfo(connection, kSocket, &socket, sizeof socket, &length)))
+        return platform::LineState::Quiet;
+    return platform::lineState(static_cast<int>(socket));
 }
 
 SQLHANDLE odbcEnvironment() {

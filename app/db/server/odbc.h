@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/db/dberror.h"
+#include "base/platform/platform.h"
 
 #include <sql.h>
 #include <sqlext.h>
@@ -54,6 +55,9 @@ struct Diagnostic {
 };
 
 std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT kind, SQLHANDLE handle);
+
+// What can be seen of the line of a connection on which nothing runs, without asking the server. Quiet for a driver that does not show it.
+platform::LineState lineStateOf(SQLHANDLE connection);
 
 // The process's own environment of ODBC, version 3.
 SQLHANDLE odbcEnvironment();

@@ -34,15 +34,19 @@ std::unique_ptr<Session> Server::session() {
 }
 
 std::unique_ptr<Link> Server::link() {
-    {
-        const std::lock_guard lock(state_->mutex);
-        if (!state_->idle.empty()) {
-            std::unique_ptr<Link> link = std::move(state_->idle.back());
-            state_->idle.pop_back();
-            return link;
-        }
-    }
+    while (std::unique_ptr<Link> idle = takeIdle())
+        if (idle->stillStands())
+            return idle;
     return std::make_unique<Link>(address_);
+}
+
+std::unique_ptr<Link> Server::takeIdle() {
+    const std::lock_guard lock(state_->mutex);
+    if (state_->idle.empty())
+        return nullptr;
+    std::unique_ptr<Link> link = std::move(state_->idle.back());
+    state_->idle.pop_back();
+    return link;
 }
 
 void Server::giveBack(std::unique_ptr<Link> link) {
@@ -89,8 +93,11 @@ void runOn(Link& link, std::string_view batch, ResultSink& sink) {
     std::vector<Parameter> none;
     std::vector<DbError> errors;
     link.run({batch, none}, sink, errors);
-    if (!errors.empty())
-        throw DbError(errors.front());
+    if (errors.empty())
+        return;
+    if (link.isLost())
+        throw NotConnected(lostError(link.address(), true));
+    throw DbError(errors.front());
 }
 
 } // namespace merchantry::db::server

@@ -24,7 +24,7 @@ public:
 
     const Address& address() const { return address_; }
 
-    // For sessions: a connection, and giving it back.
+    // For sessions: a connection that stands, as far as can be seen, and giving it back.
     std::unique_ptr<Link> link();
     void giveBack(std::unique_ptr<Link> link);
     // For sessions: columns that lack their tables get them, for a batch that gave them; and the shape of a table. The link is used to read
@@ -34,6 +34,7 @@ public:
 
 private:
     struct State;
+    std::unique_ptr<Link> takeIdle();
     ScratchStore& scratch(Link& link);
     bool renewScratch(Link& link);
 

@@ -9,6 +9,7 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace merchantry::db::server {
 namespace {
@@ -50,6 +51,21 @@ public:
     void changed(std::int64_t rows) override { changedRows += rows; }
     std::int64_t changedRows = 0;
 };
+
+constexpr std::string_view kBegin = "BEGIN TRANSACTION";
+
+// What the server says when others are in the way; a user who gave up waiting has no number.
+bool isBusy(const DbError& error) {
+    return error.category() == Category::Busy && error.native() != 0;
+}
+
+// Whether it is known what became of a request whose connection was lost: nothing of a transaction that it does not end itself, and nothing
+// was to be saved by a select.
+bool endsKnown(const Request& request, bool inTransaction) {
+    if (request.isCall)
+        return inTransaction;
+    return request.text == kBegin || (inTransaction ? !touchesTransactions(request.text) : isOneSelect(request.text));
+}
 
 [[noreturn]] void refuseChange() {
     throw serverError(3906, "Failed to update database because the database is read-only.");
@@ -117,6 +133,7 @@ void ServerSession::runAny(const Request& request, ResultSink& sink) {
 
 void ServerSession::run(const Request& request, ResultSink& sink) {
     Link& open = link();
+    const bool inTransaction = depth_.value_or(0) > 0;
     traces_ = traces_ || (!request.isCall && leavesTraces(request.text));
     if (!request.isCall && touchesTransactions(request.text))
         depth_.reset();
@@ -125,15 +142,31 @@ void ServerSession::run(const Request& request, ResultSink& sink) {
         naming.emplace(sink, setsOf(*server_, open, request));
     std::vector<DbError> errors;
     open.run(request, naming ? static_cast<ResultSink&>(*naming) : sink, errors);
-    if (errors.empty())
-        return;
+    if (!errors.empty())
+        fail(errors, request, inTransaction, sink);
+}
+
+// An error may have ended the transaction: the server is asked after each.
+void ServerSession::fail(const std::vector<DbError>& errors, const Request& request, bool inTransaction, ResultSink& sink) {
+    const bool isLost = link_->isLost();
+    const std::exception_ptr failure = failureOf(errors.front(), isLost && endsKnown(request, inTransaction));
     depth_.reset();
-    if (open.isLost())
+    if (isLost)
         depth_ = 0;
-    for (const DbError& error : errors)
-        if (&error != &errors.front())
-            sink.error(error);
-    throw DbError(errors.front());
+    const int begun = begun_;
+    if (transactionDepth() == 0 && begun > 0 && (isLost || isBusy(errors.front()))) {
+        begun_ = begun;
+        ended_ = failure;
+    }
+    for (std::size_t i = 1; i < errors.size() && !isLost; ++i)
+        sink.error(errors[i]);
+    std::rethrow_exception(failure);
+}
+
+std::exception_ptr ServerSession::failureOf(const DbError& first, bool isKnown) const {
+    if (link_->isLost())
+        return std::make_exception_ptr(lostError(server_->address(), isKnown));
+    return isBusy(first) ? std::make_exception_ptr(TryAgain(first)) : std::make_exception_ptr(DbError(first));
 }
 
 // Whatever is called may write: it does so in a transaction that is taken back.
@@ -160,7 +193,8 @@ TableShape ServerSession::table(std::string_view name) {
 
 void ServerSession::begin() {
     const std::optional<int> before = depth_;
-    runAlone("BEGIN TRANSACTION");
+    runAlone(kBegin);
+    ++begun_;
     if (before)
         depth_ = *before + 1;
 }
@@ -168,12 +202,15 @@ void ServerSession::begin() {
 void ServerSession::commit() {
     const std::optional<int> before = depth_;
     runAlone("COMMIT TRANSACTION");
+    begun_ = std::max(0, begun_ - 1);
     if (before)
         depth_ = *before - 1;
 }
 
 void ServerSession::rollback() {
-    runAlone("ROLLBACK TRANSACTION");
+    begun_ = 0;
+    if (std::exchange(ended_, nullptr) == nullptr)
+        runAlone("ROLLBACK TRANSACTION");
     depth_ = 0;
 }
 
@@ -184,8 +221,12 @@ void ServerSession::runAlone(std::string_view batch) {
 }
 
 int ServerSession::transactionDepth() const {
+    if (ended_ != nullptr)
+        return begun_;
     if (!depth_)
         depth_ = static_cast<int>(single("SELECT @@TRANCOUNT").toInteger());
+    if (*depth_ == 0)
+        begun_ = 0;
     return *depth_;
 }
 
@@ -204,14 +245,28 @@ Value ServerSession::single(std::string_view select) const {
 }
 
 Link& ServerSession::link() {
-    if (link_ == nullptr || link_->isLost()) {
+    refuseRest();
+    if (link_ == nullptr || link_->isLost() || (mayBeReplaced() && !link_->stillStands())) {
         auto fresh = server_->link();
         const std::lock_guard lock(linkMutex_);
         link_ = std::move(fresh);
         depth_ = 0;
+        begun_ = 0;
         traces_ = false;
     }
     return *link_;
+}
+
+void ServerSession::refuseRest() {
+    if (ended_ == nullptr && begun_ > 0 && link_->isLost())
+        ended_ = std::make_exception_ptr(lostError(server_->address(), true));
+    if (ended_ != nullptr)
+        std::rethrow_exception(ended_);
+}
+
+// Nothing is open on the connection that another would lack.
+bool ServerSession::mayBeReplaced() const {
+    return depth_ == 0 && !traces_;
 }
 
 void ServerSession::cancel() {

@@ -3,6 +3,7 @@
 #include "app/db/server/server.h"
 #include "app/db/session.h"
 
+#include <exception>
 #include <mutex>
 #include <optional>
 
@@ -10,8 +11,9 @@ namespace merchantry::db::server {
 
 struct Request;
 
-// A session on a server: a connection, borrowed as long as the session lives. A connection that was lost is replaced at the next command;
-// what was open on it is gone.
+// A session on a server: a connection, borrowed as long as the session lives. One that was lost is replaced at the next command; so is one
+// that ended while nothing was open on it, before the command is sent. Where a transaction was open, all is refused until its rollback,
+// since what followed would be saved without what came before.
 class ServerSession : public Session {
 public:
     ServerSession(std::shared_ptr<Server> server, std::unique_ptr<Link> link);
@@ -40,12 +42,18 @@ private:
     void runReading(const Request& request, ResultSink& sink);
     Link& link();
     Value single(std::string_view select) const;
+    [[noreturn]] void fail(const std::vector<DbError>& errors, const Request& request, bool inTransaction, ResultSink& sink);
+    std::exception_ptr failureOf(const DbError& first, bool isKnown) const;
+    bool mayBeReplaced() const;
+    void refuseRest();
 
     std::shared_ptr<Server> server_;
     std::mutex linkMutex_; // for cancel, which comes from another thread
     std::unique_ptr<Link> link_;
     bool readOnly_ = false;
     bool traces_ = false;              // the connection is no longer as new
+    mutable int begun_ = 0;            // transactions, by begin()
+    std::exception_ptr ended_;         // what ended them all before their time; told again until the rollback
     mutable std::optional<int> depth_; // of transactions, where it is known
 };
 
