@@ -1,6 +1,7 @@
 #include "app/ErrLog.h"
 
 #include "app/modMain.h"
+#include "app/posting.h"
 #include "base/platform/platform.h"
 #include "base/text.h"
 #include "ui/desk.h"
@@ -28,7 +29,7 @@ void writeRow(db::Connection& connection, const std::string& tag, const std::str
                                  row, none);
 }
 
-// A log that cannot be written at once is not waited for: whoever reads its failure has waited already.
+// A log that cannot be written at once is not waited for: whoever reads its failure has waited already, or read that the server is gone.
 class Impatient : public db::Waiter {
 public:
     explicit Impatient(db::Session& session) : session_(session) { session_.setWaiter(this); }
@@ -56,7 +57,7 @@ void ErrLog::Report(std::string& /*reserved1*/, std::string& tag, std::string& p
         const Impatient impatient(connection->session());
         writeRow(*connection, tag, procedure, number, description);
     } catch (const db::DbError& error) { // a store that takes no rows, as on a full disk
-        if (error.category() == db::DbError::Category::Busy)
+        if (isPassing(error))
             return;
         desk_.message(std::string("The failure could not be kept in the error log: ") + error.what(), caption, icon);
     }

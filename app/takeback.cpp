@@ -1,6 +1,7 @@
 #include "app/takeback.h"
 
 #include "app/db/ado/transaction.h"
+#include "app/db/again.h"
 #include "app/modMain.h"
 #include "base/text.h"
 
@@ -144,14 +145,18 @@ bool WrittenRows::putBack(const Change& change) const {
     return true;
 }
 
+std::string WrittenRows::putAllBack() const {
+    db::Transaction transaction(modMain().Conn);
+    for (const Change& change : changes_)
+        if (!putBack(change))
+            return kWrittenMeanwhile;
+    transaction.commit();
+    return "";
+}
+
 std::string WrittenRows::takeBack() const {
     try {
-        db::Transaction transaction(modMain().Conn);
-        for (const Change& change : changes_)
-            if (!putBack(change))
-                return kWrittenMeanwhile;
-        transaction.commit();
-        return "";
+        return db::againWhenBusy(modMain().Conn->session(), [this] { return putAllBack(); });
     } catch (const db::DbError& error) {
         if (error.hresult() == db::kConflict)
             return kWrittenMeanwhile;

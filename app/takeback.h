@@ -56,6 +56,7 @@ private:
     bool sameKey(const Row& one, const Row& other) const;
     void pair(const std::vector<Row>& gone, std::vector<Row> fresh);
     bool putBack(const Change& change) const;
+    std::string putAllBack() const;
 
     KeyedTable table_;
     db::Sql source_;

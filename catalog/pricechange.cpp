@@ -2,6 +2,7 @@
 
 #include "app/db/ado/recordset.h"
 #include "app/db/ado/transaction.h"
+#include "app/db/again.h"
 #include "app/db/session.h"
 #include "app/modMain.h"
 
@@ -73,10 +74,8 @@ PriceOutcome stopped() {
     return outcome;
 }
 
-} // namespace
-
-PriceOutcome changePrices(const db::ConnectionPtr& connection, const std::string& words, const std::vector<PriceStep>& steps,
-                          const PriceProgress& progress) {
+PriceOutcome changeOnce(const db::ConnectionPtr& connection, const std::string& words, const std::vector<PriceStep>& steps,
+                        const PriceProgress& progress) {
     PriceOutcome outcome;
     db::Transaction transaction(connection);
     const auto made = run(connection, "bsp_NewPriceChange", {textParameter("Words", 255, words)});
@@ -88,7 +87,7 @@ PriceOutcome changePrices(const db::ConnectionPtr& connection, const std::string
     return outcome;
 }
 
-PriceOutcome undoPriceChange(const db::ConnectionPtr& connection, int priceChangeId, const PriceProgress& progress) {
+PriceOutcome undoOnce(const db::ConnectionPtr& connection, int priceChangeId, const PriceProgress& progress) {
     PriceOutcome outcome;
     db::Transaction transaction(connection);
     const auto marked = run(connection, "bsp_UndoPriceChange", {intParameter("PriceChangeID", priceChangeId)});
@@ -106,6 +105,17 @@ PriceOutcome undoPriceChange(const db::ConnectionPtr& connection, int priceChang
     if (outcome.written > 0)
         transaction.commit(); // one that put nothing back can be tried again, when a later change has been undone
     return outcome;
+}
+
+} // namespace
+
+PriceOutcome changePrices(const db::ConnectionPtr& connection, const std::string& words, const std::vector<PriceStep>& steps,
+                          const PriceProgress& progress) {
+    return db::againWhenBusy(connection->session(), [&] { return changeOnce(connection, words, steps, progress); });
+}
+
+PriceOutcome undoPriceChange(const db::ConnectionPtr& connection, int priceChangeId, const PriceProgress& progress) {
+    return db::againWhenBusy(connection->session(), [&] { return undoOnce(connection, priceChangeId, progress); });
 }
 
 } // namespace merchantry::catalog

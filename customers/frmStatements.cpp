@@ -1,5 +1,6 @@
 #include "customers/frmStatements.h"
 
+#include "app/db/again.h"
 #include "app/modMain.h"
 #include "base/guard.h"
 #include "base/numbers.h"
@@ -366,7 +367,8 @@ bool frmStatements::takenBack(std::int64_t run) {
     std::string refusal;
     const bool done = guarded({.tag = kTag, .procedure = "cmdTakeBack_Click", .plain = "Nothing was taken back."}, [&] {
         try {
-            modMain().Conn->Execute(db::Sql("bsp_TakeBackStatementRun ") + run);
+            const auto& conn = modMain().Conn;
+            db::againWhenBusy(conn->session(), [&] { conn->Execute(db::Sql("bsp_TakeBackStatementRun ") + run); });
         } catch (const db::DbError& error) {
             if (error.category() != db::DbError::Category::Raised)
                 throw;

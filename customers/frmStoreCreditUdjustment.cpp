@@ -2,6 +2,7 @@
 
 #include "app/db/ado/transaction.h"
 #include "app/modMain.h"
+#include "app/posting.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "customers/frmCreditAdjCodes.h"
@@ -305,15 +306,16 @@ void frmStoreCreditUdjustment::cmdPostAdjustment_Click() {
 }
 
 void frmStoreCreditUdjustment::postAdjustment(Currency amount) {
-    if (BatchNumber == -1)
-        AddBatch();
-    db::Transaction transaction(modMain().Conn);
-    call("sp_PostAdjustment",
-         {number("BatchNumber", BatchNumber), number("StoreId", StoreId), number("CustomerId", CustomerID), number("CashierId", CashierId),
-          money("AdjustmentAmount", amount), number("CreditId", cbCreditCodes.itemData()),
-          textParameter("CreditCode", kCodeLength, cbCreditCodes.text())});
-    transaction.commit();
-    loadTransactions();
+    if (!hasBatch())
+        return;
+    const bool done = postedWhole([&] {
+        call("sp_PostAdjustment",
+             {number("BatchNumber", BatchNumber), number("StoreId", StoreId), number("CustomerId", CustomerID),
+              number("CashierId", CashierId), money("AdjustmentAmount", amount), number("CreditId", cbCreditCodes.itemData()),
+              textParameter("CreditCode", kCodeLength, cbCreditCodes.text())});
+    });
+    if (done)
+        loadTransactions();
 }
 
 // False when it was said what does not fit.
@@ -365,24 +367,39 @@ bool frmStoreCreditUdjustment::signsFit() {
 // Without a handler: a refusal of the store, because somebody else applied it meanwhile, ends the program with nothing applied twice.
 void frmStoreCreditUdjustment::postApplied() {
     for (int row = 1; row <= grdTrans.dataRows(); ++row)
-        if (!grdTrans.text(row, kApplied).empty())
-            PostAppliedRow(row);
+        if (!grdTrans.text(row, kApplied).empty() && !PostAppliedRow(row))
+            return;
     loadTransactions();
 }
 
-void frmStoreCreditUdjustment::PostAppliedRow(int row) {
+bool frmStoreCreditUdjustment::PostAppliedRow(int row) {
     const std::int64_t transactionNumber = std::stoll(grdTrans.text(row, kNumber));
     const Currency amount = GetAppliedAmount(row);
     if (amount == Currency())
-        return;
+        return true;
+    if (!hasBatch())
+        return false;
+    return postedWhole([&] {
+        call(" sp_PostAppliedAmount",
+             {number("BatchNumber", BatchNumber), number("AppTransNumber", transactionNumber), number("StoreId", StoreId),
+              number("CustomerId", CustomerID), number("CashierId", kApplicationCashier), money("AdjustmentAmount", amount),
+              number("CreditId", kApplicationId), textParameter("CreditCode", kCodeLength, kApplicationCode)});
+    });
+}
+
+// False when the batch could not be opened, which was reported.
+bool frmStoreCreditUdjustment::hasBatch() {
     if (BatchNumber == -1)
         AddBatch();
-    db::Transaction transaction(modMain().Conn);
-    call(" sp_PostAppliedAmount",
-         {number("BatchNumber", BatchNumber), number("AppTransNumber", transactionNumber), number("StoreId", StoreId),
-          number("CustomerId", CustomerID), number("CashierId", kApplicationCashier), money("AdjustmentAmount", amount),
-          number("CreditId", kApplicationId), textParameter("CreditCode", kCodeLength, kApplicationCode)});
-    transaction.commit();
+    return BatchNumber != -1;
+}
+
+bool frmStoreCreditUdjustment::postedWhole(const std::function<void()>& post) {
+    return posted(desk(), caption(), [&] {
+        db::Transaction transaction(modMain().Conn);
+        post();
+        transaction.commit();
+    });
 }
 
 void frmStoreCreditUdjustment::cmdAutoApply_Click() {

@@ -9,6 +9,7 @@
 #include "ui/textbox.h"
 
 #include <cstdint>
+#include <functional>
 
 namespace merchantry::customers {
 
@@ -50,7 +51,9 @@ private:
     void proposePairs();
     void ApplyPair(int credit, int debit, Currency amount);
     void postApplied();
-    void PostAppliedRow(int row);
+    bool PostAppliedRow(int row); // false when it was said why not
+    bool hasBatch();
+    bool postedWhole(const std::function<void()>& post);
     void cmdDetail_Click();
     void cmdAddCode_Click();
     void showDetail();

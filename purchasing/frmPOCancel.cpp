@@ -2,6 +2,7 @@
 
 #include "app/db/ado/transaction.h"
 #include "app/modMain.h"
+#include "app/posting.h"
 #include "app/titles.h"
 #include "base/numbers.h"
 #include "purchasing/frmPOItemHistory.h"
@@ -153,7 +154,7 @@ void frmPOCancel::cmdOK_Click() {
         desk().message("No item is being canceled.", kPostingTitle);
         return;
     }
-    if (!postedUnlessBusy(desk(), [this] { post(); }))
+    if (!posted(desk(), kPostingTitle, [this] { post(); }))
         return;
     modMain().doors.OrderReport(kCancelReport, std::to_string(PONumberToPOID(PONumber)), std::to_string(CancelNumber_));
     DialogResult = true;

@@ -89,7 +89,7 @@ private:
     std::string supplierName_;
     SupplierPrice price_;
     std::string oldText_;  // of the cell that is being edited
-    bool gaveUp_ = false;  // the last save met another writer, and the user did not wait for it: nothing was written
+    bool gaveUp_ = false;  // the last save met another writer, and the user did not wait for it, or lost the connection: it can be repeated
     bool unsaved_ = false; // something was changed since the last save
     bool activated_ = false;
 };

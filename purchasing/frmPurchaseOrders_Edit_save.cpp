@@ -2,7 +2,9 @@
 #include "purchasing/frmPurchaseOrders_Edit.h"
 
 #include "app/db/ado/transaction.h"
+#include "app/db/again.h"
 #include "app/modMain.h"
+#include "app/posting.h"
 #include "purchasing/orders.h"
 #include "ui/waiting.h"
 
@@ -27,9 +29,9 @@ void frmPurchaseOrders_Edit::SavePO() {
     gaveUp_ = false;
     guarded({kTag, "SavePO"}, [this] {
         try {
-            writeOrder();
+            db::againWhenBusy(modMain().Conn->session(), [this] { writeOrder(); });
         } catch (const db::DbError& error) {
-            gaveUp_ = error.category() == db::DbError::Category::Busy;
+            gaveUp_ = isPassing(error);
             throw;
         }
     });

@@ -1,6 +1,7 @@
 #include "purchasing/frmPurchaseOrders_Recv.h"
 
 #include "app/modMain.h"
+#include "app/posting.h"
 #include "app/titles.h"
 #include "base/numbers.h"
 #include "base/shown.h"
@@ -397,7 +398,7 @@ void frmPurchaseOrders_Recv::cmdOK_Click() {
         return;
     }
     spreadOver(lines_, Subtotal_, OtherCost_);
-    if (!postedUnlessBusy(desk(), [this] { ReceiptNumber_ = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_); }))
+    if (!posted(desk(), kPostingTitle, [this] { ReceiptNumber_ = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_); }))
         return;
     MemorizePO();
     if (chkPrintLabels.value())

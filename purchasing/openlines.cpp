@@ -62,18 +62,6 @@ std::int32_t postedNumber(const db::Sql& statement, const char* column) {
     return (*answer)[column].Value().toInt32();
 }
 
-bool postedUnlessBusy(ui::Desk& desk, const std::function<void()>& post) {
-    try {
-        post();
-        return true;
-    } catch (const db::DbError& error) {
-        if (error.category() != db::DbError::Category::Busy)
-            throw;
-        desk.message(error.what(), kPostingTitle, ui::MessageIcon::Exclamation);
-        return false;
-    }
-}
-
 void changeStatus(std::int32_t PONumber, bool anyOpen) {
     const std::string status = anyOpen ? "P" : "C";
     modMain().Conn->Execute(db::Sql("sp_ChangePOStatus ") + PONumber + ", '" + status + "'");

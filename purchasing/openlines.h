@@ -62,9 +62,6 @@ bool breaksStatement(const std::string& text);
 
 // Runs a statement of a posting that answers with the posting's number, which stands in that column. Throws DbError.
 std::int32_t postedNumber(const db::Sql& statement, const char* column);
-// Runs a posting. A user who does not wait for another program that is saving stays where he was, with the store's sentence: the first
-// statement of a posting waits, so that nothing of it is written then. False in that case; other failures pass through.
-bool postedUnlessBusy(ui::Desk& desk, const std::function<void()>& post);
 // Writes that the order is partial, when a line stays open, or closed. Throws DbError.
 void changeStatus(std::int32_t PONumber, bool anyOpen);
 

@@ -1,19 +1,18 @@
 #include "purchasing/orderrun.h"
 
 #include "app/db/ado/transaction.h"
+#include "app/db/again.h"
 #include "base/numbers.h"
 
 #include <algorithm>
 #include <optional>
-#include <utility>
+#include <span>
 
 namespace merchantry::purchasing {
 
 using db::Sql;
 
 namespace {
-
-constexpr int kNoSupplier = -999; // a number that no supplier has
 
 std::int16_t shortOf(db::Recordset& row, const char* column) {
     return row[column].Value().toInt16();
@@ -23,53 +22,35 @@ std::int32_t intOf(db::Recordset& row, const char* column) {
     return row[column].Value().toInt32();
 }
 
-// The order that is being written, and the transaction around it.
-class OrderWriter {
-public:
-    explicit OrderWriter(db::ConnectionPtr connection) : connection_(std::move(connection)) {}
+using Lines = std::span<const OrderLine>;
 
-    void add(const OrderLine& line) {
-        if (line.SupID != supplier_) {
-            close();
-            open(line.SupID);
-        }
-        const auto entered = connection_->Execute(Sql("sp_InsertPOItem ") + poid_ + ", '" + line.SKU + "', '" + line.MatrixSKU + "', " +
-                                                  line.ReorderQty + ", " + line.Cost + ", '" + line.PartNo + "'");
-        if (intOf(*entered, "Qty") > 0)
-            ++taken_;
-    }
-    // An order without lines is given up, and no number is used up for it.
-    void close() {
-        if (transaction_ && taken_ > 0) {
-            connection_->Execute(Sql("sp_UpdatePONumber ") + poid_);
-            transaction_->commit();
-            written_.lines += taken_;
-            ++written_.orders;
-        }
-        transaction_.reset();
-        taken_ = 0;
-    }
-    OrdersWritten stop() {
-        written_.stopped = true;
-        return written_;
-    }
-    const OrdersWritten& written() const { return written_; }
+// The lines at the front that go to one supplier.
+Lines firstOrder(Lines lines) {
+    const auto end = std::find_if(lines.begin(), lines.end(), [&](const OrderLine& line) { return line.SupID != lines.front().SupID; });
+    return {lines.begin(), end};
+}
 
-private:
-    void open(std::int16_t supplier) {
-        transaction_.emplace(connection_);
-        const auto header = connection_->Execute(Sql("sp_InsertPOHeader ") + supplier);
-        poid_ = intOf(*header, "POID");
-        supplier_ = supplier;
+// One order in a transaction of its own: how many lines it took; nothing when it was stopped. An order without lines is given up, and no
+// number is used up for it.
+std::optional<int> writeOrder(const db::ConnectionPtr& connection, Lines lines, const std::function<bool(int line)>& progress) {
+    db::Transaction transaction(connection);
+    const auto header = connection->Execute(Sql("sp_InsertPOHeader ") + lines.front().SupID);
+    const std::int32_t poid = intOf(*header, "POID");
+    int taken = 0;
+    int done = 0;
+    for (const OrderLine& line : lines) {
+        const auto entered = connection->Execute(Sql("sp_InsertPOItem ") + poid + ", '" + line.SKU + "', '" + line.MatrixSKU + "', " +
+                                                 line.ReorderQty + ", " + line.Cost + ", '" + line.PartNo + "'");
+        taken += intOf(*entered, "Qty") > 0 ? 1 : 0;
+        if (!progress(++done))
+            return std::nullopt;
     }
-
-    db::ConnectionPtr connection_;
-    std::optional<db::Transaction> transaction_;
-    int supplier_ = kNoSupplier;
-    int poid_ = 0;
-    int taken_ = 0;
-    OrdersWritten written_;
-};
+    if (taken > 0) {
+        connection->Execute(Sql("sp_UpdatePONumber ") + poid);
+        transaction.commit();
+    }
+    return taken;
+}
 
 } // namespace
 
@@ -136,15 +117,21 @@ void groupBySupplier(std::vector<OrderLine>& lines) {
 
 OrdersWritten writeOrders(const db::ConnectionPtr& connection, const std::vector<OrderLine>& lines,
                           const std::function<bool(int done)>& progress) {
-    OrderWriter writer(connection);
-    int done = 0;
-    for (const OrderLine& line : lines) {
-        writer.add(line);
-        if (!progress(++done))
-            return writer.stop();
+    OrdersWritten written;
+    for (Lines left = lines; !left.empty();) {
+        const Lines order = firstOrder(left);
+        const int before = static_cast<int>(lines.size() - left.size());
+        const auto taken = db::againWhenBusy(
+            connection->session(), [&] { return writeOrder(connection, order, [&](int line) { return progress(before + line); }); });
+        if (!taken) {
+            written.stopped = true;
+            return written;
+        }
+        written.lines += *taken;
+        written.orders += *taken > 0 ? 1 : 0;
+        left = left.subspan(order.size());
     }
-    writer.close();
-    return writer.written();
+    return written;
 }
 
 } // namespace merchantry::purchasing

@@ -1,5 +1,6 @@
 #include "customers/statements/statementrun.h"
 
+#include "app/db/again.h"
 #include "app/db/eachrow.h"
 #include "app/db/work.h"
 #include "base/text.h"
@@ -306,6 +307,28 @@ private:
     std::vector<db::Parameter> parameters_;
 };
 
+std::int32_t postOnce(db::Session& session, const StatementRun& run, const RunProgress& progress, int store, int cashier) {
+    db::Work work(session);
+    try {
+        const std::int32_t number = newRun(session, run.asAt, store, cashier);
+        if (!sameFigures(run, drawAll(session, run.asAt, [&](int percent) { return progress(percent / 2); })))
+            throw AccountsChanged();
+        PostedStatement posted(number);
+        std::size_t done = 0;
+        for (const CustomerStatement& one : run.statements) {
+            step([&](int percent) { return progress(50 + percent / 2); }, done++, run.statements.size());
+            posted.post(session, one);
+        }
+        db::NoResult none;
+        session.execute("EXEC bsp_EndStatementRun " + std::to_string(number), none);
+        work.commit();
+        progress(100);
+        return number;
+    } catch (const Stopped&) {
+        return 0;
+    }
+}
+
 } // namespace
 
 int billingDayOfMonth(db::Session& session) {
@@ -329,25 +352,7 @@ StatementRun drawUpStatements(db::Session& session, Date asAt, const RunProgress
 }
 
 std::int32_t postStatements(db::Session& session, const StatementRun& run, const RunProgress& progress, int store, int cashier) {
-    db::Work work(session);
-    try {
-        const std::int32_t number = newRun(session, run.asAt, store, cashier);
-        if (!sameFigures(run, drawAll(session, run.asAt, [&](int percent) { return progress(percent / 2); })))
-            throw AccountsChanged();
-        PostedStatement posted(number);
-        std::size_t done = 0;
-        for (const CustomerStatement& one : run.statements) {
-            step([&](int percent) { return progress(50 + percent / 2); }, done++, run.statements.size());
-            posted.post(session, one);
-        }
-        db::NoResult none;
-        session.execute("EXEC bsp_EndStatementRun " + std::to_string(number), none);
-        work.commit();
-        progress(100);
-        return number;
-    } catch (const Stopped&) {
-        return 0;
-    }
+    return db::againWhenBusy(session, [&] { return postOnce(session, run, progress, store, cashier); });
 }
 
 StatementRun postedStatements(db::Session& session, std::int32_t run) {
