@@ -2,12 +2,14 @@
 
 #include <arpa/inet.h>
 #include <netdb.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
+#include <deque>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -16,7 +18,9 @@
 namespace merchantry::db {
 namespace {
 
-constexpr int kLookAgainMs = 20;
+constexpr long kNsOfMs = 1'000'000;
+constexpr timespec kLookAgain{0, 20 * kNsOfMs};
+constexpr timespec kLookSoon{0, kNsOfMs / 10}; // while something waits for its time
 
 int connectTo(const std::string& host, int port) {
     addrinfo hints{};
@@ -35,6 +39,8 @@ int connectTo(const std::string& host, int port) {
     freeaddrinfo(found);
     if (line < 0)
         throw std::runtime_error("nobody listens at " + host);
+    const int noWaiting = 1; // for more to be sent with it
+    setsockopt(line, IPPROTO_TCP, TCP_NODELAY, &noWaiting, sizeof noWaiting);
     return line;
 }
 
@@ -43,20 +49,54 @@ bool isReadable(int line) {
     return poll(&one, 1, 0) > 0;
 }
 
-// False at the end of a line.
-bool pass(int from, int to) {
-    std::array<char, 65536> bytes{};
-    const ssize_t got = recv(from, bytes.data(), bytes.size(), 0);
-    return got > 0 && send(to, bytes.data(), static_cast<std::size_t>(got), MSG_NOSIGNAL) == got;
-}
+// What came in on one end waits here until its time, and goes out at the other.
+class Way {
+public:
+    Way(int from, int to, std::chrono::microseconds delay) : from_(from), to_(to), delay_(delay) {}
+
+    // Takes what its end speaks, and sends what is due. False at the end of a line.
+    bool pass(bool speaks) {
+        if (speaks && !take())
+            return false;
+        for (; !waiting_.empty() && waiting_.front().due <= Clock::now(); waiting_.pop_front()) {
+            const std::vector<char>& bytes = waiting_.front().bytes;
+            if (send(to_, bytes.data(), bytes.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(bytes.size()))
+                return false;
+        }
+        return true;
+    }
+    bool waits() const { return !waiting_.empty(); }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    struct Parcel {
+        Clock::time_point due;
+        std::vector<char> bytes;
+    };
+
+    bool take() {
+        std::array<char, 65536> bytes{};
+        const ssize_t got = recv(from_, bytes.data(), bytes.size(), 0);
+        if (got > 0)
+            waiting_.push_back({Clock::now() + delay_, {bytes.begin(), bytes.begin() + got}});
+        return got > 0;
+    }
+
+    int from_;
+    int to_;
+    std::chrono::microseconds delay_;
+    std::deque<Parcel> waiting_;
+};
 
 } // namespace
 
 struct Cable::State {
     // One connection. A request is what its client says after the server has spoken.
     struct Line {
-        int near = -1;
-        int far = -1;
+        int near;
+        int far;
+        Way up;
+        Way down;
         bool asked = false;
         bool nearSpeaks = false;
         bool farSpeaks = false;
@@ -66,6 +106,7 @@ struct Cable::State {
     int serverPort = 0;
     int listener = -1;
     int port = 0;
+    std::chrono::microseconds delay{0}; // of one way
     std::atomic<bool> stop = false;
     std::atomic<int> cuts = 0;
     std::atomic<int> done = 0;
@@ -83,18 +124,23 @@ struct Cable::State {
                 continue;
             }
             passAll();
-            if (isReadable(listener))
-                lines.push_back({accept(listener, nullptr, nullptr), connectTo(host, serverPort)});
+            if (isReadable(listener)) {
+                const int near = accept(listener, nullptr, nullptr);
+                const int far = connectTo(host, serverPort);
+                lines.push_back({near, far, {near, far, delay}, {far, near, delay}});
+            }
         }
         closeAll();
     }
     void watch() {
         std::vector<pollfd> watched{{listener, POLLIN, 0}};
+        bool waits = false;
         for (const Line& line : lines) {
             watched.push_back({line.near, POLLIN, 0});
             watched.push_back({line.far, POLLIN, 0});
+            waits = waits || line.up.waits() || line.down.waits();
         }
-        poll(watched.data(), watched.size(), kLookAgainMs);
+        ppoll(watched.data(), watched.size(), waits ? &kLookSoon : &kLookAgain, nullptr);
         for (std::size_t i = 0; i < lines.size(); ++i) {
             lines[i].nearSpeaks = watched[2 * i + 1].revents != 0;
             lines[i].farSpeaks = watched[2 * i + 2].revents != 0;
@@ -104,8 +150,8 @@ struct Cable::State {
         for (Line& line : lines)
             if (isCutNow(line))
                 return closeAll();
-        std::erase_if(lines, [](const Line& line) {
-            const bool good = (!line.nearSpeaks || pass(line.near, line.far)) && (!line.farSpeaks || pass(line.far, line.near));
+        std::erase_if(lines, [](Line& line) {
+            const bool good = line.up.pass(line.nearSpeaks) && line.down.pass(line.farSpeaks);
             if (!good)
                 closeOne(line);
             return !good;
@@ -135,10 +181,11 @@ struct Cable::State {
     }
 };
 
-Cable::Cable(const std::string& host, int port) : state_(std::make_unique<State>()) {
+Cable::Cable(const std::string& host, int port, std::chrono::microseconds roundTrip) : state_(std::make_unique<State>()) {
     close(connectTo(host, port));
     state_->host = host;
     state_->serverPort = port;
+    state_->delay = roundTrip / 2;
     state_->listener = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;

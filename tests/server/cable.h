@@ -2,16 +2,17 @@
 
 #include "app/db/server/address.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
 namespace merchantry::db {
 
-// A line between a test and a server that can be cut: what connects to its port is passed on, both ways.
+// A line between a test and a server that can be cut, and be a long one: what connects to its port is passed on, both ways.
 class Cable {
 public:
-    // Throws std::runtime_error when the server is not there.
-    Cable(const std::string& host, int port);
+    // Throws std::runtime_error when the server is not there. What goes there and comes back takes the round trip longer.
+    Cable(const std::string& host, int port, std::chrono::microseconds roundTrip = {});
     ~Cable();
     Cable(const Cable&) = delete;
     Cable& operator=(const Cable&) = delete;
