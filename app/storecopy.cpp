@@ -7,11 +7,11 @@
 #include "app/db/schema/schema.h"
 #include "app/db/server/database.h"
 #include "app/db/server/server.h"
+#include "app/storenumbers.h"
+#include "app/storerows.h"
 #include "base/text.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <optional>
 
 namespace merchantry::app {
@@ -19,104 +19,39 @@ namespace {
 
 using db::Session;
 
-constexpr int kRowsAtOnce = 200; // of one statement
-
-std::string bracketed(const std::string& name) {
-    return "[" + replaced(name, "]", "]]") + "]";
-}
-
-std::string floatText(double number) {
-    std::array<char, 40> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::scientific);
-    return {text.data(), end.ptr};
-}
-
-bool isPlain(std::string_view text) {
-    return std::none_of(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0x80U) != 0; });
-}
-
-// A value as a statement writes it, in a form that no server reads in its own way.
-std::string literal(const Value& value) {
-    if (value.isNull())
-        return "NULL";
-    if (value.is<bool>())
-        return value.as<bool>() ? "1" : "0";
-    if (value.is<Currency>())
-        return value.as<Currency>().toFixedText();
-    if (value.is<Decimal>())
-        return value.as<Decimal>().toText();
-    if (value.is<double>())
-        return floatText(value.as<double>());
-    if (value.is<Date>())
-        return "'" + replaced(value.as<Date>().toIsoTextMs(), " ", "T") + "'";
-    if (value.is<Bytes>())
-        return hexText(value.as<Bytes>());
-    if (value.is<std::string>())
-        return (isPlain(value.as<std::string>()) ? "'" : "N'") + replaced(value.as<std::string>(), "'", "''") + "'";
-    return value.toText();
-}
-
-// The columns of a table that hold something of their own.
-std::vector<db::TableShape::Field> storedFields(Session& session, const std::string& table) {
-    std::vector<db::TableShape::Field> fields = session.table(table).fields;
-    std::erase_if(fields, [](const auto& field) { return field.computed; });
-    return fields;
-}
-
-std::string namesOf(const std::vector<db::TableShape::Field>& fields) {
-    std::string names;
-    for (const auto& field : fields)
-        names += (names.empty() ? "" : ", ") + bracketed(field.name);
-    return names;
-}
-
 // Puts the rows that are read from one session into a table of another.
 class TableWriter : public db::ResultSink {
 public:
-    TableWriter(Session& to, std::string table, const std::vector<db::TableShape::Field>& fields)
-        : to_(to), table_(bracketed(table)), head_("INSERT INTO " + table_ + " (" + namesOf(fields) + ") VALUES ") {
+    TableWriter(Session& to, std::string table, const std::vector<db::TableShape::Field>& fields, bool takesJson)
+        : to_(to), table_(bracketed(table)), block_(rowBlockFor(table, fields, takesJson)) {
         identity_ = std::any_of(fields.begin(), fields.end(), [](const auto& field) { return field.identity; });
         switchIdentity("ON");
     }
 
     void beginSet(const std::vector<db::Column>&) override {}
     void row(const db::RowView& row) override {
-        statement_ += statement_.empty() ? head_ + "(" : ", (";
-        for (int i = 0; i < row.size(); ++i)
-            statement_ += (i > 0 ? ", " : "") + literal(row.value(i));
-        statement_ += ")";
+        block_->add(row);
         ++rows;
-        if (++waiting_ == kRowsAtOnce)
-            flush();
+        if (block_->isFull())
+            block_->send(to_);
     }
     void finish() {
-        flush();
+        block_->send(to_);
         switchIdentity("OFF");
     }
     std::int64_t rows = 0;
 
 private:
-    void flush() {
-        if (waiting_ > 0)
-            run(statement_);
-        statement_.clear();
-        waiting_ = 0;
-    }
     void switchIdentity(const std::string& word) {
-        if (identity_)
-            run("SET IDENTITY_INSERT " + table_ + " " + word);
-    }
-    void run(const std::string& batch) {
         db::NoResult none;
-        to_.execute(batch, none);
+        if (identity_)
+            to_.execute("SET IDENTITY_INSERT " + table_ + " " + word, none);
     }
 
     Session& to_;
     std::string table_;
-    std::string head_;
+    std::unique_ptr<RowBlock> block_;
     bool identity_ = false;
-    std::string statement_;
-    int waiting_ = 0;
 };
 
 std::int64_t countOf(Session& session, const std::string& table) {
@@ -126,9 +61,9 @@ std::int64_t countOf(Session& session, const std::string& table) {
     return count;
 }
 
-std::int64_t copyTable(Session& from, Session& to, const std::string& table) {
+std::int64_t copyTable(Session& from, Session& to, const std::string& table, bool takesJson) {
     const auto fields = storedFields(from, table);
-    TableWriter writer(to, table, fields);
+    TableWriter writer(to, table, fields, takesJson);
     from.execute("SELECT " + namesOf(fields) + " FROM " + bracketed(table), writer);
     writer.finish();
     return writer.rows;
@@ -224,9 +159,11 @@ StoreCopy copyStoreTo(const std::string& from, const std::string& to, const Stor
     for (const std::string& table : tables)
         all += countOf(*source, table);
     NewStore made(to);
+    const bool json = takesJson(made.session());
     db::createSchemaWith(made.session(), [&] {
         for (const std::string& table : tables) {
-            done.rows += copyTable(*source, made.session(), table);
+            done.rows += copyTable(*source, made.session(), table, json);
+            carryLastNumber(*source, made.session(), table, isServerPlace(to));
             progress(static_cast<int>(done.rows * 100 / std::max<std::int64_t>(1, all)));
         }
     });

@@ -84,6 +84,67 @@ TEST_F(CopyOnAServer, ThereAndBackIsTheSameStore) {
     EXPECT_EQ(db::brokenInvariants(*server), std::vector<std::string>{}); // its triggers run, its numbers go on
 }
 
+// Every character that JSON or a statement writes in its own way, and more rows than one block holds.
+TEST_F(CopyOnAServer, TextsComeThroughToTheByte) {
+    const auto file = folder / "shop.store";
+    makeFile(file);
+    {
+        const auto session = db::Store::open(file)->session();
+        db::NoResult none;
+        const std::vector<std::string> texts{"\"q\" \\ ''",      "tab\there",          " blanks  ", "\x01\x1F\x7F", "5 \xE2\x82\xAC",
+                                             "\xC2\xA0\xC3\xBF", "line\nline\r\nline", "",          "\\u0041",      "{\"c0\":[null]}"};
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            session->execute("INSERT INTO SalesMessages (Message) VALUES (N'" + texts[i] + "')", none);
+        session->execute(
+            "INSERT INTO ErrorLog (Tag, ProcedureName, ErrorNumber, Description, LogDate) SELECT 'MR_frmItems', 'x', -2147217900, "
+            "'d', DATEADD(ms, a.ID * 3 + b.ID * 7, '20040229 23:59:59.123') FROM "
+            "(SELECT SalesMsgID AS ID FROM SalesMessages) a CROSS JOIN (SELECT SalesMsgID AS ID FROM SalesMessages) b "
+            "CROSS JOIN (SELECT SalesMsgID AS ID FROM SalesMessages) c CROSS JOIN (SELECT TOP 3 SalesMsgID AS ID FROM SalesMessages) d",
+            none);
+        session->execute("UPDATE StoreOptions SET MinDepositPct = 33.3333", none);
+        session->execute("INSERT INTO AccountingFile (Bytes, Content) VALUES (3, 0x00FF10)", none);
+    }
+    copyStoreTo(file.string(), place(), [](int) {});
+    copyStoreTo(place(), (folder / "back.store").string(), [](int) {});
+    const std::vector<std::string> before = allRows(*db::Store::open(file)->session());
+    const std::vector<std::string> after = allRows(*db::Store::open(folder / "back.store")->session());
+    EXPECT_EQ(before.size(), after.size());
+    for (std::size_t i = 0; i < std::min(before.size(), after.size()); ++i)
+        ASSERT_EQ(before[i], after[i]);
+}
+
+// The number of a message that was deleted would be given to another one.
+TEST_F(CopyOnAServer, NumbersOfDeletedRowsAreNotGivenAgain) {
+    const auto file = folder / "shop.store";
+    const auto back = folder / "back.store";
+    makeFile(file);
+    const auto runIn = [](db::Session& session, const std::string& batch) {
+        std::int64_t number = 0;
+        db::EachRow rows([&](const db::RowView& row) { number = row.value(0).toInteger(); });
+        session.execute(batch, rows);
+        return number;
+    };
+    const std::string message = "INSERT INTO SalesMessages (Message) VALUES ('m') SELECT @@IDENTITY";
+    const std::string emptied = "INSERT INTO StockSerials (SKU, MatrixSKU, SerialNo) VALUES ('B', 'B', '1') SELECT @@IDENTITY";
+    std::int64_t last = 0;
+    std::int64_t lastSerial = 0;
+    {
+        const auto session = db::Store::open(file)->session();
+        runIn(*session, message);
+        for (int i = 0; i < 3; ++i) {
+            last = runIn(*session, message);
+            lastSerial = runIn(*session, emptied + " DELETE FROM StockSerials");
+        }
+        runIn(*session, "DELETE FROM SalesMessages WHERE SalesMsgID > 1");
+    }
+    copyStoreTo(file.string(), place(), [](int) {});
+    copyStoreTo(place(), back.string(), [](int) {});
+    EXPECT_EQ(runIn(*openStore(place()), message), last + 1);
+    EXPECT_GT(runIn(*openStore(place()), emptied), lastSerial);
+    EXPECT_EQ(runIn(*openStore(back.string()), message), last + 1);
+    EXPECT_EQ(checkStoreFile(back), std::vector<std::string>{});
+}
+
 TEST_F(CopyOnAServer, NothingOfAnotherStoreIsOverwritten) {
     const auto file = folder / "shop.store";
     makeFile(file);
