@@ -7,7 +7,8 @@ namespace merchantry::ui {
 // A push button. The caption's "&" stands before its mnemonic.
 class Button : public Control {
 public:
-    Button(Form& form, std::string name, std::string caption) : Control(form, std::move(name)), caption_(std::move(caption)) {}
+    Button(Form& form, std::string_view name, std::string_view caption);
+    ~Button() override;
     Role role() const override { return Role::Button; }
     bool takesFocus() const override { return true; }
 
@@ -42,10 +43,8 @@ private:
 // A picture that is clicked like a button, such as the arrows beside a list. `icon` names a drawing of the skin ("arrow-up").
 class Image : public Control {
 public:
-    Image(Form& form, std::string name, std::string iconName, std::string what)
-        : Control(form, std::move(name)), icon(std::move(iconName)) {
-        setToolTip(std::move(what));
-    }
+    Image(Form& form, std::string_view name, std::string_view iconName, std::string_view what);
+    ~Image() override;
     Role role() const override { return Role::Image; }
     bool takesFocus() const override { return static_cast<bool>(click); }
     void press() {

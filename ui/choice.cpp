@@ -4,6 +4,15 @@
 
 namespace merchantry::ui {
 
+CheckBox::CheckBox(Form& form, std::string_view name, std::string_view caption) : Control(form, name), caption_(caption) {}
+
+CheckBox::~CheckBox() = default;
+
+OptionButton::OptionButton(Form& form, std::string_view name, std::string_view caption, bool on)
+    : Control(form, name), caption_(caption), value_(on) {}
+
+OptionButton::~OptionButton() = default;
+
 void CheckBox::setCaption(std::string caption) {
     caption_ = std::move(caption);
     changed(Aspect::Text);

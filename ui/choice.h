@@ -7,7 +7,8 @@ namespace merchantry::ui {
 // A box that is on or off.
 class CheckBox : public Control {
 public:
-    CheckBox(Form& form, std::string name, std::string caption) : Control(form, std::move(name)), caption_(std::move(caption)) {}
+    CheckBox(Form& form, std::string_view name, std::string_view caption);
+    ~CheckBox() override;
     Role role() const override { return Role::CheckBox; }
     bool takesFocus() const override { return true; }
 
@@ -27,8 +28,8 @@ private:
 // One of several choices; those of one frame (or of the form itself) with the same group text exclude one another.
 class OptionButton : public Control {
 public:
-    OptionButton(Form& form, std::string name, std::string caption, bool on = false)
-        : Control(form, std::move(name)), caption_(std::move(caption)), value_(on) {}
+    OptionButton(Form& form, std::string_view name, std::string_view caption, bool on = false);
+    ~OptionButton() override;
     Role role() const override { return Role::OptionButton; }
     bool takesFocus() const override { return true; }
 

@@ -5,7 +5,7 @@
 
 namespace merchantry::ui {
 
-Control::Control(Form& form, std::string name) : form_(form), name_(std::move(name)) {
+Control::Control(Form& form, std::string_view name) : form_(form), name_(name) {
     form_.add(*this);
 }
 
@@ -29,11 +29,6 @@ void Control::setVisible(bool on) {
 
 void Control::setToolTip(std::string text) {
     toolTip_ = std::move(text);
-    changed(Aspect::Look);
-}
-
-void Control::setBackColor(Color color) {
-    backColor_ = color;
     changed(Aspect::Look);
 }
 

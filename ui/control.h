@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace merchantry::ui {
 
@@ -52,7 +53,7 @@ struct Place {
 // where the comment of the property says so.
 class Control {
 public:
-    Control(Form& form, std::string name);
+    Control(Form& form, std::string_view name);
     virtual ~Control();
     Control(const Control&) = delete;
     Control& operator=(const Control&) = delete;
@@ -67,8 +68,6 @@ public:
     void setVisible(bool on);
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(std::string text);
-    Color backColor() const { return backColor_; }
-    void setBackColor(Color color);
     Color foreColor() const { return foreColor_; }
     void setForeColor(Color color);
 
@@ -106,7 +105,6 @@ private:
     std::string toolTip_;
     bool enabled_ = true;
     bool visible_ = true;
-    Color backColor_ = Color::None;
     Color foreColor_ = Color::None;
     Place place_;
     Control* container_ = nullptr;

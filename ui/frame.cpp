@@ -5,6 +5,18 @@
 
 namespace merchantry::ui {
 
+Frame::Frame(Form& form, std::string_view name, std::string_view caption) : Control(form, name), caption_(caption) {}
+
+Frame::~Frame() = default;
+
+ProgressBar::ProgressBar(Form& form, std::string_view name) : Control(form, name) {}
+
+ProgressBar::~ProgressBar() = default;
+
+Timer::Timer(Form& form, std::string_view name, int interval) : Control(form, name), intervalMs(interval) {
+    setEnabled(false);
+}
+
 Timer::~Timer() {
     stop();
 }

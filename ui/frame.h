@@ -9,7 +9,8 @@ namespace merchantry::ui {
 // A box with a heading around other controls: hiding or disabling it does so with all it holds.
 class Frame : public Control {
 public:
-    Frame(Form& form, std::string name, std::string caption = "") : Control(form, std::move(name)), caption_(std::move(caption)) {}
+    Frame(Form& form, std::string_view name, std::string_view caption = "");
+    ~Frame() override;
     Role role() const override { return Role::Frame; }
     const std::string& caption() const { return caption_; }
     void setCaption(std::string caption) {
@@ -24,7 +25,8 @@ private:
 // How far a long work is, from 0 to most; with most 0 it is at work and nobody knows how far.
 class ProgressBar : public Control {
 public:
-    ProgressBar(Form& form, std::string name) : Control(form, std::move(name)) {}
+    ProgressBar(Form& form, std::string_view name);
+    ~ProgressBar() override;
     Role role() const override { return Role::ProgressBar; }
     int value() const { return value_; }
     int most() const { return most_; }
@@ -42,7 +44,7 @@ private:
 // Fires every intervalMs while enabled. Made disabled; enabling an enabled timer does not start it anew.
 class Timer : public Control {
 public:
-    Timer(Form& form, std::string name, int interval) : Control(form, std::move(name)), intervalMs(interval) { setEnabled(false); }
+    Timer(Form& form, std::string_view name, int interval);
     ~Timer() override;
     Role role() const override { return Role::Timer; }
     bool running() const { return running_; }

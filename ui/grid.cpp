@@ -55,6 +55,8 @@ std::string stored(const GridColumn& column, const std::string& text) {
 
 } // namespace
 
+Grid::Grid(Form& form, std::string_view name) : Control(form, name) {}
+
 Grid::~Grid() {
     if (bound_ != nullptr && !boundLives_.expired())
         bound_->stopListening(listener_);

@@ -52,7 +52,7 @@ struct GridBar {
 // A move of the current cell runs beforeRowColChange (may refuse), rowColChange.
 class Grid : public Control {
 public:
-    Grid(Form& form, std::string name) : Control(form, std::move(name)) {}
+    Grid(Form& form, std::string_view name);
     ~Grid() override;
     Role role() const override { return Role::Grid; }
     bool takesFocus() const override { return true; }

@@ -7,7 +7,8 @@ namespace merchantry::ui {
 // A text on the form. With a click procedure it looks and works like a link.
 class Label : public Control {
 public:
-    Label(Form& form, std::string name, std::string caption = "") : Control(form, std::move(name)), caption_(std::move(caption)) {}
+    Label(Form& form, std::string_view name, std::string_view caption = "");
+    ~Label() override;
     Role role() const override { return Role::Label; }
 
     const std::string& caption() const { return caption_; }

@@ -8,6 +8,16 @@ namespace merchantry::ui {
 
 using Kind = Item::Kind;
 
+Item::Item() = default;
+Item::~Item() = default;
+Item::Item(const Item&) = default;
+Item::Item(Item&&) noexcept = default;
+Item& Item::operator=(const Item&) = default;
+Item& Item::operator=(Item&&) noexcept = default;
+
+Item::Item(Kind kind, Control* control, std::string text, std::vector<Item> children)
+    : kind_(kind), control_(control), text_(std::move(text)), children_(std::move(children)) {}
+
 Item at(Control& control) {
     return {Kind::Control, &control, "", {}};
 }

@@ -39,9 +39,13 @@ public:
         Gap,     // the distance between two groups of things
     };
 
-    Item() = default;
-    Item(Kind kind, Control* control, std::string text, std::vector<Item> children)
-        : kind_(kind), control_(control), text_(std::move(text)), children_(std::move(children)) {}
+    Item();
+    ~Item();
+    Item(const Item&);
+    Item(Item&&) noexcept;
+    Item& operator=(const Item&);
+    Item& operator=(Item&&) noexcept;
+    Item(Kind kind, Control* control, std::string text, std::vector<Item> children);
 
     Kind kind() const { return kind_; }
     Control* control() const { return control_; }

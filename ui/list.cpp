@@ -14,6 +14,14 @@ int positionOf(const std::vector<ListEntry>& entries, const std::string& text) {
 
 } // namespace
 
+ListBox::ListBox(Form& form, std::string_view name) : Control(form, name) {}
+
+ListBox::~ListBox() = default;
+
+ComboBox::ComboBox(Form& form, std::string_view name) : Control(form, name) {}
+
+ComboBox::~ComboBox() = default;
+
 void ListBox::add(std::string text, int itemData) {
     entries_.push_back({std::move(text), itemData});
     changed(Aspect::Items);

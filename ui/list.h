@@ -16,7 +16,8 @@ struct ListEntry {
 // A list of which one entry, or none, is selected. Positions count from 0; -1 is no selection.
 class ListBox : public Control {
 public:
-    ListBox(Form& form, std::string name) : Control(form, std::move(name)) {}
+    ListBox(Form& form, std::string_view name);
+    ~ListBox() override;
     Role role() const override { return Role::ListBox; }
     bool takesFocus() const override { return true; }
 
@@ -48,7 +49,8 @@ private:
 // A field of text with a list to choose from. Only a listed text may be typed unless `editable`.
 class ComboBox : public Control {
 public:
-    ComboBox(Form& form, std::string name) : Control(form, std::move(name)) {}
+    ComboBox(Form& form, std::string_view name);
+    ~ComboBox() override;
     Role role() const override { return Role::ComboBox; }
     bool takesFocus() const override { return true; }
     bool tabStop() const override { return !locked_; }

@@ -11,11 +11,8 @@ namespace merchantry::ui {
 // A command or a submenu of a form's menu bar. Entries without a parent are the bar itself. A caption "-" is a line.
 class MenuEntry : public Control {
 public:
-    MenuEntry(Form& form, std::string name, std::string caption, MenuEntry* parent = nullptr)
-        : Control(form, std::move(name)), caption_(std::move(caption)), parent_(parent) {
-        if (parent != nullptr)
-            parent->children_.push_back(this);
-    }
+    MenuEntry(Form& form, std::string_view name, std::string_view caption, MenuEntry* parent = nullptr);
+    ~MenuEntry() override;
     Role role() const override { return Role::MenuEntry; }
     const std::string& caption() const { return caption_; }
     MenuEntry* parent() const { return parent_; }
@@ -42,7 +39,8 @@ struct ToolButton {
 // A bar of buttons, told apart by key.
 class Toolbar : public Control {
 public:
-    Toolbar(Form& form, std::string name, std::vector<ToolButton> buttons) : Control(form, std::move(name)), buttons_(std::move(buttons)) {}
+    Toolbar(Form& form, std::string_view name, std::vector<ToolButton> buttons);
+    ~Toolbar() override;
     Role role() const override { return Role::Toolbar; }
     const std::vector<ToolButton>& buttons() const { return buttons_; }
     void press(const std::string& key) {

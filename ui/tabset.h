@@ -10,8 +10,8 @@ namespace merchantry::ui {
 // A set of pages of which one is turned up. Pages count from 0 here; screens that number theirs from 1 add one.
 class TabSet : public Control {
 public:
-    TabSet(Form& form, std::string name, std::vector<std::string> captions)
-        : Control(form, std::move(name)), captions_(std::move(captions)) {}
+    TabSet(Form& form, std::string_view name, std::vector<std::string> captions);
+    ~TabSet() override;
     Role role() const override { return Role::TabSet; }
     bool takesFocus() const override { return true; }
 

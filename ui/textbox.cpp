@@ -9,6 +9,10 @@
 
 namespace merchantry::ui {
 
+TextBox::TextBox(Form& form, std::string_view name) : Control(form, name) {}
+
+TextBox::~TextBox() = default;
+
 void TextBox::setText(std::string text) {
     if (text_ == text)
         return;

@@ -9,7 +9,8 @@ namespace merchantry::ui {
 // A field of text. With a mask ("(###) ###-####": # a digit, other characters stand) it takes only what fits.
 class TextBox : public Control {
 public:
-    TextBox(Form& form, std::string name) : Control(form, std::move(name)) {}
+    TextBox(Form& form, std::string_view name);
+    ~TextBox() override;
     Role role() const override { return Role::TextBox; }
     bool takesFocus() const override { return true; }
     bool tabStop() const override { return !locked_; }

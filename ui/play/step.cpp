@@ -117,10 +117,6 @@ int Step::number(const std::string& what) {
     return *number;
 }
 
-bool Step::nextIsNumber() const {
-    return more() && numberFrom(words_[at_]).has_value();
-}
-
 bool Step::nextIsText() const {
     return more() && words_[at_].kind == Word::Kind::Text;
 }

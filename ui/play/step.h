@@ -41,7 +41,6 @@ public:
     std::string text(const std::string& what); // in quotes
     std::string any(const std::string& what);  // either
     int number(const std::string& what);
-    bool nextIsNumber() const;
     bool nextIsText() const;
     // Takes the word if it is the next.
     bool accept(std::string_view word);

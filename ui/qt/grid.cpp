@@ -104,7 +104,7 @@ private:
     void showWish() {
         const int rows = lines_ > 0 ? lines_ : kOwnRows;
         const int width = characters_ > 0 ? characters_ * view_->fontMetrics().averageCharWidth() + 24 : view_->wishedWidth() + 16;
-        static_cast<GridFrame*>(widget_)->hint = {std::clamp(width, 160, kWidestOwn), kAround + rows * view_->rowHeight()};
+        static_cast<GridFrame*>(widget_)->hint = {std::clamp(width, 160, kWidestOwn), kAround + rows * measure::kRow};
         widget_->setMinimumWidth(std::min(std::max(width, 120), kNarrowestWide));
         widget_->updateGeometry();
     }

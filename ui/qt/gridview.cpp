@@ -46,7 +46,7 @@ GridView::GridView(FormWindow& host, Grid& grid, QWidget* parent)
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setMinimumSectionSize(16);
-    verticalHeader()->setDefaultSectionSize(rowHeight());
+    verticalHeader()->setDefaultSectionSize(measure::kRow);
     host_.watch(*this, grid);
     host_.watch(*viewport(), grid);
     viewport()->installEventFilter(this);
@@ -60,10 +60,6 @@ GridView::GridView(FormWindow& host, Grid& grid, QWidget* parent)
     });
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { placeEditor(); });
     connect(horizontalScrollBar(), &QScrollBar::valueChanged, this, [this] { placeEditor(); });
-}
-
-int GridView::rowHeight() const {
-    return host_.desk().dense() ? measure::kDenseRow : measure::kRow;
 }
 
 bool GridView::act(const std::function<void()>& procedure) {
@@ -100,7 +96,7 @@ void GridView::follow() {
 }
 
 void GridView::restyle() {
-    verticalHeader()->setDefaultSectionSize(rowHeight());
+    verticalHeader()->setDefaultSectionSize(measure::kRow);
     viewport()->update();
     horizontalHeader()->viewport()->update();
 }
@@ -395,7 +391,7 @@ void GridView::step(int rows, bool extend) {
 }
 
 bool GridView::moveKey(int key, bool extend) {
-    const int page = std::max(1, viewport()->height() / rowHeight() - 1);
+    const int page = std::max(1, viewport()->height() / measure::kRow - 1);
     switch (key) {
     case Qt::Key_Up:
         return step(-1, extend), true;

@@ -27,7 +27,6 @@ public:
     QWidget* editor() const { return editor_; }
     // Sum of the widths that the columns ask for.
     int wishedWidth() const;
-    int rowHeight() const;
 
     std::function<void(bool on)> onFocus; // the keyboard came, or went
 

@@ -119,9 +119,6 @@ private:
         QString sheet;
         if (label_.foreColor() != Color::None)
             sheet += QStringLiteral("color: %1;").arg(host_.skin().ink(label_.foreColor()).name());
-        if (label_.backColor() != Color::None)
-            sheet +=
-                QStringLiteral("background: %1; border-radius: 4px; padding: 2px 8px;").arg(host_.skin().ground(label_.backColor()).name());
         if (widget_->styleSheet() != sheet)
             widget_->setStyleSheet(sheet);
     }

@@ -136,13 +136,6 @@ void QtDesk::setTone(Tone tone) {
             window->restyle();
 }
 
-void QtDesk::setDense(bool on) {
-    dense_ = on;
-    for (const auto& [form, window] : windows_)
-        if (window != nullptr)
-            window->restyle();
-}
-
 FormWindow* QtDesk::window(const Form& form) const {
     const auto found = windows_.find(&form);
     return found == windows_.end() ? nullptr : found->second.data();

@@ -47,9 +47,6 @@ public:
     const Skin& skin() const { return skin_; }
     // Draws everything anew in that look.
     void setTone(Tone tone);
-    // Rows of grids 24 instead of 30 high.
-    bool dense() const { return dense_; }
-    void setDense(bool on);
 
     // The window of a form; null when it has none.
     FormWindow* window(const Form& form) const;
@@ -102,7 +99,6 @@ private:
     QApplication& application_;
     bool systemDark_;
     Skin skin_;
-    bool dense_ = false;
     std::map<const Form*, QPointer<FormWindow>> windows_;
     std::map<Timer*, std::unique_ptr<QTimer>> timers_;
     std::vector<Loop> loops_;

@@ -26,7 +26,6 @@ constexpr int kEdge = 20;
 constexpr int kField = 32; // height of one-line fields and of buttons
 constexpr int kQuiet = 22; // height of a button on a line of text
 constexpr int kRow = 30;   // of a grid
-constexpr int kDenseRow = 24;
 constexpr int kRadius = 6;
 constexpr int kPanelRadius = 8;
 constexpr int kIcon = 18;

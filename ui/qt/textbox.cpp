@@ -24,8 +24,6 @@ void showColors(QWidget& widget, const Control& control, const Skin& skin) {
     QString sheet;
     if (control.foreColor() != Color::None)
         sheet += QStringLiteral("color: %1;").arg(skin.ink(control.foreColor()).name());
-    if (control.backColor() != Color::None)
-        sheet += QStringLiteral("background: %1; color: %2;").arg(skin.ground(control.backColor()).name(), skin.tokens().ink.name());
     if (widget.styleSheet() != sheet)
         widget.setStyleSheet(sheet);
 }
