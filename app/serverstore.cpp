@@ -1,8 +1,8 @@
 #include "app/serverstore.h"
 
+#include "app/db/ado/provider.h"
 #include "app/db/eachrow.h"
 #include "app/db/embedded/store.h"
-#include "app/db/provider.h"
 #include "app/db/schema/content.h"
 #include "app/db/schema/schema.h"
 #include "app/db/server/database.h"

@@ -1,9 +1,9 @@
 #include "app/storecopy.h"
 
+#include "app/db/ado/provider.h"
 #include "app/db/eachrow.h"
 #include "app/db/embedded/filecopy.h"
 #include "app/db/embedded/store.h"
-#include "app/db/provider.h"
 #include "app/db/schema/schema.h"
 #include "app/db/server/database.h"
 #include "app/db/server/server.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/db/sql.h"
+#include "app/db/tsql/sql.h"
 #include "app/failure.h"
 #include "base/value.h"
 #include "ui/undoline.h"

@@ -204,9 +204,4 @@ std::string withThousands(std::int64_t number) {
     return text;
 }
 
-double roundHalfEven(double number, int decimals) {
-    const double factor = std::pow(10.0, decimals);
-    return std::nearbyint(number * factor) / factor;
-}
-
 } // namespace merchantry

@@ -40,7 +40,4 @@ std::string withoutFormula(std::string_view cell);
 // "1,234,567".
 std::string withThousands(std::int64_t number);
 
-// Rounded to so many decimals, halves to even.
-double roundHalfEven(double number, int decimals);
-
 } // namespace merchantry

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/db/sql.h"
+#include "app/db/tsql/sql.h"
 #include "ui/form.h"
 #include "ui/frame.h"
 #include "ui/grid.h"

@@ -1,6 +1,6 @@
 #include "programs/storehost.h"
 
-#include "app/db/provider.h"
+#include "app/db/ado/provider.h"
 #include "app/db/server/address.h"
 #include "app/frmLogin.h"
 #include "app/modMain.h"

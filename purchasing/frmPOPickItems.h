@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/db/sql.h"
+#include "app/db/tsql/sql.h"
 #include "purchasing/pickform.h"
 #include "purchasing/pickrows.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/db/sql.h"
+#include "app/db/tsql/sql.h"
 #include "base/currency.h"
 #include "ui/desk.h"
 #include "ui/grid.h"

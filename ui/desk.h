@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/clock.h"
+#include "base/platform/clock.h"
 
 #include <chrono>
 #include <filesystem>

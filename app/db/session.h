@@ -2,7 +2,7 @@
 
 #include "app/db/dberror.h"
 #include "app/db/sqltype.h"
-#include "base/clock.h"
+#include "base/platform/clock.h"
 #include "base/value.h"
 
 #include <chrono>

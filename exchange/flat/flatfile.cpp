@@ -2,7 +2,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "exchange/csv.h"
+#include "exchange/flat/csv.h"
 
 #include <charconv>
 #include <cmath>

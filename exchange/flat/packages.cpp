@@ -80,10 +80,6 @@ const std::vector<FlatPackage> kPackages{
 
 } // namespace
 
-std::span<const FlatPackage> flatPackages() {
-    return kPackages;
-}
-
 const FlatPackage& flatPackage(std::string_view name) {
     return *std::find_if(kPackages.begin(), kPackages.end(), [&](const FlatPackage& package) { return name == package.name; });
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -22,8 +21,6 @@ struct FlatPackage {
     bool heading; // the file's first row names the columns; on import they are found by it, else by their order
 };
 
-// In the file's order on export.
-std::span<const FlatPackage> flatPackages();
 // Requires: there is one of that name.
 const FlatPackage& flatPackage(std::string_view name);
 

@@ -2,7 +2,7 @@
 
 #include "base/guard.h"
 #include "base/text.h"
-#include "exchange/csv.h"
+#include "exchange/flat/csv.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,8 +1,8 @@
 #include "programs/merchantryctl/commands.h"
 
+#include "app/db/ado/provider.h"
 #include "app/db/embedded/answers.h"
 #include "app/db/embedded/script.h"
-#include "app/db/provider.h"
 #include "app/db/schema/schema.h"
 #include "app/db/server/database.h"
 #include "app/db/server/server.h"

@@ -3,7 +3,7 @@
 #include "app/Resizer.h"
 #include "app/addresses.h"
 #include "app/configstore.h"
-#include "app/db/provider.h"
+#include "app/db/ado/provider.h"
 #include "app/modPhone.h"
 #include "tests/scratchfolder.h"
 #include "ui/desk.h"

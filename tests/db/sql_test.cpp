@@ -1,4 +1,4 @@
-#include "app/db/sql.h"
+#include "app/db/tsql/sql.h"
 
 #include "app/db/dberror.h"
 #include "app/db/tsql/parser.h"

@@ -1,4 +1,4 @@
-#include "exchange/csv.h"
+#include "exchange/flat/csv.h"
 
 #include <fstream>
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 #include "app/db/schema/schema.h"
 #include "demo/demostore.h"
 #include "exchange/accounting/daybook.h"
-#include "exchange/csv.h"
+#include "exchange/flat/csv.h"
 #include "reports/engine/exports.h"
 #include "tests/db/teststore.h"
 #include "tests/exchange/iifreader.h"

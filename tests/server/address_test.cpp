@@ -1,6 +1,6 @@
 #include "app/db/server/address.h"
 
-#include "app/db/provider.h"
+#include "app/db/ado/provider.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/db/provider.h"
+#include "app/db/ado/provider.h"
 #include "app/db/server/database.h"
 #include "app/db/server/server.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/db/provider.h"
-#include "app/db/sql.h"
+#include "app/db/ado/provider.h"
+#include "app/db/tsql/sql.h"
 
 #include <memory>
 #include <string>

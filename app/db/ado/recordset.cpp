@@ -161,16 +161,6 @@ void Recordset::MoveNext() {
     ++position_;
 }
 
-void Recordset::MovePrevious() {
-    needRow();
-    --position_;
-}
-
-void Recordset::setAbsolutePosition(int position) {
-    needOpen();
-    position_ = std::clamp(position - 1, -1, RecordCount());
-}
-
 Field Recordset::operator[](const std::string& name) {
     needOpen();
     const int column = store_->columnOf(name);

@@ -67,10 +67,8 @@ public:
     void MoveFirst();
     void MoveLast();
     void MoveNext();
-    void MovePrevious();
     // From 1; 0 when there is no current row.
     int AbsolutePosition() const { return onRow() ? position_ + 1 : 0; }
-    void setAbsolutePosition(int position);
     int RecordCount() const { return static_cast<int>(view_.size()); }
 
     int FieldCount() const { return columnCount(); }

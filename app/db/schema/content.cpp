@@ -2,7 +2,7 @@
 
 #include "app/db/eachrow.h"
 #include "app/db/schema/schema.h"
-#include "app/db/sql.h"
+#include "app/db/tsql/sql.h"
 #include "app/db/work.h"
 
 #include <array>

@@ -3,7 +3,7 @@
 #include "app/db/embedded/text_order.h"
 #include "tests/db/embedded/rows.h"
 
-#include "base/clock.h"
+#include "base/platform/clock.h"
 
 #include <gtest/gtest.h>
 

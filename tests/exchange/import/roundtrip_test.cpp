@@ -1,7 +1,7 @@
 // What is written is read back cell for cell: by this program's own writer of delimited text, and by a writer of workbooks.
 
 #include "base/text.h"
-#include "exchange/csv.h"
+#include "exchange/flat/csv.h"
 #include "tests/exchange/import/readwhole.h"
 #include "tests/scratchfolder.h"
 

@@ -1,4 +1,4 @@
-#include "exchange/csv.h"
+#include "exchange/flat/csv.h"
 
 #include <array>
 #include <csv.h>

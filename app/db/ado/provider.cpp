@@ -1,4 +1,4 @@
-#include "app/db/provider.h"
+#include "app/db/ado/provider.h"
 
 #include "app/db/embedded/store.h"
 #include "app/db/server/server.h"

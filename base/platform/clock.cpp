@@ -1,4 +1,4 @@
-#include "base/clock.h"
+#include "base/platform/clock.h"
 
 #include "base/platform/platform.h"
 
