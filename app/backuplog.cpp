@@ -1,6 +1,7 @@
 #include "app/backuplog.h"
 
 #include "app/db/dberror.h"
+#include "base/counted.h"
 #include "base/platform/files.h"
 #include "base/text.h"
 
@@ -51,7 +52,7 @@ std::optional<BackupNote> lastNote(const std::filesystem::path& store, const std
 }
 
 std::string daysText(std::int64_t days) {
-    return std::to_string(days) + (days == 1 ? " day" : " days");
+    return counted(days, "day");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "app/firstroad.h"
 
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "ui/desk.h"
@@ -32,10 +33,6 @@ private:
     db::Recordset& row_;
 };
 
-std::string counted(std::int64_t number, const std::string& one) {
-    return withThousands(number) + " " + one + (number == 1 ? "" : "s");
-}
-
 Found address(const Store& store) {
     if (store.text("StoreName").empty())
         return {State::ToDo, "Stands on receipts, orders and reports"};
@@ -48,7 +45,7 @@ Found taxes(const Store& store) {
     const std::int64_t classes = store.count("TaxClasses");
     if (classes == 0)
         return {State::ToDo, "Nothing is taxed yet"};
-    return {State::Done, withThousands(classes) + (classes == 1 ? " class" : " classes") + " beside the untaxed one"};
+    return {State::Done, counted(classes, "class", "classes") + " beside the untaxed one"};
 }
 
 Found departments(const Store& store) {

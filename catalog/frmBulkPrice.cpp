@@ -1,6 +1,7 @@
 #include "catalog/frmBulkPrice.h"
 
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "catalog/itemscreen.h"
@@ -35,7 +36,7 @@ db::ConnectionPtr ownConnection() {
 }
 
 std::string priceCount(int count) {
-    return withThousands(count) + (count == 1 ? " price" : " prices");
+    return counted(count, "price");
 }
 
 // By the newest posting of each item, which is what its other screens show.
@@ -49,7 +50,7 @@ std::unordered_map<std::string, Currency> costsOfItems() {
 }
 
 std::string wordsForBelowCost(int count) {
-    return withThousands(count) + (count == 1 ? " falls below cost" : " fall below cost");
+    return counted(count, "falls below cost", "fall below cost");
 }
 
 // The prices left alone, the first of them by name.
@@ -70,29 +71,7 @@ std::string wordsForSkipped(const std::vector<PriceStep>& skipped) {
 
 frmBulkPrice::frmBulkPrice(Desk& desk) : Form(desk, "frmBulkPrice", "Change Prices") {
     setIcon("items");
-    using Format = GridColumn::Format;
-    grdPrices.setColumns({{.heading = "SKU", .fixedWidth = true},
-                          {.heading = "MatrixSKU", .fixedWidth = true},
-                          {.heading = "Name", .characters = 26},
-                          {.heading = "Qty >=", .format = Format::Number},
-                          {.heading = "Before", .format = Format::Currency},
-                          {.heading = "After", .format = Format::Currency},
-                          {.heading = "Remark", .characters = 18}});
-    grdPrices.editable = grdChanges.editable = false;
-    grdPrices.emptyText = "The items of the list have no prices in this tier.";
-    grdPrices.colorOf = [this](int row, int column) {
-        const auto& line = preview_.lines()[static_cast<std::size_t>(row) - 1];
-        const bool refused = line.remark == NewPrice::Remark::NotAboveZero || line.remark == NewPrice::Remark::NoPrice;
-        if (column != preview_.columnCount() - 1)
-            return Color::None;
-        return refused ? Color::Red : line.belowCost() ? Color::Yellow : Color::None;
-    };
-    grdChanges.setColumns({{.heading = "PriceChangeID", .hidden = true},
-                           {.heading = "Made", .characters = 20},
-                           {.heading = "Change", .characters = 30},
-                           {.heading = "Prices", .format = Format::Number},
-                           {.heading = "Undone", .characters = 20}});
-    grdChanges.emptyText = "No prices have been changed together yet.";
+    shapeGrids();
     for (const char* by : {"Percent", "Amount"})
         lbxBy.add(by);
     for (const PriceRounding& rounding : priceRoundings())
@@ -142,6 +121,32 @@ frmBulkPrice::frmBulkPrice(Desk& desk) : Form(desk, "frmBulkPrice", "Change Pric
               }),
         buttons({at(prgWrite).wide(40), at(cmdStop), stretch(), at(cmdExit)}),
     }));
+}
+
+void frmBulkPrice::shapeGrids() {
+    using Format = GridColumn::Format;
+    grdPrices.setColumns({{.heading = "SKU", .fixedWidth = true},
+                          {.heading = "MatrixSKU", .fixedWidth = true},
+                          {.heading = "Name", .characters = 26},
+                          {.heading = "Qty >=", .format = Format::Number},
+                          {.heading = "Before", .format = Format::Currency},
+                          {.heading = "After", .format = Format::Currency},
+                          {.heading = "Remark", .characters = 18}});
+    grdPrices.editable = grdChanges.editable = false;
+    grdPrices.emptyText = "The items of the list have no prices in this tier.";
+    grdPrices.colorOf = [this](int row, int column) {
+        const auto& line = preview_.lines()[static_cast<std::size_t>(row) - 1];
+        const bool refused = line.remark == NewPrice::Remark::NotAboveZero || line.remark == NewPrice::Remark::NoPrice;
+        if (column != preview_.columnCount() - 1)
+            return Color::None;
+        return refused ? Color::Red : line.belowCost() ? Color::Yellow : Color::None;
+    };
+    grdChanges.setColumns({{.heading = "PriceChangeID", .hidden = true},
+                           {.heading = "Made", .characters = 20},
+                           {.heading = "Change", .characters = 30},
+                           {.heading = "Prices", .format = Format::Number},
+                           {.heading = "Undone", .characters = 20}});
+    grdChanges.emptyText = "No prices have been changed together yet.";
 }
 
 void frmBulkPrice::ChangePrices(std::vector<ListedItem> items) {
@@ -226,7 +231,7 @@ void frmBulkPrice::show() {
             preview_.apply(*wanted);
         else
             preview_.applyNone();
-        says = countOfItems(static_cast<int>(items_.size())) + " in the list, " + priceCount(preview_.rowCount()) +
+        says = counted(static_cast<std::int64_t>(items_.size()), "item") + " in the list, " + priceCount(preview_.rowCount()) +
                " in this tier: " + withThousands(preview_.changing()) + " would change" +
                (preview_.refused() > 0 ? ", " + withThousands(preview_.refused()) + " cannot" : "") +
                (preview_.belowCost() > 0 ? ", " + wordsForBelowCost(preview_.belowCost()) : "") + ".";
@@ -246,7 +251,7 @@ void frmBulkPrice::loadChanges() {
     grdChanges.bind(nullptr);
     changes_ = openList("bsp_PriceChanges");
     grdChanges.bind(changes_.get());
-    grdChanges.setStatusText(std::to_string(grdChanges.dataRows()) + (grdChanges.dataRows() == 1 ? " change" : " changes"));
+    grdChanges.setStatusText(counted(grdChanges.dataRows(), "change"));
     cmdUndo.setEnabled(grdChanges.dataRows() > 0);
 }
 

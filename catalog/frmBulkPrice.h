@@ -34,6 +34,7 @@ public:
     void ChangePrices(std::vector<ListedItem> items);
 
 private:
+    void shapeGrids();
     void Form_Load() override;
     void Form_Unload(bool& cancel) override;
 

@@ -1,5 +1,6 @@
 #include "catalog/frmItemsOf.h"
 
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "ui/desk.h"
 
@@ -57,7 +58,7 @@ void frmItemsOf::read() {
     if (row >= 1)
         grdItems.setCurrent(std::min(row, grdItems.dataRows()), grdItems.col());
     const int count = rows_->RecordCount();
-    grdItems.setStatusText(count == 1 ? "1 item" : withThousands(count) + " items");
+    grdItems.setStatusText(counted(count, "item"));
     cmdOpen.setEnabled(count > 0);
 }
 

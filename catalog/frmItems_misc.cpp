@@ -1,4 +1,5 @@
 // The Substitutes and Misc pages of frmItems: substitutes, tag-along, sales message, split.
+#include "base/counted.h"
 #include "catalog/frmItems.h"
 #include "catalog/itemscreen.h"
 
@@ -63,8 +64,7 @@ void frmItems::reloadSubstitutes() {
 
 void frmItems::showSubstituteCount() {
     const int rows = grdSubs.dataRows();
-    grdSubs.setStatusText(std::to_string(rows) + (rows == 1 ? " substitute" : " substitutes") +
-                          ". Each change is saved at once, deletions too.");
+    grdSubs.setStatusText(counted(rows, "substitute") + ". Each change is saved at once, deletions too.");
 }
 
 void frmItems::cmdSubsAddNew_Click() {

@@ -1,4 +1,5 @@
 // The Suppliers page of frmItems: its rows are held in memory and written when the screen is left.
+#include "base/counted.h"
 #include "catalog/frmItems.h"
 #include "catalog/itemscreen.h"
 
@@ -126,7 +127,7 @@ void frmItems::showSupplierCount() {
         return;
     }
     const int rows = grdSuppliers.dataRows();
-    grdSuppliers.setStatusText(std::to_string(rows) + (rows == 1 ? " supplier" : " suppliers") +
+    grdSuppliers.setStatusText(counted(rows, "supplier") +
                                ". They are saved when you leave the item; Adjust and a change in the price matrix read them again.");
 }
 

@@ -1,5 +1,6 @@
 #include "catalog/gridsearch.h"
 
+#include "base/counted.h"
 #include "base/text.h"
 #include "catalog/modItemLookup.h"
 
@@ -26,7 +27,7 @@ bool SelectInGrid(Grid& grid, const std::string& text) {
 }
 
 void TellSearch(Grid& grid, const std::string& text, bool found) {
-    grid.setStatusText(found || text.empty() ? countOfItems(grid.dataRows())
+    grid.setStatusText(found || text.empty() ? counted(grid.dataRows(), "item")
                                              : "Nothing found: no code and no name begins with \"" + text + "\".");
 }
 

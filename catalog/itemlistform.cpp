@@ -2,6 +2,7 @@
 
 #include "app/ADOUtilities.h"
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -185,7 +186,7 @@ void ItemListForm::shown() {
     grdItems.bind(rows_.get());
     cmdSelect.setEnabled(rows_->RecordCount() > 0);
     const int count = rows_->RecordCount();
-    grdItems.setStatusText(filter_.words(count, countOfItems(count)));
+    grdItems.setStatusText(filter_.words(count, counted(count, "item")));
 }
 
 void ItemListForm::srch_FieldSearch(const std::string& field, const std::string& text) {

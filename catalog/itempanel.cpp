@@ -1,6 +1,7 @@
 #include "catalog/itempanel.h"
 
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "ui/desk.h"
 
@@ -150,8 +151,7 @@ void ItemPanel::showMovements() {
                        whereItem() + " ORDER BY PostDate DESC, LedgerID DESC",
                    db::CursorType::Static, db::LockType::ReadOnly);
     grdLedger.bind(movements_.get());
-    grdLedger.setStatusText(withThousands(movements_->RecordCount()) + (movements_->RecordCount() == 1 ? " movement" : " movements") +
-                            ", newest first");
+    grdLedger.setStatusText(counted(movements_->RecordCount(), "movement") + ", newest first");
     choose();
 }
 

@@ -4,6 +4,7 @@
 #include "app/itemcodes.h"
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/counted.h"
 #include "base/text.h"
 #include "catalog/codedialog.h"
 #include "catalog/frmItemParent.h"
@@ -139,15 +140,8 @@ void InitLookupGrid(db::RecordsetPtr& rows, const std::string& filterText, int f
                 grid.setSorted(RowOrder{column});
     });
     grid.setHidden(0, filterText == "Parent");
-    grid.setStatusText(countOfItems(grid.dataRows()));
+    grid.setStatusText(counted(grid.dataRows(), "item"));
     modMain().desk->waitCursor(false);
-}
-
-std::string countOfItems(int count) {
-    std::string text = std::to_string(count);
-    for (int at = static_cast<int>(text.size()) - 3; at > 0; at -= 3)
-        text.insert(static_cast<std::size_t>(at), ",");
-    return text + (count == 1 ? " item" : " items");
 }
 
 bool makeItem(const std::string& sku, const std::string& matrixSku) {

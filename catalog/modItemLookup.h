@@ -39,9 +39,6 @@ std::string ShowItemLookup(int kind);
 void InitLookupGrid(db::RecordsetPtr& rows, const std::string& filterText, int filterPosition, ui::Grid& grid, const std::string& orderBy,
                     const std::string& sku);
 
-// "1,234 items", "1 item".
-std::string countOfItems(int count);
-
 // bsp_NewItem: true when it made the item.
 bool makeItem(const std::string& sku, const std::string& matrixSku);
 

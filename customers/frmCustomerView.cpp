@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/counted.h"
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -175,7 +176,7 @@ void frmCustomerView::shown() {
     const int count = customers_->RecordCount();
     cmdEdit.setEnabled(count > 0);
     cmdDelete.setEnabled(count > 0);
-    grdCust.setStatusText(filter_.words(count, withThousands(count) + (count == 1 ? " customer" : " customers")));
+    grdCust.setStatusText(filter_.words(count, counted(count, "customer")));
 }
 
 void frmCustomerView::ApplyFilter(const std::string& field, const std::string& text) {

@@ -2,6 +2,7 @@
 
 #include "app/aside.h"
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/newfile.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -28,7 +29,7 @@ GridColumn amountColumn(const char* heading) {
 }
 
 std::string daysCounted(std::size_t number) {
-    return withThousands(static_cast<std::int64_t>(number)) + (number == 1 ? " day" : " days");
+    return counted(static_cast<std::int64_t>(number), "day");
 }
 
 std::string between(Date first, Date last) {

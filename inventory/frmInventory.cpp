@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "inventory/frmInventory_Adjust.h"
@@ -112,8 +113,8 @@ void frmInventory::showSums() {
         onHand += rsInv->cell(row, kQuantity).toInteger();
         committed += rsInv->cell(row, kCommitted).toInteger();
     }
-    grdInv.setStatusText(withThousands(rsInv->rowCount()) + (rsInv->rowCount() == 1 ? " item, " : " items, ") + withThousands(onHand) +
-                         " in stock, " + withThousands(committed) + " committed");
+    grdInv.setStatusText(counted(rsInv->rowCount(), "item") + ", " + withThousands(onHand) + " in stock, " + withThousands(committed) +
+                         " committed");
 }
 
 bool frmInventory::isSerialed(int row) const {

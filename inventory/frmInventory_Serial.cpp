@@ -3,6 +3,7 @@
 #include "app/modMain.h"
 #include "app/takeback.h"
 #include "app/titles.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "ui/desk.h"
 
@@ -99,8 +100,7 @@ int frmInventory_Serial::placeholders() const {
 // A placeholder is a row of the store like any other, and stays there when the screen is left.
 void frmInventory_Serial::showState() {
     const int rows = grdInv.dataRows();
-    grdInv.setStatusText(withThousands(rows) + (rows == 1 ? " serial number" : " serial numbers") +
-                         (placeholders() > 0 ? "; XXXX is kept as a number until you type over it" : ""));
+    grdInv.setStatusText(counted(rows, "serial number") + (placeholders() > 0 ? "; XXXX is kept as a number until you type over it" : ""));
 }
 
 std::int64_t frmInventory_Serial::inStock() const {

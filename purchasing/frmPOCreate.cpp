@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/counted.h"
 #include "purchasing/frmPOFrom.h"
 #include "ui/desk.h"
 #include "ui/longwork.h"
@@ -363,7 +364,7 @@ void frmPOCreate::showOffers(const PreviewLine& shown) {
     for (const auto& [key, words] : rest)
         grdOffers.addRow({words.supplier, words.part, key.second.toText(), words.minimum, words.priority, "",
                           key.first == 0 ? "the Empty Supplier takes no part" : "takes no part in this run"});
-    grdOffers.setStatusText(std::to_string(grdOffers.dataRows()) + (grdOffers.dataRows() == 1 ? " offer" : " offers") + " of suppliers");
+    grdOffers.setStatusText(counted(grdOffers.dataRows(), "offer") + " of suppliers");
 }
 
 } // namespace merchantry::purchasing

@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmPOCancel.h"
@@ -219,8 +220,8 @@ void frmPurchaseOrders::showSums() {
         open += rows_->cell(row, kOpenAmount).toCurrency();
     }
     const int count = rows_->rowCount();
-    std::string text = filter_.words + ": " + withThousands(count) + (count == 1 ? " order, " : " orders, ") + open.toDisplay() +
-                       " open of " + ordered.toDisplay() + " ordered";
+    std::string text =
+        filter_.words + ": " + counted(count, "order") + ", " + open.toDisplay() + " open of " + ordered.toDisplay() + " ordered";
     if (count > 1 && cboSortBy.listIndex() >= 0 && rows_->orders().Sort().empty())
         text += ". The newest stand first again; choose the sort once more.";
     grdPO.setStatusText(text);

@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmPOItemHistory.h"
@@ -196,7 +197,7 @@ Currency frmPurchaseOrders_Edit::total() const {
 void frmPurchaseOrders_Edit::showTotal() {
     lblTotal.setCaption(total().toDisplay());
     const int count = grdPOItems.dataRows();
-    std::string text = withThousands(count) + (count == 1 ? " line" : " lines");
+    std::string text = counted(count, "line");
     const auto any = [this](auto what) {
         return std::any_of(lines_.begin(), lines_.end(), [&](const Line& line) { return !line.Deleted && what(line); });
     };
@@ -258,8 +259,8 @@ void frmPurchaseOrders_Edit::cmdAddItem_Click() {
         if (!all)
             return; // stopped: nothing is added
         if (const std::size_t duplicates = picked.size() - added.size(); duplicates > 0)
-            desk().message("Out of " + std::to_string(picked.size()) + " item(s) you picked, " + std::to_string(duplicates) +
-                               (duplicates == 1 ? " is" : " are") + " already in the list.",
+            desk().message("Out of " + std::to_string(picked.size()) + " item(s) you picked, " + counted(duplicates, "is", "are") +
+                               " already in the list.",
                            kProduct);
         const int before = grdPOItems.dataRows();
         unsaved_ = unsaved_ || !added.empty();

@@ -3,6 +3,7 @@
 #include "app/modMain.h"
 #include "app/posting.h"
 #include "app/titles.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/shown.h"
 #include "base/text.h"
@@ -32,7 +33,7 @@ constexpr Twips kHeight = 690 * kTwipsPerPixel;
 enum Page { kLinesPage, kRehearsalPage };
 
 std::string comingShortInWords(int lines) {
-    return lines == 0 ? "" : withThousands(lines) + (lines == 1 ? " line comes short" : " lines come short");
+    return lines == 0 ? "" : counted(lines, "line comes short", "lines come short");
 }
 
 } // namespace
@@ -40,34 +41,7 @@ std::string comingShortInWords(int lines) {
 frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurchaseOrders_Recv", "Receive Inventory") {
     setIcon("items");
     setSize(kWidth, kHeight);
-    using Format = GridColumn::Format;
-    grdPOItems.setColumns({{.heading = "Memorize", .editor = GridColumn::Editor::Check},
-                           {.heading = "SKU", .fixedWidth = true, .characters = 12},
-                           {.heading = "Name", .characters = 26},
-                           {.heading = "Supplier Part #", .characters = 12},
-                           {.heading = "Open Qty", .format = Format::Number},
-                           {.heading = "Received Qty", .format = Format::Number},
-                           {.heading = "Cost", .format = Format::Currency, .characters = 8},
-                           {.heading = "Ext.", .alignRight = true, .characters = 10},
-                           {.heading = "Index", .hidden = true}});
-    grdPOItems.emptyText = "Nothing of this order is open.";
-    grdPOItems.setToolTip("Part number, received quantity and cost can be changed. Memorize keeps cost and part number for the supplier.");
-    grdRehearsal.setColumns({{.heading = "SKU", .fixedWidth = true, .characters = 12},
-                             {.heading = "Name", .characters = 22},
-                             {.heading = "Qty", .format = Format::Number},
-                             {.heading = "Other Costs", .format = Format::Currency},
-                             {.heading = "Cost of One", .format = Format::Number},
-                             {.heading = "On Hand", .format = Format::Number},
-                             {.heading = "Cost Now", .format = Format::Number},
-                             {.heading = "New Cost", .format = Format::Number},
-                             {.heading = "Price", .format = Format::Currency},
-                             {.heading = "Margin", .format = Format::Number},
-                             {.heading = "Remark", .characters = 15}});
-    grdRehearsal.editable = false;
-    grdRehearsal.emptyText = "No line brings anything.";
-    grdRehearsal.setToolTip(
-        "By the item's ledger. Cost of One holds its share of the other costs; Margin is that of the new weighted cost on "
-        "today's retail price, sales included.");
+    shapeGrids();
     txtCode.placeholder = "Type or scan";
     txtCode.setToolTip("Enter selects the line of this code: the item's own, its barcode, its parent's, or the supplier's part number.");
     chkPrintLabels.setToolTip("Shelf labels for as many pieces as this receipt brings, after it is posted.");
@@ -75,21 +49,7 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
     cmdOK.setToolTip("Posts all received quantities at once. If the store refuses one of them, nothing is posted and the program ends.");
     cmdCancel.isCancel = true; // and nothing is the default: the Enter of a scanner must not post
 
-    txtCode.gotFocus = [this] { txtCode.selectAll(); };
-    txtCode.keyDown = [this](const std::string& key, bool& swallow) { txtCode_KeyDown(key, swallow); };
-    grdPOItems.beforeEdit = [this](int row, int column, bool& cancel) { grdPOItems_BeforeEdit(row, column, cancel); };
-    grdPOItems.afterEdit = [this](int row, int column) { grdPOItems_AfterEdit(row, column); };
-    grdPOItems.rowColChange = [this] { setAvailable(); };
-    tabReceive.change = [this](int) { tabReceive_Change(); };
-    chkPrintLabels.click = [this] { chkPrintLabels_Click(); };
-    cmdNotReceived.click = [this] {
-        touched(grdPOItems);
-        cmdNotReceived_Click();
-    };
-    cmdOtherCost.click = [this] { cmdOtherCost_Click(); };
-    cmdViewHist.click = [this] { cmdViewHist_Click(); };
-    cmdCancel.click = [this] { unload(); };
-    cmdOK.click = [this] { cmdOK_Click(); };
+    wire();
 
     asksBeforeLeaving({&txtCode, &tabReceive, &chkPrintLabels, &cboPrint});
     setLayout(column({
@@ -125,6 +85,55 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
         this->desk().showModal(*this);
         return Value(DialogResult).toText();
     });
+}
+
+void frmPurchaseOrders_Recv::shapeGrids() {
+    using Format = GridColumn::Format;
+    grdPOItems.setColumns({{.heading = "Memorize", .editor = GridColumn::Editor::Check},
+                           {.heading = "SKU", .fixedWidth = true, .characters = 12},
+                           {.heading = "Name", .characters = 26},
+                           {.heading = "Supplier Part #", .characters = 12},
+                           {.heading = "Open Qty", .format = Format::Number},
+                           {.heading = "Received Qty", .format = Format::Number},
+                           {.heading = "Cost", .format = Format::Currency, .characters = 8},
+                           {.heading = "Ext.", .alignRight = true, .characters = 10},
+                           {.heading = "Index", .hidden = true}});
+    grdPOItems.emptyText = "Nothing of this order is open.";
+    grdPOItems.setToolTip("Part number, received quantity and cost can be changed. Memorize keeps cost and part number for the supplier.");
+    grdRehearsal.setColumns({{.heading = "SKU", .fixedWidth = true, .characters = 12},
+                             {.heading = "Name", .characters = 22},
+                             {.heading = "Qty", .format = Format::Number},
+                             {.heading = "Other Costs", .format = Format::Currency},
+                             {.heading = "Cost of One", .format = Format::Number},
+                             {.heading = "On Hand", .format = Format::Number},
+                             {.heading = "Cost Now", .format = Format::Number},
+                             {.heading = "New Cost", .format = Format::Number},
+                             {.heading = "Price", .format = Format::Currency},
+                             {.heading = "Margin", .format = Format::Number},
+                             {.heading = "Remark", .characters = 15}});
+    grdRehearsal.editable = false;
+    grdRehearsal.emptyText = "No line brings anything.";
+    grdRehearsal.setToolTip(
+        "By the item's ledger. Cost of One holds its share of the other costs; Margin is that of the new weighted cost on "
+        "today's retail price, sales included.");
+}
+
+void frmPurchaseOrders_Recv::wire() {
+    txtCode.gotFocus = [this] { txtCode.selectAll(); };
+    txtCode.keyDown = [this](const std::string& key, bool& swallow) { txtCode_KeyDown(key, swallow); };
+    grdPOItems.beforeEdit = [this](int row, int column, bool& cancel) { grdPOItems_BeforeEdit(row, column, cancel); };
+    grdPOItems.afterEdit = [this](int row, int column) { grdPOItems_AfterEdit(row, column); };
+    grdPOItems.rowColChange = [this] { setAvailable(); };
+    tabReceive.change = [this](int) { tabReceive_Change(); };
+    chkPrintLabels.click = [this] { chkPrintLabels_Click(); };
+    cmdNotReceived.click = [this] {
+        touched(grdPOItems);
+        cmdNotReceived_Click();
+    };
+    cmdOtherCost.click = [this] { cmdOtherCost_Click(); };
+    cmdViewHist.click = [this] { cmdViewHist_Click(); };
+    cmdCancel.click = [this] { unload(); };
+    cmdOK.click = [this] { cmdOK_Click(); };
 }
 
 void frmPurchaseOrders_Recv::Form_Load() {

@@ -29,6 +29,8 @@ public:
     bool DialogResult = false; // a receipt was posted
 
 private:
+    void shapeGrids();
+    void wire();
     void Form_Load() override;
 
     void ShowSupplier();

@@ -1,6 +1,7 @@
 #include "purchasing/openlines.h"
 
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/text.h"
 
@@ -33,8 +34,7 @@ std::vector<OpenLine> openLines(std::int32_t PONumber) {
 }
 
 std::string openLinesInWords(std::size_t lines, std::int64_t pieces, const char* what) {
-    return withThousands(static_cast<std::int64_t>(lines)) + (lines == 1 ? " open line, " : " open lines, ") + withThousands(pieces) +
-           (pieces == 1 ? " piece to " : " pieces to ") + what;
+    return counted(static_cast<std::int64_t>(lines), "open line") + ", " + counted(pieces, "piece") + " to " + what;
 }
 
 std::string itemKey(const std::string& SKU, const std::string& MatrixSKU) {

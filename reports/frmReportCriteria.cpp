@@ -1,6 +1,7 @@
 #include "reports/frmReportCriteria.h"
 
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/platform/platform.h"
 #include "base/text.h"
@@ -56,22 +57,7 @@ frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria
     cmdExit.isCancel = true;
     cmdCount.setToolTip("How many rows the report would have with these conditions");
 
-    cmdAdd.click = [this] { cmdAdd_Click(); };
-    txtCondition.keyDown = [this](const std::string& key, bool& swallow) {
-        swallow = key == "Enter" && !txtCondition.text().empty();
-        if (swallow)
-            cmdAdd_Click();
-    };
-    cmdDelete.isDanger = cmdForget.isDanger = true;
-    cmdDelete.click = [this] { cmdDelete_Click(); };
-    cboQty.click = [this] { cboQty_Click(); };
-    cmdCount.click = [this] { cmdCount_Click(); };
-    cmdKeep.click = [this] { cmdKeep_Click(); };
-    cmdRecall.click = [this] { cmdRecall_Click(); };
-    lbxKept.dblClick = [this] { cmdRecall_Click(); };
-    cmdForget.click = [this] { cmdForget_Click(); };
-    cmdGen.click = [this] { cmdGen_Click(); };
-    cmdExit.click = [this] { unload(); };
+    wire();
     offer("LoadForm", [this](const std::vector<std::string>& arguments) {
         LoadForm(arguments.at(0));
         return std::string();
@@ -103,6 +89,25 @@ frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria
         buttons({at(cmdCount), at(lblCount), stretch(), at(cmdExit), at(cmdGen)}),
         undoLine.item(),
     }));
+}
+
+void frmReportCriteria::wire() {
+    cmdAdd.click = [this] { cmdAdd_Click(); };
+    txtCondition.keyDown = [this](const std::string& key, bool& swallow) {
+        swallow = key == "Enter" && !txtCondition.text().empty();
+        if (swallow)
+            cmdAdd_Click();
+    };
+    cmdDelete.isDanger = cmdForget.isDanger = true;
+    cmdDelete.click = [this] { cmdDelete_Click(); };
+    cboQty.click = [this] { cboQty_Click(); };
+    cmdCount.click = [this] { cmdCount_Click(); };
+    cmdKeep.click = [this] { cmdKeep_Click(); };
+    cmdRecall.click = [this] { cmdRecall_Click(); };
+    lbxKept.dblClick = [this] { cmdRecall_Click(); };
+    cmdForget.click = [this] { cmdForget_Click(); };
+    cmdGen.click = [this] { cmdGen_Click(); };
+    cmdExit.click = [this] { unload(); };
 }
 
 void frmReportCriteria::say(const std::string& text) {
@@ -386,7 +391,7 @@ void frmReportCriteria::cmdCount_Click() {
         if (report == nullptr)
             return;
         const auto rows = report->countRows(desk());
-        lblCount.setCaption(rows ? withThousands(*rows) + (*rows == 1 ? " row" : " rows") : "Stopped");
+        lblCount.setCaption(rows ? counted(*rows, "row") : "Stopped");
     } catch (const db::DbError& error) {
         lblCount.setCaption((error.isOfTheStore() ? "" : "These conditions cannot be used. ") + std::string(error.what()));
     } catch (const std::exception& error) {

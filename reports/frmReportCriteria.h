@@ -35,6 +35,7 @@ public:
     std::string CustomReportFile; // kept, and not used further here
 
 private:
+    void wire();
     void Form_Load() override;
 
     void Initialise();

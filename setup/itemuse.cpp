@@ -1,5 +1,6 @@
 #include "setup/itemuse.h"
 
+#include "base/counted.h"
 #include "base/numbers.h"
 
 namespace merchantry::setup {
@@ -10,7 +11,7 @@ namespace {
 
 // What stands behind the row, and what its deletion would meet. Class 0 is the untaxed one.
 std::string told(std::int64_t items, ItemGroup group, std::int64_t id, const std::string& name) {
-    const std::string count = items == 0 ? "No items" : items == 1 ? "1 item" : withThousands(items) + " items";
+    const std::string count = items == 0 ? "No items" : counted(items, "item");
     if (group == ItemGroup::TaxClass)
         return count + " with " + name + (items > 0 && id != 0 ? "; untaxed if it is deleted" : "");
     return count + " in " + name + (items == 0 ? "" : items == 1 ? " keeps it from being deleted" : " keep it from being deleted");

@@ -1,5 +1,6 @@
 #include "customers/statements/reckoning.h"
 
+#include "base/counted.h"
 #include "base/division.h"
 #include "base/shown.h"
 
@@ -54,7 +55,7 @@ std::string shortDay(Date day, Date asAt) {
 }
 
 std::string days(int count) {
-    return std::to_string(count) + (count == 1 ? " day" : " days");
+    return counted(count, "day");
 }
 
 class Drawing {

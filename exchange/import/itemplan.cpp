@@ -1,6 +1,7 @@
 #include "exchange/import/itemplan.h"
 
 #include "app/itemcodes.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/shown.h"
 #include "base/text.h"
@@ -454,14 +455,13 @@ std::vector<std::string> ItemPlan::sums() const {
     std::vector<std::string> said;
     const int made = count(RowState::New);
     if (made > 0 && match().columnOf(item::Price) < 0)
-        said.push_back(withThousands(made) + (made == 1 ? " new item has" : " new items have") + " no price.");
+        said.push_back(counted(made, "new item has", "new items have") + " no price.");
     if (pieces != 0)
         said.push_back(
             "Stock moves by " + withThousands(pieces) + " pieces" +
             (worth != 0 ? ", " + Currency::fromUnits(static_cast<std::int64_t>(worth)).toDisplay() + " at the file's costs." : "."));
     if (raised + lowered > 0)
-        said.push_back(withThousands(raised) + (raised == 1 ? " price rises, " : " prices rise, ") + withThousands(lowered) +
-                       (lowered == 1 ? " falls." : " fall."));
+        said.push_back(counted(raised, "price rises", "prices rise") + ", " + counted(lowered, "falls.", "fall."));
     if (reader_.rounded() > 0)
         said.push_back(withThousands(reader_.rounded()) + " amounts are rounded to cents.");
     if (!newDepartments_.empty())

@@ -1,5 +1,6 @@
 #include "exchange/import/rowcheck.h"
 
+#include "base/counted.h"
 #include "base/text.h"
 #include "exchange/import/delimitedfile.h"
 
@@ -25,7 +26,7 @@ std::string delimiterName(char sign) {
 }
 
 std::string cellsInWords(int count) {
-    return std::to_string(count) + (count == 1 ? " cell" : " cells");
+    return counted(count, "cell");
 }
 
 // By what a row says whose it is.

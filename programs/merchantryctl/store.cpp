@@ -5,6 +5,7 @@
 #include "app/stockproof.h"
 #include "app/storecopy.h"
 #include "app/storefile.h"
+#include "base/counted.h"
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "base/platform/platform.h"
@@ -108,8 +109,8 @@ bool tellProof(const StoreOptions& options) {
               << withThousands(static_cast<std::int64_t>(proof.ledger.size())) << " with a wrong row.\n";
     if (proof.stock.empty())
         return proof.ledger.empty();
-    std::cout << "In " << withThousands(static_cast<std::int64_t>(proof.stock.size())) << (proof.stock.size() == 1 ? " item" : " items")
-              << " the stock differs from the ledger" << (options.items ? ":\n" : "; --items lists them.\n");
+    std::cout << "In " << counted(static_cast<std::int64_t>(proof.stock.size()), "item") << " the stock differs from the ledger"
+              << (options.items ? ":\n" : "; --items lists them.\n");
     for (const app::ProofFinding& finding : proof.stock)
         if (options.items)
             std::cout << "  " << finding.sentence() << "\n";

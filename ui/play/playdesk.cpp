@@ -1,5 +1,6 @@
 #include "ui/play/playdesk.h"
 
+#include "base/counted.h"
 #include "ui/form.h"
 #include "ui/frame.h"
 #include "ui/page.h"
@@ -114,7 +115,7 @@ public:
     void finish() override {
         if (drawn_ != nullptr)
             drawn_->finish();
-        transcript_.event("paper " + inQuotes(title_) + " " + std::to_string(pages_) + (pages_ == 1 ? " page" : " pages"));
+        transcript_.event("paper " + inQuotes(title_) + " " + counted(pages_, "page"));
     }
 
 private:
