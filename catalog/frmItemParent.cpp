@@ -47,29 +47,9 @@ frmItemParent::frmItemParent(Desk& desk) : Form(desk, "frmItemParent", "Matrix P
     grdItems.emptyText = "The parent has no items yet. Add New Item makes the first.";
     grdItems.setToolTip("A click on a heading, or into the first row, sorts by that column.");
 
-    lblHeading.tag = "Width";
-    tabParent.tag = "Width Height";
-    txtField0.tag = txtSKU.tag = dcxDepartment.tag = "Width";
-    txtField1.tag = "Width Height";
-    txtSalesMsg.tag = "Top Width";
-    cmdLookupSalesMessage.tag = "Top Left";
-    txtSearchCriteria.tag = lblGridInstructions.tag = "Width";
-    grdItems.tag = "Width Height";
-    cmdAddNewItem.tag = cmdDeleteItem.tag = "Top";
-    cmdSelect.tag = cmdExit.tag = cmdUpdateItem.tag = "Top Left";
+    growWithTheWindow();
 
-    dcxDepartment.click = [this] { dcxDepartment_Click(); };
-    dcxDepartment.change = [this] { dcxDepartment_Click(); };
-    cmdLookupSalesMessage.click = [this] { cmdLookupSalesMessage_Click(); };
-    WireDelayedSearch(txtSearchCriteria, tmrSearchCriteriaDelay, grdItems,
-                      [this](const std::string& text) { TellSearch(grdItems, text, text.empty() || SelectInGrid(grdItems, text)); });
-    grdItems.click = [this] { grdItems_Click(); };
-    grdItems.dblClick = [this] { cmdSelect_Click(); };
-    cmdAddNewItem.click = [this] { cmdAddNewItem_Click(); };
-    cmdSelect.click = [this] { cmdSelect_Click(); };
-    cmdDeleteItem.click = [this] { cmdDeleteItem_Click(); };
-    cmdUpdateItem.click = [this] { cmdUpdateItem_Click(); };
-    cmdExit.click = [this] { unload(); };
+    wire();
 
     asksBeforeLeaving({&txtSearchCriteria, &grdItems});
     setLayout(column({
@@ -101,6 +81,34 @@ frmItemParent::frmItemParent(Desk& desk) : Form(desk, "frmItemParent", "Matrix P
         UpdateParent(arguments.empty() ? "" : arguments[0]);
         return std::string();
     });
+}
+
+void frmItemParent::growWithTheWindow() {
+    lblHeading.tag = "Width";
+    tabParent.tag = "Width Height";
+    txtField0.tag = txtSKU.tag = dcxDepartment.tag = "Width";
+    txtField1.tag = "Width Height";
+    txtSalesMsg.tag = "Top Width";
+    cmdLookupSalesMessage.tag = "Top Left";
+    txtSearchCriteria.tag = lblGridInstructions.tag = "Width";
+    grdItems.tag = "Width Height";
+    cmdAddNewItem.tag = cmdDeleteItem.tag = "Top";
+    cmdSelect.tag = cmdExit.tag = cmdUpdateItem.tag = "Top Left";
+}
+
+void frmItemParent::wire() {
+    dcxDepartment.click = [this] { dcxDepartment_Click(); };
+    dcxDepartment.change = [this] { dcxDepartment_Click(); };
+    cmdLookupSalesMessage.click = [this] { cmdLookupSalesMessage_Click(); };
+    WireDelayedSearch(txtSearchCriteria, tmrSearchCriteriaDelay, grdItems,
+                      [this](const std::string& text) { TellSearch(grdItems, text, text.empty() || SelectInGrid(grdItems, text)); });
+    grdItems.click = [this] { grdItems_Click(); };
+    grdItems.dblClick = [this] { cmdSelect_Click(); };
+    cmdAddNewItem.click = [this] { cmdAddNewItem_Click(); };
+    cmdSelect.click = [this] { cmdSelect_Click(); };
+    cmdDeleteItem.click = [this] { cmdDeleteItem_Click(); };
+    cmdUpdateItem.click = [this] { cmdUpdateItem_Click(); };
+    cmdExit.click = [this] { unload(); };
 }
 
 void frmItemParent::UpdateParent(const std::string& SKUPair) {

@@ -25,6 +25,8 @@ public:
     void UpdateParent(const std::string& SKUPair);
 
 private:
+    void growWithTheWindow();
+    void wire();
     void Form_Load() override;
     void Form_Resize() override;
     void Form_Unload(bool& cancel) override;

@@ -83,6 +83,41 @@ void checkAsLeft(TextBox& box, const Term& term) {
 
 frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Information") {
     setIcon("item");
+    bindFields();
+    Notes.multiline = true;
+    for (TextBox* box : {&LastUpdated, &LastPurchaseDate, &TotalSales, &txtAcctBalance})
+        box->setLocked(true);
+    txtGracePeriod.setToolTip("Days after the due day.");
+    txtAPR.setToolTip("Percent a year.");
+    txtAcctBalance.setToolTip("The sum of what is open; Store Credit Adjustment changes it.");
+    for (TextBox* box : {&txtCreditLimit, &txtAcctBalance, &txtAPR, &txtMinFinChg, &txtGracePeriod, &TotalSales})
+        box->alignRight = true;
+    for (Control* control : controls())
+        if (auto* box = dynamic_cast<TextBox*>(control); box != nullptr && box != &Notes)
+            box->gotFocus = [box] { box->selectAll(); };
+    for (TextBox* box : {&txtPhone, &txtFax}) {
+        takePhones(*box);
+        box->setToolTip("Ten digits are laid out as (555) 123-4567; any other number stays as you type it.");
+    }
+    for (TextBox* box : {&txtPhone, &Email})
+        box->lostFocus = [this, laidOut = box->lostFocus] {
+            if (laidOut)
+                laidOut();
+            noteDuplicate();
+        };
+    checkTerms();
+    wire();
+
+    asksBeforeLeaving({&vsfCustomFields});
+    onKey("F9", [this] { panel_.toggle(); });
+    arrange();
+    offer("FetchCustomerData", [this](const auto&) {
+        FetchCustomerData();
+        return std::string();
+    });
+}
+
+void frmCustomer::bindFields() {
     struct Bound {
         Control* control;
         const char* column;
@@ -116,27 +151,9 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
         if (auto* box = dynamic_cast<TextBox*>(one.control))
             box->maxLength = one.length;
     }
-    Notes.multiline = true;
-    for (TextBox* box : {&LastUpdated, &LastPurchaseDate, &TotalSales, &txtAcctBalance})
-        box->setLocked(true);
-    txtGracePeriod.setToolTip("Days after the due day.");
-    txtAPR.setToolTip("Percent a year.");
-    txtAcctBalance.setToolTip("The sum of what is open; Store Credit Adjustment changes it.");
-    for (TextBox* box : {&txtCreditLimit, &txtAcctBalance, &txtAPR, &txtMinFinChg, &txtGracePeriod, &TotalSales})
-        box->alignRight = true;
-    for (Control* control : controls())
-        if (auto* box = dynamic_cast<TextBox*>(control); box != nullptr && box != &Notes)
-            box->gotFocus = [box] { box->selectAll(); };
-    for (TextBox* box : {&txtPhone, &txtFax}) {
-        takePhones(*box);
-        box->setToolTip("Ten digits are laid out as (555) 123-4567; any other number stays as you type it.");
-    }
-    for (TextBox* box : {&txtPhone, &Email})
-        box->lostFocus = [this, laidOut = box->lostFocus] {
-            if (laidOut)
-                laidOut();
-            noteDuplicate();
-        };
+}
+
+void frmCustomer::checkTerms() {
     const std::pair<TextBox*, Term> terms[] = {
         {&txtCreditLimit,
          {"You must enter a cedit limit amount", "A credit limit is an amount from $0.00 to $999,999,999.99.", Term::Kind::Money}},
@@ -148,6 +165,9 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
           Term::Kind::Money}}};
     for (const auto& [box, term] : terms)
         checkAsLeft(*box, term);
+}
+
+void frmCustomer::wire() {
     vsfCustomFields.setColumns({{.heading = "Field", .characters = 12}, {.heading = "Value", .characters = 14}});
     vsfCustomFields.emptyText = "The store has no fields of its own. Store, General Options makes them.";
     vsfCustomFields.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kField; };
@@ -162,9 +182,9 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
     cmdCancel.isCancel = cmdCancel.drops = true;
     cmdUpdate.isDefault = true;
     cmdCancel.setToolTip("Leaves without saving. A customer just added stays in the list as \"First Name\".");
+}
 
-    asksBeforeLeaving({&vsfCustomFields});
-    onKey("F9", [this] { panel_.toggle(); });
+void frmCustomer::arrange() {
     setLayout(column({
         title(lblHeading),
         row({group(fraCustomer,
@@ -201,10 +221,6 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
         buttons({at(cmdShipTo), at(cmdSalesHist), stretch(), note("Update saves and closes; F9 shows the account"), at(cmdCancel),
                  at(cmdUpdate)}),
     }));
-    offer("FetchCustomerData", [this](const auto&) {
-        FetchCustomerData();
-        return std::string();
-    });
 }
 
 void frmCustomer::Form_Load() {

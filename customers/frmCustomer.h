@@ -38,6 +38,10 @@ public:
     void LoadCreditDefaults();
 
 private:
+    void bindFields();
+    void checkTerms();
+    void wire();
+    void arrange();
     void Form_Load() override;
     void Form_Activate() override;
     void Form_Resize() override { panel_.arrange(); }

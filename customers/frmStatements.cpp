@@ -2,6 +2,7 @@
 
 #include "app/db/again.h"
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "base/shown.h"
@@ -24,10 +25,6 @@ constexpr int kFirstAmount = 2;                 // column
 constexpr Twips kWidth = 1340 * kTwipsPerPixel; // so that the ages are in sight, too
 constexpr Twips kHeight = 700 * kTwipsPerPixel;
 
-std::string counted(std::size_t number, const char* one, const char* many) {
-    return withThousands(static_cast<std::int64_t>(number)) + " " + (number == 1 ? one : many);
-}
-
 // An amount of the grid; nothing where there is none, so that what there is stands out.
 std::string amountText(Currency amount) {
     return amount == Currency() ? "" : shownCost(amount);
@@ -47,33 +44,7 @@ GridColumn amountColumn(const char* heading) {
 frmStatements::frmStatements(Desk& desk) : Form(desk, "frmStatements", "Customer Statements") {
     setIcon("customers");
     setSize(kWidth, kHeight);
-    grdStatements.setColumns({{.heading = "No.", .alignRight = true, .characters = 5},
-                              {.heading = "Customer", .characters = 20},
-                              amountColumn("Brought Fwd"),
-                              amountColumn("Charged"),
-                              amountColumn("Paid"),
-                              amountColumn("Credited"),
-                              amountColumn("Finance Chg"),
-                              amountColumn("Balance"),
-                              amountColumn("Current"),
-                              amountColumn("1 to 30"),
-                              amountColumn("31 to 60"),
-                              amountColumn("61 to 90"),
-                              amountColumn("Over 90"),
-                              amountColumn("Unapplied")});
-    grdStatements.editable = false;
-    grdStatements.setToolTip("The ages are days since an amount was due. Unapplied is what was paid and not matched yet.");
-    grdStatements.rowColChange = [this] { showReckoning(); };
-    grdRuns.setColumns({{.heading = "Run", .hidden = true},
-                        {.heading = "As At", .format = GridColumn::Format::Date, .characters = 11},
-                        {.heading = "Posted", .format = GridColumn::Format::Date, .characters = 22},
-                        {.heading = "Statements", .format = GridColumn::Format::Number, .characters = 11},
-                        {.heading = "Finance Charges", .format = GridColumn::Format::Currency, .characters = 15},
-                        {.heading = "Balances", .format = GridColumn::Format::Currency, .characters = 15}});
-    grdRuns.editable = false;
-    grdRuns.emptyText = "No statements were posted yet.";
-    grdRuns.rowColChange = [this] { setAvailable(); };
-    grdRuns.dblClick = [this] { cmdPrint_Click(); };
+    shapeGrids();
     txtAsAt.setToolTip("Proposed is the last billing day of the store's options.");
     txtAsAt.gotFocus = [this] { txtAsAt.selectAll(); };
     cmdTakeBack.isDanger = true;
@@ -109,6 +80,36 @@ frmStatements::frmStatements(Desk& desk) : Form(desk, "frmStatements", "Customer
         at(prgWork),
         buttons({at(cmdStop), stretch(), note("Nothing is written before Post"), at(cmdExit), at(cmdPost)}),
     }));
+}
+
+void frmStatements::shapeGrids() {
+    grdStatements.setColumns({{.heading = "No.", .alignRight = true, .characters = 5},
+                              {.heading = "Customer", .characters = 20},
+                              amountColumn("Brought Fwd"),
+                              amountColumn("Charged"),
+                              amountColumn("Paid"),
+                              amountColumn("Credited"),
+                              amountColumn("Finance Chg"),
+                              amountColumn("Balance"),
+                              amountColumn("Current"),
+                              amountColumn("1 to 30"),
+                              amountColumn("31 to 60"),
+                              amountColumn("61 to 90"),
+                              amountColumn("Over 90"),
+                              amountColumn("Unapplied")});
+    grdStatements.editable = false;
+    grdStatements.setToolTip("The ages are days since an amount was due. Unapplied is what was paid and not matched yet.");
+    grdStatements.rowColChange = [this] { showReckoning(); };
+    grdRuns.setColumns({{.heading = "Run", .hidden = true},
+                        {.heading = "As At", .format = GridColumn::Format::Date, .characters = 11},
+                        {.heading = "Posted", .format = GridColumn::Format::Date, .characters = 22},
+                        {.heading = "Statements", .format = GridColumn::Format::Number, .characters = 11},
+                        {.heading = "Finance Charges", .format = GridColumn::Format::Currency, .characters = 15},
+                        {.heading = "Balances", .format = GridColumn::Format::Currency, .characters = 15}});
+    grdRuns.editable = false;
+    grdRuns.emptyText = "No statements were posted yet.";
+    grdRuns.rowColChange = [this] { setAvailable(); };
+    grdRuns.dblClick = [this] { cmdPrint_Click(); };
 }
 
 void frmStatements::Form_Load() {
@@ -244,7 +245,7 @@ void frmStatements::drawUp(Date day) {
     else if (posted)
         lblState.setCaption("Statements as at " + last->toShortText() + " were posted already: there are none before that day any more.");
     else
-        lblState.setCaption(counted(charged(drawn_), "account bears", "accounts bear") + " a finance charge. " +
+        lblState.setCaption(counted(static_cast<std::int64_t>(charged(drawn_)), "account bears", "accounts bear") + " a finance charge. " +
                             (over ? "Nothing is posted yet." : "The day is not over: it can be posted from tomorrow on."));
     setAvailable();
 }
@@ -292,8 +293,8 @@ bool frmStatements::postingConfirmed() {
     const std::size_t accounts = charged(drawn_);
     const std::string charges = accounts == 0 ? "No finance charge is due."
                                               : "Finance charges of " + drawn_.financeCharges.toDisplay() + " are charged to " +
-                                                    counted(accounts, "account.", "accounts.");
-    return desk().message("Do you wish to post " + counted(drawn_.statements.size(), "statement", "statements") + " as at " +
+                                                    counted(static_cast<std::int64_t>(accounts), "account.", "accounts.");
+    return desk().message("Do you wish to post " + counted(static_cast<std::int64_t>(drawn_.statements.size()), "statement") + " as at " +
                               drawn_.asAt.toShortText() + "?\n\n" + charges + " The balances come to " + shownCost(drawn_.balances) + ".",
                           caption(), MessageIcon::Exclamation, MessageButtons::YesNo) == Answer::Yes;
 }
@@ -333,8 +334,8 @@ void frmStatements::post() {
         return;
     }
     fresh_ = false;
-    lblState.setCaption("Posted " + counted(drawn_.statements.size(), "statement", "statements") + " as at " + drawn_.asAt.toShortText() +
-                        ".");
+    lblState.setCaption("Posted " + counted(static_cast<std::int64_t>(drawn_.statements.size()), "statement") + " as at " +
+                        drawn_.asAt.toShortText() + ".");
     tabStatements.setCurrent(kPostedPage);
     setAvailable();
     if (!leave_)

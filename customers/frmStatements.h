@@ -26,6 +26,7 @@ public:
     int CashierId = 5;
 
 private:
+    void shapeGrids();
     void Form_Load() override;
     void Form_Activate() override;
     void Form_Unload(bool& cancel) override;

@@ -158,9 +158,10 @@ ui::Form* screenNamed(ui::Desk& desk, const std::string& name) {
     return nullptr;
 }
 
-void bindDoors(ui::Desk& desk) {
+namespace {
+
+void bindCatalogueDoors(ui::Desk& desk, app::Doors& doors) {
     using namespace catalog;
-    app::Doors& doors = app::modMain().doors;
     doors.CheckSKUs = [&desk](const std::string& pair, bool modal) { desk.form<frmItems>().CheckSKUs(pair, modal); };
     doors.SelectSKU = [&desk](int mode) { return desk.form<frmItemLookup>().SelectSKU(mode); };
     doors.ShowItemList = [&desk] { desk.form<frmItemList>().ShowFormAddNewVisible(); };
@@ -179,6 +180,9 @@ void bindDoors(ui::Desk& desk) {
     };
     doors.SalesMessages = [&desk](int mode) { return desk.form<frmItems_SalesMsg>().ShowForm(mode); };
     doors.ItemSales = [&desk] { desk.showModal(desk.form<frmItems_Sales>()); };
+}
+
+void bindReportDoors(ui::Desk& desk, app::Doors& doors) {
     doors.ReportCriteria = [&desk](const std::string& key) { desk.form<reports::frmReportCriteria>().LoadForm(key); };
     doors.CustomReport = [&desk](const std::string& file) {
         auto& window = desk.newForm<reports::frmReport_Generate>();
@@ -206,20 +210,14 @@ void bindDoors(ui::Desk& desk) {
         window.Title = title;
         desk.showModal(window);
     };
-    doors.ExcelImport = [&desk] { desk.showModal(desk.form<exchange::frmExcelImport>()); };
-    doors.CustomerStatements = [&desk](int store, int cashier) {
-        auto& statements = desk.form<customers::frmStatements>();
-        statements.StoreId = store;
-        statements.CashierId = cashier;
-        desk.showModal(statements);
-    };
     doors.OrderReport = [&desk](std::int16_t type, const std::string& number, const std::string& criteria) {
         auto& view = desk.form<reports::frmPurchaseOrder_View>();
         view.ReportType = type;
         view.OpenReport(number, criteria);
     };
-    doors.ImportExport = [&desk](const std::string& mode) { desk.form<exchange::frmImportExport>().ShowMode(mode); };
-    doors.QuickBooksExport = [&desk](int) { desk.showModal(desk.form<exchange::frmQuickBooks>()); };
+}
+
+void bindScreens(ui::Desk& desk, app::Doors& doors) {
     doors.HasScreen = [](const std::string& form) {
         return std::any_of(std::begin(kScreens), std::end(kScreens), [&](const Screen& s) { return s.command && form == s.name; });
     };
@@ -232,6 +230,24 @@ void bindDoors(ui::Desk& desk) {
         }
         return false;
     };
+}
+
+} // namespace
+
+void bindDoors(ui::Desk& desk) {
+    app::Doors& doors = app::modMain().doors;
+    bindCatalogueDoors(desk, doors);
+    bindReportDoors(desk, doors);
+    bindScreens(desk, doors);
+    doors.ExcelImport = [&desk] { desk.showModal(desk.form<exchange::frmExcelImport>()); };
+    doors.CustomerStatements = [&desk](int store, int cashier) {
+        auto& statements = desk.form<customers::frmStatements>();
+        statements.StoreId = store;
+        statements.CashierId = cashier;
+        desk.showModal(statements);
+    };
+    doors.ImportExport = [&desk](const std::string& mode) { desk.form<exchange::frmImportExport>().ShowMode(mode); };
+    doors.QuickBooksExport = [&desk](int) { desk.showModal(desk.form<exchange::frmQuickBooks>()); };
 }
 
 } // namespace merchantry::programs

@@ -1,6 +1,7 @@
 #include "reports/reportwindow.h"
 
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/errortext.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -33,10 +34,6 @@ constexpr Zoom kZooms[] = {
     {"300%", ReportView::Fit::Percent, 300},    {"400%", ReportView::Fit::Percent, 400},
 };
 
-std::string counted(int number, const char* one, const char* more) {
-    return withThousands(number) + " " + (number == 1 ? one : more);
-}
-
 } // namespace
 
 ReportWindow::ReportWindow(Desk& desk, std::string name, std::string caption) : Form(desk, std::move(name), std::move(caption)) {
@@ -56,6 +53,19 @@ ReportWindow::ReportWindow(Desk& desk, std::string name, std::string caption) : 
     cmdRefresh.setToolTip("Read the report anew from the store (F5)");
     cmdClose.isCancel = true;
 
+    wire();
+
+    bindKeys();
+
+    setLayout(column({
+        row({at(cmdPrint), at(cmdExport), at(cmdLetters), at(cmdRefresh), gap(), at(imgTree), gap(), at(imgFirst), at(imgPrevious),
+             at(txtPage).wide(6), at(lblPages), at(imgNext), at(imgLast), gap(), at(lbxZoom).wide(12), stretch()}),
+        at(CRViewer1).stretched(),
+        buttons({at(lblState).stretched(), at(txtFind).wide(20), at(imgFindPrevious), at(imgFindNext), gap(), at(cmdClose)}),
+    }));
+}
+
+void ReportWindow::wire() {
     cmdPrint.click = [this] { cmdPrint_Click(); };
     cmdExport.click = [this] { cmdExport_Click(); };
     cmdLetters.click = [this] { cmdLetters_Click(); };
@@ -86,7 +96,9 @@ ReportWindow::ReportWindow(Desk& desk, std::string name, std::string caption) : 
     CRViewer1.zoomChange = [this] { showZoom(); };
     tmrLayout.fire = [this] { tmrLayout_Fire(); };
     cmdClose.click = [this] { unload(); };
+}
 
+void ReportWindow::bindKeys() {
     onKey("Ctrl+P", [this] { cmdPrint_Click(); });
     onKey("Ctrl+E", [this] { cmdExport_Click(); });
     onKey("F5", [this] { cmdRefresh_Click(); });
@@ -109,13 +121,6 @@ ReportWindow::ReportWindow(Desk& desk, std::string name, std::string caption) : 
     for (const char* const plus : {"Ctrl++", "Ctrl+="}) // the same key where "+" needs Shift
         onKey(plus, [this] { zoomStep(1); });
     onKey("Ctrl+-", [this] { zoomStep(-1); });
-
-    setLayout(column({
-        row({at(cmdPrint), at(cmdExport), at(cmdLetters), at(cmdRefresh), gap(), at(imgTree), gap(), at(imgFirst), at(imgPrevious),
-             at(txtPage).wide(6), at(lblPages), at(imgNext), at(imgLast), gap(), at(lbxZoom).wide(12), stretch()}),
-        at(CRViewer1).stretched(),
-        buttons({at(lblState).stretched(), at(txtFind).wide(20), at(imgFindPrevious), at(imgFindNext), gap(), at(cmdClose)}),
-    }));
 }
 
 void ReportWindow::attempt(const std::string& what, const std::function<void()>& body) {
@@ -203,7 +208,7 @@ void ReportWindow::showPlace() {
     imgLast.setEnabled(CRViewer1.page() < pages || !all);
     if (pages_ == nullptr)
         return;
-    std::string state = counted(pages_->rowCount(), "row", "rows") + ", " + counted(pages, "page", "pages");
+    std::string state = counted(pages_->rowCount(), "row") + ", " + counted(pages, "page");
     if (!all)
         state += " so far, more are being laid out";
     if (!ViewerTools)
@@ -229,7 +234,7 @@ bool ReportWindow::layOutAll() {
     tmrLayout.stop();
     const bool all = longWork(
         desk(), "Laying out the pages …", [this] { return pages_->layOut(kPortion) ? 100 : -1; },
-        [this] { return "Laying out the pages … " + counted(pages_->pages().count(), "page", "pages"); });
+        [this] { return "Laying out the pages … " + counted(pages_->pages().count(), "page"); });
     CRViewer1.grown();
     showPlace();
     if (!all)
@@ -330,8 +335,8 @@ void ReportWindow::cmdLetters_Click() {
             return;
         const int written = writeLetters(desk(), *pages_, files, *folder);
         const bool all = written == static_cast<int>(files.size());
-        lblState.setCaption((all ? "Written to " : "Stopped; written before to ") + folder->string() + ": " +
-                            counted(written, "letter", "letters") + ".");
+        lblState.setCaption((all ? "Written to " : "Stopped; written before to ") + folder->string() + ": " + counted(written, "letter") +
+                            ".");
     });
 }
 

@@ -43,6 +43,8 @@ protected:
     void Form_Unload(bool& cancel) override;
 
 private:
+    void wire();
+    void bindKeys();
     std::string storeFailure_; // the store's own sentence, empty when it is not to blame
 
     void showPlace();

@@ -27,28 +27,7 @@ std::string nameKey(std::string_view name) {
 frmCashier_Security::frmCashier_Security(Desk& desk) : Form(desk, "frmCashier_Security", "Cashier Security Settings") {
     setIcon("customers");
     keepSecret(Password, cmdShowPassword);
-    const std::pair<Control*, const char*> bound[] = {
-        {&CashierName, "Name"},
-        {&Password, "Password"},
-        {&CashierStoreID, "StoreID"},
-        {&txtFirstName, "FirstName"},
-        {&txtLastName, "LastName"},
-        {&FloorLimit, "DrawerLimit"},
-        {&ReturnLimit, "ReturnLimit"},
-        {&ManagerFlag, "ManagerFlag"},
-        {&AllowSerialAdd, "AllowSerialAdd"},
-        {&AllowUpdateCust, "AllowUpdateCust"},
-        {&AllowTaxStatusChg, "AllowTaxStatusChg"},
-        {&AllowReprint, "AllowReprint"},
-        {&AllowViewCost, "AllowViewCost"},
-        {&AllowExit, "AllowExit"},
-        {&AllowHold, "AllowHold"},
-        {&AllowDropPayout, "AllowDropPayout"},
-        {&AllowNoSale, "AllowNoSale"},
-        {&AllowPriceChange, "AllowPriceChg"},
-    };
-    for (const auto& [control, column] : bound)
-        control->dataField = column;
+    bindFields();
     for (TextBox* box : {&CashierName, &FloorLimit, &Password, &ReturnLimit, &txtFirstName, &txtLastName}) {
         box->maxLength = 50;
         box->gotFocus = [box] { box->selectAll(); };
@@ -94,6 +73,31 @@ frmCashier_Security::frmCashier_Security(Desk& desk) : Form(desk, "frmCashier_Se
         }),
         buttons({stretch(), note("Update saves and closes"), at(CmdExit), at(cmdCancel), at(cmdUpdate)}),
     }));
+}
+
+void frmCashier_Security::bindFields() {
+    const std::pair<Control*, const char*> bound[] = {
+        {&CashierName, "Name"},
+        {&Password, "Password"},
+        {&CashierStoreID, "StoreID"},
+        {&txtFirstName, "FirstName"},
+        {&txtLastName, "LastName"},
+        {&FloorLimit, "DrawerLimit"},
+        {&ReturnLimit, "ReturnLimit"},
+        {&ManagerFlag, "ManagerFlag"},
+        {&AllowSerialAdd, "AllowSerialAdd"},
+        {&AllowUpdateCust, "AllowUpdateCust"},
+        {&AllowTaxStatusChg, "AllowTaxStatusChg"},
+        {&AllowReprint, "AllowReprint"},
+        {&AllowViewCost, "AllowViewCost"},
+        {&AllowExit, "AllowExit"},
+        {&AllowHold, "AllowHold"},
+        {&AllowDropPayout, "AllowDropPayout"},
+        {&AllowNoSale, "AllowNoSale"},
+        {&AllowPriceChange, "AllowPriceChg"},
+    };
+    for (const auto& [control, column] : bound)
+        control->dataField = column;
 }
 
 bool frmCashier_Security::hasRow() const {

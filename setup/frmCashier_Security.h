@@ -22,6 +22,7 @@ public:
     std::int16_t CashierID = 0;
 
 private:
+    void bindFields();
     void Form_Load() override;
 
     void ManagerTimer_Timer();

@@ -1,6 +1,7 @@
 #include "exchange/import/frmExcelImport.h"
 
 #include "app/modMain.h"
+#include "base/counted.h"
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -34,10 +35,6 @@ constexpr const char* kLeftAside = "(left aside)";
 enum ColumnsColumn { kLetter, kHeading, kValues, kField };
 enum Decimals { kPoint, kComma, kUnsaid };
 enum RunsColumn { kRun, kMade, kWhat, kFile, kWords, kUndone };
-
-std::string counted(std::int64_t number, const char* one, const char* many) {
-    return withThousands(number) + " " + (number == 1 ? one : many);
-}
 
 int hiddenRows(const SheetTable& table) {
     int count = 0;
@@ -378,7 +375,7 @@ void frmExcelImport::showFound() {
     txtHeadings.setText(match_.headingRow < 0 ? "" : std::to_string(table_.number(match_.headingRow)));
     if (source_ == nullptr)
         return lblFound.setCaption("");
-    std::string words = counted(table_.rows(), "row", "rows") + " in " + counted(table_.columns(), "column", "columns") + ".";
+    std::string words = counted(table_.rows(), "row") + " in " + counted(table_.columns(), "column") + ".";
     if (!source_->isWorkbook())
         words += " Lines end with " + source_->shape.lineEnd + ".";
     if (const int hidden = hiddenRows(table_); hidden > 0)
@@ -617,7 +614,7 @@ void frmExcelImport::cmdExportBad_Click() {
         if (!longWork(desk(), "Writing " + file->filename().string() + " ...", [&] { return writer->step(); }))
             return;
         writer->finish();
-        desk().status(counted(grdFindings.dataRows(), "bad cell", "bad cells") + " written to " + file->filename().string());
+        desk().status(counted(grdFindings.dataRows(), "bad cell") + " written to " + file->filename().string());
     } catch (const std::exception& error) {
         desk().message(error.what(), kProduct, MessageIcon::Exclamation);
     }
@@ -637,8 +634,8 @@ bool frmExcelImport::mayImport() {
     std::string earlier;
     if (!guarded({kTag, "cmdImport_Click"}, [&] { earlier = earlierImport(modMain().Conn->session(), target(), source_->hash()); }))
         return false;
-    std::string question = "Do you wish to import " + counted(plan_->count(RowState::New), "new row", "new rows") + " and " +
-                           counted(plan_->count(RowState::Changed), "changed one", "changed ones") + "?";
+    std::string question = "Do you wish to import " + counted(plan_->count(RowState::New), "new row") + " and " +
+                           counted(plan_->count(RowState::Changed), "changed one") + "?";
     if (bad > 0)
         question += " " + counted(bad, "row with bad cells is", "rows with bad cells are") + " left out.";
     if (!plan_->sums().empty())
@@ -682,8 +679,8 @@ void frmExcelImport::write() {
         const std::shared_ptr<ImportWriting> writing = writingOf(session, *plan_, {source_->name(), source_->hash()});
         return [writing] { return writing->step(); };
     });
-    const std::string said = counted(plan_->count(RowState::New), "new row", "new rows") + " and " +
-                             counted(plan_->count(RowState::Changed), "changed one", "changed ones") + " imported";
+    const std::string said =
+        counted(plan_->count(RowState::New), "new row") + " and " + counted(plan_->count(RowState::Changed), "changed one") + " imported";
     outdated();
     guarded({kTag, "Load_Runs"}, [this] { loadRuns(); });
     if (!done)

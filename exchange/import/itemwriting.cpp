@@ -39,28 +39,45 @@ ItemWriting::~ItemWriting() {
     }
 }
 
+void ItemWriting::addColumn(const char* name, const db::SqlType& type, ValueOf value) {
+    columns_.push_back({name, type, std::move(value)});
+}
+
 // Only what the file gives is carried along; what stood there only where items of the store change.
+void ItemWriting::addField(int field, const char* before, const char* after, const db::SqlType& type,
+                           std::function<Value(const ItemRow&)> now, std::function<Value(const StoredItem&)> was) {
+    if (plan_.match().columnOf(field) < 0)
+        return;
+    addColumn(after, type,
+              [field, now = std::move(now)](const ItemRow& row, const StoredItem*) { return row.has(field) ? now(row) : Value(); });
+    if (changesItems())
+        addColumn(before, type, [field, was = std::move(was)](const ItemRow& row, const StoredItem* stored) {
+            return row.has(field) && stored != nullptr ? was(*stored) : Value();
+        });
+}
+
+bool ItemWriting::changesItems() const {
+    return plan_.count(RowState::Changed) > 0;
+}
+
 void ItemWriting::chooseColumns() {
-    const auto add = [this](const char* name, const db::SqlType& type, std::function<Value(const ItemRow&, const StoredItem*)> value) {
-        columns_.push_back({name, type, std::move(value)});
-    };
-    const bool changes = plan_.count(RowState::Changed) > 0;
-    const auto addField = [&](int field, const char* before, const char* after, const db::SqlType& type,
-                              std::function<Value(const ItemRow&)> now, std::function<Value(const StoredItem&)> was) {
-        if (plan_.match().columnOf(field) < 0)
-            return;
-        add(after, type,
-            [field, now = std::move(now)](const ItemRow& row, const StoredItem*) { return row.has(field) ? now(row) : Value(); });
-        if (changes)
-            add(before, type, [field, was = std::move(was)](const ItemRow& row, const StoredItem* stored) {
-                return row.has(field) && stored != nullptr ? was(*stored) : Value();
-            });
-    };
     const SheetTable& table = plan_.table();
-    add("RowNo", kWhole, [&table](const ItemRow& row, const StoredItem*) { return Value(table.number(row.tableRow)); });
-    add("SKU", kName, [](const ItemRow& row, const StoredItem*) { return Value(row.sku); });
-    add("MatrixSKU", kName, [](const ItemRow& row, const StoredItem*) { return Value(row.matrixSku); });
-    add("Made", kFlag, [](const ItemRow& row, const StoredItem*) { return Value(row.existing < 0); });
+    addColumn("RowNo", kWhole, [&table](const ItemRow& row, const StoredItem*) { return Value(table.number(row.tableRow)); });
+    addColumn("SKU", kName, [](const ItemRow& row, const StoredItem*) { return Value(row.sku); });
+    addColumn("MatrixSKU", kName, [](const ItemRow& row, const StoredItem*) { return Value(row.matrixSku); });
+    addColumn("Made", kFlag, [](const ItemRow& row, const StoredItem*) { return Value(row.existing < 0); });
+    addFields();
+    const bool costs = plan_.match().columnOf(item::Cost) >= 0;
+    if (costs && plan_.match().columnOf(item::Stock) >= 0)
+        addColumn("Cost_ea", kMoney, [](const ItemRow& row, const StoredItem*) {
+            return row.has(item::Stock) && row.has(item::Cost) ? Value(row.cost) : Value();
+        });
+    const bool parts = plan_.match().columnOf(item::PartNo) >= 0;
+    if (costs || parts || plan_.match().columnOf(item::Supplier) >= 0 || items_.options().supplier)
+        addLinkColumns();
+}
+
+void ItemWriting::addFields() {
     addField(
         item::Name, "OldName", "NewName", kName, [](const ItemRow& row) { return Value(row.name); },
         [](const StoredItem& was) { return Value(was.name); });
@@ -88,32 +105,30 @@ void ItemWriting::chooseColumns() {
     addField(
         item::Stock, "OldStock", "NewStock", kWhole, [](const ItemRow& row) { return Value(row.stock); },
         [](const StoredItem& was) { return Value(was.stock); });
-    const bool costs = plan_.match().columnOf(item::Cost) >= 0;
-    if (costs && plan_.match().columnOf(item::Stock) >= 0)
-        add("Cost_ea", kMoney,
-            [](const ItemRow& row, const StoredItem*) { return row.has(item::Stock) && row.has(item::Cost) ? Value(row.cost) : Value(); });
-    const bool parts = plan_.match().columnOf(item::PartNo) >= 0;
-    if (!costs && !parts && plan_.match().columnOf(item::Supplier) < 0 && !items_.options().supplier)
-        return;
+}
+
+// What an item costs at its supplier, and the supplier's number of it.
+void ItemWriting::addLinkColumns() {
     const auto linked = [](const ItemRow& row) {
         return row.linkMade || (row.link >= 0 && (row.has(item::Cost) || row.has(item::PartNo)));
     };
     const auto linkOf = [](const ItemRow& row, const StoredItem* stored) {
         return stored != nullptr && row.link >= 0 ? &stored->links[static_cast<std::size_t>(row.link)] : nullptr;
     };
-    add("SupID", kWhole, [linked](const ItemRow& row, const StoredItem*) { return linked(row) ? Value(row.supplier) : Value(); });
-    add("LinkMade", kFlag, [linked](const ItemRow& row, const StoredItem*) { return linked(row) ? Value(row.linkMade) : Value(); });
-    add("NewCost", kMoney,
-        [linked](const ItemRow& row, const StoredItem*) { return linked(row) && row.has(item::Cost) ? Value(row.cost) : Value(); });
-    add("NewPartNo", kName,
-        [linked](const ItemRow& row, const StoredItem*) { return linked(row) && row.has(item::PartNo) ? Value(row.partNo) : Value(); });
-    if (!changes)
+    addColumn("SupID", kWhole, [linked](const ItemRow& row, const StoredItem*) { return linked(row) ? Value(row.supplier) : Value(); });
+    addColumn("LinkMade", kFlag, [linked](const ItemRow& row, const StoredItem*) { return linked(row) ? Value(row.linkMade) : Value(); });
+    addColumn("NewCost", kMoney,
+              [linked](const ItemRow& row, const StoredItem*) { return linked(row) && row.has(item::Cost) ? Value(row.cost) : Value(); });
+    addColumn("NewPartNo", kName, [linked](const ItemRow& row, const StoredItem*) {
+        return linked(row) && row.has(item::PartNo) ? Value(row.partNo) : Value();
+    });
+    if (!changesItems())
         return;
-    add("OldCost", kMoney, [linked, linkOf](const ItemRow& row, const StoredItem* stored) {
+    addColumn("OldCost", kMoney, [linked, linkOf](const ItemRow& row, const StoredItem* stored) {
         const SupplierLink* link = linkOf(row, stored);
         return linked(row) && link != nullptr ? Value(link->cost) : Value();
     });
-    add("OldPartNo", kName, [linked, linkOf](const ItemRow& row, const StoredItem* stored) {
+    addColumn("OldPartNo", kName, [linked, linkOf](const ItemRow& row, const StoredItem* stored) {
         const SupplierLink* link = linkOf(row, stored);
         return linked(row) && link != nullptr ? Value(link->partNo) : Value();
     });

@@ -22,14 +22,21 @@ public:
 
 private:
     enum class Phase { Stage, Open, Write, Done };
+    using ValueOf = std::function<Value(const ItemRow&, const StoredItem*)>;
     // A field of the work table, and how a row fills it.
     struct Column {
         const char* name;
         db::SqlType type;
-        std::function<Value(const ItemRow&, const StoredItem*)> value;
+        ValueOf value;
     };
 
     void chooseColumns();
+    void addColumn(const char* name, const db::SqlType& type, ValueOf value);
+    void addField(int field, const char* before, const char* after, const db::SqlType& type, std::function<Value(const ItemRow&)> now,
+                  std::function<Value(const StoredItem&)> was);
+    void addFields();
+    void addLinkColumns();
+    bool changesItems() const;
     std::string insertOf(std::size_t rows) const;
     void stage();
     void stageRows(const std::vector<const ItemRow*>& rows);
