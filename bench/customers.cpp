@@ -1,18 +1,11 @@
 // The list of 100,000 customers, from the call to the painted window, beside its select alone, stepped and copied on SQLite; and a
 // keystroke of its search over all seven fields beside a bare scan of the same bytes.
 
-#include "app/modMain.h"
 #include "bench/barestore.h"
-#include "bench/itemstore.h"
-#include "bench/paintwatch.h"
+#include "bench/benchdesk.h"
 #include "bench/ratio.h"
 #include "customers/frmCustomerView.h"
-#include "programs/desktop.h"
-#include "programs/screens.h"
 #include "ui/qt/formwindow.h"
-#include "ui/qt/qtdesk.h"
-
-#include <QApplication>
 
 #include <cctype>
 
@@ -114,23 +107,13 @@ void measureSearch(ui::QtDesk& desk, PaintWatch& watch, const BareStore& store) 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
     const ItemStore items(1);
     furnish(*items.session());
-    qputenv("XDG_CONFIG_HOME", items.folder().c_str());
-    QApplication application(argc, argv);
-    ui::QtDesk desk(application, ui::Tone::Light);
-    const programs::ConfigFor config(items.file().string());
-    app::modMain().desk = &desk;
-    app::modMain().configFile = config.file();
-    programs::bindDoors(desk);
-    desk.enter([] { app::StartUpSystem(); });
-    PaintWatch watch;
-    application.installEventFilter(&watch);
+    BenchDesk<> bench(argc, argv, items);
+    auto& desk = bench.desk;
+    PaintWatch& watch = bench.watch;
     const BareStore store(items.file());
     measureList(desk, watch, store);
     measureSearch(desk, watch, store);
-    app::resetModMain();
     return 0;
 }

@@ -3,15 +3,10 @@
 
 #include "app/modMain.h"
 #include "bench/barestore.h"
-#include "bench/itemstore.h"
+#include "bench/benchdesk.h"
 #include "bench/ratio.h"
 #include "catalog/frmItems.h"
-#include "programs/desktop.h"
-#include "programs/screens.h"
 #include "ui/gestures.h"
-#include "ui/qt/qtdesk.h"
-
-#include <QApplication>
 
 #include <string>
 
@@ -177,24 +172,13 @@ void measureSaving(ui::QtDesk& desk, const BareStore& bare) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
     const ItemStore items;
     furnish(*items.session());
-    qputenv("XDG_CONFIG_HOME", items.folder().c_str());
-    QApplication application(argc, argv);
-    {
-        ui::QtDesk desk(application, ui::Tone::Light);
-        const programs::ConfigFor config(items.file().string());
-        app::modMain().desk = &desk;
-        app::modMain().configFile = config.file();
-        programs::bindDoors(desk);
-        app::modMain().doors.ShowItemList = {}; // leaving an item leads back here
-        desk.enter([] { app::StartUpSystem(); });
-        const BareStore bare(items.file());
-        measureOpening(desk, bare);
-        measureSaving(desk, bare);
-        app::resetModMain();
-    }
+    BenchDesk<> bench(argc, argv, items);
+    auto& desk = bench.desk;
+    app::modMain().doors.ShowItemList = {}; // leaving an item leads back here
+    const BareStore bare(items.file());
+    measureOpening(desk, bare);
+    measureSaving(desk, bare);
     return 0;
 }

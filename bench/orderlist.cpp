@@ -1,19 +1,11 @@
 // The list of 50,000 orders with five lines each, from the call to the painted window, beside its select alone, stepped and copied on
 // SQLite.
 
-#include "app/frmLogin.h"
-#include "app/modMain.h"
 #include "bench/barestore.h"
-#include "bench/itemstore.h"
-#include "bench/paintwatch.h"
+#include "bench/benchdesk.h"
 #include "bench/ratio.h"
-#include "programs/desktop.h"
-#include "programs/screens.h"
 #include "purchasing/frmPurchaseOrders.h"
 #include "ui/qt/formwindow.h"
-#include "ui/qt/qtdesk.h"
-
-#include <QApplication>
 
 #include <limits>
 
@@ -83,20 +75,11 @@ int copied(const BareStore& store) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
     const ItemStore items(kGoods);
     furnish(*items.session());
-    qputenv("XDG_CONFIG_HOME", items.folder().c_str());
-    QApplication application(argc, argv);
-    ui::QtDesk desk(application, ui::Tone::Light);
-    const programs::ConfigFor config(items.file().string());
-    app::modMain().desk = &desk;
-    app::modMain().configFile = config.file();
-    programs::bindDoors(desk);
-    desk.enter([] { app::StartUpSystem(); });
-    PaintWatch watch;
-    application.installEventFilter(&watch);
+    BenchDesk<> bench(argc, argv, items);
+    auto& desk = bench.desk;
+    PaintWatch& watch = bench.watch;
     const BareStore store(items.file());
     std::vector<double> shown;
     std::vector<double> bare;
@@ -111,6 +94,5 @@ int main(int argc, char** argv) {
         QCoreApplication::processEvents();
     }
     print("frmPurchaseOrders on 50,000 orders until painted", median(shown), median(bare));
-    app::resetModMain();
     return 0;
 }

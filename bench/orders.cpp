@@ -1,17 +1,11 @@
 // An automatic order run on frmPOCreate, 10,000 to 30,000 lines for 200 suppliers, from OK to the summary, beside the same statements on
 // SQLite: each prepared as it comes, as the program gets them, and each prepared once. The sort by itself.
 
-#include "app/modMain.h"
 #include "bench/barestore.h"
-#include "bench/itemstore.h"
+#include "bench/benchdesk.h"
 #include "bench/ratio.h"
-#include "programs/desktop.h"
-#include "programs/screens.h"
 #include "purchasing/frmPOCreate.h"
 #include "ui/gestures.h"
-#include "ui/qt/qtdesk.h"
-
-#include <QApplication>
 
 #include <map>
 #include <string>
@@ -233,30 +227,19 @@ double sortOf(int count) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
     const ItemStore items(kMostLines);
     const auto session = items.session();
     furnish(*session);
-    qputenv("XDG_CONFIG_HOME", items.folder().c_str());
-    QApplication application(argc, argv);
-    {
-        AnsweringDesk desk(application, ui::Tone::Light);
-        const programs::ConfigFor config(items.file().string());
-        app::modMain().desk = &desk;
-        app::modMain().configFile = config.file();
-        programs::bindDoors(desk);
-        desk.enter([] { app::StartUpSystem(); });
-        const BareStore bare(items.file());
-        double first = 0;
-        for (const int lines : {10'000, 20'000, kMostLines}) {
-            const double ms = measure(desk, *session, bare, lines);
-            const double sort = sortOf(lines);
-            first = first == 0 ? (ms - sort) / lines : first;
-            std::printf("  %.1f us a line without the sort (%.2f of the first), the sort %.1f ms\n", (ms - sort) / lines * 1000,
-                        (ms - sort) / lines / first, sort);
-        }
-        app::resetModMain();
+    BenchDesk<AnsweringDesk> bench(argc, argv, items);
+    auto& desk = bench.desk;
+    const BareStore bare(items.file());
+    double first = 0;
+    for (const int lines : {10'000, 20'000, kMostLines}) {
+        const double ms = measure(desk, *session, bare, lines);
+        const double sort = sortOf(lines);
+        first = first == 0 ? (ms - sort) / lines : first;
+        std::printf("  %.1f us a line without the sort (%.2f of the first), the sort %.1f ms\n", (ms - sort) / lines * 1000,
+                    (ms - sort) / lines / first, sort);
     }
     return 0;
 }

@@ -1,19 +1,11 @@
 // Lists of 100,000 rows, from the call to the painted window, beside the load of their rows alone: the items, and the stock with its
 // yellow serial items and 300,000 movements behind it.
 
-#include "app/frmLogin.h"
-#include "app/modMain.h"
-#include "bench/itemstore.h"
-#include "bench/paintwatch.h"
+#include "bench/benchdesk.h"
 #include "bench/ratio.h"
 #include "catalog/itemlistform.h"
 #include "inventory/frmInventory.h"
-#include "programs/desktop.h"
-#include "programs/screens.h"
 #include "ui/qt/formwindow.h"
-#include "ui/qt/qtdesk.h"
-
-#include <QApplication>
 
 using namespace merchantry;
 using namespace merchantry::bench;
@@ -41,25 +33,15 @@ template <class F> void measure(const char* what, const char* grid, ui::QtDesk& 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
     const ItemStore items;
     items.addMovements(kMovesEach);
-    qputenv("XDG_CONFIG_HOME", items.folder().c_str());
-    QApplication application(argc, argv);
-    ui::QtDesk desk(application, ui::Tone::Light);
-    const programs::ConfigFor config(items.file().string());
-    app::modMain().desk = &desk;
-    app::modMain().configFile = config.file();
-    programs::bindDoors(desk);
-    desk.enter([] { app::StartUpSystem(); });
-    PaintWatch watch;
-    application.installEventFilter(&watch);
+    BenchDesk<> bench(argc, argv, items);
+    auto& desk = bench.desk;
+    PaintWatch& watch = bench.watch;
     measure<catalog::frmItemLookup>("frmItemLookup on 100,000 items until painted", "grdItems", desk, watch, "sp_GetAllItems 1, 0");
     measure<inventory::frmInventory>(
         "frmInventory on 100,000 items until painted", "grdInv", desk, watch,
         "select Stock.SKU, Stock.MatrixSKU, Item.Name, Stock.Quantity, Stock.QtyCommitt, Item.SerialFlag FROM Stock INNER JOIN Item ON "
         "Stock.SKU = Item.SKU AND Stock.MatrixSKU = Item.MatrixSKU WHERE Item.TypeID <> 4 ORDER BY Stock.SKU, Stock.MatrixSKU");
-    app::resetModMain();
     return 0;
 }
