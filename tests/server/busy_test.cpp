@@ -2,6 +2,10 @@
 #include "app/db/work.h"
 #include "tests/server/onaserver.h"
 
+#include <chrono>
+#include <functional>
+#include <thread>
+
 namespace merchantry::db {
 namespace {
 
@@ -30,6 +34,7 @@ protected:
     std::string numbers() const { return rowsOf("SELECT Number FROM Counted ORDER BY Id"); }
 
     std::unique_ptr<Session> other;
+    std::thread letGo;
 };
 
 TEST_F(BusyOnAServer, AWholeTransactionIsRunOnceMoreAndSavedOnce) {
@@ -78,6 +83,69 @@ TEST_F(BusyOnAServer, APartOfATransactionIsNotRunAgain) {
                                }),
                  DbError);
     EXPECT_EQ(runs, 1);
+}
+
+// Counts how often it is asked, and lets go of the row, or gives up.
+class Asked : public Waiter {
+public:
+    explicit Asked(std::function<bool(int times)> answer) : answer_(std::move(answer)) {}
+    bool goOn(std::chrono::milliseconds waited) override {
+        EXPECT_GT(waited.count(), 0);
+        return answer_(++times);
+    }
+    void over() override { ++ends; }
+    int times = 0;
+    int ends = 0;
+
+private:
+    std::function<bool(int times)> answer_;
+};
+
+TEST_F(BusyOnAServer, AWaiterIsAskedUntilTheStatementRuns) {
+    Asked asked([this](int times) {
+        if (times == 5)
+            other->rollback();
+        return true;
+    });
+    session = host->session();
+    session->setWaiter(&asked);
+    run("UPDATE Counted SET Number = Number + 1 WHERE Id = 1");
+    EXPECT_GE(asked.times, 5);
+    EXPECT_EQ(asked.ends, 1);
+    EXPECT_EQ(numbers(), "1;0");
+    const int before = asked.times;
+    run("UPDATE Counted SET Number = Number + 1 WHERE Id = 1");
+    EXPECT_EQ(asked.times, before) << "nobody was in the way";
+}
+
+TEST_F(BusyOnAServer, WhoGivesUpWaitingIsToldAsBusyAndNotTriedAgain) {
+    // A compatible server hears the cancel only when the row is free.
+    Asked asked([this](int) {
+        letGo = std::thread([this] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            other->rollback();
+        });
+        return false;
+    });
+    session = host->session();
+    session->setWaiter(&asked);
+    int runs = 0;
+    try {
+        againWhenBusy(*session, [&] {
+            ++runs;
+            Work work(*session);
+            run("UPDATE Counted SET Number = Number + 1 WHERE Id = 1");
+            work.commit();
+        });
+        ADD_FAILURE() << "was saved";
+    } catch (const DbError& error) {
+        EXPECT_EQ(error.category(), DbError::Category::Busy) << error.what();
+    }
+    letGo.join();
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(asked.times, 1);
+    EXPECT_EQ(asked.ends, 1);
+    EXPECT_EQ(numbers(), "0;0");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "app/db/server/link.h"
 
+#include "app/db/eachrow.h"
 #include "app/db/nativeerrors.h"
 #include "app/db/server/batchtext.h"
 #include "app/db/server/boundparameters.h"
@@ -23,13 +24,19 @@ constexpr int kLockTimeout = 1222;
 constexpr int kContextChanged = 5701; // the database, and the language
 constexpr int kLanguageChanged = 5703;
 constexpr SQLULEN kLoginSeconds = 15;
-constexpr std::chrono::minutes kAskedAfter{1}; // without use
+constexpr std::chrono::minutes kAskedAfter{1};       // without use
+constexpr std::chrono::milliseconds kUnnoticed{300}; // that a statement may take before it is asked whether it waits
+constexpr std::chrono::milliseconds kLookAgain{15};
+constexpr const char* kWaitShort = "SET LOCK_TIMEOUT 20000";
+constexpr const char* kWaitLong = "SET LOCK_TIMEOUT 120000"; // the user decides before; it ends where a server does not hear a cancel
+constexpr const char* kNotWaitedFor =
+    "Another program is saving to this store and has not finished. Nothing was changed here; try again in a moment.";
 
 // What every connection begins with, whatever the server's own defaults are. A statement waits for others as long as in a store file.
 constexpr const char* kSettings = "SET NOCOUNT OFF SET DATEFORMAT mdy SET DATEFIRST 7 SET TEXTSIZE 2147483647 SET LOCK_TIMEOUT 20000 "
                                   "SET ANSI_NULLS ON SET ANSI_PADDING ON SET ANSI_WARNINGS ON SET ARITHABORT ON "
                                   "SET CONCAT_NULL_YIELDS_NULL ON SET QUOTED_IDENTIFIER ON SET NUMERIC_ROUNDABORT OFF "
-                                  "SET XACT_ABORT OFF SET IMPLICIT_TRANSACTIONS OFF";
+                                  "SET XACT_ABORT OFF SET IMPLICIT_TRANSACTIONS OFF SELECT CAST(@@SPID AS int)";
 
 std::string atName(const Parameter& parameter) {
     return parameter.name.starts_with('@') ? parameter.name : "@" + parameter.name;
@@ -76,7 +83,7 @@ public:
             readOne();
             if (link_.lost_)
                 return;
-            state = SQLMoreResults(statement_);
+            state = link_.patiently([this] { return SQLMoreResults(statement_); });
         }
     }
 
@@ -165,16 +172,18 @@ void Link::connect() {
 }
 
 void Link::setUp() {
-    NoResult none;
+    EachRow process([this](const RowView& row) { process_ = static_cast<int>(row.number(0)); });
     std::vector<Parameter> noParameters;
     std::vector<DbError> errors;
-    run({kSettings, noParameters}, none, errors);
+    run({kSettings, noParameters}, process, errors);
     if (lost_ && !errors.empty())
         throw NotConnected(lostError(address_, true));
 }
 
 void Link::run(const Request& request, ResultSink& sink, std::vector<DbError>& errors) {
     cancelled_ = false;
+    gaveUp_ = false;
+    tellHowLongToWait();
     runRequest(request, sink, errors);
     lastUsed_ = std::chrono::steady_clock::now();
     if (lost_ && errors.empty()) // the driver may lose it without a word
@@ -182,6 +191,64 @@ void Link::run(const Request& request, ResultSink& sink, std::vector<DbError>& e
     // The driver may throw away what came behind the request to cancel, without a word.
     if (cancelled_ && !lost_)
         errors.assign(1, DbError(Category::Cancelled, 0, "The statement was cancelled."));
+    if (gaveUp_ && !lost_ && !errors.empty())
+        errors.assign(1, DbError(Category::Busy, 0, kNotWaitedFor));
+}
+
+void Link::setWaiter(Waiter* waiter, std::function<bool(int process)> isBlocked) {
+    waiter_ = waiter;
+    isBlocked_ = std::move(isBlocked);
+}
+
+void Link::tellHowLongToWait() {
+    if ((waiter_ != nullptr) == waitsLong_)
+        return;
+    waitsLong_ = waiter_ != nullptr;
+    NoResult none;
+    std::vector<Parameter> noParameters;
+    std::vector<DbError> errors;
+    runRequest({waitsLong_ ? kWaitLong : kWaitShort, noParameters}, none, errors);
+}
+
+// The waiter is asked in the session's own thread, while the driver waits in another.
+SQLRETURN Link::patiently(const std::function<SQLRETURN()>& call) {
+    if (waiter_ == nullptr)
+        return call();
+    if (errand_ == nullptr)
+        errand_ = std::make_unique<Errand>();
+    const auto since = std::chrono::steady_clock::now();
+    errand_->start(call);
+    const AtEnd ended([this] { // also when the waiter ends the program
+        while (!errand_->endsWithin(kLookAgain))
+            SQLCancel(statement_.get());
+    });
+    if (!errand_->endsWithin(kUnnoticed))
+        ask(since);
+    return errand_->result();
+}
+
+// A statement that merely takes long waits for nobody: the server is asked about it now and then.
+void Link::ask(std::chrono::steady_clock::time_point since) {
+    auto askedAt = std::chrono::steady_clock::time_point();
+    bool blocked = false;
+    bool told = false;
+    do {
+        const auto now = std::chrono::steady_clock::now();
+        if (!gaveUp_ && now - askedAt > kUnnoticed) {
+            blocked = isBlocked_(process_);
+            askedAt = now;
+        }
+        told = told || blocked;
+        if (blocked && !gaveUp_ && !waiter_->goOn(std::chrono::duration_cast<std::chrono::milliseconds>(now - since)))
+            giveUp();
+    } while (!errand_->endsWithin(kLookAgain));
+    if (told)
+        waiter_->over();
+}
+
+void Link::giveUp() {
+    gaveUp_ = true;
+    SQLCancel(statement_.get());
 }
 
 void Link::runRequest(const Request& request, ResultSink& sink, std::vector<DbError>& errors) {
@@ -198,7 +265,7 @@ void Link::runRequest(const Request& request, ResultSink& sink, std::vector<DbEr
 
 void Link::runBatch(std::string_view text, std::vector<Parameter>& parameters, Results& results) {
     if (parameters.empty()) {
-        results.read(SQLExecDirect(statement_.get(), odbcText(text), static_cast<SQLINTEGER>(text.size())));
+        results.read(patiently([&] { return SQLExecDirect(statement_.get(), odbcText(text), static_cast<SQLINTEGER>(text.size())); }));
         return;
     }
     BoundParameters bound(statement_.get());
@@ -207,7 +274,7 @@ void Link::runBatch(std::string_view text, std::vector<Parameter>& parameters, R
     for (const Parameter& parameter : parameters)
         bound.add(atName(parameter), parameter);
     const std::string call = callText("sp_executesql", parameters.size() + 2);
-    results.read(SQLExecDirect(statement_.get(), odbcText(call), static_cast<SQLINTEGER>(call.size())));
+    results.read(patiently([&] { return SQLExecDirect(statement_.get(), odbcText(call), static_cast<SQLINTEGER>(call.size())); }));
     if (!lost_)
         bound.readBack(2, parameters);
 }
@@ -218,7 +285,7 @@ void Link::runCall(const Request& request, Results& results) {
     for (const Parameter& parameter : request.parameters)
         bound.add(parameter.name.empty() ? "" : atName(parameter), parameter);
     const std::string call = callText(request.text, request.parameters.size());
-    results.read(SQLExecDirect(statement_.get(), odbcText(call), static_cast<SQLINTEGER>(call.size())));
+    results.read(patiently([&] { return SQLExecDirect(statement_.get(), odbcText(call), static_cast<SQLINTEGER>(call.size())); }));
 }
 
 bool Link::isDead() const {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "app/db/server/address.h"
+#include "app/db/server/errand.h"
 #include "app/db/server/odbc.h"
 #include "app/db/servererrors.h"
 #include "app/db/session.h"
 
 #include <atomic>
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <vector>
 
 namespace merchantry::db::server {
@@ -34,6 +37,10 @@ public:
     // The connection is gone: nothing can be run on it any more.
     bool isLost() const { return lost_; }
     const Address& address() const { return address_; }
+    // Who is asked while a statement waits for others, and how to learn whether it does (from another connection; it gets the process's
+    // number at the server). Without a waiter the server gives a statement up after twenty seconds of waiting. Requires: nothing is
+    // running.
+    void setWaiter(Waiter* waiter, std::function<bool(int process)> isBlocked);
     // Whether the connection still stands after nothing was run on it for a while. The server is asked only where that cannot be seen from
     // here, or a minute has passed. Requires: nothing is running.
     bool stillStands();
@@ -46,6 +53,10 @@ private:
     void runRequest(const Request& request, ResultSink& sink, std::vector<DbError>& errors);
     void runCall(const Request& request, Results& results);
     void runBatch(std::string_view text, std::vector<Parameter>& parameters, Results& results);
+    SQLRETURN patiently(const std::function<SQLRETURN()>& call);
+    void ask(std::chrono::steady_clock::time_point since);
+    void giveUp();
+    void tellHowLongToWait();
     bool isDead() const;
     bool answers();
     DbError errorOf(const Diagnostic& diagnostic) const;
@@ -56,6 +67,12 @@ private:
     std::atomic<bool> cancelled_ = false;
     bool lost_ = false;
     std::chrono::steady_clock::time_point lastUsed_;
+    int process_ = 0; // the connection's number at the server
+    Waiter* waiter_ = nullptr;
+    std::function<bool(int process)> isBlocked_;
+    bool waitsLong_ = false; // as the server was told
+    bool gaveUp_ = false;    // the user, in the request that runs
+    std::unique_ptr<Errand> errand_;
 };
 
 // What a failed connection is told as.

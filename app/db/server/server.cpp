@@ -13,6 +13,8 @@ namespace merchantry::db::server {
 struct Server::State {
     std::mutex mutex;
     std::vector<std::unique_ptr<Link>> idle;
+    std::mutex askingMutex;
+    std::unique_ptr<Link> asking; // whether others wait
     std::mutex scratchMutex;
     std::unique_ptr<ScratchStore> scratch;
     std::string stamp; // of the server's catalogue, when the scratch store did not know a name
@@ -50,8 +52,25 @@ std::unique_ptr<Link> Server::takeIdle() {
 }
 
 void Server::giveBack(std::unique_ptr<Link> link) {
+    link->setWaiter(nullptr, {}); // it is the session's
     const std::lock_guard lock(state_->mutex);
     state_->idle.push_back(std::move(link));
+}
+
+bool Server::isBlocked(int process) {
+    const std::lock_guard lock(state_->askingMutex);
+    const std::string number = std::to_string(process);
+    bool found = false;
+    EachRow blocked([&](const RowView& row) { found = row.number(0) > 0; });
+    try {
+        if (state_->asking == nullptr)
+            state_->asking = std::make_unique<Link>(address_);
+        runOn(*state_->asking, "SELECT COUNT(*) FROM sys.sysprocesses WHERE spid = " + number + " AND blocked NOT IN (0, " + number + ")",
+              blocked);
+    } catch (const DbError&) { // not to be seen, or the server is gone, which the statement itself will tell
+        state_->asking.reset();
+    }
+    return found;
 }
 
 ScratchStore& Server::scratch(Link& link) {

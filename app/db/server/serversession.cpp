@@ -254,6 +254,7 @@ Link& ServerSession::link() {
         begun_ = 0;
         traces_ = false;
     }
+    link_->setWaiter(waiter_, [server = server_.get()](int process) { return server->isBlocked(process); });
     return *link_;
 }
 

@@ -30,8 +30,7 @@ public:
     Value lastIdentity() const override;
     void cancel() override;
     void setReadOnly(bool readOnly) override { readOnly_ = readOnly; }
-    // A server waits by itself, and no longer than a store file does; nobody is asked meanwhile.
-    void setWaiter(Waiter*) override {}
+    void setWaiter(Waiter* waiter) override { waiter_ = waiter; }
     // A server has its own clock.
     void setClock(const Clock*) override {}
 
@@ -51,6 +50,7 @@ private:
     std::mutex linkMutex_; // for cancel, which comes from another thread
     std::unique_ptr<Link> link_;
     bool readOnly_ = false;
+    Waiter* waiter_ = nullptr;
     bool traces_ = false;              // the connection is no longer as new
     mutable int begun_ = 0;            // transactions, by begin()
     std::exception_ptr ended_;         // what ended them all before their time; told again until the rollback
