@@ -1,6 +1,9 @@
 #include "programs/desktop.h"
 
 #include "app/configstore.h"
+#include "app/db/ado/provider.h"
+#include "app/db/server/address.h"
+#include "app/serverstore.h"
 #include "base/platform/platform.h"
 #include "programs/screens.h"
 #include "programs/storehost.h"
@@ -112,6 +115,15 @@ bool usable(const std::string& store) {
     return false;
 }
 
+app::DbConfig configFor(const std::string& store) {
+    if (app::isServerPlace(store)) {
+        const db::server::Address address = db::server::addressOf(db::connectionParts(store));
+        return {app::shownPlace(store), address.sourceText(), "1", address.password, "", address.integrated ? "1" : ""};
+    }
+    const auto path = std::filesystem::absolute(store);
+    return {path.stem().string(), path.string(), "1", "", "", ""};
+}
+
 } // namespace
 
 ConfigFor::ConfigFor(const std::string& store) {
@@ -122,9 +134,9 @@ ConfigFor::ConfigFor(const std::string& store) {
     std::filesystem::create_directories(folder_);
     file_ = folder_ / "databases.toml";
     app::ConfigStore configurations(file_);
-    const auto path = std::filesystem::absolute(store);
-    configurations.put({path.stem().string(), path.string(), "1", "", "", ""});
-    configurations.setDefault(path.stem().string());
+    const app::DbConfig config = configFor(store);
+    configurations.put(config);
+    configurations.setDefault(config.ConfigName);
     configurations.save();
 }
 

@@ -93,7 +93,7 @@ int main(int argc, char** argv) {
     Options options;
     CLI::App program("Merchantry: the store-management program");
     program.set_version_flag("--version", MERCHANTRY_VERSION);
-    program.add_option("--store", options.store, "Open this store file instead of the configured store");
+    program.add_option("--store", options.store, "Open this store, its file or a connection string, instead of the configured one");
     program.add_option("--play", options.plays, "Run screen scripts in the desktop, each on a copy of the store given with --store");
     program.add_option("--pictures", options.pictures,
                        "Where the pictures go: those of the scripts, or else one of every form, light and dark");

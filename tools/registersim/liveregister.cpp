@@ -1,5 +1,6 @@
 #include "tools/registersim/liveregister.h"
 
+#include "app/db/again.h"
 #include "app/db/work.h"
 #include "base/platform/platform.h"
 #include "tools/registersim/query.h"
@@ -120,9 +121,11 @@ bool LiveRegister::postOne(Date now) {
     if (!sale)
         return false;
     payAsOffered(*sale);
-    db::Work work(*session_);
-    post(*sale);
-    work.commit();
+    db::againWhenBusy(*session_, [&] {
+        db::Work work(*session_);
+        post(*sale);
+        work.commit();
+    });
     takeOffShelves(shop_, *sale);
     return true;
 }

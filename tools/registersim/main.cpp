@@ -1,8 +1,8 @@
 // Registers at work on an open store, for tests beside a working manager and for watching reports move.
 
 #include "app/db/embedded/closing.h"
-#include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
+#include "app/serverstore.h"
 #include "base/date.h"
 #include "tools/registersim/history.h"
 #include "tools/registersim/liveregister.h"
@@ -26,22 +26,26 @@ struct Options {
 
 // The keys of the registers, from the first to the last.
 int tellOffers(const Options& options) {
-    const auto session = db::Store::open(options.store)->session();
+    const auto session = app::openStore(options.store);
     db::refuseNewerSchema(*session);
     for (const registersim::TenderKey& key : registersim::loadTenders(*session))
         std::cout << key.name << (key.name == key.type ? "" : " (" + key.type + ")") << "\n";
     return 0;
 }
 
+// A server has its own ways to end the work on a store.
+bool closingAsked(const std::string& store) {
+    return !app::isServerPlace(store) && db::closingAsked(store);
+}
+
 // Ends between two receipts when somebody wants to restore the store, and does not begin while one does.
 int sellLive(const Options& options) {
-    if (db::closingAsked(options.store))
+    if (closingAsked(options.store))
         throw std::runtime_error("The store is being restored. Start again when that is done.");
-    const auto store = db::Store::open(options.store);
-    db::refuseNewerSchema(*store->session());
+    db::refuseNewerSchema(*app::openStore(options.store));
     registersim::LivePlan plan = options.live;
-    plan.closing = [&] { return db::closingAsked(options.store); };
-    const auto figures = registersim::runRegisters([&] { return store->session(); }, plan);
+    plan.closing = [&] { return closingAsked(options.store); };
+    const auto figures = registersim::runRegisters([&] { return app::openStore(options.store); }, plan);
     if (plan.closing())
         std::cerr << "Closed, because the store is to be restored.\n";
     for (const std::string& error : figures.errors)
@@ -56,7 +60,7 @@ int sellInThePast(const Options& options) {
     const auto to = Date::fromText(options.to);
     if (!from || !to || *from >= *to)
         throw std::runtime_error("--from and --to must be days as 2026-11-21, the first before the second.");
-    const auto session = db::Store::open(options.store)->session();
+    const auto session = app::openStore(options.store);
     db::refuseNewerSchema(*session);
     registersim::Shop shop = registersim::loadShop(*session);
     const registersim::HistoryPlan plan{.from = from->dateOnly(),
@@ -75,7 +79,7 @@ int main(int argc, char** argv) {
     Options options;
     CLI::App program("Simulated registers that post sales to a store");
     program.set_version_flag("--version", MERCHANTRY_VERSION);
-    program.add_option("--store", options.store, "The store file")->required();
+    program.add_option("--store", options.store, "The store: its file, or a connection string")->required();
     program.add_option("--registers", options.live.registers, "How many registers work side by side")->check(CLI::Range(1, 64));
     program.add_option("--rate", options.live.perSecond, "Receipts a second at each register; 0: as fast as it can");
     program.add_option("--seconds", options.live.seconds, "For how long")->check(CLI::NonNegativeNumber);

@@ -1,5 +1,5 @@
 // Puts the first page of each report into one picture, for the documentation.
-#include "app/db/embedded/store.h"
+#include "app/serverstore.h"
 #include "reports/engine/report.h"
 #include "ui/qt/pagepainter.h"
 #include "ui/qt/texts.h"
@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
     int columns = 6;
     int side = 290;
     std::vector<std::string> files;
-    program.add_option("--store", store, "The store file")->required();
+    program.add_option("--store", store, "The store: its file, or a connection string")->required();
     program.add_option("--out", out, "The picture (.png)")->required();
     program.add_option("--columns", columns, "Pages side by side")->check(CLI::Range(1, 20));
     program.add_option("--side", side, "The longer side of a page, in pixels")->check(CLI::Range(50, 2000));
@@ -83,7 +83,7 @@ int main(int argc, char** argv) {
     font.setPixelSize(13);
     painter.setFont(font);
     try {
-        const auto session = db::Store::open(store)->session();
+        const auto session = app::openStore(store);
         for (int i = 0; i < count; ++i) {
             const auto [file, parameters] = fileAndParameters(files[static_cast<std::size_t>(i)]);
             draw(painter, QRect(QPoint(i % columns * cell.width(), i / columns * cell.height()), cell),
