@@ -10,9 +10,9 @@ bool isPassing(const db::DbError& error) {
     return error.category() == db::DbError::Category::Busy || dynamic_cast<const db::NotConnected*>(&error) != nullptr;
 }
 
-bool posted(ui::Desk& desk, const std::string& title, const std::function<void()>& post) {
+bool carriedOut(ui::Desk& desk, const std::string& title, const std::function<void()>& work) {
     try {
-        db::againWhenBusy(modMain().Conn->session(), post);
+        work();
         return true;
     } catch (const db::DbError& error) {
         if (!isPassing(error))
@@ -20,6 +20,10 @@ bool posted(ui::Desk& desk, const std::string& title, const std::function<void()
         desk.message(error.what(), title, ui::MessageIcon::Exclamation);
         return false;
     }
+}
+
+bool posted(ui::Desk& desk, const std::string& title, const std::function<void()>& post) {
+    return carriedOut(desk, title, [&] { db::againWhenBusy(modMain().Conn->session(), post); });
 }
 
 } // namespace merchantry::app

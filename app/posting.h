@@ -16,6 +16,9 @@ namespace merchantry::app {
 // not waited for, or the connection was lost.
 bool isPassing(const db::DbError& error);
 
+// Runs a part of a screen's work. A passing failure of it is told under that title: false. Others pass through.
+bool carriedOut(ui::Desk& desk, const std::string& title, const std::function<void()>& work);
+
 // Runs a posting on Conn that is one whole transaction, and once more when the server gave it up because others were in the way. A
 // passing failure is told under that title, and the screen stays as it was: false. Others pass through.
 // Requires: the posting keeps nothing of a run that failed.

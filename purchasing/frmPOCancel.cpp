@@ -156,7 +156,9 @@ void frmPOCancel::cmdOK_Click() {
     }
     if (!posted(desk(), kPostingTitle, [this] { post(); }))
         return;
-    modMain().doors.OrderReport(kCancelReport, std::to_string(PONumberToPOID(PONumber)), std::to_string(CancelNumber_));
+    carriedOut(desk(), kPostingTitle, [this] {
+        modMain().doors.OrderReport(kCancelReport, std::to_string(PONumberToPOID(PONumber)), std::to_string(CancelNumber_));
+    });
     DialogResult = true;
     unload();
 }

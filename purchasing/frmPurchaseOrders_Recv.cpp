@@ -410,9 +410,12 @@ void frmPurchaseOrders_Recv::cmdOK_Click() {
     if (!posted(desk(), kPostingTitle, [this] { ReceiptNumber_ = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_); }))
         return;
     MemorizePO();
-    if (chkPrintLabels.value())
-        printLabels();
-    modMain().doors.OrderReport(kReceiptReport, std::to_string(PONumberToPOID(PONumber)), std::to_string(ReceiptNumber_));
+    // It is posted: what goes wrong with the papers keeps nobody here, who would post it again.
+    carriedOut(desk(), kPostingTitle, [this] {
+        if (chkPrintLabels.value())
+            printLabels();
+        modMain().doors.OrderReport(kReceiptReport, std::to_string(PONumberToPOID(PONumber)), std::to_string(ReceiptNumber_));
+    });
     DialogResult = true;
     unload();
 }

@@ -88,6 +88,19 @@ private:
     std::deque<Parcel> waiting_;
 };
 
+// Takes an answer to its end, when the server has done all that it was asked: its last packet says so. One that is encrypted ends with
+// what is there.
+void swallowAnswer(int line) {
+    constexpr char kAnswer = 4;
+    constexpr unsigned char kIsLast = 1;
+    std::array<unsigned char, 8> head{};
+    while (recv(line, head.data(), head.size(), MSG_WAITALL) == static_cast<ssize_t>(head.size()) && head[0] == kAnswer) {
+        std::vector<char> rest(head[2] * 256U + head[3] - head.size());
+        if (recv(line, rest.data(), rest.size(), MSG_WAITALL) <= 0 || (head[1] & kIsLast) != 0)
+            return;
+    }
+}
+
 } // namespace
 
 struct Cable::State {
@@ -164,16 +177,18 @@ struct Cable::State {
                 return true;
         } else if (line.asked && line.farSpeaks) {
             line.asked = false;
-            if (requestsLeft > 0 && --requestsLeft == 0)
-                return where == Where::BehindIt;
+            if (requestsLeft > 0 && --requestsLeft == 0 && where == Where::BehindIt) {
+                swallowAnswer(line.far);
+                return true;
+            }
         }
         return false;
     }
     void closeAll() {
+        requestsLeft = 0; // first: who notices the end may ask at once
         for (const Line& line : lines)
             closeOne(line);
         lines.clear();
-        requestsLeft = 0;
     }
     static void closeOne(const Line& line) {
         close(line.near);
@@ -224,8 +239,8 @@ void Cable::cutAt(int request, Where where) {
     state_->requestsLeft = request;
 }
 
-bool Cable::spared() {
-    return state_->requestsLeft.exchange(0) > 0;
+int Cable::spared() {
+    return state_->requestsLeft.exchange(0);
 }
 
 void Cable::cut() {

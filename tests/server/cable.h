@@ -24,8 +24,8 @@ public:
     // and its answer is on the way. Once.
     enum class Where { BeforeIt, BehindIt };
     void cutAt(int request, Where where);
-    // Forgets a cut that has not come; false when it has.
-    bool spared();
+    // Forgets a cut that has not come, and tells how many requests were left until it; 0 when it has come.
+    int spared();
 
 private:
     struct State;
