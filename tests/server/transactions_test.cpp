@@ -53,6 +53,21 @@ TEST_F(TransactionsOnAServer, AreCountedAlsoWhereABatchBeginsThem) {
     EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM Booked"), "0");
 }
 
+TEST_F(TransactionsOnAServer, ThatAnErrorEndedAreNoticed) {
+    run("IF OBJECT_ID('BookTwice') IS NOT NULL DROP PROCEDURE BookTwice");
+    run("CREATE PROCEDURE BookTwice AS SET XACT_ABORT ON INSERT INTO Booked VALUES (1) INSERT INTO Booked VALUES (1)");
+    session->begin();
+    run("INSERT INTO Booked VALUES (5)");
+    EXPECT_EQ(errorOf("EXEC BookTwice").category(), DbError::Category::Integrity);
+    EXPECT_EQ(session->transactionDepth(), 0);
+    EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM Booked"), "0");
+    Work work(*session);
+    run("INSERT INTO Booked VALUES (6)");
+    work.commit();
+    EXPECT_EQ(session->transactionDepth(), 0);
+    EXPECT_EQ(rowsOf("SELECT Id FROM Booked"), "6");
+}
+
 TEST_F(TransactionsOnAServer, GoWithTheSessionThatLeftThemOpen) {
     session->begin();
     run("INSERT INTO Booked VALUES (1)");

@@ -1,3 +1,4 @@
+#include "app/db/nativeerrors.h"
 #include "app/db/server/link.h"
 
 #include <algorithm>
@@ -31,13 +32,18 @@ bool hasState(const std::vector<Diagnostic>& all, const std::string& state) {
     return std::any_of(all.begin(), all.end(), [&](const Diagnostic& one) { return one.state == state; });
 }
 
+// Compatible servers have no number for it.
+bool refusesInWords(const std::vector<Diagnostic>& all) {
+    return has(all, kUnnamedError) && (says(all, "authentication failed") || (says(all, "role \"") && says(all, "does not exist")));
+}
+
 std::string sentence(const Address& address, const std::vector<Diagnostic>& all) {
     const std::string server = address.toText();
     if (hasState(all, "IM002") || hasState(all, "IM003") || (hasState(all, "01000") && says(all, "Can't open lib")))
         return "The driver for servers (FreeTDS, the package tdsodbc) is not installed on this machine.";
     if (hasOne(all, kNoDatabase))
         return "The server " + server + " has no database " + address.database + ", or " + address.user + " may not open it.";
-    if (hasOne(all, kWrongLogin) || hasState(all, "28000"))
+    if (hasOne(all, kWrongLogin) || hasState(all, "28000") || refusesInWords(all))
         return "The server " + server + " does not let " + address.user + " in: the password is wrong, or there is no such login.";
     if (has(all, kNoHost))
         return "No machine is named \"" + address.host + "\". Please check the name of the server.";
