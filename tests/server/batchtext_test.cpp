@@ -11,10 +11,19 @@ TEST(SentBatchTest, OpensWithAnEmptyMessageOnTheFirstLine) {
 }
 
 TEST(SentBatchTest, ACallWithoutItsWordGetsOne) {
-    EXPECT_EQ(sentBatch("sp_GetAllItems 1, 0").text, "PRINT ''; EXEC sp_GetAllItems 1, 0");
-    EXPECT_EQ(sentBatch("  -- all\n [sp_GetAllItems]").text, "PRINT ''; EXEC   -- all\n [sp_GetAllItems]");
-    EXPECT_EQ(sentBatch("EXEC sp_GetAllItems").text, "PRINT ''; EXEC sp_GetAllItems");
+    EXPECT_EQ(sentBatch("sp_GetAllItems 1, 0 SELECT 1").text, "PRINT ''; EXEC sp_GetAllItems 1, 0 SELECT 1");
+    EXPECT_EQ(sentBatch("  -- all\n [sp_GetAllItems]\nSELECT 1").text, "PRINT ''; EXEC   -- all\n [sp_GetAllItems]\nSELECT 1");
+    EXPECT_EQ(sentBatch("EXEC sp_GetAllItems SELECT 1").text, "PRINT ''; EXEC sp_GetAllItems SELECT 1");
     EXPECT_EQ(sentBatch("again: SELECT 1").text, "PRINT ''; again: SELECT 1");
+}
+
+TEST(SentBatchTest, ACallAloneIsSentAsItIs) {
+    for (const char* batch :
+         {"sp_GetAllItems 1, 0", "  -- all\n [sp_GetAllItems]", "EXEC sp_GetAllItems", "execute sp_PostIt 'a''b', -1.5"}) {
+        EXPECT_EQ(sentBatch(batch).text, batch);
+        EXPECT_FALSE(sentBatch(batch).opened);
+    }
+    EXPECT_TRUE(sentBatch("EXEC ('SELECT 1')").opened) << "any text may be behind it";
 }
 
 TEST(SentBatchTest, ADefinitionOfAModuleStandsAlone) {

@@ -57,11 +57,20 @@ bool isSelect(const tsql::Statement& statement) {
     return select != nullptr && (select->query->core == nullptr || select->query->core->into.empty());
 }
 
+// One call by the procedure's name, with or without its word.
+bool isOneCall(const std::vector<Token>& tokens, std::string_view batch) {
+    if (!callsBarely(tokens) && (tokens.empty() || (!tokens[0].is("EXEC") && !tokens[0].is("EXECUTE"))))
+        return false;
+    const std::optional<tsql::Batch> read = onlyStatement(batch);
+    const auto* call = read ? dynamic_cast<const tsql::ExecuteStatement*>(read->statements.front().get()) : nullptr;
+    return call != nullptr;
+}
+
 } // namespace
 
 SentBatch sentBatch(std::string_view batch) {
     const std::vector<Token> tokens = tokensOrNone(batch);
-    if (definesModule(tokens))
+    if (definesModule(tokens) || isOneCall(tokens, batch))
         return {std::string(batch), false};
     std::string text(kOpening);
     if (callsBarely(tokens))

@@ -13,7 +13,8 @@ struct SentBatch {
 };
 
 // A procedure that is called without the word EXEC gets it, since it no longer stands first. A definition of a module stays as it is: it
-// must be alone in its batch.
+// must be alone in its batch. So does one call and nothing else, for which the message would be a statement more: what comes behind an
+// error that it begins with is lost to the driver, as it is with Session::call.
 SentBatch sentBatch(std::string_view batch);
 
 // Whether the batch is one select, or one call of a procedure, and nothing else. False for one that is not understood.
