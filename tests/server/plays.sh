@@ -36,8 +36,8 @@ for play in "$@"; do
   "$control" play --store "$(on "$database")" "$play" >"$folder/server.out" 2>&1
   onServer=$?
   echo "DROP DATABASE $database" | "$control" sql --server "$(on master)" >"$folder/made" 2>&1 || cat "$folder/made"
-  # Whether a window of progress comes up is a matter of time.
-  sed -i '/^\(opened\|closed\) frmProgress$/d' "$folder/file.out" "$folder/server.out"
+  # Whether a window of progress comes up is a matter of time, and so is the time of day that something was done at.
+  sed -i -E '/^(opened|closed) frmProgress$/d; s/[0-9]{1,2}:[0-9]{2}:[0-9]{2} [AP]M/(time)/g' "$folder/file.out" "$folder/server.out"
   diff "$folder/file.out" "$folder/server.out" >"$folder/diff"
   if [ $? -eq 0 ] && [ $onFile -eq $onServer ]; then
     good=$((good + 1))
