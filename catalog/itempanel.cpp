@@ -1,5 +1,6 @@
 #include "catalog/itempanel.h"
 
+#include "app/db/again.h"
 #include "app/modMain.h"
 #include "base/counted.h"
 #include "base/numbers.h"
@@ -168,7 +169,9 @@ void ItemPanel::cmdUndo_Click() {
                              form_.caption(), MessageIcon::Question, MessageButtons::YesNo) != Answer::Yes)
         return;
     guarded({"MR_frmItems", "cmdUndo_Click"}, [&] {
-        const auto answer = modMain().Conn->Execute(Sql("bsp_UndoAdjustment ") + static_cast<int>(grdLedger.value(row, kRow).toInteger()));
+        const auto& conn = modMain().Conn;
+        const Sql undo = Sql("bsp_UndoAdjustment ") + static_cast<int>(grdLedger.value(row, kRow).toInteger());
+        const auto answer = db::againWhenBusy(conn->session(), [&] { return conn->Execute(undo); });
         const std::string refused = (*answer)["Refused"].text();
         if (!refused.empty()) {
             form_.desk().message(refused, form_.caption(), MessageIcon::Exclamation);

@@ -145,6 +145,20 @@ TEST_F(StoreRules, CodesThatNoScreenCouldOpenAreNotTaken) {
     EXPECT_EQ(rowsOf("SELECT MatrixSKU FROM Item WHERE SKU = 'A B'"), "A-B$");
 }
 
+// A statement that failed in the middle was passed over, and the rest saved without it.
+TEST_F(StoreRules, AnItemIsMadeAndAnAdjustmentUndoneWholeOrNotAtAll) {
+    run("ALTER TABLE PriceMatrix ADD CONSTRAINT CK_NoPrice CHECK (SKU <> 'B') EXEC bsp_NewItem 'A', 'A'");
+    EXPECT_EQ(errorOf("bsp_NewItem 'B', 'B'"), 547);
+    EXPECT_EQ(rowsOf("SELECT SKU FROM Item"), "A");
+    EXPECT_EQ(session->transactionDepth(), 0);
+
+    run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Type, Kind, Qty, Cost_ea) VALUES ('A', 'A', 'Other', 'Adjustment', 3, 1) "
+        "UPDATE Stock SET Quantity = 3");
+    run("ALTER TABLE InventoryLedger ADD CONSTRAINT CK_NoUndo CHECK (ReversesID IS NULL)");
+    EXPECT_EQ(errorOf("DECLARE @row int SELECT @row = MAX(LedgerID) FROM InventoryLedger EXEC bsp_UndoAdjustment @row"), 547);
+    EXPECT_EQ(rowsOf("SELECT Quantity FROM Stock"), "3");
+}
+
 TEST_F(StoreRules, TheLastMovementByDateIsTheLastOnePosted) {
     run("INSERT INTO Item (SKU, MatrixSKU) VALUES ('a', 'a')");
     run("INSERT INTO InventoryLedger (SKU, MatrixSKU, Qty, Cost_ea, PostDate) VALUES ('a', 'a', 1, 1, DATEADD(hour, 2, GETDATE()))");

@@ -2,6 +2,7 @@
 CREATE PROCEDURE bsp_NewItem @SKU varchar(100), @MatrixSKU varchar(100) AS
 BEGIN
   SET NOCOUNT ON
+  SET XACT_ABORT ON
   IF EXISTS (SELECT * FROM Item WHERE SKU = @SKU AND MatrixSKU = @MatrixSKU)
   BEGIN
     SELECT 0 AS cnt

@@ -3,6 +3,7 @@
 CREATE PROCEDURE bsp_UndoAdjustment @LedgerID int AS
 BEGIN
   SET NOCOUNT ON
+  SET XACT_ABORT ON
   DECLARE @sku varchar(100), @matrix varchar(100), @type varchar(50), @kind varchar(20), @qty int, @cost money, @reverses int, @by int, @stock int, @refused varchar(255)
   SET @refused = ''
   BEGIN TRANSACTION
