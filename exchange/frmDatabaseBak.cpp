@@ -1,7 +1,9 @@
 #include "exchange/frmDatabaseBak.h"
 
 #include "app/backuplog.h"
+#include "app/db/ado/provider.h"
 #include "app/db/embedded/filestage.h"
+#include "app/db/server/address.h"
 #include "app/modMain.h"
 #include "app/storefile.h"
 #include "app/titles.h"
@@ -27,13 +29,11 @@ constexpr const char* kHandler = "Dbase_Error";
 constexpr const char* kQuestion = "Velmora Tillmark Profesional";
 constexpr int kLoginTimeoutSeconds = 30;
 constexpr int kCopiesOfRestore = 3; // on the stage, of the store that is kept, and in the log of the change
-constexpr std::string_view kCatalogue = "Initial Catalog=";
+
+constexpr int kShellIsOff = 15281;
 
 std::string defaultDatabase(const std::string& connectionString) {
-    const std::size_t at = connectionString.find(kCatalogue);
-    return at == std::string::npos
-               ? ""
-               : connectionString.substr(at + kCatalogue.size(), connectionString.find(';', at) - at - kCatalogue.size());
+    return db::server::addressOf(db::connectionParts(connectionString)).database;
 }
 
 [[noreturn]] void refuse(const std::string& sentence) {
@@ -62,6 +62,12 @@ db::Sql moveCommand(const std::string& stage, const std::string& folder) {
 
 db::Sql deleteCommand(const std::string& stage) {
     return db::Sql("master..xp_cmdshell 'del ") + stage + "'";
+}
+
+// Why a command of the server's shell was not run.
+std::string shellRefusal(const db::DbError& error) {
+    return error.native() == kShellIsOff ? "xp_cmdshell is switched off on the server."
+                                         : std::string("the server's shell cannot be used: ") + error.what();
 }
 
 std::string megabytes(std::uintmax_t bytes) {
@@ -104,6 +110,8 @@ struct frmDatabaseBak::Work {
     bool unproved = false;          // stopped before the proof's end
     std::filesystem::path kept;     // where the backup is
     std::filesystem::path replaced; // the store before a restore
+    std::string shellSaid;          // by a server's shell
+    std::string left;               // a sentence on what a server's shell did not do
 };
 
 frmDatabaseBak::frmDatabaseBak(Desk& desk) : Form(desk, "frmDatabaseBak", "Database Utility") {
@@ -200,7 +208,11 @@ void frmDatabaseBak::say(const std::string& text, bool bad) {
 }
 
 void frmDatabaseBak::showLast() {
-    const auto last = storeFile().empty() ? std::nullopt : lastBackupNote(storeFile());
+    if (storeFile().empty()) {
+        lblProved.setCaption("The server keeps the list of its backups itself.");
+        return;
+    }
+    const auto last = lastBackupNote(storeFile());
     const bool bad = last && (last->outcome == BackupOutcome::Failed || last->outcome == BackupOutcome::Unproved);
     lblProved.setForeColor(bad ? Color::Red : Color::None);
     lblProved.setCaption(last ? last->sentence : "There is no backup of this store yet.");
@@ -336,6 +348,8 @@ void frmDatabaseBak::split(Work& work) const {
     work.folder = path_.substr(0, at + 1);
     work.fileName = path_.substr(at + 1);
     work.stage = "C:\\" + work.fileName;
+    if (storeFile().empty()) // a server has its own drive
+        return;
     const auto stageFolder = std::filesystem::absolute(work.backsUp ? path_ : storeFile()).parent_path();
     work.files = std::make_unique<db::FileStage>(path_, stageFolder);
     work.files->fileOf(work.stage);
@@ -345,6 +359,8 @@ void frmDatabaseBak::split(Work& work) const {
 void frmDatabaseBak::requireUsable(const Work& work) const {
     (work.backsUp ? moveCommand(work.stage, work.folder) : deleteCommand(work.stage)).check();
     const std::filesystem::path store = storeFile();
+    if (store.empty()) // what stands on a server's disks only the server can tell
+        return;
     if (belongsToStore(path_, store))
         refuse("That file is the store itself, or belongs to it. Choose another one.");
     if (std::filesystem::is_directory(path_))
@@ -374,6 +390,10 @@ bool frmDatabaseBak::confirmed(const RestoreOutlook& outlook) {
 }
 
 void frmDatabaseBak::stageForRestore(Work& work) {
+    if (storeFile().empty()) {
+        stageOnServer();
+        return;
+    }
     if (!confirmed(outlookOf(path_, storeFile()))) {
         work.refused = true;
         return;
@@ -385,6 +405,24 @@ void frmDatabaseBak::stageForRestore(Work& work) {
     dbBar.setVisible(false);
 }
 
+void frmDatabaseBak::stageOnServer() {
+    try {
+        shell(copyCommand(path_));
+    } catch (const db::DbError& error) {
+        refuse("The backup cannot be brought to the server's drive C: " + shellRefusal(error) + " Nothing was restored.");
+    }
+}
+
+// What the server's shell says to a command, in one line.
+std::string frmDatabaseBak::shell(const db::Sql& command) {
+    const db::RecordsetPtr rows = modMain().Conn->Execute(command);
+    std::string said;
+    for (; rows->State() != 0 && !rows->Eof(); rows->MoveNext())
+        if (const std::string line(trimmed((*rows)[0].Value().toText())); !line.empty())
+            said += (said.empty() ? "" : " ") + line;
+    return said;
+}
+
 // What is left in the shared connection's place is one that is closed.
 void frmDatabaseBak::closeConn(Work& work) {
     ModMain& session = modMain();
@@ -392,6 +430,7 @@ void frmDatabaseBak::closeConn(Work& work) {
     work.database = defaultDatabase(work.connectionString);
     session.Conn->Close();
     session.Conn = std::make_shared<db::Connection>(*session.provider);
+    session.provider->closeIdle();
     work.closer = std::make_unique<StoreCloser>(desk(), work.backsUp ? "" : storeFile());
     if (!work.closer->CloseOthers())
         throw db::DbError(db::DbError::Category::Cancelled, 0, "Others hold the store.");
@@ -431,7 +470,8 @@ void frmDatabaseBak::openConn(const Work& work) {
 
 // While the backup is still on the stage: one that fails does not take the place of a good one of the same name.
 void frmDatabaseBak::prove(Work& work) {
-    watch("Proving the backup: it is restored into a scratch store and compared...");
+    watch(storeFile().empty() ? "The server reads the backup again..."
+                              : "Proving the backup: it is restored into a scratch store and compared...");
     const AtEnd hidden([this] { dbBar.setVisible(false); });
     try {
         work.proof = work.backup->Prove(desk().clock().now());
@@ -445,6 +485,10 @@ void frmDatabaseBak::prove(Work& work) {
 }
 
 void frmDatabaseBak::keepUnproved(Work& work) {
+    if (storeFile().empty()) {
+        work.kept = work.stage;
+        return;
+    }
     work.kept = unprovedName(path_);
     platform::moveInto(work.backup->file(), work.kept);
     noteProof(storeFile(), work.kept, work.proof);
@@ -452,6 +496,10 @@ void frmDatabaseBak::keepUnproved(Work& work) {
 
 // A backup takes its place, and is of account from then on; what was restored from goes from the stage.
 void frmDatabaseBak::unstage(Work& work) {
+    if (storeFile().empty()) {
+        unstageOnServer(work);
+        return;
+    }
     const db::ConnectionPtr conn = modMain().Conn;
     const std::string store = storeFile();
     const Date now = desk().clock().now();
@@ -470,6 +518,19 @@ void frmDatabaseBak::unstage(Work& work) {
         noteProof(store, path_, work.proof);
 }
 
+// A file that the shell does not move or delete stays where the server put it.
+void frmDatabaseBak::unstageOnServer(Work& work) {
+    if (!work.kept.empty())
+        return;
+    try {
+        work.shellSaid = shell(work.backsUp ? moveCommand(work.stage, work.folder) : deleteCommand(work.stage));
+    } catch (const db::DbError& error) {
+        work.left = work.backsUp ? "The backup is made and stands on the server as " + work.stage + ". It was not moved to " + work.folder +
+                                       ": " + shellRefusal(error) + " Please move it there yourself, or keep it where it is."
+                                 : "The file " + work.stage + " is still on the server and can be deleted there: " + shellRefusal(error);
+    }
+}
+
 void frmDatabaseBak::tell(const Work& work) {
     if (work.refused || work.stopped) {
         say(work.refused ? "Nothing was restored." : work.backsUp ? "Stopped. No backup was made." : "Stopped. Nothing was restored.");
@@ -477,7 +538,7 @@ void frmDatabaseBak::tell(const Work& work) {
     }
     if (!work.backsUp) {
         say(work.replaced.empty()
-                ? ""
+                ? work.left + work.shellSaid
                 : "The store that was there before is kept as " + work.replaced.string() + " until the next proved backup.");
         desk().message("Database restore is completed.", kProduct, MessageIcon::Information);
         return;
@@ -489,7 +550,12 @@ void frmDatabaseBak::tell(const Work& work) {
                        kProduct, MessageIcon::Exclamation);
         return;
     }
-    say(work.unproved ? "The proof was stopped: whether this backup comes back is not known." : "", work.unproved);
+    if (!work.left.empty()) {
+        say(work.left, true);
+        desk().message(work.left, kProduct, MessageIcon::Exclamation);
+        return;
+    }
+    say(work.unproved ? "The proof was stopped: whether this backup comes back is not known." : work.shellSaid, work.unproved);
     desk().message("Backup file " + path_ + " has been created on " + (serverIsLocal_ ? "the local machine." : serverName_ + "."), kProduct,
                    MessageIcon::Information);
 }

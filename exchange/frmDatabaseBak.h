@@ -14,6 +14,7 @@
 
 namespace merchantry::db {
 class FileStage;
+class Sql;
 } // namespace merchantry::db
 
 namespace merchantry::exchange {
@@ -44,6 +45,8 @@ private:
     void requireUsable(const Work& work) const;
     bool confirmed(const RestoreOutlook& outlook);
     void stageForRestore(Work& work);
+    void stageOnServer();
+    std::string shell(const db::Sql& command);
     void closeConn(Work& work);
     void backUp(Work& work);
     void restore(Work& work);
@@ -51,6 +54,7 @@ private:
     void prove(Work& work);
     void keepUnproved(Work& work);
     void unstage(Work& work);
+    void unstageOnServer(Work& work);
     void tell(const Work& work);
     void sayFailed(const Work& work);
 

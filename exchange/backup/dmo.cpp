@@ -1,7 +1,10 @@
 #include "exchange/backup/dmo.h"
 
+#include "app/db/ado/provider.h"
 #include "app/db/embedded/filestage.h"
 #include "app/db/embedded/store.h"
+#include "app/db/server/server.h"
+#include "exchange/backup/remoteserver.h"
 #include "exchange/backup/restoring.h"
 
 namespace merchantry::exchange {
@@ -80,22 +83,6 @@ std::unique_ptr<Restore> StoreServer::restore(Date now) {
     return std::make_unique<StoreRestore>(store_, now);
 }
 
-// Of a database server nothing but the refusal is there.
-class RemoteServer : public SQLServer {
-public:
-    void Connect(const std::string& server) override { refuse(server); }
-    void Connect(const std::string& server, const std::string& /*user*/, const std::string& /*password*/) override { refuse(server); }
-    std::unique_ptr<Backup> backup() override { refuse("the server"); }
-    std::unique_ptr<Restore> restore(Date /*now*/) override { refuse("the server"); }
-
-private:
-    [[noreturn]] static void refuse(const std::string& server) {
-        throw DbError(DbError::Category::Unsupported, 0,
-                      "Databases on a server cannot be backed up or restored by this version yet: " + server +
-                          " was not touched. Use the server's own tools.");
-    }
-};
-
 template <class Work> BackupProgress progressOf(const Work& work, const bool& aborted) {
     return [&work, &aborted](int percent) {
         if (work.PercentComplete)
@@ -121,7 +108,7 @@ bool isStoreFile(const std::string& server) {
 std::unique_ptr<SQLServer> serverFor(const std::string& server) {
     if (isStoreFile(server))
         return std::make_unique<StoreServer>(server);
-    return std::make_unique<RemoteServer>();
+    return remoteServer([](const std::string& connectionString) { return db::serverOf(connectionString)->session(); });
 }
 
 } // namespace merchantry::exchange

@@ -10,7 +10,7 @@
 namespace merchantry::exchange {
 
 // The objects with which the backup screen has the data server do its work: the server, a backup, a restore. One set for stores in a file,
-// whose server is this program; that of a database server is still to come and says so when it is to connect.
+// whose server is this program, and one for stores on a server, see remoteServer.
 
 class SQLServer;
 

@@ -32,6 +32,18 @@ TEST(AddressTest, TakesWordsBehindTheHost) {
     EXPECT_EQ(address.sourceText(), "shop1,1435; Encrypt=no; Database=Trial");
 }
 
+// The instance has a field of its own in a configuration, which puts it last.
+TEST(AddressTest, TakesAnInstanceBehindAllElse) {
+    for (const char* source : {"shop1\\till,1435; Encrypt=no", "shop1,1435; Encrypt=no\\till", "shop1, 1435\\till; Encrypt=no"}) {
+        const Address address = read(std::string("User ID=sa; PASSWORD=x; Data Source=") + source + "; Initial Catalog=Tillmark2k");
+        EXPECT_EQ(address.host, "shop1") << source;
+        EXPECT_EQ(address.instance, "till") << source;
+        EXPECT_EQ(address.port, 1435) << source;
+        EXPECT_FALSE(address.encrypted) << source;
+    }
+    EXPECT_EQ(read("PASSWORD=x; Data Source=shop1; Database=Trial\\till; Initial Catalog=x").database, "Trial");
+}
+
 TEST(AddressTest, TakesAStringInAnyOrder) {
     const Address address = read("Data Source=shop1; Initial Catalog=Trial; Encrypt=no; User ID=boss; Password=y");
     EXPECT_EQ(address.database, "Trial");

@@ -46,6 +46,12 @@ std::shared_ptr<server::Server> Provider::server(const std::string& connectionSt
     return known;
 }
 
+void Provider::closeIdle() {
+    const std::lock_guard lock(mutex_);
+    for (const auto& [string, server] : servers_)
+        server->closeIdle();
+}
+
 std::unique_ptr<Session> Provider::open(const std::string& connectionString) {
     if (connectionString.empty()) // of a connection that was closed and let go
         throw DbError(DbError::Category::Storage, 0, "There is no connection to the store.").withHresult(kClosedObject);

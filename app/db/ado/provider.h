@@ -33,6 +33,9 @@ public:
     // Throws DbError (category Storage) with a sentence for the user when the store cannot be opened.
     std::unique_ptr<Session> open(const std::string& connectionString);
 
+    // Lets the connections to servers go that are not in use, so that a database can be restored.
+    void closeIdle();
+
     // Who is asked while a statement of the application waits for another program; null for nobody.
     Waiter* waiter = nullptr;
     // Called with each statement that the application sends, before it runs, and with the same as it may be written down. For scripts that

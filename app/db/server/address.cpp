@@ -4,6 +4,8 @@
 #include "base/numbers.h"
 #include "base/text.h"
 
+#include <algorithm>
+
 namespace merchantry::db::server {
 namespace {
 
@@ -26,18 +28,32 @@ int portOf(const std::string& text) {
     return port;
 }
 
-void readHost(Address& address, std::string host) {
+// "host", "host\instance", "host,port", "host\instance,port" and, as a configuration joins them, "host,port\instance".
+void readHost(Address& address, const std::string& text) {
+    std::string host = text;
+    if (const std::size_t slash = host.find('\\'); slash != std::string::npos) {
+        const std::size_t end = std::min(host.size(), host.find(',', slash));
+        address.instance = trimmed(host.substr(slash + 1, end - slash - 1));
+        host.erase(slash, end - slash);
+    }
     if (const std::size_t comma = host.find(','); comma != std::string::npos) {
         address.port = portOf(std::string(trimmed(host.substr(comma + 1))));
         host.resize(comma);
     }
-    if (const std::size_t slash = host.find('\\'); slash != std::string::npos) {
-        address.instance = trimmed(host.substr(slash + 1));
-        host.resize(slash);
-    }
     address.host = trimmed(host);
     if (address.host == ".")
         address.host = "localhost";
+}
+
+// A configuration puts its instance behind all that its server says: "host; Encrypt=no\second" is "host\second; Encrypt=no".
+std::vector<std::string> sourceOf(const std::string& text) {
+    std::vector<std::string> source = split(text, ";");
+    const std::size_t slash = source.size() > 1 ? source.back().rfind('\\') : std::string::npos;
+    if (slash != std::string::npos && source.front().find('\\') == std::string::npos) {
+        source.front() = std::string(trimmed(source.front())) + source.back().substr(slash);
+        source.back().resize(slash);
+    }
+    return source;
 }
 
 // "; Encrypt=no; Database=Trial" behind the host.
@@ -58,7 +74,7 @@ std::string braced(const std::string& value) {
 
 Address addressOf(const std::map<std::string, std::string>& parts) {
     Address address;
-    const auto source = split(part(parts, "data source"), ";");
+    const std::vector<std::string> source = sourceOf(part(parts, "data source"));
     readHost(address, source.empty() ? "" : std::string(source.front()));
     const std::map<std::string, std::string> behind = wordsBehind(source);
     address.encrypted = !isOff(part(behind, "encrypt")) && !isOff(part(parts, "encrypt"));

@@ -73,6 +73,15 @@ bool Server::isBlocked(int process) {
     return found;
 }
 
+void Server::closeIdle() {
+    {
+        const std::lock_guard lock(state_->mutex);
+        state_->idle.clear();
+    }
+    const std::lock_guard lock(state_->askingMutex);
+    state_->asking.reset();
+}
+
 ScratchStore& Server::scratch(Link& link) {
     if (state_->scratch == nullptr)
         state_->scratch = std::make_unique<ScratchStore>([&](std::string_view batch, ResultSink& sink) { runOn(link, batch, sink); });

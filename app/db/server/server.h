@@ -30,6 +30,8 @@ public:
     // For sessions: whether the server lets the process of that number wait for another one. Asked on a connection of its own; false also
     // where the login may not know.
     bool isBlocked(int process);
+    // Ends the connections that no session has, the one that asks for others among them.
+    void closeIdle();
     // For sessions: columns that lack their tables get them, for a batch that gave them; and the shape of a table. The link is used to read
     // the server's catalogue, once for all sessions and again when a table is not known.
     std::vector<std::vector<Column>> setsOf(Link& link, std::string_view batch, const std::vector<Parameter>& parameters);
