@@ -234,8 +234,7 @@ void frmItems::lbxSplitParentSKU_Click() {
 }
 
 void frmItems::showSplit() {
-    const auto split = openDirect(Sql("SELECT * FROM ItemSplitMatrix WHERE SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" +
-                                  modMain().CurrentMatrixSKU + "'");
+    const auto split = openDirect(itemSplit());
     if (split->Eof())
         return;
     lbxSplitParentSKU.setListIndex(lbxSplitParentSKU.indexOf((*split)["SplitParentSKU"].text()));

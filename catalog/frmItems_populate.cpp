@@ -1,5 +1,6 @@
 #include "catalog/frmItems.h"
 
+#include "app/db/ado/ahead.h"
 #include "app/profit.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -26,14 +27,44 @@ void fill(ListBox& list, const RecordsetPtr& rows, const std::string& text, cons
         list.add((*rows)[text].text(), static_cast<int>((*rows)[key].Value().toInteger()));
 }
 
-Sql whereItem() {
-    return Sql("WHERE SKU ='") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'";
+std::vector<db::Parameter> keyAnd(const db::Parameter& more) {
+    std::vector<db::Parameter> parameters = itemKey();
+    parameters.push_back(more);
+    return parameters;
+}
+
+// All that Populate_FormData opens; of the first tier its price and, twice, its grid: choosing the tier and filling the grid both read it.
+void readItemAhead(db::Ahead& ahead) {
+    const auto key = itemKey();
+    const auto ofFirstTier = keyAnd(intParameter("Tier", 1));
+    ahead.select(itemCost());
+    ahead.call("bsp_PriceMatrixGrid", ofFirstTier);
+    ahead.call("bsp_ItemStockLookup", key);
+    ahead.call("bsp_SupplierMatrixDetailLookup", key, true);
+    ahead.select(supplierChoices());
+    ahead.select(tierChoices());
+    ahead.call("bsp_PriceMatrixGrid", ofFirstTier, true);
+    ahead.call("bsp_PriceMatrixGrid", ofFirstTier, true);
+    ahead.call("bsp_SalesGrid", key);
+    ahead.call("bsp_SubsGrid", key, true);
+    ahead.call("bsp_ItemMatrixGrid", key, true);
+    ahead.call("bsp_SalesMessagesLookup",
+               {intParameter("id", static_cast<int>((*modMain().ItemRecordset)["SalesMsgID"].Value().toInteger()))});
+    ahead.select(itemSplit());
+    ahead.read();
 }
 
 } // namespace
 
 void frmItems::Init_ItemListBoxes() {
     guarded({"MR_frmItems", "Init_ItemListBoxes"}, [this] {
+        db::Ahead ahead(*modMain().Conn);
+        ahead.call("bsp_ItemTypesLookup", {});
+        ahead.call("bsp_DepartmentsLookup", {});
+        ahead.call("bsp_TaxClassLookup", {});
+        ahead.call("bsp_ItemGroupDefsLookup", {});
+        ahead.select(splitParents());
+        ahead.read();
         fill(lbxType, openList("bsp_ItemTypesLookup"), "Description", "TypeID");
         fill(lbxDepartment, openList("bsp_DepartmentsLookup"), "Department", "DepartmentID");
         fill(lbxTaxClass, openList("bsp_TaxClassLookup"), "Description", "TaxID");
@@ -41,9 +72,7 @@ void frmItems::Init_ItemListBoxes() {
             if (lbxTaxClass.entries()[static_cast<std::size_t>(i)].text == "None")
                 TaxNoneIndex = i;
         fill(lbxMatrixGroups, openList("bsp_ItemGroupDefsLookup"), "GroupName", "GroupID");
-        const auto parents = openDirect(
-            "SELECT DISTINCT SKU FROM Item WHERE (SKU <> '$DROP' AND SKU <> '$CreditPayment' AND SKU <> '$CancelLayaway' AND SKU <> "
-            "'$CreditAdjustment' AND SKU <> '$CreditApplication' AND SKU <> '$PAYOUT' AND TypeID <> 4) ORDER BY SKU");
+        const auto parents = openDirect(splitParents());
         lbxSplitParentSKU.clear();
         for (; !parents->Eof(); parents->MoveNext())
             lbxSplitParentSKU.add((*parents)[0].text());
@@ -62,6 +91,8 @@ bool frmItems::FetchItemData() {
 void frmItems::Populate_FormData() {
     txtStockAmt.setText(""); // a figure that is not read below must not be written back by leaving the field
     const bool whole = guarded({"MR_frmItems", "Populate_FormData"}, [this] {
+        db::Ahead ahead(*modMain().Conn);
+        readItemAhead(ahead);
         populateGeneral();
         showCost();
         showPrice();
@@ -97,15 +128,13 @@ void frmItems::populateGeneral() {
 }
 
 void frmItems::showCost() {
-    const auto cost = openDirect(Sql("SELECT TOP 1 Cost_wt FROM InventoryLedger ") + whereItem() + " ORDER BY PostDate DESC");
+    const auto cost = openDirect(itemCost());
     if (!cost->Eof())
         lblCostAmt.setCaption("$" + (*cost)["Cost_wt"].text());
 }
 
 void frmItems::showPrice() {
-    auto key = itemKey();
-    key.push_back(intParameter("Tier", 1));
-    const auto prices = openList("bsp_PriceMatrixGrid", key);
+    const auto prices = openList("bsp_PriceMatrixGrid", keyAnd(intParameter("Tier", 1)));
     if (!prices->Eof())
         txtPriceAmt.setText((*prices)["Price"].text());
 }

@@ -54,7 +54,7 @@ void frmItems::populatePrices() {
     lblPriceSKU.setCaption(modMain().CurrentSKU);
     lblRetailUnitPriceAmt.setCaption("$" + txtPriceAmt.text());
     lblPriceCostAmt.setCaption(lblCostAmt.caption());
-    const auto tiers = openDirect("SELECT *, (select count(*) from TierDefs) AS cnt FROM TierDefs ORDER BY TierID");
+    const auto tiers = openDirect(tierChoices());
     tiers_.clear();
     int retail = 0;
     for (; !tiers->Eof(); tiers->MoveNext()) {

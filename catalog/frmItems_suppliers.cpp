@@ -87,7 +87,7 @@ void frmItems::fillSupplierChoices() {
     GridColumn column = grdSuppliers.column(kSupplier);
     column.choices.clear();
     DefaultSupplier = -1;
-    const auto suppliers = openDirect("SELECT * FROM Suppliers Order By Supplier");
+    const auto suppliers = openDirect(supplierChoices());
     for (; !suppliers->Eof(); suppliers->MoveNext()) {
         if (column.choices.empty())
             DefaultSupplier = static_cast<int>((*suppliers)["SupID"].Value().toInteger());

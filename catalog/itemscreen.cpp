@@ -18,6 +18,29 @@ db::RecordsetPtr openUpdatable(const db::Sql& procedure, const std::vector<db::P
     return openBroker(procedure, db::CommandType::StoredProcedure, db::CursorType::Dynamic, db::LockType::Optimistic, parameters);
 }
 
+db::Sql splitParents() {
+    return "SELECT DISTINCT SKU FROM Item WHERE (SKU <> '$DROP' AND SKU <> '$CreditPayment' AND SKU <> '$CancelLayaway' AND SKU <> "
+           "'$CreditAdjustment' AND SKU <> '$CreditApplication' AND SKU <> '$PAYOUT' AND TypeID <> 4) ORDER BY SKU";
+}
+
+db::Sql itemCost() {
+    return db::Sql("SELECT TOP 1 Cost_wt FROM InventoryLedger WHERE SKU ='") + modMain().CurrentSKU + "' AND MatrixSKU = '" +
+           modMain().CurrentMatrixSKU + "' ORDER BY PostDate DESC";
+}
+
+db::Sql supplierChoices() {
+    return "SELECT * FROM Suppliers Order By Supplier";
+}
+
+db::Sql tierChoices() {
+    return "SELECT *, (select count(*) from TierDefs) AS cnt FROM TierDefs ORDER BY TierID";
+}
+
+db::Sql itemSplit() {
+    return db::Sql("SELECT * FROM ItemSplitMatrix WHERE SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" +
+           modMain().CurrentMatrixSKU + "'";
+}
+
 int positionOfKey(const ui::ListBox& list, std::int64_t key) {
     int found = -1;
     for (int i = 0; i < list.count(); ++i)

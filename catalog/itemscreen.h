@@ -25,6 +25,14 @@ db::RecordsetPtr openList(const db::Sql& procedure, const std::vector<db::Parame
 // The rows of a procedure, for a grid to edit.
 db::RecordsetPtr openUpdatable(const db::Sql& procedure, const std::vector<db::Parameter>& parameters = {});
 
+// The statements with which the screen opens, beside its procedures: the items that may be a split's parent, the average cost, the
+// suppliers and tiers to choose from, the split of the current item.
+db::Sql splitParents();
+db::Sql itemCost();
+db::Sql supplierChoices();
+db::Sql tierChoices();
+db::Sql itemSplit();
+
 // The last entry of that number; -1 when there is none.
 int positionOfKey(const ui::ListBox& list, std::int64_t key);
 

@@ -14,7 +14,7 @@ void Command::append(std::string parameter, SqlType type, Value value) {
 ConnectionPtr Command::connection() {
     if (connection_ == nullptr) {
         connection_ = std::make_shared<Connection>(*provider_);
-        connection_->Open(ownConnection_);
+        connection_->OpenWhenUsed(ownConnection_);
     }
     return connection_;
 }

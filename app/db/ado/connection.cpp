@@ -9,7 +9,13 @@ void Connection::Open(const std::string& connectionString) {
     session_ = provider_.open(connectionString);
 }
 
+void Connection::OpenWhenUsed(const std::string& connectionString) {
+    connectionString_ = connectionString;
+    opensWhenUsed_ = true;
+}
+
 void Connection::Close() {
+    opensWhenUsed_ = false;
     session_.reset();
 }
 
@@ -32,6 +38,8 @@ void Connection::RollbackTrans() {
 }
 
 Session& Connection::session() {
+    if (session_ == nullptr && opensWhenUsed_)
+        session_ = provider_.open(connectionString_);
     if (session_ == nullptr)
         throw DbError(DbError::Category::Storage, 0, "Operation is not allowed when the object is closed.").withHresult(kClosedObject);
     return *session_;

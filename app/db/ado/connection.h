@@ -19,9 +19,11 @@ public:
 
     // Throws DbError with a sentence for the user; the connection stays closed then.
     void Open(const std::string& connectionString);
+    // The same, as soon as something is sent: what fails to open then throws there.
+    void OpenWhenUsed(const std::string& connectionString);
     void Close();
     // 0 closed, 1 open.
-    int State() const { return session_ != nullptr ? 1 : 0; }
+    int State() const { return session_ != nullptr || opensWhenUsed_ ? 1 : 0; }
     const std::string& ConnectionString() const { return connectionString_; }
     // Seconds that a statement may take, 0 for no limit. A store in a file sets no limit of its own.
     int CommandTimeout = 30;
@@ -43,6 +45,7 @@ private:
     Provider& provider_;
     std::string connectionString_;
     std::unique_ptr<Session> session_;
+    bool opensWhenUsed_ = false;
 };
 using ConnectionPtr = std::shared_ptr<Connection>;
 

@@ -46,6 +46,12 @@ std::shared_ptr<server::Server> Provider::server(const std::string& connectionSt
     return known;
 }
 
+bool Provider::isFar(const std::string& connectionString) const {
+    const auto parts = connectionParts(connectionString);
+    const auto source = parts.find("data source");
+    return sessionOpened != nullptr || (source != parts.end() && !isStoreFile(source->second));
+}
+
 void Provider::closeIdle() {
     const std::lock_guard lock(mutex_);
     for (const auto& [string, server] : servers_)
@@ -60,6 +66,8 @@ std::unique_ptr<Session> Provider::open(const std::string& connectionString) {
     if (source == parts.end() || source->second.empty())
         throw DbError(DbError::Category::Storage, 0, "The configuration names no server and no store file.");
     auto session = isStoreFile(source->second) ? Store::open(source->second)->session() : server(connectionString)->session();
+    if (sessionOpened)
+        session = sessionOpened(std::move(session));
     session->setClock(clock_);
     session->setWaiter(waiter);
     return session;

@@ -13,6 +13,7 @@ namespace merchantry::db {
 namespace server {
 class Server;
 } // namespace server
+class Ahead;
 
 // The parts of a connection string "Key=value; Key=value", keys without case. A data source that the catalogue follows is taken whole: the
 // path of a store may hold a semicolon.
@@ -33,6 +34,9 @@ public:
     // Throws DbError (category Storage) with a sentence for the user when the store cannot be opened.
     std::unique_ptr<Session> open(const std::string& connectionString);
 
+    // Whether each statement takes a way there and back: the store is on a server.
+    bool isFar(const std::string& connectionString) const;
+
     // Lets the connections to servers go that are not in use, so that a database can be restored.
     void closeIdle();
 
@@ -41,6 +45,11 @@ public:
     // Called with each statement that the application sends, before it runs, and with the same as it may be written down. For scripts that
     // look on.
     std::function<void(const std::string& statement, const std::string& shown)> statementSent;
+
+    // Called with each session that is opened; what it gives is used in its place. For those that look on, to which every store is far.
+    std::function<std::unique_ptr<Session>(std::unique_ptr<Session>)> sessionOpened;
+    // What was read before it was asked for, owned by the screen that asks; null for nothing.
+    Ahead* ahead = nullptr;
 
 private:
     std::shared_ptr<server::Server> server(const std::string& connectionString);

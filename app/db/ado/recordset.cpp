@@ -1,5 +1,6 @@
 #include "app/db/ado/recordset.h"
 
+#include "app/db/ado/ahead.h"
 #include "app/db/ado/coerce.h"
 #include "app/db/ado/sort.h"
 #include "app/db/ado/writeback.h"
@@ -77,20 +78,32 @@ void Recordset::Requery() {
 }
 
 void Recordset::run() {
-    Collector rows(canChange());
     const Sql& text = command_ ? command_->text() : source_;
     connection_->sent(text);
     text.check();
+    std::shared_ptr<RowStore> rows = takenAhead(text);
+    if (rows == nullptr)
+        rows = asked(text);
+    mode_ = Mode::None;
+    pending_.clear();
+    store_ = std::move(rows);
+    arrange();
+    position_ = 0;
+    notify();
+}
+
+std::shared_ptr<RowStore> Recordset::asked(const Sql& text) {
+    Collector rows(canChange());
     if (command_ && command_->type() == CommandType::StoredProcedure)
         connection_->session().call(text.text(), command_->parameters(), rows);
     else
         connection_->session().execute(text.text(), rows);
-    mode_ = Mode::None;
-    pending_.clear();
-    store_ = rows.store;
-    arrange();
-    position_ = 0;
-    notify();
+    return rows.store;
+}
+
+std::shared_ptr<RowStore> Recordset::takenAhead(const Sql& text) {
+    Ahead* ahead = connection_->provider().ahead;
+    return ahead == nullptr ? nullptr : ahead->take(text.text(), command_ ? command_->parameters() : std::vector<Parameter>(), canChange());
 }
 
 void Recordset::Close() {

@@ -110,6 +110,8 @@ private:
     enum class Mode { None, Edit, Add };
 
     void run();
+    std::shared_ptr<RowStore> asked(const Sql& text);
+    std::shared_ptr<RowStore> takenAhead(const Sql& text);
     void arrange();
     void notify();
     void needRow() const;
