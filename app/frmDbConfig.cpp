@@ -1,10 +1,14 @@
 #include "app/frmDbConfig.h"
 
+#include "app/db/ado/provider.h"
 #include "app/db/schema/schema.h"
+#include "app/db/server/address.h"
+#include "app/db/server/locator.h"
 #include "app/modMain.h"
 #include "base/errortext.h"
 #include "base/text.h"
 #include "ui/desk.h"
+#include "ui/waiting.h"
 
 namespace merchantry::app {
 
@@ -24,6 +28,8 @@ frmDbConfig::frmDbConfig(Desk& desk) : Form(desk, "frmDbConfig", "Database Confi
     cmdAdd.click = [this] { cmdAdd_Click(); };
     cmdRemove.click = [this] { cmdRemove_Click(); };
     cmdBrowse.click = [this] { cmdBrowse_Click(); };
+    cmdFind.setToolTip("Asks the machine which instances of a server run there, and at which ports");
+    cmdFind.click = [this] { cmdFind_Click(); };
     cmdTest.click = [this] { cmdTest_Click(); };
     cmdDemo.click = [this] { cmdNew_Click(true); };
     cmdEmpty.click = [this] { cmdNew_Click(false); };
@@ -38,7 +44,7 @@ frmDbConfig::frmDbConfig(Desk& desk) : Form(desk, "frmDbConfig", "Database Confi
                            fields({
                                field("Name:", txtConfigName).wide(44),
                                field("Store file or server:", txtServerName, {at(cmdBrowse)}),
-                               field("Instance:", txtInstanceName),
+                               field("Instance:", txtInstanceName, {at(cmdFind)}),
                                field("Register number:", txtRegisterID),
                                field("Password:", txtPassword),
                                field("", chkIntegrated),
@@ -181,13 +187,44 @@ void frmDbConfig::cmdBrowse_Click() {
         txtServerName.setText(path->string());
 }
 
+void frmDbConfig::cmdFind_Click() {
+    const Waiting waiting(desk());
+    std::string said;
+    try {
+        const std::string host = db::server::addressOf({{"data source", shownConfig().ServerName}}).host;
+        if (host.empty() || db::isStoreFile(shownConfig().ServerName)) {
+            said = "Please enter the name or the address of a server first.";
+        } else {
+            const auto found = db::server::instancesOn(host);
+            if (found.size() == 1)
+                txtInstanceName.setText(found.front().name == "MSSQLSERVER" ? "" : found.front().name);
+            said = found.empty() ? "The machine " + host + " does not tell of any instance. A server without one needs no name here."
+                                 : "Instances on " + host + ": " + db::server::listed(found) + ".";
+        }
+    } catch (const std::exception& error) {
+        said = sentenceOf(error);
+    }
+    lblState.setCaption(said);
+}
+
+// What a test that went well says of the way there.
+std::string frmDbConfig::wayTo() const {
+    const DbConfig shown = shownConfig();
+    if (db::isStoreFile(shown.ServerName))
+        return "";
+    return db::server::addressOf({{"data source", dataSource(shown)}}).encrypted
+               ? " The connection is encrypted."
+               : " The connection is not encrypted: the password and all data can be read on the network.";
+}
+
 void frmDbConfig::cmdTest_Click() {
     desk().waitCursor(true);
-    std::string said = "The store answers.";
+    std::string said;
     try {
         db::Connection trial(*modMain().provider);
         trial.Open(connectString(shownConfig()));
         db::checkSchemaVersion(trial.session());
+        said = "The store answers." + wayTo();
     } catch (const std::exception& error) {
         said = error.what();
     }

@@ -32,6 +32,7 @@ private:
     void cmdAdd_Click();
     void cmdRemove_Click();
     void cmdBrowse_Click();
+    void cmdFind_Click();
     void cmdTest_Click();
     void cmdNew_Click(bool demo);
     void cmdOK_Click();
@@ -39,6 +40,7 @@ private:
     void fillList(const std::string& selected);
     void showConfig(const DbConfig& config);
     DbConfig shownConfig() const;
+    std::string wayTo() const;
     // What is wrong with the configuration shown, as a sentence; empty when nothing is.
     std::string complaint() const;
     bool keepShown();
@@ -53,6 +55,7 @@ private:
     ui::TextBox txtServerName{*this, "txtServerName"}; // a store file's path or a server
     ui::Button cmdBrowse{*this, "cmdBrowse", "&Browse..."};
     ui::TextBox txtInstanceName{*this, "txtInstanceName"};
+    ui::Button cmdFind{*this, "cmdFind", "&Find"}; // asks the machine for its instances
     ui::TextBox txtRegisterID{*this, "txtRegisterID"};
     ui::TextBox txtPassword{*this, "txtPassword"};
     ui::CheckBox chkIntegrated{*this, "chkIntegrated", "Use the &operating system's login"};

@@ -1,14 +1,19 @@
 // A store on the server that MERCHANTRY_TEST_SERVER names: a call of one row and a hundred thousand rows, beside the driver alone. A
-// database of its own is made for it and dropped.
+// database of its own is made for it and dropped. Then the demo store, copied up to the server and back.
 
 #include "app/db/server/server.h"
 #include "app/db/ado/recordset.h"
 #include "app/db/server/database.h"
 #include "app/db/server/odbc.h"
+#include "app/storecopy.h"
+#include "app/storefile.h"
+#include "base/guard.h"
 #include "bench/ratio.h"
+#include "demo/demostore.h"
 
 #include <array>
 #include <cstdlib>
+#include <optional>
 #include <random>
 
 using namespace merchantry;
@@ -143,6 +148,43 @@ void benchRows(const db::ConnectionPtr& connection, BareLink& bare) {
     require(theirs > 0 ? 1 : 0, 1);
 }
 
+// Rows a second of a whole copy, and of its rows alone: without the database, the tables and procedures, and the comparison.
+void copy(const char* what, const std::string& from, const std::string& to) {
+    using Clock = std::chrono::steady_clock;
+    std::optional<Clock::time_point> first;
+    Clock::time_point last;
+    app::StoreCopy done;
+    const double ms = msOf([&] {
+        done = app::copyStoreTo(from, to, [&](int) {
+            last = Clock::now();
+            first = first.value_or(last);
+        });
+    });
+    const double rowsMs = std::chrono::duration<double, std::milli>(last - *first).count();
+    std::printf("%-30s %lld rows: %.1f s, %.0f rows/s; the rows alone %.1f s, %.0f rows/s\n", what, static_cast<long long>(done.rows),
+                ms / 1e3, static_cast<double>(done.rows) / ms * 1e3, rowsMs / 1e3, static_cast<double>(done.rows) / rowsMs * 1e3);
+}
+
+void benchCopy(const Address& server) {
+    Address address = server;
+    address.database += "_copy";
+    const auto folder = std::filesystem::temp_directory_path() / address.database;
+    std::filesystem::create_directories(folder);
+    const AtEnd removed([&] {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+    });
+    const std::string file = (folder / "demo.store").string();
+    const demo::DemoPlan plan{.dataFolder = demo::demoDataFolder(), .today = *Date::fromParts(2026, 11, 21, 15)};
+    app::createStoreFile(
+        file, [&](db::Session& session, const auto& progress) { demo::fillDemoStore(session, plan, progress); }, [](int) {});
+    const std::string place = "User ID=" + address.user + "; PASSWORD=" + address.password + "; Data Source=" + address.sourceText() +
+                              "; Initial Catalog=" + address.database;
+    copy("the demo store to the server", file, place);
+    const AtEnd dropped([&] { dropDatabase(address); });
+    copy("and back into a file", place, (folder / "back.store").string());
+}
+
 } // namespace
 
 int main() {
@@ -164,6 +206,7 @@ int main() {
         benchCalls(connection->session(), bare);
         benchRows(connection, bare);
         connection->Close();
+        benchCopy(address);
         return 0;
     } catch (const std::exception& error) {
         std::printf("%s\n", error.what());
