@@ -14,12 +14,14 @@ void DataBroker::OpenConnection(std::string& connectionString, std::shared_ptr<E
                                 db::ConnectionPtr& connection) {
     connection = std::make_shared<db::Connection>(provider_);
     whyClosed_.clear();
+    wasReached_ = false;
     try {
         connection->Open(connectionString);
         db::checkSchemaVersion(connection->session());
         db::renewContent(connection->session());
     } catch (const std::exception& error) {
         whyClosed_ = sentenceOf(error);
+        wasReached_ = connection->State() != 0;
         connection->Close();
     }
 }

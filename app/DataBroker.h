@@ -27,10 +27,13 @@ public:
 
     // The sentence of the last OpenConnection that failed; empty when it worked.
     const std::string& whyClosed() const { return whyClosed_; }
+    // Whether that one found its store, and would not have it.
+    bool wasReached() const { return wasReached_; }
 
 private:
     db::Provider& provider_;
     std::string whyClosed_;
+    bool wasReached_ = false;
 };
 
 } // namespace merchantry::app

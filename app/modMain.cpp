@@ -1,6 +1,8 @@
 #include "app/modMain.h"
 
+#include "app/db/ado/provider.h"
 #include "app/db/embedded/filehead.h"
+#include "app/serverstore.h"
 #include "app/storefile.h"
 #include "base/errortext.h"
 #include "base/numbers.h"
@@ -40,9 +42,31 @@ void openConn(ModMain& session) {
     session.DataBroker->OpenConnection(session.ConnectString, session.ErrLog, timeout, session.Conn);
 }
 
+// All who use it must have this version then, so the question is asked of whoever starts it first.
+bool upgradedOnServer(ModMain& session) {
+    const auto answer = session.desk->message("The store on the server was made by an earlier version of the program. Bring it up to date "
+                                              "now?\r\nMake a backup of its database on the server first. Desktops with the earlier "
+                                              "version cannot open it any more.",
+                                              "Store", ui::MessageIcon::Question, ui::MessageButtons::YesNo);
+    if (answer != ui::Answer::Yes)
+        return false;
+    try {
+        upgradeServerStore(session.ConnectString);
+        session.desk->message("The store is up to date.", "Store", ui::MessageIcon::Information);
+        return true;
+    } catch (const std::exception& error) {
+        session.desk->message("The store could not be brought up to date and is as it was. " + sentenceOf(error) +
+                                  "\r\nIt takes a login that may change the database, as its owner's or the administrator's.",
+                              "Store", ui::MessageIcon::Stop);
+        return false;
+    }
+}
+
 // A store that an earlier version of the program made is brought up to date when the user wants it; true when it was.
 bool upgraded(ModMain& session) {
     const std::filesystem::path file = session.DBServer;
+    if (!db::isStoreFile(session.DBServer))
+        return session.DataBroker->wasReached() && isOlderServerStore(session.ConnectString) && upgradedOnServer(session);
     if (!isOlderStore(file))
         return false;
     const auto answer = session.desk->message("The store was made by an earlier version of the program. Bring it up to date now?\r\n"

@@ -60,6 +60,15 @@ std::size_t renewStore(const std::string& place) {
     return db::renewContent(*session).size();
 }
 
+bool isOlderServerStore(const std::string& place) {
+    try {
+        const int version = db::schemaVersion(*openStore(place));
+        return version > 0 && version < db::kSchemaVersion;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 bool upgradeServerStore(const std::string& place) {
     const auto session = openStore(place);
     const int version = db::schemaVersion(*session);

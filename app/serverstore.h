@@ -23,6 +23,9 @@ using StorePercent = std::function<void(int percent)>;
 // Makes a store with its first rows on a server, in a database of its own. Throws DbError with a sentence; nothing is left then.
 void createServerStore(const std::string& place, const StorePercent& progress);
 
+// Whether the store on a server was made by an earlier version of this program; false when it cannot be asked.
+bool isOlderServerStore(const std::string& place);
+
 // Brings a store on a server to this program's schema, in one transaction; false when it is of this version already. The server's own
 // backup is the copy of what was before.
 bool upgradeServerStore(const std::string& place);

@@ -155,6 +155,21 @@ TEST_F(CopyOnAServer, NothingOfAnotherStoreIsOverwritten) {
     EXPECT_FALSE(upgradeServerStore(place()));
 }
 
+// Only one that this program can bring up to date is offered to be.
+TEST_F(CopyOnAServer, AnOlderStoreIsKnownAsOne) {
+    EXPECT_FALSE(isOlderServerStore(place())); // there is none
+    createServerStore(place(), [](int) {});
+    EXPECT_FALSE(isOlderServerStore(place()));
+    const auto session = openStore(place());
+    db::NoResult none;
+    session->execute("UPDATE SchemaVersion SET Version = Version - 1", none);
+    EXPECT_TRUE(isOlderServerStore(place()));
+    EXPECT_TRUE(upgradeServerStore(place()));
+    EXPECT_EQ(db::schemaVersion(*session), db::kSchemaVersion);
+    session->execute("UPDATE SchemaVersion SET Version = 99", none);
+    EXPECT_FALSE(isOlderServerStore(place()));
+}
+
 TEST_F(CopyOnAServer, ACopyThatFailsLeavesNoDatabase) {
     const auto file = folder / "shop.store";
     makeFile(file);
