@@ -44,7 +44,7 @@ frmDbConfig::frmDbConfig(Desk& desk) : Form(desk, "frmDbConfig", "Database Confi
                            fields({
                                field("Name:", txtConfigName).wide(44),
                                field("Store file or server:", txtServerName, {at(cmdBrowse)}),
-                               field("Instance:", txtInstanceName, {at(cmdFind)}),
+                               field("Instance:", txtInstanceName, {at(cmdFind)}).wide(24),
                                field("Register number:", txtRegisterID),
                                field("Password:", txtPassword),
                                field("", chkIntegrated),
