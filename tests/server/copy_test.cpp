@@ -166,7 +166,7 @@ TEST_F(CopyOnAServer, AnOlderStoreIsKnownAsOne) {
     EXPECT_TRUE(isOlderServerStore(place()));
     EXPECT_TRUE(upgradeServerStore(place()));
     EXPECT_EQ(db::schemaVersion(*session), db::kSchemaVersion);
-    session->execute("UPDATE SchemaVersion SET Version = 99", none);
+    session->execute("INSERT INTO SchemaVersion (Version) VALUES (99)", none);
     EXPECT_FALSE(isOlderServerStore(place()));
 }
 
