@@ -13,17 +13,53 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 
 namespace merchantry::app {
 namespace {
 
 using db::Session;
 
+// The characters beyond plain ones that texts hold. A server keeps texts in the code page of its collation; a character that this lacks
+// becomes a question mark there without a word.
+class Characters {
+public:
+    void take(std::string_view text) {
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t length = lengthOf(static_cast<unsigned char>(text[at]));
+            if (length > 1)
+                seen_.emplace(text.substr(at, length));
+            at += length;
+        }
+    }
+    // Throws DbError when one of them does not come back from there as it was.
+    void requireIn(Session& session) const {
+        std::string lost;
+        for (const std::string& one : seen_) {
+            std::string back;
+            db::EachRow rows([&](const db::RowView& row) { back = row.value(0).toText(); });
+            session.execute("SELECT CAST(N'" + one + "' AS varchar(10))", rows);
+            if (back != one)
+                lost += (lost.empty() ? "" : " ") + one;
+        }
+        if (!lost.empty())
+            throw db::DbError(db::DbError::Category::Storage, 0,
+                              "The store's texts hold characters that the server's collation does not have: " + lost +
+                                  ". Please have the database made with another collation, or write those texts without them.");
+    }
+
+private:
+    static std::size_t lengthOf(unsigned char first) { return first >= 0xF0U ? 4 : first >= 0xE0U ? 3 : first >= 0xC0U ? 2 : 1; }
+    std::set<std::string> seen_;
+};
+
 // Puts the rows that are read from one session into a table of another.
 class TableWriter : public db::ResultSink {
 public:
-    TableWriter(Session& to, std::string table, const std::vector<db::TableShape::Field>& fields, bool takesJson)
-        : to_(to), table_(bracketed(table)), block_(rowBlockFor(table, fields, takesJson)) {
+    TableWriter(Session& to, std::string table, const std::vector<db::TableShape::Field>& fields, bool takesJson, Characters& characters)
+        : to_(to), table_(bracketed(table)), block_(rowBlockFor(table, fields, takesJson)), characters_(characters) {
+        for (const auto& field : fields)
+            isText_.push_back(field.type.isText());
         identity_ = std::any_of(fields.begin(), fields.end(), [](const auto& field) { return field.identity; });
         switchIdentity("ON");
     }
@@ -31,6 +67,9 @@ public:
     void beginSet(const std::vector<db::Column>&) override {}
     void row(const db::RowView& row) override {
         block_->add(row);
+        for (int i = 0; i < row.size(); ++i)
+            if (isText_[static_cast<std::size_t>(i)] && !row.isNull(i))
+                characters_.take(row.text(i));
         ++rows;
         if (block_->isFull())
             block_->send(to_);
@@ -51,6 +90,8 @@ private:
     Session& to_;
     std::string table_;
     std::unique_ptr<RowBlock> block_;
+    Characters& characters_;
+    std::vector<bool> isText_; // by column
     bool identity_ = false;
 };
 
@@ -61,9 +102,9 @@ std::int64_t countOf(Session& session, const std::string& table) {
     return count;
 }
 
-std::int64_t copyTable(Session& from, Session& to, const std::string& table, bool takesJson) {
+std::int64_t copyTable(Session& from, Session& to, const std::string& table, bool takesJson, Characters& characters) {
     const auto fields = storedFields(from, table);
-    TableWriter writer(to, table, fields, takesJson);
+    TableWriter writer(to, table, fields, takesJson, characters);
     from.execute("SELECT " + namesOf(fields) + " FROM " + bracketed(table), writer);
     writer.finish();
     return writer.rows;
@@ -160,13 +201,15 @@ StoreCopy copyStoreTo(const std::string& from, const std::string& to, const Stor
         all += countOf(*source, table);
     NewStore made(to);
     const bool json = takesJson(made.session());
+    Characters characters;
     db::createSchemaWith(made.session(), [&] {
         for (const std::string& table : tables) {
-            done.rows += copyTable(*source, made.session(), table, json);
+            done.rows += copyTable(*source, made.session(), table, json, characters);
             carryLastNumber(*source, made.session(), table, isServerPlace(to));
             progress(static_cast<int>(done.rows * 100 / std::max<std::int64_t>(1, all)));
         }
     });
+    characters.requireIn(made.session());
     for (const std::string& table : tables)
         compare(*source, made.session(), table);
     done.tables = static_cast<int>(tables.size());

@@ -113,6 +113,25 @@ TEST_F(CopyOnAServer, TextsComeThroughToTheByte) {
         ASSERT_EQ(before[i], after[i]);
 }
 
+// A server with a narrow collation would make a question mark of it without a word.
+TEST_F(CopyOnAServer, ACharacterThatTheServerDoesNotHaveIsNoticed) {
+    const auto file = folder / "shop.store";
+    makeFile(file);
+    {
+        const auto session = db::Store::open(file)->session();
+        db::NoResult none;
+        session->execute("INSERT INTO SalesMessages (Message) VALUES (N'apple \xF0\x9F\x8D\x8E')", none);
+    }
+    try {
+        copyStoreTo(file.string(), place(), [](int) {});
+        EXPECT_EQ(allRows(*openStore(place())), allRows(*db::Store::open(file)->session()));
+    } catch (const db::DbError& error) {
+        EXPECT_NE(std::string(error.what()).find("characters that the server's collation does not have"), std::string::npos)
+            << error.what();
+        EXPECT_THROW(openStore(place()), db::DbError);
+    }
+}
+
 // The number of a message that was deleted would be given to another one.
 TEST_F(CopyOnAServer, NumbersOfDeletedRowsAreNotGivenAgain) {
     const auto file = folder / "shop.store";
