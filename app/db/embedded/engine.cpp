@@ -17,7 +17,8 @@ constexpr std::size_t kMostBatches = 300;
 } // namespace
 
 Engine::Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<SharedState> shared)
-    : shared_(std::move(shared)), connection_(file, durable), catalog_(connection_, rows_), textOrder_(textOrderOf(connection_.handle())) {
+    : shared_(std::move(shared)), connection_(file, durable), store_(connection_), catalog_(store_, temporaries_, rows_),
+      textOrder_(textOrderOf(connection_.handle())) {
     connection_.host = this;
     registerFunctions(connection_.handle(), *this);
     rows_.attach(connection_.handle());
@@ -51,7 +52,7 @@ void Engine::call(std::string_view procedure, std::vector<Parameter>& parameters
         name = parts.back();
         if (name.size() > 1 && name.front() == '[' && name.back() == ']')
             name = name.substr(1, name.size() - 2);
-        const StoredObject* object = catalog_.find(name);
+        const StoredObject* object = store_.find(name);
         if (!object || object->kind != "P")
             throw tsql::nameError(2812, "Could not find stored procedure '" + name + "'.", 0);
         std::vector<BoundArgument> arguments;
@@ -344,17 +345,14 @@ void Engine::reset() {
     if (tranCount_ > 0 || inWrite_ || inRead_)
         rollbackAll();
     setReadOnly(false);
-    const std::vector<std::shared_ptr<const tsql::TableDef>> temporaries = catalog_.temporaries();
+    const std::vector<std::shared_ptr<const tsql::TableDef>> temporaries = temporaries_.all();
     for (const std::shared_ptr<const tsql::TableDef>& table : temporaries) {
         connection_.run("DROP TABLE IF EXISTS " + table->storage);
-        catalog_.popTemporary(table->name);
+        temporaries_.pop(table->name);
     }
-    if (!temporaries.empty())
-        ++temporaryVersion_;
     cursors_.clear();
     settings_ = {};
-    catalog_.identityInsertTable = 0;
-    catalog_.databaseName = "Tillmark2k";
+    catalog_.reset();
     identity_ = {};
     rowCount_ = 0;
     error_ = 0;

@@ -3,8 +3,8 @@
 #include "app/db/embedded/code.h"
 #include "app/db/embedded/connection.h"
 #include "app/db/embedded/rowset.h"
+#include "app/db/embedded/session_catalog.h"
 #include "app/db/embedded/shared_state.h"
-#include "app/db/embedded/store_catalog.h"
 #include "app/db/embedded/text_order.h"
 #include "app/db/session.h"
 #include "base/guard.h"
@@ -290,7 +290,6 @@ private:
     void dropTable(const tsql::ObjectName& name, bool ifExists);
     void dropIndex(const tsql::DropStatement& statement);
     void requireFreeName(const std::string& name, int line);
-    std::shared_ptr<const tsql::TableDef> requireTable(const tsql::ObjectName& name, int number);
     void alterTable(const tsql::AlterTableStatement& statement);
     void alterAdd(const tsql::AlterTableStatement& statement, tsql::TableDef table);
     void alterColumn(const tsql::AlterTableStatement& statement, tsql::TableDef table);
@@ -304,12 +303,13 @@ private:
     Counter& counterOf(std::int64_t table);
     void keepCounters();
     void writeCounters();
-    std::shared_ptr<const tsql::TableDef> anyTableById(std::int64_t id);
 
     std::shared_ptr<SharedState> shared_;
     RowsetRegistry rows_; // before the connection, which it outlives
     Connection connection_;
-    StoreCatalog catalog_;
+    StoreCatalog store_;
+    TemporaryTables temporaries_;
+    SessionCatalog catalog_;
     const Clock* clock_ = nullptr;
     Clock systemClock_;
 
@@ -332,7 +332,6 @@ private:
     std::array<std::size_t, 1024> seenBatches_{}; // hashes of the texts that came lately
     std::unordered_map<std::int64_t, std::shared_ptr<Code>> modules_;
     std::uint64_t version_ = 1;
-    std::uint64_t temporaryVersion_ = 1;
     std::int64_t fileVersion_ = -1;
     TextOrder textOrder_;
     Statement3 readVersion_;
@@ -359,7 +358,7 @@ private:
     bool inInsertExec_ = false;
     int level_ = 0;
     std::map<std::string, Cursor> cursors_; // of the session
-    std::int64_t temporaryNumber_ = 0;
+    std::int64_t cursorNumber_ = 0;         // of those that variables hold
     std::int64_t scopeNumber_ = 0;
     std::atomic<bool> cancelled_ = false;
 

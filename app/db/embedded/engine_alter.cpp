@@ -36,7 +36,7 @@ DbError dependsOn(const std::string& column, int line) {
 } // namespace
 
 void Engine::alterTable(const tsql::AlterTableStatement& statement) {
-    const std::shared_ptr<const TableDef> table = requireTable(statement.table, 4902);
+    const std::shared_ptr<const TableDef> table = catalog_.requireTable(statement.table, 4902);
     switch (statement.action) {
     case Action::Add:
         return alterAdd(statement, *table);
@@ -57,7 +57,7 @@ void Engine::alterAdd(const tsql::AlterTableStatement& statement, TableDef table
     const TableDef before = table;
     tsql::addToTable(
         table, statement.body, [this](const tsql::TypeName& type, bool& nullable) { return typeOf(type, nullable); }, false);
-    catalog_.typeComputed(table);
+    typeComputed(catalog_, table);
     checkForeignKeys(table, statement.line);
     const bool temporary = table.isTemporary();
     const bool hasRows = scalar("SELECT EXISTS(SELECT 1 FROM " + table.storage + ")") != 0;
@@ -99,8 +99,7 @@ void Engine::alterAdd(const tsql::AlterTableStatement& statement, TableDef table
     if (temporary) {
         if (table.checks.size() != before.checks.size())
             throw tsql::unsupported("a CHECK added to a temporary table", statement.line);
-        catalog_.replaceTemporary(std::make_shared<const TableDef>(table));
-        ++temporaryVersion_;
+        temporaries_.replace(std::make_shared<const TableDef>(table));
     } else {
         const std::vector<tsql::CheckDef> checks(table.checks.begin() + static_cast<std::ptrdiff_t>(before.checks.size()),
                                                  table.checks.end());
@@ -150,7 +149,7 @@ void Engine::verifyRows(const TableDef& table, const std::vector<tsql::CheckDef>
 
 // Puts the definition in the place of the one that the file has; the rows stay where they are. Requires: they fit.
 void Engine::rewriteTable(const TableDef& table) {
-    catalog_.setSource(table.id, table.name, tsql::tableSource(table));
+    store_.setSource(table.id, table.name, tsql::tableSource(table));
     schemaTouched_ = true;
     const std::int64_t version = scalar("PRAGMA schema_version");
     connection_.run("PRAGMA writable_schema=ON");
@@ -248,8 +247,7 @@ void Engine::dropColumns(const tsql::AlterTableStatement& statement, TableDef ta
         table.columns.erase(table.columns.begin() + found);
     }
     if (table.isTemporary()) {
-        catalog_.replaceTemporary(std::make_shared<const TableDef>(table));
-        ++temporaryVersion_;
+        temporaries_.replace(std::make_shared<const TableDef>(table));
         return;
     }
     rewriteTable(table);
@@ -270,7 +268,7 @@ void Engine::dropConstraints(const tsql::AlterTableStatement& statement, TableDe
         }
         const auto key = std::find_if(table.keys.begin(), table.keys.end(), same);
         if (key != table.keys.end()) {
-            for (const auto& [other, reference] : catalog_.referencesTo(table.name)) {
+            for (const auto& [other, reference] : store_.referencesTo(table.name)) {
                 const bool refers = std::all_of(reference.refColumns.begin(), reference.refColumns.end(),
                                                 [&](const std::string& one) { return usesColumn(key->columns, one); });
                 if (refers && reference.refColumns.size() == key->columns.size())
@@ -293,10 +291,10 @@ void Engine::dropConstraints(const tsql::AlterTableStatement& statement, TableDe
 void Engine::enableTriggers(const tsql::AlterTableStatement& statement, const TableDef& table) {
     for (const std::string& name : statement.names) {
         bool found = tsql::sameName(name, "ALL");
-        for (const StoredObject* trigger : catalog_.childrenOf(table.id, "TR")) {
+        for (const StoredObject* trigger : store_.childrenOf(table.id, "TR")) {
             if (!tsql::sameName(name, "ALL") && !tsql::sameName(trigger->name, name))
                 continue;
-            catalog_.setEnabled(trigger->id, statement.enable);
+            store_.setEnabled(trigger->id, statement.enable);
             found = true;
         }
         if (!found)

@@ -75,7 +75,7 @@ void Engine::runChange(const PlanPtr& plan) {
 bool Engine::undoesItself(const tsql::ChangePlan& change) {
     if (change.insteadOf != 0 || change.output || !change.newRows.text.empty() || change.table->isTemporary())
         return false;
-    return !catalog_.hasTriggers() || watchedTables(change.table, eventOf(change)).empty();
+    return !store_.hasTriggers() || watchedTables(change.table, eventOf(change)).empty();
 }
 
 void Engine::change(StatementPlan& plan, WriteScope& scope) {
@@ -134,7 +134,7 @@ std::int64_t Engine::runChangeSql(StatementPlan& plan) {
 std::int64_t Engine::moveKeys(StatementPlan& plan) {
     const tsql::ChangePlan& change = *plan.change;
     const tsql::TableDef& table = *change.table;
-    for (const auto& [other, key] : catalog_.referencesTo(table.name)) {
+    for (const auto& [other, key] : store_.referencesTo(table.name)) {
         if (!key.onDelete.empty())
             throw refined(serverError(2627, table.name), table, change.kind);
     }
@@ -233,9 +233,9 @@ void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
 }
 
 void Engine::runTruncate(const tsql::TruncateStatement& statement) {
-    const std::shared_ptr<const tsql::TableDef> table = requireTable(statement.table, 4701);
+    const std::shared_ptr<const tsql::TableDef> table = catalog_.requireTable(statement.table, 4701);
     WriteScope scope(*this, table->isTemporary());
-    for (const auto& [other, key] : catalog_.referencesTo(table->name)) {
+    for (const auto& [other, key] : store_.referencesTo(table->name)) {
         if (other->id != table->id)
             throw tsql::typeError(4712,
                                   "Cannot truncate table '" + table->name + "' because it is being referenced by a FOREIGN KEY constraint.",

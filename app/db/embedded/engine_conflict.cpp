@@ -117,7 +117,7 @@ std::optional<DbError> Engine::brokenReference(const tsql::ChangePlan& change) {
             return conflictOf(change.kind, tsql::sameName(key->table, change.table->name) ? "FOREIGN KEY SAME TABLE" : "FOREIGN KEY",
                               key->name, key->table, only(key->refColumns));
     }
-    for (const auto& [other, key] : catalog_.referencesTo(change.table->name)) {
+    for (const auto& [other, key] : store_.referencesTo(change.table->name)) {
         if (const tsql::ForeignKeyDef* broken = brokenIn(*other))
             return conflictOf(change.kind, other->id == change.table->id ? "SAME TABLE REFERENCE" : "REFERENCE", broken->name, other->name,
                               only(broken->columns));

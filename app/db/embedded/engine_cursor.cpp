@@ -44,7 +44,7 @@ void Engine::runCursor(const tsql::CursorStatement& statement) {
         const bool isVariable = statement.name.front() == '@';
         if (isVariable) {
             const int slot = tsql::Binder(bindContext()).variableSlot(statement.name, statement.line);
-            key = "\x01" + std::to_string(++temporaryNumber_);
+            key = "\x01" + std::to_string(++cursorNumber_);
             frame_->cursorVariables[slot] = key;
         }
         std::map<std::string, Cursor>& home = statement.local || isVariable ? frame_->cursors : cursors_;

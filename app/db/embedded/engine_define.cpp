@@ -122,25 +122,17 @@ void Engine::define(const tsql::Statement& statement) {
 }
 
 void Engine::requireFreeName(const std::string& name, int line) {
-    if (catalog_.find(name))
+    if (store_.find(name))
         throw tsql::nameError(2714, "There is already an object named '" + name + "' in the database.", line);
-}
-
-std::shared_ptr<const TableDef> Engine::requireTable(const tsql::ObjectName& name, int number) {
-    const std::shared_ptr<const TableDef> table = catalog_.table(name);
-    if (table && !table->readOnly)
-        return table;
-    throw tsql::nameError(
-        number, "Cannot find the object \"" + name.toText() + "\" because it does not exist or you do not have permissions.", name.line);
 }
 
 // ---- tables
 
 void Engine::createTable(const tsql::ObjectName& name, const tsql::TableBody& body) {
     const bool temporary = name.last().front() == '#';
-    if (temporary ? catalog_.table(name) != nullptr && ownsTemporary(name.last()) : catalog_.find(name.last()) != nullptr)
+    if (temporary ? catalog_.table(name) != nullptr && ownsTemporary(name.last()) : store_.find(name.last()) != nullptr)
         throw tsql::nameError(2714, "There is already an object named '" + name.last() + "' in the database.", name.line);
-    const std::int64_t id = temporary ? -(++temporaryNumber_) : catalog_.nextId();
+    const std::int64_t id = temporary ? temporaries_.nextId() : store_.nextId();
     TableDef table =
         tsql::defineTable(name, body, id, [this](const tsql::TypeName& type, bool& nullable) { return typeOf(type, nullable); });
     createTableOf(std::move(table), temporary);
@@ -155,33 +147,32 @@ bool Engine::ownsTemporary(const std::string& name) const {
 
 void Engine::createTableOf(TableDef table, bool temporary) {
     if (table.id == 0)
-        table.id = temporary ? -(++temporaryNumber_) : catalog_.nextId();
+        table.id = temporary ? temporaries_.nextId() : store_.nextId();
     if (temporary) {
         table.foreignKeys.clear();
         table.storage = "temp." + tsql::quotedName(table.name + "_" + std::to_string(-table.id));
-        catalog_.typeComputed(table);
+        typeComputed(catalog_, table);
         buildTable(table);
         const auto made = std::make_shared<const TableDef>(table);
-        catalog_.pushTemporary(made);
-        ++temporaryVersion_;
+        temporaries_.push(made);
         if (frame_->caller || table.name.front() == '@')
             frame_->temporaries.push_back(table.name);
         return;
     }
     table.storage = "main." + tsql::quotedName(table.name);
     checkForeignKeys(table, 0);
-    catalog_.typeComputed(table);
+    typeComputed(catalog_, table);
     {
         const std::lock_guard lock(shared_->mutex);
         shared_->lastIdentity.erase(table.id);
     }
     unwritten_.erase(table.id);
     connection_.run("DELETE FROM ts_identity WHERE id = " + std::to_string(table.id));
-    catalog_.add({table.id, table.name, "U", 0, tsql::tableSource(table), true, nowMs()});
+    store_.add({table.id, table.name, "U", 0, tsql::tableSource(table), true, nowMs()});
     buildTable(table);
     schemaTouched_ = true;
-    if (!catalog_.find(table.name)) { // SELECT INTO goes on with it at once
-        catalog_.load();
+    if (!store_.find(table.name)) { // SELECT INTO goes on with it at once
+        store_.load();
         ++version_;
     }
 }
@@ -314,7 +305,7 @@ void Engine::runDeclareTable(const tsql::DeclareTableStatement& statement) {
     const auto& own = frame_->temporaries;
     if (std::find(own.begin(), own.end(), statement.name) != own.end()) // in a loop the table of the last round stays
         return;
-    TableDef table = tsql::defineTable(name, statement.body, -(++temporaryNumber_),
+    TableDef table = tsql::defineTable(name, statement.body, temporaries_.nextId(),
                                        [this](const tsql::TypeName& type, bool& nullable) { return typeOf(type, nullable); });
     endRead();
     createTableOf(std::move(table), true);

@@ -72,7 +72,7 @@ Engine::Flow Engine::runFrame(Frame& frame) {
     frame.caller = frame_;
     frame.level = level_;
     const Restore here(frame_, &frame);
-    const Restore scope(catalog_.scope, ++scopeNumber_);
+    const Restore scope(temporaries_.scope, ++scopeNumber_);
     const AtEnd leave([&] { leaveFrame(frame); });
     check(*frame.code);
     return runBlock(*frame.code->body);
@@ -85,8 +85,7 @@ void Engine::leaveFrame(Frame& frame) {
         object.parts.push_back(*name);
         if (const std::shared_ptr<const tsql::TableDef> table = catalog_.table(object)) {
             sqlite3_exec(connection_.handle(), ("DROP TABLE IF EXISTS " + table->storage).c_str(), nullptr, nullptr, nullptr);
-            catalog_.popTemporary(*name);
-            ++temporaryVersion_;
+            temporaries_.pop(*name);
         }
     }
     frame.temporaries.clear();

@@ -30,23 +30,13 @@ void Engine::setVariable(int slot, Cell cell) {
 
 // ---- identities
 
-std::shared_ptr<const tsql::TableDef> Engine::anyTableById(std::int64_t id) {
-    if (id >= 0)
-        return catalog_.tableById(id);
-    for (const std::shared_ptr<const tsql::TableDef>& table : catalog_.temporaries()) {
-        if (table->id == id)
-            return table;
-    }
-    return nullptr;
-}
-
 // The number that the next row builds on. Numbers of failed statements are used up: what this process gave counts beside what the file
 // holds.
 Engine::Counter& Engine::counterOf(std::int64_t table) {
     const auto found = counters_.find(table);
     if (found != counters_.end())
         return found->second;
-    const std::shared_ptr<const tsql::TableDef> definition = anyTableById(table);
+    const std::shared_ptr<const tsql::TableDef> definition = catalog_.tableById(table);
     const tsql::ColumnDef& column = definition->columns[static_cast<std::size_t>(definition->identityColumn())];
     Counter counter{column.seed - column.increment, column.increment, false};
     const auto later = [&](std::int64_t number) {
@@ -151,12 +141,12 @@ Cell Engine::objectId(std::string_view name, std::string_view kind) {
         const std::shared_ptr<const tsql::TableDef> table = catalog_.table(object);
         return table && (wanted.empty() || wanted == "U") ? Cell::ofInteger(table->id) : Cell();
     }
-    const StoredObject* found = catalog_.find(object.last());
+    const StoredObject* found = store_.find(object.last());
     if (!found) {
-        for (const StoredObject* one : catalog_.all()) { // constraints are objects too
+        for (const StoredObject* one : store_.all()) { // constraints are objects too
             if (one->kind != "U")
                 continue;
-            const std::shared_ptr<const tsql::TableDef> table = catalog_.tableById(one->id);
+            const std::shared_ptr<const tsql::TableDef> table = store_.tableById(one->id);
             std::int64_t number = table->id * 1000;
             for (const tsql::KeyDef& key : table->keys) {
                 ++number;
@@ -190,12 +180,12 @@ Cell Engine::objectId(std::string_view name, std::string_view kind) {
 }
 
 Cell Engine::objectName(std::int64_t id) {
-    const StoredObject* found = catalog_.findById(id);
+    const StoredObject* found = store_.findById(id);
     return found ? Cell::ofText(found->name) : Cell();
 }
 
 Cell Engine::columnInfo(std::int64_t table, std::string_view column, std::string_view property) {
-    const std::shared_ptr<const tsql::TableDef> definition = anyTableById(table);
+    const std::shared_ptr<const tsql::TableDef> definition = catalog_.tableById(table);
     const int found = definition ? definition->find(column) : -1;
     if (found < 0)
         return {};
@@ -217,7 +207,7 @@ Cell Engine::columnInfo(std::int64_t table, std::string_view column, std::string
 }
 
 Cell Engine::columnName(std::int64_t table, std::int64_t number) {
-    const std::shared_ptr<const tsql::TableDef> definition = anyTableById(table);
+    const std::shared_ptr<const tsql::TableDef> definition = catalog_.tableById(table);
     if (!definition || number < 1 || static_cast<std::size_t>(number) > definition->columns.size())
         return {};
     return Cell::ofText(definition->columns[static_cast<std::size_t>(number) - 1].name);
@@ -230,7 +220,7 @@ Cell Engine::columnLength(std::string_view table, std::string_view column) {
 }
 
 Cell Engine::objectProperty(std::int64_t id, std::string_view property) {
-    const StoredObject* object = catalog_.findById(id);
+    const StoredObject* object = store_.findById(id);
     if (!object)
         return {};
     const auto flag = [](bool is) { return Cell::ofInteger(is ? 1 : 0); };
@@ -247,11 +237,11 @@ Cell Engine::objectProperty(std::int64_t id, std::string_view property) {
     if (tsql::sameName(property, "IsInlineFunction") || tsql::sameName(property, "IsTableFunction"))
         return flag(object->kind == "IF");
     if (tsql::sameName(property, "TableHasIdentity")) {
-        const std::shared_ptr<const tsql::TableDef> table = catalog_.tableById(id);
+        const std::shared_ptr<const tsql::TableDef> table = store_.tableById(id);
         return table ? flag(table->identityColumn() >= 0) : Cell();
     }
     if (tsql::sameName(property, "TableHasPrimaryKey")) {
-        const std::shared_ptr<const tsql::TableDef> table = catalog_.tableById(id);
+        const std::shared_ptr<const tsql::TableDef> table = store_.tableById(id);
         return table ? flag(table->primaryKey() != nullptr) : Cell();
     }
     return flag(false);

@@ -14,7 +14,7 @@ using tsql::TableDef;
 // Indexes, views and modules, and how all of them go again.
 
 void Engine::createIndex(const tsql::CreateIndexStatement& statement) {
-    const std::shared_ptr<const TableDef> table = requireTable(statement.table, 1088);
+    const std::shared_ptr<const TableDef> table = catalog_.requireTable(statement.table, 1088);
     const auto taken = [&](const auto& all) {
         return std::any_of(all.begin(), all.end(), [&](const auto& one) { return tsql::sameName(one.name, statement.name); });
     };
@@ -39,8 +39,7 @@ void Engine::createIndex(const tsql::CreateIndexStatement& statement) {
             .withSeverity(16, 1);
     }
     if (table->isTemporary()) {
-        catalog_.replaceTemporary(std::make_shared<const TableDef>(changed));
-        ++temporaryVersion_;
+        temporaries_.replace(std::make_shared<const TableDef>(changed));
         return;
     }
     std::vector<std::string> columns;
@@ -49,11 +48,11 @@ void Engine::createIndex(const tsql::CreateIndexStatement& statement) {
     const std::string source = std::string("CREATE ") + (statement.unique ? "UNIQUE " : "") + (statement.clustered ? "CLUSTERED " : "") +
                                "INDEX [" + replaced(statement.name, "]", "]]") + "] ON [" + replaced(table->name, "]", "]]") + "] (" +
                                joined(columns, ", ") + ")";
-    catalog_.add({catalog_.nextId(), statement.name, "IX", table->id, source, true, nowMs()});
+    store_.add({store_.nextId(), statement.name, "IX", table->id, source, true, nowMs()});
 }
 
 void Engine::dropIndex(const tsql::DropStatement& statement) {
-    const std::shared_ptr<const TableDef> table = requireTable(statement.onTable, 3701);
+    const std::shared_ptr<const TableDef> table = catalog_.requireTable(statement.onTable, 3701);
     const std::string& name = statement.names[0].last();
     const auto same = [&](const auto& one) { return tsql::sameName(one.name, name); };
     if (std::any_of(table->keys.begin(), table->keys.end(), same))
@@ -73,13 +72,12 @@ void Engine::dropIndex(const tsql::DropStatement& statement) {
     if (table->isTemporary()) {
         TableDef changed = *table;
         std::erase_if(changed.indexes, same);
-        catalog_.replaceTemporary(std::make_shared<const TableDef>(changed));
-        ++temporaryVersion_;
+        temporaries_.replace(std::make_shared<const TableDef>(changed));
         return;
     }
-    for (const StoredObject* index : catalog_.childrenOf(table->id, "IX")) {
+    for (const StoredObject* index : store_.childrenOf(table->id, "IX")) {
         if (tsql::sameName(index->name, name))
-            return catalog_.remove(index->id);
+            return store_.remove(index->id);
     }
 }
 
@@ -105,16 +103,16 @@ void Engine::createView(const tsql::CreateViewStatement& statement) {
 
 void Engine::createModule(const tsql::ObjectName& name, bool alter, const char* kind, const std::string& text, std::int64_t parent,
                           int line) {
-    const StoredObject* known = catalog_.find(name.last());
+    const StoredObject* known = store_.find(name.last());
     if (!alter) {
         if (known)
             throw tsql::nameError(2714, "There is already an object named '" + name.last() + "' in the database.", line);
-        catalog_.add({catalog_.nextId(), name.last(), kind, parent, text, true, nowMs()});
+        store_.add({store_.nextId(), name.last(), kind, parent, text, true, nowMs()});
         return;
     }
     if (!known || known->kind != kind)
         throw tsql::nameError(208, "Invalid object name '" + name.toText() + "'.", line);
-    catalog_.setSource(known->id, known->name, text);
+    store_.setSource(known->id, known->name, text);
 }
 
 void Engine::createFunction(const tsql::CreateFunctionStatement& statement) {
@@ -122,7 +120,7 @@ void Engine::createFunction(const tsql::CreateFunctionStatement& statement) {
 }
 
 void Engine::createTrigger(const tsql::CreateTriggerStatement& statement) {
-    const StoredObject* table = catalog_.find(statement.table.last());
+    const StoredObject* table = store_.find(statement.table.last());
     if (!table || (table->kind != "U" && table->kind != "V") || (table->kind == "V" && !statement.insteadOf))
         throw tsql::nameError(8197, "The object '" + statement.table.toText() + "' does not exist or is invalid for this operation.",
                               statement.line);
@@ -149,7 +147,7 @@ void Engine::createType(const tsql::CreateTypeStatement& statement) {
     std::string source = "CREATE TYPE [" + statement.name.last() + "] FROM " + base.toText();
     if (statement.nullable)
         source += *statement.nullable ? " NULL" : " NOT NULL";
-    catalog_.add({catalog_.nextId(), statement.name.last(), "TY", 0, source, true, nowMs()});
+    store_.add({store_.nextId(), statement.name.last(), "TY", 0, source, true, nowMs()});
 }
 
 // ---- DROP
@@ -163,13 +161,13 @@ void Engine::drop(const tsql::DropStatement& statement) {
             continue;
         }
         const std::string key = statement.what == "TYPE" ? "type/" + name.last() : name.last();
-        const StoredObject* object = catalog_.find(key);
+        const StoredObject* object = store_.find(key);
         const std::string kind = object ? object->kind : "";
         const bool fits = (statement.what == "VIEW" && kind == "V") || (statement.what == "PROCEDURE" && kind == "P") ||
                           (statement.what == "FUNCTION" && (kind == "FN" || kind == "IF")) ||
                           (statement.what == "TRIGGER" && kind == "TR") || (statement.what == "TYPE" && kind == "TY");
         if (fits) {
-            catalog_.remove(object->id);
+            store_.remove(object->id);
             continue;
         }
         if (statement.ifExists)
@@ -193,21 +191,20 @@ void Engine::dropTable(const tsql::ObjectName& name, bool ifExists) {
         connection_.run("DROP TABLE " + table->storage);
         if (inWrite_)
             droppedTemporaries_.push_back(table);
-        catalog_.popTemporary(table->name);
+        temporaries_.pop(table->name);
         std::erase_if(frame_->temporaries, [&](const std::string& one) { return tsql::sameName(one, table->name); });
-        ++temporaryVersion_;
         return;
     }
-    for (const auto& [other, key] : catalog_.referencesTo(table->name)) {
+    for (const auto& [other, key] : store_.referencesTo(table->name)) {
         if (other->id != table->id)
             throw tsql::typeError(3726, "Could not drop object '" + table->name + "' because it is referenced by a FOREIGN KEY constraint.",
                                   name.line);
     }
     connection_.run("DROP TABLE " + table->storage);
     unwritten_.erase(table->id);
-    catalog_.remove(table->id);
+    store_.remove(table->id);
     // Several tables of one statement may refer to each other.
-    catalog_.load();
+    store_.load();
     schemaTouched_ = true;
     ++version_;
 }

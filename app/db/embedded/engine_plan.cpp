@@ -20,7 +20,7 @@ tsql::BindContext Engine::bindContext() {
 }
 
 bool Engine::isCurrent(const StatementPlan& plan) const {
-    return plan.version == version_ && (!plan.usesTemporary || plan.temporaryVersion == temporaryVersion_);
+    return plan.version == version_ && (!plan.usesTemporary || plan.temporaryVersion == temporaries_.version());
 }
 
 // The statement's plan, bound anew when the schema or a setting changed since.
@@ -43,7 +43,7 @@ Engine::PlanPtr Engine::planFor(const tsql::Statement& statement, const std::fun
         throw ScopeEnd{error, frame_};
     }
     plan->version = version_;
-    plan->temporaryVersion = temporaryVersion_;
+    plan->temporaryVersion = temporaries_.version();
     plan->usesTemporary = catalog_.sawTemporary;
     plans[number] = plan;
     return plan;

@@ -72,7 +72,7 @@ void Engine::runExecute(const tsql::ExecuteStatement& statement) {
         const int slot = tsql::Binder(bindContext()).variableSlot(statement.procedureVariable, statement.line);
         name = split(frame_->variables[static_cast<std::size_t>(slot)].bytes, ".").back();
     }
-    const StoredObject* object = catalog_.find(name);
+    const StoredObject* object = store_.find(name);
     const bool runnable = object && (object->kind == "P" || object->kind == "FN");
     if (!runnable)
         return runSystemProcedure(statement, name);
@@ -84,7 +84,7 @@ void Engine::runExecute(const tsql::ExecuteStatement& statement) {
         assign(slot, tsql::converted(cell, type, frame_->code->variables[static_cast<std::size_t>(slot)].type));
     };
     if (object->kind == "FN") {
-        const std::shared_ptr<const tsql::FunctionDef> function = catalog_.functionById(object->id);
+        const std::shared_ptr<const tsql::FunctionDef> function = store_.functionById(object->id);
         if (arguments.size() > function->parameters.size())
             throw tsql::syntaxError(8144, "Procedure or function " + function->name + " has too many arguments specified.", statement.line);
         std::vector<Cell> cells;
@@ -217,7 +217,7 @@ void Engine::runExecuteText(const std::string& text, std::vector<Parameter>* par
 }
 
 Cell Engine::callFunction(std::int64_t id, const std::vector<CellView>& arguments) {
-    const StoredObject* object = catalog_.findById(id);
+    const StoredObject* object = store_.findById(id);
     if (!object)
         throw tsql::nameError(4121, "Cannot find the user-defined function.", 0);
     if (level_ >= kDeepestLevel)

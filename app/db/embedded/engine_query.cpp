@@ -49,7 +49,7 @@ void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
     const tsql::QueryPlan& query = *plan.query;
     const bool temporary = query.into->isTemporary();
     WriteScope scope(*this, temporary);
-    if (temporary ? catalog_.table({{query.into->name}, 1}) != nullptr : catalog_.find(query.into->name) != nullptr)
+    if (temporary ? catalog_.table({{query.into->name}, 1}) != nullptr : store_.find(query.into->name) != nullptr)
         throw tsql::nameError(2714, "There is already an object named '" + query.into->name + "' in the database.", statement.line);
     tsql::TableDef table = *query.into;
     for (tsql::ColumnDef& column : table.columns) {

@@ -31,7 +31,7 @@ void Engine::setOption(const std::string& option, const tsql::SetOptionStatement
     } else if (option == "DATEFIRST") {
         settings_.dateFirst = static_cast<int>(number());
     } else if (option == "IDENTITY_INSERT") {
-        const std::shared_ptr<const tsql::TableDef> table = requireTable(statement.table, 1088);
+        const std::shared_ptr<const tsql::TableDef> table = catalog_.requireTable(statement.table, 1088);
         if (on && catalog_.identityInsertTable != 0 && catalog_.identityInsertTable != table->id)
             throw tsql::typeError(
                 8107, "IDENTITY_INSERT is already ON for another table. Cannot perform SET operation for table '" + table->name + "'.",

@@ -48,7 +48,7 @@ void Engine::readCatalogue() {
         registerCollations(connection_.handle(), order);
         textOrder_ = order;
     }
-    catalog_.load();
+    store_.load();
     modules_.clear();
     ++version_;
 }
@@ -194,24 +194,22 @@ void Engine::restoreTemporaries() {
         sqlite3_bind_text(find.get(), 1, table.storage.c_str(), -1, SQLITE_TRANSIENT);
         return connection_.step(find.get());
     };
-    for (const std::shared_ptr<const tsql::TableDef>& table : catalog_.temporaries()) {
+    for (const std::shared_ptr<const tsql::TableDef>& table : temporaries_.all()) {
         if (table->name.front() == '@' || exists(*table))
             continue;
-        catalog_.popTemporary(table->name);
-        ++temporaryVersion_;
+        temporaries_.pop(table->name);
     }
     for (const std::shared_ptr<const tsql::TableDef>& table : droppedTemporaries_) {
         if (!exists(*table))
             continue;
-        catalog_.pushTemporary(table);
-        ++temporaryVersion_;
+        temporaries_.push(table);
     }
 }
 
 // Table variables keep their rows over a rollback.
 Engine::KeptTables Engine::keepTableVariables() {
     KeptTables kept;
-    for (const std::shared_ptr<const tsql::TableDef>& table : catalog_.temporaries()) {
+    for (const std::shared_ptr<const tsql::TableDef>& table : temporaries_.all()) {
         if (table->name.front() != '@')
             continue;
         tsql::Sql3 all;

@@ -39,7 +39,7 @@ const Engine::Triggers& Engine::triggersOf(std::int64_t table, char event, bool 
     if (known.version == version_)
         return known.triggers;
     Triggers triggers;
-    for (const StoredObject* object : catalog_.childrenOf(table, "TR")) {
+    for (const StoredObject* object : store_.childrenOf(table, "TR")) {
         if (!object->enabled)
             continue;
         const std::shared_ptr<Code> code = moduleCode(*object);
@@ -66,9 +66,9 @@ const Engine::Tables& Engine::watchedTables(const std::shared_ptr<const tsql::Ta
                                   : !triggersOf(one->id, 'U', false).empty() || !triggersOf(one->id, 'D', false).empty();
         if (fires)
             watched.tables.push_back(one);
-        if (event == 'I' || !catalog_.hasReferences())
+        if (event == 'I' || !store_.hasReferences())
             break;
-        for (const auto& [other, key] : catalog_.referencesTo(one->name)) {
+        for (const auto& [other, key] : store_.referencesTo(one->name)) {
             const bool follows = !key.onDelete.empty() || !key.onUpdate.empty();
             const auto isOther = [id = other->id](const auto& known) { return known->id == id; };
             if (follows && std::none_of(reached.begin(), reached.end(), isOther))
@@ -86,7 +86,7 @@ void Engine::startCapture(const std::shared_ptr<const tsql::TableDef>& table, ch
         captured.table = one;
         capture_.tables[lowerCase(one->name)] = std::move(captured);
     };
-    if (catalog_.hasTriggers() && !table->isTemporary())
+    if (store_.hasTriggers() && !table->isTemporary())
         for (const auto& one : watchedTables(table, event))
             take(one);
     if (always && !capture_.tables.contains(lowerCase(table->name)))

@@ -85,20 +85,17 @@ void StoreCatalog::load() {
 }
 
 bool StoreCatalog::hasInsteadTrigger(std::int64_t tableOrView, std::string_view event) {
-    if (tableOrView == inInstead)
-        return false;
     const auto found = insteadEvents_.find(tableOrView);
     return found != insteadEvents_.end() && (found->second & (event == "insert" ? 1 : event == "update" ? 2 : 4)) != 0;
 }
 
 // ---- names
 
-bool StoreCatalog::isOwnDatabase(const ObjectName& name) const {
+bool StoreCatalog::isOwnDatabase(const ObjectName& name) {
     if (name.parts.size() < 3)
         return true;
     const std::string& database = name.parts[name.parts.size() - 3];
-    return database.empty() || tsql::sameName(database, databaseName) || tsql::sameName(database, "Tillmark2k") ||
-           tsql::sameName(database, "tempdb");
+    return database.empty() || tsql::sameName(database, kDatabase) || tsql::sameName(database, "tempdb");
 }
 
 const StoredObject* StoreCatalog::find(std::string_view name) const {
@@ -128,17 +125,11 @@ std::vector<const StoredObject*> StoreCatalog::childrenOf(std::int64_t parent, s
 }
 
 std::shared_ptr<const TableDef> StoreCatalog::table(const ObjectName& name) {
-    const std::string& last = name.last();
-    if (!last.empty() && (last[0] == '#' || last[0] == '@')) {
-        sawTemporary = true;
-        const auto found = temporaries_.find(temporaryKey(last));
-        return found == temporaries_.end() || found->second.empty() ? nullptr : found->second.back();
-    }
-    if (const std::shared_ptr<const TableDef> system = systemTable(name))
-        return system;
-    if (!isOwnDatabase(name))
-        return nullptr;
-    const StoredObject* object = find(last);
+    return isOwnDatabase(name) ? tableNamed(name.last()) : nullptr;
+}
+
+std::shared_ptr<const TableDef> StoreCatalog::tableNamed(const std::string& name) {
+    const StoredObject* object = find(name);
     return object && object->kind == "U" ? tableOf(*object) : nullptr;
 }
 
@@ -163,57 +154,28 @@ std::shared_ptr<const TableDef> StoreCatalog::tableOf(const StoredObject& object
         const auto index = firstStatement<tsql::CreateIndexStatement>(child->source);
         table->indexes.push_back({child->name, index->unique, index->clustered, index->columns});
     }
-    typeComputed(*table);
+    typeComputed(*this, *table);
     known = table;
     return table;
 }
 
-void StoreCatalog::typeComputed(TableDef& table) {
+void typeComputed(tsql::Catalog& catalog, TableDef& table) {
     static const std::vector<tsql::Variable> kNone;
     for (tsql::ColumnDef& column : table.columns) {
         if (!column.computed)
             continue;
-        const tsql::Typed value = tsql::Binder(tsql::BindContext{*this, kNone}).computed(table, *column.computed);
+        const tsql::Typed value = tsql::Binder(tsql::BindContext{catalog, kNone}).computed(table, *column.computed);
         column.type = value.type;
         column.nullable = true;
     }
 }
 
-std::shared_ptr<const TableDef> StoreCatalog::systemTable(const ObjectName& name) {
-    std::string schema = name.parts.size() > 1 ? lowerCase(name.parts[name.parts.size() - 2]) : "";
-    const std::string last = lowerCase(name.last());
-    if (schema.empty() || schema == "dbo")
-        schema = last.rfind("sys", 0) == 0 ? "dbo" : "";
-    if (schema.empty())
-        return nullptr;
-    const std::string full = schema + "." + last;
-    const auto known = system_.find(full);
-    if (known != system_.end())
-        return known->second;
-    for (const SystemView& view : systemViews()) {
-        if (full != view.name)
-            continue;
-        auto table = std::make_shared<TableDef>();
-        table->name = name.last();
-        table->readOnly = true;
-        table->storage = tsql::quotedName(full);
-        for (const auto& [column, type] : view.columns) {
-            tsql::ColumnDef definition;
-            definition.name = column;
-            definition.type = type;
-            table->columns.push_back(std::move(definition));
-        }
-        rows_.define(full, *table);
-        const auto make = view.rows;
-        rows_.setMaker(full, [this, make] { return std::make_shared<const Rowset>(make(*this)); });
-        system_[full] = table;
-        return table;
-    }
-    return nullptr;
+std::shared_ptr<const tsql::ViewDef> StoreCatalog::view(const ObjectName& name) {
+    return isOwnDatabase(name) ? viewNamed(name.last()) : nullptr;
 }
 
-std::shared_ptr<const tsql::ViewDef> StoreCatalog::view(const ObjectName& name) {
-    const StoredObject* object = isOwnDatabase(name) ? find(name.last()) : nullptr;
+std::shared_ptr<const tsql::ViewDef> StoreCatalog::viewNamed(const std::string& name) {
+    const StoredObject* object = find(name);
     if (!object || object->kind != "V")
         return nullptr;
     std::shared_ptr<const tsql::ViewDef>& known = views_[object->id];
@@ -228,7 +190,11 @@ std::shared_ptr<const tsql::ViewDef> StoreCatalog::view(const ObjectName& name) 
 }
 
 std::shared_ptr<const tsql::FunctionDef> StoreCatalog::function(const ObjectName& name) {
-    const StoredObject* object = isOwnDatabase(name) ? find(name.last()) : nullptr;
+    return isOwnDatabase(name) ? functionNamed(name.last()) : nullptr;
+}
+
+std::shared_ptr<const tsql::FunctionDef> StoreCatalog::functionNamed(const std::string& name) {
+    const StoredObject* object = find(name);
     return object ? functionById(object->id) : nullptr;
 }
 
@@ -328,34 +294,6 @@ void StoreCatalog::setEnabled(std::int64_t id, bool enabled) {
 void StoreCatalog::remove(std::int64_t id) {
     connection_.run("DELETE FROM ts_object WHERE id = " + std::to_string(id) + " OR (parent = " + std::to_string(id) + " AND parent <> 0)");
     connection_.run("DELETE FROM ts_identity WHERE id = " + std::to_string(id));
-}
-
-// ---- temporary tables
-
-// A table variable is known in its own batch or module only.
-std::string StoreCatalog::temporaryKey(const std::string& name) const {
-    return name.front() == '@' ? lowerCase(name) + "/" + std::to_string(scope) : lowerCase(name);
-}
-
-void StoreCatalog::pushTemporary(std::shared_ptr<const TableDef> table) {
-    temporaries_[temporaryKey(table->name)].push_back(std::move(table));
-}
-
-void StoreCatalog::replaceTemporary(std::shared_ptr<const TableDef> table) {
-    temporaries_[temporaryKey(table->name)].back() = std::move(table);
-}
-
-void StoreCatalog::popTemporary(const std::string& name) {
-    const auto found = temporaries_.find(temporaryKey(name));
-    if (found != temporaries_.end() && !found->second.empty())
-        found->second.pop_back();
-}
-
-std::vector<std::shared_ptr<const TableDef>> StoreCatalog::temporaries() const {
-    std::vector<std::shared_ptr<const TableDef>> tables;
-    for (const auto& [name, stack] : temporaries_)
-        tables.insert(tables.end(), stack.begin(), stack.end());
-    return tables;
 }
 
 } // namespace merchantry::db::embedded

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "app/db/embedded/connection.h"
-#include "app/db/embedded/rowset.h"
 #include "app/db/tsql/catalog.h"
 
 #include <map>
@@ -22,11 +21,14 @@ struct StoredObject {
     std::int64_t createdMs = 0;
 };
 
-// The catalogue of a store as one session sees it: what is in the file, read once for each version of the schema, and the session's own
-// temporary tables. Changing members write the file and must run inside a write transaction.
+// What a store calls its database.
+inline constexpr const char* kDatabase = "Tillmark2k";
+
+// The catalogue that a store's file holds, read once for each version of the schema. Changing members write the file and must run inside a
+// write transaction.
 class StoreCatalog : public tsql::Catalog {
 public:
-    StoreCatalog(Connection& connection, RowsetRegistry& rows) : connection_(connection), rows_(rows) {}
+    explicit StoreCatalog(Connection& connection) : connection_(connection) {}
 
     // Makes the engine's own tables in a new file.
     static void create(Connection& connection);
@@ -37,8 +39,14 @@ public:
     std::shared_ptr<const tsql::ViewDef> view(const tsql::ObjectName& name) override;
     std::shared_ptr<const tsql::FunctionDef> function(const tsql::ObjectName& name) override;
     bool userType(std::string_view name, SqlType& type, bool& nullable) override;
-    bool identityInsert(const tsql::TableDef& table) override { return identityInsertTable == table.id; }
+    bool identityInsert(const tsql::TableDef&) override { return false; }
     bool hasInsteadTrigger(std::int64_t tableOrView, std::string_view event) override;
+
+    // Whether a name, where it names a database, names this one.
+    static bool isOwnDatabase(const tsql::ObjectName& name);
+    std::shared_ptr<const tsql::TableDef> tableNamed(const std::string& name);
+    std::shared_ptr<const tsql::ViewDef> viewNamed(const std::string& name);
+    std::shared_ptr<const tsql::FunctionDef> functionNamed(const std::string& name);
 
     const StoredObject* find(std::string_view name) const;
     const StoredObject* findById(std::int64_t id) const;
@@ -59,32 +67,10 @@ public:
     void setEnabled(std::int64_t id, bool enabled);
     void remove(std::int64_t id);
 
-    // Temporary tables and table variables; a name may be taken again further in.
-    void pushTemporary(std::shared_ptr<const tsql::TableDef> table);
-    void replaceTemporary(std::shared_ptr<const tsql::TableDef> table);
-    void popTemporary(const std::string& name);
-    std::vector<std::shared_ptr<const tsql::TableDef>> temporaries() const;
-
-    // The table or view whose instead-of trigger runs: what it writes there is written.
-    std::int64_t inInstead = 0;
-    std::int64_t scope = 0; // of the running batch or module
-    std::int64_t identityInsertTable = 0;
-    std::string databaseName = "Tillmark2k";
-    // Set when a name of a temporary table was asked for.
-    bool sawTemporary = false;
-    std::int64_t nowMs = 0;
-
-    // Makes the tables of a definition's computed columns' types known. Requires: a table whose other columns have types.
-    void typeComputed(tsql::TableDef& table);
-
 private:
     std::shared_ptr<const tsql::TableDef> tableOf(const StoredObject& object);
-    std::shared_ptr<const tsql::TableDef> systemTable(const tsql::ObjectName& name);
-    bool isOwnDatabase(const tsql::ObjectName& name) const;
-    std::string temporaryKey(const std::string& name) const;
 
     Connection& connection_;
-    RowsetRegistry& rows_;
     std::map<std::string, StoredObject> byName_; // lower case; triggers and indexes too
     std::map<std::int64_t, StoredObject> byId_;
     std::map<std::int64_t, std::shared_ptr<const tsql::TableDef>> tables_;
@@ -93,16 +79,9 @@ private:
     bool hasTriggers_ = false;
     int hasReferences_ = -1;                    // not yet known
     std::map<std::int64_t, int> insteadEvents_; // bits: insert 1, update 2, delete 4
-    std::map<std::string, std::vector<std::shared_ptr<const tsql::TableDef>>> temporaries_;
-    std::map<std::string, std::shared_ptr<const tsql::TableDef>> system_;
 };
 
-// The catalogue views (sys.objects, INFORMATION_SCHEMA.TABLES, ...): shapes and rows.
-struct SystemView {
-    const char* name; // "sys.objects", lower case
-    std::vector<std::pair<const char*, SqlType>> columns;
-    Rowset (*rows)(StoreCatalog& catalog);
-};
-const std::vector<SystemView>& systemViews();
+// Gives the computed columns of a definition their types. Requires: a table whose other columns have types.
+void typeComputed(tsql::Catalog& catalog, tsql::TableDef& table);
 
 } // namespace merchantry::db::embedded

@@ -1,4 +1,4 @@
-#include "app/db/embedded/store_catalog.h"
+#include "app/db/embedded/session_catalog.h"
 
 #include "app/db/tsql/types.h"
 
@@ -99,7 +99,7 @@ void eachObject(StoreCatalog& catalog, const std::function<void(const Shown&)>& 
     }
 }
 
-Rowset objects(StoreCatalog& catalog) {
+Rowset objects(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachObject(catalog, [&](const Shown& one) {
         rows.push_back({text(one.name), number(one.id), number(1), number(one.parent), kind(one.kind), text(describe(one.kind)),
@@ -116,7 +116,7 @@ int oldStatus(std::string_view kind) {
     return found == std::end(kStates) ? 0 : found->second;
 }
 
-Rowset oldObjects(StoreCatalog& catalog) {
+Rowset oldObjects(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachObject(catalog, [&](const Shown& one) {
         rows.push_back({text(one.name), number(one.id), kind(one.kind), number(1), number(one.parent), number(one.createdMs),
@@ -125,7 +125,7 @@ Rowset oldObjects(StoreCatalog& catalog) {
     return rows;
 }
 
-template <const char* kWanted> Rowset objectsOfKind(StoreCatalog& catalog) {
+template <const char* kWanted> Rowset objectsOfKind(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachObject(catalog, [&](const Shown& one) {
         if (one.kind == kWanted)
@@ -135,7 +135,7 @@ template <const char* kWanted> Rowset objectsOfKind(StoreCatalog& catalog) {
     return rows;
 }
 
-Rowset keyConstraints(StoreCatalog& catalog) {
+Rowset keyConstraints(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachObject(catalog, [&](const Shown& one) {
         if (one.kind == "PK" || one.kind == "UQ")
@@ -145,7 +145,7 @@ Rowset keyConstraints(StoreCatalog& catalog) {
     return rows;
 }
 
-Rowset triggers(StoreCatalog& catalog) {
+Rowset triggers(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     for (const StoredObject* object : catalog.all()) {
         if (object->kind == "TR")
@@ -176,7 +176,7 @@ void eachTable(StoreCatalog& catalog, const std::function<void(const tsql::Table
     }
 }
 
-Rowset columns(StoreCatalog& catalog) {
+Rowset columns(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachTable(catalog, [&](const tsql::TableDef& table) {
         std::int64_t place = 0;
@@ -189,7 +189,7 @@ Rowset columns(StoreCatalog& catalog) {
     return rows;
 }
 
-Rowset oldColumns(StoreCatalog& catalog) {
+Rowset oldColumns(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachTable(catalog, [&](const tsql::TableDef& table) {
         std::int64_t place = 0;
@@ -202,7 +202,7 @@ Rowset oldColumns(StoreCatalog& catalog) {
     return rows;
 }
 
-Rowset indexes(StoreCatalog& catalog) {
+Rowset indexes(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachTable(catalog, [&](const tsql::TableDef& table) {
         std::int64_t place = 1;
@@ -218,7 +218,7 @@ Rowset indexes(StoreCatalog& catalog) {
     return rows;
 }
 
-Rowset oldIndexes(StoreCatalog& catalog) {
+Rowset oldIndexes(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachTable(catalog, [&](const tsql::TableDef& table) {
         std::int64_t place = 0;
@@ -230,7 +230,7 @@ Rowset oldIndexes(StoreCatalog& catalog) {
     return rows;
 }
 
-Rowset foreignKeys(StoreCatalog& catalog) {
+Rowset foreignKeys(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachTable(catalog, [&](const tsql::TableDef& table) {
         std::int64_t id = table.id * 1000 + 200;
@@ -242,25 +242,24 @@ Rowset foreignKeys(StoreCatalog& catalog) {
     return rows;
 }
 
-Rowset databases(StoreCatalog& catalog) {
-    return {{text("master"), number(1)}, {text(catalog.databaseName), number(5)}};
+Rowset databases(StoreCatalog&, const std::string& database) {
+    return {{text("master"), number(1)}, {text(database), number(5)}};
 }
 
-Rowset schemas(StoreCatalog&) {
+Rowset schemas(StoreCatalog&, const std::string&) {
     return {{text("dbo"), number(1)}};
 }
 
-Rowset infoTables(StoreCatalog& catalog) {
+Rowset infoTables(StoreCatalog& catalog, const std::string& database) {
     Rowset rows;
     for (const StoredObject* object : catalog.all()) {
         if (object->kind == "U" || object->kind == "V")
-            rows.push_back(
-                {text(catalog.databaseName), text("dbo"), text(object->name), text(object->kind == "U" ? "BASE TABLE" : "VIEW")});
+            rows.push_back({text(database), text("dbo"), text(object->name), text(object->kind == "U" ? "BASE TABLE" : "VIEW")});
     }
     return rows;
 }
 
-Rowset infoColumns(StoreCatalog& catalog) {
+Rowset infoColumns(StoreCatalog& catalog, const std::string& database) {
     Rowset rows;
     eachTable(catalog, [&](const tsql::TableDef& table) {
         std::int64_t place = 0;
@@ -268,7 +267,7 @@ Rowset infoColumns(StoreCatalog& catalog) {
             const SqlType& type = column.type;
             const bool sized = type.isText() || type.isBinary();
             const bool numeric = type.isWhole() || type.isMoney() || type.kind == TypeKind::Decimal || type.isFloat();
-            rows.push_back({text(catalog.databaseName), text("dbo"), text(table.name), text(column.name), number(++place),
+            rows.push_back({text(database), text("dbo"), text(table.name), text(column.name), number(++place),
                             column.defaultValue ? text("(" + column.defaultValue->source + ")") : Cell(),
                             text(column.nullable ? "YES" : "NO"), text(userTypeName(type)), sized ? number(type.length) : Cell(),
                             numeric && type.kind != TypeKind::Bit ? number(precisionOf(type)) : Cell(),
@@ -278,7 +277,7 @@ Rowset infoColumns(StoreCatalog& catalog) {
     return rows;
 }
 
-Rowset infoRoutines(StoreCatalog& catalog) {
+Rowset infoRoutines(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     for (const StoredObject* object : catalog.all()) {
         if (object->kind == "P" || object->kind == "FN" || object->kind == "IF")
