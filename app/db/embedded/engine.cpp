@@ -17,8 +17,8 @@ constexpr std::size_t kMostBatches = 300;
 } // namespace
 
 Engine::Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<SharedState> shared)
-    : shared_(std::move(shared)), connection_(file, durable), store_(connection_), catalog_(store_, temporaries_, rows_),
-      textOrder_(textOrderOf(connection_.handle())) {
+    : connection_(file, durable), store_(connection_), catalog_(store_, temporaries_, rows_),
+      identities_(connection_, catalog_, std::move(shared)), textOrder_(textOrderOf(connection_.handle())) {
     connection_.host = this;
     registerFunctions(connection_.handle(), *this);
     rows_.attach(connection_.handle());
@@ -333,7 +333,7 @@ void Engine::rollback() {
 }
 
 Value Engine::lastIdentity() const {
-    return identity_.isNull() ? Value() : Value(identity_.integer);
+    return identities_.last().isNull() ? Value() : Value(identities_.last().integer);
 }
 
 void Engine::cancel() {
@@ -353,7 +353,7 @@ void Engine::reset() {
     cursors_.clear();
     settings_ = {};
     catalog_.reset();
-    identity_ = {};
+    identities_.forgetLast();
     rowCount_ = 0;
     error_ = 0;
     fetchStatus_ = 0;

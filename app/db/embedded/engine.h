@@ -2,9 +2,9 @@
 
 #include "app/db/embedded/code.h"
 #include "app/db/embedded/connection.h"
+#include "app/db/embedded/identities.h"
 #include "app/db/embedded/rowset.h"
 #include "app/db/embedded/session_catalog.h"
-#include "app/db/embedded/shared_state.h"
 #include "app/db/embedded/text_order.h"
 #include "app/db/session.h"
 #include "base/guard.h"
@@ -85,11 +85,6 @@ private:
     struct SavedPoint {
         std::string name;
         std::string sqlName;
-    };
-    struct Counter {
-        std::int64_t last;
-        std::int64_t increment;
-        bool changed;
     };
     struct Captured {
         std::shared_ptr<const tsql::TableDef> table;
@@ -196,9 +191,6 @@ private:
     DbError refined(const DbError& error, const tsql::TableDef& table, tsql::ChangePlan::Kind kind);
     DbError conflict(StatementPlan& plan, const DbError& error);
     std::optional<DbError> brokenReference(const tsql::ChangePlan& change);
-    using NumbersGiven = std::map<std::int64_t, std::int64_t>; // by table
-    NumbersGiven numbersGiven();
-    void putNumbersBack(const NumbersGiven& numbers);
 
     // triggers
     using Tables = std::vector<std::shared_ptr<const tsql::TableDef>>;
@@ -300,16 +292,13 @@ private:
     void verifyRows(const tsql::TableDef& table, const std::vector<tsql::CheckDef>& checks, const std::vector<tsql::ForeignKeyDef>& keys);
     SqlType typeOf(const tsql::TypeName& name, bool& nullable);
     std::int64_t scalar(const std::string& sql);
-    Counter& counterOf(std::int64_t table);
-    void keepCounters();
-    void writeCounters();
 
-    std::shared_ptr<SharedState> shared_;
     RowsetRegistry rows_; // before the connection, which it outlives
     Connection connection_;
     StoreCatalog store_;
     TemporaryTables temporaries_;
     SessionCatalog catalog_;
+    Identities identities_;
     const Clock* clock_ = nullptr;
     Clock systemClock_;
 
@@ -341,8 +330,6 @@ private:
     Statement3 beginWrite_;
     Statement3 commit_;
     Statement3 rollback_;
-    Statement3 readIdentity_;
-    Statement3 writeIdentity_;
 
     // the running batch
     Frame* frame_ = nullptr;
@@ -354,7 +341,6 @@ private:
     std::int64_t rowCount_ = 0;
     int error_ = 0;
     int fetchStatus_ = 0;
-    Cell identity_;
     bool inInsertExec_ = false;
     int level_ = 0;
     std::map<std::string, Cursor> cursors_; // of the session
@@ -373,9 +359,6 @@ private:
     std::vector<SavedPoint> savedPoints_;
     int savedPointNumber_ = 0;
     std::vector<std::shared_ptr<const tsql::TableDef>> droppedTemporaries_; // in this transaction
-    std::map<std::int64_t, Counter> counters_;                              // identities of the running statement
-    std::map<std::int64_t, std::int64_t> unwritten_;                        // last identities given in the transaction
-    std::map<std::int64_t, std::int64_t> temporaryCounters_;
     bool checking_ = false;
 
     // rows captured for triggers and OUTPUT

@@ -106,15 +106,17 @@ void Engine::change(StatementPlan& plan, WriteScope& scope) {
 
 // What an INSERT leaves for SCOPE_IDENTITY: its own number, nothing when the table gives none, and what was before when no row came.
 void Engine::noteScopeIdentity(const tsql::TableDef& table, std::int64_t rows) {
-    if (table.identityColumn() < 0)
-        frame_->scopeIdentity = identity_ = {};
-    else if (rows > 0)
-        frame_->scopeIdentity = identity_;
+    if (table.identityColumn() < 0) {
+        identities_.forgetLast();
+        frame_->scopeIdentity = {};
+    } else if (rows > 0) {
+        frame_->scopeIdentity = identities_.last();
+    }
 }
 
 std::int64_t Engine::runChangeSql(StatementPlan& plan) {
     const tsql::ChangePlan& change = *plan.change;
-    counters_.clear();
+    identities_.beginStatement();
     try {
         Statement3 spare;
         sqlite3_stmt* statement = prepared(plan, 0, change.sql, spare);
@@ -126,7 +128,7 @@ std::int64_t Engine::runChangeSql(StatementPlan& plan) {
         throw conflict(plan, error);
     }
     const std::int64_t rows = sqlite3_changes64(connection_.handle());
-    keepCounters();
+    identities_.endStatement();
     return rows;
 }
 
@@ -195,7 +197,7 @@ void Engine::runOutput(StatementPlan& plan) {
 // Runs the plan of one row for each of the rows.
 void Engine::insertRows(const tsql::ChangePlan& plan, const Rowset& rows) {
     const Statement3 insert(connection_.handle(), plan.sql.text);
-    counters_.clear();
+    identities_.beginStatement();
     for (const std::vector<Cell>& row : rows) {
         const ResetGuard guard(insert.get());
         for (std::size_t i = 0; i < row.size(); ++i)
@@ -206,7 +208,7 @@ void Engine::insertRows(const tsql::ChangePlan& plan, const Rowset& rows) {
             throw refined(error, *plan.table, tsql::ChangePlan::Kind::Insert);
         }
     }
-    keepCounters();
+    identities_.endStatement();
 }
 
 void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
@@ -242,13 +244,7 @@ void Engine::runTruncate(const tsql::TruncateStatement& statement) {
                                   statement.line);
     }
     connection_.run("DELETE FROM " + table->storage);
-    {
-        const std::lock_guard lock(shared_->mutex);
-        shared_->lastIdentity.erase(table->id);
-    }
-    temporaryCounters_.erase(table->id);
-    unwritten_.erase(table->id);
-    connection_.run("DELETE FROM ts_identity WHERE id = " + std::to_string(table->id));
+    identities_.startOver(table->id);
     scope.finish();
     rowCount_ = 0;
 }

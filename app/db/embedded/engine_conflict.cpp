@@ -79,11 +79,8 @@ DbError Engine::conflict(StatementPlan& plan, const DbError& error) {
         return known;
     // What the second run counts and sets is not seen.
     const Restore variables(frame_->variables);
-    const Restore counters(counters_);
-    const Restore identity(identity_);
     const Restore capture(capture_, CaptureState());
-    const Restore temporary(temporaryCounters_);
-    const AtEnd given([this, numbers = numbersGiven()] { putNumbersBack(numbers); });
+    const AtEnd given([this, numbers = identities_.numbers()] { identities_.putBack(numbers); });
     const auto run = [this](const char* sql) { sqlite3_exec(connection_.handle(), sql, nullptr, nullptr, nullptr); };
     run("SAVEPOINT ts_probe; PRAGMA defer_foreign_keys=ON");
     const AtEnd undone([&] { run("ROLLBACK TO ts_probe; RELEASE ts_probe; PRAGMA defer_foreign_keys=OFF"); });
@@ -123,16 +120,6 @@ std::optional<DbError> Engine::brokenReference(const tsql::ChangePlan& change) {
                               only(broken->columns));
     }
     return std::nullopt;
-}
-
-Engine::NumbersGiven Engine::numbersGiven() {
-    const std::lock_guard lock(shared_->mutex);
-    return shared_->lastIdentity;
-}
-
-void Engine::putNumbersBack(const NumbersGiven& numbers) {
-    const std::lock_guard lock(shared_->mutex);
-    shared_->lastIdentity = numbers;
 }
 
 } // namespace merchantry::db::embedded

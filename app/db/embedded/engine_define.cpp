@@ -162,12 +162,7 @@ void Engine::createTableOf(TableDef table, bool temporary) {
     table.storage = "main." + tsql::quotedName(table.name);
     checkForeignKeys(table, 0);
     typeComputed(catalog_, table);
-    {
-        const std::lock_guard lock(shared_->mutex);
-        shared_->lastIdentity.erase(table.id);
-    }
-    unwritten_.erase(table.id);
-    connection_.run("DELETE FROM ts_identity WHERE id = " + std::to_string(table.id));
+    identities_.startOver(table.id);
     store_.add({table.id, table.name, "U", 0, tsql::tableSource(table), true, nowMs()});
     buildTable(table);
     schemaTouched_ = true;

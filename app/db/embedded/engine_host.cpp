@@ -28,108 +28,16 @@ void Engine::setVariable(int slot, Cell cell) {
     assign(slot, std::move(cell));
 }
 
-// ---- identities
-
-// The number that the next row builds on. Numbers of failed statements are used up: what this process gave counts beside what the file
-// holds.
-Engine::Counter& Engine::counterOf(std::int64_t table) {
-    const auto found = counters_.find(table);
-    if (found != counters_.end())
-        return found->second;
-    const std::shared_ptr<const tsql::TableDef> definition = catalog_.tableById(table);
-    const tsql::ColumnDef& column = definition->columns[static_cast<std::size_t>(definition->identityColumn())];
-    Counter counter{column.seed - column.increment, column.increment, false};
-    const auto later = [&](std::int64_t number) {
-        return column.increment > 0 ? std::max(counter.last, number) : std::min(counter.last, number);
-    };
-    if (table < 0) {
-        const auto own = temporaryCounters_.find(table);
-        if (own != temporaryCounters_.end())
-            counter.last = own->second;
-        return counters_[table] = counter;
-    }
-    if (!readIdentity_)
-        readIdentity_ = Statement3(connection_.handle(), "SELECT last FROM ts_identity WHERE id = ?1");
-    {
-        const ResetGuard guard(readIdentity_.get());
-        sqlite3_bind_int64(readIdentity_.get(), 1, table);
-        if (connection_.step(readIdentity_.get()))
-            counter.last = later(sqlite3_column_int64(readIdentity_.get(), 0));
-    }
-    const std::lock_guard lock(shared_->mutex);
-    const auto shared = shared_->lastIdentity.find(table);
-    if (shared != shared_->lastIdentity.end())
-        counter.last = later(shared->second);
-    return counters_[table] = counter;
-}
-
 std::int64_t Engine::nextIdentity(std::int64_t table) {
-    Counter& counter = counterOf(table);
-    if (__builtin_add_overflow(counter.last, counter.increment, &counter.last))
-        throw tsql::valueError(8115, "Arithmetic overflow error converting IDENTITY to data type bigint.");
-    counter.changed = true;
-    identity_ = Cell::ofInteger(counter.last);
-    if (table < 0) {
-        temporaryCounters_[table] = counter.last;
-        return counter.last;
-    }
-    const std::lock_guard lock(shared_->mutex);
-    shared_->lastIdentity[table] = counter.last;
-    return counter.last;
+    return identities_.next(table);
 }
 
 void Engine::noteIdentity(std::int64_t table, std::int64_t given) {
-    Counter& counter = counterOf(table);
-    identity_ = Cell::ofInteger(given);
-    if (counter.increment > 0 ? given <= counter.last : given >= counter.last)
-        return;
-    counter.last = given;
-    counter.changed = true;
-    if (table < 0) {
-        temporaryCounters_[table] = given;
-        return;
-    }
-    const std::lock_guard lock(shared_->mutex);
-    shared_->lastIdentity[table] = given;
+    identities_.note(table, given);
 }
 
-// The file gets the numbers with the transaction's end: until then no other writer can ask for them.
-void Engine::keepCounters() {
-    for (const auto& [table, counter] : counters_)
-        if (table >= 0 && counter.changed)
-            unwritten_[table] = counter.last;
-    counters_.clear();
-}
-
-void Engine::writeCounters() {
-    for (const auto& [table, last] : unwritten_) {
-        if (!writeIdentity_)
-            writeIdentity_ =
-                Statement3(connection_.handle(),
-                           "INSERT INTO ts_identity(id, last) VALUES (?1, ?2) ON CONFLICT(id) DO UPDATE SET last = excluded.last");
-        const ResetGuard guard(writeIdentity_.get());
-        sqlite3_bind_int64(writeIdentity_.get(), 1, table);
-        sqlite3_bind_int64(writeIdentity_.get(), 2, last);
-        connection_.step(writeIdentity_.get());
-    }
-    unwritten_.clear();
-}
-
-// which: 0 the last number, 1 the seed, 2 the increment.
 Cell Engine::identityInfo(std::string_view table, int which) {
-    const std::shared_ptr<const tsql::TableDef> definition = catalog_.table(nameOf(table));
-    if (!definition || definition->identityColumn() < 0)
-        return {};
-    const tsql::ColumnDef& column = definition->columns[static_cast<std::size_t>(definition->identityColumn())];
-    if (which == 1)
-        return Cell::ofInteger(column.seed);
-    if (which == 2)
-        return Cell::ofInteger(column.increment);
-    const std::map<std::int64_t, Counter> running = counters_;
-    counters_.clear();
-    const Counter counter = counterOf(definition->id);
-    counters_ = running;
-    return Cell::ofInteger(counter.last == column.seed - column.increment ? column.seed : counter.last);
+    return identities_.info(catalog_.table(nameOf(table)).get(), which);
 }
 
 // ---- the catalogue by functions

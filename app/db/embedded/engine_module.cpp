@@ -201,7 +201,7 @@ void Engine::dropTable(const tsql::ObjectName& name, bool ifExists) {
                                   name.line);
     }
     connection_.run("DROP TABLE " + table->storage);
-    unwritten_.erase(table->id);
+    identities_.forget(table->id);
     store_.remove(table->id);
     // Several tables of one statement may refer to each other.
     store_.load();

@@ -66,8 +66,8 @@ void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
         const Cell most = connection_.single("SELECT max(" + tsql::quotedName(made->columns[static_cast<std::size_t>(identity)].name) +
                                              ") FROM " + made->storage);
         if (!most.isNull())
-            noteIdentity(made->id, most.integer);
-        writeCounters();
+            identities_.note(made->id, most.integer);
+        identities_.write();
     }
     scope.finish();
 }

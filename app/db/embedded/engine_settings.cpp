@@ -78,7 +78,7 @@ Cell Engine::systemValue(tsql::SystemValue value) {
     case SystemValue::Error:
         return Cell::ofInteger(error_);
     case SystemValue::Identity:
-        return identity_.isNull() ? Cell() : tsql::decimalCell(identity_.integer, 38);
+        return identities_.last().isNull() ? Cell() : tsql::decimalCell(identities_.last().integer, 38);
     case SystemValue::ScopeIdentity:
         return frame_->scopeIdentity.isNull() ? Cell() : tsql::decimalCell(frame_->scopeIdentity.integer, 38);
     case SystemValue::TranCount:

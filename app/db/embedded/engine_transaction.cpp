@@ -135,7 +135,7 @@ void Engine::commitTransaction() {
         return;
     }
     if (inWrite_) {
-        writeCounters();
+        identities_.write();
         runKept(commit_);
         inWrite_ = false;
     }
@@ -158,7 +158,7 @@ void Engine::rollbackAll() {
     inRead_ = false;
     tranCount_ = 0;
     doomed_ = false;
-    unwritten_.clear();
+    identities_.rolledBack();
     savedPoints_.clear();
     ++transaction_;
     if (undone) {
@@ -296,7 +296,7 @@ void WriteScope::finish() {
     if (isOver())
         return;
     if (mode_ == Mode::Own) {
-        engine_.writeCounters();
+        engine_.identities_.write();
         engine_.runKept(engine_.commit_);
         engine_.inWrite_ = false;
         engine_.schemaTouched_ = false;
