@@ -1,4 +1,5 @@
 #include "app/db/embedded/engine.h"
+#include "app/db/embedded/scopes.h"
 
 #include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
@@ -82,19 +83,13 @@ void Engine::runTop(ResultSink& sink, const std::function<void()>& body) {
     const std::vector<DbError> errors = errorsOf(sink, body);
     if (errors.empty())
         return;
-    error_ = errors[0].native();
+    session_.error = errors[0].native();
     throw DbError(errors[0]);
 }
 
 std::vector<DbError> Engine::errorsOf(ResultSink& sink, const std::function<void()>& body) {
-    const bool nested = frame_ != nullptr;
-    const Restore errors(errors_, std::vector<DbError>());
-    const Restore caught(caught_, std::vector<DbError>());
-    const Restore tries(tries_, 0);
-    const Restore level(level_, 0);
-    const Restore sinkAround(sink_, &sink);
-    const Restore frame(frame_, nullptr);
-    cancelled_ = false;
+    const bool nested = batch_.frame != nullptr;
+    const BatchScope running(batch_, sink);
     failure.reset();
     {
         const AtEnd batch([&] { endBatch(nested); });
@@ -103,12 +98,12 @@ std::vector<DbError> Engine::errorsOf(ResultSink& sink, const std::function<void
             body();
         } catch (const BatchEnd&) {
         } catch (const ScopeEnd& end) {
-            note(end.error);
+            batch_.note(end.error);
         } catch (const DbError& error) {
-            note(error);
+            batch_.note(error);
         }
     }
-    return std::move(errors_);
+    return std::move(batch_.errors);
 }
 
 void Engine::runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& parameters) {
@@ -127,13 +122,6 @@ void Engine::runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& 
     }
 }
 
-void Engine::note(const DbError& error) {
-    if (!errors_.empty() && sink_)
-        sink_->error(error);
-    errors_.push_back(error);
-    error_ = error.native();
-}
-
 void Engine::startBatch() {
     refreshSchema();
 }
@@ -144,8 +132,9 @@ void Engine::endBatch(bool nested) {
     endRead();
     if (doomed_) {
         rollbackAll();
-        note(serverError(3998, "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back.")
-                 .withSeverity(16, 1));
+        batch_.note(DbError(DbError::Category::Transaction, 3998,
+                            "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back.")
+                        .withSeverity(16, 1));
     }
     if (tranCount_ == 0 && inWrite_)
         rollbackAll();
@@ -155,9 +144,9 @@ void Engine::endBatch(bool nested) {
 
 std::shared_ptr<Code> Engine::batchCode(std::string_view text, const std::vector<Parameter>& parameters) {
     std::string key(text);
-    if (!settings_.quotedIdentifiers)
+    if (!session_.settings.quotedIdentifiers)
         key += "\x01q";
-    if (!settings_.ansiNulls)
+    if (!session_.settings.ansiNulls)
         key += "\x01n";
     for (const Parameter& parameter : parameters)
         key += "\x01" + parameter.name + " " +
@@ -166,7 +155,7 @@ std::shared_ptr<Code> Engine::batchCode(std::string_view text, const std::vector
     if (found != batches_.end())
         return found->second;
     auto code = std::make_shared<Code>();
-    code->batch = tsql::parseBatch(text, settings_.quotedIdentifiers);
+    code->batch = tsql::parseBatch(text, session_.settings.quotedIdentifiers);
     code->body = &code->batch.statements;
     for (const Parameter& parameter : parameters) {
         const std::string name = !parameter.name.empty() && parameter.name.front() == '@' ? parameter.name : "@" + parameter.name;
@@ -287,7 +276,7 @@ TableShape Engine::tableShape(std::string_view name) {
         object.parts.push_back(std::move(part));
     }
     const std::shared_ptr<const tsql::TableDef> table = catalog_.table(object);
-    if (!frame_)
+    if (!batch_.frame)
         endRead();
     if (!table)
         throw tsql::nameError(208, "Invalid object name '" + std::string(name) + "'.", 0);
@@ -337,7 +326,7 @@ Value Engine::lastIdentity() const {
 }
 
 void Engine::cancel() {
-    cancelled_ = true;
+    batch_.cancelled = true;
     sqlite3_interrupt(connection_.handle());
 }
 
@@ -350,14 +339,9 @@ void Engine::reset() {
         connection_.run("DROP TABLE IF EXISTS " + table->storage);
         temporaries_.pop(table->name);
     }
-    cursors_.clear();
-    settings_ = {};
     catalog_.reset();
     identities_.forgetLast();
-    rowCount_ = 0;
-    error_ = 0;
-    fetchStatus_ = 0;
-    clock_ = nullptr;
+    session_.reset();
 }
 
 } // namespace merchantry::db::embedded

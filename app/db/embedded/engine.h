@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/db/embedded/code.h"
+#include "app/db/embedded/batch_state.h"
 #include "app/db/embedded/connection.h"
 #include "app/db/embedded/identities.h"
 #include "app/db/embedded/rowset.h"
@@ -18,15 +18,6 @@
 #include <unordered_map>
 
 namespace merchantry::db::embedded {
-
-// Ends the batch; the errors are already noted.
-struct BatchEnd {};
-
-// An error that ends the module or batch in which it came up, and not its caller: a name that does not exist when it is reached.
-struct ScopeEnd {
-    DbError error;
-    const Frame* frame;
-};
 
 class WriteScope;
 class TriggerCount;
@@ -48,7 +39,7 @@ public:
     Value lastIdentity() const;
     void cancel();
     void setReadOnly(bool readOnly) { connection_.setReadOnly(readOnly); }
-    void setClock(const Clock* clock) { clock_ = clock; }
+    void setClock(const Clock* clock) { session_.clock = clock; }
     // Makes it as new for the next session: rolls back, drops temporary tables, puts the settings back.
     void reset();
 
@@ -73,15 +64,6 @@ public:
 
 private:
     enum class Flow { Next, Break, Continue, Return, Goto };
-    struct Settings {
-        bool ansiNulls = true;
-        bool quotedIdentifiers = true;
-        bool xactAbort = false;
-        bool implicitTransactions = false;
-        bool noExec = false;
-        std::int64_t rowCount = 0;
-        int dateFirst = 7;
-    };
     struct SavedPoint {
         std::string name;
         std::string sqlName;
@@ -96,7 +78,6 @@ private:
     void runTop(ResultSink& sink, const std::function<void()>& body);
     std::vector<DbError> errorsOf(ResultSink& sink, const std::function<void()>& body);
     void runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& parameters);
-    bool inTrigger() const;
     BatchEnd failedByCancel();
     bool isDeferred(const DbError& error) const;
     std::shared_ptr<Code> batchCode(std::string_view text, const std::vector<Parameter>& parameters);
@@ -114,7 +95,6 @@ private:
     void refreshSchema();
     void readCatalogue();
     void schemaChanged();
-    void note(const DbError& error);
 
     // flow
     Flow runBlock(const tsql::Block& block);
@@ -136,13 +116,11 @@ private:
     std::optional<DbError> runTried(const tsql::Block& block, Flow& flow);
     Flow runHandler(const tsql::TryStatement& statement, const DbError& error);
     std::string raisedMessage(StatementPlan& plan, const std::string& format);
-    void assign(int slot, Cell cell);
     void runWait(const tsql::WaitForStatement& statement);
     void runCursor(const tsql::CursorStatement& statement);
     void fetch(const tsql::CursorStatement& statement);
     Cursor* findCursor(const std::string& name);
     Cursor& cursorOf(const tsql::CursorStatement& statement);
-    std::map<std::string, Cursor>& cursorHome(const tsql::CursorStatement& statement);
     void openCursor(Cursor& cursor, const tsql::CursorStatement& statement);
 
     // plans
@@ -247,7 +225,6 @@ private:
     void commitTransaction();
     // Throws nothing.
     void rollbackAll();
-    void noting(const std::function<void()>& what);
     void rollbackTo(const std::string& name);
     void savePoint(const std::string& name);
     void runKept(const Statement3& statement);
@@ -265,7 +242,6 @@ private:
     void createTable(const tsql::ObjectName& name, const tsql::TableBody& body);
     void createTableOf(tsql::TableDef table, bool temporary);
     bool ownsTemporary(const std::string& name) const;
-    std::int64_t nowMs() const;
     void buildTable(const tsql::TableDef& table);
     void buildIndexes(const tsql::TableDef& table);
     void buildKey(const tsql::TableDef& table, const std::string& name, const std::vector<tsql::IndexColumn>& columns, bool unique);
@@ -299,8 +275,8 @@ private:
     TemporaryTables temporaries_;
     SessionCatalog catalog_;
     Identities identities_;
-    const Clock* clock_ = nullptr;
-    Clock systemClock_;
+    SessionState session_;
+    BatchState batch_{session_};
 
     // By table, event and whether they stand in place of it; found anew for each version of the schema.
     struct Triggering {
@@ -330,23 +306,6 @@ private:
     Statement3 beginWrite_;
     Statement3 commit_;
     Statement3 rollback_;
-
-    // the running batch
-    Frame* frame_ = nullptr;
-    ResultSink* sink_ = nullptr;
-    std::vector<DbError> errors_;
-    int tries_ = 0;
-    std::vector<DbError> caught_; // of the CATCH blocks around
-    Settings settings_;
-    std::int64_t rowCount_ = 0;
-    int error_ = 0;
-    int fetchStatus_ = 0;
-    bool inInsertExec_ = false;
-    int level_ = 0;
-    std::map<std::string, Cursor> cursors_; // of the session
-    std::int64_t cursorNumber_ = 0;         // of those that variables hold
-    std::int64_t scopeNumber_ = 0;
-    std::atomic<bool> cancelled_ = false;
 
     // the transaction
     int tranCount_ = 0;

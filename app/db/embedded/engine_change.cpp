@@ -1,5 +1,6 @@
 #include "app/db/embedded/engine.h"
 #include "app/db/embedded/row_view.h"
+#include "app/db/embedded/scopes.h"
 #include "app/db/embedded/write_scope.h"
 
 #include "app/db/nativeerrors.h"
@@ -51,7 +52,7 @@ void Engine::refreshForWrite() {
 }
 
 void Engine::runChange(const PlanPtr& plan) {
-    if (settings_.rowCount > 0)
+    if (session_.settings.rowCount > 0)
         throw tsql::unsupported("SET ROWCOUNT for INSERT, UPDATE and DELETE");
     tsql::ChangePlan& change_plan = *plan->change;
     WriteScope scope(*this, change_plan.table->isTemporary(), undoesItself(change_plan));
@@ -60,14 +61,16 @@ void Engine::runChange(const PlanPtr& plan) {
     change(*plan, scope);
     // A trigger that rolled back ends the batch.
     if (scope.isOver()) {
-        const DbError ended = serverError(3609, "The transaction ended in the trigger. The batch has been aborted.").withSeverity(16, 1);
-        if (tries_ > 0)
+        const DbError ended =
+            DbError(DbError::Category::Transaction, 3609, "The transaction ended in the trigger. The batch has been aborted.")
+                .withSeverity(16, 1);
+        if (batch_.tries > 0)
             throw DbError(ended);
-        note(ended);
+        batch_.note(ended);
         throw BatchEnd{};
     }
     scope.finish();
-    sink_->changed(rowCount_);
+    batch_.sink->changed(session_.rowCount);
 }
 
 // Whether a change is one statement of SQLite and nothing else: no trigger, no OUTPUT, no numbers given, no keys that rows may have to
@@ -85,7 +88,7 @@ void Engine::change(StatementPlan& plan, WriteScope& scope) {
     const char event = eventOf(change);
     std::int64_t rows = 0;
     const CapturedTables captured = captureOf(change.table, event, change.output != nullptr, [&] { rows = runChangeSql(plan); });
-    rowCount_ = rows;
+    session_.rowCount = rows;
     if (change.kind == tsql::ChangePlan::Kind::Insert)
         noteScopeIdentity(*change.table, rows);
     if (change.output) {
@@ -96,21 +99,21 @@ void Engine::change(StatementPlan& plan, WriteScope& scope) {
         rows_.set(pseudoName("deleted", change.table->id), own.deleted);
         runOutput(plan);
     }
-    const Restore scopeIdentity(frame_->scopeIdentity);
+    const Restore scopeIdentity(batch_.frame->scopeIdentity);
     {
         const TriggerCount count(*this, scope.isOwn());
         fireFor(change, captured, event);
     }
-    rowCount_ = rows;
+    session_.rowCount = rows;
 }
 
 // What an INSERT leaves for SCOPE_IDENTITY: its own number, nothing when the table gives none, and what was before when no row came.
 void Engine::noteScopeIdentity(const tsql::TableDef& table, std::int64_t rows) {
     if (table.identityColumn() < 0) {
         identities_.forgetLast();
-        frame_->scopeIdentity = {};
+        batch_.frame->scopeIdentity = {};
     } else if (rows > 0) {
-        frame_->scopeIdentity = identities_.last();
+        batch_.frame->scopeIdentity = identities_.last();
     }
 }
 
@@ -183,11 +186,11 @@ void Engine::runOutput(StatementPlan& plan) {
     if (!change.outputInto) {
         const Statement3 select(connection_.handle(), change.output->sql.text);
         bindPlaces(select.get(), change.output->sql.places);
-        sink_->beginSet(change.output->columns);
+        batch_.sink->beginSet(change.output->columns);
         const StatementRow row(select.get(), change.output->columns);
         while (connection_.step(select.get()))
-            sink_->row(row);
-        sink_->endSet();
+            batch_.sink->row(row);
+        batch_.sink->endSet();
         return;
     }
     const Rowset rows = rowsOf(change.output->sql);
@@ -212,12 +215,11 @@ void Engine::insertRows(const tsql::ChangePlan& plan, const Rowset& rows) {
 }
 
 void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
-    if (inInsertExec_)
+    if (batch_.inInsertExec)
         throw tsql::typeError(8164, "An INSERT EXEC statement cannot be nested.", statement.line);
-    RowCollector collector(*sink_);
+    RowCollector collector(*batch_.sink);
     {
-        const Restore sink(sink_, &collector);
-        const Restore inside(inInsertExec_, true);
+        const InsertExecScope inside(batch_, collector);
         runOne(*statement.execute);
     }
     WriteScope scope(*this, isTemporaryName(statement.table));
@@ -226,12 +228,12 @@ void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
         const tsql::ChangePlan plan = tsql::Binder(bindContext()).insertRow(statement, set.types);
         const CapturedTables captured = captureOf(plan.table, 'I', false, [&] { insertRows(plan, set.rows); });
         noteScopeIdentity(*plan.table, static_cast<std::int64_t>(set.rows.size()));
-        const Restore scopeIdentity(frame_->scopeIdentity);
+        const Restore scopeIdentity(batch_.frame->scopeIdentity);
         fireFor(plan, captured, 'I');
         rows += static_cast<std::int64_t>(set.rows.size());
     }
     scope.finish();
-    rowCount_ = rows;
+    session_.rowCount = rows;
 }
 
 void Engine::runTruncate(const tsql::TruncateStatement& statement) {
@@ -246,7 +248,7 @@ void Engine::runTruncate(const tsql::TruncateStatement& statement) {
     connection_.run("DELETE FROM " + table->storage);
     identities_.startOver(table->id);
     scope.finish();
-    rowCount_ = 0;
+    session_.rowCount = 0;
 }
 
 } // namespace merchantry::db::embedded

@@ -78,7 +78,7 @@ DbError Engine::conflict(StatementPlan& plan, const DbError& error) {
     if (!isReference)
         return known;
     // What the second run counts and sets is not seen.
-    const Restore variables(frame_->variables);
+    const Restore variables(batch_.frame->variables);
     const Restore capture(capture_, CaptureState());
     const AtEnd given([this, numbers = identities_.numbers()] { identities_.putBack(numbers); });
     const auto run = [this](const char* sql) { sqlite3_exec(connection_.handle(), sql, nullptr, nullptr, nullptr); };

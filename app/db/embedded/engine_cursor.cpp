@@ -15,15 +15,15 @@ using Fetch = tsql::CursorStatement::Fetch;
 Cursor* Engine::findCursor(const std::string& name) {
     if (!name.empty() && name.front() == '@') {
         const int slot = tsql::Binder(bindContext()).variableSlot(name, 0);
-        const auto variable = frame_->cursorVariables.find(slot);
-        return variable == frame_->cursorVariables.end() ? nullptr : findCursor(variable->second);
+        const auto variable = batch_.frame->cursorVariables.find(slot);
+        return variable == batch_.frame->cursorVariables.end() ? nullptr : findCursor(variable->second);
     }
     const std::string key = lowerCase(name);
-    const auto local = frame_->cursors.find(key);
-    if (local != frame_->cursors.end())
+    const auto local = batch_.frame->cursors.find(key);
+    if (local != batch_.frame->cursors.end())
         return &local->second;
-    const auto global = cursors_.find(key);
-    return global == cursors_.end() ? nullptr : &global->second;
+    const auto global = session_.cursors.find(key);
+    return global == session_.cursors.end() ? nullptr : &global->second;
 }
 
 Cursor& Engine::cursorOf(const tsql::CursorStatement& statement) {
@@ -38,16 +38,16 @@ void Engine::runCursor(const tsql::CursorStatement& statement) {
     case Action::Declare: {
         Cursor cursor;
         cursor.query = statement.query.get();
-        cursor.code = frame_->code;
+        cursor.code = batch_.frame->code;
         cursor.number = statement.number;
         std::string key = lowerCase(statement.name);
         const bool isVariable = statement.name.front() == '@';
         if (isVariable) {
             const int slot = tsql::Binder(bindContext()).variableSlot(statement.name, statement.line);
-            key = "\x01" + std::to_string(++cursorNumber_);
-            frame_->cursorVariables[slot] = key;
+            key = "\x01" + std::to_string(++session_.cursorNumber);
+            batch_.frame->cursorVariables[slot] = key;
         }
-        std::map<std::string, Cursor>& home = statement.local || isVariable ? frame_->cursors : cursors_;
+        std::map<std::string, Cursor>& home = statement.local || isVariable ? batch_.frame->cursors : session_.cursors;
         if (home.count(key) != 0)
             throw tsql::typeError(16915, "A cursor with the name '" + statement.name + "' already exists.", statement.line);
         home[key] = std::move(cursor);
@@ -69,9 +69,9 @@ void Engine::runCursor(const tsql::CursorStatement& statement) {
         cursorOf(statement);
         std::string key = lowerCase(statement.name);
         if (statement.name.front() == '@')
-            key = frame_->cursorVariables[tsql::Binder(bindContext()).variableSlot(statement.name, 0)];
-        if (frame_->cursors.erase(key) == 0)
-            cursors_.erase(key);
+            key = batch_.frame->cursorVariables[tsql::Binder(bindContext()).variableSlot(statement.name, 0)];
+        if (batch_.frame->cursors.erase(key) == 0)
+            session_.cursors.erase(key);
         return;
     }
     }
@@ -125,22 +125,22 @@ void Engine::fetch(const tsql::CursorStatement& statement) {
                               statement.line);
     if (cursor.at < 0 || cursor.at >= count) {
         cursor.at = cursor.at < 0 ? -1 : count;
-        fetchStatus_ = -1;
+        session_.fetchStatus = -1;
         return;
     }
-    fetchStatus_ = 0;
+    session_.fetchStatus = 0;
     if (statement.into.empty())
         throw tsql::unsupported("FETCH without INTO", statement.line);
     const std::vector<Cell>& row = cursor.rows[static_cast<std::size_t>(cursor.at)];
     for (std::size_t i = 0; i < statement.into.size(); ++i) {
         const int slot = tsql::Binder(bindContext()).variableSlot(statement.into[i], statement.line);
-        assign(slot, tsql::converted(row[i], cursor.types[i], frame_->code->variables[static_cast<std::size_t>(slot)].type));
+        batch_.assign(slot, tsql::converted(row[i], cursor.types[i], batch_.frame->code->variables[static_cast<std::size_t>(slot)].type));
     }
-    rowCount_ = 1;
+    session_.rowCount = 1;
 }
 
 int Engine::cursorStatus(std::string_view name) {
-    const Cursor* cursor = frame_ ? findCursor(std::string(name)) : nullptr;
+    const Cursor* cursor = batch_.frame ? findCursor(std::string(name)) : nullptr;
     if (!cursor)
         return -3;
     return !cursor->open ? -1 : cursor->rows.empty() ? 0 : 1;

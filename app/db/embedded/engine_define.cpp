@@ -48,7 +48,7 @@ tsql::ObjectName plainName(const std::string& name) {
 } // namespace
 
 void Engine::runDefinition(const tsql::Statement& statement) {
-    rowCount_ = 0;
+    session_.rowCount = 0;
     const auto isTemporary = [](const tsql::ObjectName& name) { return !name.empty() && name.last().front() == '#'; };
     bool temporary = false;
     switch (statement.kind) {
@@ -140,8 +140,8 @@ void Engine::createTable(const tsql::ObjectName& name, const tsql::TableBody& bo
 
 // A module's temporary table may have the name of one of its caller's.
 bool Engine::ownsTemporary(const std::string& name) const {
-    const bool top = !frame_->caller;
-    const auto& own = frame_->temporaries;
+    const bool top = !batch_.frame->caller;
+    const auto& own = batch_.frame->temporaries;
     return top || std::any_of(own.begin(), own.end(), [&](const std::string& one) { return tsql::sameName(one, name); });
 }
 
@@ -155,25 +155,21 @@ void Engine::createTableOf(TableDef table, bool temporary) {
         buildTable(table);
         const auto made = std::make_shared<const TableDef>(table);
         temporaries_.push(made);
-        if (frame_->caller || table.name.front() == '@')
-            frame_->temporaries.push_back(table.name);
+        if (batch_.frame->caller || table.name.front() == '@')
+            batch_.frame->temporaries.push_back(table.name);
         return;
     }
     table.storage = "main." + tsql::quotedName(table.name);
     checkForeignKeys(table, 0);
     typeComputed(catalog_, table);
     identities_.startOver(table.id);
-    store_.add({table.id, table.name, "U", 0, tsql::tableSource(table), true, nowMs()});
+    store_.add({table.id, table.name, "U", 0, tsql::tableSource(table), true, session_.now().ms()});
     buildTable(table);
     schemaTouched_ = true;
     if (!store_.find(table.name)) { // SELECT INTO goes on with it at once
         store_.load();
         ++version_;
     }
-}
-
-std::int64_t Engine::nowMs() const {
-    return (clock_ ? clock_->now() : systemClock_.now()).ms();
 }
 
 std::string Engine::tableSql(const TableDef& table) {
@@ -297,7 +293,7 @@ void Engine::checkForeignKeys(TableDef& table, int line) {
 void Engine::runDeclareTable(const tsql::DeclareTableStatement& statement) {
     tsql::ObjectName name = plainName(statement.name);
     name.line = statement.line;
-    const auto& own = frame_->temporaries;
+    const auto& own = batch_.frame->temporaries;
     if (std::find(own.begin(), own.end(), statement.name) != own.end()) // in a loop the table of the last round stays
         return;
     TableDef table = tsql::defineTable(name, statement.body, temporaries_.nextId(),

@@ -1,4 +1,5 @@
 #include "app/db/embedded/engine.h"
+#include "app/db/embedded/scopes.h"
 
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
@@ -69,10 +70,7 @@ void Engine::checkLabels(const tsql::Block& block) const {
 }
 
 Engine::Flow Engine::runFrame(Frame& frame) {
-    frame.caller = frame_;
-    frame.level = level_;
-    const Restore here(frame_, &frame);
-    const Restore scope(temporaries_.scope, ++scopeNumber_);
+    const FrameScope here(batch_, temporaries_, frame);
     const AtEnd leave([&] { leaveFrame(frame); });
     check(*frame.code);
     return runBlock(*frame.code->body);
@@ -103,7 +101,7 @@ Engine::Flow Engine::runBlock(const tsql::Block& block) {
             return flow;
         const auto label = std::find_if(block.begin(), block.end(), [&](const tsql::StatementPtr& statement) {
             return statement->kind == StatementKind::Label &&
-                   tsql::sameName(static_cast<const tsql::GotoStatement&>(*statement).label, frame_->gotoLabel);
+                   tsql::sameName(static_cast<const tsql::GotoStatement&>(*statement).label, batch_.frame->gotoLabel);
         });
         if (label == block.end())
             return Flow::Goto;
@@ -113,14 +111,14 @@ Engine::Flow Engine::runBlock(const tsql::Block& block) {
 }
 
 Engine::Flow Engine::runStatement(const tsql::Statement& statement) {
-    if (cancelled_)
+    if (batch_.cancelled)
         throw failedByCancel();
     try {
         const Flow flow = runOne(statement);
         if (statement.kind != StatementKind::BlockOf && statement.kind != StatementKind::TryCatch && statement.kind != StatementKind::If &&
             statement.kind != StatementKind::While && statement.kind != StatementKind::Execute &&
             statement.kind != StatementKind::ExecuteText)
-            error_ = 0;
+            session_.error = 0;
         return flow;
     } catch (const DbError& error) {
         return failed(error, statement);
@@ -130,37 +128,29 @@ Engine::Flow Engine::runStatement(const tsql::Statement& statement) {
 }
 
 BatchEnd Engine::failedByCancel() {
-    note(DbError(DbError::Category::Cancelled, 0, "The statement was cancelled."));
+    batch_.note(DbError(DbError::Category::Cancelled, 0, "The statement was cancelled."));
     return {};
-}
-
-bool Engine::inTrigger() const {
-    for (const Frame* frame = frame_; frame; frame = frame->caller) {
-        if (frame->isTrigger)
-            return true;
-    }
-    return false;
 }
 
 // What follows from a statement's error: CATCH, the end of the batch, or the next statement.
 Engine::Flow Engine::failed(DbError error, const tsql::Statement& statement) {
     if (error.line() == 0)
         error.at(statement.line);
-    if (error.procedure().empty() && !frame_->code->procedure.empty())
-        error.in(frame_->code->procedure);
-    error_ = error.native();
-    rowCount_ = 0;
+    if (error.procedure().empty() && !batch_.frame->code->procedure.empty())
+        error.in(batch_.frame->code->procedure);
+    session_.error = error.native();
+    session_.rowCount = 0;
     const bool raised = error.category() == DbError::Category::Raised;
-    const bool fatal = (settings_.xactAbort && !raised) || tsql::endsBatch(error.native()) || (inTrigger() && !raised);
+    const bool fatal = (session_.settings.xactAbort && !raised) || tsql::endsBatch(error.native()) || (batch_.inTrigger() && !raised);
     if (error.category() == DbError::Category::Cancelled) {
-        note(error);
+        batch_.note(error);
         throw BatchEnd{};
     }
-    if (tries_ > 0) {
+    if (batch_.tries > 0) {
         doomed_ = doomed_ || (fatal && tranCount_ > 0);
         throw error;
     }
-    note(error);
+    batch_.note(error);
     if (fatal || error.category() == DbError::Category::Storage) {
         rollbackAll();
         throw BatchEnd{};
@@ -208,7 +198,7 @@ Engine::Flow Engine::runOne(const tsql::Statement& statement) {
     case StatementKind::Return:
         return runReturn(static_cast<const tsql::ReturnStatement&>(statement));
     case StatementKind::Goto:
-        frame_->gotoLabel = static_cast<const tsql::GotoStatement&>(statement).label;
+        batch_.frame->gotoLabel = static_cast<const tsql::GotoStatement&>(statement).label;
         return Flow::Goto;
     case StatementKind::BlockOf:
         return runBlock(static_cast<const tsql::BlockStatement&>(statement).body);
@@ -259,7 +249,7 @@ Engine::Flow Engine::runOne(const tsql::Statement& statement) {
 
 Engine::Flow Engine::runIf(const tsql::IfStatement& statement) {
     const bool holds = conditionOf(statement, *statement.condition);
-    error_ = 0;
+    session_.error = 0;
     if (holds)
         return runStatement(*statement.then);
     return statement.otherwise ? runStatement(*statement.otherwise) : Flow::Next;
@@ -267,7 +257,7 @@ Engine::Flow Engine::runIf(const tsql::IfStatement& statement) {
 
 Engine::Flow Engine::runWhile(const tsql::WhileStatement& statement) {
     while (conditionOf(statement, *statement.condition)) {
-        if (cancelled_)
+        if (batch_.cancelled)
             throw failedByCancel();
         const Flow flow = runStatement(*statement.body);
         if (flow == Flow::Break)
@@ -286,12 +276,12 @@ Engine::Flow Engine::runTry(const tsql::TryStatement& statement) {
 
 // The error that the block ended with.
 std::optional<DbError> Engine::runTried(const tsql::Block& block, Flow& flow) {
-    const Restore tries(tries_, tries_ + 1);
+    const TryScope inside(batch_);
     try {
         flow = runBlock(block);
         return std::nullopt;
     } catch (const ScopeEnd& end) {
-        if (end.frame == frame_) // a name that is missing in the TRY's own batch is not for its CATCH
+        if (end.frame == batch_.frame) // a name that is missing in the TRY's own batch is not for its CATCH
             throw;
         return end.error;
     } catch (const DbError& caught) {
@@ -300,11 +290,10 @@ std::optional<DbError> Engine::runTried(const tsql::Block& block, Flow& flow) {
 }
 
 Engine::Flow Engine::runHandler(const tsql::TryStatement& statement, const DbError& error) {
-    caught_.push_back(error);
-    const AtEnd handled([this] { caught_.pop_back(); });
-    error_ = error.native();
+    const CatchScope handling(batch_, error);
+    session_.error = error.native();
     const Flow flow = runBlock(statement.handler);
-    error_ = 0;
+    session_.error = 0;
     return flow;
 }
 
@@ -313,18 +302,14 @@ Engine::Flow Engine::runReturn(const tsql::ReturnStatement& statement) {
         return Flow::Return;
     const PlanPtr plan = valuePlan(statement, wantedOf(statement));
     const Cell cell = valueAt(*plan, 0);
-    if (frame_->isFunction)
-        frame_->result = cell;
+    if (batch_.frame->isFunction)
+        batch_.frame->result = cell;
     else
-        frame_->returnValue = cell.integer;
+        batch_.frame->returnValue = cell.integer;
     return Flow::Return;
 }
 
 // ---- variables
-
-void Engine::assign(int slot, Cell cell) {
-    frame_->variables[static_cast<std::size_t>(slot)] = std::move(cell);
-}
 
 void Engine::runDeclare(const tsql::DeclareStatement& statement) {
     const Wanted wanted = wantedOf(statement);
@@ -334,9 +319,9 @@ void Engine::runDeclare(const tsql::DeclareStatement& statement) {
     std::size_t index = 0;
     for (const tsql::Declaration& variable : statement.variables) {
         if (variable.value)
-            assign(tsql::Binder(bindContext()).variableSlot(variable.name, statement.line), valueAt(*plan, index++));
+            batch_.assign(tsql::Binder(bindContext()).variableSlot(variable.name, statement.line), valueAt(*plan, index++));
     }
-    rowCount_ = 1;
+    session_.rowCount = 1;
 }
 
 void Engine::runSet(const tsql::SetVariableStatement& statement) {
@@ -346,8 +331,8 @@ void Engine::runSet(const tsql::SetVariableStatement& statement) {
         return;
     }
     const PlanPtr plan = setPlan(statement);
-    assign(slot, valueAt(*plan, 0));
-    rowCount_ = 1;
+    batch_.assign(slot, valueAt(*plan, 0));
+    session_.rowCount = 1;
 }
 
 } // namespace merchantry::db::embedded

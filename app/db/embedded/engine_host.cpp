@@ -21,11 +21,11 @@ tsql::ObjectName nameOf(std::string_view text) {
 } // namespace
 
 const Cell& Engine::variable(int slot) {
-    return frame_->variables[static_cast<std::size_t>(slot)];
+    return batch_.frame->variables[static_cast<std::size_t>(slot)];
 }
 
 void Engine::setVariable(int slot, Cell cell) {
-    assign(slot, std::move(cell));
+    batch_.assign(slot, std::move(cell));
 }
 
 std::int64_t Engine::nextIdentity(std::int64_t table) {

@@ -30,9 +30,9 @@ void Engine::runRaise(const tsql::RaiseStatement& statement) {
     const int state = static_cast<int>(valueAt(*plan, 2).integer);
     const bool numbered = plan->values[0].type.isWhole();
     const std::string text = numbered ? "Error " + std::to_string(message.integer) + "." : raisedMessage(*plan, message.bytes);
-    rowCount_ = 0;
+    session_.rowCount = 0;
     if (severity <= 10) {
-        sink_->message(text);
+        batch_.sink->message(text);
         return;
     }
     throw DbError(DbError::Category::Raised, numbered ? static_cast<int>(message.integer) : 50000, text).withSeverity(severity, state);
@@ -41,9 +41,9 @@ void Engine::runRaise(const tsql::RaiseStatement& statement) {
 void Engine::runThrow(const tsql::ThrowStatement& statement) {
     std::optional<DbError> error;
     if (!statement.number) {
-        if (caught_.empty())
+        if (batch_.caught.empty())
             throw tsql::syntaxError(10704, "To rethrow an error, a THROW statement must be used inside a CATCH block.", statement.line);
-        error = caught_.back();
+        error = batch_.caught.back();
     } else {
         const PlanPtr plan = valuePlan(statement, wantedOf(statement));
         const std::int64_t number = valueAt(*plan, 0).integer;
@@ -57,14 +57,14 @@ void Engine::runThrow(const tsql::ThrowStatement& statement) {
         error = DbError(DbError::Category::Raised, static_cast<int>(number), valueAt(*plan, 1).bytes, statement.line)
                     .withSeverity(16, static_cast<int>(valueAt(*plan, 2).integer));
     }
-    if (tries_ > 0) {
-        doomed_ = doomed_ || (settings_.xactAbort && tranCount_ > 0);
+    if (batch_.tries > 0) {
+        doomed_ = doomed_ || (session_.settings.xactAbort && tranCount_ > 0);
         throw DbError(*error);
     }
-    if (error->procedure().empty() && !frame_->code->procedure.empty())
-        error->in(frame_->code->procedure);
-    note(*error);
-    if (settings_.xactAbort || inTrigger())
+    if (error->procedure().empty() && !batch_.frame->code->procedure.empty())
+        error->in(batch_.frame->code->procedure);
+    batch_.note(*error);
+    if (session_.settings.xactAbort || batch_.inTrigger())
         rollbackAll();
     throw BatchEnd{};
 }
@@ -72,15 +72,15 @@ void Engine::runThrow(const tsql::ThrowStatement& statement) {
 void Engine::runPrint(const tsql::PrintStatement& statement) {
     const PlanPtr plan = valuePlan(statement, wantedOf(statement));
     const Cell cell = valueAt(*plan, 0);
-    sink_->message(cell.isNull() ? std::string(" ") : tsql::textOf(cell, plan->values[0].type));
-    rowCount_ = 0;
+    batch_.sink->message(cell.isNull() ? std::string(" ") : tsql::textOf(cell, plan->values[0].type));
+    session_.rowCount = 0;
 }
 
 void Engine::runWait(const tsql::WaitForStatement& statement) {
     const PlanPtr plan = valuePlan(statement, {{statement.delay.get(), tsql::simpleType(TypeKind::DateTime)}});
     std::int64_t restMs = valueAt(*plan, 0).integer;
     endRead();
-    while (restMs > 0 && !cancelled_) {
+    while (restMs > 0 && !batch_.cancelled) {
         const std::int64_t partMs = std::min<std::int64_t>(restMs, 50);
         std::this_thread::sleep_for(std::chrono::milliseconds(partMs));
         restMs -= partMs;

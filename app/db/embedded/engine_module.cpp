@@ -48,7 +48,7 @@ void Engine::createIndex(const tsql::CreateIndexStatement& statement) {
     const std::string source = std::string("CREATE ") + (statement.unique ? "UNIQUE " : "") + (statement.clustered ? "CLUSTERED " : "") +
                                "INDEX [" + replaced(statement.name, "]", "]]") + "] ON [" + replaced(table->name, "]", "]]") + "] (" +
                                joined(columns, ", ") + ")";
-    store_.add({store_.nextId(), statement.name, "IX", table->id, source, true, nowMs()});
+    store_.add({store_.nextId(), statement.name, "IX", table->id, source, true, session_.now().ms()});
 }
 
 void Engine::dropIndex(const tsql::DropStatement& statement) {
@@ -107,7 +107,7 @@ void Engine::createModule(const tsql::ObjectName& name, bool alter, const char* 
     if (!alter) {
         if (known)
             throw tsql::nameError(2714, "There is already an object named '" + name.last() + "' in the database.", line);
-        store_.add({store_.nextId(), name.last(), kind, parent, text, true, nowMs()});
+        store_.add({store_.nextId(), name.last(), kind, parent, text, true, session_.now().ms()});
         return;
     }
     if (!known || known->kind != kind)
@@ -147,7 +147,7 @@ void Engine::createType(const tsql::CreateTypeStatement& statement) {
     std::string source = "CREATE TYPE [" + statement.name.last() + "] FROM " + base.toText();
     if (statement.nullable)
         source += *statement.nullable ? " NULL" : " NOT NULL";
-    store_.add({store_.nextId(), statement.name.last(), "TY", 0, source, true, nowMs()});
+    store_.add({store_.nextId(), statement.name.last(), "TY", 0, source, true, session_.now().ms()});
 }
 
 // ---- DROP
@@ -192,7 +192,7 @@ void Engine::dropTable(const tsql::ObjectName& name, bool ifExists) {
         if (inWrite_)
             droppedTemporaries_.push_back(table);
         temporaries_.pop(table->name);
-        std::erase_if(frame_->temporaries, [&](const std::string& one) { return tsql::sameName(one, table->name); });
+        std::erase_if(batch_.frame->temporaries, [&](const std::string& one) { return tsql::sameName(one, table->name); });
         return;
     }
     for (const auto& [other, key] : store_.referencesTo(table->name)) {

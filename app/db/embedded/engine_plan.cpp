@@ -10,9 +10,9 @@ namespace merchantry::db::embedded {
 using tsql::StatementKind;
 
 tsql::BindContext Engine::bindContext() {
-    tsql::BindContext context{catalog_, frame_->code->variables};
-    context.ansiNulls = settings_.ansiNulls;
-    const Code& code = *frame_->code;
+    tsql::BindContext context{catalog_, batch_.frame->code->variables};
+    context.ansiNulls = session_.settings.ansiNulls;
+    const Code& code = *batch_.frame->code;
     context.triggerTable = code.triggerTable.get();
     context.inserted = code.inserted;
     context.deleted = code.deleted;
@@ -25,7 +25,7 @@ bool Engine::isCurrent(const StatementPlan& plan) const {
 
 // The statement's plan, bound anew when the schema or a setting changed since.
 Engine::PlanPtr Engine::planFor(const tsql::Statement& statement, const std::function<void(StatementPlan&)>& bind) {
-    std::vector<std::shared_ptr<StatementPlan>>& plans = frame_->code->plans;
+    std::vector<std::shared_ptr<StatementPlan>>& plans = batch_.frame->code->plans;
     const auto number = static_cast<std::size_t>(statement.number);
     if (plans.size() <= number)
         plans.resize(number + 1);
@@ -40,7 +40,7 @@ Engine::PlanPtr Engine::planFor(const tsql::Statement& statement, const std::fun
             error.at(statement.line);
         if (checking_ || error.category() != DbError::Category::Name)
             throw;
-        throw ScopeEnd{error, frame_};
+        throw ScopeEnd{error, batch_.frame};
     }
     plan->version = version_;
     plan->temporaryVersion = temporaries_.version();
@@ -106,7 +106,7 @@ Engine::PlanPtr Engine::deletePlan(const tsql::DeleteStatement& statement) {
 sqlite3_stmt* Engine::prepared(StatementPlan& plan, std::size_t index, const tsql::Sql3& sql, Statement3& spare) {
     Statement3& own = plan.statements[index];
     if (!own)
-        own = Statement3(connection_.handle(), sql.text, frame_->code->module != nullptr);
+        own = Statement3(connection_.handle(), sql.text, batch_.frame->code->module != nullptr);
     if (!own.busy()) {
         bindPlaces(own.get(), sql.places);
         return own.get();
@@ -124,7 +124,7 @@ void Engine::bindPlaces(sqlite3_stmt* statement, const std::vector<tsql::Placeho
             tsql::bindCell(statement, index, systemValue(static_cast<tsql::SystemValue>(place.slot)));
             continue;
         }
-        const Cell& cell = frame_->variables[static_cast<std::size_t>(place.slot)];
+        const Cell& cell = batch_.frame->variables[static_cast<std::size_t>(place.slot)];
         // Variables stay where they are while the statement runs.
         if (cell.kind == Cell::Kind::Text)
             sqlite3_bind_text(statement, index, cell.bytes.data(), static_cast<int>(cell.bytes.size()), SQLITE_STATIC);
@@ -138,7 +138,7 @@ Cell Engine::valueAt(StatementPlan& plan, std::size_t index) {
     if (value.isLiteral)
         return value.literal;
     if (value.variable >= 0)
-        return frame_->variables[static_cast<std::size_t>(value.variable)];
+        return batch_.frame->variables[static_cast<std::size_t>(value.variable)];
     if (value.sql.text.find(" FROM ") != std::string::npos)
         beforeRead();
     Statement3 spare;
@@ -259,7 +259,7 @@ Engine::Wanted Engine::wantedOf(const tsql::Statement& statement) {
     const SqlType integer = tsql::simpleType(TypeKind::Int);
     const SqlType text = tsql::nvarcharType(SqlType::kMax);
     const auto typeOfVariable = [&](const std::string& name) {
-        return frame_->code->variables[static_cast<std::size_t>(tsql::Binder(bindContext()).variableSlot(name, statement.line))].type;
+        return batch_.frame->code->variables[static_cast<std::size_t>(tsql::Binder(bindContext()).variableSlot(name, statement.line))].type;
     };
     switch (statement.kind) {
     case StatementKind::SetVariable: {
@@ -300,9 +300,9 @@ Engine::Wanted Engine::wantedOf(const tsql::Statement& statement) {
         break;
     case StatementKind::Return: {
         const auto& end = static_cast<const tsql::ReturnStatement&>(statement);
-        const bool isFunction = frame_->isFunction;
+        const bool isFunction = batch_.frame->isFunction;
         if (end.value)
-            wanted.emplace_back(end.value.get(), isFunction ? frame_->code->returns : integer);
+            wanted.emplace_back(end.value.get(), isFunction ? batch_.frame->code->returns : integer);
         break;
     }
     default:

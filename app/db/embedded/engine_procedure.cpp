@@ -1,5 +1,6 @@
 #include "app/db/embedded/engine.h"
 #include "app/db/embedded/filestage.h"
+#include "app/db/embedded/scopes.h"
 #include "app/db/embedded/write_scope.h"
 
 #include "app/db/nativeerrors.h"
@@ -14,8 +15,6 @@
 namespace merchantry::db::embedded {
 namespace {
 
-constexpr int kDeepestLevel = 32;
-
 // What is passed, or a parameter's default, in the parameter's type.
 Cell toParameter(const Cell& cell, const SqlType& from, const SqlType& to) {
     try {
@@ -24,10 +23,6 @@ Cell toParameter(const Cell& cell, const SqlType& from, const SqlType& to) {
         throw serverError(8114, "Error converting data type " + tsql::kindNameOf(from) + " to " + tsql::kindNameOf(to) + ".")
             .withSeverity(16, 5);
     }
-}
-
-DbError tooDeep() {
-    return serverError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).").withSeverity(16, 1);
 }
 
 } // namespace
@@ -40,7 +35,7 @@ Cell Engine::constantOf(const tsql::Expr& expr, SqlType& type) {
     if (plan.isLiteral)
         return plan.literal;
     if (plan.variable >= 0)
-        return frame_->variables[static_cast<std::size_t>(plan.variable)];
+        return batch_.frame->variables[static_cast<std::size_t>(plan.variable)];
     const Statement3 statement(connection_.handle(), plan.sql.text);
     bindPlaces(statement.get(), plan.sql.places);
     return connection_.step(statement.get()) ? tsql::columnCell(statement.get(), 0) : Cell();
@@ -55,8 +50,8 @@ std::vector<Engine::BoundArgument> Engine::argumentsOf(const tsql::ExecuteStatem
             bound.isDefault = true;
         } else if (argument.value->kind == tsql::ExprKind::Variable) {
             const int slot = tsql::Binder(bindContext()).variableSlot(argument.value->text, argument.line);
-            bound.cell = frame_->variables[static_cast<std::size_t>(slot)];
-            bound.type = frame_->code->variables[static_cast<std::size_t>(slot)].type;
+            bound.cell = batch_.frame->variables[static_cast<std::size_t>(slot)];
+            bound.type = batch_.frame->code->variables[static_cast<std::size_t>(slot)].type;
             bound.outputSlot = argument.output ? slot : -1;
         } else {
             bound.cell = constantOf(*argument.value, bound.type);
@@ -70,7 +65,7 @@ void Engine::runExecute(const tsql::ExecuteStatement& statement) {
     std::string name = statement.procedure.empty() ? std::string() : statement.procedure.last();
     if (!statement.procedureVariable.empty()) {
         const int slot = tsql::Binder(bindContext()).variableSlot(statement.procedureVariable, statement.line);
-        name = split(frame_->variables[static_cast<std::size_t>(slot)].bytes, ".").back();
+        name = split(batch_.frame->variables[static_cast<std::size_t>(slot)].bytes, ".").back();
     }
     const StoredObject* object = store_.find(name);
     const bool runnable = object && (object->kind == "P" || object->kind == "FN");
@@ -81,7 +76,7 @@ void Engine::runExecute(const tsql::ExecuteStatement& statement) {
         if (statement.result.empty())
             return;
         const int slot = tsql::Binder(bindContext()).variableSlot(statement.result, statement.line);
-        assign(slot, tsql::converted(cell, type, frame_->code->variables[static_cast<std::size_t>(slot)].type));
+        batch_.assign(slot, tsql::converted(cell, type, batch_.frame->code->variables[static_cast<std::size_t>(slot)].type));
     };
     if (object->kind == "FN") {
         const std::shared_ptr<const tsql::FunctionDef> function = store_.functionById(object->id);
@@ -107,8 +102,8 @@ void Engine::copyOutputs(const CallResult& result, const std::vector<BoundArgume
         if (arguments[i].outputSlot < 0 || parameter < 0)
             continue;
         const SqlType& from = result.code->variables[static_cast<std::size_t>(parameter)].type;
-        const SqlType& to = frame_->code->variables[static_cast<std::size_t>(arguments[i].outputSlot)].type;
-        assign(arguments[i].outputSlot, tsql::converted(result.outputs[static_cast<std::size_t>(parameter)], from, to));
+        const SqlType& to = batch_.frame->code->variables[static_cast<std::size_t>(arguments[i].outputSlot)].type;
+        batch_.assign(arguments[i].outputSlot, tsql::converted(result.outputs[static_cast<std::size_t>(parameter)], from, to));
     }
 }
 
@@ -148,7 +143,7 @@ void Engine::bindArguments(const Code& code, const std::vector<BoundArgument>& a
                                   "Procedure or function '" + code.procedure + "' expects parameter '" + parameters[i].name +
                                       "', which was not supplied.",
                                   0);
-        const Restore inside(frame_, &frame);
+        const DefaultScope inside(batch_, frame);
         SqlType type;
         const Cell cell = constantOf(*parameters[i].defaultValue, type);
         frame.variables[i] = toParameter(cell, type, parameters[i].type);
@@ -156,16 +151,14 @@ void Engine::bindArguments(const Code& code, const std::vector<BoundArgument>& a
 }
 
 std::optional<DbError> Engine::runDeeper(Frame& frame) {
-    if (level_ >= kDeepestLevel)
-        throw tooDeep();
-    const Restore level(level_, level_ + 1);
+    const LevelScope level(batch_);
     try {
         runFrame(frame);
         return std::nullopt;
     } catch (const ScopeEnd& end) {
         if (end.frame != &frame)
             throw;
-        if (tries_ > 0)
+        if (batch_.tries > 0)
             throw DbError(end.error);
         return end.error;
     }
@@ -180,7 +173,7 @@ Engine::CallResult Engine::callModule(const StoredObject& object, const std::vec
     bindArguments(*result.code, arguments, frame, outputOf);
     const int entry = tranCount_;
     if (std::optional<DbError> error = runDeeper(frame)) {
-        note(error->in(result.code->procedure));
+        batch_.note(error->in(result.code->procedure));
         result.ended = true;
         return result;
     }
@@ -192,9 +185,9 @@ Engine::CallResult Engine::callModule(const StoredObject& object, const std::vec
                         "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = " +
                             std::to_string(entry) + ", current count = " + std::to_string(tranCount_) + ".")
                 .withSeverity(16, 2);
-        if (tries_ > 0)
+        if (batch_.tries > 0)
             throw DbError(error);
-        note(error);
+        batch_.note(error);
     }
     return result;
 }
@@ -209,7 +202,7 @@ void Engine::runExecuteText(const std::string& text, std::vector<Parameter>* par
     for (std::size_t i = 0; i < given.size(); ++i)
         frame.variables[i] = tsql::cellOf(given[i].value, given[i].type);
     if (const std::optional<DbError> error = runDeeper(frame)) {
-        note(*error);
+        batch_.note(*error);
         return;
     }
     for (std::size_t i = 0; i < given.size(); ++i)
@@ -220,8 +213,7 @@ Cell Engine::callFunction(std::int64_t id, const std::vector<CellView>& argument
     const StoredObject* object = store_.findById(id);
     if (!object)
         throw tsql::nameError(4121, "Cannot find the user-defined function.", 0);
-    if (level_ >= kDeepestLevel)
-        throw tooDeep();
+    const FunctionScope inside(batch_);
     const std::shared_ptr<Code> code = moduleCode(*object);
     Frame frame;
     frame.code = code;
@@ -229,10 +221,6 @@ Cell Engine::callFunction(std::int64_t id, const std::vector<CellView>& argument
     frame.variables.resize(code->variables.size());
     for (std::size_t i = 0; i < arguments.size(); ++i)
         frame.variables[i] = arguments[i].copy();
-    const Restore tries(tries_, tries_ + 1); // an error is an error of the statement that calls
-    const Restore level(level_, level_ + 1);
-    const Restore rowCount(rowCount_);
-    const Restore error(error_);
     try {
         runFrame(frame);
     } catch (const ScopeEnd& end) {
@@ -280,7 +268,7 @@ void Engine::reindexTexts() {
         return scope.finish();
     Undo order([&, before = textOrder_] {
         textOrder_ = before;
-        noting([&] { registerCollations(connection_.handle(), before); });
+        batch_.noting([&] { registerCollations(connection_.handle(), before); });
     });
     textOrder_ = kNewestTextOrder;
     reorderTexts(connection_.handle());
@@ -338,8 +326,8 @@ void Engine::executeSql(const tsql::ExecuteStatement& statement) {
     for (std::size_t i = 0; i < slots.size(); ++i) {
         if (slots[i] < 0)
             continue;
-        const SqlType& to = frame_->code->variables[static_cast<std::size_t>(slots[i])].type;
-        assign(slots[i], tsql::converted(tsql::cellOf(parameters[i].value, parameters[i].type), parameters[i].type, to));
+        const SqlType& to = batch_.frame->code->variables[static_cast<std::size_t>(slots[i])].type;
+        batch_.assign(slots[i], tsql::converted(tsql::cellOf(parameters[i].value, parameters[i].type), parameters[i].type, to));
     }
 }
 

@@ -12,7 +12,7 @@ void Engine::runSelect(const tsql::SelectStatement& statement) {
     const PlanPtr plan = queryPlan(statement, *statement.query);
     if (plan->query->into)
         return selectInto(*plan, statement);
-    runQuery(*plan, *sink_);
+    runQuery(*plan, *batch_.sink);
 }
 
 void Engine::runQuery(StatementPlan& plan, ResultSink& sink) {
@@ -24,11 +24,11 @@ void Engine::runQuery(StatementPlan& plan, ResultSink& sink) {
     if (!query.assignTo.empty()) {
         while (connection_.step(statement)) {
             for (std::size_t i = 0; i < query.assignTo.size(); ++i)
-                assign(query.assignTo[i], tsql::columnCell(statement, static_cast<int>(i)));
-            if (++rows == settings_.rowCount)
+                batch_.assign(query.assignTo[i], tsql::columnCell(statement, static_cast<int>(i)));
+            if (++rows == session_.settings.rowCount)
                 break;
         }
-        rowCount_ = rows;
+        session_.rowCount = rows;
         return;
     }
     // The first row is fetched before the set begins, so that a statement that fails at once gives no set.
@@ -37,12 +37,12 @@ void Engine::runQuery(StatementPlan& plan, ResultSink& sink) {
     const StatementRow row(statement, query.columns);
     while (more) {
         sink.row(row);
-        if (++rows == settings_.rowCount || cancelled_)
+        if (++rows == session_.settings.rowCount || batch_.cancelled)
             break;
         more = connection_.step(statement);
     }
     sink.endSet();
-    rowCount_ = rows;
+    session_.rowCount = rows;
 }
 
 void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
@@ -61,7 +61,7 @@ void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
     const Statement3 insert(connection_.handle(), "INSERT INTO " + made->storage + " " + query.sql.text);
     bindPlaces(insert.get(), query.sql.places);
     connection_.step(insert.get());
-    rowCount_ = sqlite3_changes64(connection_.handle());
+    session_.rowCount = sqlite3_changes64(connection_.handle());
     if (const int identity = made->identityColumn(); identity >= 0) {
         const Cell most = connection_.single("SELECT max(" + tsql::quotedName(made->columns[static_cast<std::size_t>(identity)].name) +
                                              ") FROM " + made->storage);
@@ -74,7 +74,7 @@ void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
 
 Rowset Engine::rowsOf(const tsql::Sql3& sql) {
     const Statement3 statement(connection_.handle(), sql.text);
-    if (frame_)
+    if (batch_.frame)
         bindPlaces(statement.get(), sql.places);
     Rowset rows;
     const int columns = sqlite3_column_count(statement.get());

@@ -9,7 +9,7 @@ namespace merchantry::db::embedded {
 void Engine::runOption(const tsql::SetOptionStatement& statement) {
     for (const std::string& option : statement.options)
         setOption(option, statement);
-    rowCount_ = 0;
+    session_.rowCount = 0;
 }
 
 void Engine::setOption(const std::string& option, const tsql::SetOptionStatement& statement) {
@@ -21,15 +21,15 @@ void Engine::setOption(const std::string& option, const tsql::SetOptionStatement
         return valueAt(*plan, 0).integer;
     };
     if (option == "ANSI_NULLS") {
-        settings_.ansiNulls = on;
+        session_.settings.ansiNulls = on;
     } else if (option == "QUOTED_IDENTIFIER") {
-        settings_.quotedIdentifiers = on;
+        session_.settings.quotedIdentifiers = on;
     } else if (option == "XACT_ABORT") {
-        settings_.xactAbort = on;
+        session_.settings.xactAbort = on;
     } else if (option == "ROWCOUNT") {
-        settings_.rowCount = number();
+        session_.settings.rowCount = number();
     } else if (option == "DATEFIRST") {
-        settings_.dateFirst = static_cast<int>(number());
+        session_.settings.dateFirst = static_cast<int>(number());
     } else if (option == "IDENTITY_INSERT") {
         const std::shared_ptr<const tsql::TableDef> table = catalog_.requireTable(statement.table, 1088);
         if (on && catalog_.identityInsertTable != 0 && catalog_.identityInsertTable != table->id)
@@ -70,23 +70,23 @@ void Engine::setOption(const std::string& option, const tsql::SetOptionStatement
 
 Cell Engine::systemValue(tsql::SystemValue value) {
     using tsql::SystemValue;
-    const auto ofError = [&](auto get) { return caught_.empty() ? Cell() : get(caught_.back()); };
-    const Date now = clock_ ? clock_->now() : systemClock_.now();
+    const auto ofError = [&](auto get) { return batch_.caught.empty() ? Cell() : get(batch_.caught.back()); };
+    const Date now = session_.now();
     switch (value) {
     case SystemValue::RowCount:
-        return Cell::ofInteger(rowCount_);
+        return Cell::ofInteger(session_.rowCount);
     case SystemValue::Error:
-        return Cell::ofInteger(error_);
+        return Cell::ofInteger(session_.error);
     case SystemValue::Identity:
         return identities_.last().isNull() ? Cell() : tsql::decimalCell(identities_.last().integer, 38);
     case SystemValue::ScopeIdentity:
-        return frame_->scopeIdentity.isNull() ? Cell() : tsql::decimalCell(frame_->scopeIdentity.integer, 38);
+        return batch_.frame->scopeIdentity.isNull() ? Cell() : tsql::decimalCell(batch_.frame->scopeIdentity.integer, 38);
     case SystemValue::TranCount:
         return Cell::ofInteger(tranCount_);
     case SystemValue::NestLevel:
-        return Cell::ofInteger(level_);
+        return Cell::ofInteger(batch_.level);
     case SystemValue::FetchStatus:
-        return Cell::ofInteger(fetchStatus_);
+        return Cell::ofInteger(session_.fetchStatus);
     case SystemValue::Now:
     case SystemValue::UtcNow:
         return tsql::converted(Cell::ofInteger(now.ms()), tsql::simpleType(TypeKind::DateTime), tsql::simpleType(TypeKind::DateTime));
@@ -109,7 +109,7 @@ Cell Engine::systemValue(tsql::SystemValue value) {
     case SystemValue::DatabaseName:
         return Cell::ofText(catalog_.databaseName);
     case SystemValue::DateFirst:
-        return Cell::ofInteger(settings_.dateFirst);
+        return Cell::ofInteger(session_.settings.dateFirst);
     case SystemValue::Version:
         return Cell::ofText("Merchantry " MERCHANTRY_VERSION " embedded store");
     case SystemValue::ServerName:
@@ -122,7 +122,7 @@ Cell Engine::systemValue(tsql::SystemValue value) {
     case SystemValue::Language:
         return Cell::ofText("us_english");
     case SystemValue::ProcedureId:
-        return Cell::ofInteger(frame_->code->objectId);
+        return Cell::ofInteger(batch_.frame->code->objectId);
     case SystemValue::Options:
         return Cell::ofInteger(5496);
     case SystemValue::MaxPrecision:

@@ -98,10 +98,10 @@ void Engine::beforeWrite() {
 // ---- T-SQL's transaction
 
 void Engine::runTransaction(const tsql::TransactionStatement& statement) {
-    rowCount_ = 0;
+    session_.rowCount = 0;
     std::string name = statement.name;
     if (!name.empty() && name.front() == '@')
-        name = frame_->variables[static_cast<std::size_t>(tsql::Binder(bindContext()).variableSlot(name, statement.line))].bytes;
+        name = batch_.frame->variables[static_cast<std::size_t>(tsql::Binder(bindContext()).variableSlot(name, statement.line))].bytes;
     switch (statement.kind) {
     case StatementKind::Begin:
         if (tranCount_ == 0)
@@ -149,7 +149,7 @@ void Engine::rollbackAll() {
     const bool undone = inWrite_;
     KeptTables kept;
     if (undone)
-        noting([&] { kept = keepTableVariables(); });
+        batch_.noting([&] { kept = keepTableVariables(); });
     if (inWrite_ || inRead_) {
         const ResetGuard guard(rollback_.get());
         sqlite3_step(rollback_.get());
@@ -162,7 +162,7 @@ void Engine::rollbackAll() {
     savedPoints_.clear();
     ++transaction_;
     if (undone) {
-        noting([&] {
+        batch_.noting([&] {
             restoreTemporaries();
             restoreTableVariables(kept);
         });
@@ -172,16 +172,7 @@ void Engine::rollbackAll() {
         schemaTouched_ = false;
         fileVersion_ = -1;
         ++version_;
-        noting([&] { refreshSchema(); });
-    }
-}
-
-// For what has to be done also while an error is under way: its own error is noted as one more of the batch.
-void Engine::noting(const std::function<void()>& what) {
-    try {
-        what();
-    } catch (const DbError& error) {
-        note(error);
+        batch_.noting([&] { refreshSchema(); });
     }
 }
 

@@ -1,5 +1,6 @@
 #define SQLITE_ENABLE_PREUPDATE_HOOK 1
 #include "app/db/embedded/engine.h"
+#include "app/db/embedded/scopes.h"
 #include "app/db/embedded/write_scope.h"
 
 #include "app/db/nativeerrors.h"
@@ -11,8 +12,6 @@
 
 namespace merchantry::db::embedded {
 namespace {
-
-constexpr int kDeepestLevel = 32;
 
 bool firesFor(const tsql::CreateTriggerStatement& trigger, char event) {
     return event == 'I' ? trigger.onInsert : event == 'U' ? trigger.onUpdate : trigger.onDelete;
@@ -158,7 +157,7 @@ void Engine::fireFor(const tsql::ChangePlan& plan, const std::map<std::string, C
 void Engine::fireTriggers(const std::shared_ptr<const tsql::TableDef>& table, char event, const std::shared_ptr<const Rowset>& inserted,
                           const std::shared_ptr<const Rowset>& deleted, const std::vector<bool>& updated, bool insteadOf) {
     // A trigger's own changes of its table do not fire it again.
-    const Frame* inner = frame_;
+    const Frame* inner = batch_.frame;
     while (inner && !inner->isTrigger)
         inner = inner->caller;
     const std::uint64_t transaction = transaction_;
@@ -175,9 +174,7 @@ void Engine::fireTriggers(const std::shared_ptr<const tsql::TableDef>& table, ch
 void Engine::runTrigger(const StoredObject& trigger, const std::shared_ptr<const tsql::TableDef>& table,
                         const std::shared_ptr<const Rowset>& inserted, const std::shared_ptr<const Rowset>& deleted,
                         const std::vector<bool>& updated) {
-    if (level_ >= kDeepestLevel)
-        throw serverError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
-            .withSeverity(16, 1);
+    const LevelScope level(batch_);
     const std::string insertedName = pseudoName("inserted", table->id);
     const std::string deletedName = pseudoName("deleted", table->id);
     const std::shared_ptr<Code> code = moduleCode(trigger);
@@ -199,7 +196,6 @@ void Engine::runTrigger(const StoredObject& trigger, const std::shared_ptr<const
     frame.isTrigger = true;
     frame.updated = &updated;
     frame.variables.resize(code->variables.size());
-    const Restore level(level_, level_ + 1);
     try {
         runFrame(frame);
     } catch (const ScopeEnd& end) {
@@ -222,11 +218,11 @@ void Engine::runInstead(StatementPlan& plan) {
         const Restore instead(catalog_.inInstead, change.insteadOf);
         fireTriggers(change.insteadShape, kEvents[static_cast<int>(change.kind)], inserted, deleted, change.updated, true);
     }
-    rowCount_ = rows;
+    session_.rowCount = rows;
 }
 
 bool Engine::isUpdated(int column) {
-    for (const Frame* frame = frame_; frame; frame = frame->caller) {
+    for (const Frame* frame = batch_.frame; frame; frame = frame->caller) {
         if (frame->isTrigger)
             return frame->updated && static_cast<std::size_t>(column) < frame->updated->size() &&
                    (*frame->updated)[static_cast<std::size_t>(column)];

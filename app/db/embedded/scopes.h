@@ -1,0 +1,104 @@
+#pragma once
+
+#include "app/db/embedded/batch_state.h"
+#include "app/db/embedded/temporary_tables.h"
+#include "base/guard.h"
+
+namespace merchantry::db::embedded {
+
+// What changes while a part of a batch runs. Each of these stands for one such part and puts back what was before when it goes.
+
+// A batch begins. One that a sink runs while it takes rows gives the outer batch its state back.
+class BatchScope {
+public:
+    BatchScope(BatchState& batch, ResultSink& sink)
+        : errors_(batch.errors, std::vector<DbError>()), caught_(batch.caught, std::vector<DbError>()), tries_(batch.tries, 0),
+          level_(batch.level, 0), sink_(batch.sink, &sink), frame_(batch.frame, nullptr) {
+        batch.cancelled = false;
+    }
+
+private:
+    Restore<std::vector<DbError>> errors_;
+    Restore<std::vector<DbError>> caught_;
+    Restore<int> tries_;
+    Restore<int> level_;
+    Restore<ResultSink*> sink_;
+    Restore<Frame*> frame_;
+};
+
+// A batch, module or text runs; its table variables are its own.
+class FrameScope {
+public:
+    FrameScope(BatchState& batch, TemporaryTables& temporaries, Frame& frame)
+        : frame_(batch.frame, below(batch, frame)), tables_(temporaries.scope, ++batch.scopeNumber) {}
+
+private:
+    static Frame* below(const BatchState& batch, Frame& frame);
+    Restore<Frame*> frame_;
+    Restore<std::int64_t> tables_;
+};
+
+// The default of a parameter is worked out as the module sees it that is about to run.
+class DefaultScope {
+public:
+    DefaultScope(BatchState& batch, Frame& frame) : frame_(batch.frame, &frame) {}
+
+private:
+    Restore<Frame*> frame_;
+};
+
+// One level deeper, for a module or text that another one runs; throws DbError 217 below the deepest.
+class LevelScope {
+public:
+    explicit LevelScope(BatchState& batch) : level_(batch.level, deeper(batch.level)) {}
+
+private:
+    static int deeper(int level);
+    Restore<int> level_;
+};
+
+// What runs within a TRY: its errors are thrown.
+class TryScope {
+public:
+    explicit TryScope(BatchState& batch) : tries_(batch.tries, batch.tries + 1) {}
+
+private:
+    Restore<int> tries_;
+};
+
+// A CATCH block handles the error, which ERROR_NUMBER() and its kin tell of.
+class CatchScope {
+public:
+    CatchScope(BatchState& batch, const DbError& error) : batch_(batch) { batch_.caught.push_back(error); }
+    ~CatchScope() { batch_.caught.pop_back(); }
+    CatchScope(const CatchScope&) = delete;
+    CatchScope& operator=(const CatchScope&) = delete;
+
+private:
+    BatchState& batch_;
+};
+
+// A function runs within a statement: an error of it is one of the statement, and what it counts is not seen.
+class FunctionScope {
+public:
+    explicit FunctionScope(BatchState& batch)
+        : try_(batch), level_(batch), rowCount_(batch.session.rowCount), error_(batch.session.error) {}
+
+private:
+    TryScope try_;
+    LevelScope level_;
+    Restore<std::int64_t> rowCount_;
+    Restore<int> error_;
+};
+
+// INSERT ... EXEC gathers the rows of what it runs.
+class InsertExecScope {
+public:
+    InsertExecScope(BatchState& batch, ResultSink& sink) : sink_(batch.sink, &sink), inside_(batch.inInsertExec, true) {}
+
+private:
+    Restore<ResultSink*> sink_;
+    Restore<bool> inside_;
+};
+
+} // namespace merchantry::db::embedded
