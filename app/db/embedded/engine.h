@@ -5,6 +5,7 @@
 #include "app/db/embedded/identities.h"
 #include "app/db/embedded/rowset.h"
 #include "app/db/embedded/session_catalog.h"
+#include "app/db/embedded/table_builder.h"
 #include "app/db/embedded/text_order.h"
 #include "app/db/session.h"
 #include "base/guard.h"
@@ -242,11 +243,6 @@ private:
     void createTable(const tsql::ObjectName& name, const tsql::TableBody& body);
     void createTableOf(tsql::TableDef table, bool temporary);
     bool ownsTemporary(const std::string& name) const;
-    void buildTable(const tsql::TableDef& table);
-    void buildIndexes(const tsql::TableDef& table);
-    void buildKey(const tsql::TableDef& table, const std::string& name, const std::vector<tsql::IndexColumn>& columns, bool unique);
-    std::string tableSql(const tsql::TableDef& table);
-    std::string indexName(const tsql::TableDef& table, const std::string& name) const;
     void checkForeignKeys(tsql::TableDef& table, int line);
     void createIndex(const tsql::CreateIndexStatement& statement);
     void createView(const tsql::CreateViewStatement& statement);
@@ -275,6 +271,7 @@ private:
     TemporaryTables temporaries_;
     SessionCatalog catalog_;
     Identities identities_;
+    TableBuilder builder_{connection_, catalog_};
     SessionState session_;
     BatchState batch_{session_};
 

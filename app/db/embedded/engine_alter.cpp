@@ -61,8 +61,6 @@ void Engine::alterAdd(const tsql::AlterTableStatement& statement, TableDef table
     checkForeignKeys(table, statement.line);
     const bool temporary = table.isTemporary();
     const bool hasRows = scalar("SELECT EXISTS(SELECT 1 FROM " + table.storage + ")") != 0;
-    const std::string bare = table.storage.substr(table.storage.find('.') + 1);
-    (void)bare;
     for (std::size_t i = before.columns.size(); i < table.columns.size(); ++i) {
         const tsql::ColumnDef& column = table.columns[i];
         if (column.computed)
@@ -73,13 +71,10 @@ void Engine::alterAdd(const tsql::AlterTableStatement& statement, TableDef table
                 "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition specified. Column '" +
                     column.name + "' cannot be added to non-empty table '" + table.name + "' because it does not satisfy these conditions.",
                 statement.line);
-        const char* storage = column.type.isText() || column.type.kind == TypeKind::UniqueIdentifier ? "TEXT COLLATE ts"
-                              : column.type.isFloat()                                                ? "REAL"
-                              : column.type.isBinary() || (column.type.kind == TypeKind::Decimal && column.type.precision > 18) ? "BLOB"
-                                                                                                                                : "INTEGER";
         if (temporary && !column.nullable)
             throw tsql::unsupported("a column that must not be null added to a temporary table", statement.line);
-        connection_.run("ALTER TABLE " + table.storage + " ADD COLUMN " + tsql::quotedName(column.name) + " " + storage);
+        connection_.run("ALTER TABLE " + table.storage + " ADD COLUMN " + tsql::quotedName(column.name) + " " +
+                        TableBuilder::storageClass(column.type));
         if (column.defaultValue && !column.nullable && hasRows) {
             static const std::vector<tsql::Variable> kNone;
             const tsql::ValuePlan value = tsql::Binder(tsql::BindContext{catalog_, kNone}).value(*column.defaultValue, column.type);
@@ -111,7 +106,7 @@ void Engine::alterAdd(const tsql::AlterTableStatement& statement, TableDef table
     }
     for (std::size_t i = before.keys.size(); i < table.keys.size(); ++i) {
         try {
-            buildKey(table, table.keys[i].name, table.keys[i].columns, true);
+            builder_.buildKey(table, table.keys[i].name, table.keys[i].columns, true);
         } catch (const DbError& error) {
             if (error.native() != 2627)
                 throw;
@@ -155,7 +150,7 @@ void Engine::rewriteTable(const TableDef& table) {
     connection_.run("PRAGMA writable_schema=ON");
     {
         const Statement3 update(connection_.handle(), "UPDATE main.sqlite_schema SET sql=?1 WHERE type='table' AND name=?2 COLLATE NOCASE");
-        const std::string sql = "CREATE TABLE " + tsql::quotedName(table.name) + "(" + tableSql(table) + ") STRICT";
+        const std::string sql = "CREATE TABLE " + tsql::quotedName(table.name) + "(" + builder_.tableSql(table) + ") STRICT";
         sqlite3_bind_text(update.get(), 1, sql.c_str(), -1, SQLITE_TRANSIENT);
         sqlite3_bind_text(update.get(), 2, table.name.c_str(), -1, SQLITE_TRANSIENT);
         connection_.step(update.get());
@@ -277,8 +272,7 @@ void Engine::dropConstraints(const tsql::AlterTableStatement& statement, TableDe
                                               "', foreign key constraint '" + reference.name + "'.",
                                           statement.line);
             }
-            connection_.run("DROP INDEX IF EXISTS " + indexName(table, key->name));
-            connection_.run("DROP INDEX IF EXISTS " + indexName(table, key->name + "$null"));
+            builder_.dropKey(table, key->name);
             table.keys.erase(key);
             ++dropped;
         }

@@ -3,7 +3,6 @@
 
 #include "app/db/tsql/define_table.h"
 #include "app/db/tsql/errors.h"
-#include "app/db/tsql/literal.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
 
@@ -15,20 +14,6 @@ using tsql::StatementKind;
 using tsql::TableDef;
 
 namespace {
-
-const char* storageClass(const SqlType& type) {
-    if (type.isText() || type.kind == TypeKind::UniqueIdentifier)
-        return "TEXT COLLATE ts";
-    if (type.isBinary() || (type.kind == TypeKind::Decimal && type.precision > 18))
-        return "BLOB";
-    return type.isFloat() ? "REAL" : "INTEGER";
-}
-
-std::string quotedList(const std::vector<std::string>& names) {
-    std::vector<std::string> all;
-    std::transform(names.begin(), names.end(), std::back_inserter(all), [](const std::string& name) { return tsql::quotedName(name); });
-    return joined(all, ",");
-}
 
 bool sameColumns(std::vector<std::string> wanted, const std::vector<tsql::IndexColumn>& columns) {
     if (wanted.size() != columns.size())
@@ -152,7 +137,7 @@ void Engine::createTableOf(TableDef table, bool temporary) {
         table.foreignKeys.clear();
         table.storage = "temp." + tsql::quotedName(table.name + "_" + std::to_string(-table.id));
         typeComputed(catalog_, table);
-        buildTable(table);
+        builder_.build(table);
         const auto made = std::make_shared<const TableDef>(table);
         temporaries_.push(made);
         if (batch_.frame->caller || table.name.front() == '@')
@@ -164,94 +149,12 @@ void Engine::createTableOf(TableDef table, bool temporary) {
     typeComputed(catalog_, table);
     identities_.startOver(table.id);
     store_.add({table.id, table.name, "U", 0, tsql::tableSource(table), true, session_.now().ms()});
-    buildTable(table);
+    builder_.build(table);
     schemaTouched_ = true;
     if (!store_.find(table.name)) { // SELECT INTO goes on with it at once
         store_.load();
         ++version_;
     }
-}
-
-std::string Engine::tableSql(const TableDef& table) {
-    std::vector<std::string> elements;
-    static const std::vector<tsql::Variable> kNone;
-    for (const tsql::ColumnDef& column : table.columns) {
-        if (column.computed)
-            continue;
-        std::string text = tsql::quotedName(column.name) + " " + storageClass(column.type) + (column.nullable ? "" : " NOT NULL");
-        const bool needsDefault =
-            column.defaultValue && std::any_of(table.foreignKeys.begin(), table.foreignKeys.end(), [&](const tsql::ForeignKeyDef& key) {
-                const bool sets = key.onDelete == "SET DEFAULT" || key.onUpdate == "SET DEFAULT";
-                return sets && std::any_of(key.columns.begin(), key.columns.end(),
-                                           [&](const std::string& one) { return tsql::sameName(one, column.name); });
-            });
-        if (needsDefault) {
-            const tsql::ValuePlan value = tsql::Binder(tsql::BindContext{catalog_, kNone}).value(*column.defaultValue, column.type);
-            if (!value.isLiteral)
-                throw tsql::unsupported("ON DELETE SET DEFAULT with a default that is no constant");
-            text += " DEFAULT (" + tsql::literalSql(value.literal) + ")";
-        }
-        elements.push_back(std::move(text));
-    }
-    for (const tsql::CheckDef& check : table.checks) {
-        if (check.enabled)
-            elements.push_back("CONSTRAINT " + tsql::quotedName(check.name) + " CHECK (" +
-                               tsql::Binder(tsql::BindContext{catalog_, kNone}).check(table, *check.expr) + ")");
-    }
-    for (const tsql::ForeignKeyDef& key : table.foreignKeys) {
-        if (!key.enabled)
-            continue;
-        std::string text = "CONSTRAINT " + tsql::quotedName(key.name) + " FOREIGN KEY (" + quotedList(key.columns) + ") REFERENCES " +
-                           tsql::quotedName(key.table) + "(" + quotedList(key.refColumns) + ")";
-        if (!key.onDelete.empty())
-            text += " ON DELETE " + key.onDelete;
-        if (!key.onUpdate.empty())
-            text += " ON UPDATE " + key.onUpdate;
-        elements.push_back(std::move(text));
-    }
-    return joined(elements, ",");
-}
-
-void Engine::buildTable(const TableDef& table) {
-    connection_.run("CREATE TABLE " + table.storage + "(" + tableSql(table) + ") STRICT");
-    buildIndexes(table);
-}
-
-void Engine::buildIndexes(const TableDef& table) {
-    for (const tsql::KeyDef& key : table.keys)
-        buildKey(table, key.name, key.columns, true);
-    for (const tsql::IndexDef& index : table.indexes)
-        buildKey(table, index.name, index.columns, index.unique);
-}
-
-std::string Engine::indexName(const TableDef& table, const std::string& name) const {
-    return std::string(table.isTemporary() ? "temp." : "main.") + tsql::quotedName("ix" + std::to_string(table.id) + "_" + name);
-}
-
-// An index of SQLite. Where a unique one has columns that may be null a second one keeps the nulls unique as well.
-void Engine::buildKey(const TableDef& table, const std::string& name, const std::vector<tsql::IndexColumn>& columns, bool unique) {
-    std::string list;
-    std::string nulls;
-    std::string condition;
-    for (const tsql::IndexColumn& column : columns) {
-        const tsql::ColumnDef& definition = table.columns[static_cast<std::size_t>(table.find(column.name))];
-        if (definition.computed) {
-            if (unique)
-                throw tsql::unsupported("a unique index of a computed column");
-            return; // such an index changes no answer
-        }
-        const std::string quoted = tsql::quotedName(definition.name);
-        list += (list.empty() ? "" : ",") + quoted + (column.descending ? " DESC" : "");
-        const bool text = definition.type.isText() || definition.type.kind == TypeKind::UniqueIdentifier;
-        nulls += (nulls.empty() ? "" : ",") + (quoted + " IS NULL,ifnull(" + quoted + ",0)" + (text ? " COLLATE ts" : ""));
-        if (definition.nullable)
-            condition += (condition.empty() ? "" : " OR ") + quoted + " IS NULL";
-    }
-    const std::string bare = table.storage.substr(table.storage.find('.') + 1);
-    connection_.run(std::string("CREATE ") + (unique ? "UNIQUE " : "") + "INDEX " + indexName(table, name) + " ON " + bare + "(" + list +
-                    ")");
-    if (unique && !condition.empty())
-        connection_.run("CREATE UNIQUE INDEX " + indexName(table, name + "$null") + " ON " + bare + "(" + nulls + ") WHERE " + condition);
 }
 
 void Engine::checkForeignKeys(TableDef& table, int line) {

@@ -30,7 +30,7 @@ void Engine::createIndex(const tsql::CreateIndexStatement& statement) {
     TableDef changed = *table;
     changed.indexes.push_back({statement.name, statement.unique, statement.clustered, statement.columns});
     try {
-        buildKey(changed, statement.name, statement.columns, statement.unique);
+        builder_.buildKey(changed, statement.name, statement.columns, statement.unique);
     } catch (const DbError& error) {
         if (error.native() != 2627)
             throw;
@@ -67,8 +67,7 @@ void Engine::dropIndex(const tsql::DropStatement& statement) {
             3701, "Cannot drop the index '" + table->name + "." + name + "', because it does not exist or you do not have permission.",
             statement.line);
     }
-    connection_.run("DROP INDEX IF EXISTS " + indexName(*table, found->name));
-    connection_.run("DROP INDEX IF EXISTS " + indexName(*table, found->name + "$null"));
+    builder_.dropKey(*table, found->name);
     if (table->isTemporary()) {
         TableDef changed = *table;
         std::erase_if(changed.indexes, same);

@@ -214,7 +214,7 @@ void Engine::restoreTableVariables(const KeptTables& kept) {
     for (const auto& [table, rows] : kept) {
         const std::string& storage = table->storage;
         connection_.run("DROP TABLE IF EXISTS " + storage);
-        buildTable(*table);
+        builder_.build(*table);
         for (const std::vector<Cell>& row : rows) {
             std::string places;
             for (std::size_t i = 0; i < row.size(); ++i)

@@ -1,6 +1,7 @@
 #include "app/db/embedded/rowset.h"
 
 #include "app/db/dberror.h"
+#include "app/db/embedded/table_builder.h"
 
 namespace merchantry::db::embedded {
 namespace {
@@ -129,14 +130,6 @@ sqlite3_module makeModule() {
 
 const sqlite3_module kModule = makeModule();
 
-const char* storageClass(const SqlType& type) {
-    if (type.isText() || type.kind == TypeKind::UniqueIdentifier)
-        return "TEXT COLLATE ts";
-    if (type.isBinary() || (type.kind == TypeKind::Decimal && type.precision > 18))
-        return "BLOB";
-    return type.isFloat() ? "REAL" : "INTEGER";
-}
-
 } // namespace
 
 void RowsetRegistry::attach(sqlite3* db) {
@@ -146,7 +139,8 @@ void RowsetRegistry::attach(sqlite3* db) {
 void RowsetRegistry::define(const std::string& name, const tsql::TableDef& shape) {
     std::string declaration = "CREATE TABLE x(";
     for (std::size_t i = 0; i < shape.columns.size(); ++i)
-        declaration += (i > 0 ? "," : "") + tsql::quotedName(shape.columns[i].name) + " " + storageClass(shape.columns[i].type);
+        declaration +=
+            (i > 0 ? "," : "") + tsql::quotedName(shape.columns[i].name) + " " + TableBuilder::storageClass(shape.columns[i].type);
     declaration += ")";
     const auto found = entries_.find(name);
     if (found != entries_.end() && found->second.declaration == declaration)
