@@ -19,18 +19,10 @@ constexpr std::size_t kMostBatches = 300;
 
 Engine::Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<SharedState> shared)
     : connection_(file, durable), store_(connection_), catalog_(store_, temporaries_, rows_),
-      identities_(connection_, catalog_, std::move(shared)), textOrder_(textOrderOf(connection_.handle())) {
+      identities_(connection_, catalog_, std::move(shared)) {
     connection_.host = this;
     registerFunctions(connection_.handle(), *this);
     rows_.attach(connection_.handle());
-    sqlite3* db = connection_.handle();
-    readVersion_ = Statement3(db, "PRAGMA user_version", true);
-    begin_ = Statement3(db, "BEGIN", true);
-    savepoint_ = Statement3(db, "SAVEPOINT ts_statement", true);
-    release_ = Statement3(db, "RELEASE ts_statement", true);
-    beginWrite_ = Statement3(db, "BEGIN IMMEDIATE", true);
-    commit_ = Statement3(db, "COMMIT", true);
-    rollback_ = Statement3(db, "ROLLBACK", true);
 }
 
 Engine::~Engine() {
@@ -92,9 +84,12 @@ std::vector<DbError> Engine::errorsOf(ResultSink& sink, const std::function<void
     const BatchScope running(batch_, sink);
     failure.reset();
     {
-        const AtEnd batch([&] { endBatch(nested); });
+        const AtEnd batch([&] {
+            if (!nested)
+                transaction_.endBatch();
+        });
         try {
-            startBatch();
+            transaction_.refresh();
             body();
         } catch (const BatchEnd&) {
         } catch (const ScopeEnd& end) {
@@ -120,24 +115,6 @@ void Engine::runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& 
         if (parameters[i].output)
             parameters[i].value = tsql::valueOf(frame.variables[i], code->variables[i].type);
     }
-}
-
-void Engine::startBatch() {
-    refreshSchema();
-}
-
-void Engine::endBatch(bool nested) {
-    if (nested)
-        return;
-    endRead();
-    if (doomed_) {
-        rollbackAll();
-        batch_.note(DbError(DbError::Category::Transaction, 3998,
-                            "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back.")
-                        .withSeverity(16, 1));
-    }
-    if (tranCount_ == 0 && inWrite_)
-        rollbackAll();
 }
 
 // ---- code
@@ -175,6 +152,9 @@ std::shared_ptr<Code> Engine::batchCode(std::string_view text, const std::vector
 }
 
 std::shared_ptr<Code> Engine::moduleCode(const StoredObject& object) {
+    if (modulesOf_ != schema_.readings())
+        modules_.clear();
+    modulesOf_ = schema_.readings();
     std::shared_ptr<Code>& known = modules_[object.id];
     if (known)
         return known;
@@ -268,7 +248,7 @@ SqlType Engine::typeOf(const tsql::TypeName& name, bool& nullable) {
 // ---- the session's own
 
 TableShape Engine::tableShape(std::string_view name) {
-    startBatch();
+    transaction_.refresh();
     tsql::ObjectName object;
     for (std::string part : split(trimmed(name), ".")) {
         if (part.size() > 1 && part.front() == '[' && part.back() == ']')
@@ -277,7 +257,7 @@ TableShape Engine::tableShape(std::string_view name) {
     }
     const std::shared_ptr<const tsql::TableDef> table = catalog_.table(object);
     if (!batch_.frame)
-        endRead();
+        transaction_.endRead();
     if (!table)
         throw tsql::nameError(208, "Invalid object name '" + std::string(name) + "'.", 0);
     TableShape shape;
@@ -308,17 +288,15 @@ TableShape Engine::tableShape(std::string_view name) {
 }
 
 void Engine::begin() {
-    beginTransaction();
+    transaction_.begin();
 }
 
 void Engine::commit() {
-    commitTransaction();
+    transaction_.commit();
 }
 
 void Engine::rollback() {
-    if (tranCount_ == 0)
-        throw serverError(3903, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
-    rollbackAll();
+    transaction_.rollback();
 }
 
 Value Engine::lastIdentity() const {
@@ -331,8 +309,7 @@ void Engine::cancel() {
 }
 
 void Engine::reset() {
-    if (tranCount_ > 0 || inWrite_ || inRead_)
-        rollbackAll();
+    transaction_.reset();
     setReadOnly(false);
     const std::vector<std::shared_ptr<const tsql::TableDef>> temporaries = temporaries_.all();
     for (const std::shared_ptr<const tsql::TableDef>& table : temporaries) {

@@ -4,9 +4,11 @@
 #include "app/db/embedded/connection.h"
 #include "app/db/embedded/identities.h"
 #include "app/db/embedded/rowset.h"
+#include "app/db/embedded/schema_version.h"
 #include "app/db/embedded/session_catalog.h"
 #include "app/db/embedded/table_builder.h"
-#include "app/db/embedded/text_order.h"
+#include "app/db/embedded/temporary_undo.h"
+#include "app/db/embedded/transaction.h"
 #include "app/db/session.h"
 #include "base/guard.h"
 
@@ -21,7 +23,6 @@
 namespace merchantry::db::embedded {
 
 class WriteScope;
-class TriggerCount;
 
 // One connection to a store file that runs T-SQL: it keeps the compiled batches and modules, the transaction and the settings.
 // The store lends it to one session after another. One thread, but for cancel.
@@ -36,7 +37,7 @@ public:
     void begin();
     void commit();
     void rollback();
-    int transactionDepth() const { return tranCount_; }
+    int transactionDepth() const { return transaction_.count(); }
     Value lastIdentity() const;
     void cancel();
     void setReadOnly(bool readOnly) { connection_.setReadOnly(readOnly); }
@@ -65,10 +66,6 @@ public:
 
 private:
     enum class Flow { Next, Break, Continue, Return, Goto };
-    struct SavedPoint {
-        std::string name;
-        std::string sqlName;
-    };
     struct Captured {
         std::shared_ptr<const tsql::TableDef> table;
         std::shared_ptr<Rowset> inserted = std::make_shared<Rowset>();
@@ -91,11 +88,6 @@ private:
     void checkOne(const tsql::StatementPtr& statement);
     void checkLabels(const tsql::Block& block) const;
     void checkStatement(const tsql::Statement& statement);
-    void startBatch();
-    void endBatch(bool nested);
-    void refreshSchema();
-    void readCatalogue();
-    void schemaChanged();
 
     // flow
     Flow runBlock(const tsql::Block& block);
@@ -109,6 +101,7 @@ private:
     void runDeclare(const tsql::DeclareStatement& statement);
     void runDeclareTable(const tsql::DeclareTableStatement& statement);
     void runSet(const tsql::SetVariableStatement& statement);
+    void runTransaction(const tsql::TransactionStatement& statement);
     void runOption(const tsql::SetOptionStatement& statement);
     void setOption(const std::string& option, const tsql::SetOptionStatement& statement);
     void runRaise(const tsql::RaiseStatement& statement);
@@ -138,8 +131,6 @@ private:
     PlanPtr updatePlan(const tsql::UpdateStatement& statement);
     PlanPtr deletePlan(const tsql::DeleteStatement& statement);
     Wanted wantedOf(const tsql::Statement& statement);
-    friend class WriteScope;
-    friend class TriggerCount;
     Cell valueAt(StatementPlan& plan, std::size_t index);
     bool conditionOf(const tsql::Statement& statement, const tsql::Expr& expr);
     void bindPlaces(sqlite3_stmt* statement, const std::vector<tsql::Placeholder>& places);
@@ -220,23 +211,6 @@ private:
     std::optional<DbError> runDeeper(Frame& frame);
     void leaveFrame(Frame& frame);
 
-    // transactions
-    void runTransaction(const tsql::TransactionStatement& statement);
-    void beginTransaction();
-    void commitTransaction();
-    // Throws nothing.
-    void rollbackAll();
-    void rollbackTo(const std::string& name);
-    void savePoint(const std::string& name);
-    void runKept(const Statement3& statement);
-    void beforeRead();
-    void beforeWrite();
-    void endRead();
-    using KeptTables = std::vector<std::pair<std::shared_ptr<const tsql::TableDef>, Rowset>>;
-    KeptTables keepTableVariables();
-    void restoreTableVariables(const KeptTables& kept);
-    void restoreTemporaries();
-
     // definitions
     void runDefinition(const tsql::Statement& statement);
     void define(const tsql::Statement& statement);
@@ -263,7 +237,6 @@ private:
     void rewriteTable(const tsql::TableDef& table);
     void verifyRows(const tsql::TableDef& table, const std::vector<tsql::CheckDef>& checks, const std::vector<tsql::ForeignKeyDef>& keys);
     SqlType typeOf(const tsql::TypeName& name, bool& nullable);
-    std::int64_t scalar(const std::string& sql);
 
     RowsetRegistry rows_; // before the connection, which it outlives
     Connection connection_;
@@ -272,8 +245,11 @@ private:
     SessionCatalog catalog_;
     Identities identities_;
     TableBuilder builder_{connection_, catalog_};
+    TemporaryUndo temporaryUndo_{connection_, temporaries_, builder_};
+    SchemaVersion schema_{connection_, store_};
     SessionState session_;
     BatchState batch_{session_};
+    Transaction transaction_{connection_, batch_, schema_, identities_, temporaryUndo_};
 
     // By table, event and whether they stand in place of it; found anew for each version of the schema.
     struct Triggering {
@@ -293,28 +269,8 @@ private:
     std::unordered_map<std::string, std::shared_ptr<Code>> batches_;
     std::array<std::size_t, 1024> seenBatches_{}; // hashes of the texts that came lately
     std::unordered_map<std::int64_t, std::shared_ptr<Code>> modules_;
-    std::uint64_t version_ = 1;
-    std::int64_t fileVersion_ = -1;
-    TextOrder textOrder_;
-    Statement3 readVersion_;
-    Statement3 savepoint_; // of a statement within a transaction
-    Statement3 release_;
-    Statement3 begin_;
-    Statement3 beginWrite_;
-    Statement3 commit_;
-    Statement3 rollback_;
+    std::uint64_t modulesOf_ = 0; // the reading of the catalogue that they hold for
 
-    // the transaction
-    int tranCount_ = 0;
-    bool inWrite_ = false; // SQLite has a write transaction open
-    bool inRead_ = false;
-    bool doomed_ = false;
-    bool schemaTouched_ = false;    // in this transaction
-    std::uint64_t transaction_ = 0; // counts rollbacks
-    std::string transactionName_;
-    std::vector<SavedPoint> savedPoints_;
-    int savedPointNumber_ = 0;
-    std::vector<std::shared_ptr<const tsql::TableDef>> droppedTemporaries_; // in this transaction
     bool checking_ = false;
 
     // rows captured for triggers and OUTPUT

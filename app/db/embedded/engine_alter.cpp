@@ -60,7 +60,7 @@ void Engine::alterAdd(const tsql::AlterTableStatement& statement, TableDef table
     typeComputed(catalog_, table);
     checkForeignKeys(table, statement.line);
     const bool temporary = table.isTemporary();
-    const bool hasRows = scalar("SELECT EXISTS(SELECT 1 FROM " + table.storage + ")") != 0;
+    const bool hasRows = connection_.single("SELECT EXISTS(SELECT 1 FROM " + table.storage + ")").integer != 0;
     for (std::size_t i = before.columns.size(); i < table.columns.size(); ++i) {
         const tsql::ColumnDef& column = table.columns[i];
         if (column.computed)
@@ -123,8 +123,9 @@ void Engine::verifyRows(const TableDef& table, const std::vector<tsql::CheckDef>
     static const std::vector<tsql::Variable> kNone;
     for (const tsql::CheckDef& check : checks) {
         const std::string condition = tsql::Binder(tsql::BindContext{catalog_, kNone}).check(table, *check.expr);
-        if (scalar("SELECT EXISTS(SELECT 1 FROM " + table.storage + " WHERE NOT (" + condition + "))") != 0)
-            throw serverError(547, "The ALTER TABLE statement conflicted with the CHECK constraint \"" + check.name + "\".")
+        if (connection_.single("SELECT EXISTS(SELECT 1 FROM " + table.storage + " WHERE NOT (" + condition + "))").integer != 0)
+            throw DbError(DbError::Category::Integrity, 547,
+                          "The ALTER TABLE statement conflicted with the CHECK constraint \"" + check.name + "\".")
                 .withSeverity(16, 0);
     }
     for (const tsql::ForeignKeyDef& key : keys) {
@@ -135,9 +136,12 @@ void Engine::verifyRows(const TableDef& table, const std::vector<tsql::CheckDef>
             matches +=
                 (matches.empty() ? "" : " AND ") + ("p." + tsql::quotedName(key.refColumns[i]) + "=c." + tsql::quotedName(key.columns[i]));
         }
-        if (scalar("SELECT EXISTS(SELECT 1 FROM " + table.storage + " AS c WHERE " + given + " AND NOT EXISTS(SELECT 1 FROM main." +
-                   tsql::quotedName(key.table) + " AS p WHERE " + matches + "))") != 0)
-            throw serverError(547, "The ALTER TABLE statement conflicted with the FOREIGN KEY constraint \"" + key.name + "\".")
+        if (connection_
+                .single("SELECT EXISTS(SELECT 1 FROM " + table.storage + " AS c WHERE " + given + " AND NOT EXISTS(SELECT 1 FROM main." +
+                        tsql::quotedName(key.table) + " AS p WHERE " + matches + "))")
+                .integer != 0)
+            throw DbError(DbError::Category::Integrity, 547,
+                          "The ALTER TABLE statement conflicted with the FOREIGN KEY constraint \"" + key.name + "\".")
                 .withSeverity(16, 0);
     }
 }
@@ -145,8 +149,8 @@ void Engine::verifyRows(const TableDef& table, const std::vector<tsql::CheckDef>
 // Puts the definition in the place of the one that the file has; the rows stay where they are. Requires: they fit.
 void Engine::rewriteTable(const TableDef& table) {
     store_.setSource(table.id, table.name, tsql::tableSource(table));
-    schemaTouched_ = true;
-    const std::int64_t version = scalar("PRAGMA schema_version");
+    schema_.touch();
+    const std::int64_t version = connection_.single("PRAGMA schema_version").integer;
     connection_.run("PRAGMA writable_schema=ON");
     {
         const Statement3 update(connection_.handle(), "UPDATE main.sqlite_schema SET sql=?1 WHERE type='table' AND name=?2 COLLATE NOCASE");
@@ -176,9 +180,11 @@ void Engine::alterColumn(const tsql::AlterTableStatement& statement, TableDef ta
     column.type = typeOf(clause.type, nullable);
     column.nullable = clause.nullable.value_or(nullable);
     const std::string quoted = tsql::quotedName(column.name);
-    if (!column.nullable && scalar("SELECT EXISTS(SELECT 1 FROM " + table.storage + " WHERE " + quoted + " IS NULL)") != 0)
-        throw serverError(515, "Cannot insert the value NULL into column '" + column.name + "', table 'dbo." + table.name +
-                                   "'; column does not allow nulls. UPDATE fails.")
+    if (!column.nullable &&
+        connection_.single("SELECT EXISTS(SELECT 1 FROM " + table.storage + " WHERE " + quoted + " IS NULL)").integer != 0)
+        throw DbError(DbError::Category::Integrity, 515,
+                      "Cannot insert the value NULL into column '" + column.name + "', table 'dbo." + table.name +
+                          "'; column does not allow nulls. UPDATE fails.")
             .withSeverity(16, 2);
     if (from == column.type)
         return rewriteTable(table);

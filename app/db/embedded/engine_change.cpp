@@ -1,7 +1,6 @@
 #include "app/db/embedded/engine.h"
 #include "app/db/embedded/row_view.h"
 #include "app/db/embedded/scopes.h"
-#include "app/db/embedded/write_scope.h"
 
 #include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
@@ -28,36 +27,37 @@ char eventOf(const tsql::ChangePlan& change) {
 void Engine::runInsert(const tsql::InsertStatement& statement) {
     if (statement.execute)
         return insertFromExecute(statement);
-    if (!isTemporaryName(statement.table) || tranCount_ > 0)
+    if (!isTemporaryName(statement.table) || transaction_.count() > 0)
         refreshForWrite();
     runChange(insertPlan(statement));
 }
 
 void Engine::runUpdate(const tsql::UpdateStatement& statement) {
-    if (!isTemporaryName(statement.table) || tranCount_ > 0)
+    if (!isTemporaryName(statement.table) || transaction_.count() > 0)
         refreshForWrite();
     runChange(updatePlan(statement));
 }
 
 void Engine::runDelete(const tsql::DeleteStatement& statement) {
-    if (!isTemporaryName(statement.table) || tranCount_ > 0)
+    if (!isTemporaryName(statement.table) || transaction_.count() > 0)
         refreshForWrite();
     runChange(deletePlan(statement));
 }
 
 // In a transaction the lock is taken now, so that what is bound cannot change any more.
 void Engine::refreshForWrite() {
-    if (tranCount_ > 0)
-        beforeWrite();
+    if (transaction_.count() > 0)
+        transaction_.beforeWrite();
 }
 
 void Engine::runChange(const PlanPtr& plan) {
     if (session_.settings.rowCount > 0)
         throw tsql::unsupported("SET ROWCOUNT for INSERT, UPDATE and DELETE");
     tsql::ChangePlan& change_plan = *plan->change;
-    WriteScope scope(*this, change_plan.table->isTemporary(), undoesItself(change_plan));
-    if (plan->version != version_ && !change_plan.table->isTemporary())
-        throw serverError(1205, "The tables were changed by another user while the statement began. Run it again.").withSeverity(13, 1);
+    WriteScope scope(transaction_, change_plan.table->isTemporary(), undoesItself(change_plan));
+    if (plan->version != schema_.number() && !change_plan.table->isTemporary())
+        throw DbError(DbError::Category::Busy, 1205, "The tables were changed by another user while the statement began. Run it again.")
+            .withSeverity(13, 1);
     change(*plan, scope);
     // A trigger that rolled back ends the batch.
     if (scope.isOver()) {
@@ -101,7 +101,7 @@ void Engine::change(StatementPlan& plan, WriteScope& scope) {
     }
     const Restore scopeIdentity(batch_.frame->scopeIdentity);
     {
-        const TriggerCount count(*this, scope.isOwn());
+        const TriggerCount count(transaction_, scope.isOwn());
         fireFor(change, captured, event);
     }
     session_.rowCount = rows;
@@ -222,7 +222,7 @@ void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
         const InsertExecScope inside(batch_, collector);
         runOne(*statement.execute);
     }
-    WriteScope scope(*this, isTemporaryName(statement.table));
+    WriteScope scope(transaction_, isTemporaryName(statement.table));
     std::int64_t rows = 0;
     for (const RowCollector::Set& set : collector.sets) {
         const tsql::ChangePlan plan = tsql::Binder(bindContext()).insertRow(statement, set.types);
@@ -238,7 +238,7 @@ void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
 
 void Engine::runTruncate(const tsql::TruncateStatement& statement) {
     const std::shared_ptr<const tsql::TableDef> table = catalog_.requireTable(statement.table, 4701);
-    WriteScope scope(*this, table->isTemporary());
+    WriteScope scope(transaction_, table->isTemporary());
     for (const auto& [other, key] : store_.referencesTo(table->name)) {
         if (other->id != table->id)
             throw tsql::typeError(4712,

@@ -80,7 +80,7 @@ void Engine::runCursor(const tsql::CursorStatement& statement) {
 void Engine::openCursor(Cursor& cursor, const tsql::CursorStatement& statement) {
     if (cursor.open)
         throw tsql::typeError(16905, "The cursor is already open.", statement.line);
-    beforeRead();
+    transaction_.beforeRead();
     const tsql::QueryPlan plan = tsql::Binder(bindContext()).query(*cursor.query);
     cursor.types.clear();
     for (const Column& column : plan.columns)

@@ -1,5 +1,5 @@
 #include "app/db/embedded/engine.h"
-#include "app/db/embedded/write_scope.h"
+#include "app/db/embedded/scopes.h"
 
 #include "app/db/tsql/define_table.h"
 #include "app/db/tsql/errors.h"
@@ -54,27 +54,17 @@ void Engine::runDefinition(const tsql::Statement& statement) {
     default:
         break;
     }
-    WriteScope scope(*this, temporary);
+    WriteScope scope(transaction_, temporary);
     Undo read([&] {
-        if (!temporary && schemaTouched_) { // what was read in between is not so
-            fileVersion_ = -1;
-            ++version_;
+        if (!temporary && schema_.touched()) { // what was read in between is not so
+            schema_.distrust();
         }
     });
     define(statement);
     read.keep();
     if (!temporary)
-        schemaChanged();
+        schema_.countUp();
     scope.finish();
-}
-
-// Counts the schema's number up and reads the catalogue as it is now.
-void Engine::schemaChanged() {
-    const std::int64_t next = scalar("PRAGMA user_version") + 1;
-    connection_.run("PRAGMA user_version=" + std::to_string(next));
-    fileVersion_ = next;
-    schemaTouched_ = true;
-    readCatalogue();
 }
 
 void Engine::define(const tsql::Statement& statement) {
@@ -150,11 +140,9 @@ void Engine::createTableOf(TableDef table, bool temporary) {
     identities_.startOver(table.id);
     store_.add({table.id, table.name, "U", 0, tsql::tableSource(table), true, session_.now().ms()});
     builder_.build(table);
-    schemaTouched_ = true;
-    if (!store_.find(table.name)) { // SELECT INTO goes on with it at once
-        store_.load();
-        ++version_;
-    }
+    schema_.touch();
+    if (!store_.find(table.name)) // SELECT INTO goes on with it at once
+        schema_.readHalfDone();
 }
 
 void Engine::checkForeignKeys(TableDef& table, int line) {
@@ -201,7 +189,7 @@ void Engine::runDeclareTable(const tsql::DeclareTableStatement& statement) {
         return;
     TableDef table = tsql::defineTable(name, statement.body, temporaries_.nextId(),
                                        [this](const tsql::TypeName& type, bool& nullable) { return typeOf(type, nullable); });
-    endRead();
+    transaction_.endRead();
     createTableOf(std::move(table), true);
 }
 

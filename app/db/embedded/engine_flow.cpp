@@ -147,12 +147,13 @@ Engine::Flow Engine::failed(DbError error, const tsql::Statement& statement) {
         throw BatchEnd{};
     }
     if (batch_.tries > 0) {
-        doomed_ = doomed_ || (fatal && tranCount_ > 0);
+        if (fatal)
+            transaction_.doom();
         throw error;
     }
     batch_.note(error);
     if (fatal || error.category() == DbError::Category::Storage) {
-        rollbackAll();
+        transaction_.rollbackAll();
         throw BatchEnd{};
     }
     return Flow::Next;

@@ -58,14 +58,15 @@ void Engine::runThrow(const tsql::ThrowStatement& statement) {
                     .withSeverity(16, static_cast<int>(valueAt(*plan, 2).integer));
     }
     if (batch_.tries > 0) {
-        doomed_ = doomed_ || (session_.settings.xactAbort && tranCount_ > 0);
+        if (session_.settings.xactAbort)
+            transaction_.doom();
         throw DbError(*error);
     }
     if (error->procedure().empty() && !batch_.frame->code->procedure.empty())
         error->in(batch_.frame->code->procedure);
     batch_.note(*error);
     if (session_.settings.xactAbort || batch_.inTrigger())
-        rollbackAll();
+        transaction_.rollbackAll();
     throw BatchEnd{};
 }
 
@@ -79,7 +80,7 @@ void Engine::runPrint(const tsql::PrintStatement& statement) {
 void Engine::runWait(const tsql::WaitForStatement& statement) {
     const PlanPtr plan = valuePlan(statement, {{statement.delay.get(), tsql::simpleType(TypeKind::DateTime)}});
     std::int64_t restMs = valueAt(*plan, 0).integer;
-    endRead();
+    transaction_.endRead();
     while (restMs > 0 && !batch_.cancelled) {
         const std::int64_t partMs = std::min<std::int64_t>(restMs, 50);
         std::this_thread::sleep_for(std::chrono::milliseconds(partMs));

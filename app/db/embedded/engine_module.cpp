@@ -188,8 +188,8 @@ void Engine::dropTable(const tsql::ObjectName& name, bool ifExists) {
     }
     if (table->isTemporary()) {
         connection_.run("DROP TABLE " + table->storage);
-        if (inWrite_)
-            droppedTemporaries_.push_back(table);
+        if (transaction_.isWriting())
+            temporaryUndo_.dropped(table);
         temporaries_.pop(table->name);
         std::erase_if(batch_.frame->temporaries, [&](const std::string& one) { return tsql::sameName(one, table->name); });
         return;
@@ -203,9 +203,7 @@ void Engine::dropTable(const tsql::ObjectName& name, bool ifExists) {
     identities_.forget(table->id);
     store_.remove(table->id);
     // Several tables of one statement may refer to each other.
-    store_.load();
-    schemaTouched_ = true;
-    ++version_;
+    schema_.readHalfDone();
 }
 
 } // namespace merchantry::db::embedded

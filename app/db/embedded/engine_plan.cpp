@@ -20,7 +20,7 @@ tsql::BindContext Engine::bindContext() {
 }
 
 bool Engine::isCurrent(const StatementPlan& plan) const {
-    return plan.version == version_ && (!plan.usesTemporary || plan.temporaryVersion == temporaries_.version());
+    return plan.version == schema_.number() && (!plan.usesTemporary || plan.temporaryVersion == temporaries_.version());
 }
 
 // The statement's plan, bound anew when the schema or a setting changed since.
@@ -42,7 +42,7 @@ Engine::PlanPtr Engine::planFor(const tsql::Statement& statement, const std::fun
             throw;
         throw ScopeEnd{error, batch_.frame};
     }
-    plan->version = version_;
+    plan->version = schema_.number();
     plan->temporaryVersion = temporaries_.version();
     plan->usesTemporary = catalog_.sawTemporary;
     plans[number] = plan;
@@ -140,7 +140,7 @@ Cell Engine::valueAt(StatementPlan& plan, std::size_t index) {
     if (value.variable >= 0)
         return batch_.frame->variables[static_cast<std::size_t>(value.variable)];
     if (value.sql.text.find(" FROM ") != std::string::npos)
-        beforeRead();
+        transaction_.beforeRead();
     Statement3 spare;
     sqlite3_stmt* statement = prepared(plan, index, value.sql, spare);
     const ResetGuard guard(statement);
@@ -163,7 +163,7 @@ bool Engine::isDeferred(const DbError& error) const {
 // Binds every statement once, so that a name that is wrong in a table that is there keeps the batch from running at all. What does not
 // exist yet may exist when its statement is reached.
 void Engine::check(Code& code) {
-    if (code.checked && code.version == version_)
+    if (code.checked && code.version == schema_.number())
         return;
     {
         const Restore checking(checking_, true);
@@ -171,7 +171,7 @@ void Engine::check(Code& code) {
         checkBlock(*code.body);
     }
     code.checked = true;
-    code.version = version_;
+    code.version = schema_.number();
 }
 
 void Engine::checkBlock(const tsql::Block& block) {

@@ -1,7 +1,6 @@
 #include "app/db/embedded/engine.h"
 #include "app/db/embedded/filestage.h"
 #include "app/db/embedded/scopes.h"
-#include "app/db/embedded/write_scope.h"
 
 #include "app/db/nativeerrors.h"
 #include "app/db/tsql/convert.h"
@@ -171,7 +170,7 @@ Engine::CallResult Engine::callModule(const StoredObject& object, const std::vec
     frame.code = result.code;
     frame.variables.resize(result.code->variables.size());
     bindArguments(*result.code, arguments, frame, outputOf);
-    const int entry = tranCount_;
+    const int entry = transaction_.count();
     if (std::optional<DbError> error = runDeeper(frame)) {
         batch_.note(error->in(result.code->procedure));
         result.ended = true;
@@ -179,11 +178,11 @@ Engine::CallResult Engine::callModule(const StoredObject& object, const std::vec
     }
     result.status = frame.returnValue;
     result.outputs.assign(frame.variables.begin(), frame.variables.begin() + static_cast<std::ptrdiff_t>(result.code->parameters.size()));
-    if (tranCount_ != entry) {
+    if (transaction_.count() != entry) {
         const DbError error =
-            serverError(266,
-                        "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = " +
-                            std::to_string(entry) + ", current count = " + std::to_string(tranCount_) + ".")
+            DbError(DbError::Category::Transaction, 266,
+                    "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = " +
+                        std::to_string(entry) + ", current count = " + std::to_string(transaction_.count()) + ".")
                 .withSeverity(16, 2);
         if (batch_.tries > 0)
             throw DbError(error);
@@ -263,16 +262,11 @@ void Engine::runShell(const tsql::ExecuteStatement& statement) {
 // Brings a store of an earlier order of texts to the newest; another session reads the catalogue, and with it the order, before its next
 // batch.
 void Engine::reindexTexts() {
-    WriteScope scope(*this);
-    if (textOrder_ == kNewestTextOrder)
+    WriteScope scope(transaction_);
+    if (schema_.textOrder() == kNewestTextOrder)
         return scope.finish();
-    Undo order([&, before = textOrder_] {
-        textOrder_ = before;
-        batch_.noting([&] { registerCollations(connection_.handle(), before); });
-    });
-    textOrder_ = kNewestTextOrder;
-    reorderTexts(connection_.handle());
-    schemaChanged();
+    Undo order([&, before = schema_.textOrder()] { batch_.noting([&] { schema_.compareBy(before); }); });
+    schema_.takeNewestTextOrder();
     order.keep();
     scope.finish();
 }

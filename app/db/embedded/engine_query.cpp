@@ -1,6 +1,6 @@
 #include "app/db/embedded/engine.h"
 #include "app/db/embedded/row_view.h"
-#include "app/db/embedded/write_scope.h"
+#include "app/db/embedded/scopes.h"
 
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
@@ -8,7 +8,7 @@
 namespace merchantry::db::embedded {
 
 void Engine::runSelect(const tsql::SelectStatement& statement) {
-    beforeRead();
+    transaction_.beforeRead();
     const PlanPtr plan = queryPlan(statement, *statement.query);
     if (plan->query->into)
         return selectInto(*plan, statement);
@@ -48,7 +48,7 @@ void Engine::runQuery(StatementPlan& plan, ResultSink& sink) {
 void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
     const tsql::QueryPlan& query = *plan.query;
     const bool temporary = query.into->isTemporary();
-    WriteScope scope(*this, temporary);
+    WriteScope scope(transaction_, temporary);
     if (temporary ? catalog_.table({{query.into->name}, 1}) != nullptr : store_.find(query.into->name) != nullptr)
         throw tsql::nameError(2714, "There is already an object named '" + query.into->name + "' in the database.", statement.line);
     tsql::TableDef table = *query.into;
@@ -76,15 +76,7 @@ Rowset Engine::rowsOf(const tsql::Sql3& sql) {
     const Statement3 statement(connection_.handle(), sql.text);
     if (batch_.frame)
         bindPlaces(statement.get(), sql.places);
-    Rowset rows;
-    const int columns = sqlite3_column_count(statement.get());
-    while (connection_.step(statement.get())) {
-        std::vector<Cell> row;
-        for (int i = 0; i < columns; ++i)
-            row.push_back(tsql::columnCell(statement.get(), i));
-        rows.push_back(std::move(row));
-    }
-    return rows;
+    return embedded::rowsOf(connection_, statement.get());
 }
 
 } // namespace merchantry::db::embedded

@@ -40,7 +40,7 @@ void Engine::setOption(const std::string& option, const tsql::SetOptionStatement
             throw tsql::typeError(8106, "Table '" + table->name + "' does not have the identity property. Cannot perform SET operation.",
                                   statement.line);
         catalog_.identityInsertTable = on ? table->id : 0;
-        ++version_;
+        schema_.changed();
     } else if (option == "IMPLICIT_TRANSACTIONS" || option == "CONCAT_NULL_YIELDS_NULL" || option == "ANSI_WARNINGS" ||
                option == "ARITHABORT" || option == "ANSI_PADDING") {
         const bool usual = option != "IMPLICIT_TRANSACTIONS";
@@ -65,7 +65,24 @@ void Engine::setOption(const std::string& option, const tsql::SetOptionStatement
         throw tsql::syntaxError(195, "'" + option + "' is not a recognized SET option.", statement.line);
     }
     if (option == "ANSI_NULLS")
-        ++version_;
+        schema_.changed();
+}
+
+void Engine::runTransaction(const tsql::TransactionStatement& statement) {
+    session_.rowCount = 0;
+    std::string name = statement.name;
+    if (!name.empty() && name.front() == '@')
+        name = batch_.value(tsql::Binder(bindContext()).variableSlot(name, statement.line)).bytes;
+    switch (statement.kind) {
+    case tsql::StatementKind::Begin:
+        return transaction_.begin(name);
+    case tsql::StatementKind::Commit:
+        return transaction_.commit();
+    case tsql::StatementKind::Save:
+        return transaction_.savePoint(name);
+    default:
+        return transaction_.rollback(name);
+    }
 }
 
 Cell Engine::systemValue(tsql::SystemValue value) {
@@ -82,7 +99,7 @@ Cell Engine::systemValue(tsql::SystemValue value) {
     case SystemValue::ScopeIdentity:
         return batch_.frame->scopeIdentity.isNull() ? Cell() : tsql::decimalCell(batch_.frame->scopeIdentity.integer, 38);
     case SystemValue::TranCount:
-        return Cell::ofInteger(tranCount_);
+        return Cell::ofInteger(transaction_.count());
     case SystemValue::NestLevel:
         return Cell::ofInteger(batch_.level);
     case SystemValue::FetchStatus:
@@ -105,7 +122,7 @@ Cell Engine::systemValue(tsql::SystemValue value) {
     case SystemValue::ErrorProcedure:
         return ofError([](const DbError& error) { return error.procedure().empty() ? Cell() : Cell::ofText(error.procedure()); });
     case SystemValue::XactState:
-        return Cell::ofInteger(doomed_ ? -1 : tranCount_ > 0 ? 1 : 0);
+        return Cell::ofInteger(transaction_.isDoomed() ? -1 : transaction_.count() > 0 ? 1 : 0);
     case SystemValue::DatabaseName:
         return Cell::ofText(catalog_.databaseName);
     case SystemValue::DateFirst:

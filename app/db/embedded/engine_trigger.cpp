@@ -1,7 +1,6 @@
 #define SQLITE_ENABLE_PREUPDATE_HOOK 1
 #include "app/db/embedded/engine.h"
 #include "app/db/embedded/scopes.h"
-#include "app/db/embedded/write_scope.h"
 
 #include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
@@ -35,7 +34,7 @@ std::shared_ptr<const tsql::TableDef> Engine::pseudoTable(const char* which, con
 
 const Engine::Triggers& Engine::triggersOf(std::int64_t table, char event, bool insteadOf) {
     Triggering& known = triggering_[{table, event, insteadOf}];
-    if (known.version == version_)
+    if (known.version == schema_.number())
         return known.triggers;
     Triggers triggers;
     for (const StoredObject* object : store_.childrenOf(table, "TR")) {
@@ -47,7 +46,7 @@ const Engine::Triggers& Engine::triggersOf(std::int64_t table, char event, bool 
             triggers.push_back(object);
     }
     known.triggers = std::move(triggers);
-    known.version = version_;
+    known.version = schema_.number();
     return known.triggers;
 }
 
@@ -55,7 +54,7 @@ const Engine::Triggers& Engine::triggersOf(std::int64_t table, char event, bool 
 // foreign keys, which change or delete rows of their own.
 const Engine::Tables& Engine::watchedTables(const std::shared_ptr<const tsql::TableDef>& table, char event) {
     Watched& watched = watched_[{table->id, event}];
-    if (watched.version == version_)
+    if (watched.version == schema_.number())
         return watched.tables;
     watched.tables.clear();
     Tables reached = {table};
@@ -74,7 +73,7 @@ const Engine::Tables& Engine::watchedTables(const std::shared_ptr<const tsql::Ta
                 reached.push_back(other);
         }
     }
-    watched.version = version_;
+    watched.version = schema_.number();
     return watched.tables;
 }
 
@@ -160,13 +159,13 @@ void Engine::fireTriggers(const std::shared_ptr<const tsql::TableDef>& table, ch
     const Frame* inner = batch_.frame;
     while (inner && !inner->isTrigger)
         inner = inner->caller;
-    const std::uint64_t transaction = transaction_;
+    const std::uint64_t rollbacks = transaction_.rollbacks();
     const Triggers triggers = triggersOf(table->id, event, insteadOf); // a copy: a trigger may define objects
     for (const StoredObject* trigger : triggers) {
         if (inner && inner->code->objectId == trigger->id)
             continue;
         runTrigger(*trigger, table, inserted, deleted, updated);
-        if (transaction != transaction_)
+        if (rollbacks != transaction_.rollbacks())
             return;
     }
 }
@@ -214,7 +213,7 @@ void Engine::runInstead(StatementPlan& plan) {
     static constexpr char kEvents[] = {'I', 'U', 'D'};
     const auto rows = static_cast<std::int64_t>(std::max(inserted->size(), deleted->size()));
     {
-        const TriggerCount count(*this, true);
+        const TriggerCount count(transaction_, true);
         const Restore instead(catalog_.inInstead, change.insteadOf);
         fireTriggers(change.insteadShape, kEvents[static_cast<int>(change.kind)], inserted, deleted, change.updated, true);
     }

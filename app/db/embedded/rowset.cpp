@@ -1,6 +1,7 @@
 #include "app/db/embedded/rowset.h"
 
 #include "app/db/dberror.h"
+#include "app/db/embedded/connection.h"
 #include "app/db/embedded/table_builder.h"
 
 namespace merchantry::db::embedded {
@@ -131,6 +132,18 @@ sqlite3_module makeModule() {
 const sqlite3_module kModule = makeModule();
 
 } // namespace
+
+Rowset rowsOf(Connection& connection, sqlite3_stmt* statement) {
+    Rowset rows;
+    const int columns = sqlite3_column_count(statement);
+    while (connection.step(statement)) {
+        std::vector<tsql::Cell> row;
+        for (int i = 0; i < columns; ++i)
+            row.push_back(tsql::columnCell(statement, i));
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
 
 void RowsetRegistry::attach(sqlite3* db) {
     db_ = db;

@@ -16,6 +16,10 @@ namespace merchantry::db::embedded {
 // Rows in memory.
 using Rowset = std::vector<std::vector<tsql::Cell>>;
 
+class Connection;
+// The rows that a prepared statement has left.
+Rowset rowsOf(Connection& connection, sqlite3_stmt* statement);
+
 // Rows in memory that statements read like tables: the inserted and deleted rows of a trigger, the catalogue views. Each name is
 // a virtual table of the connection that exists by itself. A transaction leaves them alone.
 class RowsetRegistry {

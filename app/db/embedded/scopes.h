@@ -2,6 +2,7 @@
 
 #include "app/db/embedded/batch_state.h"
 #include "app/db/embedded/temporary_tables.h"
+#include "app/db/embedded/transaction.h"
 #include "base/guard.h"
 
 namespace merchantry::db::embedded {
@@ -99,6 +100,44 @@ public:
 private:
     Restore<ResultSink*> sink_;
     Restore<bool> inside_;
+};
+
+// The piece of a transaction that one statement is: all of it or nothing. Outside a transaction it is one of its own, with the lock of the
+// writer from the start; inside it is a savepoint, or nothing where one statement of SQLite, which undoes itself, is all there is. Not
+// finished, it undoes what was done.
+class WriteScope {
+public:
+    explicit WriteScope(Transaction& transaction, bool temporaryOnly = false, bool undoesItself = false);
+    ~WriteScope();
+    WriteScope(const WriteScope&) = delete;
+    WriteScope& operator=(const WriteScope&) = delete;
+
+    // Keeps what was done. Without effect when the transaction around was rolled back meanwhile.
+    void finish();
+    // Whether the transaction was rolled back since.
+    bool isOver() const { return rollbacks_ != transaction_.rollbacks(); }
+    // Whether the statement stands in no transaction but its own.
+    bool isOwn() const { return mode_ == Mode::Own; }
+
+private:
+    enum class Mode { Own, SavePoint, Itself, Done };
+    Transaction& transaction_;
+    Mode mode_ = Mode::SavePoint;
+    std::uint64_t rollbacks_;
+};
+
+// While it lives, the triggers of a statement that is a transaction of its own see that one counted. Without effect within another.
+class TriggerCount {
+public:
+    TriggerCount(Transaction& transaction, bool own);
+    ~TriggerCount();
+    TriggerCount(const TriggerCount&) = delete;
+    TriggerCount& operator=(const TriggerCount&) = delete;
+
+private:
+    Transaction& transaction_;
+    bool own_;
+    std::uint64_t rollbacks_;
 };
 
 } // namespace merchantry::db::embedded
