@@ -28,6 +28,7 @@ struct BatchState {
     int tries = 0;               // TRY blocks around
     int level = 0;               // @@NESTLEVEL
     bool inInsertExec = false;
+    bool checking = false;        // its statements are bound, and not run
     std::int64_t scopeNumber = 0; // of the last frame that began
     std::atomic<bool> cancelled = false;
 

@@ -25,15 +25,17 @@ struct StatementPlan {
     std::vector<Statement3> statements; // of the query, the change or the values, by place
 };
 
+using PlanPtr = std::shared_ptr<StatementPlan>;
+
 // A parsed batch or module, with the plans of its statements. Kept by the session that runs it.
 struct Code {
     std::string text;
     tsql::Batch batch;         // of a batch
     tsql::StatementPtr module; // of a procedure, function or trigger
     const tsql::Block* body = nullptr;
-    std::vector<tsql::Variable> variables;             // parameters first
-    std::vector<std::shared_ptr<StatementPlan>> plans; // by statement number
-    std::string procedure;                             // its name
+    std::vector<tsql::Variable> variables; // parameters first
+    std::vector<PlanPtr> plans;            // by statement number
+    std::string procedure;                 // its name
     std::int64_t objectId = 0;
     // of a module
     struct Parameter {

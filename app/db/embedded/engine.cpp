@@ -11,12 +11,6 @@
 #include <utility>
 
 namespace merchantry::db::embedded {
-namespace {
-
-constexpr std::size_t kMostBatches = 300;
-
-} // namespace
-
 Engine::Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<SharedState> shared)
     : connection_(file, durable), store_(connection_), catalog_(store_, temporaries_, rows_),
       identities_(connection_, catalog_, std::move(shared)) {
@@ -25,15 +19,9 @@ Engine::Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<
     rows_.attach(connection_.handle());
 }
 
-Engine::~Engine() {
-    // Statements go before the connection that they belong to.
-    batches_.clear();
-    modules_.clear();
-}
-
 void Engine::execute(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink) {
     runTop(sink, [&] {
-        const std::shared_ptr<Code> code = batchCode(batch, parameters);
+        const std::shared_ptr<Code> code = code_.batch(batch, parameters);
         runCode(code, parameters);
     });
 }
@@ -115,134 +103,6 @@ void Engine::runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& 
         if (parameters[i].output)
             parameters[i].value = tsql::valueOf(frame.variables[i], code->variables[i].type);
     }
-}
-
-// ---- code
-
-std::shared_ptr<Code> Engine::batchCode(std::string_view text, const std::vector<Parameter>& parameters) {
-    std::string key(text);
-    if (!session_.settings.quotedIdentifiers)
-        key += "\x01q";
-    if (!session_.settings.ansiNulls)
-        key += "\x01n";
-    for (const Parameter& parameter : parameters)
-        key += "\x01" + parameter.name + " " +
-               (parameter.type.kind == TypeKind::Null ? tsql::typeOf(parameter.value) : parameter.type).toText();
-    const auto found = batches_.find(key);
-    if (found != batches_.end())
-        return found->second;
-    auto code = std::make_shared<Code>();
-    code->batch = tsql::parseBatch(text, session_.settings.quotedIdentifiers);
-    code->body = &code->batch.statements;
-    for (const Parameter& parameter : parameters) {
-        const std::string name = !parameter.name.empty() && parameter.name.front() == '@' ? parameter.name : "@" + parameter.name;
-        addVariable(*code, name, parameter.type.kind == TypeKind::Null ? tsql::typeOf(parameter.value) : parameter.type, false, 0);
-    }
-    addVariables(*code, *code->body);
-    // Most texts come once and never again; those that come twice are kept.
-    const std::size_t hash = std::hash<std::string>()(key);
-    std::size_t& seen = seenBatches_[hash % seenBatches_.size()];
-    if (seen == hash) {
-        if (batches_.size() >= kMostBatches)
-            batches_.clear();
-        batches_[key] = code;
-    }
-    seen = hash;
-    return code;
-}
-
-std::shared_ptr<Code> Engine::moduleCode(const StoredObject& object) {
-    if (modulesOf_ != schema_.readings())
-        modules_.clear();
-    modulesOf_ = schema_.readings();
-    std::shared_ptr<Code>& known = modules_[object.id];
-    if (known)
-        return known;
-    auto code = std::make_shared<Code>();
-    tsql::Batch batch = tsql::parseBatch(object.source);
-    code->module = std::move(batch.statements.at(0));
-    code->procedure = object.name;
-    code->objectId = object.id;
-    const std::vector<tsql::ParameterClause>* parameters = nullptr;
-    if (object.kind == "P") {
-        const auto& procedure = static_cast<const tsql::CreateProcedureStatement&>(*code->module);
-        code->body = &procedure.body;
-        parameters = &procedure.parameters;
-    } else if (object.kind == "TR") {
-        code->body = &static_cast<const tsql::CreateTriggerStatement&>(*code->module).body;
-    } else {
-        const auto& function = static_cast<const tsql::CreateFunctionStatement&>(*code->module);
-        code->body = &function.body;
-        parameters = &function.parameters;
-        if (!function.table) {
-            bool nullable = true;
-            code->returns = typeOf(function.returns, nullable);
-        }
-    }
-    if (parameters) {
-        for (const tsql::ParameterClause& clause : *parameters) {
-            bool nullable = true;
-            const SqlType type = typeOf(clause.type, nullable);
-            code->parameters.push_back({clause.name, type, clause.defaultValue.get(), clause.output});
-            addVariable(*code, clause.name, type, false, clause.line);
-        }
-    }
-    addVariables(*code, *code->body);
-    known = code;
-    return code;
-}
-
-void Engine::addVariable(Code& code, const std::string& name, const SqlType& type, bool isCursor, int line) {
-    for (const tsql::Variable& other : code.variables) {
-        if (tsql::sameName(other.name, name))
-            throw tsql::nameError(134,
-                                  "The variable name '" + name +
-                                      "' has already been declared. Variable names must be unique within a query batch or "
-                                      "stored procedure.",
-                                  line)
-                .withSeverity(15, 2);
-    }
-    code.variables.push_back({name, type, isCursor});
-}
-
-// Declarations count from where they stand to the end of the batch, whatever block they are in.
-void Engine::addVariables(Code& code, const tsql::Block& block) {
-    for (const tsql::StatementPtr& statement : block)
-        addVariablesOf(code, statement.get());
-}
-
-void Engine::addVariablesOf(Code& code, const tsql::Statement* statement) {
-    if (!statement)
-        return;
-    switch (statement->kind) {
-    case tsql::StatementKind::Declare:
-        for (const tsql::Declaration& variable : static_cast<const tsql::DeclareStatement&>(*statement).variables) {
-            bool nullable = true;
-            addVariable(code, variable.name, variable.cursor ? SqlType() : typeOf(variable.type, nullable), variable.cursor, variable.line);
-        }
-        break;
-    case tsql::StatementKind::BlockOf:
-        addVariables(code, static_cast<const tsql::BlockStatement&>(*statement).body);
-        break;
-    case tsql::StatementKind::TryCatch:
-        addVariables(code, static_cast<const tsql::TryStatement&>(*statement).body);
-        addVariables(code, static_cast<const tsql::TryStatement&>(*statement).handler);
-        break;
-    case tsql::StatementKind::If:
-        addVariablesOf(code, static_cast<const tsql::IfStatement&>(*statement).then.get());
-        addVariablesOf(code, static_cast<const tsql::IfStatement&>(*statement).otherwise.get());
-        break;
-    case tsql::StatementKind::While:
-        addVariablesOf(code, static_cast<const tsql::WhileStatement&>(*statement).body.get());
-        break;
-    default:
-        break;
-    }
-}
-
-SqlType Engine::typeOf(const tsql::TypeName& name, bool& nullable) {
-    static const std::vector<tsql::Variable> kNone;
-    return tsql::Binder(tsql::BindContext{catalog_, kNone}).declaredType(name, &nullable);
 }
 
 // ---- the session's own

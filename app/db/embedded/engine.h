@@ -1,8 +1,11 @@
 #pragma once
 
+#include "app/db/embedded/batch_check.h"
 #include "app/db/embedded/batch_state.h"
+#include "app/db/embedded/code_cache.h"
 #include "app/db/embedded/connection.h"
 #include "app/db/embedded/identities.h"
+#include "app/db/embedded/plans.h"
 #include "app/db/embedded/rowset.h"
 #include "app/db/embedded/schema_version.h"
 #include "app/db/embedded/session_catalog.h"
@@ -29,7 +32,6 @@ class WriteScope;
 class Engine : public FunctionHost {
 public:
     Engine(const std::filesystem::path& file, bool durable, std::shared_ptr<SharedState> shared);
-    ~Engine() override;
 
     void execute(std::string_view batch, std::vector<Parameter>& parameters, ResultSink& sink);
     void call(std::string_view procedure, std::vector<Parameter>& parameters, ResultSink& sink);
@@ -77,17 +79,6 @@ private:
     std::vector<DbError> errorsOf(ResultSink& sink, const std::function<void()>& body);
     void runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& parameters);
     BatchEnd failedByCancel();
-    bool isDeferred(const DbError& error) const;
-    std::shared_ptr<Code> batchCode(std::string_view text, const std::vector<Parameter>& parameters);
-    std::shared_ptr<Code> moduleCode(const StoredObject& object);
-    void addVariables(Code& code, const tsql::Block& block);
-    void addVariablesOf(Code& code, const tsql::Statement* statement);
-    void addVariable(Code& code, const std::string& name, const SqlType& type, bool isCursor, int line);
-    void check(Code& code);
-    void checkBlock(const tsql::Block& block);
-    void checkOne(const tsql::StatementPtr& statement);
-    void checkLabels(const tsql::Block& block) const;
-    void checkStatement(const tsql::Statement& statement);
 
     // flow
     Flow runBlock(const tsql::Block& block);
@@ -118,19 +109,6 @@ private:
     void openCursor(Cursor& cursor, const tsql::CursorStatement& statement);
 
     // plans
-    tsql::BindContext bindContext();
-    using PlanPtr = std::shared_ptr<StatementPlan>;
-    PlanPtr planFor(const tsql::Statement& statement, const std::function<void(StatementPlan&)>& bind);
-    bool isCurrent(const StatementPlan& plan) const;
-    using Wanted = std::vector<std::pair<const tsql::Expr*, std::optional<SqlType>>>;
-    PlanPtr valuePlan(const tsql::Statement& statement, const Wanted& values);
-    PlanPtr setPlan(const tsql::SetVariableStatement& statement);
-    PlanPtr conditionPlan(const tsql::Statement& statement, const tsql::Expr& expr);
-    PlanPtr queryPlan(const tsql::Statement& statement, const tsql::Query& query);
-    PlanPtr insertPlan(const tsql::InsertStatement& statement);
-    PlanPtr updatePlan(const tsql::UpdateStatement& statement);
-    PlanPtr deletePlan(const tsql::DeleteStatement& statement);
-    Wanted wantedOf(const tsql::Statement& statement);
     Cell valueAt(StatementPlan& plan, std::size_t index);
     bool conditionOf(const tsql::Statement& statement, const tsql::Expr& expr);
     void bindPlaces(sqlite3_stmt* statement, const std::vector<tsql::Placeholder>& places);
@@ -236,7 +214,6 @@ private:
     void enableTriggers(const tsql::AlterTableStatement& statement, const tsql::TableDef& table);
     void rewriteTable(const tsql::TableDef& table);
     void verifyRows(const tsql::TableDef& table, const std::vector<tsql::CheckDef>& checks, const std::vector<tsql::ForeignKeyDef>& keys);
-    SqlType typeOf(const tsql::TypeName& name, bool& nullable);
 
     RowsetRegistry rows_; // before the connection, which it outlives
     Connection connection_;
@@ -249,6 +226,9 @@ private:
     SchemaVersion schema_{connection_, store_};
     SessionState session_;
     BatchState batch_{session_};
+    CodeCache code_{catalog_, schema_, session_};
+    Plans plans_{batch_, catalog_, schema_, temporaries_};
+    BatchCheck check_{batch_, plans_, schema_};
     Transaction transaction_{connection_, batch_, schema_, identities_, temporaryUndo_};
 
     // By table, event and whether they stand in place of it; found anew for each version of the schema.
@@ -264,14 +244,6 @@ private:
     };
     std::map<std::pair<std::int64_t, char>, Watched> watched_;
     bool hooked_ = false; // SQLite tells of each changed row
-
-    // compiled code
-    std::unordered_map<std::string, std::shared_ptr<Code>> batches_;
-    std::array<std::size_t, 1024> seenBatches_{}; // hashes of the texts that came lately
-    std::unordered_map<std::int64_t, std::shared_ptr<Code>> modules_;
-    std::uint64_t modulesOf_ = 0; // the reading of the catalogue that they hold for
-
-    bool checking_ = false;
 
     // rows captured for triggers and OUTPUT
     struct CaptureState {

@@ -56,7 +56,8 @@ void Engine::alterTable(const tsql::AlterTableStatement& statement) {
 void Engine::alterAdd(const tsql::AlterTableStatement& statement, TableDef table) {
     const TableDef before = table;
     tsql::addToTable(
-        table, statement.body, [this](const tsql::TypeName& type, bool& nullable) { return typeOf(type, nullable); }, false);
+        table, statement.body, [this](const tsql::TypeName& type, bool& nullable) { return catalog_.declaredType(type, &nullable); },
+        false);
     typeComputed(catalog_, table);
     checkForeignKeys(table, statement.line);
     const bool temporary = table.isTemporary();
@@ -177,7 +178,7 @@ void Engine::alterColumn(const tsql::AlterTableStatement& statement, TableDef ta
         throw tsql::typeError(4928, "Cannot alter column '" + column.name + "' because it is computed.", statement.line);
     const SqlType from = column.type;
     bool nullable = true;
-    column.type = typeOf(clause.type, nullable);
+    column.type = catalog_.declaredType(clause.type, &nullable);
     column.nullable = clause.nullable.value_or(nullable);
     const std::string quoted = tsql::quotedName(column.name);
     if (!column.nullable &&

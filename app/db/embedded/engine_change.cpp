@@ -29,19 +29,19 @@ void Engine::runInsert(const tsql::InsertStatement& statement) {
         return insertFromExecute(statement);
     if (!isTemporaryName(statement.table) || transaction_.count() > 0)
         refreshForWrite();
-    runChange(insertPlan(statement));
+    runChange(plans_.insert(statement));
 }
 
 void Engine::runUpdate(const tsql::UpdateStatement& statement) {
     if (!isTemporaryName(statement.table) || transaction_.count() > 0)
         refreshForWrite();
-    runChange(updatePlan(statement));
+    runChange(plans_.update(statement));
 }
 
 void Engine::runDelete(const tsql::DeleteStatement& statement) {
     if (!isTemporaryName(statement.table) || transaction_.count() > 0)
         refreshForWrite();
-    runChange(deletePlan(statement));
+    runChange(plans_.remove(statement));
 }
 
 // In a transaction the lock is taken now, so that what is bound cannot change any more.
@@ -55,7 +55,7 @@ void Engine::runChange(const PlanPtr& plan) {
         throw tsql::unsupported("SET ROWCOUNT for INSERT, UPDATE and DELETE");
     tsql::ChangePlan& change_plan = *plan->change;
     WriteScope scope(transaction_, change_plan.table->isTemporary(), undoesItself(change_plan));
-    if (plan->version != schema_.number() && !change_plan.table->isTemporary())
+    if (!plans_.isOfThisSchema(*plan) && !change_plan.table->isTemporary())
         throw DbError(DbError::Category::Busy, 1205, "The tables were changed by another user while the statement began. Run it again.")
             .withSeverity(13, 1);
     change(*plan, scope);
@@ -225,7 +225,7 @@ void Engine::insertFromExecute(const tsql::InsertStatement& statement) {
     WriteScope scope(transaction_, isTemporaryName(statement.table));
     std::int64_t rows = 0;
     for (const RowCollector::Set& set : collector.sets) {
-        const tsql::ChangePlan plan = tsql::Binder(bindContext()).insertRow(statement, set.types);
+        const tsql::ChangePlan plan = plans_.binder().insertRow(statement, set.types);
         const CapturedTables captured = captureOf(plan.table, 'I', false, [&] { insertRows(plan, set.rows); });
         noteScopeIdentity(*plan.table, static_cast<std::int64_t>(set.rows.size()));
         const Restore scopeIdentity(batch_.frame->scopeIdentity);

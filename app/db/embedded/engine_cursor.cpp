@@ -14,7 +14,7 @@ using Fetch = tsql::CursorStatement::Fetch;
 
 Cursor* Engine::findCursor(const std::string& name) {
     if (!name.empty() && name.front() == '@') {
-        const int slot = tsql::Binder(bindContext()).variableSlot(name, 0);
+        const int slot = plans_.slotOf(name, 0);
         const auto variable = batch_.frame->cursorVariables.find(slot);
         return variable == batch_.frame->cursorVariables.end() ? nullptr : findCursor(variable->second);
     }
@@ -43,7 +43,7 @@ void Engine::runCursor(const tsql::CursorStatement& statement) {
         std::string key = lowerCase(statement.name);
         const bool isVariable = statement.name.front() == '@';
         if (isVariable) {
-            const int slot = tsql::Binder(bindContext()).variableSlot(statement.name, statement.line);
+            const int slot = plans_.slotOf(statement.name, statement.line);
             key = "\x01" + std::to_string(++session_.cursorNumber);
             batch_.frame->cursorVariables[slot] = key;
         }
@@ -69,7 +69,7 @@ void Engine::runCursor(const tsql::CursorStatement& statement) {
         cursorOf(statement);
         std::string key = lowerCase(statement.name);
         if (statement.name.front() == '@')
-            key = batch_.frame->cursorVariables[tsql::Binder(bindContext()).variableSlot(statement.name, 0)];
+            key = batch_.frame->cursorVariables[plans_.slotOf(statement.name, 0)];
         if (batch_.frame->cursors.erase(key) == 0)
             session_.cursors.erase(key);
         return;
@@ -81,7 +81,7 @@ void Engine::openCursor(Cursor& cursor, const tsql::CursorStatement& statement) 
     if (cursor.open)
         throw tsql::typeError(16905, "The cursor is already open.", statement.line);
     transaction_.beforeRead();
-    const tsql::QueryPlan plan = tsql::Binder(bindContext()).query(*cursor.query);
+    const tsql::QueryPlan plan = plans_.binder().query(*cursor.query);
     cursor.types.clear();
     for (const Column& column : plan.columns)
         cursor.types.push_back(column.type);
@@ -97,7 +97,7 @@ void Engine::fetch(const tsql::CursorStatement& statement) {
     const auto count = static_cast<std::int64_t>(cursor.rows.size());
     std::int64_t position = 0;
     if (statement.position) {
-        const PlanPtr plan = valuePlan(statement, {{statement.position.get(), tsql::simpleType(TypeKind::Int)}});
+        const PlanPtr plan = plans_.values(statement, {{statement.position.get(), tsql::simpleType(TypeKind::Int)}});
         position = valueAt(*plan, 0).integer;
     }
     switch (statement.fetch) {
@@ -133,7 +133,7 @@ void Engine::fetch(const tsql::CursorStatement& statement) {
         throw tsql::unsupported("FETCH without INTO", statement.line);
     const std::vector<Cell>& row = cursor.rows[static_cast<std::size_t>(cursor.at)];
     for (std::size_t i = 0; i < statement.into.size(); ++i) {
-        const int slot = tsql::Binder(bindContext()).variableSlot(statement.into[i], statement.line);
+        const int slot = plans_.slotOf(statement.into[i], statement.line);
         batch_.assign(slot, tsql::converted(row[i], cursor.types[i], batch_.frame->code->variables[static_cast<std::size_t>(slot)].type));
     }
     session_.rowCount = 1;

@@ -108,8 +108,8 @@ void Engine::createTable(const tsql::ObjectName& name, const tsql::TableBody& bo
     if (temporary ? catalog_.table(name) != nullptr && ownsTemporary(name.last()) : store_.find(name.last()) != nullptr)
         throw tsql::nameError(2714, "There is already an object named '" + name.last() + "' in the database.", name.line);
     const std::int64_t id = temporary ? temporaries_.nextId() : store_.nextId();
-    TableDef table =
-        tsql::defineTable(name, body, id, [this](const tsql::TypeName& type, bool& nullable) { return typeOf(type, nullable); });
+    TableDef table = tsql::defineTable(
+        name, body, id, [this](const tsql::TypeName& type, bool& nullable) { return catalog_.declaredType(type, &nullable); });
     createTableOf(std::move(table), temporary);
 }
 
@@ -187,8 +187,9 @@ void Engine::runDeclareTable(const tsql::DeclareTableStatement& statement) {
     const auto& own = batch_.frame->temporaries;
     if (std::find(own.begin(), own.end(), statement.name) != own.end()) // in a loop the table of the last round stays
         return;
-    TableDef table = tsql::defineTable(name, statement.body, temporaries_.nextId(),
-                                       [this](const tsql::TypeName& type, bool& nullable) { return typeOf(type, nullable); });
+    TableDef table = tsql::defineTable(name, statement.body, temporaries_.nextId(), [this](const tsql::TypeName& type, bool& nullable) {
+        return catalog_.declaredType(type, &nullable);
+    });
     transaction_.endRead();
     createTableOf(std::move(table), true);
 }

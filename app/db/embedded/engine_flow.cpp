@@ -16,63 +16,10 @@ namespace merchantry::db::embedded {
 
 using tsql::StatementKind;
 
-namespace {
-
-void gatherLabels(const tsql::Statement* statement, std::set<std::string>& labels, std::vector<const tsql::GotoStatement*>& jumps);
-
-void gatherLabels(const tsql::Block& block, std::set<std::string>& labels, std::vector<const tsql::GotoStatement*>& jumps) {
-    for (const tsql::StatementPtr& statement : block)
-        gatherLabels(statement.get(), labels, jumps);
-}
-
-void gatherLabels(const tsql::Statement* statement, std::set<std::string>& labels, std::vector<const tsql::GotoStatement*>& jumps) {
-    if (!statement)
-        return;
-    switch (statement->kind) {
-    case StatementKind::Label:
-        labels.insert(static_cast<const tsql::GotoStatement*>(statement)->label);
-        break;
-    case StatementKind::Goto:
-        jumps.push_back(static_cast<const tsql::GotoStatement*>(statement));
-        break;
-    case StatementKind::BlockOf:
-        gatherLabels(static_cast<const tsql::BlockStatement*>(statement)->body, labels, jumps);
-        break;
-    case StatementKind::TryCatch:
-        gatherLabels(static_cast<const tsql::TryStatement*>(statement)->body, labels, jumps);
-        gatherLabels(static_cast<const tsql::TryStatement*>(statement)->handler, labels, jumps);
-        break;
-    case StatementKind::If:
-        gatherLabels(static_cast<const tsql::IfStatement*>(statement)->then.get(), labels, jumps);
-        gatherLabels(static_cast<const tsql::IfStatement*>(statement)->otherwise.get(), labels, jumps);
-        break;
-    case StatementKind::While:
-        gatherLabels(static_cast<const tsql::WhileStatement*>(statement)->body.get(), labels, jumps);
-        break;
-    default:
-        break;
-    }
-}
-
-} // namespace
-
-void Engine::checkLabels(const tsql::Block& block) const {
-    std::set<std::string> labels;
-    std::vector<const tsql::GotoStatement*> jumps;
-    gatherLabels(block, labels, jumps);
-    for (const tsql::GotoStatement* jump : jumps) {
-        const bool known =
-            std::any_of(labels.begin(), labels.end(), [&](const std::string& label) { return tsql::sameName(label, jump->label); });
-        if (!known)
-            throw tsql::syntaxError(133, "A GOTO statement references the label '" + jump->label + "' but the label has not been declared.",
-                                    jump->line);
-    }
-}
-
 Engine::Flow Engine::runFrame(Frame& frame) {
     const FrameScope here(batch_, temporaries_, frame);
     const AtEnd leave([&] { leaveFrame(frame); });
-    check(*frame.code);
+    check_.check(*frame.code);
     return runBlock(*frame.code->body);
 }
 
@@ -218,7 +165,7 @@ Engine::Flow Engine::runOne(const tsql::Statement& statement) {
         runExecute(static_cast<const tsql::ExecuteStatement&>(statement));
         return Flow::Next;
     case StatementKind::ExecuteText: {
-        const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+        const PlanPtr plan = plans_.values(statement);
         runExecuteText(valueAt(*plan, 0).bytes);
         return Flow::Next;
     }
@@ -301,7 +248,7 @@ Engine::Flow Engine::runHandler(const tsql::TryStatement& statement, const DbErr
 Engine::Flow Engine::runReturn(const tsql::ReturnStatement& statement) {
     if (!statement.value)
         return Flow::Return;
-    const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+    const PlanPtr plan = plans_.values(statement);
     const Cell cell = valueAt(*plan, 0);
     if (batch_.frame->isFunction)
         batch_.frame->result = cell;
@@ -313,25 +260,25 @@ Engine::Flow Engine::runReturn(const tsql::ReturnStatement& statement) {
 // ---- variables
 
 void Engine::runDeclare(const tsql::DeclareStatement& statement) {
-    const Wanted wanted = wantedOf(statement);
+    const Plans::Wanted wanted = plans_.wantedOf(statement);
     if (wanted.empty())
         return;
-    const PlanPtr plan = valuePlan(statement, wanted);
+    const PlanPtr plan = plans_.values(statement, wanted);
     std::size_t index = 0;
     for (const tsql::Declaration& variable : statement.variables) {
         if (variable.value)
-            batch_.assign(tsql::Binder(bindContext()).variableSlot(variable.name, statement.line), valueAt(*plan, index++));
+            batch_.assign(plans_.slotOf(variable.name, statement.line), valueAt(*plan, index++));
     }
     session_.rowCount = 1;
 }
 
 void Engine::runSet(const tsql::SetVariableStatement& statement) {
-    const int slot = tsql::Binder(bindContext()).variableSlot(statement.variable, statement.line);
+    const int slot = plans_.slotOf(statement.variable, statement.line);
     if (statement.cursor) {
         runCursor(static_cast<const tsql::CursorStatement&>(*statement.cursor));
         return;
     }
-    const PlanPtr plan = setPlan(statement);
+    const PlanPtr plan = plans_.set(statement);
     batch_.assign(slot, valueAt(*plan, 0));
     session_.rowCount = 1;
 }

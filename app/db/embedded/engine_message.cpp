@@ -24,7 +24,7 @@ std::string Engine::raisedMessage(StatementPlan& plan, const std::string& format
 }
 
 void Engine::runRaise(const tsql::RaiseStatement& statement) {
-    const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+    const PlanPtr plan = plans_.values(statement);
     const Cell message = valueAt(*plan, 0);
     const int severity = static_cast<int>(valueAt(*plan, 1).integer);
     const int state = static_cast<int>(valueAt(*plan, 2).integer);
@@ -45,7 +45,7 @@ void Engine::runThrow(const tsql::ThrowStatement& statement) {
             throw tsql::syntaxError(10704, "To rethrow an error, a THROW statement must be used inside a CATCH block.", statement.line);
         error = batch_.caught.back();
     } else {
-        const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+        const PlanPtr plan = plans_.values(statement);
         const std::int64_t number = valueAt(*plan, 0).integer;
         if (number < 50000)
             throw tsql::syntaxError(35100,
@@ -71,14 +71,14 @@ void Engine::runThrow(const tsql::ThrowStatement& statement) {
 }
 
 void Engine::runPrint(const tsql::PrintStatement& statement) {
-    const PlanPtr plan = valuePlan(statement, wantedOf(statement));
+    const PlanPtr plan = plans_.values(statement);
     const Cell cell = valueAt(*plan, 0);
     batch_.sink->message(cell.isNull() ? std::string(" ") : tsql::textOf(cell, plan->values[0].type));
     session_.rowCount = 0;
 }
 
 void Engine::runWait(const tsql::WaitForStatement& statement) {
-    const PlanPtr plan = valuePlan(statement, {{statement.delay.get(), tsql::simpleType(TypeKind::DateTime)}});
+    const PlanPtr plan = plans_.values(statement, {{statement.delay.get(), tsql::simpleType(TypeKind::DateTime)}});
     std::int64_t restMs = valueAt(*plan, 0).integer;
     transaction_.endRead();
     while (restMs > 0 && !batch_.cancelled) {

@@ -142,7 +142,7 @@ void Engine::createType(const tsql::CreateTypeStatement& statement) {
     if (catalog_.userType(statement.name.last(), type, nullable))
         throw tsql::nameError(219, "The type '" + statement.name.last() + "' already exists, or you do not have permission to create it.",
                               statement.line);
-    const SqlType base = typeOf(statement.base, nullable);
+    const SqlType base = catalog_.declaredType(statement.base, &nullable);
     std::string source = "CREATE TYPE [" + statement.name.last() + "] FROM " + base.toText();
     if (statement.nullable)
         source += *statement.nullable ? " NULL" : " NOT NULL";

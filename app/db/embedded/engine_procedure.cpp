@@ -28,8 +28,7 @@ Cell toParameter(const Cell& cell, const SqlType& from, const SqlType& to) {
 
 // The value of a literal argument or default.
 Cell Engine::constantOf(const tsql::Expr& expr, SqlType& type) {
-    tsql::BindContext context = bindContext();
-    tsql::ValuePlan plan = tsql::Binder(context).value(expr);
+    tsql::ValuePlan plan = plans_.binder().value(expr);
     type = plan.type;
     if (plan.isLiteral)
         return plan.literal;
@@ -48,7 +47,7 @@ std::vector<Engine::BoundArgument> Engine::argumentsOf(const tsql::ExecuteStatem
         if (argument.value->kind == tsql::ExprKind::Default) {
             bound.isDefault = true;
         } else if (argument.value->kind == tsql::ExprKind::Variable) {
-            const int slot = tsql::Binder(bindContext()).variableSlot(argument.value->text, argument.line);
+            const int slot = plans_.slotOf(argument.value->text, argument.line);
             bound.cell = batch_.frame->variables[static_cast<std::size_t>(slot)];
             bound.type = batch_.frame->code->variables[static_cast<std::size_t>(slot)].type;
             bound.outputSlot = argument.output ? slot : -1;
@@ -63,7 +62,7 @@ std::vector<Engine::BoundArgument> Engine::argumentsOf(const tsql::ExecuteStatem
 void Engine::runExecute(const tsql::ExecuteStatement& statement) {
     std::string name = statement.procedure.empty() ? std::string() : statement.procedure.last();
     if (!statement.procedureVariable.empty()) {
-        const int slot = tsql::Binder(bindContext()).variableSlot(statement.procedureVariable, statement.line);
+        const int slot = plans_.slotOf(statement.procedureVariable, statement.line);
         name = split(batch_.frame->variables[static_cast<std::size_t>(slot)].bytes, ".").back();
     }
     const StoredObject* object = store_.find(name);
@@ -74,7 +73,7 @@ void Engine::runExecute(const tsql::ExecuteStatement& statement) {
     const auto setResult = [&](const Cell& cell, const SqlType& type) {
         if (statement.result.empty())
             return;
-        const int slot = tsql::Binder(bindContext()).variableSlot(statement.result, statement.line);
+        const int slot = plans_.slotOf(statement.result, statement.line);
         batch_.assign(slot, tsql::converted(cell, type, batch_.frame->code->variables[static_cast<std::size_t>(slot)].type));
     };
     if (object->kind == "FN") {
@@ -165,7 +164,7 @@ std::optional<DbError> Engine::runDeeper(Frame& frame) {
 
 Engine::CallResult Engine::callModule(const StoredObject& object, const std::vector<BoundArgument>& arguments, std::vector<int>& outputOf) {
     CallResult result;
-    result.code = moduleCode(object);
+    result.code = code_.module(object);
     Frame frame;
     frame.code = result.code;
     frame.variables.resize(result.code->variables.size());
@@ -194,7 +193,7 @@ Engine::CallResult Engine::callModule(const StoredObject& object, const std::vec
 void Engine::runExecuteText(const std::string& text, std::vector<Parameter>* parameters) {
     std::vector<Parameter> none;
     std::vector<Parameter>& given = parameters ? *parameters : none;
-    const std::shared_ptr<Code> code = batchCode(text, given);
+    const std::shared_ptr<Code> code = code_.batch(text, given);
     Frame frame;
     frame.code = code;
     frame.variables.resize(code->variables.size());
@@ -213,7 +212,7 @@ Cell Engine::callFunction(std::int64_t id, const std::vector<CellView>& argument
     if (!object)
         throw tsql::nameError(4121, "Cannot find the user-defined function.", 0);
     const FunctionScope inside(batch_);
-    const std::shared_ptr<Code> code = moduleCode(*object);
+    const std::shared_ptr<Code> code = code_.module(*object);
     Frame frame;
     frame.code = code;
     frame.isFunction = true;
@@ -291,7 +290,7 @@ void Engine::executeSql(const tsql::ExecuteStatement& statement) {
         std::vector<bool> given(clauses.size(), false);
         for (const tsql::ParameterClause& clause : clauses) {
             bool nullable = true;
-            parameters.push_back({clause.name.substr(1), typeOf(clause.type, nullable), {}, clause.output});
+            parameters.push_back({clause.name.substr(1), catalog_.declaredType(clause.type, &nullable), {}, clause.output});
         }
         slots.assign(clauses.size(), -1);
         for (std::size_t i = 2; i < arguments.size(); ++i) {

@@ -9,7 +9,7 @@ namespace merchantry::db::embedded {
 
 void Engine::runSelect(const tsql::SelectStatement& statement) {
     transaction_.beforeRead();
-    const PlanPtr plan = queryPlan(statement, *statement.query);
+    const PlanPtr plan = plans_.query(statement);
     if (plan->query->into)
         return selectInto(*plan, statement);
     runQuery(*plan, *batch_.sink);

@@ -17,7 +17,7 @@ void Engine::setOption(const std::string& option, const tsql::SetOptionStatement
     const auto number = [&] {
         if (!statement.expr)
             throw tsql::syntaxError(102, "Incorrect syntax near '" + statement.value + "'.", statement.line);
-        const PlanPtr plan = valuePlan(statement, {{statement.expr.get(), tsql::simpleType(TypeKind::Int)}});
+        const PlanPtr plan = plans_.values(statement, {{statement.expr.get(), tsql::simpleType(TypeKind::Int)}});
         return valueAt(*plan, 0).integer;
     };
     if (option == "ANSI_NULLS") {
@@ -72,7 +72,7 @@ void Engine::runTransaction(const tsql::TransactionStatement& statement) {
     session_.rowCount = 0;
     std::string name = statement.name;
     if (!name.empty() && name.front() == '@')
-        name = batch_.value(tsql::Binder(bindContext()).variableSlot(name, statement.line)).bytes;
+        name = batch_.value(plans_.slotOf(name, statement.line)).bytes;
     switch (statement.kind) {
     case tsql::StatementKind::Begin:
         return transaction_.begin(name);

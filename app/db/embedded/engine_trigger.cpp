@@ -40,7 +40,7 @@ const Engine::Triggers& Engine::triggersOf(std::int64_t table, char event, bool 
     for (const StoredObject* object : store_.childrenOf(table, "TR")) {
         if (!object->enabled)
             continue;
-        const std::shared_ptr<Code> code = moduleCode(*object);
+        const std::shared_ptr<Code> code = code_.module(*object);
         const auto& trigger = static_cast<const tsql::CreateTriggerStatement&>(*code->module);
         if (trigger.insteadOf == insteadOf && firesFor(trigger, event))
             triggers.push_back(object);
@@ -176,7 +176,7 @@ void Engine::runTrigger(const StoredObject& trigger, const std::shared_ptr<const
     const LevelScope level(batch_);
     const std::string insertedName = pseudoName("inserted", table->id);
     const std::string deletedName = pseudoName("deleted", table->id);
-    const std::shared_ptr<Code> code = moduleCode(trigger);
+    const std::shared_ptr<Code> code = code_.module(trigger);
     if (code->triggerTable != table) { // its first run on this version of the schema
         code->triggerTable = table;
         code->inserted = pseudoTable("inserted", *table);

@@ -92,6 +92,15 @@ private:
     Restore<int> error_;
 };
 
+// A batch or module is checked before it runs.
+class CheckScope {
+public:
+    explicit CheckScope(BatchState& batch) : checking_(batch.checking, true) {}
+
+private:
+    Restore<bool> checking_;
+};
+
 // INSERT ... EXEC gathers the rows of what it runs.
 class InsertExecScope {
 public:

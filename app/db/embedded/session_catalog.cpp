@@ -1,5 +1,6 @@
 #include "app/db/embedded/session_catalog.h"
 
+#include "app/db/tsql/binder.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
@@ -46,6 +47,11 @@ std::shared_ptr<const TableDef> SessionCatalog::requireTable(const ObjectName& n
         return found;
     throw tsql::nameError(
         number, "Cannot find the object \"" + name.toText() + "\" because it does not exist or you do not have permissions.", name.line);
+}
+
+SqlType SessionCatalog::declaredType(const tsql::TypeName& name, bool* nullable) {
+    static const std::vector<tsql::Variable> kNone;
+    return tsql::Binder(tsql::BindContext{*this, kNone}).declaredType(name, nullable);
 }
 
 void SessionCatalog::reset() {

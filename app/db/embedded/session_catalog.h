@@ -29,6 +29,9 @@ public:
     // The same of a table that statements may change; throws DbError Name with that number.
     std::shared_ptr<const tsql::TableDef> requireTable(const tsql::ObjectName& name, int number);
 
+    // The type of a declared variable, parameter or column; nullable as its own type says.
+    SqlType declaredType(const tsql::TypeName& name, bool* nullable = nullptr);
+
     // As a new session has it. The temporary tables are not touched.
     void reset();
 
