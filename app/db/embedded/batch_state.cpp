@@ -39,4 +39,12 @@ bool BatchState::inTrigger() const {
     return false;
 }
 
+bool BatchState::isUpdated(int column) const {
+    const Frame* trigger = frame;
+    while (trigger && !trigger->isTrigger)
+        trigger = trigger->caller;
+    const auto place = static_cast<std::size_t>(column);
+    return trigger && trigger->updated && place < trigger->updated->size() && (*trigger->updated)[place];
+}
+
 } // namespace merchantry::db::embedded

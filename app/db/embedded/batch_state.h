@@ -37,6 +37,8 @@ struct BatchState {
     // Runs what has to be done also while an error is under way: its own error is noted as one more of the batch.
     void noting(const std::function<void()>& what);
     bool inTrigger() const;
+    // Whether the statement that the innermost trigger runs for sets the column.
+    bool isUpdated(int column) const;
     // Of the running frame.
     const tsql::Variable& variable(int slot) const { return frame->code->variables[static_cast<std::size_t>(slot)]; }
     const tsql::Cell& value(int slot) const { return frame->variables[static_cast<std::size_t>(slot)]; }

@@ -28,11 +28,7 @@ void Engine::execute(std::string_view batch, std::vector<Parameter>& parameters,
 
 void Engine::call(std::string_view procedure, std::vector<Parameter>& parameters, ResultSink& sink) {
     runTop(sink, [&] {
-        std::string name(trimmed(procedure));
-        const std::vector<std::string> parts = split(name, ".");
-        name = parts.back();
-        if (name.size() > 1 && name.front() == '[' && name.back() == ']')
-            name = name.substr(1, name.size() - 2);
+        const std::string name = objectNameOf(procedure).last();
         const StoredObject* object = store_.find(name);
         if (!object || object->kind != "P")
             throw tsql::nameError(2812, "Could not find stored procedure '" + name + "'.", 0);
@@ -109,13 +105,7 @@ void Engine::runCode(const std::shared_ptr<Code>& code, std::vector<Parameter>& 
 
 TableShape Engine::tableShape(std::string_view name) {
     transaction_.refresh();
-    tsql::ObjectName object;
-    for (std::string part : split(trimmed(name), ".")) {
-        if (part.size() > 1 && part.front() == '[' && part.back() == ']')
-            part = part.substr(1, part.size() - 2);
-        object.parts.push_back(std::move(part));
-    }
-    const std::shared_ptr<const tsql::TableDef> table = catalog_.table(object);
+    const std::shared_ptr<const tsql::TableDef> table = catalogFunctions_.table(name);
     if (!batch_.frame)
         transaction_.endRead();
     if (!table)

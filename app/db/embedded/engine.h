@@ -2,8 +2,10 @@
 
 #include "app/db/embedded/batch_check.h"
 #include "app/db/embedded/batch_state.h"
+#include "app/db/embedded/catalog_functions.h"
 #include "app/db/embedded/code_cache.h"
 #include "app/db/embedded/connection.h"
+#include "app/db/embedded/evaluator.h"
 #include "app/db/embedded/identities.h"
 #include "app/db/embedded/plans.h"
 #include "app/db/embedded/rowset.h"
@@ -50,21 +52,14 @@ public:
     Connection& connection() { return connection_; }
 
     // FunctionHost
-    const Cell& variable(int slot) override;
-    void setVariable(int slot, Cell cell) override;
-    std::int64_t nextIdentity(std::int64_t table) override;
-    void noteIdentity(std::int64_t table, std::int64_t given) override;
-    Cell identityInfo(std::string_view table, int which) override;
+    const Cell& variable(int slot) override { return batch_.value(slot); }
+    void setVariable(int slot, Cell cell) override { batch_.assign(slot, std::move(cell)); }
+    Identities& identities() override { return identities_; }
+    CatalogFunctions& catalog() override { return catalogFunctions_; }
     Cell callFunction(std::int64_t id, const std::vector<CellView>& arguments) override;
-    bool isUpdated(int column) override;
-    Cell objectId(std::string_view name, std::string_view kind) override;
-    Cell objectName(std::int64_t id) override;
-    Cell columnInfo(std::int64_t table, std::string_view column, std::string_view property) override;
-    Cell columnName(std::int64_t table, std::int64_t number) override;
-    Cell columnLength(std::string_view table, std::string_view column) override;
-    Cell objectProperty(std::int64_t id, std::string_view property) override;
+    bool isUpdated(int column) override { return batch_.isUpdated(column); }
     int cursorStatus(std::string_view name) override;
-    Cell systemValue(tsql::SystemValue value) override;
+    Cell systemValue(tsql::SystemValue value) override { return systemValues_.of(value); }
 
 private:
     enum class Flow { Next, Break, Continue, Return, Goto };
@@ -108,12 +103,6 @@ private:
     Cursor& cursorOf(const tsql::CursorStatement& statement);
     void openCursor(Cursor& cursor, const tsql::CursorStatement& statement);
 
-    // plans
-    Cell valueAt(StatementPlan& plan, std::size_t index);
-    bool conditionOf(const tsql::Statement& statement, const tsql::Expr& expr);
-    void bindPlaces(sqlite3_stmt* statement, const std::vector<tsql::Placeholder>& places);
-    sqlite3_stmt* prepared(StatementPlan& plan, std::size_t index, const tsql::Sql3& sql, Statement3& spare);
-
     // queries and changes
     void runSelect(const tsql::SelectStatement& statement);
     void runQuery(StatementPlan& plan, ResultSink& sink);
@@ -135,7 +124,6 @@ private:
     void refreshForWrite();
     using CapturedTables = std::map<std::string, Captured>;
     void fireFor(const tsql::ChangePlan& plan, const CapturedTables& captured, char event);
-    Rowset rowsOf(const tsql::Sql3& sql);
     DbError refined(const DbError& error, const tsql::TableDef& table, tsql::ChangePlan::Kind kind);
     DbError conflict(StatementPlan& plan, const DbError& error);
     std::optional<DbError> brokenReference(const tsql::ChangePlan& change);
@@ -182,7 +170,6 @@ private:
     };
     CallResult callModule(const StoredObject& object, const std::vector<BoundArgument>& arguments, std::vector<int>& outputOf);
     void bindArguments(const Code& code, const std::vector<BoundArgument>& arguments, Frame& frame, std::vector<int>& outputOf);
-    Cell constantOf(const tsql::Expr& expr, SqlType& type);
     void copyOutputs(const CallResult& result, const std::vector<BoundArgument>& arguments, const std::vector<int>& outputOf);
     Flow runFrame(Frame& frame);
     // Runs it one level below its caller. The error that ended its scope, for the caller to note; thrown where a TRY waits for it.
@@ -230,6 +217,9 @@ private:
     Plans plans_{batch_, catalog_, schema_, temporaries_};
     BatchCheck check_{batch_, plans_, schema_};
     Transaction transaction_{connection_, batch_, schema_, identities_, temporaryUndo_};
+    SystemValues systemValues_{batch_, transaction_, identities_, catalog_};
+    Evaluator evaluator_{connection_, batch_, transaction_, plans_, systemValues_};
+    CatalogFunctions catalogFunctions_{store_, catalog_};
 
     // By table, event and whether they stand in place of it; found anew for each version of the schema.
     struct Triggering {

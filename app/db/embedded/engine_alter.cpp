@@ -80,7 +80,8 @@ void Engine::alterAdd(const tsql::AlterTableStatement& statement, TableDef table
             static const std::vector<tsql::Variable> kNone;
             const tsql::ValuePlan value = tsql::Binder(tsql::BindContext{catalog_, kNone}).value(*column.defaultValue, column.type);
             SqlType type;
-            const Cell cell = value.isLiteral ? value.literal : tsql::converted(constantOf(*column.defaultValue, type), type, column.type);
+            const Cell cell =
+                value.isLiteral ? value.literal : tsql::converted(evaluator_.once(*column.defaultValue, type), type, column.type);
             const Statement3 fill(connection_.handle(), "UPDATE " + table.storage + " SET " + tsql::quotedName(column.name) + "=?1");
             tsql::bindCell(fill.get(), 1, tsql::converted(cell, column.type, column.type, tsql::ConvertFor::Column));
             connection_.step(fill.get());

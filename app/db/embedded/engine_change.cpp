@@ -122,7 +122,7 @@ std::int64_t Engine::runChangeSql(StatementPlan& plan) {
     identities_.beginStatement();
     try {
         Statement3 spare;
-        sqlite3_stmt* statement = prepared(plan, 0, change.sql, spare);
+        sqlite3_stmt* statement = evaluator_.prepared(plan, 0, change.sql, spare);
         const ResetGuard guard(statement);
         connection_.step(statement);
     } catch (const DbError& error) {
@@ -149,7 +149,7 @@ std::int64_t Engine::moveKeys(StatementPlan& plan) {
     }
     connection_.run("PRAGMA defer_foreign_keys=ON");
     const AtEnd atOnce([this] { sqlite3_exec(connection_.handle(), "PRAGMA defer_foreign_keys=OFF", nullptr, nullptr, nullptr); });
-    const Rowset rows = rowsOf(change.newRows);
+    const Rowset rows = evaluator_.rows(change.newRows);
     std::string names = "_rowid_";
     std::string places = "?1";
     int count = 1;
@@ -184,8 +184,7 @@ std::int64_t Engine::moveKeys(StatementPlan& plan) {
 void Engine::runOutput(StatementPlan& plan) {
     const tsql::ChangePlan& change = *plan.change;
     if (!change.outputInto) {
-        const Statement3 select(connection_.handle(), change.output->sql.text);
-        bindPlaces(select.get(), change.output->sql.places);
+        const Statement3 select = evaluator_.prepared(change.output->sql);
         batch_.sink->beginSet(change.output->columns);
         const StatementRow row(select.get(), change.output->columns);
         while (connection_.step(select.get()))
@@ -193,7 +192,7 @@ void Engine::runOutput(StatementPlan& plan) {
         batch_.sink->endSet();
         return;
     }
-    const Rowset rows = rowsOf(change.output->sql);
+    const Rowset rows = evaluator_.rows(change.output->sql);
     insertRows(*change.outputInto, rows);
 }
 

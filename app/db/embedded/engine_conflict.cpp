@@ -86,7 +86,7 @@ DbError Engine::conflict(StatementPlan& plan, const DbError& error) {
     const AtEnd undone([&] { run("ROLLBACK TO ts_probe; RELEASE ts_probe; PRAGMA defer_foreign_keys=OFF"); });
     try {
         Statement3 spare;
-        sqlite3_stmt* statement = prepared(plan, 0, change.sql, spare);
+        sqlite3_stmt* statement = evaluator_.prepared(plan, 0, change.sql, spare);
         const ResetGuard guard(statement);
         connection_.step(statement);
         return brokenReference(change).value_or(known);

@@ -85,7 +85,7 @@ void Engine::openCursor(Cursor& cursor, const tsql::CursorStatement& statement) 
     cursor.types.clear();
     for (const Column& column : plan.columns)
         cursor.types.push_back(column.type);
-    cursor.rows = rowsOf(plan.sql);
+    cursor.rows = evaluator_.rows(plan.sql);
     cursor.at = -1;
     cursor.open = true;
 }
@@ -98,7 +98,7 @@ void Engine::fetch(const tsql::CursorStatement& statement) {
     std::int64_t position = 0;
     if (statement.position) {
         const PlanPtr plan = plans_.values(statement, {{statement.position.get(), tsql::simpleType(TypeKind::Int)}});
-        position = valueAt(*plan, 0).integer;
+        position = evaluator_.value(*plan, 0).integer;
     }
     switch (statement.fetch) {
     case Fetch::Next:
@@ -134,7 +134,7 @@ void Engine::fetch(const tsql::CursorStatement& statement) {
     const std::vector<Cell>& row = cursor.rows[static_cast<std::size_t>(cursor.at)];
     for (std::size_t i = 0; i < statement.into.size(); ++i) {
         const int slot = plans_.slotOf(statement.into[i], statement.line);
-        batch_.assign(slot, tsql::converted(row[i], cursor.types[i], batch_.frame->code->variables[static_cast<std::size_t>(slot)].type));
+        batch_.assign(slot, tsql::converted(row[i], cursor.types[i], batch_.variable(slot).type));
     }
     session_.rowCount = 1;
 }

@@ -166,7 +166,7 @@ Engine::Flow Engine::runOne(const tsql::Statement& statement) {
         return Flow::Next;
     case StatementKind::ExecuteText: {
         const PlanPtr plan = plans_.values(statement);
-        runExecuteText(valueAt(*plan, 0).bytes);
+        runExecuteText(evaluator_.value(*plan, 0).bytes);
         return Flow::Next;
     }
     case StatementKind::Begin:
@@ -196,7 +196,7 @@ Engine::Flow Engine::runOne(const tsql::Statement& statement) {
 }
 
 Engine::Flow Engine::runIf(const tsql::IfStatement& statement) {
-    const bool holds = conditionOf(statement, *statement.condition);
+    const bool holds = evaluator_.condition(statement, *statement.condition);
     session_.error = 0;
     if (holds)
         return runStatement(*statement.then);
@@ -204,7 +204,7 @@ Engine::Flow Engine::runIf(const tsql::IfStatement& statement) {
 }
 
 Engine::Flow Engine::runWhile(const tsql::WhileStatement& statement) {
-    while (conditionOf(statement, *statement.condition)) {
+    while (evaluator_.condition(statement, *statement.condition)) {
         if (batch_.cancelled)
             throw failedByCancel();
         const Flow flow = runStatement(*statement.body);
@@ -249,7 +249,7 @@ Engine::Flow Engine::runReturn(const tsql::ReturnStatement& statement) {
     if (!statement.value)
         return Flow::Return;
     const PlanPtr plan = plans_.values(statement);
-    const Cell cell = valueAt(*plan, 0);
+    const Cell cell = evaluator_.value(*plan, 0);
     if (batch_.frame->isFunction)
         batch_.frame->result = cell;
     else
@@ -267,7 +267,7 @@ void Engine::runDeclare(const tsql::DeclareStatement& statement) {
     std::size_t index = 0;
     for (const tsql::Declaration& variable : statement.variables) {
         if (variable.value)
-            batch_.assign(plans_.slotOf(variable.name, statement.line), valueAt(*plan, index++));
+            batch_.assign(plans_.slotOf(variable.name, statement.line), evaluator_.value(*plan, index++));
     }
     session_.rowCount = 1;
 }
@@ -279,7 +279,7 @@ void Engine::runSet(const tsql::SetVariableStatement& statement) {
         return;
     }
     const PlanPtr plan = plans_.set(statement);
-    batch_.assign(slot, valueAt(*plan, 0));
+    batch_.assign(slot, evaluator_.value(*plan, 0));
     session_.rowCount = 1;
 }
 

@@ -19,15 +19,15 @@ constexpr std::size_t kFirstRaiseArgument = 3; // behind message, severity and s
 std::string Engine::raisedMessage(StatementPlan& plan, const std::string& format) {
     std::vector<RaisedArgument> arguments;
     for (std::size_t i = kFirstRaiseArgument; i < plan.values.size(); ++i)
-        arguments.push_back({valueAt(plan, i), plan.values[i].type});
+        arguments.push_back({evaluator_.value(plan, i), plan.values[i].type});
     return raisedText(format, arguments);
 }
 
 void Engine::runRaise(const tsql::RaiseStatement& statement) {
     const PlanPtr plan = plans_.values(statement);
-    const Cell message = valueAt(*plan, 0);
-    const int severity = static_cast<int>(valueAt(*plan, 1).integer);
-    const int state = static_cast<int>(valueAt(*plan, 2).integer);
+    const Cell message = evaluator_.value(*plan, 0);
+    const int severity = static_cast<int>(evaluator_.value(*plan, 1).integer);
+    const int state = static_cast<int>(evaluator_.value(*plan, 2).integer);
     const bool numbered = plan->values[0].type.isWhole();
     const std::string text = numbered ? "Error " + std::to_string(message.integer) + "." : raisedMessage(*plan, message.bytes);
     session_.rowCount = 0;
@@ -46,7 +46,7 @@ void Engine::runThrow(const tsql::ThrowStatement& statement) {
         error = batch_.caught.back();
     } else {
         const PlanPtr plan = plans_.values(statement);
-        const std::int64_t number = valueAt(*plan, 0).integer;
+        const std::int64_t number = evaluator_.value(*plan, 0).integer;
         if (number < 50000)
             throw tsql::syntaxError(35100,
                                     "Error number " + std::to_string(number) +
@@ -54,8 +54,8 @@ void Engine::runThrow(const tsql::ThrowStatement& statement) {
                                         "in the valid range of 50000 to 2147483647.",
                                     statement.line)
                 .withSeverity(16, 10);
-        error = DbError(DbError::Category::Raised, static_cast<int>(number), valueAt(*plan, 1).bytes, statement.line)
-                    .withSeverity(16, static_cast<int>(valueAt(*plan, 2).integer));
+        error = DbError(DbError::Category::Raised, static_cast<int>(number), evaluator_.value(*plan, 1).bytes, statement.line)
+                    .withSeverity(16, static_cast<int>(evaluator_.value(*plan, 2).integer));
     }
     if (batch_.tries > 0) {
         if (session_.settings.xactAbort)
@@ -72,14 +72,14 @@ void Engine::runThrow(const tsql::ThrowStatement& statement) {
 
 void Engine::runPrint(const tsql::PrintStatement& statement) {
     const PlanPtr plan = plans_.values(statement);
-    const Cell cell = valueAt(*plan, 0);
+    const Cell cell = evaluator_.value(*plan, 0);
     batch_.sink->message(cell.isNull() ? std::string(" ") : tsql::textOf(cell, plan->values[0].type));
     session_.rowCount = 0;
 }
 
 void Engine::runWait(const tsql::WaitForStatement& statement) {
     const PlanPtr plan = plans_.values(statement, {{statement.delay.get(), tsql::simpleType(TypeKind::DateTime)}});
-    std::int64_t restMs = valueAt(*plan, 0).integer;
+    std::int64_t restMs = evaluator_.value(*plan, 0).integer;
     transaction_.endRead();
     while (restMs > 0 && !batch_.cancelled) {
         const std::int64_t partMs = std::min<std::int64_t>(restMs, 50);

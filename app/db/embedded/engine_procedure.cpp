@@ -26,19 +26,6 @@ Cell toParameter(const Cell& cell, const SqlType& from, const SqlType& to) {
 
 } // namespace
 
-// The value of a literal argument or default.
-Cell Engine::constantOf(const tsql::Expr& expr, SqlType& type) {
-    tsql::ValuePlan plan = plans_.binder().value(expr);
-    type = plan.type;
-    if (plan.isLiteral)
-        return plan.literal;
-    if (plan.variable >= 0)
-        return batch_.frame->variables[static_cast<std::size_t>(plan.variable)];
-    const Statement3 statement(connection_.handle(), plan.sql.text);
-    bindPlaces(statement.get(), plan.sql.places);
-    return connection_.step(statement.get()) ? tsql::columnCell(statement.get(), 0) : Cell();
-}
-
 std::vector<Engine::BoundArgument> Engine::argumentsOf(const tsql::ExecuteStatement& statement) {
     std::vector<BoundArgument> arguments;
     for (const tsql::Argument& argument : statement.arguments) {
@@ -48,11 +35,11 @@ std::vector<Engine::BoundArgument> Engine::argumentsOf(const tsql::ExecuteStatem
             bound.isDefault = true;
         } else if (argument.value->kind == tsql::ExprKind::Variable) {
             const int slot = plans_.slotOf(argument.value->text, argument.line);
-            bound.cell = batch_.frame->variables[static_cast<std::size_t>(slot)];
-            bound.type = batch_.frame->code->variables[static_cast<std::size_t>(slot)].type;
+            bound.cell = batch_.value(slot);
+            bound.type = batch_.variable(slot).type;
             bound.outputSlot = argument.output ? slot : -1;
         } else {
-            bound.cell = constantOf(*argument.value, bound.type);
+            bound.cell = evaluator_.once(*argument.value, bound.type);
         }
         arguments.push_back(std::move(bound));
     }
@@ -63,7 +50,7 @@ void Engine::runExecute(const tsql::ExecuteStatement& statement) {
     std::string name = statement.procedure.empty() ? std::string() : statement.procedure.last();
     if (!statement.procedureVariable.empty()) {
         const int slot = plans_.slotOf(statement.procedureVariable, statement.line);
-        name = split(batch_.frame->variables[static_cast<std::size_t>(slot)].bytes, ".").back();
+        name = split(batch_.value(slot).bytes, ".").back();
     }
     const StoredObject* object = store_.find(name);
     const bool runnable = object && (object->kind == "P" || object->kind == "FN");
@@ -74,7 +61,7 @@ void Engine::runExecute(const tsql::ExecuteStatement& statement) {
         if (statement.result.empty())
             return;
         const int slot = plans_.slotOf(statement.result, statement.line);
-        batch_.assign(slot, tsql::converted(cell, type, batch_.frame->code->variables[static_cast<std::size_t>(slot)].type));
+        batch_.assign(slot, tsql::converted(cell, type, batch_.variable(slot).type));
     };
     if (object->kind == "FN") {
         const std::shared_ptr<const tsql::FunctionDef> function = store_.functionById(object->id);
@@ -143,7 +130,7 @@ void Engine::bindArguments(const Code& code, const std::vector<BoundArgument>& a
                                   0);
         const DefaultScope inside(batch_, frame);
         SqlType type;
-        const Cell cell = constantOf(*parameters[i].defaultValue, type);
+        const Cell cell = evaluator_.once(*parameters[i].defaultValue, type);
         frame.variables[i] = toParameter(cell, type, parameters[i].type);
     }
 }

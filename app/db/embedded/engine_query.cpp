@@ -18,7 +18,7 @@ void Engine::runSelect(const tsql::SelectStatement& statement) {
 void Engine::runQuery(StatementPlan& plan, ResultSink& sink) {
     const tsql::QueryPlan& query = *plan.query;
     Statement3 spare;
-    sqlite3_stmt* statement = prepared(plan, 0, query.sql, spare);
+    sqlite3_stmt* statement = evaluator_.prepared(plan, 0, query.sql, spare);
     const ResetGuard guard(statement);
     std::int64_t rows = 0;
     if (!query.assignTo.empty()) {
@@ -58,8 +58,7 @@ void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
     }
     createTableOf(table, temporary);
     const std::shared_ptr<const tsql::TableDef> made = catalog_.table({{table.name}, 1});
-    const Statement3 insert(connection_.handle(), "INSERT INTO " + made->storage + " " + query.sql.text);
-    bindPlaces(insert.get(), query.sql.places);
+    const Statement3 insert = evaluator_.prepared(query.sql, "INSERT INTO " + made->storage + " " + query.sql.text);
     connection_.step(insert.get());
     session_.rowCount = sqlite3_changes64(connection_.handle());
     if (const int identity = made->identityColumn(); identity >= 0) {
@@ -70,13 +69,6 @@ void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
         identities_.write();
     }
     scope.finish();
-}
-
-Rowset Engine::rowsOf(const tsql::Sql3& sql) {
-    const Statement3 statement(connection_.handle(), sql.text);
-    if (batch_.frame)
-        bindPlaces(statement.get(), sql.places);
-    return embedded::rowsOf(connection_, statement.get());
 }
 
 } // namespace merchantry::db::embedded

@@ -18,7 +18,7 @@ void Engine::setOption(const std::string& option, const tsql::SetOptionStatement
         if (!statement.expr)
             throw tsql::syntaxError(102, "Incorrect syntax near '" + statement.value + "'.", statement.line);
         const PlanPtr plan = plans_.values(statement, {{statement.expr.get(), tsql::simpleType(TypeKind::Int)}});
-        return valueAt(*plan, 0).integer;
+        return evaluator_.value(*plan, 0).integer;
     };
     if (option == "ANSI_NULLS") {
         session_.settings.ansiNulls = on;
@@ -83,72 +83,6 @@ void Engine::runTransaction(const tsql::TransactionStatement& statement) {
     default:
         return transaction_.rollback(name);
     }
-}
-
-Cell Engine::systemValue(tsql::SystemValue value) {
-    using tsql::SystemValue;
-    const auto ofError = [&](auto get) { return batch_.caught.empty() ? Cell() : get(batch_.caught.back()); };
-    const Date now = session_.now();
-    switch (value) {
-    case SystemValue::RowCount:
-        return Cell::ofInteger(session_.rowCount);
-    case SystemValue::Error:
-        return Cell::ofInteger(session_.error);
-    case SystemValue::Identity:
-        return identities_.last().isNull() ? Cell() : tsql::decimalCell(identities_.last().integer, 38);
-    case SystemValue::ScopeIdentity:
-        return batch_.frame->scopeIdentity.isNull() ? Cell() : tsql::decimalCell(batch_.frame->scopeIdentity.integer, 38);
-    case SystemValue::TranCount:
-        return Cell::ofInteger(transaction_.count());
-    case SystemValue::NestLevel:
-        return Cell::ofInteger(batch_.level);
-    case SystemValue::FetchStatus:
-        return Cell::ofInteger(session_.fetchStatus);
-    case SystemValue::Now:
-    case SystemValue::UtcNow:
-        return tsql::converted(Cell::ofInteger(now.ms()), tsql::simpleType(TypeKind::DateTime), tsql::simpleType(TypeKind::DateTime));
-    case SystemValue::Spid:
-        return Cell::ofInteger(51);
-    case SystemValue::ErrorNumber:
-        return ofError([](const DbError& error) { return Cell::ofInteger(error.native()); });
-    case SystemValue::ErrorMessage:
-        return ofError([](const DbError& error) { return Cell::ofText(error.what()); });
-    case SystemValue::ErrorSeverity:
-        return ofError([](const DbError& error) { return Cell::ofInteger(error.severity()); });
-    case SystemValue::ErrorState:
-        return ofError([](const DbError& error) { return Cell::ofInteger(error.state()); });
-    case SystemValue::ErrorLine:
-        return ofError([](const DbError& error) { return Cell::ofInteger(error.line()); });
-    case SystemValue::ErrorProcedure:
-        return ofError([](const DbError& error) { return error.procedure().empty() ? Cell() : Cell::ofText(error.procedure()); });
-    case SystemValue::XactState:
-        return Cell::ofInteger(transaction_.isDoomed() ? -1 : transaction_.count() > 0 ? 1 : 0);
-    case SystemValue::DatabaseName:
-        return Cell::ofText(catalog_.databaseName);
-    case SystemValue::DateFirst:
-        return Cell::ofInteger(session_.settings.dateFirst);
-    case SystemValue::Version:
-        return Cell::ofText("Merchantry " MERCHANTRY_VERSION " embedded store");
-    case SystemValue::ServerName:
-    case SystemValue::HostName:
-        return Cell::ofText("local");
-    case SystemValue::UserName:
-        return Cell::ofText("dbo");
-    case SystemValue::AppName:
-        return Cell::ofText("Merchantry");
-    case SystemValue::Language:
-        return Cell::ofText("us_english");
-    case SystemValue::ProcedureId:
-        return Cell::ofInteger(batch_.frame->code->objectId);
-    case SystemValue::Options:
-        return Cell::ofInteger(5496);
-    case SystemValue::MaxPrecision:
-        return Cell::ofInteger(38);
-    case SystemValue::CursorRows:
-    case SystemValue::UpdatedColumns:
-        return Cell::ofInteger(0);
-    }
-    return {};
 }
 
 } // namespace merchantry::db::embedded

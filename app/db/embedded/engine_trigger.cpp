@@ -207,9 +207,9 @@ void Engine::runInstead(StatementPlan& plan) {
     auto inserted = std::make_shared<Rowset>();
     auto deleted = std::make_shared<Rowset>();
     if (!change.insteadNew.text.empty())
-        *inserted = rowsOf(change.insteadNew);
+        *inserted = evaluator_.rows(change.insteadNew);
     if (!change.insteadOld.text.empty())
-        *deleted = rowsOf(change.insteadOld);
+        *deleted = evaluator_.rows(change.insteadOld);
     static constexpr char kEvents[] = {'I', 'U', 'D'};
     const auto rows = static_cast<std::int64_t>(std::max(inserted->size(), deleted->size()));
     {
@@ -218,15 +218,6 @@ void Engine::runInstead(StatementPlan& plan) {
         fireTriggers(change.insteadShape, kEvents[static_cast<int>(change.kind)], inserted, deleted, change.updated, true);
     }
     session_.rowCount = rows;
-}
-
-bool Engine::isUpdated(int column) {
-    for (const Frame* frame = batch_.frame; frame; frame = frame->caller) {
-        if (frame->isTrigger)
-            return frame->updated && static_cast<std::size_t>(column) < frame->updated->size() &&
-                   (*frame->updated)[static_cast<std::size_t>(column)];
-    }
-    return false;
 }
 
 } // namespace merchantry::db::embedded

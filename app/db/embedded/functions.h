@@ -16,23 +16,19 @@ namespace merchantry::db::embedded {
 using tsql::Cell;
 using tsql::CellView;
 
+class CatalogFunctions;
+class Identities;
+
 // What the functions that run inside SQLite may ask of the session that runs the statement.
 class FunctionHost {
 public:
     virtual ~FunctionHost() = default;
     virtual const Cell& variable(int slot) = 0;
     virtual void setVariable(int slot, Cell cell) = 0;
-    virtual std::int64_t nextIdentity(std::int64_t table) = 0;
-    virtual void noteIdentity(std::int64_t table, std::int64_t given) = 0;
-    virtual Cell identityInfo(std::string_view table, int which) = 0;
+    virtual Identities& identities() = 0;
+    virtual CatalogFunctions& catalog() = 0;
     virtual Cell callFunction(std::int64_t id, const std::vector<CellView>& arguments) = 0;
     virtual bool isUpdated(int column) = 0;
-    virtual Cell objectId(std::string_view name, std::string_view kind) = 0;
-    virtual Cell objectName(std::int64_t id) = 0;
-    virtual Cell columnInfo(std::int64_t table, std::string_view column, std::string_view property) = 0;
-    virtual Cell columnName(std::int64_t table, std::int64_t number) = 0;
-    virtual Cell columnLength(std::string_view table, std::string_view column) = 0;
-    virtual Cell objectProperty(std::int64_t id, std::string_view property) = 0;
     virtual int cursorStatus(std::string_view name) = 0;
     virtual Cell systemValue(tsql::SystemValue value) = 0;
 

@@ -1,4 +1,6 @@
+#include "app/db/embedded/catalog_functions.h"
 #include "app/db/embedded/functions.h"
+#include "app/db/embedded/identities.h"
 
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/token.h"
@@ -25,14 +27,15 @@ void setVariable(const Call& call) {
 // (table): the next number. (table, given): the given one, remembered.
 void identity(const Call& call) {
     if (call.count == 1)
-        return call.give(call.host.nextIdentity(call.integer(0)));
+        return call.give(call.host.identities().next(call.integer(0)));
     if (!call.isNull(1))
-        call.host.noteIdentity(call.integer(0), call.integer(1));
+        call.host.identities().note(call.integer(0), call.integer(1));
     sqlite3_result_value(call.context, call.values[1]);
 }
 
 void identityInfo(const Call& call) {
-    call.give(call.host.identityInfo(call.text(0), static_cast<int>(call.integer(1))));
+    const std::shared_ptr<const tsql::TableDef> table = call.host.catalog().table(call.text(0));
+    call.give(call.host.identities().info(table.get(), static_cast<int>(call.integer(1))));
 }
 
 void userFunction(const Call& call) {
@@ -47,27 +50,27 @@ void updated(const Call& call) {
 }
 
 void objectId(const Call& call) {
-    call.give(call.host.objectId(call.text(0), call.count > 1 ? call.text(1) : std::string_view()));
+    call.give(call.host.catalog().objectId(call.text(0), call.count > 1 ? call.text(1) : std::string_view()));
 }
 
 void objectName(const Call& call) {
-    call.give(call.host.objectName(call.integer(0)));
+    call.give(call.host.catalog().objectName(call.integer(0)));
 }
 
 void columnLength(const Call& call) {
-    call.give(call.host.columnLength(call.text(0), call.text(1)));
+    call.give(call.host.catalog().columnLength(call.text(0), call.text(1)));
 }
 
 void columnName(const Call& call) {
-    call.give(call.host.columnName(call.integer(0), call.integer(1)));
+    call.give(call.host.catalog().columnName(call.integer(0), call.integer(1)));
 }
 
 void columnProperty(const Call& call) {
-    call.give(call.host.columnInfo(call.integer(0), call.text(1), call.text(2)));
+    call.give(call.host.catalog().columnInfo(call.integer(0), call.text(1), call.text(2)));
 }
 
 void objectProperty(const Call& call) {
-    call.give(call.host.objectProperty(call.integer(0), call.text(1)));
+    call.give(call.host.catalog().objectProperty(call.integer(0), call.text(1)));
 }
 
 void serverProperty(const Call& call) {

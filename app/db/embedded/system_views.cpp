@@ -1,3 +1,4 @@
+#include "app/db/embedded/constraint_ids.h"
 #include "app/db/embedded/session_catalog.h"
 
 #include "app/db/tsql/types.h"
@@ -71,31 +72,15 @@ struct Shown {
     std::string definition;
 };
 
-void eachConstraint(const tsql::TableDef& table, std::int64_t createdMs, const std::function<void(const Shown&)>& show) {
-    std::int64_t id = table.id * 1000;
-    for (const tsql::KeyDef& key : table.keys)
-        show({++id, key.name, key.primary ? "PK" : "UQ", table.id, createdMs, ""});
-    id = table.id * 1000 + 100;
-    for (const tsql::CheckDef& check : table.checks)
-        show({++id, check.name, "C", table.id, createdMs, "(" + check.expr->source + ")"});
-    id = table.id * 1000 + 200;
-    for (const tsql::ForeignKeyDef& key : table.foreignKeys)
-        show({++id, key.name, "F", table.id, createdMs, ""});
-    id = table.id * 1000 + 300;
-    for (const tsql::ColumnDef& column : table.columns) {
-        ++id;
-        if (column.defaultValue)
-            show({id, column.defaultName, "D", table.id, createdMs, "(" + column.defaultValue->source + ")"});
-    }
-}
-
 void eachObject(StoreCatalog& catalog, const std::function<void(const Shown&)>& show) {
     for (const StoredObject* object : catalog.all()) {
         if (object->kind == "IX" || object->kind == "TY")
             continue;
         show({object->id, object->name, object->kind, object->parent, object->createdMs, object->source});
         if (object->kind == "U")
-            eachConstraint(*catalog.tableById(object->id), object->createdMs, show);
+            eachConstraint(*catalog.tableById(object->id), [&](const Constraint& one) {
+                show({one.id, one.name, one.kind, object->id, object->createdMs, one.definition});
+            });
     }
 }
 
@@ -233,11 +218,15 @@ Rowset oldIndexes(StoreCatalog& catalog, const std::string&) {
 Rowset foreignKeys(StoreCatalog& catalog, const std::string&) {
     Rowset rows;
     eachTable(catalog, [&](const tsql::TableDef& table) {
-        std::int64_t id = table.id * 1000 + 200;
-        for (const tsql::ForeignKeyDef& key : table.foreignKeys) {
-            const StoredObject* other = catalog.find(key.table);
-            rows.push_back({text(key.name), number(++id), number(table.id), number(other ? other->id : 0), kind("F"), flag(!key.enabled)});
-        }
+        auto key = table.foreignKeys.begin();
+        eachConstraint(table, [&](const Constraint& one) {
+            if (one.kind != std::string_view("F"))
+                return;
+            const StoredObject* other = catalog.find(key->table);
+            rows.push_back(
+                {text(key->name), number(one.id), number(table.id), number(other ? other->id : 0), kind("F"), flag(!key->enabled)});
+            ++key;
+        });
     });
     return rows;
 }
