@@ -5,6 +5,7 @@
 #include "app/db/embedded/catalog_functions.h"
 #include "app/db/embedded/code_cache.h"
 #include "app/db/embedded/connection.h"
+#include "app/db/embedded/definer.h"
 #include "app/db/embedded/evaluator.h"
 #include "app/db/embedded/identities.h"
 #include "app/db/embedded/plans.h"
@@ -85,7 +86,6 @@ private:
     Flow runTry(const tsql::TryStatement& statement);
     Flow runReturn(const tsql::ReturnStatement& statement);
     void runDeclare(const tsql::DeclareStatement& statement);
-    void runDeclareTable(const tsql::DeclareTableStatement& statement);
     void runSet(const tsql::SetVariableStatement& statement);
     void runTransaction(const tsql::TransactionStatement& statement);
     void runOption(const tsql::SetOptionStatement& statement);
@@ -174,33 +174,6 @@ private:
     Flow runFrame(Frame& frame);
     // Runs it one level below its caller. The error that ended its scope, for the caller to note; thrown where a TRY waits for it.
     std::optional<DbError> runDeeper(Frame& frame);
-    void leaveFrame(Frame& frame);
-
-    // definitions
-    void runDefinition(const tsql::Statement& statement);
-    void define(const tsql::Statement& statement);
-    void createTable(const tsql::ObjectName& name, const tsql::TableBody& body);
-    void createTableOf(tsql::TableDef table, bool temporary);
-    bool ownsTemporary(const std::string& name) const;
-    void checkForeignKeys(tsql::TableDef& table, int line);
-    void createIndex(const tsql::CreateIndexStatement& statement);
-    void createView(const tsql::CreateViewStatement& statement);
-    void createModule(const tsql::ObjectName& name, bool alter, const char* kind, const std::string& text, std::int64_t parent, int line);
-    void createFunction(const tsql::CreateFunctionStatement& statement);
-    void createTrigger(const tsql::CreateTriggerStatement& statement);
-    void createType(const tsql::CreateTypeStatement& statement);
-    void drop(const tsql::DropStatement& statement);
-    void dropTable(const tsql::ObjectName& name, bool ifExists);
-    void dropIndex(const tsql::DropStatement& statement);
-    void requireFreeName(const std::string& name, int line);
-    void alterTable(const tsql::AlterTableStatement& statement);
-    void alterAdd(const tsql::AlterTableStatement& statement, tsql::TableDef table);
-    void alterColumn(const tsql::AlterTableStatement& statement, tsql::TableDef table);
-    void dropColumns(const tsql::AlterTableStatement& statement, tsql::TableDef table);
-    void dropConstraints(const tsql::AlterTableStatement& statement, tsql::TableDef table);
-    void enableTriggers(const tsql::AlterTableStatement& statement, const tsql::TableDef& table);
-    void rewriteTable(const tsql::TableDef& table);
-    void verifyRows(const tsql::TableDef& table, const std::vector<tsql::CheckDef>& checks, const std::vector<tsql::ForeignKeyDef>& keys);
 
     RowsetRegistry rows_; // before the connection, which it outlives
     Connection connection_;
@@ -220,6 +193,10 @@ private:
     SystemValues systemValues_{batch_, transaction_, identities_, catalog_};
     Evaluator evaluator_{connection_, batch_, transaction_, plans_, systemValues_};
     CatalogFunctions catalogFunctions_{store_, catalog_};
+    DefinitionParts definitions_{connection_, store_, temporaries_, catalog_, builder_, schema_, batch_};
+    TableMaker tables_{definitions_, identities_, transaction_, temporaryUndo_};
+    TableChanger changer_{definitions_, evaluator_};
+    Definer definer_{definitions_, tables_, changer_, transaction_};
 
     // By table, event and whether they stand in place of it; found anew for each version of the schema.
     struct Triggering {

@@ -18,22 +18,9 @@ using tsql::StatementKind;
 
 Engine::Flow Engine::runFrame(Frame& frame) {
     const FrameScope here(batch_, temporaries_, frame);
-    const AtEnd leave([&] { leaveFrame(frame); });
+    const AtEnd leave([&] { tables_.dropTablesOf(frame); });
     check_.check(*frame.code);
     return runBlock(*frame.code->body);
-}
-
-// Drops the temporary tables that belong to a module or a text that was run.
-void Engine::leaveFrame(Frame& frame) {
-    for (auto name = frame.temporaries.rbegin(); name != frame.temporaries.rend(); ++name) {
-        tsql::ObjectName object;
-        object.parts.push_back(*name);
-        if (const std::shared_ptr<const tsql::TableDef> table = catalog_.table(object)) {
-            sqlite3_exec(connection_.handle(), ("DROP TABLE IF EXISTS " + table->storage).c_str(), nullptr, nullptr, nullptr);
-            temporaries_.pop(*name);
-        }
-    }
-    frame.temporaries.clear();
 }
 
 Engine::Flow Engine::runBlock(const tsql::Block& block) {
@@ -127,7 +114,7 @@ Engine::Flow Engine::runOne(const tsql::Statement& statement) {
         runDeclare(static_cast<const tsql::DeclareStatement&>(statement));
         return Flow::Next;
     case StatementKind::DeclareTable:
-        runDeclareTable(static_cast<const tsql::DeclareTableStatement&>(statement));
+        tables_.declare(static_cast<const tsql::DeclareTableStatement&>(statement));
         return Flow::Next;
     case StatementKind::SetVariable:
         runSet(static_cast<const tsql::SetVariableStatement&>(statement));
@@ -190,7 +177,7 @@ Engine::Flow Engine::runOne(const tsql::Statement& statement) {
     case StatementKind::Unsupported:
         throw tsql::unsupported(static_cast<const tsql::UnsupportedStatement&>(statement).feature, statement.line);
     default:
-        runDefinition(statement);
+        definer_.run(statement);
         return Flow::Next;
     }
 }

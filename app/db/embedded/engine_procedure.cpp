@@ -323,7 +323,7 @@ void Engine::addType(const tsql::ExecuteStatement& statement) {
     if (arguments.size() > 2 && !arguments[2].cell.isNull())
         create.nullable =
             lowerCase(arguments[2].cell.bytes).find("not") == std::string::npos && lowerCase(arguments[2].cell.bytes) != "nonull";
-    runDefinition(create);
+    definer_.run(create);
 }
 
 } // namespace merchantry::db::embedded

@@ -56,7 +56,7 @@ void Engine::selectInto(StatementPlan& plan, const tsql::Statement& statement) {
         if (column.type.kind == TypeKind::Null)
             column.type = tsql::simpleType(TypeKind::Int);
     }
-    createTableOf(table, temporary);
+    tables_.make(table, temporary);
     const std::shared_ptr<const tsql::TableDef> made = catalog_.table({{table.name}, 1});
     const Statement3 insert = evaluator_.prepared(query.sql, "INSERT INTO " + made->storage + " " + query.sql.text);
     connection_.step(insert.get());

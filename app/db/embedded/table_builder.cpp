@@ -116,6 +116,19 @@ void TableBuilder::buildKey(const TableDef& table, const std::string& name, cons
         connection_.run("CREATE UNIQUE INDEX " + indexName(table, name + "$null") + " ON " + bare + "(" + nulls + ") WHERE " + condition);
 }
 
+void TableBuilder::addKey(const TableDef& table, const std::string& name, const std::vector<tsql::IndexColumn>& columns, bool unique) {
+    try {
+        buildKey(table, name, columns, unique);
+    } catch (const DbError& error) {
+        if (error.native() != 2627)
+            throw;
+        throw DbError(DbError::Category::Integrity, 1505,
+                      "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo." +
+                          table.name + "' and the index name '" + name + "'.")
+            .withSeverity(16, 1);
+    }
+}
+
 void TableBuilder::dropKey(const TableDef& table, const std::string& name) {
     connection_.run("DROP INDEX IF EXISTS " + indexName(table, name));
     connection_.run("DROP INDEX IF EXISTS " + indexName(table, name + "$null"));

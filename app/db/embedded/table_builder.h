@@ -16,8 +16,8 @@ public:
     // Makes the table with its indexes. Requires: a definition with its storage.
     void build(const tsql::TableDef& table);
     // An index for these columns. Where a unique one has columns that may be null a second one keeps the nulls unique as well. Throws
-    // DbError Integrity 2627 when rows are there that break it.
-    void buildKey(const tsql::TableDef& table, const std::string& name, const std::vector<tsql::IndexColumn>& columns, bool unique);
+    // DbError Integrity 1505 when rows are there that break it.
+    void addKey(const tsql::TableDef& table, const std::string& name, const std::vector<tsql::IndexColumn>& columns, bool unique);
     void dropKey(const tsql::TableDef& table, const std::string& name);
     // What stands between the brackets of CREATE TABLE.
     std::string tableSql(const tsql::TableDef& table);
@@ -25,6 +25,7 @@ public:
     static const char* storageClass(const SqlType& type);
 
 private:
+    void buildKey(const tsql::TableDef& table, const std::string& name, const std::vector<tsql::IndexColumn>& columns, bool unique);
     std::string columnSql(const tsql::TableDef& table, const tsql::ColumnDef& column);
     static std::string referenceSql(const tsql::ForeignKeyDef& key);
     static std::string indexName(const tsql::TableDef& table, const std::string& name);
