@@ -21,6 +21,30 @@ int LevelScope::deeper(int level) {
     return level + 1;
 }
 
+ShownRowsScope::ShownRowsScope(RowsetRegistry& rows, std::string name, std::shared_ptr<const Rowset> shown)
+    : rows_(rows), name_(std::move(name)), before_(rows.get(name_)) {
+    rows_.set(name_, std::move(shown));
+}
+
+OpenReferencesScope::OpenReferencesScope(Connection& connection) : connection_(connection) {
+    connection_.run("PRAGMA defer_foreign_keys=ON");
+}
+
+OpenReferencesScope::~OpenReferencesScope() {
+    sqlite3_exec(connection_.handle(), "PRAGMA defer_foreign_keys=OFF", nullptr, nullptr, nullptr);
+}
+
+TrialScope::TrialScope(Connection& connection, BatchState& batch, Identities& identities, ChangeCapture& capture)
+    : connection_(connection), identities_(identities), numbers_(identities.numbers()), variables_(batch.frame->variables),
+      captured_(capture.pause()) {
+    sqlite3_exec(connection_.handle(), "SAVEPOINT ts_trial; PRAGMA defer_foreign_keys=ON", nullptr, nullptr, nullptr);
+}
+
+TrialScope::~TrialScope() {
+    sqlite3_exec(connection_.handle(), "ROLLBACK TO ts_trial; RELEASE ts_trial; PRAGMA defer_foreign_keys=OFF", nullptr, nullptr, nullptr);
+    identities_.putBack(std::move(numbers_));
+}
+
 WriteScope::WriteScope(Transaction& transaction, bool temporaryOnly, bool undoesItself)
     : transaction_(transaction), rollbacks_(transaction.rollbacks()) {
     const bool own = !transaction_.isOpen();

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "app/db/embedded/batch_state.h"
+#include "app/db/embedded/change_capture.h"
+#include "app/db/embedded/identities.h"
+#include "app/db/embedded/session_catalog.h"
 #include "app/db/embedded/temporary_tables.h"
 #include "app/db/embedded/transaction.h"
 #include "base/guard.h"
@@ -109,6 +112,66 @@ public:
 private:
     Restore<ResultSink*> sink_;
     Restore<bool> inside_;
+};
+
+// The trigger of a table or view runs in place of a statement: what it writes there is written.
+class InsteadScope {
+public:
+    InsteadScope(SessionCatalog& catalog, std::int64_t tableOrView) : instead_(catalog.inInstead, tableOrView) {}
+
+private:
+    Restore<std::int64_t> instead_;
+};
+
+// The triggers of a statement run: what they insert is not seen by SCOPE_IDENTITY().
+class TriggersScope {
+public:
+    explicit TriggersScope(BatchState& batch) : identity_(batch.frame->scopeIdentity) {}
+
+private:
+    Restore<tsql::Cell> identity_;
+};
+
+// Rows of a name that statements read like a table, as inserted and deleted of a running trigger.
+class ShownRowsScope {
+public:
+    ShownRowsScope(RowsetRegistry& rows, std::string name, std::shared_ptr<const Rowset> shown);
+    ~ShownRowsScope() { rows_.set(name_, before_); }
+    ShownRowsScope(const ShownRowsScope&) = delete;
+    ShownRowsScope& operator=(const ShownRowsScope&) = delete;
+
+private:
+    RowsetRegistry& rows_;
+    std::string name_;
+    std::shared_ptr<const Rowset> before_;
+};
+
+// References may be broken, as long as they hold again at the end. Requires: a transaction of SQLite.
+class OpenReferencesScope {
+public:
+    explicit OpenReferencesScope(Connection& connection);
+    ~OpenReferencesScope();
+    OpenReferencesScope(const OpenReferencesScope&) = delete;
+    OpenReferencesScope& operator=(const OpenReferencesScope&) = delete;
+
+private:
+    Connection& connection_;
+};
+
+// A statement is run for a trial, with all references left open: what it changes, counts, sets and captures is not seen.
+class TrialScope {
+public:
+    TrialScope(Connection& connection, BatchState& batch, Identities& identities, ChangeCapture& capture);
+    ~TrialScope();
+    TrialScope(const TrialScope&) = delete;
+    TrialScope& operator=(const TrialScope&) = delete;
+
+private:
+    Connection& connection_;
+    Identities& identities_;
+    Identities::Numbers numbers_;
+    Restore<std::vector<tsql::Cell>> variables_;
+    Restore<ChangeCapture::Seen> captured_;
 };
 
 // The piece of a transaction that one statement is: all of it or nothing. Outside a transaction it is one of its own, with the lock of the

@@ -92,5 +92,16 @@ TEST_F(Changes, FireTheTriggersThatStandAtThatMoment) {
     EXPECT_EQ(fired("INSERT INTO A (N) VALUES (9)"), "");
 }
 
+// The triggers behind one that changes a definition were looked for in a catalogue that was gone.
+TEST_F(Changes, FireTheTriggersBehindOneThatDefinesObjects) {
+    run("CREATE TRIGGER First ON A AFTER INSERT AS CREATE TABLE Made (X int) DROP TRIGGER Third");
+    run("CREATE TRIGGER Second ON A AFTER INSERT AS INSERT INTO B (N) VALUES (2)");
+    run("CREATE TRIGGER Third ON A AFTER INSERT AS INSERT INTO B (N) VALUES (3)");
+    run("CREATE TRIGGER Fourth ON A AFTER INSERT AS INSERT INTO B (N) VALUES (4)");
+    run("INSERT INTO A (N) VALUES (1)");
+    EXPECT_EQ(rowsOf("SELECT N FROM B ORDER BY ID"), "2;4");
+    EXPECT_EQ(rowsOf("SELECT OBJECT_NAME(OBJECT_ID('Made')), OBJECT_ID('Third')"), "Made|NULL");
+}
+
 } // namespace
 } // namespace merchantry::db
