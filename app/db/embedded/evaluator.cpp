@@ -45,7 +45,7 @@ Cell Evaluator::value(StatementPlan& plan, std::size_t index) {
         return value.literal;
     if (value.variable >= 0)
         return batch_.value(value.variable);
-    if (value.sql.text.find(" FROM ") != std::string::npos)
+    if (value.readsTables)
         transaction_.beforeRead();
     Statement3 spare;
     sqlite3_stmt* statement = prepared(plan, index, value.sql, spare);

@@ -34,7 +34,7 @@ ChangePlan Binder::deleteFrom(const DeleteStatement& statement) {
                         "View or function '" + statement.table.last() +
                             "' is not updatable because the modification affects multiple base tables.",
                         statement.line);
-    const bool simple = statement.from.empty() && limit.empty() && source.viewId == 0 && source.sqlAlias + "._rowid_" == base.sql;
+    const bool simple = statement.from.empty() && limit.empty() && source.viewId == 0 && source.isTable;
     if (simple)
         plan.sql.text = "DELETE FROM " + base.table->storage + " AS " + source.sqlAlias + (where.empty() ? " WHERE 1" : where);
     else

@@ -190,7 +190,8 @@ Typed Binder::variable(const Expr& expr) {
     const int slot = variableSlot(expr.text, expr.line);
     Typed result;
     result.type = context_.variables[static_cast<std::size_t>(slot)].type;
-    result.sql = assigned_.count(slot) != 0 ? "ts_var(" + std::to_string(slot) + ")" : place(false, slot);
+    result.isPlace = assigned_.count(slot) == 0;
+    result.sql = result.isPlace ? place(false, slot) : "ts_var(" + std::to_string(slot) + ")";
     return result;
 }
 
@@ -198,7 +199,8 @@ Typed Binder::system(SystemValue value, const SqlType& type) {
     Typed result;
     result.type = type;
     const std::string number = std::to_string(static_cast<int>(value));
-    result.sql = inDefinition_ ? "ts_system(" + number + ")" : place(true, static_cast<int>(value));
+    result.isPlace = !inDefinition_;
+    result.sql = result.isPlace ? place(true, static_cast<int>(value)) : "ts_system(" + number + ")";
     return result;
 }
 
@@ -235,7 +237,7 @@ Typed Binder::systemVariable(const Expr& expr) {
 
 // ---- conversions
 
-Typed Binder::convertTo(Typed value, const SqlType& to, ConvertFor purpose, int style) {
+Typed Binder::convertTo(Typed value, const SqlType& to, ConvertFor purpose, int style) const {
     if (value.type.kind == TypeKind::Null) {
         value.type = to;
         return value;
@@ -273,7 +275,7 @@ Typed Binder::convertTo(Typed value, const SqlType& to, ConvertFor purpose, int 
     return result;
 }
 
-Typed Binder::implicitTo(Typed value, const SqlType& to, int line, ConvertFor purpose) {
+Typed Binder::implicitTo(Typed value, const SqlType& to, int line, ConvertFor purpose) const {
     requireImplicit(value.type, to, line);
     return convertTo(std::move(value), to, purpose);
 }

@@ -39,6 +39,7 @@ bool keepsRight(const TableRef& ref) {
 } // namespace
 
 std::string Binder::bindFrom(const std::vector<TableRefPtr>& from, Scope& scope) {
+    readsTables_ = true;
     std::string sql;
     for (const TableRefPtr& ref : from) {
         const std::string one = bindTableRef(*ref, scope);
@@ -200,6 +201,7 @@ Source Binder::tableSourceOf(std::shared_ptr<const TableDef> table, const std::s
     Source source;
     source.sqlAlias = sqlAlias;
     source.table = table;
+    source.isTable = true;
     const std::string prefix = sqlAlias.empty() ? "" : sqlAlias + ".";
     if (!table->readOnly)
         source.bases.push_back({table, prefix + "_rowid_"});
@@ -234,6 +236,7 @@ std::string Binder::bindDerived(const TableRef& ref, const Query& query, Scope& 
             column.value.table.reset();
         column.value.sql = alias + "._c" + std::to_string(i);
         column.value.isColumn = true;
+        column.value.isPlace = false;
         column.value.literal.reset();
         source.columns.push_back(std::move(column));
     }
@@ -245,7 +248,7 @@ std::string Binder::bindDerived(const TableRef& ref, const Query& query, Scope& 
         for (std::size_t i = 0; i < bound->bases.size(); ++i)
             source.bases.push_back({bound->bases[i].table, alias + "._r" + std::to_string(i)});
     }
-    const std::string text = "(" + render(*bound, *this) + ") AS " + alias;
+    const std::string text = "(" + render(*bound) + ") AS " + alias;
     TableRef named;
     named.alias = ref.alias;
     named.name = ref.name;
@@ -307,6 +310,7 @@ std::string Binder::bindRecursive(const TableRef& ref, const CommonTable& table,
             throw syntaxError(8155, "No column name was specified for column " + std::to_string(i + 1) + " of '" + table.name + "'.",
                               table.line);
         column.value.isColumn = true;
+        column.value.isPlace = false;
         column.value.literal.reset();
         column.value.table.reset();
         if (column.value.type.kind == TypeKind::Null)
@@ -336,8 +340,8 @@ std::string Binder::bindRecursive(const TableRef& ref, const CommonTable& table,
     anchor->level = "0";
     step->level = "ts_level(" + recursion.alias + "._lv," + std::to_string(maxRecursion_) + ")";
     const std::string alias = nextAlias();
-    const std::string text = "(WITH RECURSIVE " + recursion.sqlName + "(" + columns + "_lv) AS (" + render(*anchor, *this, &types) +
-                             " UNION ALL " + render(*step, *this, &types) + ") SELECT * FROM " + recursion.sqlName + ") AS " + alias;
+    const std::string text = "(WITH RECURSIVE " + recursion.sqlName + "(" + columns + "_lv) AS (" + render(*anchor, &types) +
+                             " UNION ALL " + render(*step, &types) + ") SELECT * FROM " + recursion.sqlName + ") AS " + alias;
     Source source;
     source.sqlAlias = alias;
     source.grouped = true;
@@ -393,14 +397,12 @@ std::string Binder::bindTableFunction(const TableRef& ref, Scope& scope) {
     if (ref.args.size() != function->parameters.size())
         throw syntaxError(ref.args.size() < function->parameters.size() ? 313 : 8144,
                           "Procedure or function " + function->name + " has another number of arguments.", ref.line);
-    const std::size_t before = inlined_.size();
     std::vector<std::pair<std::string, Typed>> arguments;
     for (std::size_t i = 0; i < ref.args.size(); ++i)
         arguments.emplace_back(function->parameters[i].name, implicitTo(bindValue(*ref.args[i]), function->parameters[i].type, ref.line));
+    const AtEnd outside([this, count = inlined_.size()] { inlined_.resize(count); });
     inlined_.insert(inlined_.end(), arguments.begin(), arguments.end());
-    const std::string sql = bindDerived(ref, *function->statement->table, scope, ref.columnAliases, ref.line);
-    inlined_.resize(before);
-    return sql;
+    return bindDerived(ref, *function->statement->table, scope, ref.columnAliases, ref.line);
 }
 
 std::vector<BoundColumn> Binder::viewColumns(const ViewDef& view) {

@@ -153,7 +153,8 @@ std::string Binder::storedValue(Typed value, const TableDef& table, int column, 
 }
 
 // The values of a whole row in the order of the table, computed columns left out.
-std::vector<std::string> Binder::rowValues(const TableDef& table, const std::vector<int>& columns, const std::vector<std::string>& given) {
+std::vector<std::string> Binder::rowValues(const TableDef& table, const std::vector<int>& columns, const std::vector<std::string>& given,
+                                           Numbers numbers) {
     std::vector<std::string> row;
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         const ColumnDef& column = table.columns[i];
@@ -166,7 +167,7 @@ std::vector<std::string> Binder::rowValues(const TableDef& table, const std::vec
         } else if (column.identity) {
             Typed number;
             number.type = simpleType(TypeKind::BigInt);
-            number.sql = "ts_identity(" + std::to_string(table.id) + ")";
+            number.sql = numbers == Numbers::Given ? "ts_identity(" + std::to_string(table.id) + ")" : "0";
             row.push_back(convertTo(std::move(number), column.type, ConvertFor::Column).sql);
         } else {
             row.push_back(storedValue(defaultOf(table, static_cast<int>(i)), table, static_cast<int>(i), 0));
@@ -184,7 +185,7 @@ std::string Binder::insertHead(const TableDef& table) const {
     return "INSERT INTO " + table.storage + "(" + names + ") ";
 }
 
-std::string Binder::insertValues(const InsertStatement& statement, const Target& target, const std::vector<int>& columns) {
+std::string Binder::insertValues(const InsertStatement& statement, const Target& target, const std::vector<int>& columns, Numbers numbers) {
     const TableDef& table = *target.table;
     std::string sql;
     for (const std::vector<ExprPtr>& row : statement.rows) {
@@ -194,12 +195,12 @@ std::string Binder::insertValues(const InsertStatement& statement, const Target&
             const bool isDefault = row[i]->kind == ExprKind::Default;
             given.push_back(storedValue(isDefault ? defaultOf(table, columns[i]) : bindValue(*row[i]), table, columns[i], statement.line));
         }
-        sql += (sql.empty() ? "VALUES (" : ",(") + joined(rowValues(table, columns, given), ",") + ")";
+        sql += (sql.empty() ? "VALUES (" : ",(") + joined(rowValues(table, columns, given, numbers), ",") + ")";
     }
     return sql;
 }
 
-std::string Binder::insertQuery(const InsertStatement& statement, const Target& target, const std::vector<int>& columns) {
+std::string Binder::insertQuery(const InsertStatement& statement, const Target& target, const std::vector<int>& columns, Numbers numbers) {
     std::unique_ptr<BoundQuery> query = bindQuery(*statement.query, true);
     checkWidth(statement, columns.size(), query->columns.size(), false);
     std::vector<std::string> given;
@@ -212,13 +213,14 @@ std::string Binder::insertQuery(const InsertStatement& statement, const Target& 
         if (value.literal && value.literal->isNull())
             value.sql = "NULL";
         value.literal.reset();
+        value.isPlace = false;
         given.push_back(storedValue(std::move(value), *target.table, columns[i], statement.line));
     }
     if (statement.top)
         query->limit = topLimit(statement.top);
     else if (!query->orderBy.empty() && query->limit.empty())
         query->limit = " LIMIT -1"; // keeps the order for the numbers that are given on the way
-    return "SELECT " + joined(rowValues(*target.table, columns, given), ",") + " FROM (" + render(*query, *this) + ") AS " + alias;
+    return "SELECT " + joined(rowValues(*target.table, columns, given, numbers), ",") + " FROM (" + render(*query) + ") AS " + alias;
 }
 
 std::string Binder::topLimit(const std::optional<TopClause>& top) {
@@ -259,17 +261,16 @@ ChangePlan Binder::insert(const InsertStatement& statement) {
     const bool instead = insteadOfView || context_.catalog.hasInsteadTrigger(target.table->id, "insert");
     if (!instead)
         checkIdentity(*target.table, columns, statement.hasColumns, statement.line);
+    const Numbers numbers = instead ? Numbers::None : Numbers::Given;
     std::string rows;
     if (statement.defaultValues)
-        rows = "VALUES (" + joined(rowValues(*target.table, {}, {}), ",") + ")";
+        rows = "VALUES (" + joined(rowValues(*target.table, {}, {}, numbers), ",") + ")";
     else
-        rows = statement.query ? insertQuery(statement, target, columns) : insertValues(statement, target, columns);
+        rows = statement.query ? insertQuery(statement, target, columns, numbers) : insertValues(statement, target, columns, numbers);
     if (instead) {
         plan.insteadOf = target.table->id;
         plan.insteadShape = target.table;
         plan.insteadNew.text = rows;
-        if (const int identity = target.table->identityColumn(); identity >= 0)
-            plan.insteadNew.text = replaced(rows, "ts_identity(" + std::to_string(target.table->id) + ")", "0");
         plan.insteadNew.places = places_;
         return plan;
     }

@@ -61,6 +61,7 @@ void keepColumnBare(const Typed& column, Typed& other) {
     other.sql = "ts_whole(" + other.sql + ")";
     other.type = column.type;
     other.literal.reset();
+    other.isPlace = false;
 }
 
 } // namespace
@@ -78,6 +79,7 @@ Typed Binder::unary(const Expr& expr) {
             value.sql = "(255&" + value.sql + ")";
         value.literal.reset();
         value.isColumn = false;
+        value.isPlace = false;
         return value;
     }
     if (value.type.kind == TypeKind::Null)
@@ -105,6 +107,7 @@ Typed Binder::unary(const Expr& expr) {
         const SqlType type = value.type;
         Typed result = value;
         result.isColumn = false;
+        result.isPlace = false;
         result.sql = "ts_dec_neg(" + value.sql + "," + std::to_string(type.precision) + ")";
         return result;
     }
@@ -247,7 +250,7 @@ std::string Binder::bindCondition(const Expr& expr) {
         return inQuery(expr);
     case ExprKind::Exists: {
         const std::unique_ptr<BoundQuery> query = bindSubquery(*expr.query);
-        return "EXISTS (" + render(*query, *this) + ")";
+        return "EXISTS (" + render(*query) + ")";
     }
     case ExprKind::Quantified:
         return quantified(expr);
@@ -274,7 +277,7 @@ std::string Binder::compare(const std::string& op, Typed left, Typed right, int 
     const auto isNull = [](const Typed& value) { return value.literal && value.literal->isNull(); };
     const bool nullable = !context_.ansiNulls && (op == "=" || op == "<>");
     const std::string meant =
-        nullable && (isNull(left) || isNull(right) || left.sql[0] == '?' || right.sql[0] == '?') ? (op == "=" ? " IS " : " IS NOT ") : op;
+        nullable && (isNull(left) || isNull(right) || left.isPlace || right.isPlace) ? (op == "=" ? " IS " : " IS NOT ") : op;
     keepColumnBare(left, right);
     keepColumnBare(right, left);
     SqlType type = commonType(left.type, right.type, line);
@@ -335,7 +338,7 @@ std::string Binder::inQuery(const Expr& expr) {
                           expr.line);
     const std::vector<SqlType> types = {commonType(value.type, query->columns[0].value.type, expr.line)};
     value = implicitTo(std::move(value), types[0], expr.line);
-    return "(" + collated(value) + (expr.negated ? " NOT IN (" : " IN (") + render(*query, *this, &types) + "))";
+    return "(" + collated(value) + (expr.negated ? " NOT IN (" : " IN (") + render(*query, &types) + "))";
 }
 
 std::string Binder::quantified(const Expr& expr) {
@@ -348,8 +351,9 @@ std::string Binder::quantified(const Expr& expr) {
     const std::string alias = nextAlias();
     member.sql = alias + "._c0";
     member.literal.reset();
+    member.isPlace = false;
     const std::string comparison = compare(expr.text, value, member, expr.line);
-    const std::string from = "EXISTS (SELECT 1 FROM (" + render(*query, *this) + ") AS " + alias + " WHERE ";
+    const std::string from = "EXISTS (SELECT 1 FROM (" + render(*query) + ") AS " + alias + " WHERE ";
     const std::string decided = from + (expr.all ? "NOT " : "") + comparison + ")";
     const std::string unknown = from + comparison + " IS NULL)";
     return "(CASE WHEN " + decided + " THEN " + (expr.all ? "0" : "1") + " WHEN " + unknown + " THEN NULL ELSE " + (expr.all ? "1" : "0") +
@@ -365,9 +369,9 @@ Typed Binder::subquery(const Expr& expr) {
     result.type = query->columns[0].value.type;
     result.collation = query->columns[0].value.collation;
     if (query->oneRow)
-        result.sql = "(" + render(*query, *this) + ")";
+        result.sql = "(" + render(*query) + ")";
     else
-        result.sql = "(SELECT ts_one(_c0) FROM (" + render(*query, *this) + "))";
+        result.sql = "(SELECT ts_one(_c0) FROM (" + render(*query) + "))";
     return result;
 }
 

@@ -80,7 +80,7 @@ QueryPlan Binder::plan(const BoundQuery& bound, const Query& query) {
         }
         plan.columns.push_back(std::move(column));
     }
-    plan.sql.text = render(bound, *this, nullptr, bound.orderBy.empty());
+    plan.sql.text = render(bound, nullptr, bound.orderBy.empty());
     plan.sql.places = places_;
     if (core && !core->into.empty()) {
         auto table = std::make_shared<TableDef>();
@@ -366,9 +366,8 @@ void Binder::bindTop(const TopClause& top, BoundQuery& result) {
         return;
     if (top.percent) { // so many of a hundred, rounded up
         const Typed share = convertTo(bindValue(*top.count), simpleType(TypeKind::Int));
-        const std::string order = std::exchange(result.orderBy, std::string());
-        result.limit = " LIMIT (SELECT (COUNT(*)*" + share.sql + "+99)/100 FROM (" + render(result, *this) + "))";
-        result.orderBy = order;
+        const Restore unordered(result.orderBy, std::string());
+        result.limit = " LIMIT (SELECT (COUNT(*)*" + share.sql + "+99)/100 FROM (" + render(result) + "))";
         return;
     }
     if (top.ties)
@@ -381,39 +380,39 @@ void Binder::bindTop(const TopClause& top, BoundQuery& result) {
 
 // ---- text
 
-std::vector<SqlType> Binder::columnTypes(const BoundQuery& query) const {
+std::vector<SqlType> Binder::columnTypes(const BoundQuery& query) {
     std::vector<SqlType> types;
     for (const BoundColumn& column : query.columns)
         types.push_back(column.value.type);
     return types;
 }
 
-std::string Binder::render(const BoundQuery& query, const Binder& binder, const std::vector<SqlType>* types, bool unnamed) {
-    std::string sql;
-    if (query.op != SetOperator::None) {
-        const std::vector<SqlType> own = types ? *types : binder.columnTypes(query);
-        const auto operand = [&](const BoundQuery& side, bool isLeft) {
-            const std::string text = render(side, binder, &own);
-            return isPlainOperand(side, isLeft) ? text : "SELECT * FROM (" + text + ")";
-        };
-        sql = operand(*query.left, true) + setOperatorSql(query.op) + operand(*query.right, false);
-    } else {
-        sql = query.distinct ? "SELECT DISTINCT " : "SELECT ";
-        for (std::size_t i = 0; i < query.columns.size(); ++i) {
-            Typed value = query.columns[i].value;
-            if (types)
-                value = const_cast<Binder&>(binder).convertTo(std::move(value), (*types)[i]);
-            const bool plain = value.isColumn && value.collation.empty();
-            sql += (i > 0 ? "," : "") + (plain || !value.type.isText() ? value.sql : binder.collated(value)) +
-                   (unnamed ? std::string() : " AS _c" + std::to_string(i));
-        }
-        for (std::size_t i = 0; query.hasRowIds && i < query.bases.size(); ++i)
-            sql += "," + query.bases[i].sql + " AS _r" + std::to_string(i);
-        if (!query.level.empty())
-            sql += "," + query.level;
-        sql += query.tail;
+std::string Binder::render(const BoundQuery& query, const std::vector<SqlType>* types, bool unnamed) const {
+    if (query.op == SetOperator::None)
+        return renderCore(query, types, unnamed) + query.orderBy + query.limit;
+    const std::vector<SqlType> own = types ? *types : columnTypes(query);
+    const auto operand = [&](const BoundQuery& side, bool isLeft) {
+        const std::string text = render(side, &own);
+        return isPlainOperand(side, isLeft) ? text : "SELECT * FROM (" + text + ")";
+    };
+    return operand(*query.left, true) + setOperatorSql(query.op) + operand(*query.right, false) + query.orderBy + query.limit;
+}
+
+std::string Binder::renderCore(const BoundQuery& query, const std::vector<SqlType>* types, bool unnamed) const {
+    std::string sql = query.distinct ? "SELECT DISTINCT " : "SELECT ";
+    for (std::size_t i = 0; i < query.columns.size(); ++i) {
+        Typed value = query.columns[i].value;
+        if (types)
+            value = convertTo(std::move(value), (*types)[i]);
+        const bool plain = value.isColumn && value.collation.empty();
+        sql += (i > 0 ? "," : "") + (plain || !value.type.isText() ? value.sql : collated(value)) +
+               (unnamed ? std::string() : " AS _c" + std::to_string(i));
     }
-    return sql + query.orderBy + query.limit;
+    for (std::size_t i = 0; query.hasRowIds && i < query.bases.size(); ++i)
+        sql += "," + query.bases[i].sql + " AS _r" + std::to_string(i);
+    if (!query.level.empty())
+        sql += "," + query.level;
+    return sql + query.tail;
 }
 
 } // namespace merchantry::db::tsql

@@ -194,8 +194,8 @@ void Binder::assign(Updating& update, const Assignment& assignment, ChangePlan& 
 // One table and nothing looked up elsewhere is updated in place; otherwise the new values are worked out first, by row.
 void Binder::updateText(const Updating& update, ChangePlan& plan) {
     const TableDef& table = update.table();
-    const bool simple = update.statement.from.empty() && update.limit.empty() && !update.subqueries && update.source.viewId == 0 &&
-                        update.source.sqlAlias + "._rowid_" == update.base.sql;
+    const bool simple =
+        update.statement.from.empty() && update.limit.empty() && !update.subqueries && update.source.viewId == 0 && update.source.isTable;
     std::string sets;
     std::string given;
     for (const auto& [column, value] : update.values) {

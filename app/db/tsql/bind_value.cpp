@@ -16,8 +16,9 @@ ValuePlan Binder::value(const Expr& expr, const std::optional<SqlType>& target) 
         plan.literal = *value.literal;
         return plan;
     }
-    if (value.sql == "?1" && places_.size() == 1 && !places_[0].system)
+    if (value.isPlace && places_.size() == 1 && !places_[0].system)
         plan.variable = places_[0].slot;
+    plan.readsTables = readsTables_;
     plan.sql = {"SELECT " + value.sql, places_};
     return plan;
 }
@@ -31,6 +32,7 @@ ValuePlan Binder::compound(const std::string& variable, char op, const Expr& val
     ValuePlan plan;
     plan.type = type;
     plan.sql.text = "SELECT " + implicitTo(arithmetic(op, std::move(before), bindValue(value), line), type, line).sql;
+    plan.readsTables = readsTables_;
     plan.sql.places = places_;
     return plan;
 }
@@ -39,6 +41,7 @@ ValuePlan Binder::condition(const Expr& expr) {
     ValuePlan plan;
     plan.type = simpleType(TypeKind::Bit);
     plan.sql.text = "SELECT " + bindCondition(expr);
+    plan.readsTables = readsTables_;
     plan.sql.places = places_;
     return plan;
 }

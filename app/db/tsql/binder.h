@@ -39,6 +39,7 @@ struct Typed {
     SqlType type;
     bool nullable = true;
     std::optional<Cell> literal;
+    bool isPlace = false; // it is only a variable or value of the session
     bool isColumn = false;
     std::shared_ptr<const TableDef> table; // of a plain column
     int column = -1;
@@ -65,6 +66,7 @@ struct Source {
     std::shared_ptr<const TableDef> table; // the columns are those of the table, and made when they are asked for
     std::vector<BaseRow> bases;
     std::int64_t viewId = 0;
+    bool isTable = false; // itself: a row of it is a row of the table
     bool grouped = false; // a view that shows no single rows
 };
 
@@ -79,7 +81,6 @@ struct Scope {
     bool windowsAllowed = false;
     bool alone = false;            // a column needs no table before it
     const char* clause = "SELECT"; // where the binder is, for 8120, 8121, 8127
-    const std::vector<BoundColumn>* outputs = nullptr;
 };
 
 struct BoundQuery {
@@ -157,8 +158,8 @@ private:
     std::string inList(const Expr& expr);
     std::string inQuery(const Expr& expr);
     std::string quantified(const Expr& expr);
-    Typed convertTo(Typed value, const SqlType& to, ConvertFor purpose = ConvertFor::Value, int style = -1);
-    Typed implicitTo(Typed value, const SqlType& to, int line, ConvertFor purpose = ConvertFor::Value);
+    Typed convertTo(Typed value, const SqlType& to, ConvertFor purpose = ConvertFor::Value, int style = -1) const;
+    Typed implicitTo(Typed value, const SqlType& to, int line, ConvertFor purpose = ConvertFor::Value) const;
     std::string collated(const Typed& value) const;
     static std::string collationOf(const Typed& left, const Typed& right);
     std::string place(bool system, int slot);
@@ -184,9 +185,9 @@ private:
     std::string orderItem(const OrderItem& item, Scope* scope, const BoundQuery& result, std::string& key);
     void bindTop(const TopClause& top, BoundQuery& result);
     void expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns);
-    static std::string render(const BoundQuery& query, const Binder& binder, const std::vector<SqlType>* types = nullptr,
-                              bool unnamed = false);
-    std::vector<SqlType> columnTypes(const BoundQuery& query) const;
+    std::string render(const BoundQuery& query, const std::vector<SqlType>* types = nullptr, bool unnamed = false) const;
+    std::string renderCore(const BoundQuery& query, const std::vector<SqlType>* types, bool unnamed) const;
+    static std::vector<SqlType> columnTypes(const BoundQuery& query);
     QueryPlan plan(const BoundQuery& bound, const Query& query);
 
     // FROM
@@ -210,7 +211,6 @@ private:
     std::shared_ptr<const TableDef> findTable(const ObjectName& name);
     const CommonTable* findCommonTable(const ObjectName& name) const;
     std::string nextAlias();
-    std::unique_ptr<BoundQuery> boundView(const ViewDef& view);
 
     // changes
     struct Target {
@@ -224,10 +224,13 @@ private:
     void checkIdentity(const TableDef& table, const std::vector<int>& columns, bool named, int line);
     Typed defaultOf(const TableDef& table, int column);
     std::string storedValue(Typed value, const TableDef& table, int column, int line);
-    std::vector<std::string> rowValues(const TableDef& table, const std::vector<int>& columns, const std::vector<std::string>& given);
+    // Numbers: of an identity column; none for a row that a trigger takes.
+    enum class Numbers { Given, None };
+    std::vector<std::string> rowValues(const TableDef& table, const std::vector<int>& columns, const std::vector<std::string>& given,
+                                       Numbers numbers = Numbers::Given);
     std::string insertHead(const TableDef& table) const;
-    std::string insertValues(const InsertStatement& statement, const Target& target, const std::vector<int>& columns);
-    std::string insertQuery(const InsertStatement& statement, const Target& target, const std::vector<int>& columns);
+    std::string insertValues(const InsertStatement& statement, const Target& target, const std::vector<int>& columns, Numbers numbers);
+    std::string insertQuery(const InsertStatement& statement, const Target& target, const std::vector<int>& columns, Numbers numbers);
     void checkWidth(const InsertStatement& statement, std::size_t wanted, std::size_t given, bool values) const;
     void bindOutput(ChangePlan& plan, const OutputClause& output);
     BaseRow changeTarget(const ObjectName& name, const std::vector<TableRefPtr>& from, Scope& scope, std::string& tail, Source& source);
@@ -257,6 +260,7 @@ private:
     std::unique_ptr<BoundQuery> bindStep(const Query& query, const Scope& scope, Recursion& recursion);
     std::vector<Recursion> recursions_;
     int maxRecursion_ = 100;
+    bool readsTables_ = false;                           // anything was read from a FROM clause
     bool inDefinition_ = false;                          // of a check, which has no places
     bool inComputed_ = false;                            // within a computed column, which may use no other
     std::vector<std::pair<std::string, Typed>> inlined_; // parameters of a table function

@@ -72,6 +72,7 @@ struct ValuePlan {
     Sql3 sql;
     SqlType type;
     int variable = -1; // it is only this variable
+    bool readsTables = false;
     bool isLiteral = false;
     Cell literal;
 };
