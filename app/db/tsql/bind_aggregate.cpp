@@ -66,7 +66,7 @@ bool Binder::containsAggregate(const SelectCore& core) const {
 Typed Binder::aggregate(const Expr& expr, const std::string& name) {
     if (sameName(name, "STRING_AGG") || sameName(name, "CHECKSUM_AGG"))
         throw unsupported(name, expr.line);
-    if (!scope_ || !scope_->aggregatesAllowed)
+    if (!scope_ || !scope_->clause->aggregates)
         throw syntaxError(
             147,
             "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING clause or a select "
@@ -159,7 +159,7 @@ Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line,
 }
 
 Typed Binder::windowed(const Expr& expr, const std::string& name) {
-    if (!scope_ || !scope_->windowsAllowed)
+    if (!scope_ || !scope_->clause->windows)
         throw syntaxError(4108, "Windowed functions can only appear in the SELECT or ORDER BY clauses.", expr.line);
     if (!expr.window)
         throw syntaxError(10753, "The function '" + name + "' must have an OVER clause.", expr.line);

@@ -7,8 +7,7 @@ namespace merchantry::db::tsql {
 ChangePlan Binder::deleteFrom(const DeleteStatement& statement) {
     if (!statement.currentOf.empty())
         throw unsupported("WHERE CURRENT OF", statement.line);
-    for (const CommonTable& table : statement.commonTables)
-        commonTables_.push_back(&table);
+    const CommonTablesScope known(commonTables_, statement.commonTables);
     Scope scope;
     const Restore here(scope_, &scope);
     std::string from;
@@ -16,7 +15,7 @@ ChangePlan Binder::deleteFrom(const DeleteStatement& statement) {
     const BaseRow base = changeTarget(statement.table, statement.from, scope, from, source);
     std::string where;
     if (statement.where) {
-        scope.clause = "WHERE";
+        const Restore clause(scope.clause, &kWhereClause);
         where = " WHERE " + bindCondition(*statement.where);
     }
     const std::string limit = topLimit(statement.top);

@@ -18,6 +18,18 @@ Typed nullLiteral() {
     return result;
 }
 
+template <class F> void eachColumnNamed(const Source& source, const std::string& name, F&& call) {
+    if (source.table) {
+        if (const int column = source.table->find(name); column >= 0)
+            call(static_cast<std::size_t>(column));
+        return;
+    }
+    for (std::size_t i = 0; i < source.columns.size(); ++i) {
+        if (sameName(source.columns[i].name, name))
+            call(i);
+    }
+}
+
 bool qualifierFits(const Source& source, const ObjectName& name) {
     const std::string& qualifier = name.parts[name.parts.size() - 2];
     if (!sameName(source.exposed, qualifier))
@@ -41,22 +53,12 @@ Typed Binder::bindValue(const Expr& expr) {
     if (!scope_ || !scope_->grouped || scope_->insideAggregate > 0 || scope_->groups.empty() || expr.kind == ExprKind::Column)
         return bindValueOf(expr);
     // An expression that is one of the groups stands for its group.
-    const bool simple = expr.args.empty() && expr.kind != ExprKind::Case && expr.kind != ExprKind::Subquery;
-    if (simple)
+    for (const Group& group : scope_->groups) {
+        if (group.origin.place || !isSame(expr, *group.origin.expr))
+            continue;
+        const Restore within(scope_->grouped, false);
         return bindValueOf(expr);
-    const int aliases = aliases_;
-    try {
-        scope_->grouped = false;
-        Typed whole = bindValueOf(expr);
-        scope_->grouped = true;
-        for (const Typed& group : scope_->groups) {
-            if (group.sql == whole.sql)
-                return whole;
-        }
-    } catch (const DbError&) {
-        scope_->grouped = true;
     }
-    aliases_ = aliases;
     return bindValueOf(expr);
 }
 
@@ -114,64 +116,62 @@ Typed Binder::bindValueOf(const Expr& expr) {
 
 // ---- names
 
+// The column of the innermost scope that has one of that name. None when there is none; throws 209 when there are several.
+std::optional<ColumnPlace> Binder::findColumn(const ObjectName& name, int line, bool* qualifierKnown) const {
+    const bool qualified = name.parts.size() > 1;
+    for (const Scope* scope = scope_; scope; scope = scope->outer) {
+        std::optional<ColumnPlace> found;
+        bool fits = false;
+        for (std::size_t i = 0; i < scope->sources.size(); ++i) {
+            const Source& source = scope->sources[i];
+            if (qualified && !qualifierFits(source, name))
+                continue;
+            fits = true;
+            eachColumnNamed(source, name.last(), [&](std::size_t column) {
+                if (found)
+                    throw nameError(209, "Ambiguous column name '" + name.last() + "'.", line);
+                found = ColumnPlace{scope, i, column};
+            });
+        }
+        if (found)
+            return found;
+        if (qualified && fits) {
+            if (qualifierKnown)
+                *qualifierKnown = true;
+            return std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
+BoundColumn Binder::columnAt(const ColumnPlace& place) {
+    const Source& source = place.scope->sources[place.source];
+    return source.table ? tableColumn(source, place.column) : source.columns[place.column];
+}
+
 Typed Binder::column(const Expr& expr) {
     const ObjectName& name = expr.name;
     bool qualifierKnown = name.parts.size() == 1;
-    for (Scope* scope = scope_; scope; scope = scope->outer) {
-        const Source* foundSource = nullptr;
-        const BoundColumn* found = nullptr;
-        std::optional<BoundColumn> made;
-        int matches = 0;
-        for (const Source& source : scope->sources) {
-            if (name.parts.size() > 1) {
-                if (!qualifierFits(source, name))
-                    continue;
-                qualifierKnown = true;
-            }
-            if (source.table) {
-                const int column = source.table->find(name.last());
-                if (column < 0)
-                    continue;
-                ++matches;
-                made = tableColumn(source, static_cast<std::size_t>(column));
-                found = &*made;
-                foundSource = &source;
-                continue;
-            }
-            for (const BoundColumn& candidate : source.columns) {
-                if (!sameName(candidate.name, name.last()))
-                    continue;
-                ++matches;
-                found = &candidate;
-                foundSource = &source;
-            }
-        }
-        if (matches > 1)
-            throw nameError(209, "Ambiguous column name '" + name.last() + "'.", expr.line);
-        if (found)
-            return resolved(*scope, *foundSource, *found, expr);
-        if (name.parts.size() > 1 && qualifierKnown)
-            break;
-    }
+    if (const std::optional<ColumnPlace> place = findColumn(name, expr.line, &qualifierKnown))
+        return resolved(*place, expr.line);
     if (!qualifierKnown)
         throw nameError(4104, "The multi-part identifier \"" + name.toText() + "\" could not be bound.", expr.line);
     throw nameError(207, "Invalid column name '" + name.last() + "'.", expr.line);
 }
 
-Typed Binder::resolved(Scope& scope, const Source& source, const BoundColumn& column, const Expr& expr) {
-    if (!scope.grouped || scope.insideAggregate > 0)
+Typed Binder::resolved(const ColumnPlace& place, int line) {
+    const Scope& scope = *place.scope;
+    const BoundColumn column = columnAt(place);
+    const bool isGroup =
+        std::any_of(scope.groups.begin(), scope.groups.end(), [&](const Group& group) { return group.origin.place == place; });
+    if (!scope.grouped || scope.insideAggregate > 0 || isGroup)
         return column.value;
-    for (const Typed& group : scope.groups) {
-        if (group.sql == column.value.sql)
-            return column.value;
-    }
-    const std::string clause = scope.clause;
-    const int number = clause == "HAVING" ? 8121 : clause == "ORDER BY" ? 8127 : 8120;
+    const int number = scope.clause == &kHavingClause ? 8121 : scope.clause == &kOrderByClause ? 8127 : 8120;
     throw nameError(number,
-                    "Column '" + source.exposed + "." + column.name + "' is invalid in the " +
-                        (number == 8120 ? "select list" : clause + " clause") +
+                    "Column '" + scope.sources[place.source].exposed + "." + column.name + "' is invalid in the " +
+                        (number == 8120 ? "select list" : std::string(scope.clause->name) + " clause") +
                         " because it is not contained in either an aggregate function or the GROUP BY clause.",
-                    expr.line);
+                    line);
 }
 
 int Binder::variableSlot(const std::string& name, int line) const {
@@ -280,9 +280,13 @@ Typed Binder::implicitTo(Typed value, const SqlType& to, int line, ConvertFor pu
     return convertTo(std::move(value), to, purpose);
 }
 
+SqlType Binder::typeOfCast(const Expr& expr) const {
+    const std::optional<SqlType> builtIn = builtInType(expr.type, true);
+    return builtIn ? *builtIn : declaredType(expr.type);
+}
+
 Typed Binder::cast(const Expr& expr) {
-    std::optional<SqlType> builtIn = builtInType(expr.type, true);
-    const SqlType type = builtIn ? *builtIn : declaredType(expr.type);
+    const SqlType type = typeOfCast(expr);
     Typed value = bindValue(*expr.args[0]);
     const bool tries = expr.text.rfind("TRY_", 0) == 0;
     if (tries) {

@@ -74,10 +74,8 @@ std::string Binder::bindJoin(const TableRef& ref, Scope& scope) {
         right = "(" + right + ")";
     static constexpr const char* kWords[] = {" JOIN ", " LEFT JOIN ", " RIGHT JOIN ", " FULL JOIN ", " JOIN "};
     std::string sql = left + kWords[static_cast<int>(ref.join)] + right;
-    if (ref.on) {
-        scope.clause = "ON";
+    if (ref.on)
         sql += " ON " + bindCondition(*ref.on);
-    }
     return sql;
 }
 
@@ -224,6 +222,7 @@ std::string Binder::bindDerived(const TableRef& ref, const Query& query, Scope& 
     const std::string& exposed = ref.alias.empty() ? ref.name.last() : ref.alias;
     for (std::size_t i = 0; i < bound->columns.size(); ++i) {
         BoundColumn column = bound->columns[i];
+        column.origin = {};
         if (i < names.size())
             column.name = names[i];
         if (column.name.empty())
@@ -304,6 +303,7 @@ std::string Binder::bindRecursive(const TableRef& ref, const CommonTable& table,
     recursion.sqlName = "r" + nextAlias();
     for (std::size_t i = 0; i < anchor->columns.size(); ++i) {
         BoundColumn column = anchor->columns[i];
+        column.origin = {};
         if (i < table.columns.size())
             column.name = table.columns[i];
         if (column.name.empty())

@@ -234,8 +234,7 @@ std::string Binder::topLimit(const std::optional<TopClause>& top) {
 
 ChangePlan Binder::insert(const InsertStatement& statement) {
     ChangePlan plan;
-    for (const CommonTable& table : statement.commonTables)
-        commonTables_.push_back(&table);
+    const CommonTablesScope known(commonTables_, statement.commonTables);
     const std::shared_ptr<const ViewDef> view = findTable(statement.table) ? nullptr : context_.catalog.view(statement.table);
     const bool insteadOfView = view && context_.catalog.hasInsteadTrigger(view->id, "insert");
     Target target;

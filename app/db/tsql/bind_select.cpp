@@ -123,9 +123,7 @@ std::unique_ptr<BoundQuery> Binder::bindQueryBody(const Query& query) {
         throw syntaxError(191,
                           "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.",
                           query.line);
-    const AtEnd known([this, count = commonTables_.size()] { commonTables_.resize(count); });
-    for (const CommonTable& table : query.commonTables)
-        commonTables_.push_back(&table);
+    const CommonTablesScope known(commonTables_, query.commonTables);
     return query.core ? bindCore(query, *query.core) : bindSetOperation(query);
 }
 
@@ -180,41 +178,19 @@ std::unique_ptr<BoundQuery> Binder::bindCore(const Query& query, const SelectCor
     scope.outer = scope_;
     scope.alone = core.alone && core.from[0]->kind == TableRef::Kind::Table;
     const Restore here(scope_, &scope);
-    if (!core.from.empty())
-        result->tail = " FROM " + bindFrom(core.from, scope);
-    if (core.where) {
-        scope.clause = "WHERE";
-        result->tail += " WHERE " + bindCondition(*core.where);
-    }
-    const bool aggregates = containsAggregate(core) || core.having;
-    scope.aggregatesAllowed = true;
-    scope.windowsAllowed = true;
+    bindSource(core, scope, *result);
     if (core.rollup || core.cube)
         throw unsupported(core.rollup ? "GROUP BY ... WITH ROLLUP" : "GROUP BY ... WITH CUBE", core.line);
-    if (!core.groupBy.empty())
-        bindGroups(core, scope);
+    bindGroups(core, scope);
+    const bool aggregates = containsAggregate(core) || core.having;
     scope.grouped = aggregates || !core.groupBy.empty();
     result->grouped = scope.grouped;
     result->oneRow = (aggregates && core.groupBy.empty()) || core.from.empty();
     result->distinct = core.distinct;
-    scope.clause = "SELECT";
     bindItems(core, scope, *result);
-    if (!core.groupBy.empty()) {
-        std::string groups;
-        for (const Typed& group : scope.groups)
-            groups += (groups.empty() ? " GROUP BY " : ",") + collated(group);
-        result->tail += groups;
-    }
-    if (core.having) {
-        scope.clause = "HAVING";
-        scope.windowsAllowed = false;
-        result->tail += " HAVING " + bindCondition(*core.having);
-        scope.windowsAllowed = true;
-    }
-    if (!query.orderBy.empty()) {
-        scope.clause = "ORDER BY";
+    bindHaving(core, scope, *result);
+    if (!query.orderBy.empty())
         result->orderBy = orderBy(query.orderBy, &scope, *result);
-    }
     if (core.top)
         bindTop(*core.top, *result);
     if (!result->grouped && !result->distinct) {
@@ -224,74 +200,106 @@ std::unique_ptr<BoundQuery> Binder::bindCore(const Query& query, const SelectCor
     return result;
 }
 
+void Binder::bindSource(const SelectCore& core, Scope& scope, BoundQuery& result) {
+    if (!core.from.empty())
+        result.tail = " FROM " + bindFrom(core.from, scope);
+    if (!core.where)
+        return;
+    const Restore clause(scope.clause, &kWhereClause);
+    result.tail += " WHERE " + bindCondition(*core.where);
+}
+
 void Binder::bindGroups(const SelectCore& core, Scope& scope) {
-    scope.aggregatesAllowed = false;
-    scope.windowsAllowed = false;
-    std::vector<Typed> groups;
+    const Restore clause(scope.clause, &kGroupByClause);
+    std::vector<Group> groups;
     for (const ExprPtr& expr : core.groupBy) {
         if (containsAggregate(*expr))
             throw syntaxError(
                 144, "Cannot use an aggregate or a subquery in an expression used for the group by list of a GROUP BY clause.", expr->line);
-        Typed group = bindValue(*expr);
-        if (group.literal)
+        Typed value = bindValue(*expr);
+        if (value.literal)
             throw syntaxError(164, "Each GROUP BY expression must contain at least one column that is not an outer reference.", expr->line);
-        groups.push_back(std::move(group));
+        groups.push_back({std::move(value), originOf(*expr)});
     }
     scope.groups = std::move(groups);
-    scope.aggregatesAllowed = true;
-    scope.windowsAllowed = true;
+}
+
+// The columns of a star, which must all be groups where the query has any.
+void Binder::checkGrouped(const std::vector<BoundColumn>& columns, std::size_t first, const Scope& scope, int line) const {
+    for (std::size_t i = first; scope.grouped && i < columns.size(); ++i) {
+        const bool isGroup = std::any_of(scope.groups.begin(), scope.groups.end(),
+                                         [&](const Group& group) { return isSame(group.origin, columns[i].origin); });
+        if (!isGroup)
+            throw nameError(8120,
+                            "Column '" + columns[i].name +
+                                "' is invalid in the select list because it is not contained in either an "
+                                "aggregate function or the GROUP BY clause.",
+                            line);
+    }
 }
 
 void Binder::bindItems(const SelectCore& core, Scope& scope, BoundQuery& result) {
+    const Restore clause(scope.clause, &kSelectClause);
     for (const SelectItem& item : core.items) {
-        if (item.star) {
-            const std::size_t first = result.columns.size();
-            expandStar(item, scope, result.columns);
-            if (scope.grouped) {
-                for (std::size_t i = first; i < result.columns.size(); ++i) {
-                    const bool isGroup = std::any_of(scope.groups.begin(), scope.groups.end(),
-                                                     [&](const Typed& group) { return group.sql == result.columns[i].value.sql; });
-                    if (!isGroup)
-                        throw nameError(8120,
-                                        "Column '" + result.columns[i].name +
-                                            "' is invalid in the select list because it is not contained in either an "
-                                            "aggregate function or the GROUP BY clause.",
-                                        item.line);
-                }
-            }
+        if (!item.star) {
+            result.columns.push_back(bindItem(item, !scope.grouped && !core.distinct));
             continue;
         }
-        BoundColumn column;
-        column.value = bindValue(*item.expr);
-        column.name = item.alias;
-        if (column.name.empty() && item.expr->kind == ExprKind::Column)
-            column.name = item.expr->name.last();
-        if (!item.variable.empty()) {
-            const int slot = variableSlot(item.variable, item.line);
-            const SqlType& type = context_.variables[static_cast<std::size_t>(slot)].type;
-            if (item.op != "=") {
-                Typed before;
-                before.type = type;
-                before.sql = "ts_var(" + std::to_string(slot) + ")";
-                column.value = arithmetic(item.op[0], std::move(before), std::move(column.value), item.line);
-            }
-            column.value = implicitTo(std::move(column.value), type, item.line);
-            column.value.isColumn = false;
-            if (!scope.grouped && !core.distinct)
-                column.value.sql = "ts_setvar(" + std::to_string(slot) + "," + column.value.sql + ")";
-        }
-        result.columns.push_back(std::move(column));
+        const std::size_t first = result.columns.size();
+        expandStar(item, scope, result.columns);
+        checkGrouped(result.columns, first, scope, item.line);
     }
+}
+
+// One that is assigned to a variable takes its value with each row, where the rows are those of the query.
+BoundColumn Binder::bindItem(const SelectItem& item, bool isRow) {
+    BoundColumn column;
+    column.value = bindValue(*item.expr);
+    column.name = item.alias;
+    if (column.name.empty() && item.expr->kind == ExprKind::Column)
+        column.name = item.expr->name.last();
+    if (item.variable.empty()) {
+        column.origin = originOf(*item.expr);
+        return column;
+    }
+    const int slot = variableSlot(item.variable, item.line);
+    const SqlType& type = context_.variables[static_cast<std::size_t>(slot)].type;
+    if (item.op != "=") {
+        Typed before;
+        before.type = type;
+        before.sql = "ts_var(" + std::to_string(slot) + ")";
+        column.value = arithmetic(item.op[0], std::move(before), std::move(column.value), item.line);
+    }
+    column.value = implicitTo(std::move(column.value), type, item.line);
+    column.value.isColumn = false;
+    if (isRow)
+        column.value.sql = "ts_setvar(" + std::to_string(slot) + "," + column.value.sql + ")";
+    return column;
+}
+
+// GROUP BY and HAVING, behind what the items needed.
+void Binder::bindHaving(const SelectCore& core, Scope& scope, BoundQuery& result) {
+    const char* before = " GROUP BY ";
+    for (const Group& group : scope.groups)
+        result.tail += std::exchange(before, ",") + collated(group.value);
+    if (!core.having)
+        return;
+    const Restore clause(scope.clause, &kHavingClause);
+    result.tail += " HAVING " + bindCondition(*core.having);
 }
 
 void Binder::expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns) {
     bool found = false;
-    for (Source& source : scope.sources) {
+    for (std::size_t i = 0; i < scope.sources.size(); ++i) {
+        Source& source = scope.sources[i];
         if (!item.starOf.empty() && !sameName(source.exposed, item.starOf.last()))
             continue;
         found = true;
         complete(source);
-        columns.insert(columns.end(), source.columns.begin(), source.columns.end());
+        for (std::size_t c = 0; c < source.columns.size(); ++c) {
+            columns.push_back(source.columns[c]);
+            columns.back().origin.place = ColumnPlace{&scope, i, c};
+        }
     }
     if (!item.starOf.empty() && !found)
         throw nameError(4104, "The multi-part identifier \"" + item.starOf.toText() + ".*\" could not be bound.", item.line);
@@ -302,62 +310,72 @@ void Binder::expandStar(const SelectItem& item, Scope& scope, std::vector<BoundC
 // ---- ORDER BY, TOP
 
 std::string Binder::orderBy(const std::vector<OrderItem>& items, Scope* scope, const BoundQuery& result) {
+    std::optional<Restore<const Clause*>> clause;
+    if (scope)
+        clause.emplace(scope->clause, &kOrderByClause);
     std::string sql;
-    std::vector<std::string> keys;
+    std::vector<OrderKey> keys;
     for (const OrderItem& item : items) {
-        std::string key;
-        const std::string text = orderItem(item, scope, result, key);
-        if (std::find(keys.begin(), keys.end(), key) != keys.end())
+        OrderKey key = orderKey(item, scope, result);
+        const bool again = std::any_of(keys.begin(), keys.end(), [&](const OrderKey& other) {
+            return (key.output >= 0 && key.output == other.output) || isSame(key.origin, other.origin);
+        });
+        if (again)
             throw syntaxError(
                 169, "A column has been specified more than once in the order by list. Columns in the order by list must be unique.",
                 item.expr->line);
-        keys.push_back(key);
-        sql += (sql.empty() ? " ORDER BY " : ",") + text + (item.descending ? " DESC" : "");
+        sql += (sql.empty() ? " ORDER BY " : ",") + collated(key.value) + (item.descending ? " DESC" : "");
+        keys.push_back(std::move(key));
     }
     return sql;
 }
 
-std::string Binder::orderItem(const OrderItem& item, Scope* scope, const BoundQuery& result, std::string& key) {
-    const Expr& expr = *item.expr;
-    const auto output = [&](std::size_t index) {
-        const Typed& value = result.columns[index].value;
-        key = value.sql;
-        Typed reference = value;
-        reference.sql = "_c" + std::to_string(index);
-        return collated(reference);
-    };
+// The column of the result that a number or a name means; -1 for neither.
+int Binder::outputNamed(const Expr& expr, const BoundQuery& result) {
     if (expr.kind == ExprKind::Integer) {
         const long place = std::stol(expr.text.substr(0, 9));
         if (place < 1 || static_cast<std::size_t>(place) > result.columns.size())
             throw syntaxError(108,
                               "The ORDER BY position number " + expr.text + " is out of range of the number of items in the select list.",
                               expr.line);
-        return output(static_cast<std::size_t>(place) - 1);
+        return static_cast<int>(place) - 1;
     }
-    if (expr.kind == ExprKind::Column && expr.name.parts.size() == 1) {
-        for (std::size_t i = 0; i < result.columns.size(); ++i) {
-            if (sameName(result.columns[i].name, expr.name.last()))
-                return output(i);
-        }
-    }
-    if (!scope) {
-        if (expr.kind == ExprKind::Column)
+    if (expr.kind != ExprKind::Column || expr.name.parts.size() != 1)
+        return -1;
+    const auto found = std::find_if(result.columns.begin(), result.columns.end(),
+                                    [&](const BoundColumn& column) { return sameName(column.name, expr.name.last()); });
+    return found == result.columns.end() ? -1 : static_cast<int>(found - result.columns.begin());
+}
+
+Binder::OrderKey Binder::orderKey(const OrderItem& item, Scope* scope, const BoundQuery& result) {
+    const Expr& expr = *item.expr;
+    OrderKey key;
+    key.output = outputNamed(expr, result);
+    if (key.output < 0) {
+        if (!scope && expr.kind == ExprKind::Column)
             throw nameError(207, "Invalid column name '" + expr.name.last() + "'.", expr.line);
-        throw syntaxError(104,
-                          "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT operator.",
-                          expr.line);
+        if (!scope)
+            throw syntaxError(
+                104, "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT operator.",
+                expr.line);
+        key.value = bindValue(expr);
+        if (key.value.literal)
+            throw syntaxError(408, "A constant expression was encountered in the ORDER BY list, position 1.", expr.line);
+        key.origin = originOf(expr);
+        const auto same = std::find_if(result.columns.begin(), result.columns.end(),
+                                       [&](const BoundColumn& column) { return isSame(column.origin, key.origin); });
+        if (same != result.columns.end())
+            key.output = static_cast<int>(same - result.columns.begin());
+        else if (result.distinct)
+            throw syntaxError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", expr.line);
     }
-    Typed value = bindValue(expr);
-    if (value.literal)
-        throw syntaxError(408, "A constant expression was encountered in the ORDER BY list, position 1.", expr.line);
-    key = value.sql;
-    for (std::size_t i = 0; i < result.columns.size(); ++i) {
-        if (result.columns[i].value.sql == value.sql)
-            return output(i);
-    }
-    if (result.distinct)
-        throw syntaxError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", expr.line);
-    return collated(value);
+    if (key.output < 0)
+        return key;
+    const BoundColumn& column = result.columns[static_cast<std::size_t>(key.output)];
+    key.origin = column.origin;
+    key.value = column.value;
+    key.value.sql = "_c" + std::to_string(key.output);
+    return key;
 }
 
 void Binder::bindTop(const TopClause& top, BoundQuery& result) {

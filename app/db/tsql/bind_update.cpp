@@ -224,8 +224,7 @@ void Binder::updateText(const Updating& update, ChangePlan& plan) {
 ChangePlan Binder::update(const UpdateStatement& statement) {
     if (!statement.currentOf.empty())
         throw unsupported("WHERE CURRENT OF", statement.line);
-    for (const CommonTable& table : statement.commonTables)
-        commonTables_.push_back(&table);
+    const CommonTablesScope known(commonTables_, statement.commonTables);
     for (const Assignment& assignment : statement.assignments) {
         if (!assignment.variable.empty())
             assigned_.insert(variableSlot(assignment.variable, assignment.line));
@@ -240,7 +239,7 @@ ChangePlan Binder::update(const UpdateStatement& statement) {
     for (const Assignment& assignment : statement.assignments)
         assign(update, assignment, plan);
     if (statement.where) {
-        update.scope.clause = "WHERE";
+        const Restore clause(update.scope.clause, &kWhereClause);
         update.where = " WHERE " + bindCondition(*statement.where);
     }
     update.limit = topLimit(statement.top);

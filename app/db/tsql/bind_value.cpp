@@ -69,7 +69,7 @@ Typed Binder::computed(const TableDef& table, const Expr& expr) {
     return bindValue(expr);
 }
 
-SqlType Binder::declaredType(const TypeName& name, bool* nullable) {
+SqlType Binder::declaredType(const TypeName& name, bool* nullable) const {
     if (const std::optional<SqlType> type = builtInType(name))
         return *type;
     SqlType type;

@@ -47,10 +47,47 @@ struct Typed {
     std::string chain;     // the function or operator whose call it is, when more operands can be put behind
 };
 
+struct Scope;
+
+// Which column of which source a name means.
+struct ColumnPlace {
+    const Scope* scope = nullptr;
+    std::size_t source = 0;
+    std::size_t column = 0;
+    bool operator==(const ColumnPlace&) const = default;
+};
+
+// What a bound value was written as: two are the same when they name one column, or their expressions are alike. Holds only while its
+// scope does.
+struct Origin {
+    const Expr* expr = nullptr;       // null for what no expression of its own stands for
+    std::optional<ColumnPlace> place; // of a plain column
+};
+
 struct BoundColumn {
     Typed value;
     std::string name;
+    Origin origin;
 };
+
+// An expression of GROUP BY.
+struct Group {
+    Typed value;
+    Origin origin;
+};
+
+// What may stand in a clause.
+struct Clause {
+    const char* name; // for 8120, 8121, 8127
+    bool aggregates = false;
+    bool windows = false;
+};
+inline constexpr Clause kFromClause{"FROM"};
+inline constexpr Clause kWhereClause{"WHERE"};
+inline constexpr Clause kGroupByClause{"GROUP BY"};
+inline constexpr Clause kSelectClause{"SELECT", true, true};
+inline constexpr Clause kHavingClause{"HAVING", true, false};
+inline constexpr Clause kOrderByClause{"ORDER BY", true, true};
 
 // A row of a base table that stands behind a row of a source, by its rowid.
 struct BaseRow {
@@ -75,12 +112,10 @@ struct Scope {
     Scope* outer = nullptr;
     std::vector<Source> sources;
     bool grouped = false;
-    std::vector<Typed> groups;
+    std::vector<Group> groups;
     int insideAggregate = 0;
-    bool aggregatesAllowed = false;
-    bool windowsAllowed = false;
-    bool alone = false;            // a column needs no table before it
-    const char* clause = "SELECT"; // where the binder is, for 8120, 8121, 8127
+    bool alone = false;                  // a column needs no table before it
+    const Clause* clause = &kFromClause; // where the binder is
 };
 
 struct BoundQuery {
@@ -101,6 +136,22 @@ struct BoundQuery {
     bool hasRowIds = false; // give the rowids of bases as columns _r0, ...
     std::vector<BaseRow> bases;
     std::string level; // of a recursive part: how deep it is
+};
+
+// The common tables of a query or statement are known while it is bound.
+class CommonTablesScope {
+public:
+    CommonTablesScope(std::vector<const CommonTable*>& known, const std::vector<CommonTable>& own) : known_(known), before_(known.size()) {
+        for (const CommonTable& table : own)
+            known_.push_back(&table);
+    }
+    ~CommonTablesScope() { known_.resize(before_); }
+    CommonTablesScope(const CommonTablesScope&) = delete;
+    CommonTablesScope& operator=(const CommonTablesScope&) = delete;
+
+private:
+    std::vector<const CommonTable*>& known_;
+    std::size_t before_;
 };
 
 // Looks up names and types and turns a tree into SQL for SQLite. One binder serves one statement; what it gives is a plan.
@@ -125,7 +176,7 @@ public:
     // The columns of a view, as the catalogue shows them.
     std::vector<BoundColumn> viewColumns(const ViewDef& view);
     // The type of a declared variable, parameter or column.
-    SqlType declaredType(const TypeName& name, bool* nullable = nullptr);
+    SqlType declaredType(const TypeName& name, bool* nullable = nullptr) const;
     int variableSlot(const std::string& name, int line) const;
 
 private:
@@ -141,7 +192,14 @@ private:
     Typed textLiteral(const Expr& expr);
     Typed binaryLiteral(const Expr& expr);
     Typed column(const Expr& expr);
-    Typed resolved(Scope& scope, const Source& source, const BoundColumn& column, const Expr& expr);
+    std::optional<ColumnPlace> findColumn(const ObjectName& name, int line, bool* qualifierKnown = nullptr) const;
+    BoundColumn columnAt(const ColumnPlace& place);
+    Typed resolved(const ColumnPlace& place, int line);
+    Origin originOf(const Expr& expr) const;
+    bool isSame(const Origin& one, const Origin& other) const;
+    bool isSame(const Expr& one, const Expr& other) const;
+    bool isSame(const WindowSpec* one, const WindowSpec* other) const;
+    bool areSame(const std::vector<ExprPtr>& one, const std::vector<ExprPtr>& other, std::size_t first) const;
     Typed variable(const Expr& expr);
     Typed systemVariable(const Expr& expr);
     Typed system(SystemValue value, const SqlType& type);
@@ -150,6 +208,7 @@ private:
     Typed arithmetic(char op, Typed left, Typed right, int line);
     Typed caseOf(const Expr& expr);
     Typed cast(const Expr& expr);
+    SqlType typeOfCast(const Expr& expr) const;
     Typed subquery(const Expr& expr);
     Typed collate(const Expr& expr);
     std::string compare(const std::string& op, Typed left, Typed right, int line);
@@ -180,9 +239,20 @@ private:
     std::unique_ptr<BoundQuery> bindSetOperation(const Query& query);
     std::unique_ptr<BoundQuery> bindSubquery(const Query& query);
     void bindItems(const SelectCore& core, Scope& scope, BoundQuery& result);
+    BoundColumn bindItem(const SelectItem& item, bool isRow);
+    void bindSource(const SelectCore& core, Scope& scope, BoundQuery& result);
     void bindGroups(const SelectCore& core, Scope& scope);
+    void checkGrouped(const std::vector<BoundColumn>& columns, std::size_t first, const Scope& scope, int line) const;
+    void bindHaving(const SelectCore& core, Scope& scope, BoundQuery& result);
     std::string orderBy(const std::vector<OrderItem>& items, Scope* scope, const BoundQuery& result);
-    std::string orderItem(const OrderItem& item, Scope* scope, const BoundQuery& result, std::string& key);
+    // What an item of ORDER BY orders by: a column of the result, or an expression of its own.
+    struct OrderKey {
+        int output = -1;
+        Origin origin;
+        Typed value;
+    };
+    OrderKey orderKey(const OrderItem& item, Scope* scope, const BoundQuery& result);
+    static int outputNamed(const Expr& expr, const BoundQuery& result);
     void bindTop(const TopClause& top, BoundQuery& result);
     void expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns);
     std::string render(const BoundQuery& query, const std::vector<SqlType>* types = nullptr, bool unnamed = false) const;

@@ -42,5 +42,37 @@ TEST_F(Binding, TellsAVariableFromAColumnThatShowsIt) {
     EXPECT_EQ(rowsOf("DECLARE @v int SELECT count(*) FROM T, (SELECT @v AS X) AS D WHERE N = X"), "0");
 }
 
+// Which expressions are one: what GROUP BY groups by may be selected, and what DISTINCT selects may be ordered by.
+TEST_F(Binding, KnowsAnExpressionAgain) {
+    run("CREATE TABLE T (A int, N varchar(10), D datetime, C AS A * 2) INSERT INTO T VALUES (1, 'x', '2020-02-01')");
+    const char* const same[] = {
+        "SELECT UPPER(t.N), count(*) FROM T AS t GROUP BY upper(N)",
+        "SELECT DATEPART(yy, D), count(*) FROM T GROUP BY DATEPART(year, D)",
+        "SELECT CAST(A AS varchar(10)) + 'x' FROM T GROUP BY CONVERT(varchar(10), A)",
+        "SELECT CASE WHEN T.A > 1 THEN 'x' ELSE 'y' END FROM T GROUP BY CASE WHEN A > 1 THEN 'x' ELSE 'y' END",
+        "SELECT C, ISNULL(A, 0) + 1 FROM T GROUP BY dbo.T.C, ISNULL(A, 0)",
+        "SELECT count(*) FROM T GROUP BY A + 1 HAVING T.A + 1 > 0 ORDER BY A + 1",
+        "SELECT DISTINCT A + 1 FROM T ORDER BY T.A + 1",
+        "SELECT DISTINCT ROW_NUMBER() OVER (ORDER BY A) FROM T ORDER BY ROW_NUMBER() OVER (ORDER BY T.A)",
+        "SELECT * FROM (SELECT A, N FROM T) AS D GROUP BY N, D.A",
+    };
+    for (const char* query : same)
+        EXPECT_EQ(errorOf(*session, query), 0) << query;
+    const std::pair<const char*, int> others[] = {
+        {"SELECT A + 2 FROM T GROUP BY A + 1", 8120},
+        {"SELECT 'a' + N FROM T GROUP BY 'A' + N", 8120},
+        {"SELECT A FROM T GROUP BY CAST(A AS int)", 8120},
+        {"SELECT CAST(A AS varchar(5)) FROM T GROUP BY CAST(A AS varchar(6))", 8120},
+        {"SELECT * FROM (SELECT A, N FROM T) AS D GROUP BY N", 8120},
+        {"SELECT count(*) FROM T GROUP BY A HAVING N = 'x'", 8121},
+        {"SELECT count(*) FROM T GROUP BY A ORDER BY N", 8127},
+        {"SELECT DISTINCT A + 1 FROM T ORDER BY A + 2", 145},
+        {"SELECT A, N FROM T ORDER BY A, T.A", 169},
+        {"SELECT A AS X, N FROM T ORDER BY UPPER(N), X, upper(T.N)", 169},
+    };
+    for (const auto& [query, error] : others)
+        EXPECT_EQ(errorOf(*session, query), error) << query;
+}
+
 } // namespace
 } // namespace merchantry::db
