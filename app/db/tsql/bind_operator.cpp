@@ -43,6 +43,19 @@ const char* wholeName(TypeKind kind) {
     }
 }
 
+// One more operand in the brackets of a call or chain.
+std::string withOperand(const std::string& call, const std::string& operand) {
+    return call.substr(0, call.size() - 1) + operand + ")";
+}
+
+// SQLite takes few parentheses inside one another, so a chain stays flat.
+Typed joinedTexts(const Typed& left, const Typed& right) {
+    Typed result;
+    result.chain = "||";
+    result.sql = left.chain == result.chain ? withOperand(left.sql, "||" + right.sql) : "(" + left.sql + "||" + right.sql + ")";
+    return result;
+}
+
 // A whole literal enters exact arithmetic with the digits it has.
 SqlType exactType(const Typed& value, const SqlType& high) {
     if (value.type.isText() || value.type.kind == TypeKind::Null)
@@ -129,60 +142,67 @@ Typed Binder::arithmetic(char op, Typed left, Typed right, int line) {
         left.type = right.type;
     if (right.type.kind == TypeKind::Null && left.type.kind != TypeKind::Null)
         right.type = left.type;
-    SqlType type = arithmeticType(op, left.type, right.type, line);
+    const SqlType type = arithmeticType(op, left.type, right.type, line);
+    const bool nullable = left.nullable || right.nullable;
+    const std::string collation = left.collation.empty() ? right.collation : left.collation;
     Typed result;
-    result.nullable = left.nullable || right.nullable;
-    result.collation = left.collation.empty() ? right.collation : left.collation;
-    const std::string call = std::string("ts_") + operatorName(op) + "_";
-    if (type.kind == TypeKind::Decimal) {
-        const SqlType leftType = exactType(left, type);
-        const SqlType rightType = exactType(right, type);
-        if (!left.type.isText() && !right.type.isText())
-            type = arithmeticType(op, leftType, rightType, line);
-        const std::string a = convertTo(std::move(left), leftType).sql;
-        const std::string b = convertTo(std::move(right), rightType).sql;
-        result.sql = call + "dec(" + a + "," + b + "," + std::to_string(leftType.scale) + "," + std::to_string(rightType.scale) + "," +
-                     std::to_string(type.precision) + "," + std::to_string(type.scale) + ")";
-        result.type = type;
-        return result;
-    }
-    if (type.isText()) {
-        // SQLite takes few parentheses inside one another, so a chain stays flat.
-        result.sql = (left.chain == "||" ? left.sql.substr(0, left.sql.size() - 1) : "(" + left.sql) + "||" + right.sql + ")";
-        result.chain = "||";
-        result.type = type;
-        return result;
-    }
-    if (type.isBinary()) {
+    if (type.isText())
+        result = joinedTexts(left, right);
+    else if (type.isBinary())
         result.sql = "ts_bytes(" + left.sql + "," + right.sql + ")";
+    else if (type.kind == TypeKind::Decimal)
+        result = exactArithmetic(op, std::move(left), std::move(right), type, line);
+    else
+        result = numberArithmetic(op, std::move(left), std::move(right), type);
+    if (type.isText() || type.isBinary())
         result.type = type;
-        return result;
-    }
+    result.nullable = nullable;
+    result.collation = collation;
+    return result;
+}
+
+// Of decimals: a whole literal has no more digits than it shows.
+Typed Binder::exactArithmetic(char op, Typed left, Typed right, const SqlType& common, int line) const {
+    const SqlType leftType = exactType(left, common);
+    const SqlType rightType = exactType(right, common);
+    const bool texts = left.type.isText() || right.type.isText();
+    Typed result;
+    result.type = texts ? common : arithmeticType(op, leftType, rightType, line);
+    const std::string a = convertTo(std::move(left), leftType).sql;
+    const std::string b = convertTo(std::move(right), rightType).sql;
+    result.sql = std::string("ts_") + operatorName(op) + "_dec(" + a + "," + b + "," + std::to_string(leftType.scale) + "," +
+                 std::to_string(rightType.scale) + "," + std::to_string(result.type.precision) + "," + std::to_string(result.type.scale) +
+                 ")";
+    return result;
+}
+
+// Of whole numbers, money, floats and dates. A sum of whole numbers or money is one call, however long it is.
+Typed Binder::numberArithmetic(char op, Typed left, Typed right, const SqlType& common) const {
+    SqlType type = common;
     if (type.kind == TypeKind::SmallMoney)
         type.kind = TypeKind::Money;
     if (type.kind == TypeKind::SmallDateTime)
         type.kind = TypeKind::DateTime;
-    result.type = type;
-    const std::string sum = type.isMoney() ? call + "money(" : type.isWhole() ? call + wholeName(type.kind) + "(" : "";
-    const bool goesOn = op == '+' && !sum.empty() && left.chain == sum && left.type == type;
+    const std::string call = std::string("ts_") + operatorName(op) + "_";
+    const std::string head = call + (type.isMoney() ? "money" : wholeName(type.kind)) + "(";
+    const bool isSum = op == '+' && (type.isMoney() || type.isWhole());
+    const bool goesOn = isSum && left.chain == head && left.type == type;
     const std::string a = convertTo(std::move(left), type).sql;
     const std::string b = convertTo(std::move(right), type).sql;
-    if (op == '+')
-        result.chain = sum;
-    if (goesOn) {
-        result.sql = a.substr(0, a.size() - 1) + "," + b + ")";
-        return result;
-    }
-    if (type.isFloat())
+    Typed result;
+    result.type = type;
+    if (isSum)
+        result.chain = head;
+    if (goesOn)
+        result.sql = withOperand(a, "," + b);
+    else if (type.isFloat())
         result.sql = op == '/' ? "ts_div_float(" + a + "," + b + ")" : "ts_float(" + a + op + b + ")";
     else if (type.isDate())
         result.sql = call + "date(" + a + "," + b + ")";
-    else if (type.isMoney())
-        result.sql = call + "money(" + a + "," + b + ")";
     else if (op == '&' || op == '|')
-        result.sql = "(" + a + op + b + ")";
+        result.sql = type.isMoney() ? head + a + "," + b + ")" : "(" + a + op + b + ")";
     else
-        result.sql = call + wholeName(type.kind) + "(" + a + "," + b + ")";
+        result.sql = head + a + "," + b + ")";
     return result;
 }
 

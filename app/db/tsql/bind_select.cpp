@@ -25,6 +25,53 @@ std::string setOperatorSql(SetOperator op) {
     }
 }
 
+// A column of the result as its readers see it; with the table's column behind it where each row is one of the table.
+Column shownColumn(const BoundColumn& bound, const BoundQuery& query) {
+    const Typed& value = bound.value;
+    Column column;
+    column.name = bound.name;
+    column.type = value.type.kind == TypeKind::Null ? simpleType(TypeKind::Int) : value.type;
+    column.nullable = value.nullable;
+    if (!value.table || value.column < 0 || query.grouped || query.op != SetOperator::None || query.distinct)
+        return column;
+    const ColumnDef& definition = value.table->columns[static_cast<std::size_t>(value.column)];
+    column.baseTable = value.table->name;
+    column.baseColumn = definition.name;
+    column.identity = definition.identity;
+    column.computed = definition.computed != nullptr;
+    return column;
+}
+
+// The table of SELECT INTO, with the columns of the result; the first identity column goes on counting.
+std::shared_ptr<const TableDef> tableToMake(const BoundQuery& bound, const std::vector<Column>& columns, const std::string& name,
+                                            int line) {
+    auto table = std::make_shared<TableDef>();
+    table->name = name;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const Column& column = columns[i];
+        if (column.name.empty())
+            throw syntaxError(1038, "An object or column name is missing or empty.", line);
+        if (table->find(column.name) >= 0)
+            throw nameError(2705,
+                            "Column names in each table must be unique. Column name '" + column.name + "' in table '" + name +
+                                "' is specified more than once.",
+                            line);
+        ColumnDef definition;
+        definition.name = column.name;
+        definition.type = column.type;
+        definition.nullable = column.nullable;
+        const Typed& value = bound.columns[i].value;
+        if (column.identity && value.table && table->identityColumn() < 0) {
+            const ColumnDef& from = value.table->columns[static_cast<std::size_t>(value.column)];
+            definition.identity = true;
+            definition.seed = from.seed;
+            definition.increment = from.increment;
+        }
+        table->columns.push_back(std::move(definition));
+    }
+    return table;
+}
+
 // Whether a query can stand as an operand without parentheses, which SQLite does not have there.
 bool isPlainOperand(const BoundQuery& query, bool isLeft) {
     if (!query.orderBy.empty() || !query.limit.empty())
@@ -53,63 +100,30 @@ QueryPlan Binder::query(const Query& query) {
 QueryPlan Binder::plan(const BoundQuery& bound, const Query& query) {
     QueryPlan plan;
     const SelectCore* core = query.core.get();
-    const bool assigns =
-        core && std::any_of(core->items.begin(), core->items.end(), [](const SelectItem& item) { return !item.variable.empty(); });
-    if (assigns) {
-        for (const SelectItem& item : core->items) {
-            if (item.variable.empty())
-                throw syntaxError(
-                    141, "A SELECT statement that assigns a value to a variable must not be combined with data-retrieval operations.",
-                    item.line);
-            plan.assignTo.push_back(variableSlot(item.variable, item.line));
-            plan.assignOps.push_back(item.op);
-        }
-    }
-    for (const BoundColumn& bound_column : bound.columns) {
-        Column column;
-        column.name = bound_column.name;
-        column.type = bound_column.value.type.kind == TypeKind::Null ? simpleType(TypeKind::Int) : bound_column.value.type;
-        column.nullable = bound_column.value.nullable;
-        if (bound_column.value.table && bound_column.value.column >= 0 && !bound.grouped && bound.op == SetOperator::None &&
-            !bound.distinct) {
-            const ColumnDef& definition = bound_column.value.table->columns[static_cast<std::size_t>(bound_column.value.column)];
-            column.baseTable = bound_column.value.table->name;
-            column.baseColumn = definition.name;
-            column.identity = definition.identity;
-            column.computed = definition.computed != nullptr;
-        }
-        plan.columns.push_back(std::move(column));
-    }
+    if (core)
+        noteAssigned(*core, plan);
+    for (const BoundColumn& column : bound.columns)
+        plan.columns.push_back(shownColumn(column, bound));
     plan.sql.text = render(bound, nullptr, bound.orderBy.empty());
     plan.sql.places = places_;
-    if (core && !core->into.empty()) {
-        auto table = std::make_shared<TableDef>();
-        table->name = core->into.last();
-        for (std::size_t i = 0; i < plan.columns.size(); ++i) {
-            const Column& column = plan.columns[i];
-            if (column.name.empty())
-                throw syntaxError(1038, "An object or column name is missing or empty.", query.line);
-            if (table->find(column.name) >= 0)
-                throw nameError(2705,
-                                "Column names in each table must be unique. Column name '" + column.name + "' in table '" + table->name +
-                                    "' is specified more than once.",
-                                query.line);
-            ColumnDef definition;
-            definition.name = column.name;
-            definition.type = column.type;
-            definition.nullable = column.nullable;
-            const Typed& value = bound.columns[i].value;
-            if (column.identity && value.table && table->identityColumn() < 0) {
-                const ColumnDef& from = value.table->columns[static_cast<std::size_t>(value.column)];
-                definition.identity = true;
-                definition.seed = from.seed;
-                definition.increment = from.increment;
-            }
-            table->columns.push_back(std::move(definition));
-        }
-        plan.into = table;
-    }
+    if (core && !core->into.empty())
+        plan.into = tableToMake(bound, plan.columns, core->into.last(), query.line);
     return plan;
+}
+
+// The variables that the items of a SELECT are assigned to: all of them, or none.
+void Binder::noteAssigned(const SelectCore& core, QueryPlan& plan) const {
+    const auto isAssigned = [](const SelectItem& item) { return !item.variable.empty(); };
+    if (std::none_of(core.items.begin(), core.items.end(), isAssigned))
+        return;
+    for (const SelectItem& item : core.items) {
+        if (!isAssigned(item))
+            throw syntaxError(141,
+                              "A SELECT statement that assigns a value to a variable must not be combined with data-retrieval operations.",
+                              item.line);
+        plan.assignTo.push_back(variableSlot(item.variable, item.line));
+        plan.assignOps.push_back(item.op);
+    }
 }
 
 std::unique_ptr<BoundQuery> Binder::bindSubquery(const Query& query) {

@@ -206,6 +206,8 @@ private:
     Typed unary(const Expr& expr);
     Typed arithmetic(const Expr& expr);
     Typed arithmetic(char op, Typed left, Typed right, int line);
+    Typed exactArithmetic(char op, Typed left, Typed right, const SqlType& common, int line) const;
+    Typed numberArithmetic(char op, Typed left, Typed right, const SqlType& type) const;
     Typed caseOf(const Expr& expr);
     Typed cast(const Expr& expr);
     SqlType typeOfCast(const Expr& expr) const;
@@ -259,6 +261,7 @@ private:
     std::string renderCore(const BoundQuery& query, const std::vector<SqlType>* types, bool unnamed) const;
     static std::vector<SqlType> columnTypes(const BoundQuery& query);
     QueryPlan plan(const BoundQuery& bound, const Query& query);
+    void noteAssigned(const SelectCore& core, QueryPlan& plan) const;
 
     // FROM
     std::string bindFrom(const std::vector<TableRefPtr>& from, Scope& scope);

@@ -8,6 +8,7 @@ namespace merchantry::db::tsql {
 
 // Several lambdas as one visitor: the overload that fits a statement best takes it.
 template <class... Ts> struct Visitor : Ts... { using Ts::operator()...; };
+template <class... Ts> Visitor(Ts...) -> Visitor<Ts...>;
 
 // Calls the visitor with the statement as what it is: the one place that knows which kind is of which type. BREAK, CONTINUE and what is
 // accepted without effect come as Statement. All overloads return the same type.
