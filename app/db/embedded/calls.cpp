@@ -1,6 +1,7 @@
 #include "app/db/embedded/calls.h"
 #include "app/db/embedded/scopes.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
@@ -24,8 +25,7 @@ Cell toParameter(const Cell& cell, const SqlType& from, const SqlType& to) {
     try {
         return tsql::converted(cell, from, to);
     } catch (const DbError&) {
-        throw DbError(DbError::Category::Type, 8114,
-                      "Error converting data type " + tsql::kindNameOf(from) + " to " + tsql::kindNameOf(to) + ".")
+        throw serverError(8114, "Error converting data type " + tsql::kindNameOf(from) + " to " + tsql::kindNameOf(to) + ".")
             .withSeverity(16, 5);
     }
 }
@@ -249,9 +249,9 @@ void Calls::checkCount(int before) {
     if (transaction_.count() == before)
         return;
     const DbError error =
-        DbError(DbError::Category::Transaction, 266,
-                "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = " +
-                    std::to_string(before) + ", current count = " + std::to_string(transaction_.count()) + ".")
+        serverError(266,
+                    "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = " +
+                        std::to_string(before) + ", current count = " + std::to_string(transaction_.count()) + ".")
             .withSeverity(16, 2);
     if (batch_.tries > 0)
         throw DbError(error);

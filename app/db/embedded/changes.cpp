@@ -2,6 +2,7 @@
 #include "app/db/embedded/row_view.h"
 #include "app/db/embedded/scopes.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/errors.h"
 #include "base/text.h"
 
@@ -51,8 +52,7 @@ void Changes::run(const PlanPtr& plan) {
     const tsql::ChangePlan& bound = *plan->change;
     WriteScope scope(transaction_, bound.table->isTemporary(), undoesItself(bound));
     if (!plans_.isOfThisSchema(*plan) && !bound.table->isTemporary())
-        throw DbError(DbError::Category::Busy, 1205, "The tables were changed by another user while the statement began. Run it again.")
-            .withSeverity(13, 1);
+        throw serverError(1205, "The tables were changed by another user while the statement began. Run it again.").withSeverity(13, 1);
     change(*plan, scope);
     if (scope.isOver())
         endedInTrigger();
@@ -62,8 +62,7 @@ void Changes::run(const PlanPtr& plan) {
 
 // A trigger that rolled back ends the batch.
 void Changes::endedInTrigger() {
-    const DbError ended = DbError(DbError::Category::Transaction, 3609, "The transaction ended in the trigger. The batch has been aborted.")
-                              .withSeverity(16, 1);
+    const DbError ended = serverError(3609, "The transaction ended in the trigger. The batch has been aborted.").withSeverity(16, 1);
     if (batch_.tries > 0)
         throw DbError(ended);
     batch_.note(ended);

@@ -1,6 +1,7 @@
 #include "app/db/embedded/conflicts.h"
 #include "app/db/embedded/scopes.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
 
@@ -15,10 +16,9 @@ using Kind = Conflicts::Kind;
 DbError conflictOf(Kind kind, const std::string& what, const std::string& constraint, const std::string& table, const std::string& column) {
     static constexpr const char* kWords[] = {"INSERT", "UPDATE", "DELETE"};
     const std::string where = column.empty() ? "" : ", column '" + column + "'";
-    return DbError(DbError::Category::Integrity, 547,
-                   std::string("The ") + kWords[static_cast<int>(kind)] + " statement conflicted with the " + what + " constraint \"" +
-                       constraint + "\". The conflict occurred in database \"" + kDatabase + "\", table \"dbo." + table + "\"" + where +
-                       ".")
+    return serverError(547, std::string("The ") + kWords[static_cast<int>(kind)] + " statement conflicted with the " + what +
+                                " constraint \"" + constraint + "\". The conflict occurred in database \"" + kDatabase +
+                                "\", table \"dbo." + table + "\"" + where + ".")
         .withSeverity(16, 0);
 }
 
@@ -33,7 +33,7 @@ DbError checkConflict(const DbError& error, const tsql::TableDef& table, Kind ki
 }
 
 DbError duplicate(int number, const std::string& message) {
-    return DbError(DbError::Category::Integrity, number, message).withSeverity(14, 1);
+    return serverError(number, message).withSeverity(14, 1);
 }
 
 // Whether SQLite's "t.a, t.b" or "index 'name'" means that key.

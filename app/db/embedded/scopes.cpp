@@ -1,5 +1,7 @@
 #include "app/db/embedded/scopes.h"
 
+#include "app/db/nativeerrors.h"
+
 namespace merchantry::db::embedded {
 namespace {
 
@@ -15,8 +17,7 @@ Frame* FrameScope::below(const BatchState& batch, Frame& frame) {
 
 int LevelScope::deeper(int level) {
     if (level >= kDeepestLevel)
-        throw DbError(DbError::Category::Other, 217,
-                      "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
+        throw serverError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
             .withSeverity(16, 1);
     return level + 1;
 }

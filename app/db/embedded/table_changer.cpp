@@ -1,6 +1,7 @@
 #include "app/db/embedded/table_changer.h"
 #include "app/db/embedded/table_maker.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/define_table.h"
 #include "app/db/tsql/errors.h"
@@ -55,8 +56,7 @@ DbError noSuchColumn(const char* clause, const std::string& column, const TableD
 }
 
 DbError conflictWith(const char* what, const std::string& constraint) {
-    return DbError(DbError::Category::Integrity, 547,
-                   std::string("The ALTER TABLE statement conflicted with the ") + what + " constraint \"" + constraint + "\".")
+    return serverError(547, std::string("The ALTER TABLE statement conflicted with the ") + what + " constraint \"" + constraint + "\".")
         .withSeverity(16, 0);
 }
 
@@ -212,9 +212,8 @@ void TableChanger::changeColumn(const tsql::AlterTableStatement& statement, Tabl
     column.type = parts_.catalog.declaredType(clause.type, &nullable);
     column.nullable = clause.nullable.value_or(nullable);
     if (!column.nullable && any(table.storage + " WHERE " + tsql::quotedName(column.name) + " IS NULL"))
-        throw DbError(DbError::Category::Integrity, 515,
-                      "Cannot insert the value NULL into column '" + column.name + "', table 'dbo." + table.name +
-                          "'; column does not allow nulls. UPDATE fails.")
+        throw serverError(515, "Cannot insert the value NULL into column '" + column.name + "', table 'dbo." + table.name +
+                                   "'; column does not allow nulls. UPDATE fails.")
             .withSeverity(16, 2);
     if (from == column.type)
         return rewrite(table);

@@ -1,5 +1,6 @@
 #include "app/db/embedded/transaction.h"
 
+#include "app/db/nativeerrors.h"
 #include "app/db/tsql/token.h"
 
 #include <algorithm>
@@ -8,7 +9,7 @@ namespace merchantry::db::embedded {
 namespace {
 
 DbError transactionError(int number, const std::string& message) {
-    return DbError(DbError::Category::Transaction, number, message).withSeverity(16, 1);
+    return serverError(number, message).withSeverity(16, 1);
 }
 
 } // namespace
