@@ -1,16 +1,10 @@
 #include "purchasing/orderpreview.h"
 
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/shown.h"
 
 namespace merchantry::purchasing {
-namespace {
-
-std::string counted(int count, const char* one, const char* many) {
-    return withThousands(count) + " " + (count == 1 ? one : many);
-}
-
-} // namespace
 
 std::vector<SupplierOffer> readOffers(db::Recordset& offers) {
     std::vector<SupplierOffer> read;
@@ -83,7 +77,7 @@ std::string OrderPreview::summary() const {
     if (orphans > 0)
         return counted(orphans, "item has", "items have") +
                " no supplier that takes part: the run would end in an error before any order is written.";
-    std::string words = counted(orders, "order", "orders") + " with " + counted(items, "item", "items") + " for " + total.toDisplay();
+    std::string words = counted(orders, "order") + " with " + counted(items, "item") + " for " + total.toDisplay();
     if (dropped > 0)
         words += "; " + counted(dropped, "line asks", "lines ask") + " for nothing, enough is on order";
     return words;

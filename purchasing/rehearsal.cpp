@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/profit.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 
 #include <algorithm>
@@ -44,10 +45,6 @@ std::map<std::string, Figures> figuresOf(std::int32_t PONumber) {
         found.emplace(itemKey(row["SKU"].text(), row["MatrixSKU"].text()), figures);
     }
     return found;
-}
-
-std::string counted(std::int64_t number, const char* one, const char* many) {
-    return withThousands(number) + " " + (number == 1 ? one : many);
 }
 
 } // namespace
