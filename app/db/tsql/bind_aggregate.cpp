@@ -94,12 +94,10 @@ Typed Binder::aggregate(const Expr& expr, const std::string& name) {
         const Restore inside(scope_->insideAggregate, scope_->insideAggregate + 1);
         value = bindValueOf(*expr.args[0]);
     }
-    return aggregateOf(name, std::move(value), expr.distinct, expr.line, *this,
-                       [this](Typed typed, const SqlType& type) { return convertTo(std::move(typed), type); });
+    return aggregateOf(name, std::move(value), expr.distinct, expr.line);
 }
 
-Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line, const Binder&,
-                  const std::function<Typed(Typed, const SqlType&)>& convert) {
+Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line) {
     Typed result;
     const std::string each = distinct ? "DISTINCT " : "";
     const std::string collation = value.type.isText() ? " COLLATE " + (value.collation.empty() ? std::string("ts") : value.collation) : "";
@@ -124,7 +122,7 @@ Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line,
         return result;
     }
     if (value.type.kind == TypeKind::Null)
-        value = convert(std::move(value), simpleType(TypeKind::Int));
+        value = convertTo(std::move(value), simpleType(TypeKind::Int));
     if (!isNumber(value.type) || value.type.kind == TypeKind::Bit)
         throw invalid();
     const bool sum = sameName(name, "SUM");
@@ -136,7 +134,7 @@ Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line,
         result.type = simpleType(TypeKind::Float);
         if (lower == "ts_var")
             lower += "_"; // ts_var reads a variable
-        result.sql = lower + "(" + each + convert(std::move(value), result.type).sql + ")";
+        result.sql = lower + "(" + each + convertTo(std::move(value), result.type).sql + ")";
         return result;
     }
     std::string call = sum ? "ts_sum_" : "ts_avg_";
@@ -187,8 +185,7 @@ Typed Binder::windowed(const Expr& expr, const std::string& name) {
         if (expr.args.size() != 1)
             throw wrongCount(expr, 1);
         Typed value = bindValue(*expr.args[0]);
-        result = aggregateOf(name, std::move(value), false, expr.line, *this,
-                             [this](Typed typed, const SqlType& type) { return convertTo(std::move(typed), type); });
+        result = aggregateOf(name, std::move(value), false, expr.line);
     }
     result.sql += over(*expr.window);
     return result;

@@ -18,28 +18,6 @@ Typed nullLiteral() {
     return result;
 }
 
-template <class F> void eachColumnNamed(const Source& source, const std::string& name, F&& call) {
-    if (source.table) {
-        if (const int column = source.table->find(name); column >= 0)
-            call(static_cast<std::size_t>(column));
-        return;
-    }
-    for (std::size_t i = 0; i < source.columns.size(); ++i) {
-        if (sameName(source.columns[i].name, name))
-            call(i);
-    }
-}
-
-bool qualifierFits(const Source& source, const ObjectName& name) {
-    const std::string& qualifier = name.parts[name.parts.size() - 2];
-    if (!sameName(source.exposed, qualifier))
-        return false;
-    if (name.parts.size() == 2)
-        return true;
-    // An alias has no owner; a table without alias may be named with its owner.
-    return !source.name.empty();
-}
-
 } // namespace
 
 std::string Binder::place(bool system, int slot) {
@@ -54,7 +32,7 @@ Typed Binder::bindValue(const Expr& expr) {
         return bindValueOf(expr);
     // An expression that is one of the groups stands for its group.
     for (const Group& group : scope_->groups) {
-        if (group.origin.place || !isSame(expr, *group.origin.expr))
+        if (group.origin.place || !isSame(scope_, expr, *group.origin.expr))
             continue;
         const Restore within(scope_->grouped, false);
         return bindValueOf(expr);
@@ -116,34 +94,6 @@ Typed Binder::bindValueOf(const Expr& expr) {
 
 // ---- names
 
-// The column of the innermost scope that has one of that name. None when there is none; throws 209 when there are several.
-std::optional<ColumnPlace> Binder::findColumn(const ObjectName& name, int line, bool* qualifierKnown) const {
-    const bool qualified = name.parts.size() > 1;
-    for (const Scope* scope = scope_; scope; scope = scope->outer) {
-        std::optional<ColumnPlace> found;
-        bool fits = false;
-        for (std::size_t i = 0; i < scope->sources.size(); ++i) {
-            const Source& source = scope->sources[i];
-            if (qualified && !qualifierFits(source, name))
-                continue;
-            fits = true;
-            eachColumnNamed(source, name.last(), [&](std::size_t column) {
-                if (found)
-                    throw nameError(209, "Ambiguous column name '" + name.last() + "'.", line);
-                found = ColumnPlace{scope, i, column};
-            });
-        }
-        if (found)
-            return found;
-        if (qualified && fits) {
-            if (qualifierKnown)
-                *qualifierKnown = true;
-            return std::nullopt;
-        }
-    }
-    return std::nullopt;
-}
-
 BoundColumn Binder::columnAt(const ColumnPlace& place) {
     const Source& source = place.scope->sources[place.source];
     return source.table ? tableColumn(source, place.column) : source.columns[place.column];
@@ -152,7 +102,7 @@ BoundColumn Binder::columnAt(const ColumnPlace& place) {
 Typed Binder::column(const Expr& expr) {
     const ObjectName& name = expr.name;
     bool qualifierKnown = name.parts.size() == 1;
-    if (const std::optional<ColumnPlace> place = findColumn(name, expr.line, &qualifierKnown))
+    if (const std::optional<ColumnPlace> place = findColumn(scope_, name, expr.line, &qualifierKnown))
         return resolved(*place, expr.line);
     if (!qualifierKnown)
         throw nameError(4104, "The multi-part identifier \"" + name.toText() + "\" could not be bound.", expr.line);
@@ -235,50 +185,7 @@ Typed Binder::systemVariable(const Expr& expr) {
     throw nameError(137, "Must declare the scalar variable \"" + expr.text + "\".", expr.line).withSeverity(15, 2);
 }
 
-// ---- conversions
-
-Typed Binder::convertTo(Typed value, const SqlType& to, ConvertFor purpose, int style) const {
-    if (value.type.kind == TypeKind::Null) {
-        value.type = to;
-        return value;
-    }
-    const bool styled = style >= 0 && to.isText() && !value.type.isText();
-    if (!styled && sameCells(value.type, to)) {
-        value.type = to;
-        return value;
-    }
-    Typed result;
-    result.type = to;
-    result.nullable = value.nullable;
-    result.collation = value.collation;
-    if (value.literal) {
-        try {
-            result.literal = converted(*value.literal, value.type, to, purpose, style);
-            result.sql = literalSql(*result.literal);
-            return result;
-        } catch (const DbError&) {
-            result.literal.reset(); // fails when it is reached
-        }
-    }
-    if (value.type.isWhole() && to.kind == TypeKind::Float) {
-        result.sql = "CAST(" + value.sql + " AS REAL)";
-        return result;
-    }
-    if (value.type.isWhole() && to.kind == TypeKind::Decimal && to.scale == 0 && to.precision <= 18 &&
-        asDecimal(value.type).precision <= to.precision) {
-        result.sql = value.sql;
-        return result;
-    }
-    result.sql = std::string(purpose == ConvertFor::Column ? "ts_st(" : "ts_cv(") + value.sql + "," + std::to_string(typeCode(value.type)) +
-                 "," + std::to_string(typeCode(to));
-    result.sql += style >= 0 ? "," + std::to_string(style) + ")" : ")";
-    return result;
-}
-
-Typed Binder::implicitTo(Typed value, const SqlType& to, int line, ConvertFor purpose) const {
-    requireImplicit(value.type, to, line);
-    return convertTo(std::move(value), to, purpose);
-}
+// ---- CAST and COLLATE
 
 SqlType Binder::typeOfCast(const Expr& expr) const {
     const std::optional<SqlType> builtIn = builtInType(expr.type, true);
@@ -332,18 +239,6 @@ Typed Binder::collate(const Expr& expr) {
         throw nameError(448, "Invalid collation '" + expr.text + "'.", expr.line);
     value.isColumn = false;
     return value;
-}
-
-std::string Binder::collationOf(const Typed& left, const Typed& right) {
-    if (!left.collation.empty())
-        return left.collation;
-    return right.collation.empty() ? "ts" : right.collation;
-}
-
-std::string Binder::collated(const Typed& value) const {
-    if (!value.type.isText() && value.type.kind != TypeKind::UniqueIdentifier)
-        return value.sql;
-    return value.sql + " COLLATE " + (value.collation.empty() ? "ts" : value.collation);
 }
 
 } // namespace merchantry::db::tsql

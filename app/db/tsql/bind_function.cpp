@@ -210,24 +210,24 @@ private:
     Typed asText(Typed value) {
         if (value.type.isText() || value.type.kind == TypeKind::Null)
             return value;
-        return binder_.convertTo(std::move(value), varcharType(8000));
+        return tsql::convertTo(std::move(value), varcharType(8000));
     }
 
     Typed asNumber(Typed value) {
         if (value.type.kind == TypeKind::Null)
-            return binder_.convertTo(std::move(value), simpleType(TypeKind::Int));
+            return tsql::convertTo(std::move(value), simpleType(TypeKind::Int));
         if (value.type.isText())
-            return binder_.convertTo(std::move(value), simpleType(TypeKind::Float));
+            return tsql::convertTo(std::move(value), simpleType(TypeKind::Float));
         if (!isNumber(value.type))
             throw typeError(
                 8116, "Argument data type " + kindNameOf(value.type) + " is invalid for argument 1 of " + expr_.name.last() + " function.",
                 expr_.line);
         if (value.type.kind == TypeKind::Bit || value.type.kind == TypeKind::TinyInt || value.type.kind == TypeKind::SmallInt)
-            return binder_.convertTo(std::move(value), simpleType(TypeKind::Int));
+            return tsql::convertTo(std::move(value), simpleType(TypeKind::Int));
         return value;
     }
 
-    Typed as(Typed value, TypeKind kind) { return binder_.convertTo(std::move(value), simpleType(kind)); }
+    Typed as(Typed value, TypeKind kind) { return tsql::convertTo(std::move(value), simpleType(kind)); }
 
     static Typed made(std::string sql, const SqlType& type) {
         Typed result;
@@ -302,7 +302,7 @@ private:
         const SqlType type = value.type.kind == TypeKind::Null ? other.type : value.type;
         if (value.type.kind == TypeKind::Null)
             return other;
-        Typed result = made("ifnull(" + value.sql + "," + binder_.implicitTo(std::move(other), type, expr_.line).sql + ")", type);
+        Typed result = made("ifnull(" + value.sql + "," + tsql::implicitTo(std::move(other), type, expr_.line).sql + ")", type);
         result.collation = value.collation;
         return result;
     }
@@ -321,7 +321,7 @@ private:
                             expr_.line);
         std::string sql;
         for (Typed& value : values)
-            sql += (sql.empty() ? "" : ",") + binder_.implicitTo(std::move(value), type, expr_.line).sql;
+            sql += (sql.empty() ? "" : ",") + tsql::implicitTo(std::move(value), type, expr_.line).sql;
         return made("coalesce(" + sql + ")", type);
     }
 
@@ -339,8 +339,8 @@ private:
         Typed yes = argument(1);
         Typed no = argument(2);
         const SqlType type = commonType(yes.type, no.type, expr_.line);
-        return made("(CASE WHEN " + condition + " THEN " + binder_.implicitTo(std::move(yes), type, expr_.line).sql + " ELSE " +
-                        binder_.implicitTo(std::move(no), type, expr_.line).sql + " END)",
+        return made("(CASE WHEN " + condition + " THEN " + tsql::implicitTo(std::move(yes), type, expr_.line).sql + " ELSE " +
+                        tsql::implicitTo(std::move(no), type, expr_.line).sql + " END)",
                     type);
     }
 
@@ -354,7 +354,7 @@ private:
         }
         std::string sql = "(CASE " + as(argument(0), TypeKind::Int).sql;
         for (std::size_t i = 0; i < values.size(); ++i)
-            sql += " WHEN " + std::to_string(i + 1) + " THEN " + binder_.implicitTo(std::move(values[i]), type, expr_.line).sql;
+            sql += " WHEN " + std::to_string(i + 1) + " THEN " + tsql::implicitTo(std::move(values[i]), type, expr_.line).sql;
         return made(sql + " END)", type);
     }
 

@@ -9,62 +9,6 @@
 namespace merchantry::db::tsql {
 namespace {
 
-const char* operatorName(char op) {
-    switch (op) {
-    case '+':
-        return "add";
-    case '-':
-        return "sub";
-    case '*':
-        return "mul";
-    case '/':
-        return "div";
-    case '%':
-        return "mod";
-    case '&':
-        return "and";
-    case '|':
-        return "or";
-    default:
-        return "xor";
-    }
-}
-
-const char* wholeName(TypeKind kind) {
-    switch (kind) {
-    case TypeKind::TinyInt:
-        return "tiny";
-    case TypeKind::SmallInt:
-        return "small";
-    case TypeKind::BigInt:
-        return "big";
-    default:
-        return "int";
-    }
-}
-
-// One more operand in the brackets of a call or chain.
-std::string withOperand(const std::string& call, const std::string& operand) {
-    return call.substr(0, call.size() - 1) + operand + ")";
-}
-
-// SQLite takes few parentheses inside one another, so a chain stays flat.
-Typed joinedTexts(const Typed& left, const Typed& right) {
-    Typed result;
-    result.chain = "||";
-    result.sql = left.chain == result.chain ? withOperand(left.sql, "||" + right.sql) : "(" + left.sql + "||" + right.sql + ")";
-    return result;
-}
-
-// A whole literal enters exact arithmetic with the digits it has.
-SqlType exactType(const Typed& value, const SqlType& high) {
-    if (value.type.isText() || value.type.kind == TypeKind::Null)
-        return high;
-    if (value.literal && value.type.kind == TypeKind::Int && !value.literal->isNull())
-        return decimalType(static_cast<int>(std::to_string(std::abs(value.literal->integer)).size()), 0);
-    return asDecimal(value.type);
-}
-
 // A whole decimal of many digits, SCOPE_IDENTITY() above all, beside a column of integers: it becomes a number, since the column as a
 // decimal would find no index.
 void keepColumnBare(const Typed& column, Typed& other) {
@@ -128,82 +72,13 @@ Typed Binder::unary(const Expr& expr) {
         value.type = simpleType(TypeKind::SmallInt);
         zero.type = value.type;
     }
-    return arithmetic('-', std::move(zero), std::move(value), expr.line);
+    return calculated('-', std::move(zero), std::move(value), expr.line);
 }
 
 Typed Binder::arithmetic(const Expr& expr) {
     Typed left = bindValue(*expr.args[0]);
     Typed right = bindValue(*expr.args[1]);
-    return arithmetic(expr.text[0], std::move(left), std::move(right), expr.line);
-}
-
-Typed Binder::arithmetic(char op, Typed left, Typed right, int line) {
-    if (left.type.kind == TypeKind::Null && right.type.kind != TypeKind::Null)
-        left.type = right.type;
-    if (right.type.kind == TypeKind::Null && left.type.kind != TypeKind::Null)
-        right.type = left.type;
-    const SqlType type = arithmeticType(op, left.type, right.type, line);
-    const bool nullable = left.nullable || right.nullable;
-    const std::string collation = left.collation.empty() ? right.collation : left.collation;
-    Typed result;
-    if (type.isText())
-        result = joinedTexts(left, right);
-    else if (type.isBinary())
-        result.sql = "ts_bytes(" + left.sql + "," + right.sql + ")";
-    else if (type.kind == TypeKind::Decimal)
-        result = exactArithmetic(op, std::move(left), std::move(right), type, line);
-    else
-        result = numberArithmetic(op, std::move(left), std::move(right), type);
-    if (type.isText() || type.isBinary())
-        result.type = type;
-    result.nullable = nullable;
-    result.collation = collation;
-    return result;
-}
-
-// Of decimals: a whole literal has no more digits than it shows.
-Typed Binder::exactArithmetic(char op, Typed left, Typed right, const SqlType& common, int line) const {
-    const SqlType leftType = exactType(left, common);
-    const SqlType rightType = exactType(right, common);
-    const bool texts = left.type.isText() || right.type.isText();
-    Typed result;
-    result.type = texts ? common : arithmeticType(op, leftType, rightType, line);
-    const std::string a = convertTo(std::move(left), leftType).sql;
-    const std::string b = convertTo(std::move(right), rightType).sql;
-    result.sql = std::string("ts_") + operatorName(op) + "_dec(" + a + "," + b + "," + std::to_string(leftType.scale) + "," +
-                 std::to_string(rightType.scale) + "," + std::to_string(result.type.precision) + "," + std::to_string(result.type.scale) +
-                 ")";
-    return result;
-}
-
-// Of whole numbers, money, floats and dates. A sum of whole numbers or money is one call, however long it is.
-Typed Binder::numberArithmetic(char op, Typed left, Typed right, const SqlType& common) const {
-    SqlType type = common;
-    if (type.kind == TypeKind::SmallMoney)
-        type.kind = TypeKind::Money;
-    if (type.kind == TypeKind::SmallDateTime)
-        type.kind = TypeKind::DateTime;
-    const std::string call = std::string("ts_") + operatorName(op) + "_";
-    const std::string head = call + (type.isMoney() ? "money" : wholeName(type.kind)) + "(";
-    const bool isSum = op == '+' && (type.isMoney() || type.isWhole());
-    const bool goesOn = isSum && left.chain == head && left.type == type;
-    const std::string a = convertTo(std::move(left), type).sql;
-    const std::string b = convertTo(std::move(right), type).sql;
-    Typed result;
-    result.type = type;
-    if (isSum)
-        result.chain = head;
-    if (goesOn)
-        result.sql = withOperand(a, "," + b);
-    else if (type.isFloat())
-        result.sql = op == '/' ? "ts_div_float(" + a + "," + b + ")" : "ts_float(" + a + op + b + ")";
-    else if (type.isDate())
-        result.sql = call + "date(" + a + "," + b + ")";
-    else if (op == '&' || op == '|')
-        result.sql = type.isMoney() ? head + a + "," + b + ")" : "(" + a + op + b + ")";
-    else
-        result.sql = head + a + "," + b + ")";
-    return result;
+    return calculated(expr.text[0], std::move(left), std::move(right), expr.line);
 }
 
 Typed Binder::caseOf(const Expr& expr) {

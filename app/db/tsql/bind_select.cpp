@@ -12,19 +12,6 @@ namespace {
 // SQLite takes so many selects in one.
 constexpr int kDeepestQuery = 480;
 
-std::string setOperatorSql(SetOperator op) {
-    switch (op) {
-    case SetOperator::Union:
-        return " UNION ";
-    case SetOperator::UnionAll:
-        return " UNION ALL ";
-    case SetOperator::Except:
-        return " EXCEPT ";
-    default:
-        return " INTERSECT ";
-    }
-}
-
 // A column of the result as its readers see it; with the table's column behind it where each row is one of the table.
 Column shownColumn(const BoundColumn& bound, const BoundQuery& query) {
     const Typed& value = bound.value;
@@ -72,11 +59,35 @@ std::shared_ptr<const TableDef> tableToMake(const BoundQuery& bound, const std::
     return table;
 }
 
-// Whether a query can stand as an operand without parentheses, which SQLite does not have there.
-bool isPlainOperand(const BoundQuery& query, bool isLeft) {
-    if (!query.orderBy.empty() || !query.limit.empty())
-        return false;
-    return query.op == SetOperator::None || isLeft;
+// The columns of a star, which must all be groups where the query has any.
+void checkGrouped(const std::vector<BoundColumn>& columns, std::size_t first, const Scope& scope, int line) {
+    for (std::size_t i = first; scope.grouped && i < columns.size(); ++i) {
+        const bool isGroup = std::any_of(scope.groups.begin(), scope.groups.end(),
+                                         [&](const Group& group) { return isSame(&scope, group.origin, columns[i].origin); });
+        if (!isGroup)
+            throw nameError(8120,
+                            "Column '" + columns[i].name +
+                                "' is invalid in the select list because it is not contained in either an "
+                                "aggregate function or the GROUP BY clause.",
+                            line);
+    }
+}
+
+// The column of the result that a number or a name means; -1 for neither.
+int outputNamed(const Expr& expr, const BoundQuery& result) {
+    if (expr.kind == ExprKind::Integer) {
+        const long place = std::stol(expr.text.substr(0, 9));
+        if (place < 1 || static_cast<std::size_t>(place) > result.columns.size())
+            throw syntaxError(108,
+                              "The ORDER BY position number " + expr.text + " is out of range of the number of items in the select list.",
+                              expr.line);
+        return static_cast<int>(place) - 1;
+    }
+    if (expr.kind != ExprKind::Column || expr.name.parts.size() != 1)
+        return -1;
+    const auto found = std::find_if(result.columns.begin(), result.columns.end(),
+                                    [&](const BoundColumn& column) { return sameName(column.name, expr.name.last()); });
+    return found == result.columns.end() ? -1 : static_cast<int>(found - result.columns.begin());
 }
 
 } // namespace
@@ -233,23 +244,9 @@ void Binder::bindGroups(const SelectCore& core, Scope& scope) {
         Typed value = bindValue(*expr);
         if (value.literal)
             throw syntaxError(164, "Each GROUP BY expression must contain at least one column that is not an outer reference.", expr->line);
-        groups.push_back({std::move(value), originOf(*expr)});
+        groups.push_back({std::move(value), originOf(scope_, *expr)});
     }
     scope.groups = std::move(groups);
-}
-
-// The columns of a star, which must all be groups where the query has any.
-void Binder::checkGrouped(const std::vector<BoundColumn>& columns, std::size_t first, const Scope& scope, int line) const {
-    for (std::size_t i = first; scope.grouped && i < columns.size(); ++i) {
-        const bool isGroup = std::any_of(scope.groups.begin(), scope.groups.end(),
-                                         [&](const Group& group) { return isSame(group.origin, columns[i].origin); });
-        if (!isGroup)
-            throw nameError(8120,
-                            "Column '" + columns[i].name +
-                                "' is invalid in the select list because it is not contained in either an "
-                                "aggregate function or the GROUP BY clause.",
-                            line);
-    }
 }
 
 void Binder::bindItems(const SelectCore& core, Scope& scope, BoundQuery& result) {
@@ -273,7 +270,7 @@ BoundColumn Binder::bindItem(const SelectItem& item, bool isRow) {
     if (column.name.empty() && item.expr->kind == ExprKind::Column)
         column.name = item.expr->name.last();
     if (item.variable.empty()) {
-        column.origin = originOf(*item.expr);
+        column.origin = originOf(scope_, *item.expr);
         return column;
     }
     const int slot = variableSlot(item.variable, item.line);
@@ -282,7 +279,7 @@ BoundColumn Binder::bindItem(const SelectItem& item, bool isRow) {
         Typed before;
         before.type = type;
         before.sql = "ts_var(" + std::to_string(slot) + ")";
-        column.value = arithmetic(item.op[0], std::move(before), std::move(column.value), item.line);
+        column.value = calculated(item.op[0], std::move(before), std::move(column.value), item.line);
     }
     column.value = implicitTo(std::move(column.value), type, item.line);
     column.value.isColumn = false;
@@ -332,7 +329,7 @@ std::string Binder::orderBy(const std::vector<OrderItem>& items, Scope* scope, c
     for (const OrderItem& item : items) {
         OrderKey key = orderKey(item, scope, result);
         const bool again = std::any_of(keys.begin(), keys.end(), [&](const OrderKey& other) {
-            return (key.output >= 0 && key.output == other.output) || isSame(key.origin, other.origin);
+            return (key.output >= 0 && key.output == other.output) || isSame(scope_, key.origin, other.origin);
         });
         if (again)
             throw syntaxError(
@@ -342,23 +339,6 @@ std::string Binder::orderBy(const std::vector<OrderItem>& items, Scope* scope, c
         keys.push_back(std::move(key));
     }
     return sql;
-}
-
-// The column of the result that a number or a name means; -1 for neither.
-int Binder::outputNamed(const Expr& expr, const BoundQuery& result) {
-    if (expr.kind == ExprKind::Integer) {
-        const long place = std::stol(expr.text.substr(0, 9));
-        if (place < 1 || static_cast<std::size_t>(place) > result.columns.size())
-            throw syntaxError(108,
-                              "The ORDER BY position number " + expr.text + " is out of range of the number of items in the select list.",
-                              expr.line);
-        return static_cast<int>(place) - 1;
-    }
-    if (expr.kind != ExprKind::Column || expr.name.parts.size() != 1)
-        return -1;
-    const auto found = std::find_if(result.columns.begin(), result.columns.end(),
-                                    [&](const BoundColumn& column) { return sameName(column.name, expr.name.last()); });
-    return found == result.columns.end() ? -1 : static_cast<int>(found - result.columns.begin());
 }
 
 Binder::OrderKey Binder::orderKey(const OrderItem& item, Scope* scope, const BoundQuery& result) {
@@ -375,9 +355,9 @@ Binder::OrderKey Binder::orderKey(const OrderItem& item, Scope* scope, const Bou
         key.value = bindValue(expr);
         if (key.value.literal)
             throw syntaxError(408, "A constant expression was encountered in the ORDER BY list, position 1.", expr.line);
-        key.origin = originOf(expr);
+        key.origin = originOf(scope_, expr);
         const auto same = std::find_if(result.columns.begin(), result.columns.end(),
-                                       [&](const BoundColumn& column) { return isSame(column.origin, key.origin); });
+                                       [&](const BoundColumn& column) { return isSame(scope_, column.origin, key.origin); });
         if (same != result.columns.end())
             key.output = static_cast<int>(same - result.columns.begin());
         else if (result.distinct)
@@ -408,43 +388,6 @@ void Binder::bindTop(const TopClause& top, BoundQuery& result) {
     result.limit = " LIMIT " + (count.literal ? count.sql : "ts_top(" + count.sql + ")");
     if (count.literal && count.literal->integer <= 1)
         result.oneRow = true;
-}
-
-// ---- text
-
-std::vector<SqlType> Binder::columnTypes(const BoundQuery& query) {
-    std::vector<SqlType> types;
-    for (const BoundColumn& column : query.columns)
-        types.push_back(column.value.type);
-    return types;
-}
-
-std::string Binder::render(const BoundQuery& query, const std::vector<SqlType>* types, bool unnamed) const {
-    if (query.op == SetOperator::None)
-        return renderCore(query, types, unnamed) + query.orderBy + query.limit;
-    const std::vector<SqlType> own = types ? *types : columnTypes(query);
-    const auto operand = [&](const BoundQuery& side, bool isLeft) {
-        const std::string text = render(side, &own);
-        return isPlainOperand(side, isLeft) ? text : "SELECT * FROM (" + text + ")";
-    };
-    return operand(*query.left, true) + setOperatorSql(query.op) + operand(*query.right, false) + query.orderBy + query.limit;
-}
-
-std::string Binder::renderCore(const BoundQuery& query, const std::vector<SqlType>* types, bool unnamed) const {
-    std::string sql = query.distinct ? "SELECT DISTINCT " : "SELECT ";
-    for (std::size_t i = 0; i < query.columns.size(); ++i) {
-        Typed value = query.columns[i].value;
-        if (types)
-            value = convertTo(std::move(value), (*types)[i]);
-        const bool plain = value.isColumn && value.collation.empty();
-        sql += (i > 0 ? "," : "") + (plain || !value.type.isText() ? value.sql : collated(value)) +
-               (unnamed ? std::string() : " AS _c" + std::to_string(i));
-    }
-    for (std::size_t i = 0; query.hasRowIds && i < query.bases.size(); ++i)
-        sql += "," + query.bases[i].sql + " AS _r" + std::to_string(i);
-    if (!query.level.empty())
-        sql += "," + query.level;
-    return sql + query.tail;
 }
 
 } // namespace merchantry::db::tsql

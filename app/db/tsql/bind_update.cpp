@@ -80,7 +80,7 @@ std::string Binder::assignedValue(const Assignment& assignment, const TableDef& 
         Typed before;
         before.type = table.columns[static_cast<std::size_t>(column)].type;
         before.sql = current;
-        value = arithmetic(assignment.op[0], std::move(before), std::move(value), assignment.line);
+        value = calculated(assignment.op[0], std::move(before), std::move(value), assignment.line);
     }
     std::string sql = storedValue(std::move(value), table, column, assignment.line);
     if (!assignment.variable.empty()) {
@@ -139,7 +139,7 @@ void Binder::assignVariable(Updating& update, const Assignment& assignment) {
         Typed old;
         old.type = type;
         old.sql = "ts_var(" + std::to_string(slot) + ")";
-        value = arithmetic(assignment.op[0], std::move(old), std::move(value), assignment.line);
+        value = calculated(assignment.op[0], std::move(old), std::move(value), assignment.line);
     }
     update.variables += "ts_setvar(" + std::to_string(slot) + "," + implicitTo(std::move(value), type, assignment.line).sql + "),";
 }

@@ -31,7 +31,7 @@ ValuePlan Binder::compound(const std::string& variable, char op, const Expr& val
     const SqlType type = before.type;
     ValuePlan plan;
     plan.type = type;
-    plan.sql.text = "SELECT " + implicitTo(arithmetic(op, std::move(before), bindValue(value), line), type, line).sql;
+    plan.sql.text = "SELECT " + implicitTo(calculated(op, std::move(before), bindValue(value), line), type, line).sql;
     plan.readsTables = readsTables_;
     plan.sql.places = places_;
     return plan;

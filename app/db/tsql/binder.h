@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/db/tsql/ast.h"
+#include "app/db/tsql/bound.h"
 #include "app/db/tsql/catalog.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/plan.h"
@@ -31,111 +32,6 @@ struct BindContext {
     const TableDef* triggerTable = nullptr;             // in a trigger: the table
     std::shared_ptr<const TableDef> inserted = nullptr; // in a trigger or for OUTPUT
     std::shared_ptr<const TableDef> deleted = nullptr;
-};
-
-// A bound expression: SQL for SQLite that gives cells of the type.
-struct Typed {
-    std::string sql;
-    SqlType type;
-    bool nullable = true;
-    std::optional<Cell> literal;
-    bool isPlace = false; // it is only a variable or value of the session
-    bool isColumn = false;
-    std::shared_ptr<const TableDef> table; // of a plain column
-    int column = -1;
-    std::string collation; // explicit
-    std::string chain;     // the function or operator whose call it is, when more operands can be put behind
-};
-
-struct Scope;
-
-// Which column of which source a name means.
-struct ColumnPlace {
-    const Scope* scope = nullptr;
-    std::size_t source = 0;
-    std::size_t column = 0;
-    bool operator==(const ColumnPlace&) const = default;
-};
-
-// What a bound value was written as: two are the same when they name one column, or their expressions are alike. Holds only while its
-// scope does.
-struct Origin {
-    const Expr* expr = nullptr;       // null for what no expression of its own stands for
-    std::optional<ColumnPlace> place; // of a plain column
-};
-
-struct BoundColumn {
-    Typed value;
-    std::string name;
-    Origin origin;
-};
-
-// An expression of GROUP BY.
-struct Group {
-    Typed value;
-    Origin origin;
-};
-
-// What may stand in a clause.
-struct Clause {
-    const char* name; // for 8120, 8121, 8127
-    bool aggregates = false;
-    bool windows = false;
-};
-inline constexpr Clause kFromClause{"FROM"};
-inline constexpr Clause kWhereClause{"WHERE"};
-inline constexpr Clause kGroupByClause{"GROUP BY"};
-inline constexpr Clause kSelectClause{"SELECT", true, true};
-inline constexpr Clause kHavingClause{"HAVING", true, false};
-inline constexpr Clause kOrderByClause{"ORDER BY", true, true};
-
-// A row of a base table that stands behind a row of a source, by its rowid.
-struct BaseRow {
-    std::shared_ptr<const TableDef> table;
-    std::string sql;
-};
-
-struct Source {
-    std::string exposed; // the name by which columns are qualified
-    ObjectName name;     // a table's own, when it has no alias
-    std::string sqlAlias;
-    std::vector<BoundColumn> columns;
-    std::shared_ptr<const TableDef> table; // the columns are those of the table, and made when they are asked for
-    std::vector<BaseRow> bases;
-    std::int64_t viewId = 0;
-    bool isTable = false; // itself: a row of it is a row of the table
-    bool grouped = false; // a view that shows no single rows
-};
-
-// The sources that a query's names can mean, and the queries around it.
-struct Scope {
-    Scope* outer = nullptr;
-    std::vector<Source> sources;
-    bool grouped = false;
-    std::vector<Group> groups;
-    int insideAggregate = 0;
-    bool alone = false;                  // a column needs no table before it
-    const Clause* clause = &kFromClause; // where the binder is
-};
-
-struct BoundQuery {
-    std::vector<BoundColumn> columns;
-    // one select
-    bool distinct = false;
-    std::string tail; // FROM to HAVING
-    // or two with an operator
-    SetOperator op = SetOperator::None;
-    std::unique_ptr<BoundQuery> left;
-    std::unique_ptr<BoundQuery> right;
-    std::string orderBy;
-    std::string limit;
-    bool hasTop = false;
-    bool ties = false;
-    bool oneRow = false;    // never more than one
-    bool grouped = false;   // its rows are no rows of tables
-    bool hasRowIds = false; // give the rowids of bases as columns _r0, ...
-    std::vector<BaseRow> bases;
-    std::string level; // of a recursive part: how deep it is
 };
 
 // The common tables of a query or statement are known while it is bound.
@@ -192,22 +88,13 @@ private:
     Typed textLiteral(const Expr& expr);
     Typed binaryLiteral(const Expr& expr);
     Typed column(const Expr& expr);
-    std::optional<ColumnPlace> findColumn(const ObjectName& name, int line, bool* qualifierKnown = nullptr) const;
     BoundColumn columnAt(const ColumnPlace& place);
     Typed resolved(const ColumnPlace& place, int line);
-    Origin originOf(const Expr& expr) const;
-    bool isSame(const Origin& one, const Origin& other) const;
-    bool isSame(const Expr& one, const Expr& other) const;
-    bool isSame(const WindowSpec* one, const WindowSpec* other) const;
-    bool areSame(const std::vector<ExprPtr>& one, const std::vector<ExprPtr>& other, std::size_t first) const;
     Typed variable(const Expr& expr);
     Typed systemVariable(const Expr& expr);
     Typed system(SystemValue value, const SqlType& type);
     Typed unary(const Expr& expr);
     Typed arithmetic(const Expr& expr);
-    Typed arithmetic(char op, Typed left, Typed right, int line);
-    Typed exactArithmetic(char op, Typed left, Typed right, const SqlType& common, int line) const;
-    Typed numberArithmetic(char op, Typed left, Typed right, const SqlType& type) const;
     Typed caseOf(const Expr& expr);
     Typed cast(const Expr& expr);
     SqlType typeOfCast(const Expr& expr) const;
@@ -219,10 +106,6 @@ private:
     std::string inList(const Expr& expr);
     std::string inQuery(const Expr& expr);
     std::string quantified(const Expr& expr);
-    Typed convertTo(Typed value, const SqlType& to, ConvertFor purpose = ConvertFor::Value, int style = -1) const;
-    Typed implicitTo(Typed value, const SqlType& to, int line, ConvertFor purpose = ConvertFor::Value) const;
-    std::string collated(const Typed& value) const;
-    static std::string collationOf(const Typed& left, const Typed& right);
     std::string place(bool system, int slot);
 
     // functions
@@ -244,7 +127,6 @@ private:
     BoundColumn bindItem(const SelectItem& item, bool isRow);
     void bindSource(const SelectCore& core, Scope& scope, BoundQuery& result);
     void bindGroups(const SelectCore& core, Scope& scope);
-    void checkGrouped(const std::vector<BoundColumn>& columns, std::size_t first, const Scope& scope, int line) const;
     void bindHaving(const SelectCore& core, Scope& scope, BoundQuery& result);
     std::string orderBy(const std::vector<OrderItem>& items, Scope* scope, const BoundQuery& result);
     // What an item of ORDER BY orders by: a column of the result, or an expression of its own.
@@ -254,12 +136,8 @@ private:
         Typed value;
     };
     OrderKey orderKey(const OrderItem& item, Scope* scope, const BoundQuery& result);
-    static int outputNamed(const Expr& expr, const BoundQuery& result);
     void bindTop(const TopClause& top, BoundQuery& result);
     void expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns);
-    std::string render(const BoundQuery& query, const std::vector<SqlType>* types = nullptr, bool unnamed = false) const;
-    std::string renderCore(const BoundQuery& query, const std::vector<SqlType>* types, bool unnamed) const;
-    static std::vector<SqlType> columnTypes(const BoundQuery& query);
     QueryPlan plan(const BoundQuery& bound, const Query& query);
     void noteAssigned(const SelectCore& core, QueryPlan& plan) const;
 

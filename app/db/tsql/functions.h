@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/db/tsql/binder.h"
+#include "app/db/tsql/bound.h"
 
 #include <string_view>
 
@@ -22,7 +22,6 @@ std::vector<std::string_view> aggregateNames();
 std::vector<std::string_view> rankingNames();
 
 // The call of an aggregate over a bound value; throws DbError 8117 for a type that it does not take.
-Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line, const Binder& binder,
-                  const std::function<Typed(Typed, const SqlType&)>& convert);
+Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line);
 
 } // namespace merchantry::db::tsql
