@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t kMostLines = 60;
 
 // Functions that are one table, a line for each entry.
-const std::set<std::string> kTables{"pictureOf", "systemViews", "registerMathFunctions"};
+const std::set<std::string> kTables{"pictureOf", "systemViews", "registerMathFunctions", "visit"};
 
 // A function stands at the left edge, and so does the brace that ends it.
 bool beginsFunction(const std::string& line) {
@@ -23,11 +23,11 @@ bool beginsFunction(const std::string& line) {
 }
 
 std::string nameOf(const std::string& line) {
-    std::string name;
-    const std::size_t bracket = line.find('(');
-    for (const Word& word : wordsOf(line.substr(0, bracket)))
-        name = word.text;
-    return name;
+    const std::string anyType = "decltype(auto)";
+    const std::size_t type = line.find(anyType);
+    const std::size_t bracket = line.find('(', type == std::string::npos ? 0 : type + anyType.size());
+    const std::vector<Word> words = wordsOf(line.substr(0, bracket));
+    return words.empty() ? "" : words.back().text;
 }
 
 TEST(Functions, CanBeReadAtOneGlance) {

@@ -27,7 +27,8 @@ StatementPtr Parser::statement() {
     return result;
 }
 
-StatementPtr Parser::statementOf() {
+// A statement that its first word tells; null for any other.
+StatementPtr Parser::statementByWord() {
     using Read = StatementPtr (Parser::*)();
     struct Entry {
         std::string_view word;
@@ -61,6 +62,12 @@ StatementPtr Parser::statementOf() {
         if (isWord(entry.word))
             return (this->*entry.read)();
     }
+    return nullptr;
+}
+
+StatementPtr Parser::statementOf() {
+    if (StatementPtr statement = statementByWord())
+        return statement;
     if (isSymbol("(") && startsQuery())
         return select();
     if (isWord("EXEC") || isWord("EXECUTE"))

@@ -111,6 +111,7 @@ private:
     // statements
     Block block(const std::function<bool()>& ends);
     StatementPtr statement();
+    StatementPtr statementByWord();
     StatementPtr statementOf();
     StatementPtr withStatement();
     StatementPtr select();
