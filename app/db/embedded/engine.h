@@ -72,7 +72,7 @@ private:
     Queries queries_{definitions_, transaction_, identities_, plans_, evaluator_, tables_};
     Changes changes_{connection_, batch_, store_, catalog_, transaction_, identities_, plans_, evaluator_, capture_, triggers_, executor_};
     Calls calls_{batch_, store_, code_, plans_, evaluator_, transaction_, executor_};
-    SystemProcedures systemProcedures_{batch_, catalog_, schema_, calls_, definer_, transaction_};
+    SystemProcedures systemProcedures_{batch_, catalog_, schema_, calls_, definer_, transaction_, identities_};
     Cursors cursors_{batch_, transaction_, plans_, evaluator_};
     Messages messages_{batch_, transaction_, plans_, evaluator_};
     Options options_{session_, catalog_, schema_, plans_, evaluator_};

@@ -45,6 +45,7 @@ const SystemProcedures::Entry* SystemProcedures::find(const std::string& name) {
         {"sp_executesql", &SystemProcedures::executeSql},
         {"sp_addtype", &SystemProcedures::addType},
         {"sp_reindextexts", &SystemProcedures::reindexTexts},
+        {"sp_useidentity", &SystemProcedures::useIdentity},
         {"xp_cmdshell", &SystemProcedures::runShell},
         {"sp_dboption", &SystemProcedures::doNothing},
         {"sp_configure", &SystemProcedures::doNothing},
@@ -87,6 +88,24 @@ void SystemProcedures::reindexTexts(const tsql::ExecuteStatement&) {
     Undo order([&, before = schema_.textOrder()] { batch_.noting([&] { schema_.compareBy(before); }); });
     schema_.takeNewestTextOrder();
     order.keep();
+    scope.finish();
+}
+
+// (table, number): the table's identity goes on behind that number, as if a row had had it. For copies of stores whose newest rows were
+// deleted.
+void SystemProcedures::useIdentity(const tsql::ExecuteStatement& statement) {
+    const Arguments arguments = calls_.argumentsOf(statement);
+    if (arguments.size() != 2 || arguments[0].cell.isNull() || arguments[1].cell.isNull())
+        throw missing("sp_useidentity", "@number", statement.line);
+    tsql::ObjectName name;
+    name.parts.push_back(arguments[0].cell.bytes);
+    const std::shared_ptr<const tsql::TableDef> table = catalog_.table(name);
+    if (!table || table->identityColumn() < 0)
+        throw tsql::nameError(7997, "'" + arguments[0].cell.bytes + "' does not contain an identity column.", statement.line);
+    WriteScope scope(transaction_);
+    identities_.beginStatement();
+    identities_.note(table->id, tsql::converted(arguments[1].cell, arguments[1].type, {TypeKind::BigInt}).integer);
+    identities_.endStatement();
     scope.finish();
 }
 

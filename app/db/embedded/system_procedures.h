@@ -10,8 +10,9 @@ namespace merchantry::db::embedded {
 class SystemProcedures {
 public:
     SystemProcedures(BatchState& batch, SessionCatalog& catalog, SchemaVersion& schema, Calls& calls, Definer& definer,
-                     Transaction& transaction)
-        : batch_(batch), catalog_(catalog), schema_(schema), calls_(calls), definer_(definer), transaction_(transaction) {}
+                     Transaction& transaction, Identities& identities)
+        : batch_(batch), catalog_(catalog), schema_(schema), calls_(calls), definer_(definer), transaction_(transaction),
+          identities_(identities) {}
 
     // Throws DbError Name 2812 when there is none of that name either.
     void execute(const tsql::ExecuteStatement& statement);
@@ -22,6 +23,7 @@ private:
     void executeSql(const tsql::ExecuteStatement& statement);
     void addType(const tsql::ExecuteStatement& statement);
     void reindexTexts(const tsql::ExecuteStatement& statement);
+    void useIdentity(const tsql::ExecuteStatement& statement);
     void runShell(const tsql::ExecuteStatement& statement);
     void doNothing(const tsql::ExecuteStatement&) {}
 
@@ -31,6 +33,7 @@ private:
     Calls& calls_;
     Definer& definer_;
     Transaction& transaction_;
+    Identities& identities_;
 };
 
 } // namespace merchantry::db::embedded

@@ -103,5 +103,15 @@ TEST_F(Changes, FireTheTriggersBehindOneThatDefinesObjects) {
     EXPECT_EQ(rowsOf("SELECT OBJECT_NAME(OBJECT_ID('Made')), OBJECT_ID('Third')"), "Made|NULL");
 }
 
+// A copy of a store knows numbers whose rows are gone.
+TEST_F(Changes, GoOnBehindNumbersThatNoRowHas) {
+    run("CREATE TABLE gone (id int IDENTITY(10, 5), v int) EXEC sp_useidentity 'gone', 40 EXEC sp_useidentity 'gone', 20");
+    EXPECT_EQ(rowsOf("INSERT INTO gone (v) VALUES (1) SELECT id FROM gone"), "45");
+    run("BEGIN TRANSACTION EXEC sp_useidentity 'gone', 60 COMMIT CREATE TABLE plain (id int)");
+    EXPECT_EQ(rowsOf("SELECT IDENT_CURRENT('gone')"), "60");
+    EXPECT_THROW(run("EXEC sp_useidentity 'plain', 1"), DbError);
+    EXPECT_EQ(lastInFile("gone"), "60");
+}
+
 } // namespace
 } // namespace merchantry::db
