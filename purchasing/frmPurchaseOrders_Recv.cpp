@@ -8,12 +8,9 @@
 #include "base/shown.h"
 #include "base/text.h"
 #include "purchasing/frmOtherCost.h"
-#include "purchasing/frmPOItemHistory.h"
-#include "purchasing/orders.h"
 #include "purchasing/rehearsal.h"
 #include "ui/desk.h"
 
-#include <algorithm>
 #include <array>
 #include <map>
 
@@ -28,6 +25,7 @@ namespace {
 constexpr const char* kTag = "frmPurchaseOrders_Recv";
 constexpr std::int16_t kReceiptReport = 3;
 enum Column { kMemorize, kSku, kName, kPartNo, kOpenQty, kRecvQty, kCost, kExt, kIndex };
+enum RehearsalColumn { kMargin = 9, kRemark = 10 };
 constexpr Twips kWidth = 1240 * kTwipsPerPixel; // room for the rehearsal, on a screen of 1366 by 768
 constexpr Twips kHeight = 690 * kTwipsPerPixel;
 enum Page { kLinesPage, kRehearsalPage };
@@ -38,8 +36,9 @@ std::string comingShortInWords(int lines) {
 
 } // namespace
 
-frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurchaseOrders_Recv", "Receive Inventory") {
-    setIcon("items");
+frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk)
+    : OpenLinesForm(desk, "frmPurchaseOrders_Recv", "Receive Inventory", "&Cancel",
+                    {kTag, "Receive Inventory for Purchase Order #", "Receive", "No item is being received."}, {kRecvQty, kExt, kIndex}) {
     setSize(kWidth, kHeight);
     shapeGrids();
     txtCode.placeholder = "Type or scan";
@@ -47,7 +46,6 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
     chkPrintLabels.setToolTip("Shelf labels for as many pieces as this receipt brings, after it is posted.");
     cmdNotReceived.setToolTip("Sets the selected lines to 0: they stay open.");
     cmdOK.setToolTip("Posts all received quantities at once. If the store refuses one of them, nothing is posted and the program ends.");
-    cmdCancel.isCancel = true; // and nothing is the default: the Enter of a scanner must not post
 
     wire();
 
@@ -79,12 +77,6 @@ frmPurchaseOrders_Recv::frmPurchaseOrders_Recv(Desk& desk) : Form(desk, "frmPurc
         }),
         buttons({at(cmdNotReceived), at(cmdOtherCost), at(cmdViewHist), stretch(), at(cmdCancel), at(cmdOK)}),
     }));
-    // The order's number; "True" when a receipt was posted.
-    offer("Receive", [this](const auto& arguments) {
-        PONumber = toInt32(numericPrefix(arguments.at(0)));
-        this->desk().showModal(*this);
-        return Value(DialogResult).toText();
-    });
 }
 
 void frmPurchaseOrders_Recv::shapeGrids() {
@@ -98,7 +90,6 @@ void frmPurchaseOrders_Recv::shapeGrids() {
                            {.heading = "Cost", .format = Format::Currency, .characters = 8},
                            {.heading = "Ext.", .alignRight = true, .characters = 10},
                            {.heading = "Index", .hidden = true}});
-    grdPOItems.emptyText = "Nothing of this order is open.";
     grdPOItems.setToolTip("Part number, received quantity and cost can be changed. Memorize keeps cost and part number for the supplier.");
     grdRehearsal.setColumns({{.heading = "SKU", .fixedWidth = true, .characters = 12},
                              {.heading = "Name", .characters = 22},
@@ -126,32 +117,23 @@ void frmPurchaseOrders_Recv::wire() {
     grdPOItems.rowColChange = [this] { setAvailable(); };
     tabReceive.change = [this](int) { tabReceive_Change(); };
     chkPrintLabels.click = [this] { chkPrintLabels_Click(); };
-    cmdNotReceived.click = [this] {
-        touched(grdPOItems);
-        cmdNotReceived_Click();
-    };
+    clearsSelected(cmdNotReceived);
     cmdOtherCost.click = [this] { cmdOtherCost_Click(); };
-    cmdViewHist.click = [this] { cmdViewHist_Click(); };
-    cmdCancel.click = [this] { unload(); };
     cmdOK.click = [this] { cmdOK_Click(); };
 }
 
 void frmPurchaseOrders_Recv::Form_Load() {
     txtCode.setFocus(); // a scanner finds its field
-    guarded({kTag, "Form_Load"}, [this] {
-        ShowSupplier();
-        lines_.clear();
-        lines_ = openLinesFor(PONumber, &ReceiveLine::RecvQty);
-        showLines();
-        showTotals();
-        loadPrinters();
-        lblHeading.setCaption("Receive Inventory for Purchase Order #" + std::to_string(PONumber));
-        setAvailable();
-    });
+    OpenLinesForm::Form_Load();
 }
 
-void frmPurchaseOrders_Recv::ShowSupplier() {
-    guarded({kTag, "ShowSupplier"}, [this] { SupplierID = supplier_.load(PONumber, SupplierID).SupID; });
+void frmPurchaseOrders_Recv::loadLines() {
+    lines_.clear();
+    lines_ = openLinesFor(PONumber, &ReceiveLine::RecvQty);
+    showLines();
+    showTotals();
+    loadPrinters();
+    setAvailable();
 }
 
 void frmPurchaseOrders_Recv::loadPrinters() {
@@ -211,6 +193,16 @@ void frmPurchaseOrders_Recv::showStatus() {
         breaks ? "An apostrophe in a part number or description makes the posting fail and the program end, with nothing booked"
                : openLinesInWords(lines_.size(), pieces, "receive"));
     lblShort.setCaption(comingShortInWords(shortLines));
+}
+
+OpenLine* frmPurchaseOrders_Recv::lineAt(int row) {
+    return lineOf(lines_, grdPOItems, row, kIndex);
+}
+
+void frmPurchaseOrders_Recv::clearLine(int row) {
+    ReceiveLine& line = *lineOf(lines_, grdPOItems, row, kIndex);
+    line.RecvQty = 0;
+    markIfShort(row, line);
 }
 
 // A marked line that the rehearsal covers is not set to 0 unseen.
@@ -348,9 +340,9 @@ void frmPurchaseOrders_Recv::rehearse() {
                              one.price ? one.price->toText() : "", margin ? shownPercent(std::to_string(*margin)) : "", one.remark()});
         const int row = grdRehearsal.dataRows();
         if (margin && *margin < 0)
-            grdRehearsal.setCellColor(row, 9, Color::Red);
+            grdRehearsal.setCellColor(row, kMargin, Color::Red);
         if (one.line.RecvQty > one.line.OpenQty)
-            grdRehearsal.setCellColor(row, 10, Color::Yellow);
+            grdRehearsal.setCellColor(row, kRemark, Color::Yellow);
     }
 }
 
@@ -360,17 +352,6 @@ void frmPurchaseOrders_Recv::chkPrintLabels_Click() {
         return;
     cboPrint.setFocus();
     cboPrint.dropDown();
-}
-
-void frmPurchaseOrders_Recv::cmdNotReceived_Click() {
-    for (int row = std::max(1, grdPOItems.firstSelected()); row <= grdPOItems.lastSelected(); ++row) {
-        ReceiveLine& line = *lineOf(lines_, grdPOItems, row, kIndex);
-        line.RecvQty = 0;
-        grdPOItems.setText(row, kRecvQty, "0");
-        grdPOItems.setText(row, kExt, "0");
-        markIfShort(row, line);
-    }
-    showTotals();
 }
 
 void frmPurchaseOrders_Recv::cmdOtherCost_Click() {
@@ -389,35 +370,23 @@ void frmPurchaseOrders_Recv::cmdOtherCost_Click() {
     });
 }
 
-void frmPurchaseOrders_Recv::cmdViewHist_Click() {
-    if (const ReceiveLine* line = lineOf(lines_, grdPOItems, grdPOItems.row(), kIndex))
-        ShowPOItemHistory(PONumber, line->SKU, line->MatrixSKU);
-    else
-        desk().message("Please select an item to view.", kProduct);
-}
-
 // Without a handler: a failure before the commit ends the program, and its transaction is undone.
 void frmPurchaseOrders_Recv::cmdOK_Click() {
     if (chkPrintLabels.value() && cboPrint.text().empty()) {
         desk().message("Please select label size and printer.", kPostingTitle);
         return;
     }
-    if (std::none_of(lines_.begin(), lines_.end(), [](const ReceiveLine& line) { return line.RecvQty > 0; })) {
-        desk().message("No item is being received.", kPostingTitle);
+    if (!anything(lines_, &ReceiveLine::RecvQty))
         return;
-    }
     spreadOver(lines_, Subtotal_, OtherCost_);
-    if (!posted(desk(), kPostingTitle, [this] { ReceiptNumber_ = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_); }))
+    std::int32_t ReceiptNumber = -1;
+    if (!posted(desk(), kPostingTitle, [&] { ReceiptNumber = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_); }))
         return;
     MemorizePO();
-    // It is posted: what goes wrong with the papers keeps nobody here, who would post it again.
-    carriedOut(desk(), kPostingTitle, [this] {
+    reportAndLeave(kReceiptReport, ReceiptNumber, [this] {
         if (chkPrintLabels.value())
             printLabels();
-        modMain().doors.OrderReport(kReceiptReport, std::to_string(PONumberToPOID(PONumber)), std::to_string(ReceiptNumber_));
     });
-    DialogResult = true;
-    unload();
 }
 
 void frmPurchaseOrders_Recv::MemorizePO() {

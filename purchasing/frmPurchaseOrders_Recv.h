@@ -1,12 +1,8 @@
 #pragma once
 
+#include "purchasing/openlinesform.h"
 #include "purchasing/receiveline.h"
-#include "purchasing/supplierframe.h"
-#include "ui/button.h"
 #include "ui/choice.h"
-#include "ui/form.h"
-#include "ui/grid.h"
-#include "ui/label.h"
 #include "ui/list.h"
 #include "ui/tabset.h"
 #include "ui/textbox.h"
@@ -20,26 +16,24 @@ namespace merchantry::purchasing {
 // Books what has arrived of one order: quantities, costs and other costs of its open lines, all in one transaction. A code typed or scanned
 // selects its line; the second page works out what the receipt would make of each item's cost. Set the members, show it modally, read
 // DialogResult.
-class frmPurchaseOrders_Recv : public ui::Form {
+class frmPurchaseOrders_Recv : public OpenLinesForm {
 public:
     explicit frmPurchaseOrders_Recv(ui::Desk& desk);
-
-    std::int32_t PONumber = 0;
-    std::int16_t SupplierID = 0;
-    bool DialogResult = false; // a receipt was posted
 
 private:
     void shapeGrids();
     void wire();
     void Form_Load() override;
 
-    void ShowSupplier();
+    void loadLines() override;
     void loadPrinters();
     void showLines();
     void showRow(int row, const ReceiveLine& line);
     void markIfShort(int row, const ReceiveLine& line);
-    void showTotals();
+    void showTotals() override;
     void showStatus();
+    OpenLine* lineAt(int row) override;
+    void clearLine(int row) override;
     void setAvailable();
 
     void txtCode_KeyDown(const std::string& key, bool& swallow);
@@ -53,23 +47,18 @@ private:
     void tabReceive_Change();
     void rehearse();
     void chkPrintLabels_Click();
-    void cmdNotReceived_Click();
     void cmdOtherCost_Click();
-    void cmdViewHist_Click();
 
     void cmdOK_Click();
     void MemorizePO();
     void printLabels();
 
-    ui::Label lblHeading{*this, "lblHeading", "Receive Inventory"};
-    SupplierFrame supplier_{*this};
     ui::TabSet tabReceive{*this, "tabReceive", {"Order Lines", "Rehearsal"}};
 
     // Order Lines
     ui::TextBox txtCode{*this, "txtCode"};
     ui::Label lblCode{*this, "lblCode"};   // what the code found
     ui::Label lblShort{*this, "lblShort"}; // how many lines bring less than is open
-    ui::Grid grdPOItems{*this, "grdPOItems"};
 
     // Rehearsal
     ui::Label lblRehearsal{*this, "lblRehearsal"};
@@ -80,20 +69,14 @@ private:
     ui::ComboBox cboPrint{*this, "cboPrint"};
     ui::Label lblSubtotal{*this, "lblSubtotal"};
     ui::Label lblOtherCosts{*this, "lblOtherCosts"};
-    ui::Label lblTotal{*this, "lblTotal"};
     ui::Button cmdNotReceived{*this, "cmdNotReceived", "&Not Received"};
     ui::Button cmdOtherCost{*this, "cmdOtherCost", "O&ther Costs"};
-    ui::Button cmdViewHist{*this, "cmdViewHist", "Item &History"};
-    ui::Button cmdCancel{*this, "cmdCancel", "&Cancel"};
-    ui::Button cmdOK{*this, "cmdOK", "&OK"};
 
     std::vector<ReceiveLine> lines_;
     std::vector<std::string> barcodes_; // of the lines; empty until the first code is looked for
     Currency Subtotal_;
     Currency OtherCost_;
     std::string OtherCostDesc_;
-    std::int32_t ReceiptNumber_ = -1; // until the database gives one
-    std::string saved_;               // the cell before its edit
 };
 
 } // namespace merchantry::purchasing

@@ -64,6 +64,24 @@ bool breaksStatement(const std::string& text);
 std::int32_t postedNumber(const db::Sql& statement, const char* column);
 // Writes that the order is partial, when a line stays open, or closed. Throws DbError.
 void changeStatus(std::int32_t PONumber, bool anyOpen);
+// Books each line that has a quantity to post, by the statement made of it and of the posting's number (-1 until the first line got one),
+// and then the order's status. The number; -1 when no line had anything. Throws DbError. Requires: a transaction is open.
+template <class Line, class Statement>
+std::int32_t postLines(std::int32_t PONumber, const std::vector<Line>& lines, std::int16_t Line::*posted, const char* numberColumn,
+                       Statement statement) {
+    std::int32_t number = -1;
+    bool anyOpen = false;
+    for (const Line& line : lines) {
+        anyOpen = anyOpen || line.staysOpen(line.*posted);
+        if (line.*posted <= 0)
+            continue;
+        const std::int32_t answered = postedNumber(statement(line, number), numberColumn);
+        if (number == -1)
+            number = answered;
+    }
+    changeStatus(PONumber, anyOpen);
+    return number;
+}
 
 // The line of a data row, whose hidden column holds its place in the list from 1; nothing for the heading or no row.
 template <class Line> Line* lineOf(std::vector<Line>& lines, const ui::Grid& grid, int row, int indexColumn) {

@@ -27,26 +27,17 @@ std::int32_t postReceipt(std::int32_t PONumber, const std::vector<ReceiveLine>& 
                          const std::string& OtherCostDesc) {
     using db::Sql;
     db::Transaction transaction(app::modMain().Conn);
-    std::int32_t ReceiptNumber = -1;
     int CostID = 0;
     if (OtherCost > Currency()) {
         const auto cost =
             app::modMain().Conn->Execute(Sql("sp_InsertOtherCost ") + PONumber + ", " + OtherCost + ", '" + OtherCostDesc + "'");
         CostID = static_cast<int>((*cost)["CostID"].Value().toInteger());
     }
-    bool anyOpen = false;
-    for (const ReceiveLine& line : lines) {
-        anyOpen = anyOpen || line.staysOpen();
-        if (line.RecvQty <= 0)
-            continue;
-        const std::int32_t number = postedNumber(Sql("sp_ReceiveItem 1, ") + PONumber + ", '" + line.SKU + "', '" + line.MatrixSKU + "', " +
-                                                     int{line.RecvQty} + ", " + line.Cost + ", " + line.OtherCostShare + ", " + CostID +
-                                                     ", " + int{ReceiptNumber} + ", '" + line.PartNo + "'",
-                                                 "ReceiptNumber");
-        if (ReceiptNumber == -1)
-            ReceiptNumber = number;
-    }
-    changeStatus(PONumber, anyOpen);
+    const std::int32_t ReceiptNumber =
+        postLines(PONumber, lines, &ReceiveLine::RecvQty, "ReceiptNumber", [&](const ReceiveLine& line, std::int32_t number) {
+            return Sql("sp_ReceiveItem 1, ") + PONumber + ", '" + line.SKU + "', '" + line.MatrixSKU + "', " + int{line.RecvQty} + ", " +
+                   line.Cost + ", " + line.OtherCostShare + ", " + CostID + ", " + number + ", '" + line.PartNo + "'";
+        });
     transaction.commit();
     return ReceiptNumber;
 }

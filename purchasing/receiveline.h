@@ -14,7 +14,8 @@ struct ReceiveLine : OpenLine {
     Currency OtherCostShare; // 0 until the spread
 
     Currency extended() const { return Cost * RecvQty; }
-    bool staysOpen() const { return OpenLine::staysOpen(RecvQty); }
+    using OpenLine::staysOpen;
+    bool staysOpen() const { return staysOpen(RecvQty); }
 };
 
 // The sum of what the lines bring. Throws OverflowError.
