@@ -1,8 +1,8 @@
 // A chain's busy hour on one server: eight registers sell while two managers order, receive, change prices and post to accounts.
 
 #include "app/db/ado/recordset.h"
-#include "app/db/again.h"
 #include "app/db/schema/schema.h"
+#include "app/db/servererrors.h"
 #include "app/db/work.h"
 #include "app/stockproof.h"
 #include "catalog/pricechange.h"
@@ -58,8 +58,8 @@ protected:
             lines[i].SupID = 1;
         }
         while (!closed) {
-            ordered += purchasing::writeOrders(connection, lines, [](int) { return true; }).orders;
-            db::againWhenBusy(connection->session(), [&] {
+            pressed([&] { ordered += purchasing::writeOrders(connection, lines, [](int) { return true; }).orders; });
+            pressed([&] {
                 db::Work work(connection->session());
                 db::NoResult none;
                 connection->session().execute("DECLARE @po smallint SELECT @po = MAX(PONumber) FROM PurchaseOrder WHERE Status = 'O' "
@@ -80,14 +80,20 @@ protected:
             for (; !price.Eof(); price.MoveNext())
                 steps.push_back({price["SKU"].text(), price["MatrixSKU"].text(), 1, price["Quantity"].Value().toNumber(),
                                  price["Price"].Value().toCurrency(), price["Price"].Value().toCurrency() + Currency::fromUnits(100)});
-            catalog::changePrices(connection, "up", steps, [](int) { return true; });
+            pressed([&] { catalog::changePrices(connection, "up", steps, [](int) { return true; }); });
             ++changed;
-            db::againWhenBusy(connection->session(), [&] {
-                connection->Execute("sp_PostAdjustment 1, 1, 1, 5, 12.34, 1, 'Other'");
-                return 0;
-            });
+            pressed([&] { connection->Execute("sp_PostAdjustment 1, 1, 1, 5, 12.34, 1, 'Other'"); });
             ++adjusted;
         }
+    }
+    // A screen that could not save because others were in the way stays, and its user presses again.
+    static void pressed(const std::function<void()>& save) {
+        while (true)
+            try {
+                return save();
+            } catch (const db::TryAgain&) {
+                std::this_thread::yield();
+            }
     }
     // A manager at work in a thread of his own; what stopped him is told.
     static std::thread manager(std::function<void()> work) {
