@@ -19,25 +19,23 @@ constexpr int kSplit = 3;
 constexpr int kSerialized = 5;
 constexpr int kSuppliersTab = 2;
 
-void numeric(TextBox& box) {
-    box.alignRight = true;
-}
-
 } // namespace
 
 frmItems::frmItems(Desk& desk) : Form(desk, "frmItems", "Item Maintenance") {
     setIcon("item");
     wireGeneral();
-    wireOtherPages();
+    wireFields();
     tabItems.change = [this](int left) { tabItems_Change(left); };
     panel.moved = [this] { Populate_FormData(); };
     onKey("F9", [this] { panel.toggle(); });
+    onKey("Alt+Up", [this] { pressArrow(true); });
+    onKey("Alt+Down", [this] { pressArrow(false); });
+    std::vector<Item> items{generalPage()};
+    for (ItemPage* page : pages_)
+        items.push_back(page->item());
     setLayout(column({
-        row({pages(tabItems, {generalPage(), suppliersPage(), pricePage(), substitutesPage(), notesPage(), matrixPage(), miscPage()})
-                 .stretched(3),
-             panel.item()})
-            .stretched(),
-        undoLine.item(),
+        row({pages(tabItems, std::move(items)).stretched(3), panel.item()}).stretched(),
+        undoLine_.item(),
     }));
     offer("CheckSKUs", [this](const auto& arguments) {
         CheckSKUs(arguments.empty() ? "" : arguments[0], arguments.size() > 1 && arguments[1] == "on");
@@ -46,10 +44,10 @@ frmItems::frmItems(Desk& desk) : Form(desk, "frmItems", "Item Maintenance") {
 }
 
 void frmItems::wireGeneral() {
-    for (TextBox* box : {&txtPriceAmt, &txtStockAmt, &txtReorder, &txtRestock, &txtTagAlongQty, &txtSplitQty})
-        numeric(*box);
-    for (TextBox* box : {&txtName, &txtReorder, &txtRestock, &txtTagAlongQty, &txtSplitQty, &txtPriceAmt})
-        box->gotFocus = [box] { box->selectAll(); };
+    for (TextBox* box : {&txtPriceAmt, &txtStockAmt, &txtReorder, &txtRestock})
+        box->alignRight = true;
+    for (TextBox* box : {&txtName, &txtReorder, &txtRestock, &txtPriceAmt})
+        selectsAll(*box);
     txtName.maxLength = 255;
     txtStockAmt.setLocked(true);
     txtStockAmt.setToolTip(
@@ -59,58 +57,68 @@ void frmItems::wireGeneral() {
                            "field it shows what is "
                            "stored.");
     lblProfitPercent.setToolTip("Margin on the price, as it was when the item was opened");
-    for (Button* button : {&cmdDeleteItem, &cmdDeleteSupplier, &cmdPriceDelete, &cmdSubsDelete, &cmdDeleteCatgory, &cmdRemoveTagAlong})
-        button->isDanger = true;
+    cmdDeleteItem.isDanger = true;
     lbxType.setToolTip(
         "Serialized sets Serial Item and the tax class None. Any other type puts back what Serialized had displaced, also when "
         "Adjust or a change in the price matrix reads the item again.");
 
+    cmdExit0.click = [this] { cmdExit_Click(0); };
+    int index = 0;
+    for (ItemPage* page : pages_) {
+        ++index;
+        page->cmdExit.click = [this, index] { cmdExit_Click(index); };
+    }
+}
+
+void frmItems::wireFields() {
     txtName.lostFocus = [this] {
-        if (writeField("txtName_LostFocus", "Name", [this] { return Value(trimmed(txtName.text())); }))
+        if (writeShown("txtName_LostFocus", "Name", [this] { return Value(trimmed(txtName.text())); }))
             showNameOnTabs();
-        else if (const db::RecordsetPtr item = modMain().ItemRecordset; item != nullptr && item->onRow())
+        else if (const db::RecordsetPtr item = itemOnRow())
             txtName.setText((*item)["Name"].text());
     };
     txtReorder.lostFocus = [this] { numberField_LostFocus(txtReorder, "txtReorder_LostFocus", "Reorder"); };
     txtRestock.lostFocus = [this] { numberField_LostFocus(txtRestock, "txtRestock_LostFocus", "Restock"); };
-    txtNotes.lostFocus = [this] {
-        if (!neverFilled(txtNotes))
-            writeField("txtNotes_LostFocus", "Notes", [this] { return Value(txtNotes.text()); });
-    };
     txtPriceAmt.lostFocus = [this] { txtPriceAmt_LostFocus(); };
     txtStockAmt.lostFocus = [this] { txtStockAmt_LostFocus(); };
-    cbxActive.click = [this] { writeField("cbxActive_Click", "Active", [this] { return Value(cbxActive.value()); }); };
-    cbxFoodStamps.click = [this] { writeField("cbxFoodStamps_Click", "FoodStampFlag", [this] { return Value(cbxFoodStamps.value()); }); };
-    cbxSerialed.click = [this] { writeField("cbxSetSerialed_Click", "SerialFlag", [this] { return Value(cbxSerialed.value()); }); };
-    lbxDepartment.click = [this] { writeField("lbxDepartment_Click", "DepartmentID", [this] { return Value(lbxDepartment.itemData()); }); };
+    cbxActive.click = [this] { writeShown("cbxActive_Click", "Active", [this] { return Value(cbxActive.value()); }); };
+    cbxFoodStamps.click = [this] { writeShown("cbxFoodStamps_Click", "FoodStampFlag", [this] { return Value(cbxFoodStamps.value()); }); };
+    cbxSerialed.click = [this] { writeShown("cbxSetSerialed_Click", "SerialFlag", [this] { return Value(cbxSerialed.value()); }); };
+    lbxDepartment.click = [this] { writeShown("lbxDepartment_Click", "DepartmentID", [this] { return Value(lbxDepartment.itemData()); }); };
     lbxTaxClass.click = [this] { lbxTaxClass_Click(); };
     lbxType.click = [this] { lbxType_Click(); };
     cmdAdjust.click = [this] { cmdAdjust_Click(); };
     cmdDeleteItem.click = [this] { cmdDeleteItem_Click(); };
-    int index = 0;
-    for (Button* exit : {&cmdExit0, &cmdExit1, &cmdExit2, &cmdExit3, &cmdExit4, &cmdExit5, &cmdExit6}) {
-        exit->click = [this, index] { cmdExit_Click(index); };
-        ++index;
-    }
 }
 
-void frmItems::wireOtherPages() {
-    txtNotes.multiline = true;
-
-    wireSuppliers();
-    wirePrices();
-    wireSubstitutes();
-    wireMatrix();
-    wireMisc();
-    onKey("Alt+Up", [this] { pressShown({&imgArrowUp, &imgSubUp}); });
-    onKey("Alt+Down", [this] { pressShown({&imgArrowDown, &imgSubDown}); });
+Item frmItems::generalPage() {
+    return column({
+        row({title(lblSKUVal), at(panel.cmdPanel), stretch(), figure("Weighted Cost:", lblCostAmt), figure("Committed:", lblCommittedAmt),
+             figure("Last Sold Date:", lblLastSoldDateVal)}),
+        row({
+                fields({
+                           field("&Name:", txtName),
+                           field("T&ype:", lbxType),
+                           field("D&epartment:", lbxDepartment),
+                           field("Tax &Class:", lbxTaxClass),
+                           field("&Price:", txtPriceAmt),
+                           field("In Stock:", txtStockAmt, {at(cmdAdjust)}),
+                           field("Reorder Qty:", txtReorder),
+                           field("Reorder @:", txtRestock),
+                       })
+                    .stretched(3),
+                box("Options", column({at(cbxActive), at(cbxSerialed), at(cbxFoodStamps), gap(),
+                                       row({at(lblProfitMargin), stretch(), at(lblProfitPercent)}), stretch()}))
+                    .stretched(1),
+            })
+            .stretched(),
+        buttons({at(cmdDeleteItem), stretch(), note("Every field is saved as you leave it"), at(cmdExit0)}),
+    });
 }
 
-// The arrow of the page that is turned up; the focus stays where it is.
-void frmItems::pressShown(std::initializer_list<Image*> arrows) {
-    for (Image* arrow : arrows)
-        if (arrow->obstacle().empty())
-            arrow->press();
+void frmItems::pressArrow(bool up) {
+    for (ItemPage* page : pages_)
+        page->pressArrow(up);
 }
 
 void frmItems::notYet(const std::string& what) {
@@ -170,8 +178,8 @@ void frmItems::Form_Activate() {
     Loaded = true;
 }
 
-bool frmItems::writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
-    const bool written = writeItem(procedure, [&](db::Recordset& item) { item[column] = value(); });
+bool frmItems::writeShown(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
+    const bool written = writeField(procedure, column, value);
     if (!written)
         showStored(column);
     return written;
@@ -179,8 +187,8 @@ bool frmItems::writeField(const std::string& procedure, const std::string& colum
 
 // Boxes, lists and figures show again what the store holds; words stay as they were typed, for another try.
 void frmItems::showStored(const std::string& column) {
-    const db::RecordsetPtr item = modMain().ItemRecordset;
-    if (item == nullptr || !item->onRow())
+    const db::RecordsetPtr item = itemOnRow();
+    if (item == nullptr)
         return;
     for (const auto& [name, box] :
          {std::pair{"Active", &cbxActive}, std::pair{"FoodStampFlag", &cbxFoodStamps}, std::pair{"SerialFlag", &cbxSerialed}})
@@ -190,30 +198,9 @@ void frmItems::showStored(const std::string& column) {
          {std::pair{"DepartmentID", &lbxDepartment}, std::pair{"TaxID", &lbxTaxClass}, std::pair{"TypeID", &lbxType}})
         if (column == name)
             list->setListIndex(positionOfKey(*list, (*item)[column].Value().toInteger()));
-    for (const auto& [name, box] :
-         {std::pair{"Reorder", &txtReorder}, std::pair{"Restock", &txtRestock}, std::pair{"TagAlongQty", &txtTagAlongQty}})
+    for (const auto& [name, box] : {std::pair{"Reorder", &txtReorder}, std::pair{"Restock", &txtRestock}})
         if (column == name)
             box->setText((*item)[column].text());
-}
-
-bool frmItems::writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set) {
-    const db::RecordsetPtr item = modMain().ItemRecordset;
-    if (item == nullptr)
-        return false; // the item could not be fetched
-    const bool written = guarded({kItemsTag, procedure}, [&] {
-        set(*item);
-        item->Update();
-    });
-    if (!written)
-        readStored(*item);
-    return written;
-}
-
-// After a refused write: the row as the store has it now. Someone else may have changed it, and by the old values no later write would meet
-// it.
-void frmItems::readStored(db::Recordset& item) {
-    item.CancelUpdate();
-    guarded({kItemsTag, "ReadStored"}, [&] { item.Requery(); });
 }
 
 // What stands in the field afterwards is what the store holds, also when someone else changed it or the text is no number.
@@ -223,8 +210,8 @@ void frmItems::numberField_LostFocus(TextBox& box, const std::string& procedure,
     if (const std::string wrong = commaComplaint(box.text()); !wrong.empty())
         desk().message(wrong, kProduct);
     else
-        writeField(procedure, column, [&] { return Value(numericPrefix(box.text())); });
-    if (const db::RecordsetPtr item = modMain().ItemRecordset; item != nullptr && item->onRow())
+        writeShown(procedure, column, [&] { return Value(numericPrefix(box.text())); });
+    if (const db::RecordsetPtr item = itemOnRow())
         box.setText((*item)[column].text());
 }
 
@@ -234,16 +221,16 @@ bool frmItems::neverFilled(const TextBox& box) const {
 }
 
 void frmItems::showNameOnTabs() {
-    for (Label* header : {&lblSuppliersPName, &lblPricePName, &lblNotesPName, &lblMatrixPName, &lblMiscPName, &lblSubsPName})
-        header->setCaption(std::string(trimmed(txtName.text())));
     const std::string name(trimmed(txtName.text()));
+    for (ItemPage* page : pages_)
+        page->showName(name);
     setCaption(name.empty() ? "Item Maintenance" : "Item Maintenance - " + name);
 }
 
 void frmItems::lbxTaxClass_Click() {
     if (!Loaded)
         return;
-    writeField("lbxTaxClass_Click", "TaxID", [this] {
+    writeShown("lbxTaxClass_Click", "TaxID", [this] {
         const int first = lbxTaxClass.indexOf(lbxTaxClass.text());
         return Value(lbxTaxClass.entries().at(static_cast<std::size_t>(first)).itemData);
     });
@@ -251,7 +238,7 @@ void frmItems::lbxTaxClass_Click() {
 
 void frmItems::lbxType_Click() {
     const int type = lbxType.itemData();
-    if (!writeField("lbxType_Click", "TypeID", [type] { return Value(type); }))
+    if (!writeShown("lbxType_Click", "TypeID", [type] { return Value(type); }))
         return;
     guarded({kItemsTag, "lbxType_Click"}, [&] { applyType(type); });
 }
@@ -274,13 +261,8 @@ void frmItems::applyType(int type) {
     if (!forced && SavedTaxIndex)
         lbxTaxClass.setListIndex(*SavedTaxIndex);
 
-    for (Control* control : std::initializer_list<Control*>{&fraSplit, &lbxSplitParentSKU, &lbxSplitParentMatrixSKU, &txtSplitQty,
-                                                            &cmdUpdateSplit, &lblMiscItemSplit0, &lblMiscItemSplit1, &lblMiscItemSplit2})
-        control->setVisible(type == kSplit);
-    for (Control* control : std::initializer_list<Control*>{&lbxMatrixGroups, &lbxMatrixCategories, &lblMatrixGroups, &lblMatrixCategories,
-                                                            &cmdAddCategory, &cmdDeleteCatgory, &grdItemMatrix})
-        control->setVisible(type == kMatrix);
-    lblMatrixMessage.setVisible(type != kMatrix);
+    misc_.showFor(type == kSplit);
+    matrix_.showFor(type == kMatrix);
 }
 
 void frmItems::txtPriceAmt_LostFocus() {
@@ -295,23 +277,27 @@ void frmItems::txtPriceAmt_LostFocus() {
                                 modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU +
                                 "' AND Tier = 1 AND (Quantity = 1 Or Quantity = 0)");
         showStoredPrice();
-        lblRetailUnitPriceAmt.setCaption("$" + txtPriceAmt.text());
-        lblSupRetailPrice.setCaption("$" + txtPriceAmt.text());
-        reloadPrices(lbxTier.listIndex() + 1);
+        showRetailPrice();
+        prices_.reloadAtPosition();
     });
     if (!written)
         guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] { showPrice(); });
     else
-        offerPriceUndo(rows, "txtPriceAmt_LostFocus", kRetailTier);
+        prices_.offerPriceUndo(rows, "txtPriceAmt_LostFocus", kRetailTier);
     panel.pricesChanged();
 }
 
+// On the other pages, as it stands in the field.
+void frmItems::showRetailPrice() {
+    prices_.showRetailPrice(txtPriceAmt.text());
+    suppliers_.showRetailPrice(txtPriceAmt.text());
+}
+
 // All that this screen shows of the item's prices, as the store has them.
-void frmItems::showPricesAgain() {
+void frmItems::pricesPutBack() {
     showPrice();
-    lblRetailUnitPriceAmt.setCaption("$" + txtPriceAmt.text());
-    lblSupRetailPrice.setCaption("$" + txtPriceAmt.text());
-    reloadPrices(selectedTier());
+    showRetailPrice();
+    prices_.reloadShown();
     panel.pricesChanged();
 }
 
@@ -367,9 +353,9 @@ void frmItems::tabItems_Change(int left) {
             return;
         }
         const int leftTab = left + 1;
-        if (CurrentTab == leftTab && leftTab == kSuppliersTab && !ValidateSupplierMatrix()) {
+        if (CurrentTab == leftTab && leftTab == kSuppliersTab && !suppliers_.ValidateSupplierMatrix()) {
             tabItems.setCurrent(kSuppliersTab - 1);
-            grdSuppliers.setFocus();
+            suppliers_.setFocus();
             return;
         }
         CurrentTab = tabItems.current() + 1;
@@ -378,25 +364,24 @@ void frmItems::tabItems_Change(int left) {
 
 void frmItems::cmdExit_Click(int index) {
     guarded({kItemsTag, "cmdExit_Click"}, [&] {
-        if (index == 1 && !ValidateSupplierMatrix())
+        if (index == 1 && !suppliers_.ValidateSupplierMatrix())
             return;
-        if (SaveSupplierMatrix())
+        if (suppliers_.SaveSupplierMatrix())
             unload();
     });
 }
 
 // The close box saves the suppliers as the exit buttons do; what cannot be saved keeps the screen open.
 void frmItems::Form_Unload(bool& cancel) {
-    cancel = !deleted_ && !SaveSupplierMatrix();
+    cancel = !deleted_ && !suppliers_.SaveSupplierMatrix();
     if (cancel)
         return;
     guarded({kItemsTag, "Form_Unload"}, [this] {
         panel.release();
-        for (Grid* grid : {&grdSuppliers, &grdPriceMatrix, &grdSubs, &grdItemMatrix})
-            grid->bind(nullptr);
+        for (ItemPage* page : pages_)
+            page->release();
         ModMain& session = modMain();
-        for (db::RecordsetPtr* rows : {&session.ItemRecordset, &priceRows_, &supplierRows_, &subsRows_, &matrixRows_})
-            closeRows(*rows);
+        closeRows(session.ItemRecordset);
         session.CurrentSKU.clear();
         session.CurrentMatrixSKU.clear();
         session.CurrentItemName.clear();

@@ -11,7 +11,6 @@ namespace merchantry::catalog {
 
 using namespace app;
 using namespace ui;
-using db::RecordsetPtr;
 using db::Sql;
 
 // Everything that fills frmItems from the store.
@@ -20,23 +19,10 @@ namespace {
 
 constexpr int kNeverSold = 1900;
 
-// Adds each row's text, with its key as the entry's number.
-void fill(ListBox& list, const RecordsetPtr& rows, const std::string& text, const std::string& key) {
-    list.clear();
-    for (; !rows->Eof(); rows->MoveNext())
-        list.add((*rows)[text].text(), static_cast<int>((*rows)[key].Value().toInteger()));
-}
-
-std::vector<db::Parameter> keyAnd(const db::Parameter& more) {
-    std::vector<db::Parameter> parameters = itemKey();
-    parameters.push_back(more);
-    return parameters;
-}
-
 // All that Populate_FormData opens; of the first tier its price and, twice, its grid: choosing the tier and filling the grid both read it.
 void readItemAhead(db::Ahead& ahead) {
     const auto key = itemKey();
-    const auto ofFirstTier = keyAnd(intParameter("Tier", 1));
+    const auto ofFirstTier = itemKeyAnd(intParameter("Tier", 1));
     ahead.select(itemCost());
     ahead.call("bsp_PriceMatrixGrid", ofFirstTier);
     ahead.call("bsp_ItemStockLookup", key);
@@ -57,7 +43,7 @@ void readItemAhead(db::Ahead& ahead) {
 } // namespace
 
 void frmItems::Init_ItemListBoxes() {
-    guarded({"MR_frmItems", "Init_ItemListBoxes"}, [this] {
+    guarded({kItemsTag, "Init_ItemListBoxes"}, [this] {
         db::Ahead ahead(*modMain().Conn);
         ahead.call("bsp_ItemTypesLookup", {});
         ahead.call("bsp_DepartmentsLookup", {});
@@ -71,17 +57,14 @@ void frmItems::Init_ItemListBoxes() {
         for (int i = 0; i < lbxTaxClass.count(); ++i)
             if (lbxTaxClass.entries()[static_cast<std::size_t>(i)].text == "None")
                 TaxNoneIndex = i;
-        fill(lbxMatrixGroups, openList("bsp_ItemGroupDefsLookup"), "GroupName", "GroupID");
-        const auto parents = openDirect(splitParents());
-        lbxSplitParentSKU.clear();
-        for (; !parents->Eof(); parents->MoveNext())
-            lbxSplitParentSKU.add((*parents)[0].text());
+        matrix_.loadGroups();
+        misc_.loadParents();
     });
 }
 
 bool frmItems::FetchItemData() {
     bool found = false;
-    guarded({"MR_frmItems", "FetchItemData"}, [&] {
+    guarded({kItemsTag, "FetchItemData"}, [&] {
         modMain().ItemRecordset = openUpdatable("bsp_ItemLookup", itemKey());
         found = !modMain().ItemRecordset->Eof();
     });
@@ -90,7 +73,7 @@ bool frmItems::FetchItemData() {
 
 void frmItems::Populate_FormData() {
     txtStockAmt.setText(""); // a figure that is not read below must not be written back by leaving the field
-    const bool whole = guarded({"MR_frmItems", "Populate_FormData"}, [this] {
+    const bool whole = guarded({kItemsTag, "Populate_FormData"}, [this] {
         db::Ahead ahead(*modMain().Conn);
         readItemAhead(ahead);
         populateGeneral();
@@ -98,13 +81,8 @@ void frmItems::Populate_FormData() {
         showPrice();
         showProfit();
         showStock();
-        populateSuppliers();
-        populatePrices();
-        showSale();
-        populateSubstitutes();
-        populateNotes();
-        populateMatrix();
-        populateMisc();
+        for (ItemPage* page : pages_)
+            page->populate();
         filled_ = true;
     });
     if (!whole)
@@ -134,7 +112,7 @@ void frmItems::showCost() {
 }
 
 void frmItems::showPrice() {
-    const auto prices = openList("bsp_PriceMatrixGrid", keyAnd(intParameter("Tier", 1)));
+    const auto prices = openList("bsp_PriceMatrixGrid", itemKeyAnd(intParameter("Tier", 1)));
     if (!prices->Eof())
         txtPriceAmt.setText((*prices)["Price"].text());
 }
@@ -156,13 +134,6 @@ void frmItems::showStock() {
     lblLastSoldDateVal.setCaption(sold.is<Date>() && sold.as<Date>().year() != kNeverSold ? sold.toText() : "");
     txtReorder.setText(item["Reorder"].text());
     txtRestock.setText(item["Restock"].text());
-}
-
-void frmItems::populateNotes() {
-    lblNotesSKU.setCaption(modMain().CurrentSKU);
-    const std::string notes = (*modMain().ItemRecordset)["Notes"].text();
-    if (!notes.empty())
-        txtNotes.setText(notes);
 }
 
 } // namespace merchantry::catalog

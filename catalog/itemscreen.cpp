@@ -1,6 +1,7 @@
 #include "catalog/itemscreen.h"
 
 #include "base/numbers.h"
+#include "base/text.h"
 
 namespace merchantry::catalog {
 
@@ -39,6 +40,57 @@ db::Sql tierChoices() {
 db::Sql itemSplit() {
     return db::Sql("SELECT * FROM ItemSplitMatrix WHERE SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" +
            modMain().CurrentMatrixSKU + "'";
+}
+
+std::vector<db::Parameter> itemKeyAnd(const db::Parameter& more) {
+    std::vector<db::Parameter> parameters = itemKey();
+    parameters.push_back(more);
+    return parameters;
+}
+
+WrittenRows pricesOfTier(int tier) {
+    return {{"PriceMatrix", {"SKU", "MatrixSKU", "Tier", "Quantity"}},
+            db::Sql("SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "' AND Tier = " + tier};
+}
+
+db::RecordsetPtr itemOnRow() {
+    const db::RecordsetPtr& item = modMain().ItemRecordset;
+    return item != nullptr && item->onRow() ? item : nullptr;
+}
+
+bool writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set) {
+    const db::RecordsetPtr item = modMain().ItemRecordset;
+    if (item == nullptr)
+        return false;
+    const bool written = guarded({kItemsTag, procedure}, [&] {
+        set(*item);
+        item->Update();
+    });
+    if (!written)
+        readStored(*item); // someone else may have changed it, and by the old values no later write would meet it
+    return written;
+}
+
+bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
+    return writeItem(procedure, [&](db::Recordset& item) { item[column] = value(); });
+}
+
+void readStored(db::Recordset& item) {
+    item.CancelUpdate();
+    guarded({kItemsTag, "ReadStored"}, [&] { item.Requery(); });
+}
+
+// The pair that the user picks in the item lookup as its two codes; empty when none was picked.
+std::vector<std::string> pickedItem() {
+    const auto& lookup = modMain().doors.SelectSKU;
+    const std::vector<std::string> codes = split(lookup ? lookup(0) : "", "|");
+    return codes.size() == 2 ? codes : std::vector<std::string>();
+}
+
+void fill(ui::ListBox& list, const db::RecordsetPtr& rows, const std::string& text, const std::string& key) {
+    list.clear();
+    for (; !rows->Eof(); rows->MoveNext())
+        list.add((*rows)[text].text(), static_cast<int>((*rows)[key].Value().toInteger()));
 }
 
 int positionOfKey(const ui::ListBox& list, std::int64_t key) {

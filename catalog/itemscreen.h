@@ -1,11 +1,13 @@
 #pragma once
 
 #include "app/modMain.h"
+#include "app/takeback.h"
 #include "app/titles.h"
 #include "base/currency.h"
 #include "ui/list.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -33,6 +35,26 @@ db::Sql supplierChoices();
 db::Sql tierChoices();
 db::Sql itemSplit();
 
+// The procedure's parameters when it wants one more beside the item's key.
+std::vector<db::Parameter> itemKeyAnd(const db::Parameter& more);
+// The item's prices in this tier, before they are written.
+app::WrittenRows pricesOfTier(int tier);
+constexpr int kRetailTier = 1;
+
+// The current item's row, as long as there is one.
+db::RecordsetPtr itemOnRow();
+// Changes the item's row and saves it. False when the store refused it, after the row was read again, or when the item could not be
+// fetched.
+bool writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set);
+bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
+// The row as the store has it now.
+void readStored(db::Recordset& item);
+
+// The pair that the user picks in the item lookup as its two codes; empty when none was picked.
+std::vector<std::string> pickedItem();
+
+// Adds each row's text, with its key as the entry's number.
+void fill(ui::ListBox& list, const db::RecordsetPtr& rows, const std::string& text, const std::string& key);
 // The last entry of that number; -1 when there is none.
 int positionOfKey(const ui::ListBox& list, std::int64_t key);
 

@@ -1,8 +1,6 @@
-// The Substitutes and Misc pages of frmItems: substitutes, tag-along, sales message, split.
-#include "base/counted.h"
-#include "catalog/frmItems.h"
-#include "catalog/itemscreen.h"
+#include "catalog/miscpage.h"
 
+#include "app/takeback.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "ui/desk.h"
@@ -15,115 +13,26 @@ using db::Sql;
 
 namespace {
 
-enum SubsColumn { kParent = 0, kSubSKU = 2, kSubMatrixSKU = 3, kPriority = 4 };
-
 constexpr const char* kNoTagAlong = "Click Here To Select Tag Along Item";
 constexpr const char* kNoSalesMessage = "Click Here To Select Item Sales Message";
 
-// The pair that the user picks in the item lookup as its two codes; empty when none was picked.
-std::vector<std::string> pickedItem() {
-    const auto& lookup = modMain().doors.SelectSKU;
-    const std::vector<std::string> codes = split(lookup ? lookup(0) : "", "|");
-    return codes.size() == 2 ? codes : std::vector<std::string>();
-}
-
 } // namespace
 
-// --- substitutes ---
-
-void frmItems::wireSubstitutes() {
-    grdSubs.setColumns({{.heading = "Parent", .fixedWidth = true},
-                        {.heading = "Matrix", .fixedWidth = true},
-                        {.heading = "Substitute Parent", .fixedWidth = true},
-                        {.heading = "Substitute Matrix", .fixedWidth = true},
-                        {.heading = "Priority", .format = GridColumn::Format::Number},
-                        {.heading = "Notes", .characters = 20}});
-    grdSubs.emptyText = "No substitutes.";
-    grdSubs.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kParent; };
-    grdSubs.error = [this](const std::string&, bool& handled) {
-        handled = true;
-        grdSubs_Error();
-    };
-    grdSubs.afterRefresh = [this] { guarded({kItemsTag, "grdSubs_AfterDataRefresh"}, [this] { showSubstituteCount(); }); };
-    cmdSubsAddNew.click = [this] { cmdSubsAddNew_Click(); };
-    cmdSubsDelete.click = [this] { cmdSubsDelete_Click(); };
-    imgSubUp.click = [this] { grdSubs_ChangePriority(true); };
-    imgSubDown.click = [this] { grdSubs_ChangePriority(false); };
-}
-
-void frmItems::populateSubstitutes() {
-    lblSubsSKU.setCaption(modMain().CurrentSKU);
-    reloadSubstitutes();
-}
-
-void frmItems::reloadSubstitutes() {
-    grdSubs.bind(nullptr);
-    subsRows_ = openUpdatable("bsp_SubsGrid", itemKey());
-    grdSubs.bind(subsRows_.get());
-}
-
-void frmItems::showSubstituteCount() {
-    const int rows = grdSubs.dataRows();
-    grdSubs.setStatusText(counted(rows, "substitute") + ". Each change is saved at once, deletions too.");
-}
-
-void frmItems::cmdSubsAddNew_Click() {
-    guarded({kItemsTag, "cmdSubsAddNew_Click"}, [this] {
-        const std::vector<std::string> picked = pickedItem();
-        if (picked.empty())
-            return;
-        if (grdSubs.rows() == nullptr)
-            reloadSubstitutes(); // the last reading failed: a row of an unbound grid would go nowhere
-        // Without a row this is the heading, which counts as 0.
-        const std::string last = grdSubs.rawText(grdSubs.dataRows(), kPriority);
-        const auto priority = (last == "Priority" ? 0 : Value(last).toInteger()) + 1;
-        for (int row = 1; row <= grdSubs.dataRows(); ++row)
-            if (sameText(grdSubs.rawText(row, kSubSKU), picked[0]) && sameText(grdSubs.rawText(row, kSubMatrixSKU), picked[1])) {
-                desk().message("This item already exists as a substitute!", kProduct);
-                return;
-            }
-        if (grdSubs.addRow({modMain().CurrentSKU, modMain().CurrentMatrixSKU, picked[0], picked[1], std::to_string(priority)}))
-            showSubstituteCount();
-    });
-}
-
-void frmItems::cmdSubsDelete_Click() {
-    guarded({kItemsTag, "cmdSubsDelete_Click"}, [this] {
-        WrittenRows rows({"ItemSubstitutes", {"SKU", "MatrixSKU", "SubSKU", "SubMatrixSKU"}},
-                         Sql("SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'");
-        if (!grdSubs.removeRow(grdSubs.row()))
-            return;
-        showSubstituteCount();
-        if (rows.compare())
-            offerUndo(undoLine, {kItemsTag, "cmdSubsDelete_Click"}, "Substitute " + rows.was("SubMatrixSKU").toText() + " removed.", rows,
-                      [this] { reloadSubstitutes(); });
-    });
-}
-
-void frmItems::grdSubs_ChangePriority(bool Up) {
-    guarded({kItemsTag, "grdPriceMatrix_Error"}, [&] {
-        const int row = grdSubs.row();
-        const int neighbour = Up ? row - 1 : row + 1;
-        if (row < 1 || neighbour < 1 || neighbour > grdSubs.dataRows())
-            return;
-        const int column = grdSubs.col();
-        if (!grdSubs.setText(row, kPriority, std::to_string(neighbour)) || !grdSubs.setText(neighbour, kPriority, std::to_string(row)))
-            return;
-        reloadSubstitutes();
-        grdSubs.setCurrent(neighbour, column);
-    });
-}
-
-void frmItems::grdSubs_Error() {
-    guarded({kItemsTag, "grdSubs_Error"}, [this] {
-        desk().message("This entry would invalidate your substitute matrix! Please check your entry and try again.", kProduct);
-        reloadSubstitutes();
-    });
-}
-
-// --- tag-along ---
-
-void frmItems::wireMisc() {
+MiscPage::MiscPage(ItemScreen& screen)
+    : ItemPage(screen, "Misc", 6), lblTagAlongSKU(screen.form(), "lblTagAlongSKU", kNoTagAlong),
+      cmdAddTagAlong(screen.form(), "cmdAddTagAlong", "Add Tag Along"),
+      cmdRemoveTagAlong(screen.form(), "cmdRemoveTagAlong", "&Remove Tag Along"), txtTagAlongQty(screen.form(), "txtTagAlongQty"),
+      lblSalesMsg(screen.form(), "lblSalesMsg", kNoSalesMessage), fraSplit(screen.form(), "fraSplit", "Split"),
+      lblMiscItemSplit0(screen.form(), "lblMiscItemSplit(0)", "Split Parent:"),
+      lblMiscItemSplit1(screen.form(), "lblMiscItemSplit(1)", "Split Matrix:"),
+      lblMiscItemSplit2(screen.form(), "lblMiscItemSplit(2)", "Split Quantity:"), lbxSplitParentSKU(screen.form(), "lbxSplitParentSKU"),
+      lbxSplitParentMatrixSKU(screen.form(), "lbxSplitParentMatrixSKU"), txtSplitQty(screen.form(), "txtSplitQty"),
+      cmdUpdateSplit(screen.form(), "cmdUpdateSplit", "Update") {
+    for (TextBox* box : {&txtTagAlongQty, &txtSplitQty}) {
+        box->alignRight = true;
+        selectsAll(*box);
+    }
+    cmdRemoveTagAlong.isDanger = true;
     lblTagAlongSKU.setToolTip("Click to pick the item that a sale of this one adds by itself; \"()\" stands for none.");
     lblTagAlongSKU.click = [this] { lblTagAlongSKU_Click(); };
     cmdAddTagAlong.click = [this] { lblTagAlongSKU_Click(); };
@@ -134,9 +43,38 @@ void frmItems::wireMisc() {
     cmdUpdateSplit.click = [this] { UpdateSplit(); };
 }
 
-void frmItems::populateMisc() {
+Item MiscPage::item() {
+    return column({
+        row({head(), stretch()}),
+        box("At the sale", fields({
+                               field("Tag Along Item:", lblTagAlongSKU, {at(cmdAddTagAlong), gap(), at(cmdRemoveTagAlong)}),
+                               field("Tag Along &Quantity:", txtTagAlongQty).wide(10),
+                               field("Sales Message:", lblSalesMsg),
+                           })),
+        group(fraSplit, column({row({at(lblMiscItemSplit0).wide(10), at(lbxSplitParentSKU).stretched(), at(lblMiscItemSplit1),
+                                     at(lbxSplitParentMatrixSKU).stretched()}),
+                                row({at(lblMiscItemSplit2).wide(10), at(txtSplitQty).wide(10), stretch(), at(cmdUpdateSplit)})})),
+        stretch(),
+        buttons({stretch(), at(cmdExit)}),
+    });
+}
+
+void MiscPage::loadParents() {
+    const auto parents = openDirect(splitParents());
+    lbxSplitParentSKU.clear();
+    for (; !parents->Eof(); parents->MoveNext())
+        lbxSplitParentSKU.add((*parents)[0].text());
+}
+
+void MiscPage::showFor(bool splitItem) {
+    for (Control* control : std::initializer_list<Control*>{&fraSplit, &lbxSplitParentSKU, &lbxSplitParentMatrixSKU, &txtSplitQty,
+                                                            &cmdUpdateSplit, &lblMiscItemSplit0, &lblMiscItemSplit1, &lblMiscItemSplit2})
+        control->setVisible(splitItem);
+}
+
+void MiscPage::populate() {
     db::Recordset& item = *modMain().ItemRecordset;
-    lblMiscSKU.setCaption(modMain().CurrentSKU);
+    showSKU();
     showTagAlong();
     txtTagAlongQty.setText(item["TagAlongQty"].text());
     const auto message =
@@ -145,7 +83,7 @@ void frmItems::populateMisc() {
     showSplit();
 }
 
-void frmItems::lblTagAlongSKU_Click() {
+void MiscPage::lblTagAlongSKU_Click() {
     guarded({kItemsTag, "lblTagAlongSKU_Click"}, [this] {
         const std::vector<std::string> picked = pickedItem();
         if (!picked.empty() && writeTagAlong("lblTagAlongSKU_Click", picked[0], picked[1]))
@@ -153,41 +91,42 @@ void frmItems::lblTagAlongSKU_Click() {
     });
 }
 
-void frmItems::cmdRemoveTagAlong_Click() {
+void MiscPage::cmdRemoveTagAlong_Click() {
     WrittenRows rows({"Item", {"SKU", "MatrixSKU"}},
                      Sql("SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "'");
     if (!writeTagAlong("cmdRemoveTagAlong", Value(), Value()))
         return;
     lblTagAlongSKU.setCaption(kNoTagAlong);
     if (rows.compare() && !rows.was("TagAlongMatrixSKU").isNull())
-        offerUndo(undoLine, {kItemsTag, "cmdRemoveTagAlong"}, "Tag along item " + rows.was("TagAlongMatrixSKU").toText() + " removed.",
-                  rows, [this] {
+        offerUndo(screen_.undoLine(), {kItemsTag, "cmdRemoveTagAlong"},
+                  "Tag along item " + rows.was("TagAlongMatrixSKU").toText() + " removed.", rows, [this] {
                       readStored(*modMain().ItemRecordset);
                       showTagAlong();
                   });
 }
 
-void frmItems::showTagAlong() {
+void MiscPage::showTagAlong() {
     db::Recordset& item = *modMain().ItemRecordset;
     lblTagAlongSKU.setCaption(item["TagAlongSKU"].text() + " (" + item["TagAlongMatrixSKU"].text() + ")");
 }
 
-bool frmItems::writeTagAlong(const std::string& procedure, const Value& sku, const Value& matrixSku) {
+bool MiscPage::writeTagAlong(const std::string& procedure, const Value& sku, const Value& matrixSku) {
     return writeItem(procedure, [&](db::Recordset& item) {
         item["TagAlongSKU"] = sku;
         item["TagAlongMatrixSKU"] = matrixSku;
     });
 }
 
-void frmItems::txtTagAlongQty_LostFocus() {
+void MiscPage::txtTagAlongQty_LostFocus() {
     if (const std::string wrong = commaComplaint(txtTagAlongQty.text()); !wrong.empty()) {
         desk().message(wrong, kProduct);
         txtTagAlongQty.setText("");
         return;
     }
     if (numericPrefix(txtTagAlongQty.text()) > 0) {
-        if (writeField("CheckSKUs", "TagAlongQty", [this] { return Value(txtTagAlongQty.text()); }))
-            txtTagAlongQty.setText((*modMain().ItemRecordset)["TagAlongQty"].text());
+        writeField("CheckSKUs", "TagAlongQty", [this] { return Value(txtTagAlongQty.text()); });
+        if (const db::RecordsetPtr item = itemOnRow())
+            txtTagAlongQty.setText((*item)["TagAlongQty"].text());
         return;
     }
     desk().message("Please enter a Tag Along Quantity greater than zero", kProduct);
@@ -197,11 +136,11 @@ void frmItems::txtTagAlongQty_LostFocus() {
 // --- sales message ---
 
 // The base message is an empty text, which nobody could click.
-void frmItems::showSalesMessage(const std::string& message) {
+void MiscPage::showSalesMessage(const std::string& message) {
     lblSalesMsg.setCaption(message.empty() ? kNoSalesMessage : message);
 }
 
-void frmItems::lblSalesMsg_Click() {
+void MiscPage::lblSalesMsg_Click() {
     guarded({kItemsTag, "lblSalesMsg_Click"}, [this] {
         const auto& messages = modMain().doors.SalesMessages;
         const std::vector<std::string> picked = split(messages ? messages(1) : "", "|");
@@ -215,7 +154,7 @@ void frmItems::lblSalesMsg_Click() {
 
 // --- split ---
 
-void frmItems::lbxSplitParentSKU_Click() {
+void MiscPage::lbxSplitParentSKU_Click() {
     guarded({kItemsTag, "lbxSplitSku_Click"}, [this] {
         const std::string parent = lbxSplitParentSKU.text();
         const std::string& mine = modMain().CurrentMatrixSKU;
@@ -233,7 +172,7 @@ void frmItems::lbxSplitParentSKU_Click() {
     });
 }
 
-void frmItems::showSplit() {
+void MiscPage::showSplit() {
     const auto split = openDirect(itemSplit());
     if (split->Eof())
         return;
@@ -242,7 +181,7 @@ void frmItems::showSplit() {
     txtSplitQty.setText((*split)["SplitQuantity"].text());
 }
 
-void frmItems::UpdateSplit() {
+void MiscPage::UpdateSplit() {
     guarded({kItemsTag, "UpdateSplit"}, [this] {
         const std::string parent = lbxSplitParentSKU.text();
         const std::string parentMatrix = lbxSplitParentMatrixSKU.text();

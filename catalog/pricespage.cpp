@@ -1,8 +1,5 @@
-// The Price Matrix page of frmItems.
-#include "catalog/frmItems.h"
-#include "catalog/itemscreen.h"
+#include "catalog/pricespage.h"
 
-#include "base/text.h"
 #include "ui/desk.h"
 
 #include <algorithm>
@@ -15,18 +12,18 @@ using db::Sql;
 
 namespace {
 
-enum PriceColumn { kTier = 2, kQuantity = 3, kPrice = 4 };
+enum PriceColumn { kParent, kMatrix, kTier, kQuantity, kPrice };
 
 } // namespace
 
-void frmItems::wirePrices() {
-    using Format = GridColumn::Format;
-    grdPriceMatrix.setColumns({{.heading = "Parent", .fixedWidth = true},
-                               {.heading = "Matrix", .fixedWidth = true},
-                               {.heading = "Tier", .format = Format::Number},
-                               {.heading = "Qty >=", .format = Format::Number},
-                               {.heading = "Unit Price", .format = Format::Currency}});
-    grdPriceMatrix.emptyText = "This tier has no prices for the item.";
+PricesPage::PricesPage(ItemScreen& screen)
+    : ItemPage(screen, "Price", 2), lblRetailUnitPriceAmt(screen.form(), "lblRetailUnitPriceAmt"),
+      lblPriceCostAmt(screen.form(), "lblPriceCostAmt"), lblCurCostAmt(screen.form(), "lblCurCostAmt"),
+      lblPriceSaleAmt(screen.form(), "lblPriceSaleAmt"), lbxTier(screen.form(), "lbxTier"), grdPriceMatrix(screen.form(), "grdPriceMatrix"),
+      cmdAddPriceMatrixItem(screen.form(), "cmdAddPriceMatrixItem", "Add"), cmdPriceDelete(screen.form(), "cmdPriceDelete", "Delete"),
+      cmdSales(screen.form(), "cmdSales", "View Sales") {
+    cmdPriceDelete.isDanger = true;
+    shapeGrid();
     grdPriceMatrix.beforeEdit = [this](int row, int column, bool& cancel) { grdPriceMatrix_BeforeEdit(row, column, cancel); };
     grdPriceMatrix.validateEdit = [this](int row, int, const std::string&, bool&) {
         editedPrices_ = pricesOfTier(static_cast<int>(grdPriceMatrix.value(row, kTier).toInteger()));
@@ -34,10 +31,7 @@ void frmItems::wirePrices() {
     grdPriceMatrix.afterEdit = [this](int row, int column) {
         guarded({kItemsTag, "grdPriceMatrix_AfterEdit"}, [&] { grdPriceMatrix_AfterEdit(row, column); });
     };
-    grdPriceMatrix.error = [this](const std::string&, bool& handled) {
-        handled = true;
-        grdPriceMatrix_Error();
-    };
+    answersErrors(grdPriceMatrix, [this] { grdPriceMatrix_Error(); });
     lbxTier.setToolTip("After Adjust each tier stands here twice; both entries of a name mean the same tier.");
     cmdPriceDelete.setToolTip("Deletes the selected row at once, also the retail price, without which the price on General is not kept.");
     lblPriceSaleAmt.setToolTip("The price of the sale that ends last, also when it has not begun yet, as it was when the item was read");
@@ -50,10 +44,48 @@ void frmItems::wirePrices() {
     };
 }
 
-void frmItems::populatePrices() {
-    lblPriceSKU.setCaption(modMain().CurrentSKU);
-    lblRetailUnitPriceAmt.setCaption("$" + txtPriceAmt.text());
-    lblPriceCostAmt.setCaption(lblCostAmt.caption());
+void PricesPage::shapeGrid() {
+    using Format = GridColumn::Format;
+    grdPriceMatrix.setColumns({{.heading = "Parent", .fixedWidth = true},
+                               {.heading = "Matrix", .fixedWidth = true},
+                               {.heading = "Tier", .format = Format::Number},
+                               {.heading = "Qty >=", .format = Format::Number},
+                               {.heading = "Unit Price", .format = Format::Currency}});
+    grdPriceMatrix.emptyText = "This tier has no prices for the item.";
+}
+
+Item PricesPage::item() {
+    return column({
+        row({head(), stretch()}),
+        row({fields({field("&Tier:", lbxTier).wide(12)}), gap(), stretch(), figure("Retail Unit Price:", lblRetailUnitPriceAmt),
+             figure("Weighted Cost:", lblPriceCostAmt), figure("Weighted Cost (Current):", lblCurCostAmt),
+             figure("Sale Price:", lblPriceSaleAmt)}),
+        at(grdPriceMatrix).stretched(),
+        buttons({at(cmdAddPriceMatrixItem), at(cmdSales), gap(), at(cmdPriceDelete), stretch(), at(cmdExit)}),
+    });
+}
+
+void PricesPage::release() {
+    grdPriceMatrix.bind(nullptr);
+    closeRows(priceRows_);
+}
+
+void PricesPage::showRetailPrice(const std::string& price) {
+    lblRetailUnitPriceAmt.setCaption("$" + price);
+}
+
+void PricesPage::reloadShown() {
+    reloadPrices(selectedTier());
+}
+
+void PricesPage::reloadAtPosition() {
+    reloadPrices(lbxTier.listIndex() + 1);
+}
+
+void PricesPage::populate() {
+    showSKU();
+    showRetailPrice(screen_.retailPrice());
+    lblPriceCostAmt.setCaption(screen_.cost());
     const auto tiers = openDirect(tierChoices());
     tiers_.clear();
     int retail = 0;
@@ -66,10 +98,11 @@ void frmItems::populatePrices() {
     }
     lbxTier.setListIndex(retail);
     reloadPrices(retail + 1);
+    showSale();
 }
 
 // Of the tier with this id. Some callers take a position in the list plus 1 for the id, which it is while no tier was ever deleted.
-void frmItems::reloadPrices(int tier) {
+void PricesPage::reloadPrices(int tier) {
     auto key = itemKey();
     key.push_back(intParameter("Tier", tier));
     grdPriceMatrix.bind(nullptr);
@@ -82,7 +115,7 @@ void frmItems::reloadPrices(int tier) {
                                            "\" again to see its own.");
 }
 
-void frmItems::showSale() {
+void PricesPage::showSale() {
     const auto sales = openList("bsp_SalesGrid", itemKey());
     const bool running =
         !sales->Eof() && (*sales)["DateTo"].Value().is<Date>() && (*sales)["DateTo"].Value().as<Date>() >= desk().clock().now();
@@ -90,21 +123,21 @@ void frmItems::showSale() {
 }
 
 // The id of the tier selected by its name; -1 when no tier bears it.
-int frmItems::selectedTier() const {
+int PricesPage::selectedTier() const {
     for (const auto& [name, id] : tiers_)
         if (name == lbxTier.text())
             return static_cast<int>(Value(id).toInteger());
     return -1;
 }
 
-void frmItems::lbxTier_Click() {
+void PricesPage::lbxTier_Click() {
     guarded({kItemsTag, "lbxTier_Click"}, [this] {
         if (const int tier = selectedTier(); tier >= 0)
             reloadPrices(tier);
     });
 }
 
-void frmItems::cmdAddPriceMatrixItem_Click() {
+void PricesPage::cmdAddPriceMatrixItem_Click() {
     guarded({kItemsTag, "cmdAddPriceMatrixItem_Click"}, [this] {
         if (grdPriceMatrix.rows() == nullptr)
             reloadPrices(selectedTier()); // the last reading failed: a row of an unbound grid would go nowhere
@@ -117,13 +150,13 @@ void frmItems::cmdAddPriceMatrixItem_Click() {
     });
 }
 
-void frmItems::grdPriceMatrix_BeforeEdit(int row, int column, bool& cancel) {
+void PricesPage::grdPriceMatrix_BeforeEdit(int row, int column, bool& cancel) {
     cancel = column <= kTier;
     if (column == kPrice)
         LastPrice.remember(grdPriceMatrix.rawText(row, kPrice));
 }
 
-void frmItems::grdPriceMatrix_AfterEdit(int row, int column) {
+void PricesPage::grdPriceMatrix_AfterEdit(int row, int column) {
     const int tier = static_cast<int>(grdPriceMatrix.value(row, kTier).toInteger());
     takeEditedPrice(row, column);
     if (editedPrices_)
@@ -131,7 +164,7 @@ void frmItems::grdPriceMatrix_AfterEdit(int row, int column) {
     editedPrices_.reset();
 }
 
-void frmItems::takeEditedPrice(int row, int column) {
+void PricesPage::takeEditedPrice(int row, int column) {
     if (column == kPrice && grdPriceMatrix.value(row, kPrice).toCurrency().units() == 0) {
         desk().message("Price cannot be zero. Please reenter.", kPofessional, MessageIcon::Information);
         grdPriceMatrix.setText(row, kPrice, LastPrice.last.toText());
@@ -146,10 +179,10 @@ void frmItems::takeEditedPrice(int row, int column) {
 }
 
 // The whole screen, with the tier that was selected; the break that starts at this quantity stays the current row.
-void frmItems::readItemAgain(const std::string& quantity, int column) {
+void PricesPage::readItemAgain(const std::string& quantity, int column) {
     const int position = lbxTier.listIndex();
     lbxTier.clear();
-    Populate_FormData();
+    screen_.readAgain();
     if (position >= 0 && lbxTier.count() > 0)
         lbxTier.setListIndex(position % lbxTier.count()); // a list that held each tier twice holds it once now
     for (int row = 1; row <= grdPriceMatrix.dataRows(); ++row)
@@ -157,7 +190,7 @@ void frmItems::readItemAgain(const std::string& quantity, int column) {
             grdPriceMatrix.setCurrent(row, column);
 }
 
-void frmItems::cmdPriceDelete_Click() {
+void PricesPage::cmdPriceDelete_Click() {
     guarded({kItemsTag, "cmdPriceDelete_Click"}, [this] {
         if (!grdPriceMatrix.selected()) {
             desk().message("You must first select a row to delete.", kProduct);
@@ -168,23 +201,17 @@ void frmItems::cmdPriceDelete_Click() {
         grdPriceMatrix.removeRow(grdPriceMatrix.row());
         offerPriceUndo(rows, "cmdPriceDelete_Click", tier);
     });
-    panel.pricesChanged();
-}
-
-// The item's prices in this tier, before they are written.
-WrittenRows frmItems::pricesOfTier(int tier) const {
-    return {{"PriceMatrix", {"SKU", "MatrixSKU", "Tier", "Quantity"}},
-            Sql("SKU = '") + modMain().CurrentSKU + "' AND MatrixSKU = '" + modMain().CurrentMatrixSKU + "' AND Tier = " + tier};
+    screen_.pricesWritten();
 }
 
 // "Retail from 10 on"; the price of one piece is just that of its tier.
-std::string frmItems::breakNamed(int tier, const std::string& quantity) const {
+std::string PricesPage::breakNamed(int tier, const std::string& quantity) const {
     const auto found = std::find_if(tiers_.begin(), tiers_.end(), [&](const auto& one) { return Value(one.second).toInteger() == tier; });
     const std::string name = found == tiers_.end() ? "tier " + std::to_string(tier) : found->first;
     return quantity == "0" || quantity == "1" ? name : name + " from " + quantity + " on";
 }
 
-void frmItems::offerPriceUndo(WrittenRows& rows, const std::string& procedure, int tier) {
+void PricesPage::offerPriceUndo(WrittenRows& rows, const std::string& procedure, int tier) {
     if (!rows.compare())
         return;
     const std::string what = "Price of " + breakNamed(tier, rows.was("Quantity").toText());
@@ -194,15 +221,15 @@ void frmItems::offerPriceUndo(WrittenRows& rows, const std::string& procedure, i
         sentence = what + " changed from " + price + " to " + rows.now("Price").toCurrency().toDisplay() + ".";
     else if (!rows.now("Price").isNull())
         sentence = what + " begins at " + rows.now("Quantity").toText() + " now.";
-    offerUndo(undoLine, {kItemsTag, procedure}, sentence, rows, [this] { showPricesAgain(); });
+    offerUndo(screen_.undoLine(), {kItemsTag, procedure}, sentence, rows, [this] { screen_.pricesPutBack(); });
 }
 
-void frmItems::grdPriceMatrix_Error() {
+void PricesPage::grdPriceMatrix_Error() {
     guarded({kItemsTag, "grdPriceMatrix_Error"}, [this] {
         desk().message("This entry would invalidate some of your pricing data! Please check your entry and try again.", kProduct);
         if (priceRows_ != nullptr)
             priceRows_->CancelUpdate();
-        reloadPrices(lbxTier.listIndex() + 1);
+        reloadAtPosition();
     });
 }
 

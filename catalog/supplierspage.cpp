@@ -1,9 +1,7 @@
-// The Suppliers page of frmItems: its rows are held in memory and written when the screen is left.
-#include "base/counted.h"
-#include "catalog/frmItems.h"
-#include "catalog/itemscreen.h"
+#include "catalog/supplierspage.h"
 
 #include "app/db/ado/transaction.h"
+#include "base/counted.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "ui/desk.h"
@@ -31,7 +29,12 @@ double numberIn(const std::string& text) {
 
 } // namespace
 
-void frmItems::wireSuppliers() {
+SuppliersPage::SuppliersPage(ItemScreen& screen)
+    : ItemPage(screen, "Suppliers", 1), lblSupRetailPrice(screen.form(), "lblSupRetailPrice"), grdSuppliers(screen.form(), "grdSuppliers"),
+      cmdAddNewSupplier(screen.form(), "cmdAddNewSupplier", "&Add New"), cmdDeleteSupplier(screen.form(), "cmdDeleteSupplier", "&Delete"),
+      imgArrowUp(screen.form(), "imgArrowUp", "arrow-up", "Move the supplier up (Alt+Up)"),
+      imgArrowDown(screen.form(), "imgArrowDown", "arrow-down", "Move the supplier down (Alt+Down)") {
+    cmdDeleteSupplier.isDanger = true;
     using Format = GridColumn::Format;
     grdSuppliers.setColumns({{.heading = "Parent", .fixedWidth = true},
                              {.heading = "Matrix", .fixedWidth = true},
@@ -45,10 +48,7 @@ void frmItems::wireSuppliers() {
     grdSuppliers.setToolTip("What is typed over in the column Matrix is not kept: the row belongs to this item.");
     grdSuppliers.beforeEdit = [this](int row, int column, bool& cancel) { grdSuppliers_BeforeEdit(row, column, cancel); };
     grdSuppliers.afterEdit = [this](int row, int column) { grdSuppliers_AfterEdit(row, column); };
-    grdSuppliers.error = [this](const std::string&, bool& handled) {
-        handled = true;
-        grdSuppliers_Error();
-    };
+    answersErrors(grdSuppliers, [this] { grdSuppliers_Error(); });
     grdSuppliers.afterRefresh = [this] { guarded({kItemsTag, "grdSuppliers_AfterDataRefresh"}, [this] { showSupplierCount(); }); };
     cmdAddNewSupplier.click = [this] { cmdAddNewSupplier_Click(); };
     cmdDeleteSupplier.click = [this] { cmdDeleteSupplier_Click(); };
@@ -56,9 +56,34 @@ void frmItems::wireSuppliers() {
     imgArrowDown.click = [this] { moveSupplier(1); };
 }
 
-void frmItems::populateSuppliers() {
-    lblSuppliersSKU.setCaption(modMain().CurrentSKU);
-    lblSupRetailPrice.setCaption("$" + std::string(trimmed(txtPriceAmt.text())));
+Item SuppliersPage::item() {
+    return column({
+        row({head(), stretch(), figure("Retail Price:", lblSupRetailPrice)}),
+        row({at(grdSuppliers).stretched(), column({at(imgArrowUp), at(imgArrowDown), stretch()})}).stretched(),
+        buttons({at(cmdAddNewSupplier), gap(), at(cmdDeleteSupplier), stretch(), at(cmdExit)}),
+    });
+}
+
+void SuppliersPage::showRetailPrice(const std::string& price) {
+    lblSupRetailPrice.setCaption("$" + price);
+}
+
+void SuppliersPage::setFocus() {
+    grdSuppliers.setFocus();
+}
+
+void SuppliersPage::release() {
+    grdSuppliers.bind(nullptr);
+    closeRows(supplierRows_);
+}
+
+void SuppliersPage::pressArrow(bool up) {
+    pressIfShown(up ? imgArrowUp : imgArrowDown);
+}
+
+void SuppliersPage::populate() {
+    showSKU();
+    showRetailPrice(std::string(trimmed(screen_.retailPrice())));
     if (std::any_of(suppliers_.begin(), suppliers_.end(),
                     [](const SupplierRow& row) { return row.Deleted ? row.InDatabase : row.Dirty || !row.InDatabase; }))
         suppliersDropped_ = true;
@@ -74,7 +99,7 @@ void frmItems::populateSuppliers() {
 }
 
 // Those that are not deleted, in their order in memory.
-void frmItems::showSupplierRows() {
+void SuppliersPage::showSupplierRows() {
     grdSuppliers.setDataRows(0);
     for (std::size_t index = 0; index < suppliers_.size(); ++index)
         if (!suppliers_[index].Deleted) {
@@ -83,7 +108,7 @@ void frmItems::showSupplierRows() {
         }
 }
 
-void frmItems::fillSupplierChoices() {
+void SuppliersPage::fillSupplierChoices() {
     GridColumn column = grdSuppliers.column(kSupplier);
     column.choices.clear();
     DefaultSupplier = -1;
@@ -96,7 +121,7 @@ void frmItems::fillSupplierChoices() {
     grdSuppliers.setColumn(kSupplier, std::move(column));
 }
 
-void frmItems::takeSupplier(db::Recordset& rows) {
+void SuppliersPage::takeSupplier(db::Recordset& rows) {
     SupplierRow row;
     row.SKU = rows["SKU"].text();
     row.MatrixSKU = rows["MatrixSKU"].text();
@@ -109,7 +134,7 @@ void frmItems::takeSupplier(db::Recordset& rows) {
     suppliers_.push_back(std::move(row));
 }
 
-void frmItems::PopulateSupplierRow(int GridRow, int Index) {
+void SuppliersPage::PopulateSupplierRow(int GridRow, int Index) {
     const SupplierRow& row = suppliers_.at(static_cast<std::size_t>(Index));
     grdSuppliers.setText(GridRow, kParent, row.SKU);
     grdSuppliers.setText(GridRow, kMatrix, row.MatrixSKU);
@@ -121,7 +146,7 @@ void frmItems::PopulateSupplierRow(int GridRow, int Index) {
     grdSuppliers.setText(GridRow, kIndex, std::to_string(Index));
 }
 
-void frmItems::showSupplierCount() {
+void SuppliersPage::showSupplierCount() {
     if (suppliersDropped_) {
         grdSuppliers.setStatusText("The item was read again: changes of its suppliers that were not saved yet are gone.");
         return;
@@ -132,13 +157,13 @@ void frmItems::showSupplierCount() {
 }
 
 // The position in memory of a row of the grid; -1 when it has none.
-int frmItems::supplierAt(int gridRow) const {
+int SuppliersPage::supplierAt(int gridRow) const {
     if (grdSuppliers.rows() != nullptr || gridRow < 1 || gridRow > grdSuppliers.dataRows())
         return -1;
     return static_cast<int>(Value(grdSuppliers.rawText(gridRow, kIndex)).toInteger());
 }
 
-void frmItems::grdSuppliers_BeforeEdit(int row, int column, bool& cancel) {
+void SuppliersPage::grdSuppliers_BeforeEdit(int row, int column, bool& cancel) {
     cancel = column == kParent || column == kPriority;
     if (column == kCost)
         LastCost.remember(grdSuppliers.rawText(row, kCost));
@@ -146,7 +171,7 @@ void frmItems::grdSuppliers_BeforeEdit(int row, int column, bool& cancel) {
         LastMinOrder.remember(grdSuppliers.rawText(row, kMinOrder));
 }
 
-void frmItems::grdSuppliers_AfterEdit(int row, int column) {
+void SuppliersPage::grdSuppliers_AfterEdit(int row, int column) {
     const int index = supplierAt(row);
     if (index < 0)
         return;
@@ -160,16 +185,16 @@ void frmItems::grdSuppliers_AfterEdit(int row, int column) {
         PopulateSupplierRow(row, index);
 }
 
-void frmItems::warnOfCost(int row) {
+void SuppliersPage::warnOfCost(int row) {
     const std::string cost = grdSuppliers.rawText(row, kCost);
-    const std::string price = behindDollar(txtPriceAmt.text());
+    const std::string price = behindDollar(screen_.retailPrice());
     if (numberIn(cost) > numberIn(price))
         desk().message("Please be aware that the cost of $" + behindDollar(cost) +
                            " you have entered for this product is greater than the retail price of $" + price + " that you have assigned",
                        kProduct);
 }
 
-void frmItems::takeSupplierCell(SupplierRow& entry, int row, int column) {
+void SuppliersPage::takeSupplierCell(SupplierRow& entry, int row, int column) {
     const std::string text = grdSuppliers.rawText(row, column);
     switch (column) {
     case kSupplier:
@@ -198,7 +223,7 @@ void frmItems::takeSupplierCell(SupplierRow& entry, int row, int column) {
 }
 
 // The cell gets the value before. Where that was 0 it is the last one that was not, maybe of another row: what is shown is what is saved.
-void frmItems::putCostBack(SupplierRow& entry, int row, const std::string& sentence) {
+void SuppliersPage::putCostBack(SupplierRow& entry, int row, const std::string& sentence) {
     desk().message(sentence, kPofessional, MessageIcon::Information);
     grdSuppliers.setText(row, kCost, LastCost.last.toDisplay());
     if (entry.Cost.toDisplay() == LastCost.last.toDisplay())
@@ -207,7 +232,7 @@ void frmItems::putCostBack(SupplierRow& entry, int row, const std::string& sente
     entry.Dirty = true;
 }
 
-void frmItems::putMinOrderBack(SupplierRow& entry, int row, const std::string& sentence) {
+void SuppliersPage::putMinOrderBack(SupplierRow& entry, int row, const std::string& sentence) {
     desk().message(sentence, kPofessional, MessageIcon::Information);
     grdSuppliers.setText(row, kMinOrder, LastMinOrder.last.toText());
     if (Currency::fromInteger(entry.MinOrder) == LastMinOrder.last)
@@ -216,7 +241,7 @@ void frmItems::putMinOrderBack(SupplierRow& entry, int row, const std::string& s
     entry.Dirty = true;
 }
 
-void frmItems::cmdAddNewSupplier_Click() {
+void SuppliersPage::cmdAddNewSupplier_Click() {
     guarded({kItemsTag, "cmdAddNewSupplier_Click"}, [this] {
         if (DefaultSupplier == -1) {
             desk().message("No suppliers found in the database. The requested operation cannot proceed.", kProduct);
@@ -239,7 +264,7 @@ void frmItems::cmdAddNewSupplier_Click() {
     });
 }
 
-void frmItems::cmdDeleteSupplier_Click() {
+void SuppliersPage::cmdDeleteSupplier_Click() {
     guarded({kItemsTag, "cmdDeleteSupplier_Click"}, [this] {
         const int index = supplierAt(grdSuppliers.row());
         if (index < 0) {
@@ -252,13 +277,13 @@ void frmItems::cmdDeleteSupplier_Click() {
         grdSuppliers.removeRow(grdSuppliers.row());
         suppliersDropped_ = false;
         showSupplierCount();
-        undoLine.offer("Supplier " + name + " at " + entry.Cost.toDisplay() + " removed.",
-                       [this, index, reading = supplierReadings_] { return putSupplierBack(index, reading); });
+        screen_.undoLine().offer("Supplier " + name + " at " + entry.Cost.toDisplay() + " removed.",
+                                 [this, index, reading = supplierReadings_] { return putSupplierBack(index, reading); });
     });
 }
 
 // Where it stood among the others; nothing is written before the item is left.
-std::string frmItems::putSupplierBack(int index, int reading) {
+std::string SuppliersPage::putSupplierBack(int index, int reading) {
     if (reading != supplierReadings_)
         return "The suppliers were read again meanwhile. Nothing was put back.";
     suppliers_[static_cast<std::size_t>(index)].Deleted = false;
@@ -270,7 +295,7 @@ std::string frmItems::putSupplierBack(int index, int reading) {
     return "";
 }
 
-void frmItems::moveSupplier(int step) {
+void SuppliersPage::moveSupplier(int step) {
     const int row = grdSuppliers.row();
     const int here = supplierAt(row);
     const int there = supplierAt(row + step);
@@ -282,7 +307,7 @@ void frmItems::moveSupplier(int step) {
     grdSuppliers.setCurrent(row + step, grdSuppliers.col());
 }
 
-bool frmItems::ValidateSupplierMatrix() {
+bool SuppliersPage::ValidateSupplierMatrix() {
     std::vector<const SupplierRow*> shown;
     for (int row = 1; row <= grdSuppliers.dataRows(); ++row)
         if (const int index = supplierAt(row); index >= 0)
@@ -296,7 +321,7 @@ bool frmItems::ValidateSupplierMatrix() {
     return false;
 }
 
-bool frmItems::SaveSupplierMatrix() {
+bool SuppliersPage::SaveSupplierMatrix() {
     return guarded({"frmItems", "SaveSupplierMatrix"}, [this] {
         renumber(suppliers_);
         std::vector<SupplierRow> rows = suppliers_; // stays as it is when a statement fails
@@ -312,14 +337,14 @@ bool frmItems::SaveSupplierMatrix() {
     });
 }
 
-void frmItems::deleteSupplier(SupplierRow& row) {
+void SuppliersPage::deleteSupplier(SupplierRow& row) {
     modMain().Conn->Execute(Sql("sp_DeleteSupplierMatrixDetail '") + row.SKU + "', '" + row.MatrixSKU + "', " + int{row.OldSupID} + ", " +
                             row.OldCost);
     row.InDatabase = false;
 }
 
 // At its own cost, or parked at one that no row has while another takes the key that it leaves.
-void frmItems::writeSupplier(SupplierRow& row, const std::optional<Currency>& parked) {
+void SuppliersPage::writeSupplier(SupplierRow& row, const std::optional<Currency>& parked) {
     const Currency cost = parked.value_or(row.Cost);
     const Sql now = Sql() + int{row.SupID} + ", " + cost + ", " + int{row.MinOrder} + ", " + int{row.Priority} + ", '" + row.PartNo + "'";
     if (row.InDatabase)
@@ -333,7 +358,7 @@ void frmItems::writeSupplier(SupplierRow& row, const std::optional<Currency>& pa
     row.OldCost = cost;
 }
 
-void frmItems::grdSuppliers_Error() {
+void SuppliersPage::grdSuppliers_Error() {
     guarded({kItemsTag, "grdSuppliers_Error"}, [this] {
         desk().message("This entry would invalidate your supplier matrix! Please check your entry and try again.", kProduct);
         suppliers_.clear();

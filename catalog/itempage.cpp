@@ -1,0 +1,35 @@
+#include "catalog/itempage.h"
+
+namespace merchantry::catalog {
+
+using namespace ui;
+
+ItemPage::ItemPage(ItemScreen& screen, const std::string& name, int exit)
+    : cmdExit(screen.form(), "cmdExit(" + std::to_string(exit) + ")", "E&xit"), screen_(screen),
+      lblPName(screen.form(), "lbl" + name + "PName"), lblSKU(screen.form(), "lbl" + name + "SKU") {}
+
+void ItemPage::showSKU() {
+    lblSKU.setCaption(app::modMain().CurrentSKU);
+}
+
+Item ItemPage::head() {
+    return column({title(lblPName), at(lblSKU)});
+}
+
+void ItemPage::answersErrors(Grid& grid, std::function<void()> procedure) {
+    grid.error = [procedure = std::move(procedure)](const std::string&, bool& handled) {
+        handled = true;
+        procedure();
+    };
+}
+
+void selectsAll(TextBox& box) {
+    box.gotFocus = [&box] { box.selectAll(); };
+}
+
+void pressIfShown(Image& arrow) {
+    if (arrow.obstacle().empty())
+        arrow.press();
+}
+
+} // namespace merchantry::catalog
