@@ -1,5 +1,6 @@
 #pragma once
 
+#include "catalog/generalpage.h"
 #include "catalog/itempanel.h"
 #include "catalog/listplace.h"
 #include "catalog/matrixpage.h"
@@ -8,18 +9,14 @@
 #include "catalog/pricespage.h"
 #include "catalog/substitutespage.h"
 #include "catalog/supplierspage.h"
-#include "ui/choice.h"
 #include "ui/tabset.h"
 
 #include <array>
-#include <functional>
-#include <optional>
 #include <string>
 
 namespace merchantry::catalog {
 
-// One item, on seven pages: the first one, and those of classes of their own. There is no Save: every field is written when the user
-// leaves or clicks it.
+// One item, on seven pages, each of a class of its own. There is no Save: every field is written when the user leaves or clicks it.
 class frmItems : public ui::Form, private ItemScreen {
 public:
     explicit frmItems(ui::Desk& desk);
@@ -40,73 +37,34 @@ private:
     void Init_ItemListBoxes();
     bool FetchItemData();
     void Populate_FormData();
-    void populateGeneral();
-    void showCost();
-    void showPrice();
-    void showProfit();
-    void showStock();
 
     // What the pages ask.
     ui::Form& form() override { return *this; }
     ui::UndoLine& undoLine() override { return undoLine_; }
+    bool populated() const override { return Loaded; }
     bool filled() const override { return filled_; }
-    std::string retailPrice() const override { return txtPriceAmt.text(); }
-    std::string cost() const override { return lblCostAmt.caption(); }
+    std::string retailPrice() const override { return general_.retailPrice(); }
+    std::string cost() const override { return general_.cost(); }
     void readAgain() override { Populate_FormData(); }
     void pricesWritten() override { panel.pricesChanged(); }
     void pricesPutBack() override;
+    void retailPriceWritten() override;
+    void offerPriceUndo(app::WrittenRows& rows, const std::string& procedure, int tier) override {
+        prices_.offerPriceUndo(rows, procedure, tier);
+    }
+    void nameChanged(const std::string& typed) override;
+    void typeChanged(int type) override;
+    void itemDeleted() override;
 
-    // Write-through: as writeField, and shows what is stored when the store refused it.
-    bool writeShown(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
-    void showStored(const std::string& column);
-    void showStoredPrice();
     void showRetailPrice();
-    void numberField_LostFocus(ui::TextBox& box, const std::string& procedure, const std::string& column);
-    bool neverFilled(const ui::TextBox& box) const;
-    void showNameOnTabs();
-    void lbxTaxClass_Click();
-    void lbxType_Click();
-    void applyType(int type);
-    void txtPriceAmt_LostFocus();
-    void txtStockAmt_LostFocus();
-
-    void cmdAdjust_Click();
-    void cmdDeleteItem_Click();
     void cmdExit_Click(int index);
     void tabItems_Change(int left);
 
-    void wireGeneral();
-    void wireFields();
     void pressArrow(bool up);
-    ui::Item generalPage();
-    void notYet(const std::string& what);
 
     ui::TabSet tabItems{*this, "tabItems", {"General", "Suppliers", "Price Matrix", "Substitutes", "Notes", "Item Matrix", "Misc"}};
 
-    // General
-    ui::Label lblSKUVal{*this, "lblSKUVal"};
-    ui::Label lblCostAmt{*this, "lblCostAmt"};
-    ui::Label lblProfitMargin{*this, "lblProfitMargin", "Profit Margin:"};
-    ui::Label lblProfitPercent{*this, "lblProfitPercent"};
-    ui::Label lblCommittedAmt{*this, "lblCommittedAmt"}; // stays blank
-    ui::Label lblLastSoldDateVal{*this, "lblLastSoldDateVal"};
-    ui::TextBox txtName{*this, "txtName"};
-    ui::ListBox lbxType{*this, "lbxType"};
-    ui::ListBox lbxDepartment{*this, "lbxDepartment"};
-    ui::ListBox lbxTaxClass{*this, "lbxTaxClass"};
-    ui::TextBox txtPriceAmt{*this, "txtPriceAmt"};
-    ui::TextBox txtStockAmt{*this, "txtStockAmt"}; // locked; leaving it writes what it shows
-    ui::Button cmdAdjust{*this, "cmdAdjust", "Adjust"};
-    ui::TextBox txtReorder{*this, "txtReorder"};
-    ui::TextBox txtRestock{*this, "txtRestock"};
-    ui::CheckBox cbxActive{*this, "cbxActive", "Active"};
-    ui::CheckBox cbxSerialed{*this, "cbxSerialed", "Serial Item"};
-    ui::CheckBox cbxFoodStamps{*this, "cbxFoodStamps", "OK to use Food Stamps"};
-    ui::Button cmdDeleteItem{*this, "cmdDeleteItem", "Delete This Item"};
-
-    ui::Button cmdExit0{*this, "cmdExit(0)", "E&xit"};
-
-    // The others
+    GeneralPage general_{*this};
     SuppliersPage suppliers_{*this};
     PricesPage prices_{*this};
     SubstitutesPage substitutes_{*this};
@@ -121,12 +79,9 @@ private:
     bool Loaded = false;  // the screen has been populated
     bool Loading = false; // Form_Load is running
     bool Modal = false;
-    bool filled_ = false;                 // a population has come to its end
-    bool deleted_ = false;                // the item is gone from the store: nothing of it is to be saved
-    int CurrentTab = 1;                   // from 1
-    int TaxNoneIndex = 0;                 // position of the tax class "None"
-    std::optional<bool> SavedSerialValue; // what type 5 displaced
-    std::optional<int> SavedTaxIndex;
+    bool filled_ = false;  // a population has come to its end
+    bool deleted_ = false; // the item is gone from the store: nothing of it is to be saved
+    int CurrentTab = 1;    // from 1
 };
 
 } // namespace merchantry::catalog

@@ -18,6 +18,8 @@ class ItemScreen {
 public:
     virtual ui::Form& form() = 0;
     virtual ui::UndoLine& undoLine() = 0;
+    // Whether the screen stands for the user: what changes before is not the user's doing.
+    virtual bool populated() const = 0;
     // Whether all pages were filled: before that, an empty box says nothing of the item.
     virtual bool filled() const = 0;
     // As the first page shows them now.
@@ -29,6 +31,15 @@ public:
     virtual void pricesWritten() = 0;
     // Prices were put back: every page that shows one is to read it.
     virtual void pricesPutBack() = 0;
+    // The retail price was written by the first page, which shows it.
+    virtual void retailPriceWritten() = 0;
+    // Offers to take back what the procedure wrote of the tier's prices.
+    virtual void offerPriceUndo(app::WrittenRows& rows, const std::string& procedure, int tier) = 0;
+    virtual void nameChanged(const std::string& typed) = 0;
+    // Pages that only one type of item has are shown or hidden.
+    virtual void typeChanged(int type) = 0;
+    // The item is gone from the store, and the screen goes.
+    virtual void itemDeleted() = 0;
 
 protected:
     ~ItemScreen() = default;
