@@ -20,9 +20,9 @@ namespace {
 
 constexpr const char* kTag = "MR_frmBulkPrice";
 constexpr std::size_t kNamedAtMost = 10;
-constexpr int kToCents = 1;  // among the roundings: what the grid shows of a price is then all of it
-constexpr int kChangeId = 0; // columns of the earlier changes
-constexpr int kChangeUndone = 4;
+constexpr int kToCents = 1; // among the roundings: what the grid shows of a price is then all of it
+enum ChangeColumn { kChangeId, kMade, kChange, kChangedPrices, kUndone }; // of the earlier changes
+enum TierPriceColumn { kParent, kMatrix, kQuantity, kPrice };             // as bsp_TierPrices answers
 
 std::string keyOf(const std::string& sku, const std::string& matrixSku) {
     return lowerCase(sku) + "|" + lowerCase(matrixSku);
@@ -182,14 +182,14 @@ void frmBulkPrice::loadPrices() {
         const int tier = lbxTier.listIndex() < 0 ? 0 : lbxTier.itemData();
         const auto prices = openList("bsp_TierPrices", {intParameter("Tier", tier)});
         for (int row = 0; row < prices->RecordCount(); ++row) {
-            const std::string sku = prices->cell(row, 0).toText();
-            const std::string matrixSku = prices->cell(row, 1).toText();
+            const std::string sku = prices->cell(row, kParent).toText();
+            const std::string matrixSku = prices->cell(row, kMatrix).toText();
             const std::string key = keyOf(sku, matrixSku);
             const auto place = places.find(key);
-            const double quantity = prices->cell(row, 2).toNumber();
+            const double quantity = prices->cell(row, kQuantity).toNumber();
             if (place == places.end() || (!chkBreaks.value() && quantity > 1))
                 continue;
-            const Currency price = prices->cell(row, 3).toCurrency();
+            const Currency price = prices->cell(row, kPrice).toCurrency();
             const auto cost = costs.find(key);
             found.push_back({place->second,
                              {{sku, matrixSku, tier, quantity, price, price},
@@ -281,16 +281,16 @@ void frmBulkPrice::cmdUndo_Click() {
     if (!grdChanges.selected())
         return;
     const int row = grdChanges.row();
-    if (!grdChanges.text(row, kChangeUndone).empty()) {
+    if (!grdChanges.text(row, kUndone).empty()) {
         desk().message("This change has been undone before.", caption(), MessageIcon::Information);
         return;
     }
     const int id = static_cast<int>(grdChanges.value(row, kChangeId).toInteger());
-    if (desk().message("Put the prices of this change back to what they were?\r\n\r\n" + grdChanges.text(row, 2), caption(),
+    if (desk().message("Put the prices of this change back to what they were?\r\n\r\n" + grdChanges.text(row, kChange), caption(),
                        MessageIcon::Question, MessageButtons::YesNo) != Answer::Yes)
         return;
     write(
-        "cmdUndo_Click", static_cast<int>(grdChanges.value(row, 3).toInteger()),
+        "cmdUndo_Click", static_cast<int>(grdChanges.value(row, kChangedPrices).toInteger()),
         [&](const PriceProgress& progress) { return undoPriceChange(ownConnection(), id, progress); },
         [this](const PriceOutcome& outcome) {
             desk().message(outcome.stopped ? (stop_ ? "Stopped. No price was put back." : "This change has been undone before.")

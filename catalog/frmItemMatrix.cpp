@@ -18,8 +18,8 @@ namespace {
 // Some procedures report under a name with a letter too many.
 constexpr const char* kTag = "MR_frmItemMatrix";
 constexpr const char* kOtherTag = "MR_frmItemsMatrix";
-constexpr int kGroupName = 1; // columns of the two grids
-constexpr int kCategoryName = 1;
+enum GroupColumn { kGroupId, kGroupName };
+enum CategoryColumn { kGroupOfCategory, kCategoryName, kCategoryId };
 
 } // namespace
 
@@ -38,7 +38,7 @@ frmItemMatrix::frmItemMatrix(Desk& desk) : Form(desk, "frmItemMatrix", "Item Mat
     tabItemMatrix.change = [this](int) { selectGroup(); };
     cmdAddGroup.click = [this] { cmdAddGroup_Click(); };
     cmdDeleteGroup.click = [this] { cmdDeleteGroup_Click(); };
-    grdMatrixGroups.beforeEdit = [](int, int column, bool& cancel) { cancel = column == 0; };
+    grdMatrixGroups.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kGroupId; };
     grdMatrixGroups.afterEdit = [this](int row, int column) { grdMatrixGroups_AfterEdit(row, column); };
     grdMatrixGroups.error = [this](const std::string&, bool& handled) {
         handled = true;

@@ -230,7 +230,7 @@ void frmItemParent::cmdAddNewItem_Click() {
 void frmItemParent::cmdSelect_Click() {
     guarded({kTag, "cmdSelect_Click"}, [this] {
         if (grdItems.selected())
-            modMain().doors.CheckSKUs(grdItems.rawText(grdItems.row(), 0) + "|" + grdItems.rawText(grdItems.row(), 1), true);
+            modMain().doors.CheckSKUs(itemPairAt(grdItems, grdItems.row()), true);
     });
 }
 

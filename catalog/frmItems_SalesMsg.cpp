@@ -12,7 +12,7 @@ using namespace ui;
 namespace {
 
 constexpr const char* kTag = "MR_frmSalesMsg";
-constexpr int kMessage = 1;
+enum MessageColumn { kId, kMessage };
 constexpr int kPick = 1;
 
 } // namespace
@@ -122,7 +122,7 @@ void frmItems_SalesMsg::cmdSelect_Click() {
     guarded({kTag, "grdSalesMsg_Click"}, [this] {
         if (!cmdSelect.visible() || !grdSalesMsg.selected())
             return;
-        result_ = grdSalesMsg.rawText(grdSalesMsg.row(), kMessage) + "|" + grdSalesMsg.rawText(grdSalesMsg.row(), 0);
+        result_ = grdSalesMsg.rawText(grdSalesMsg.row(), kMessage) + "|" + grdSalesMsg.rawText(grdSalesMsg.row(), kId);
         unload();
     });
 }

@@ -14,7 +14,7 @@ bool SelectInColumn(Grid& grid, const std::string& text, int column) {
     const int row = grid.findRow(text, column);
     if (row == 0)
         return false;
-    grid.setCurrent(row, 1);
+    grid.setCurrent(row, kMatrixColumn);
     grid.showCurrent();
     return true;
 }

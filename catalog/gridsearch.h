@@ -9,8 +9,8 @@
 
 namespace merchantry::catalog {
 
-// Makes the first row current of which a cell begins with the text, without case, looked for column by column, and shows it; column 1
-// becomes current. False, with nothing changed, when no row has such a cell.
+// Makes the first row current of which a cell begins with the text, without case, looked for column by column, and shows it; the
+// item's own code becomes current. False, with nothing changed, when no row has such a cell.
 bool SelectInGrid(ui::Grid& grid, const std::string& text);
 // The same in one column only.
 bool SelectInColumn(ui::Grid& grid, const std::string& text, int column);

@@ -214,7 +214,7 @@ void ItemListForm::grdItems_Click() {
 void ItemListForm::cmdSelect_Click() {
     if (!grdItems.selected())
         return;
-    place_.pair = grdItems.rawText(grdItems.row(), 0) + "|" + grdItems.rawText(grdItems.row(), 1);
+    place_.pair = itemPairAt(grdItems, grdItems.row());
     place_.shown = optActive.value() ? ListPlace::Shown::Active : optInactive.value() ? ListPlace::Shown::Inactive : ListPlace::Shown::All;
     choose(place_.pair);
 }
@@ -240,7 +240,8 @@ void ItemListForm::cmdBulkPrice_Click() {
     guarded({"MR_frmItemLookup", "cmdBulkPrice_Click"}, [this] {
         std::vector<frmBulkPrice::ListedItem> items;
         for (int row = 0; rows_ != nullptr && row < rows_->RecordCount(); ++row)
-            items.push_back({rows_->cell(row, 0).toText(), rows_->cell(row, 1).toText(), rows_->cell(row, 2).toText()});
+            items.push_back({rows_->cell(row, kParentColumn).toText(), rows_->cell(row, kMatrixColumn).toText(),
+                             rows_->cell(row, kNameColumn).toText()});
         desk().form<frmBulkPrice>().ChangePrices(std::move(items));
     });
 }

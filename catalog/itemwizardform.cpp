@@ -145,7 +145,7 @@ void ItemWizardForm::grdItems_Click() {
 std::string ItemWizardForm::currentPair() const {
     if (!grdItems.selected())
         return "";
-    return grdItems.rawText(grdItems.row(), 0) + "|" + grdItems.rawText(grdItems.row(), 1);
+    return itemPairAt(grdItems, grdItems.row());
 }
 
 void ItemWizardForm::cmdEdit_Click() {
@@ -162,7 +162,7 @@ void ItemWizardForm::search(const std::string& text) {
         if (!text.empty() && SelectInGrid(grdItems, text))
             return;
         const auto children = openDirect(Sql("Select SKU from Item where MatrixSKU = '") + text + "'");
-        TellSearch(grdItems, text, !children->Eof() && SelectInColumn(grdItems, (*children)["SKU"].text(), 0));
+        TellSearch(grdItems, text, !children->Eof() && SelectInColumn(grdItems, (*children)["SKU"].text(), kParentColumn));
     });
 }
 

@@ -139,9 +139,13 @@ void InitLookupGrid(db::RecordsetPtr& rows, const std::string& filterText, int f
             if (rows->columnName(column) == (orderBy.empty() ? "SKU" : orderBy))
                 grid.setSorted(RowOrder{column});
     });
-    grid.setHidden(0, filterText == "Parent");
+    grid.setHidden(kParentColumn, filterText == "Parent");
     grid.setStatusText(counted(grid.dataRows(), "item"));
     modMain().desk->waitCursor(false);
+}
+
+std::string itemPairAt(const ui::Grid& grid, int row) {
+    return grid.rawText(row, kParentColumn) + "|" + grid.rawText(row, kMatrixColumn);
 }
 
 bool makeItem(const std::string& sku, const std::string& matrixSku) {

@@ -9,6 +9,11 @@ namespace merchantry::catalog {
 
 // What the lookups and the item screens share.
 
+// The first columns of every list of items.
+enum ItemColumn { kParentColumn, kMatrixColumn, kNameColumn };
+// The pair "SKU|MatrixSKU" of a row of such a list.
+std::string itemPairAt(const ui::Grid& grid, int row);
+
 // Makes an item of that type with its stock and retail price rows; the pair "SKU|MatrixSKU", or empty. An empty sku is asked for with
 // prompt and title; the item's own code is asked for unless the type is 4 (a parent). A child may take the department of its parent.
 // Failures are reported.

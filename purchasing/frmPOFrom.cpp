@@ -64,15 +64,15 @@ void frmPOFrom::Form_Load() {
                                             : "Item Selection Based On Departments";
     setCaption(ManualPO ? "Create a Purchase Order" : suppliers ? "Suppliers" : "Departments");
     lblHeading.setCaption(Title.empty() ? heading : Title);
-    grdFrom.setText(0, 1, suppliers ? "Supplier" : "Department");
-    grdFrom.setHidden(0, ManualPO);
+    grdFrom.setText(0, kFirstShown, suppliers ? "Supplier" : "Department");
+    grdFrom.setHidden(kTick, ManualPO);
     if (ManualPO) {
         grdFrom.setToolTip("A double click takes the supplier.");
         grdFrom.dblClick = [this] { cmdOK_Click(); };
     }
-    show(rows_, 1, !ManualPO);
+    show(rows_, kFirstShown, !ManualPO);
     if (ManualPO)
-        grdFrom.setCurrent(0, 1); // nobody is taken unasked
+        grdFrom.setCurrent(0, kFirstShown); // nobody is taken unasked
 }
 
 bool frmPOFrom::accepts() {

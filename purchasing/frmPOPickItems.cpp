@@ -11,6 +11,8 @@ using namespace ui;
 
 namespace {
 
+enum Column { kName = kFirstShown, kParent, kSku, kReorder, kStock, kIndex };
+
 std::vector<ItemPick> itemsOf(Desk& desk, const db::Sql& procedure) {
     const Waiting hourglass(desk);
     const auto rows = openDirect(procedure);
@@ -43,7 +45,7 @@ frmPOPickItems::frmPOPickItems(Desk& desk)
 void frmPOPickItems::Form_Load() {
     if (!SupplierName.empty())
         lblHeading.setCaption("Select Items for " + SupplierName + " Purchase Order");
-    show(rows_, 3, true);
+    show(rows_, kSku, true);
 }
 
 bool frmPOPickItems::accepts() {

@@ -25,7 +25,7 @@ namespace {
 constexpr const char* kTag = "frmPurchaseOrders_Recv";
 constexpr std::int16_t kReceiptReport = 3;
 enum Column { kMemorize, kSku, kName, kPartNo, kOpenQty, kRecvQty, kCost, kExt, kIndex };
-enum RehearsalColumn { kMargin = 9, kRemark = 10 };
+enum RehearsalColumn { kItem, kItemName, kQty, kShare, kCostOfOne, kOnHand, kCostNow, kNewCost, kPrice, kMargin, kRemark };
 constexpr Twips kWidth = 1240 * kTwipsPerPixel; // room for the rehearsal, on a screen of 1366 by 768
 constexpr Twips kHeight = 690 * kTwipsPerPixel;
 enum Page { kLinesPage, kRehearsalPage };

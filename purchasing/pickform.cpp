@@ -2,6 +2,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "purchasing/pickrows.h"
 #include "ui/desk.h"
 
 #include <algorithm>
@@ -40,7 +41,7 @@ void PickForm::show(Rows& rows, int lastFound, bool ticks) {
     rows_ = &rows;
     lastFound_ = lastFound;
     ticks_ = ticks;
-    grid_.beforeEdit = [this](int, int column, bool& cancel) { cancel = column != 0 || !ticks_; };
+    grid_.beforeEdit = [this](int, int column, bool& cancel) { cancel = column != kTick || !ticks_; };
     grid_.afterEdit = [this](int, int) { afterTick(); };
     grid_.bind(&rows);
     lblItems.setCaption(withThousands(rows.rowCount()));
@@ -57,7 +58,7 @@ void PickForm::Form_Unload(bool& /*cancel*/) {
 void PickForm::afterTick() {
     selected_ = 0;
     for (int row = 0; row < rows_->rowCount(); ++row)
-        selected_ += rows_->cell(row, 0).as<bool>() ? 1 : 0;
+        selected_ += rows_->cell(row, kTick).as<bool>() ? 1 : 0;
     lblSelected.setCaption(withThousands(selected_));
     cmdSelectAll.setEnabled(ticks_ && selected_ < rows_->rowCount());
     cmdClearAll.setEnabled(ticks_ && selected_ > 0);
@@ -65,7 +66,7 @@ void PickForm::afterTick() {
 
 void PickForm::setAll(bool on) {
     for (int row = 0; row < rows_->rowCount(); ++row)
-        rows_->setCell(row, 0, on);
+        rows_->setCell(row, kTick, on);
     grid_.changed(Aspect::Cells);
     afterTick();
 }
@@ -74,7 +75,7 @@ bool PickForm::find() {
     const std::string wanted(trimmed(txtFind.text()));
     if (wanted.empty())
         return false;
-    for (int column = 1; column <= lastFound_; ++column)
+    for (int column = kFirstShown; column <= lastFound_; ++column)
         if (const int row = grid_.findRow(wanted, column); row != 0) {
             stand(row);
             return true;
@@ -83,7 +84,7 @@ bool PickForm::find() {
 }
 
 void PickForm::stand(int row) {
-    grid_.setCurrent(row, ticks_ ? 0 : 1);
+    grid_.setCurrent(row, ticks_ ? kTick : kFirstShown);
     grid_.showCurrent();
 }
 
@@ -97,7 +98,7 @@ void PickForm::txtFind_KeyDown(const std::string& key, bool& swallow) {
     } else if (key == "Enter" && ticks_ && !trimmed(txtFind.text()).empty()) {
         swallow = true;
         if (find())
-            rows_->setCell(grid_.row() - 1, 0, true);
+            rows_->setCell(grid_.row() - 1, kTick, true);
         else
             desk().beep();
         txtFind.selectAll();
