@@ -3,6 +3,7 @@
 #include "app/modMain.h"
 #include "app/titles.h"
 #include "base/text.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 namespace merchantry::catalog {
@@ -39,20 +40,14 @@ frmItemMatrix::frmItemMatrix(Desk& desk) : Form(desk, "frmItemMatrix", "Item Mat
     cmdAddGroup.click = [this] { cmdAddGroup_Click(); };
     cmdDeleteGroup.click = [this] { cmdDeleteGroup_Click(); };
     grdMatrixGroups.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kGroupId; };
-    grdMatrixGroups.afterEdit = [this](int row, int column) { grdMatrixGroups_AfterEdit(row, column); };
-    grdMatrixGroups.error = [this](const std::string&, bool& handled) {
-        handled = true;
-        grdMatrixGroups_Error();
-    };
+    grdMatrixGroups.afterEdit = calls(this, &frmItemMatrix::grdMatrixGroups_AfterEdit);
+    grdMatrixGroups.error = answers(this, &frmItemMatrix::grdMatrixGroups_Error);
     lbxMatrixGroups.click = [this] { loadCategories(); };
     cmdAddCategory.click = [this] { cmdAddCategory_Click(); };
     cmdDeleteCategory.click = [this] { cmdDeleteCategory_Click(); };
     grdMatrixCategs.beforeEdit = [](int, int column, bool& cancel) { cancel = column != kCategoryName; };
-    grdMatrixCategs.afterEdit = [this](int row, int column) { grdMatrixCategs_AfterEdit(row, column); };
-    grdMatrixCategs.error = [this](const std::string&, bool& handled) {
-        handled = true;
-        grdMatrixCategs_Error();
-    };
+    grdMatrixCategs.afterEdit = calls(this, &frmItemMatrix::grdMatrixCategs_AfterEdit);
+    grdMatrixCategs.error = answers(this, &frmItemMatrix::grdMatrixCategs_Error);
     cmdExit.click = [this] { unload(); };
 
     setLayout(column({

@@ -2,6 +2,7 @@
 
 #include "app/db/ado/ahead.h"
 #include "base/text.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 #include <vector>
@@ -48,7 +49,7 @@ frmItems::frmItems(Desk& desk) : Form(desk, "frmItems", "Item Maintenance") {
         ++index;
         page->cmdExit.click = [this, index] { cmdExit_Click(index); };
     }
-    tabItems.change = [this](int left) { tabItems_Change(left); };
+    tabItems.change = calls(this, &frmItems::tabItems_Change);
     panel.moved = [this] { Populate_FormData(); };
     onKey("F9", [this] { panel.toggle(); });
     onKey("Alt+Up", [this] { pressArrow(true); });

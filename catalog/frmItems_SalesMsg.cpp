@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "catalog/itemscreen.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 namespace merchantry::catalog {
@@ -26,16 +27,13 @@ frmItems_SalesMsg::frmItems_SalesMsg(Desk& desk) : Form(desk, "frmItems_SalesMsg
     cmdDeleteMsg.isDanger = true;
     cmdExit.isCancel = true;
 
-    grdSalesMsg.beforeEdit = [this](int row, int column, bool& cancel) { grdSalesMsg_BeforeEdit(row, column, cancel); };
+    grdSalesMsg.beforeEdit = calls(this, &frmItems_SalesMsg::grdSalesMsg_BeforeEdit);
     grdSalesMsg.changeEdit = [](std::string& text) {
         if (text.find('|') != std::string::npos)
             text = "XXX";
     };
-    grdSalesMsg.afterEdit = [this](int row, int column) { grdSalesMsg_AfterEdit(row, column); };
-    grdSalesMsg.error = [this](const std::string&, bool& handled) {
-        handled = true;
-        grdSalesMsg_Error();
-    };
+    grdSalesMsg.afterEdit = calls(this, &frmItems_SalesMsg::grdSalesMsg_AfterEdit);
+    grdSalesMsg.error = answers(this, &frmItems_SalesMsg::grdSalesMsg_Error);
     cmdAddMsg.click = [this] { cmdAddMsg_Click(); };
     cmdDeleteMsg.click = [this] { cmdDeleteMsg_Click(); };
     cmdSelect.click = [this] { cmdSelect_Click(); };

@@ -10,6 +10,7 @@
 #include "catalog/frmBulkPrice.h"
 #include "catalog/frmItems.h"
 #include "catalog/modItemLookup.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 #include <algorithm>
@@ -143,7 +144,7 @@ void ItemListForm::Form_Unload(bool& /*cancel*/) {
 void ItemListForm::OpenSearch() {
     desk().waitCursor(true);
     search_ = std::make_unique<VelmoraSearch>(desk());
-    search_->FieldSearch = [this](const std::string& field, const std::string& text) { srch_FieldSearch(field, text); };
+    search_->FieldSearch = calls(this, &ItemListForm::srch_FieldSearch);
     std::vector<std::string> captions{"All"};
     for (const SearchField& field : kFields)
         captions.emplace_back(field.caption);

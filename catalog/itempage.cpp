@@ -16,13 +16,6 @@ Item ItemPage::head() {
     return column({title(lblPName), at(lblSKU)});
 }
 
-void ItemPage::answersErrors(Grid& grid, std::function<void()> procedure) {
-    grid.error = [procedure = std::move(procedure)](const std::string&, bool& handled) {
-        handled = true;
-        procedure();
-    };
-}
-
 void selectsAll(TextBox& box) {
     box.gotFocus = [&box] { box.selectAll(); };
 }

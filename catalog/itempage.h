@@ -8,7 +8,6 @@
 #include "ui/textbox.h"
 #include "ui/undoline.h"
 
-#include <functional>
 #include <string>
 
 namespace merchantry::catalog {
@@ -72,8 +71,6 @@ protected:
     ui::Desk& desk() const { return screen_.form().desk(); }
     void showSKU();
     ui::Item head();
-    // Whatever the store refuses in this grid is answered by the procedure.
-    static void answersErrors(ui::Grid& grid, std::function<void()> procedure);
     // The population ended before this box, and nobody has typed in it: writing it back would empty what the store holds.
     bool neverFilled(const ui::TextBox& box) const { return !screen_.filled() && box.text().empty(); }
 

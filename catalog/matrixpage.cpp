@@ -1,6 +1,7 @@
 #include "catalog/matrixpage.h"
 
 #include "app/takeback.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 namespace merchantry::catalog {
@@ -28,7 +29,7 @@ MatrixPage::MatrixPage(ItemScreen& screen)
                               {.heading = "Categories", .characters = 32}});
     grdItemMatrix.editable = false;
     grdItemMatrix.emptyText = "No categories. Choose a group and one of its categories, then Add.";
-    answersErrors(grdItemMatrix, [this] { grdItemMatrix_Error(); });
+    grdItemMatrix.error = answers(this, &MatrixPage::grdItemMatrix_Error);
     cmdDeleteCatgory.isDanger = true;
     lbxMatrixGroups.dropDown = lbxMatrixCategories.dropDown = false;
     lbxMatrixGroups.click = [this] { lbxMatrixGroups_Click(); };

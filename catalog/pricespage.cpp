@@ -1,5 +1,6 @@
 #include "catalog/pricespage.h"
 
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 #include <algorithm>
@@ -24,14 +25,14 @@ PricesPage::PricesPage(ItemScreen& screen)
       cmdSales(screen.form(), "cmdSales", "View Sales") {
     cmdPriceDelete.isDanger = true;
     shapeGrid();
-    grdPriceMatrix.beforeEdit = [this](int row, int column, bool& cancel) { grdPriceMatrix_BeforeEdit(row, column, cancel); };
+    grdPriceMatrix.beforeEdit = calls(this, &PricesPage::grdPriceMatrix_BeforeEdit);
     grdPriceMatrix.validateEdit = [this](int row, int, const std::string&, bool&) {
         editedPrices_ = pricesOfTier(static_cast<int>(grdPriceMatrix.value(row, kTier).toInteger()));
     };
     grdPriceMatrix.afterEdit = [this](int row, int column) {
         guarded({kItemsTag, "grdPriceMatrix_AfterEdit"}, [&] { grdPriceMatrix_AfterEdit(row, column); });
     };
-    answersErrors(grdPriceMatrix, [this] { grdPriceMatrix_Error(); });
+    grdPriceMatrix.error = answers(this, &PricesPage::grdPriceMatrix_Error);
     lbxTier.setToolTip("After Adjust each tier stands here twice; both entries of a name mean the same tier.");
     cmdPriceDelete.setToolTip("Deletes the selected row at once, also the retail price, without which the price on General is not kept.");
     lblPriceSaleAmt.setToolTip("The price of the sale that ends last, also when it has not begun yet, as it was when the item was read");

@@ -3,6 +3,7 @@
 #include "app/takeback.h"
 #include "base/counted.h"
 #include "base/text.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 namespace merchantry::catalog {
@@ -31,7 +32,7 @@ SubstitutesPage::SubstitutesPage(ItemScreen& screen)
                         {.heading = "Notes", .characters = 20}});
     grdSubs.emptyText = "No substitutes.";
     grdSubs.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kParent; };
-    answersErrors(grdSubs, [this] { grdSubs_Error(); });
+    grdSubs.error = answers(this, &SubstitutesPage::grdSubs_Error);
     grdSubs.afterRefresh = [this] { guarded({kItemsTag, "grdSubs_AfterDataRefresh"}, [this] { showSubstituteCount(); }); };
     cmdSubsAddNew.click = [this] { cmdSubsAddNew_Click(); };
     cmdSubsDelete.click = [this] { cmdSubsDelete_Click(); };

@@ -4,6 +4,7 @@
 #include "base/counted.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 #include <algorithm>
@@ -46,9 +47,9 @@ SuppliersPage::SuppliersPage(ItemScreen& screen)
                              {.heading = "", .hidden = true}});
     grdSuppliers.emptyText = "No supplier delivers this item yet.";
     grdSuppliers.setToolTip("What is typed over in the column Matrix is not kept: the row belongs to this item.");
-    grdSuppliers.beforeEdit = [this](int row, int column, bool& cancel) { grdSuppliers_BeforeEdit(row, column, cancel); };
-    grdSuppliers.afterEdit = [this](int row, int column) { grdSuppliers_AfterEdit(row, column); };
-    answersErrors(grdSuppliers, [this] { grdSuppliers_Error(); });
+    grdSuppliers.beforeEdit = calls(this, &SuppliersPage::grdSuppliers_BeforeEdit);
+    grdSuppliers.afterEdit = calls(this, &SuppliersPage::grdSuppliers_AfterEdit);
+    grdSuppliers.error = answers(this, &SuppliersPage::grdSuppliers_Error);
     grdSuppliers.afterRefresh = [this] { guarded({kItemsTag, "grdSuppliers_AfterDataRefresh"}, [this] { showSupplierCount(); }); };
     cmdAddNewSupplier.click = [this] { cmdAddNewSupplier_Click(); };
     cmdDeleteSupplier.click = [this] { cmdDeleteSupplier_Click(); };

@@ -7,6 +7,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "customers/frmCustomer.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 #include <array>
@@ -116,7 +117,7 @@ void frmCustomerView::Form_Activate() {
 void frmCustomerView::OpenSearch() {
     if (srch_FieldSearch == nullptr)
         srch_FieldSearch = std::make_unique<VelmoraSearch>(desk());
-    srch_FieldSearch->FieldSearch = [this](const std::string& field, const std::string& text) { ApplyFilter(field, text); };
+    srch_FieldSearch->FieldSearch = calls(this, &frmCustomerView::ApplyFilter);
     std::vector<std::string> captions{"All"};
     for (const SearchField& field : kFields)
         captions.emplace_back(field.caption);

@@ -6,6 +6,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "customers/frmCreditAdjCodes.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 namespace merchantry::customers {
@@ -97,7 +98,7 @@ frmStoreCreditUdjustment::frmStoreCreditUdjustment(Desk& desk) : Form(desk, "frm
                          {.heading = "Applied Amount", .alignRight = true, .characters = 13}});
     grdTrans.emptyText = "Nothing is open on this account.";
     grdTrans.beforeEdit = [](int, int column, bool& cancel) { cancel = column != kApplied; };
-    grdTrans.afterEdit = [this](int row, int column) { grdTrans_AfterEdit(row, column); };
+    grdTrans.afterEdit = calls(this, &frmStoreCreditUdjustment::grdTrans_AfterEdit);
     grdTrans.setToolTip("What is above zero the customer owes; below zero the store does. Applied amounts take the sign of their row.");
     for (TextBox* box : {&txtOutBalance, &txtDebits, &txtCredits}) {
         box->setLocked(true);

@@ -6,6 +6,7 @@
 #include "base/newfile.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 #include <utility>
@@ -87,7 +88,7 @@ frmQuickBooks::frmQuickBooks(Desk& desk) : Form(desk, "frmQuickBooks", "QuickBoo
     grdAccounts.validateEdit = [this](int row, int column, const std::string& text, bool& cancel) {
         grdAccounts_ValidateEdit(row, column, text, cancel);
     };
-    grdAccounts.afterEdit = [this](int row, int column) { grdAccounts_AfterEdit(row, column); };
+    grdAccounts.afterEdit = calls(this, &frmQuickBooks::grdAccounts_AfterEdit);
     grdSent.setColumns({{.heading = "File", .alignRight = true, .characters = 6},
                         {.heading = "Made", .characters = 22},
                         {.heading = "Days", .characters = 26},

@@ -5,6 +5,7 @@
 #include "app/titles.h"
 #include "base/counted.h"
 #include "base/numbers.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 namespace merchantry::inventory {
@@ -35,10 +36,7 @@ frmInventory_Serial::frmInventory_Serial(Desk& desk) : Form(desk, "frmInventory_
 
     grdInv.beforeEdit = [](int, int column, bool& cancel) { cancel = column != kSerial; };
     grdInv.afterEdit = [this](int, int) { showState(); };
-    grdInv.error = [this](const std::string&, bool& handled) {
-        handled = true;
-        grdInv_Error();
-    };
+    grdInv.error = answers(this, &frmInventory_Serial::grdInv_Error);
     cmdAdd.click = [this] { cmdAdd_Click(); };
     onKey("F1", [this] { cmdAdd_Click(); });
     cmdDelete.click = [this] { cmdDelete_Click(); };

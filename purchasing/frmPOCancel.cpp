@@ -3,6 +3,7 @@
 #include "app/modMain.h"
 #include "app/posting.h"
 #include "app/titles.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 namespace merchantry::purchasing {
@@ -35,7 +36,7 @@ frmPOCancel::frmPOCancel(Desk& desk)
     cmdOK.setToolTip("Posts all cancelled quantities at once. If the store refuses one of them, nothing is posted and the program ends.");
     cmdCancel.setToolTip("Leaves without cancelling anything.");
 
-    grdPOItems.beforeEdit = [this](int row, int column, bool& cancel) { grdPOItems_BeforeEdit(row, column, cancel); };
+    grdPOItems.beforeEdit = calls(this, &frmPOCancel::grdPOItems_BeforeEdit);
     grdPOItems.afterEdit = [this](int row, int) { grdPOItems_AfterEdit(row); };
     clearsSelected(cmdNoCancel);
     cmdOK.click = [this] { cmdOK_Click(); };

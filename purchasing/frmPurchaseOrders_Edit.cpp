@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "purchasing/frmPOItemHistory.h"
 #include "purchasing/orders.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 #include "ui/longwork.h"
 #include "ui/waiting.h"
@@ -49,8 +50,8 @@ frmPurchaseOrders_Edit::frmPurchaseOrders_Edit(Desk& desk) : Form(desk, "frmPurc
     cmdCancel.setToolTip("Leaves without saving. What Print saved stays, and the list of orders tells it when it is read again.");
     cmdOK.isDefault = true;
 
-    grdPOItems.beforeEdit = [this](int row, int column, bool& cancel) { grdPOItems_BeforeEdit(row, column, cancel); };
-    grdPOItems.afterEdit = [this](int row, int column) { grdPOItems_AfterEdit(row, column); };
+    grdPOItems.beforeEdit = calls(this, &frmPurchaseOrders_Edit::grdPOItems_BeforeEdit);
+    grdPOItems.afterEdit = calls(this, &frmPurchaseOrders_Edit::grdPOItems_AfterEdit);
     cmdAddItem.click = [this] {
         touched(grdPOItems);
         cmdAddItem_Click();

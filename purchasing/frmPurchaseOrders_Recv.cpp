@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "purchasing/frmOtherCost.h"
 #include "purchasing/rehearsal.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 #include <array>
@@ -111,9 +112,9 @@ void frmPurchaseOrders_Recv::shapeGrids() {
 
 void frmPurchaseOrders_Recv::wire() {
     txtCode.gotFocus = [this] { txtCode.selectAll(); };
-    txtCode.keyDown = [this](const std::string& key, bool& swallow) { txtCode_KeyDown(key, swallow); };
-    grdPOItems.beforeEdit = [this](int row, int column, bool& cancel) { grdPOItems_BeforeEdit(row, column, cancel); };
-    grdPOItems.afterEdit = [this](int row, int column) { grdPOItems_AfterEdit(row, column); };
+    txtCode.keyDown = calls(this, &frmPurchaseOrders_Recv::txtCode_KeyDown);
+    grdPOItems.beforeEdit = calls(this, &frmPurchaseOrders_Recv::grdPOItems_BeforeEdit);
+    grdPOItems.afterEdit = calls(this, &frmPurchaseOrders_Recv::grdPOItems_AfterEdit);
     grdPOItems.rowColChange = [this] { setAvailable(); };
     tabReceive.change = [this](int) { tabReceive_Change(); };
     chkPrintLabels.click = [this] { chkPrintLabels_Click(); };

@@ -5,6 +5,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmSuppliers_Info.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 namespace merchantry::purchasing {
@@ -34,8 +35,8 @@ frmSuppliers::frmSuppliers(Desk& desk) : Form(desk, "frmSuppliers", "Suppliers")
     cmdSearch.setToolTip("Goes to the first supplier whose name contains the text.");
     cmdAdd.setToolTip("Adds a supplier at once and opens it; Cancel there leaves it with its name only.");
 
-    grdSuppliers.beforeEdit = [this](int row, int column, bool& cancel) { grdSuppliers_BeforeEdit(row, column, cancel); };
-    grdSuppliers.afterEdit = [this](int row, int column) { grdSuppliers_AfterEdit(row, column); };
+    grdSuppliers.beforeEdit = calls(this, &frmSuppliers::grdSuppliers_BeforeEdit);
+    grdSuppliers.afterEdit = calls(this, &frmSuppliers::grdSuppliers_AfterEdit);
     grdSuppliers.dblClick = [this] { cmdEdit_Click(); };
     cmdSearch.click = [this] { cmdSearch_Click(); };
     cmdAdd.click = [this] { cmdAdd_Click(); };

@@ -3,6 +3,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/pickrows.h"
+#include "ui/calls.h"
 #include "ui/desk.h"
 
 #include <algorithm>
@@ -21,7 +22,7 @@ PickForm::PickForm(Desk& desk, const char* name, const char* caption, Grid& grid
     cmdCancel.isCancel = true;
 
     txtFind.change = [this] { find(); };
-    txtFind.keyDown = [this](const std::string& key, bool& swallow) { txtFind_KeyDown(key, swallow); };
+    txtFind.keyDown = calls(this, &PickForm::txtFind_KeyDown);
     cmdSelectAll.click = [this] { setAll(true); };
     cmdClearAll.click = [this] { setAll(false); };
     cmdCancel.click = [this] { unload(); };
