@@ -7,12 +7,15 @@
 #include "app/db/schema/schema.h"
 #include "app/db/server/database.h"
 #include "app/db/server/server.h"
+#include "app/storefile.h"
 #include "app/storenumbers.h"
 #include "app/storerows.h"
 #include "base/text.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
+#include <random>
 #include <set>
 
 namespace merchantry::app {
@@ -136,12 +139,14 @@ std::string sumOf(const db::TableShape::Field& field) {
     return "SUM(CAST(" + name + " AS decimal(38,4)))";
 }
 
+std::string changedMeanwhile(const std::string& table) {
+    return "The table " + table +
+           " changed while it was copied, or was not copied whole. Please close the program on every desktop and register, and try again.";
+}
+
 void compare(Session& from, Session& to, const std::string& table) {
     if (sumsOf(from, table) != sumsOf(to, table))
-        throw db::DbError(db::DbError::Category::Storage, 0,
-                          "The table " + table +
-                              " changed while it was copied, or was not copied whole. Please close the program on every "
-                              "desktop and register, and try again.");
+        throw db::DbError(db::DbError::Category::Storage, 0, changedMeanwhile(table));
 }
 
 // A new store of either kind, which goes again unless it is kept.
@@ -172,6 +177,37 @@ private:
     std::unique_ptr<Session> session_; // goes first
 };
 
+// A store file as it is now, whoever goes on selling into it: a copy that goes with the object.
+class FileOfNow {
+public:
+    explicit FileOfNow(const std::string& file)
+        : path_(std::filesystem::temp_directory_path() / ("merchantry-copy-" + std::to_string(std::random_device()()))) {
+        backupStoreFile(file, path_);
+    }
+    ~FileOfNow() {
+        std::error_code ignored;
+        for (const char* ending : {"", "-wal", "-shm"})
+            std::filesystem::remove(path_.string() + ending, ignored);
+    }
+    FileOfNow(const FileOfNow&) = delete;
+    FileOfNow& operator=(const FileOfNow&) = delete;
+    std::string path() const { return path_.string(); }
+
+private:
+    std::filesystem::path path_;
+};
+
+// A row that refers to one which was not there yet when its table was read was added meanwhile.
+std::int64_t copiedWhole(Session& from, Session& to, const std::string& table, bool json, Characters& characters) {
+    try {
+        return copyTable(from, to, table, json, characters);
+    } catch (const db::DbError& error) {
+        if (error.category() != db::DbError::Category::Integrity)
+            throw;
+        throw db::DbError(error.category(), error.native(), changedMeanwhile(table));
+    }
+}
+
 } // namespace
 
 std::string sumsOf(Session& session, const std::string& table) {
@@ -191,7 +227,10 @@ std::string sumsOf(Session& session, const std::string& table) {
 }
 
 StoreCopy copyStoreTo(const std::string& from, const std::string& to, const StorePercent& progress) {
-    const auto source = openStore(from);
+    std::optional<FileOfNow> now;
+    if (!isServerPlace(from))
+        now.emplace(from);
+    const auto source = openStore(now ? now->path() : from);
     db::checkSchemaVersion(*source);
     StoreCopy done;
     done.leftBehind = strangersIn(*source);
@@ -204,7 +243,7 @@ StoreCopy copyStoreTo(const std::string& from, const std::string& to, const Stor
     Characters characters;
     db::createSchemaWith(made.session(), [&] {
         for (const std::string& table : tables) {
-            done.rows += copyTable(*source, made.session(), table, json, characters);
+            done.rows += copiedWhole(*source, made.session(), table, json, characters);
             carryLastNumber(*source, made.session(), table, isServerPlace(to));
             progress(static_cast<int>(done.rows * 100 / std::max<std::int64_t>(1, all)));
         }

@@ -12,8 +12,8 @@ namespace {
 using namespace merchantry::programs;
 
 constexpr int kUsage = 2;
-constexpr const char* kServerHelp =
-    "A store on a server: \"Data Source=HOST[,PORT]; Initial Catalog=DATABASE; User ID=LOGIN; Password=WORD[; Encrypt=no]\"";
+constexpr const char* kServerHelp = "A store on a server: \"Data Source=HOST[,PORT]; Initial Catalog=DATABASE; User ID=LOGIN[; "
+                                    "Password=WORD][; Encrypt=no]\". Without a password that of MERCHANTRY_PASSWORD counts";
 
 void addSql(CLI::App& program, SqlOptions& options, int& exitCode) {
     CLI::App* sql =

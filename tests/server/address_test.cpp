@@ -76,5 +76,21 @@ TEST(ProviderTest, SaysThatTheSystemsOwnLoginIsNotThere) {
     }
 }
 
+// A word that was mistyped counted as nothing: whoever wanted encryption off was told of encryption, and the other way round.
+TEST(AddressTest, RefusesWordsThatItDoesNotKnow) {
+    for (const char* source : {"shop1; Encypt=no", "shop1; Encrypt=banana", "shop1; Timeout=5"})
+        EXPECT_THROW(addressOf({{"data source", source}}), DbError) << source;
+    EXPECT_FALSE(addressOf({{"data source", "shop1; Encrypt=No; Database=Trial"}}).encrypted);
+    EXPECT_TRUE(addressOf({{"data source", "shop1; Encrypt=yes"}}).encrypted);
+}
+
+TEST(AddressTest, TakesThePasswordOfTheEnvironmentWhereNoneIsNamed) {
+    setenv("MERCHANTRY_PASSWORD", "from outside", 1);
+    EXPECT_EQ(addressOf({{"data source", "shop1"}}).password, "from outside");
+    EXPECT_EQ(addressOf({{"data source", "shop1"}, {"password", ""}}).password, "");
+    unsetenv("MERCHANTRY_PASSWORD");
+    EXPECT_EQ(addressOf({{"data source", "shop1"}}).password, "");
+}
+
 } // namespace
 } // namespace merchantry::db::server

@@ -164,6 +164,24 @@ TEST_F(CopyOnAServer, NumbersOfDeletedRowsAreNotGivenAgain) {
     EXPECT_EQ(checkStoreFile(back), std::vector<std::string>{});
 }
 
+// Registers sell on into the file while it is copied: the copy is the file as it was when it began.
+TEST_F(CopyOnAServer, AFileInUseIsCopiedAsItWasAtOneMoment) {
+    const auto file = folder / "shop.store";
+    makeFile(file);
+    const auto seller = db::Store::open(file)->session();
+    db::NoResult none;
+    bool sold = false;
+    copyStoreTo(file.string(), place(), [&](int) {
+        if (!std::exchange(sold, true))
+            seller->execute("INSERT INTO Suppliers (Supplier) VALUES ('Late') INSERT INTO SalesMessages (Message) VALUES ('Late')", none);
+    });
+    int late = -1;
+    db::EachRow rows([&](const db::RowView& row) { late = static_cast<int>(row.number(0)); });
+    openStore(place())->execute("SELECT COUNT(*) FROM Suppliers WHERE Supplier = 'Late'", rows);
+    EXPECT_TRUE(sold);
+    EXPECT_EQ(late, 0);
+}
+
 TEST_F(CopyOnAServer, NothingOfAnotherStoreIsOverwritten) {
     const auto file = folder / "shop.store";
     makeFile(file);

@@ -5,6 +5,7 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace merchantry::db::server {
 namespace {
@@ -16,8 +17,17 @@ std::string part(const std::map<std::string, std::string>& parts, const std::str
     return found == parts.end() ? std::string() : found->second;
 }
 
+bool isOneOf(const std::string& word, std::initializer_list<const char*> words) {
+    return std::any_of(words.begin(), words.end(), [&](const char* one) { return sameText(word, one); });
+}
+
+// Whether encryption is switched off; a word that is neither yes nor no is refused, it may have been meant otherwise.
 bool isOff(const std::string& word) {
-    return sameText(word, "no") || sameText(word, "false") || sameText(word, "0") || sameText(word, "off");
+    if (isOneOf(word, {"no", "false", "0", "off"}))
+        return true;
+    if (!word.empty() && !isOneOf(word, {"yes", "true", "1", "on", "require", "mandatory", "strict"}))
+        throw DbError(DbError::Category::Storage, 0, "\"Encrypt=" + word + "\" is not understood. It is Encrypt=yes or Encrypt=no.");
+    return false;
 }
 
 int portOf(const std::string& text) {
@@ -60,9 +70,20 @@ std::vector<std::string> sourceOf(const std::string& text) {
 std::map<std::string, std::string> wordsBehind(const std::vector<std::string>& source) {
     std::map<std::string, std::string> words;
     for (const std::string& piece : source)
-        if (const std::size_t sign = piece.find('='); sign != std::string::npos)
-            words[lowerCase(trimmed(piece.substr(0, sign)))] = std::string(trimmed(piece.substr(sign + 1)));
+        if (const std::size_t sign = piece.find('='); sign != std::string::npos) {
+            const std::string word = lowerCase(trimmed(piece.substr(0, sign)));
+            if (!isOneOf(word, {"encrypt", "database"}))
+                throw DbError(DbError::Category::Storage, 0,
+                              "\"" + std::string(trimmed(piece)) + "\" is not known behind a server's name. Encrypt and Database are.");
+            words[word] = std::string(trimmed(piece.substr(sign + 1)));
+        }
     return words;
+}
+
+// A connection that names none takes the one of the environment: a word of a command can be read by everybody on the machine.
+std::string passwordOf(const std::map<std::string, std::string>& parts) {
+    const char* const waiting = parts.count("password") != 0 ? nullptr : std::getenv("MERCHANTRY_PASSWORD");
+    return waiting != nullptr ? waiting : part(parts, "password");
 }
 
 // A value of the driver's connection string, in which braces quote.
@@ -79,7 +100,7 @@ Address addressOf(const std::map<std::string, std::string>& parts) {
     const std::map<std::string, std::string> behind = wordsBehind(source);
     address.encrypted = !isOff(part(behind, "encrypt")) && !isOff(part(parts, "encrypt"));
     address.user = part(parts, "user id");
-    address.password = part(parts, "password");
+    address.password = passwordOf(parts);
     address.database = behind.count("database") != 0 ? part(behind, "database") : part(parts, "initial catalog");
     address.integrated = sameText(part(parts, "integrated security"), "SSPI");
     return address;
