@@ -2,6 +2,8 @@
 
 #include "app/reportlistings.h"
 
+#include <algorithm>
+#include <string_view>
 #include <vector>
 
 namespace merchantry::app {
@@ -77,6 +79,18 @@ constexpr CommandRow kBehindReports[] = {
     {"mnuHelp", "mnuAbout", "&About Tillmark Professional", true, Kind::Own, ""},
 };
 // clang-format on
+
+// As reportListings() has them, for the check below.
+constexpr ReportListing kReports[] = {
+#include "reportcommands.inc"
+};
+
+constexpr bool isMenu(std::string_view name) {
+    return std::any_of(std::begin(kCommands), std::end(kCommands),
+                       [&](const CommandRow& row) { return row.kind == Kind::Menu && name == row.name; });
+}
+static_assert(std::all_of(std::begin(kReports), std::end(kReports), [](const ReportListing& report) { return isMenu(report.menu); }),
+              "The [listing] of a report file names a menu that the table above does not have.");
 
 std::vector<CommandRow> joined() {
     std::vector<CommandRow> rows(std::begin(kCommands), std::end(kCommands));

@@ -21,13 +21,8 @@ namespace {
 constexpr const char* kTag = "MR_frmOptions";
 constexpr int kNameColumn = 0;
 constexpr int kTypeColumn = 1;
+constexpr int kFieldNameLength = 50;
 constexpr const char* kMerchants[] = {"CES", "FDC", "MAPP", "NDC", "FNBO", "GSAR", "VISA", "NB", "FDCN", "MDI", "NPC", "ECHO"};
-
-// How many characters the columns hold.
-constexpr std::pair<const char*, int> kLengths[] = {
-    {"txtVAT", 50},       {"txtMgrOverride", 50}, {"txtName", 100},         {"txtAddress1", 100}, {"txtAddress2", 100},
-    {"txtAddress3", 100}, {"txtCity", 50},        {"txtZip", 20},           {"txtPhone", 30},     {"txtFax", 30},
-    {"txtEmail", 100},    {"txtPCCHG", 255},      {"PCChgMerchActNum", 50}, {"txtFieldName", 50}};
 
 } // namespace
 
@@ -35,8 +30,7 @@ frmOptions::frmOptions(Desk& desk) : Form(desk, "frmOptions", "Options") {
     setIcon("options");
     keepSecret(txtMgrOverride, cmdShowOverride);
     keepSecret(PCChgMerchActNum, cmdShowAccount);
-    for (const auto& [box, length] : kLengths)
-        dynamic_cast<TextBox&>(*find(box)).maxLength = length;
+    txtFieldName.maxLength = kFieldNameLength;
     for (TextBox* box : {&txtAPR, &txtMinFinChg, &txtPeriod, &txtDeposit, &txtMinDeposit, &PCChgPinPadCom, &txtGVExpiration})
         box->alignRight = true;
     txtMinFinChg.money = txtMinDeposit.money = true;
@@ -96,9 +90,11 @@ void frmOptions::showField(const OptionField& field) {
     const db::Field stored = (*options_)[field.readAs != nullptr ? field.readAs : field.column];
     Control* const control = find(field.control);
     const Restore showing(showing_, true);
-    if (auto* box = dynamic_cast<TextBox*>(control))
+    if (auto* box = dynamic_cast<TextBox*>(control)) {
+        if (stored.Type().isText())
+            box->maxLength = stored.Type().length; // no more than the column holds
         box->setText(std::string(trimmed(stored.text())));
-    else if (auto* check = dynamic_cast<CheckBox*>(control))
+    } else if (auto* check = dynamic_cast<CheckBox*>(control))
         check->setValue(stored.Value().toFlag());
     else if (auto* list = dynamic_cast<ListBox*>(control))
         list->setListIndex(list->indexOf(stored.text()));

@@ -1,5 +1,6 @@
 #include "programs/merchantryctl/commands.h"
 
+#include "app/db/schema/content.h"
 #include "app/db/schema/schema.h"
 #include "app/serverstore.h"
 #include "base/platform/platform.h"
@@ -10,6 +11,7 @@
 #include "programs/merchantryctl/pdf.h"
 #endif
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
@@ -33,6 +35,14 @@ reports::ParameterTexts textsFor(const reports::Definition& definition, const Re
         else if (kind == reports::ParameterKind::Direction)
             texts[i] = options.descending ? " DESC" : " ASC";
     }
+    const auto takes = [&](reports::ParameterKind kind) {
+        const auto& kinds = definition.query.parameters;
+        return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+    };
+    if (!options.where.empty() && !takes(reports::ParameterKind::Where))
+        throw std::runtime_error("The report takes no conditions: its statement has no place for them.");
+    if (!options.sort.empty() && !takes(reports::ParameterKind::Sort))
+        throw std::runtime_error("The report takes no order: its statement has no place for one.");
     return texts;
 }
 
@@ -65,6 +75,8 @@ void write(const reports::Report& report, const std::string& out) {
 int runReport(const ReportOptions& options) {
     const auto session = app::openStore(options.store);
     db::refuseNewerSchema(*session);
+    if (db::schemaVersion(*session) == db::kSchemaVersion)
+        db::renewContent(*session); // the report's procedures may be newer than the store's
     const reports::Definition definition = reports::readDefinition(options.file);
     const auto report = reports::Report::run(*session, definition, textsFor(definition, options));
     if (options.out.empty()) {

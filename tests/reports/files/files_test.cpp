@@ -1,4 +1,5 @@
 #include "app/reportlistings.h"
+#include "base/text.h"
 #include "reports/engine/labels.h"
 #include "reports/engine/querytext.h"
 #include "reports/reporttable.h"
@@ -81,6 +82,8 @@ TEST(ReportFiles, HaveOneOrderOnly) {
     for (const std::string& file : allFiles()) {
         SCOPED_TRACE(file);
         const std::string text = queryText(readDefinition(kReportFiles / file), parametersFor(file, *session));
+        if (lowerCase(trimmed(text)).starts_with("exec")) // orders its rows itself
+            continue;
         EXPECT_TRUE(rowsAsTheyCome(*session, text) == rowsAsTheyCome(*session, text + ", NEWID()"));
     }
 }
@@ -96,7 +99,7 @@ TEST(ReportFiles, AHistoryOfNothingSaysSoInFull) {
 TEST(ReportFiles, EveryKeyHasAFileAndCriteria) {
     const auto session = filesStore().session();
     const auto keys = query(*session, "SELECT DISTINCT reportname FROM reportfieldsmapping");
-    EXPECT_EQ(keys.size(), 45U);
+    EXPECT_EQ(keys.size(), app::reportListings().size());
     for (const auto& key : keys)
         EXPECT_TRUE(std::filesystem::is_regular_file(kReportFiles / fileOf(key[0].toText()))) << key[0].toText();
 }
@@ -333,7 +336,7 @@ TEST(ReportFiles, TotalsAreTheSumsComputedAnotherWay) {
         const Definition definition = readDefinition(kReportFiles / file);
         const bool adds = std::any_of(definition.columns.begin(), definition.columns.end(),
                                       [](const ColumnDefinition& column) { return column.total == Total::Sum; });
-        EXPECT_TRUE(!adds || reports.count(file) == 1) << file;
+        EXPECT_TRUE(!adds || reports.count(file) == 1) << file << " adds up a column: reckon one of its totals otherwise, in kControls";
     }
 }
 
