@@ -52,7 +52,7 @@ void GeneralPage::wire() {
     txtName.lostFocus = [this] {
         if (writeShown("txtName_LostFocus", "Name", [this] { return Value(trimmed(txtName.text())); }))
             screen_.nameChanged(txtName.text());
-        else if (const db::RecordsetPtr item = itemOnRow())
+        else if (const db::RecordsetPtr item = itemOnRow(); item != nullptr && !passing_) // else it stays, for another try
             txtName.setText((*item)["Name"].text());
     };
     txtReorder.lostFocus = [this] { numberField_LostFocus(txtReorder, "txtReorder_LostFocus", "Reorder"); };
@@ -162,7 +162,8 @@ void GeneralPage::showStock() {
 }
 
 bool GeneralPage::writeShown(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
-    const bool written = writeField(procedure, column, value);
+    passing_ = false;
+    const bool written = writeField(procedure, column, value, &passing_);
     if (!written)
         showStored(column);
     return written;
@@ -182,7 +183,7 @@ void GeneralPage::showStored(const std::string& column) {
         if (column == name)
             list->setListIndex(positionOfKey(*list, (*item)[column].Value().toInteger()));
     for (const auto& [name, box] : {std::pair{"Reorder", &txtReorder}, std::pair{"Restock", &txtRestock}})
-        if (column == name)
+        if (column == name && !passing_)
             box->setText((*item)[column].text());
 }
 
@@ -190,11 +191,12 @@ void GeneralPage::showStored(const std::string& column) {
 void GeneralPage::numberField_LostFocus(TextBox& box, const std::string& procedure, const std::string& column) {
     if (neverFilled(box))
         return;
+    passing_ = false;
     if (const std::string wrong = commaComplaint(box.text()); !wrong.empty())
         screen_.form().desk().message(wrong, kProduct);
     else
         writeShown(procedure, column, [&] { return Value(numericPrefix(box.text())); });
-    if (const db::RecordsetPtr item = itemOnRow())
+    if (const db::RecordsetPtr item = itemOnRow(); item != nullptr && !passing_)
         box.setText((*item)[column].text());
 }
 
@@ -239,6 +241,12 @@ void GeneralPage::applyType(int type) {
     screen_.typeChanged(type);
 }
 
+void GeneralPage::writePrice() {
+    modMain().Conn->Execute(Sql("UPDATE PriceMatrix SET Price = ") + numericPrefix(txtPriceAmt.text()) + " WHERE SKU ='" +
+                            modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU +
+                            "' AND Tier = 1 AND (Quantity = 1 Or Quantity = 0)");
+}
+
 void GeneralPage::txtPriceAmt_LostFocus() {
     if (const std::string wrong = commaComplaint(txtPriceAmt.text()); !wrong.empty()) {
         screen_.form().desk().message(wrong, kProduct);
@@ -246,13 +254,14 @@ void GeneralPage::txtPriceAmt_LostFocus() {
         return;
     }
     WrittenRows rows = pricesOfTier(kRetailTier);
-    const bool written = guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] {
-        modMain().Conn->Execute(Sql("UPDATE PriceMatrix SET Price = ") + numericPrefix(txtPriceAmt.text()) + " WHERE SKU ='" +
-                                modMain().CurrentSKU + "' " + " AND MatrixSKU = '" + modMain().CurrentMatrixSKU +
-                                "' AND Tier = 1 AND (Quantity = 1 Or Quantity = 0)");
+    bool passing = false;
+    const bool written = guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [&] {
+        notingPassing(&passing, [this] { writePrice(); });
         showStoredPrice();
         screen_.retailPriceWritten();
     });
+    if (passing)
+        return;
     if (!written)
         guarded({kItemsTag, "txtPriceAmt_LostFocus"}, [this] { showPrice(); });
     else

@@ -35,6 +35,7 @@ private:
     void showCost();
     void showProfit();
     void showStock();
+    void writePrice();
     // As writeField, and shows what is stored when the store refused it.
     bool writeShown(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
     void showStored(const std::string& column);
@@ -74,6 +75,7 @@ private:
     int TaxNoneIndex = 0;                 // position of the tax class "None"
     std::optional<bool> SavedSerialValue; // what type 5 displaced
     std::optional<int> SavedTaxIndex;
+    bool passing_ = false; // the last write failed for a reason that passes
 };
 
 } // namespace merchantry::catalog

@@ -1,5 +1,6 @@
 #include "catalog/itemscreen.h"
 
+#include "app/posting.h"
 #include "base/numbers.h"
 #include "base/text.h"
 
@@ -58,21 +59,36 @@ db::RecordsetPtr itemOnRow() {
     return item != nullptr && item->onRow() ? item : nullptr;
 }
 
-bool writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set) {
+void notingPassing(bool* passing, const std::function<void()>& write) {
+    try {
+        write();
+    } catch (const db::DbError& error) {
+        if (passing != nullptr)
+            *passing = app::isPassing(error);
+        throw;
+    }
+}
+
+bool writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set, bool* passing) {
     const db::RecordsetPtr item = modMain().ItemRecordset;
     if (item == nullptr)
         return false;
     const bool written = guarded({kItemsTag, procedure}, [&] {
-        set(*item);
-        item->Update();
+        notingPassing(passing, [&] {
+            set(*item);
+            item->Update();
+        });
     });
-    if (!written)
+    if (!written && passing != nullptr && *passing)
+        item->CancelUpdate();
+    else if (!written)
         readStored(*item); // someone else may have changed it, and by the old values no later write would meet it
     return written;
 }
 
-bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value) {
-    return writeItem(procedure, [&](db::Recordset& item) { item[column] = value(); });
+bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value, bool* passing) {
+    return writeItem(
+        procedure, [&](db::Recordset& item) { item[column] = value(); }, passing);
 }
 
 void readStored(db::Recordset& item) {

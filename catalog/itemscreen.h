@@ -44,9 +44,12 @@ constexpr int kRetailTier = 1;
 // The current item's row, as long as there is one.
 db::RecordsetPtr itemOnRow();
 // Changes the item's row and saves it. False when the store refused it, after the row was read again, or when the item could not be
-// fetched.
-bool writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set);
-bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
+// fetched. `passing`, where given, tells whether the failure has nothing to do with what was to be written (app::isPassing): it can be
+// tried again as it was typed.
+bool writeItem(const std::string& procedure, const std::function<void(db::Recordset& item)>& set, bool* passing = nullptr);
+bool writeField(const std::string& procedure, const std::string& column, const std::function<Value()>& value, bool* passing = nullptr);
+// Runs a write and notes whether its failure is a passing one; the failure goes on.
+void notingPassing(bool* passing, const std::function<void()>& write);
 // The row as the store has it now.
 void readStored(db::Recordset& item);
 

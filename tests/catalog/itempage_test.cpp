@@ -112,5 +112,31 @@ TEST_F(ItemPages, SuppliersAreWrittenOnlyByTheirSaving) {
     EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM SupplierMatrixDetail"), "0");
 }
 
+// A user who would not wait for another program, or whose server was gone, found the old name in the box.
+TEST_F(ItemPages, WhatCouldNotBeSavedJustThenStaysTyped) {
+    struct Impatient : db::Waiter {
+        bool goOn(std::chrono::milliseconds) override { return false; }
+    };
+    form_.general.loadLists();
+    form_.general.populate();
+    form_.isFilled = true;
+    auto& name = form_.the<ui::TextBox>("txtName");
+    auto& reorder = form_.the<ui::TextBox>("txtReorder");
+    name.setText("Lantern");
+    reorder.setText("7");
+    app::modMain().waiter = std::make_unique<Impatient>();
+    app::modMain().provider->waiter = app::modMain().waiter.get();
+    app::modMain().Conn->session().setWaiter(app::modMain().waiter.get());
+    app::modMain().ItemRecordset = openUpdatable("bsp_ItemLookup", itemKey());
+    run("BEGIN TRANSACTION UPDATE Item SET Notes = Notes");
+    name.lostFocus();
+    reorder.lostFocus();
+    EXPECT_EQ(name.text() + " " + reorder.text(), "Lantern 7");
+    run("ROLLBACK");
+    name.lostFocus();
+    reorder.lostFocus();
+    EXPECT_EQ(rowsOf("SELECT Name, Reorder FROM Item WHERE SKU = 'A'"), "Lantern|7");
+}
+
 } // namespace
 } // namespace merchantry::catalog
