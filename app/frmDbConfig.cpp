@@ -1,5 +1,6 @@
 #include "app/frmDbConfig.h"
 
+#include "app/aside.h"
 #include "app/db/ado/provider.h"
 #include "app/db/schema/schema.h"
 #include "app/db/server/address.h"
@@ -218,17 +219,25 @@ std::string frmDbConfig::wayTo() const {
 }
 
 void frmDbConfig::cmdTest_Click() {
-    desk().waitCursor(true);
+    const Waiting waiting(desk());
+    lblState.setCaption("");
     std::string said;
     try {
-        db::Connection trial(*modMain().provider);
-        trial.Open(connectString(shownConfig()));
-        db::checkSchemaVersion(trial.session());
-        said = "The store answers." + wayTo();
+        const std::string place = connectString(shownConfig());
+        const auto ask = [place](AsideState&) {
+            db::Provider asker;
+            db::checkSchemaVersion(*asker.open(place));
+        };
+        AsideState none;
+        bool answered = true;
+        if (db::isStoreFile(shownConfig().ServerName))
+            ask(none);
+        else // one that listens and says nothing is waited for
+            answered = runAside(desk(), "Asking the server", ask);
+        said = answered ? "The store answers." + wayTo() : "Stopped before the server answered.";
     } catch (const std::exception& error) {
         said = error.what();
     }
-    desk().waitCursor(false);
     lblState.setCaption(said);
 }
 

@@ -55,6 +55,9 @@ std::string sentence(const Address& address, const std::vector<Diagnostic>& all)
                ". Please check that it runs, its port, and that no firewall is between.";
     if (has(all, kTimedOut))
         return "The machine " + address.host + " does not answer. Please check the network and the name of the server.";
+    if (hasState(all, "HYT00") || hasState(all, "HYT01") || says(all, "Timeout expired"))
+        return "Something listens at " + server +
+               ", but does not answer as a server does. Please check the port, and whether the server is busy.";
     if (address.encrypted && (says(all, "SSL") || says(all, "TLS") || says(all, "ncrypt") || has(all, kRefused)))
         return "The server " + server +
                " does not take an encrypted connection. Let it have a certificate, or switch encryption off by writing \"; Encrypt=no\" "
