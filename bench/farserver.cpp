@@ -26,11 +26,6 @@ namespace {
 
 constexpr int kRuns = 7;
 
-std::string placeOf(const db::server::Address& address) {
-    return "User ID=" + address.user + "; PASSWORD=" + address.password + "; Data Source=" + address.sourceText() +
-           "; Initial Catalog=" + address.database;
-}
-
 // One item and an order of 200 lines.
 void furnish(const std::string& place) {
     const auto session = app::openStore(place);
@@ -79,7 +74,7 @@ void measureAll(ui::QtDesk& desk, const db::server::Address& address, int lineMs
     near.host = "127.0.0.1";
     near.port = cable.port();
     int trips = 0;
-    start(desk, placeOf(near), trips);
+    start(desk, near.connectionText(), trips);
     measure(
         "frmItems", lineMs, trips, [&] { desk.enter([] { app::modMain().doors.CheckSKUs("A1|A1", false); }); },
         [&] { desk.enter([&] { desk.form<catalog::frmItems>().unload(); }); });
@@ -110,8 +105,8 @@ int main(int count, char** arguments) {
     try {
         db::server::Address address = db::serverOf(named)->address();
         address.database = "merchantry_bench_" + std::to_string(std::random_device()());
-        app::createServerStore(placeOf(address), [](int) {});
-        furnish(placeOf(address));
+        app::createServerStore(address.connectionText(), [](int) {});
+        furnish(address.connectionText());
         for (const int lineMs : {0, 5, 20})
             measureAll(desk, address, lineMs);
         db::server::dropDatabase(address);

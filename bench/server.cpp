@@ -178,8 +178,7 @@ void benchCopy(const Address& server) {
     const demo::DemoPlan plan{.dataFolder = demo::demoDataFolder(), .today = *Date::fromParts(2026, 11, 21, 15)};
     app::createStoreFile(
         file, [&](db::Session& session, const auto& progress) { demo::fillDemoStore(session, plan, progress); }, [](int) {});
-    const std::string place = "User ID=" + address.user + "; PASSWORD=" + address.password + "; Data Source=" + address.sourceText() +
-                              "; Initial Catalog=" + address.database;
+    const std::string place = address.connectionText();
     copy("the demo store to the server", file, place);
     const AtEnd dropped([&] { dropDatabase(address); });
     copy("and back into a file", place, (folder / "back.store").string());
@@ -199,8 +198,7 @@ int main() {
         const NewDatabase database(address);
         db::Provider provider;
         const auto connection = std::make_shared<db::Connection>(provider);
-        connection->Open("User ID=" + address.user + "; PASSWORD=" + address.password + "; Data Source=" + address.sourceText() +
-                         "; Initial Catalog=" + address.database);
+        connection->Open(address.connectionText());
         fill(connection->session());
         BareLink bare(address);
         benchCalls(connection->session(), bare);

@@ -135,8 +135,7 @@ int main() {
         session.provider = std::make_unique<db::Provider>();
         session.provider->waiter = &waiter;
         session.Conn = std::make_shared<db::Connection>(*session.provider);
-        session.Conn->Open("User ID=" + address.user + "; PASSWORD=" + address.password + "; Data Source=" + address.sourceText() +
-                           "; Initial Catalog=" + address.database);
+        session.Conn->Open(address.connectionText());
         db::createSchema(session.Conn->session(), [](int) {});
         order(session.Conn->session());
         const std::vector<purchasing::ReceiveLine> lines = receivedLines();

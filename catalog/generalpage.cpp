@@ -189,7 +189,7 @@ void GeneralPage::showStored(const std::string& column) {
 
 // What stands in the field afterwards is what the store holds, also when someone else changed it or the text is no number.
 void GeneralPage::numberField_LostFocus(TextBox& box, const std::string& procedure, const std::string& column) {
-    if (neverFilled(box))
+    if (neverFilled(screen_, box))
         return;
     passing_ = false;
     if (const std::string wrong = commaComplaint(box.text()); !wrong.empty())
@@ -198,11 +198,6 @@ void GeneralPage::numberField_LostFocus(TextBox& box, const std::string& procedu
         writeShown(procedure, column, [&] { return Value(numericPrefix(box.text())); });
     if (const db::RecordsetPtr item = itemOnRow(); item != nullptr && !passing_)
         box.setText((*item)[column].text());
-}
-
-// The population ended before this box, and nobody has typed in it: writing it back would empty what the store holds.
-bool GeneralPage::neverFilled(const TextBox& box) const {
-    return !screen_.filled() && box.text().empty();
 }
 
 void GeneralPage::lbxTaxClass_Click() {

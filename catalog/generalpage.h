@@ -40,7 +40,6 @@ private:
     bool writeShown(const std::string& procedure, const std::string& column, const std::function<Value()>& value);
     void showStored(const std::string& column);
     void numberField_LostFocus(ui::TextBox& box, const std::string& procedure, const std::string& column);
-    bool neverFilled(const ui::TextBox& box) const;
     void lbxTaxClass_Click();
     void lbxType_Click();
     void applyType(int type);

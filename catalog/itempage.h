@@ -44,6 +44,11 @@ protected:
     ~ItemScreen() = default;
 };
 
+// The population ended before this box, and nobody has typed in it: writing it back would empty what the store holds.
+inline bool neverFilled(const ItemScreen& screen, const ui::TextBox& box) {
+    return !screen.filled() && box.text().empty();
+}
+
 // A page of the item's screen behind the first one: headed by the item's name and SKU, with an exit of its own. A member of the screen,
 // which populates it in the order of the pages.
 class ItemPage {
@@ -71,8 +76,6 @@ protected:
     ui::Desk& desk() const { return screen_.form().desk(); }
     void showSKU();
     ui::Item head();
-    // The population ended before this box, and nobody has typed in it: writing it back would empty what the store holds.
-    bool neverFilled(const ui::TextBox& box) const { return !screen_.filled() && box.text().empty(); }
 
     ItemScreen& screen_;
 

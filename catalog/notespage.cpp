@@ -8,7 +8,7 @@ using namespace ui;
 NotesPage::NotesPage(ItemScreen& screen) : ItemPage(screen, "Notes", 4), txtNotes(screen.form(), "txtNotes") {
     txtNotes.multiline = true;
     txtNotes.lostFocus = [this] {
-        if (!neverFilled(txtNotes))
+        if (!neverFilled(screen_, txtNotes))
             writeField("txtNotes_LostFocus", "Notes", [this] { return Value(txtNotes.text()); });
     };
 }

@@ -76,6 +76,11 @@ TEST(ProviderTest, SaysThatTheSystemsOwnLoginIsNotThere) {
     }
 }
 
+TEST(AddressTest, OpensWhatItsOwnStringNames) {
+    const Address shop = addressOf({{"data source", "shop1\\till; Encrypt=no; Database=Trial"}, {"user id", "sa"}, {"password", "x"}});
+    EXPECT_EQ(addressOf(connectionParts(shop.connectionText())).driverText(), shop.driverText());
+}
+
 // A word that was mistyped counted as nothing: whoever wanted encryption off was told of encryption, and the other way round.
 TEST(AddressTest, RefusesWordsThatItDoesNotKnow) {
     for (const char* source : {"shop1; Encypt=no", "shop1; Encrypt=banana", "shop1; Timeout=5"})

@@ -43,8 +43,7 @@ protected:
     db::ConnectionPtr connect() {
         const db::server::Address address = host->address();
         auto connection = std::make_shared<db::Connection>(provider);
-        connection->Open("User ID=" + address.user + "; PASSWORD=" + address.password + "; Data Source=" + address.sourceText() +
-                         "; Initial Catalog=" + address.database);
+        connection->Open(address.connectionText());
         return connection;
     }
     // Orders two items and receives them, each time.

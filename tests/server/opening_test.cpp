@@ -16,8 +16,7 @@ protected:
     static std::string refusalOf(const db::server::Address& address) {
         db::Provider provider;
         DataBroker broker(provider);
-        std::string place = "User ID=" + address.user + "; PASSWORD=" + address.password + "; Data Source=" + address.sourceText() +
-                            "; Initial Catalog=" + address.database;
+        std::string place = address.connectionText();
         std::shared_ptr<ErrLog> none;
         long timeout = 60;
         db::ConnectionPtr connection;

@@ -127,11 +127,6 @@ private:
     std::function<void(ui::play::PlayDesk&)> look_;
 };
 
-std::string placeOf(const db::server::Address& address) {
-    return "User ID=" + address.user + "; PASSWORD=" + address.password + "; Data Source=" + address.sourceText() +
-           "; Initial Catalog=" + address.database;
-}
-
 class RoadsOnAServer : public db::OnAServer, public testing::WithParamInterface<Road> {
 protected:
     static void SetUpTestSuite() {
@@ -166,7 +161,7 @@ protected:
         const Road& road = GetParam();
         int left = 0;
         CutHost application(
-            placeOf(db::through(*cable, host->address())),
+            db::through(*cable, host->address()).connectionText(),
             [&](ui::play::PlayDesk&) {
                 before = figures();
                 cable->cutAt(request, where);

@@ -117,6 +117,10 @@ std::string Address::sourceText() const {
            (encrypted ? "" : "; Encrypt=no") + (database.empty() ? "" : "; Database=" + database);
 }
 
+std::string Address::connectionText() const {
+    return "User ID=" + user + "; PASSWORD=" + password + "; Data Source=" + sourceText() + "; Initial Catalog=" + database;
+}
+
 std::string Address::driverText() const {
     std::string text = "Driver={FreeTDS};Server=" + host + (instance.empty() ? "" : "\\" + instance);
     if (instance.empty())

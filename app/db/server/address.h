@@ -20,6 +20,8 @@ struct Address {
     std::string toText() const;
     // As a configuration names it, and as addressOf reads it again: "shop1,1435; Encrypt=no; Database=Trial".
     std::string sourceText() const;
+    // The whole as a connection string that opens it, password included.
+    std::string connectionText() const;
     // The connection string of the driver.
     std::string driverText() const;
 };
