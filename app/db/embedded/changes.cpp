@@ -168,8 +168,7 @@ void Changes::insertRows(const tsql::ChangePlan& plan, const Rowset& rows) {
     identities_.beginStatement();
     for (const std::vector<tsql::Cell>& row : rows) {
         const ResetGuard guard(insert.get());
-        for (std::size_t i = 0; i < row.size(); ++i)
-            tsql::bindCell(insert.get(), static_cast<int>(i) + 1, row[i]);
+        evaluator_.bindRow(insert.get(), plan.sql.places, row);
         try {
             connection_.step(insert.get());
         } catch (const DbError& error) {

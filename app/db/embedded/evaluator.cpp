@@ -21,6 +21,13 @@ void Evaluator::bindPlaces(sqlite3_stmt* statement, const std::vector<tsql::Plac
     }
 }
 
+void Evaluator::bindRow(sqlite3_stmt* statement, const std::vector<tsql::Placeholder>& places, const std::vector<Cell>& row) {
+    int index = 0;
+    for (const tsql::Placeholder& place : places)
+        tsql::bindCell(statement, ++index,
+                       place.system ? system_.of(static_cast<tsql::SystemValue>(place.slot)) : row[static_cast<std::size_t>(place.slot)]);
+}
+
 sqlite3_stmt* Evaluator::prepared(StatementPlan& plan, std::size_t index, const tsql::Sql3& sql, Statement3& spare) {
     Statement3& own = plan.statements[index];
     if (!own)

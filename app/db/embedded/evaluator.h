@@ -30,6 +30,8 @@ public:
     Statement3 prepared(const tsql::Sql3& sql) { return prepared(sql, sql.text); }
     // The same places in another text around it.
     Statement3 prepared(const tsql::Sql3& sql, const std::string& text);
+    // Places that stand for the cells of a row by their number, beside values of the session.
+    void bindRow(sqlite3_stmt* statement, const std::vector<tsql::Placeholder>& places, const std::vector<tsql::Cell>& row);
 
 private:
     void bindPlaces(sqlite3_stmt* statement, const std::vector<tsql::Placeholder>& places);

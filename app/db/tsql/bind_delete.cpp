@@ -1,31 +1,34 @@
-#include "app/db/tsql/binder.h"
+#include "app/db/tsql/bind_delete.h"
 
+#include "app/db/tsql/bind_change.h"
+#include "app/db/tsql/bind_condition.h"
+#include "app/db/tsql/bind_select.h"
 #include "app/db/tsql/errors.h"
+#include "app/db/tsql/render.h"
 
 namespace merchantry::db::tsql {
 
-ChangePlan Binder::deleteFrom(const DeleteStatement& statement) {
+ChangePlan bindDelete(Binding& binding, const DeleteStatement& statement) {
     if (!statement.currentOf.empty())
         throw unsupported("WHERE CURRENT OF", statement.line);
-    const CommonTablesScope known(commonTables_, statement.commonTables);
+    const CommonTablesScope known(binding, statement.commonTables);
     Scope scope;
-    const Restore here(scope_, &scope);
-    std::string from;
-    Source source;
-    const BaseRow base = changeTarget(statement.table, statement.from, scope, from, source);
-    std::string where;
+    const Restore here(binding.scope, &scope);
+    ChangeTarget target = bindChangeTarget(binding, statement.table, statement.from, scope);
+    const Source& source = target.source;
+    const BaseRow& base = source.bases[0];
+    BoundRows rows{std::move(target.from), std::nullopt, std::nullopt};
     if (statement.where) {
         const Restore clause(scope.clause, &kWhereClause);
-        where = " WHERE " + bindCondition(*statement.where);
+        rows.where = bindCondition(binding, *statement.where);
     }
-    const std::string limit = topLimit(statement.top);
+    rows.limit = bindLimit(binding, statement.top);
     ChangePlan plan;
     plan.kind = ChangePlan::Kind::Delete;
     plan.table = base.table;
     plan.updated.assign(base.table->columns.size(), false);
-    const bool instead = context_.catalog.hasInsteadTrigger(source.viewId != 0 ? source.viewId : base.table->id, "delete");
-    if (instead) {
-        bindInstead(plan, source, {}, " FROM " + from + where + limit, false, true);
+    if (binding.context.catalog.hasInsteadTrigger(source.viewId != 0 ? source.viewId : base.table->id, "delete")) {
+        bindInstead(plan, source, {}, rows, InsteadRows::Old);
         return plan;
     }
     if (source.viewId != 0 && source.bases.size() > 1)
@@ -33,15 +36,10 @@ ChangePlan Binder::deleteFrom(const DeleteStatement& statement) {
                         "View or function '" + statement.table.last() +
                             "' is not updatable because the modification affects multiple base tables.",
                         statement.line);
-    const bool simple = statement.from.empty() && limit.empty() && source.viewId == 0 && source.isTable;
-    if (simple)
-        plan.sql.text = "DELETE FROM " + base.table->storage + " AS " + source.sqlAlias + (where.empty() ? " WHERE 1" : where);
-    else
-        plan.sql.text =
-            "DELETE FROM " + base.table->storage + " AS tt WHERE tt._rowid_ IN (SELECT " + base.sql + " FROM " + from + where + limit + ")";
-    plan.sql.places = places_;
+    const bool inPlace = statement.from.empty() && !rows.limit && source.viewId == 0 && source.isTable;
+    plan.sql = render(BoundDelete{base.table, base.rowId, std::move(rows), source.alias, inPlace});
     if (statement.output)
-        bindOutput(plan, *statement.output);
+        bindOutput(binding, *statement.output, plan);
     return plan;
 }
 

@@ -1,121 +1,28 @@
-#include "app/db/tsql/binder.h"
+#include "app/db/tsql/bind_expression.h"
 
+#include "app/db/tsql/bind_condition.h"
+#include "app/db/tsql/bind_from.h"
+#include "app/db/tsql/bind_function.h"
+#include "app/db/tsql/bind_literal.h"
+#include "app/db/tsql/bind_select.h"
 #include "app/db/tsql/errors.h"
-#include "app/db/tsql/literal.h"
 #include "app/db/tsql/token.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
 
 namespace merchantry::db::tsql {
 namespace {
 
-Typed nullLiteral() {
-    Typed result;
-    result.sql = "NULL";
-    result.literal = Cell();
-    return result;
-}
-
-} // namespace
-
-std::string Binder::place(bool system, int slot) {
-    const auto [found, isNew] = placeOf_.try_emplace({system, slot}, static_cast<int>(places_.size()) + 1);
-    if (isNew)
-        places_.push_back({system, slot});
-    return "?" + std::to_string(found->second);
-}
-
-Typed Binder::bindValue(const Expr& expr) {
-    if (!scope_ || !scope_->grouped || scope_->insideAggregate > 0 || scope_->groups.empty() || expr.kind == ExprKind::Column)
-        return bindValueOf(expr);
-    // An expression that is one of the groups stands for its group.
-    for (const Group& group : scope_->groups) {
-        if (group.origin.place || !isSame(scope_, expr, *group.origin.expr))
-            continue;
-        const Restore within(scope_->grouped, false);
-        return bindValueOf(expr);
-    }
-    return bindValueOf(expr);
-}
-
-Typed Binder::bindValueOf(const Expr& expr) {
-    switch (expr.kind) {
-    case ExprKind::Null:
-        return nullLiteral();
-    case ExprKind::Integer:
-        return integerLiteral(expr);
-    case ExprKind::Number:
-        return numberLiteral(expr);
-    case ExprKind::Float: {
-        Typed result;
-        result.type = simpleType(TypeKind::Float);
-        result.nullable = false;
-        result.literal = Cell::ofReal(std::strtod(expr.text.c_str(), nullptr));
-        if (!std::isfinite(result.literal->real))
-            throw overflow(result.type);
-        result.sql = literalSql(*result.literal);
-        return result;
-    }
-    case ExprKind::Money:
-        return moneyLiteral(expr);
-    case ExprKind::Text:
-    case ExprKind::WideText:
-        return textLiteral(expr);
-    case ExprKind::Binary:
-        return binaryLiteral(expr);
-    case ExprKind::Column:
-        return column(expr);
-    case ExprKind::Variable:
-        return variable(expr);
-    case ExprKind::SystemVariable:
-        return systemVariable(expr);
-    case ExprKind::Unary:
-        return unary(expr);
-    case ExprKind::Arithmetic:
-        return arithmetic(expr);
-    case ExprKind::Case:
-        return caseOf(expr);
-    case ExprKind::Cast:
-        return cast(expr);
-    case ExprKind::Subquery:
-        return subquery(expr);
-    case ExprKind::Collate:
-        return collate(expr);
-    case ExprKind::Function:
-        return function(expr);
-    case ExprKind::Default:
-        throw syntaxError(156, "Incorrect syntax near the keyword 'DEFAULT'.", expr.line);
-    default:
-        throw syntaxError(102, "Incorrect syntax near a condition.", expr.line);
-    }
-}
-
 // ---- names
 
-BoundColumn Binder::columnAt(const ColumnPlace& place) {
-    const Source& source = place.scope->sources[place.source];
-    return source.table ? tableColumn(source, place.column) : source.columns[place.column];
-}
-
-Typed Binder::column(const Expr& expr) {
-    const ObjectName& name = expr.name;
-    bool qualifierKnown = name.parts.size() == 1;
-    if (const std::optional<ColumnPlace> place = findColumn(scope_, name, expr.line, &qualifierKnown))
-        return resolved(*place, expr.line);
-    if (!qualifierKnown)
-        throw nameError(4104, "The multi-part identifier \"" + name.toText() + "\" could not be bound.", expr.line);
-    throw nameError(207, "Invalid column name '" + name.last() + "'.", expr.line);
-}
-
-Typed Binder::resolved(const ColumnPlace& place, int line) {
+// The column, where its query's groups leave it single.
+Typed columnAt(Binding& binding, const ColumnPlace& place, int line) {
     const Scope& scope = *place.scope;
-    const BoundColumn column = columnAt(place);
+    BoundColumn column = boundColumn(binding, scope.sources[place.source], place.column);
     const bool isGroup =
         std::any_of(scope.groups.begin(), scope.groups.end(), [&](const Group& group) { return group.origin.place == place; });
     if (!scope.grouped || scope.insideAggregate > 0 || isGroup)
-        return column.value;
+        return std::move(column.value);
     const int number = scope.clause == &kHavingClause ? 8121 : scope.clause == &kOrderByClause ? 8127 : 8120;
     throw nameError(number,
                     "Column '" + scope.sources[place.source].exposed + "." + column.name + "' is invalid in the " +
@@ -124,37 +31,26 @@ Typed Binder::resolved(const ColumnPlace& place, int line) {
                     line);
 }
 
-int Binder::variableSlot(const std::string& name, int line) const {
-    for (std::size_t i = 0; i < context_.variables.size(); ++i) {
-        if (sameName(context_.variables[i].name, name))
-            return static_cast<int>(i);
-    }
-    throw nameError(137, "Must declare the scalar variable \"" + name + "\".", line).withSeverity(15, 2);
+Typed columnOf(Binding& binding, const Expr& expr) {
+    const ObjectName& name = expr.name;
+    bool qualifierKnown = name.parts.size() == 1;
+    if (const std::optional<ColumnPlace> place = findColumn(binding.scope, name, expr.line, &qualifierKnown))
+        return columnAt(binding, *place, expr.line);
+    if (!qualifierKnown)
+        throw nameError(4104, "The multi-part identifier \"" + name.toText() + "\" could not be bound.", expr.line);
+    throw nameError(207, "Invalid column name '" + name.last() + "'.", expr.line);
 }
 
-Typed Binder::variable(const Expr& expr) {
-    for (auto inlined = inlined_.rbegin(); inlined != inlined_.rend(); ++inlined) {
+Typed variable(const Binding& binding, const Expr& expr) {
+    for (auto inlined = binding.inlined.rbegin(); inlined != binding.inlined.rend(); ++inlined) {
         if (sameName(inlined->first, expr.text))
             return inlined->second;
     }
-    const int slot = variableSlot(expr.text, expr.line);
-    Typed result;
-    result.type = context_.variables[static_cast<std::size_t>(slot)].type;
-    result.isPlace = assigned_.count(slot) == 0;
-    result.sql = result.isPlace ? place(false, slot) : "ts_var(" + std::to_string(slot) + ")";
-    return result;
+    const int slot = binding.variableSlot(expr.text, expr.line);
+    return binding.assigned.count(slot) == 0 ? binding.variableBefore(slot) : binding.variableNow(slot);
 }
 
-Typed Binder::system(SystemValue value, const SqlType& type) {
-    Typed result;
-    result.type = type;
-    const std::string number = std::to_string(static_cast<int>(value));
-    result.isPlace = !inDefinition_;
-    result.sql = result.isPlace ? place(true, static_cast<int>(value)) : "ts_system(" + number + ")";
-    return result;
-}
-
-Typed Binder::systemVariable(const Expr& expr) {
+Typed systemVariable(const Binding& binding, const Expr& expr) {
     struct Entry {
         std::string_view name;
         SystemValue value;
@@ -180,65 +76,218 @@ Typed Binder::systemVariable(const Expr& expr) {
     };
     for (const Entry& entry : kEntries) {
         if (sameName(entry.name, expr.text))
-            return system(entry.value, entry.type);
+            return binding.system(entry.value, entry.type);
     }
     throw nameError(137, "Must declare the scalar variable \"" + expr.text + "\".", expr.line).withSeverity(15, 2);
 }
 
-// ---- CAST and COLLATE
+// ---- operators
 
-SqlType Binder::typeOfCast(const Expr& expr) const {
-    const std::optional<SqlType> builtIn = builtInType(expr.type, true);
-    return builtIn ? *builtIn : declaredType(expr.type);
+Typed inverted(Typed value, int line) {
+    if (!value.type.isWhole())
+        throw typeError(8117, "Operand data type " + kindNameOf(value.type) + " is invalid for '~' operator.", line);
+    const SqlType type = value.type;
+    if (type.kind == TypeKind::Bit)
+        return infix("-", wholeNumber(1), std::move(value), type);
+    Typed bits = typed(form::Inverted{std::move(value)}, type);
+    return type.kind == TypeKind::TinyInt ? infix("&", wholeNumber(255), std::move(bits), type) : bits;
 }
 
-Typed Binder::cast(const Expr& expr) {
-    const SqlType type = typeOfCast(expr);
-    Typed value = bindValue(*expr.args[0]);
-    const bool tries = expr.text.rfind("TRY_", 0) == 0;
-    if (tries) {
-        Typed result;
-        result.type = type;
-        const std::string style = expr.args.size() > 1 ? bindValue(*expr.args[1]).sql : "-1";
-        result.sql =
-            "ts_try(" + value.sql + "," + std::to_string(typeCode(value.type)) + "," + std::to_string(typeCode(type)) + "," + style + ")";
-        return result;
+Cell opposite(Cell cell, const SqlType& type) {
+    if (cell.kind == Cell::Kind::Real)
+        cell.real = -cell.real;
+    else if (type.kind == TypeKind::Decimal)
+        cell = decimalCell(-digitsOf(cell), type.precision);
+    else
+        cell.integer = -cell.integer;
+    return cell;
+}
+
+Typed minus(Typed value, int line) {
+    if (value.type.kind == TypeKind::Null)
+        return value;
+    if (value.type.isText() || value.type.isBinary() || value.type.isDate() || value.type.kind == TypeKind::UniqueIdentifier)
+        throw typeError(8117, "Operand data type " + kindNameOf(value.type) + " is invalid for minus operator.", line);
+    SqlType type = value.type;
+    if (value.literal() && !value.isNull())
+        return literalOf(opposite(*value.literal(), type), type);
+    if (type.kind == TypeKind::Decimal)
+        return called("ts_dec_neg", {std::move(value), wholeNumber(type.precision)}, type);
+    if (type.kind == TypeKind::TinyInt || type.kind == TypeKind::Bit)
+        type = value.type = simpleType(TypeKind::SmallInt);
+    return calculated('-', literalOf(type.isFloat() ? Cell::ofReal(0) : Cell::ofInteger(0), type), std::move(value), line);
+}
+
+Typed unary(Binding& binding, const Expr& expr) {
+    Typed value = bindValue(binding, *expr.args[0]);
+    switch (expr.text[0]) {
+    case '+':
+        return value;
+    case '~':
+        return inverted(std::move(value), expr.line);
+    default:
+        return minus(std::move(value), expr.line);
+    }
+}
+
+Typed arithmetic(Binding& binding, const Expr& expr) {
+    Typed left = bindValue(binding, *expr.args[0]);
+    return calculated(expr.text[0], std::move(left), bindValue(binding, *expr.args[1]), expr.line);
+}
+
+// ---- CASE, CAST and COLLATE
+
+Typed caseOf(Binding& binding, const Expr& expr) {
+    std::optional<Typed> input;
+    if (expr.input)
+        input = bindValue(binding, *expr.input);
+    form::Case result;
+    for (std::size_t i = 0; i + 1 < expr.args.size(); i += 2) {
+        const Expr& when = *expr.args[i];
+        Typed condition = input ? bindCompared(binding, "=", *input, bindValue(binding, when), when.line) : bindCondition(binding, when);
+        result.whens.emplace_back(std::move(condition), bindValue(binding, *expr.args[i + 1]));
+    }
+    if (expr.hasElse)
+        result.otherwise = bindValue(binding, *expr.args.back());
+    SqlType type;
+    for (const auto& [when, then] : result.whens)
+        type = commonType(type, then.type, expr.line);
+    if (result.otherwise)
+        type = commonType(type, result.otherwise->type, expr.line);
+    if (type.kind == TypeKind::Null)
+        throw typeError(8133,
+                        "At least one of the result expressions in a CASE expression must be an expression other than the NULL constant.",
+                        expr.line);
+    Collation collation = Collation::None;
+    for (auto& [when, then] : result.whens) {
+        collation = collation == Collation::None ? then.collation : collation;
+        then = implicitTo(std::move(then), type, expr.line);
+    }
+    if (result.otherwise)
+        result.otherwise = implicitTo(std::move(*result.otherwise), type, expr.line);
+    Typed choice = typed(std::move(result), type);
+    choice.collation = collation;
+    return choice;
+}
+
+Typed castOf(Binding& binding, const Expr& expr) {
+    const std::optional<SqlType> builtIn = builtInType(expr.type, true);
+    const SqlType type = builtIn ? *builtIn : binding.declaredType(expr.type);
+    Typed value = bindValue(binding, *expr.args[0]);
+    const bool isStyled = expr.args.size() > 1;
+    if (expr.text.rfind("TRY_", 0) == 0) {
+        const SqlType from = value.type;
+        Typed style = isStyled ? bindValue(binding, *expr.args[1]) : wholeNumber(-1);
+        return called("ts_try", {std::move(value), typeNumber(from), typeNumber(type), std::move(style)}, type);
     }
     if (value.type.isDate() && type.isBinary())
         throw unsupported("a date as binary", expr.line);
-    if (expr.args.size() < 2)
+    if (!isStyled)
         return convertTo(std::move(value), type);
-    const Typed style = convertTo(bindValue(*expr.args[1]), simpleType(TypeKind::Int));
-    if (style.literal && !style.literal->isNull())
-        return convertTo(std::move(value), type, ConvertFor::Value, static_cast<int>(style.literal->integer));
-    Typed result;
-    result.type = type;
-    result.sql =
-        "ts_cv(" + value.sql + "," + std::to_string(typeCode(value.type)) + "," + std::to_string(typeCode(type)) + "," + style.sql + ")";
+    Typed style = convertTo(bindValue(binding, *expr.args[1]), simpleType(TypeKind::Int));
+    if (style.literal() && !style.isNull())
+        return convertTo(std::move(value), type, ConvertFor::Value, static_cast<int>(style.literal()->integer));
+    const SqlType from = value.type;
+    return called("ts_cv", {std::move(value), typeNumber(from), typeNumber(type), std::move(style)}, type);
+}
+
+Collation collationNamed(const Expr& expr) {
+    const auto contains = [&](std::string_view part) { return expr.text.find(part) != std::string::npos; };
+    if (contains("_BIN"))
+        return Collation::Binary;
+    if (contains("_CS"))
+        return Collation::CaseCounts;
+    if (contains("_AI"))
+        throw unsupported("a collation without accents", expr.line);
+    if (contains("_CI") || sameName(expr.text, "database_default"))
+        return Collation::Usual;
+    throw nameError(448, "Invalid collation '" + expr.text + "'.", expr.line);
+}
+
+Typed collate(Binding& binding, const Expr& expr) {
+    Typed value = bindValue(binding, *expr.args[0]);
+    if (!value.type.isText())
+        throw typeError(447, "Expression type " + kindNameOf(value.type) + " is invalid for COLLATE clause.", expr.line);
+    value.collation = collationNamed(expr);
+    return value;
+}
+
+// A query as a value: more than one row is an error when it runs.
+Typed subquery(Binding& binding, const Expr& expr) {
+    std::unique_ptr<BoundQuery> query = bindOneColumn(binding, expr);
+    const Typed& column = query->columns[0].value;
+    const SqlType type = column.type;
+    const Collation collation = column.collation;
+    if (!query->oneRow) {
+        auto only = std::make_unique<BoundQuery>();
+        only->rows.from = from::Any{from::Subquery{std::move(query), ""}};
+        BoundColumn one;
+        one.value = called("ts_one", {queryColumn("", 0, type)}, type);
+        only->columns.push_back(std::move(one));
+        query = std::move(only);
+    }
+    Typed result = typed(form::Scalar{std::move(query)}, type);
+    result.collation = collation;
     return result;
 }
 
-Typed Binder::collate(const Expr& expr) {
-    Typed value = bindValue(*expr.args[0]);
-    if (!value.type.isText())
-        throw typeError(447, "Expression type " + kindNameOf(value.type) + " is invalid for COLLATE clause.", expr.line);
-    if (sameName(expr.text, "database_default")) {
-        value.collation = "ts";
-        return value;
+} // namespace
+
+bool readsMore(const Expr& expr) {
+    if (expr.query || (expr.kind == ExprKind::Function && expr.name.parts.size() > 1))
+        return true;
+    if (expr.input && readsMore(*expr.input))
+        return true;
+    return std::any_of(expr.args.begin(), expr.args.end(), [&](const ExprPtr& arg) { return readsMore(*arg); });
+}
+
+Typed bindValue(Binding& binding, const Expr& expr) {
+    Scope* scope = binding.scope;
+    if (!scope || !scope->grouped || scope->insideAggregate > 0 || scope->groups.empty() || expr.kind == ExprKind::Column)
+        return bindUngrouped(binding, expr);
+    // An expression that is one of the groups stands for its group.
+    const bool isGroup = std::any_of(scope->groups.begin(), scope->groups.end(),
+                                     [&](const Group& group) { return !group.origin.place && isSame(scope, expr, *group.origin.expr); });
+    const Restore within(scope->grouped, !isGroup);
+    return bindUngrouped(binding, expr);
+}
+
+Typed bindUngrouped(Binding& binding, const Expr& expr) {
+    switch (expr.kind) {
+    case ExprKind::Null:
+    case ExprKind::Integer:
+    case ExprKind::Number:
+    case ExprKind::Float:
+    case ExprKind::Money:
+    case ExprKind::Text:
+    case ExprKind::WideText:
+    case ExprKind::Binary:
+        return bindLiteral(expr);
+    case ExprKind::Column:
+        return columnOf(binding, expr);
+    case ExprKind::Variable:
+        return variable(binding, expr);
+    case ExprKind::SystemVariable:
+        return systemVariable(binding, expr);
+    case ExprKind::Unary:
+        return unary(binding, expr);
+    case ExprKind::Arithmetic:
+        return arithmetic(binding, expr);
+    case ExprKind::Case:
+        return caseOf(binding, expr);
+    case ExprKind::Cast:
+        return castOf(binding, expr);
+    case ExprKind::Subquery:
+        return subquery(binding, expr);
+    case ExprKind::Collate:
+        return collate(binding, expr);
+    case ExprKind::Function:
+        return bindFunction(binding, expr);
+    case ExprKind::Default:
+        throw syntaxError(156, "Incorrect syntax near the keyword 'DEFAULT'.", expr.line);
+    default:
+        throw syntaxError(102, "Incorrect syntax near a condition.", expr.line);
     }
-    const auto contains = [&](std::string_view part) { return expr.text.find(part) != std::string::npos; };
-    if (contains("_BIN"))
-        value.collation = "ts_bin";
-    else if (contains("_CS"))
-        value.collation = "ts_cs";
-    else if (contains("_AI"))
-        throw unsupported("a collation without accents", expr.line);
-    else if (contains("_CI"))
-        value.collation = "ts";
-    else
-        throw nameError(448, "Invalid collation '" + expr.text + "'.", expr.line);
-    value.isColumn = false;
-    return value;
 }
 
 } // namespace merchantry::db::tsql

@@ -1,7 +1,10 @@
-#include "app/db/tsql/functions.h"
+#include "app/db/tsql/bind_function.h"
 
-#include "app/db/tsql/binder.h"
+#include "app/db/tsql/bind_aggregate.h"
+#include "app/db/tsql/bind_condition.h"
+#include "app/db/tsql/bind_expression.h"
 #include "app/db/tsql/errors.h"
+#include "app/db/tsql/functions.h"
 #include "app/db/tsql/token.h"
 
 #include <algorithm>
@@ -124,20 +127,14 @@ DbError wrongCount(const Expr& expr, int wanted) {
     return syntaxError(174, "The " + expr.name.last() + " function requires " + std::to_string(wanted) + " argument(s).", expr.line);
 }
 
-std::string code(const SqlType& type) {
-    return std::to_string(typeCode(type));
-}
-
 bool isNumber(const SqlType& type) {
     return type.isWhole() || type.isMoney() || type.isFloat() || type.kind == TypeKind::Decimal;
 }
 
-} // namespace
-
-// Binds the calls of built-in functions, with the binder's means.
+// Binds the call of one built-in function.
 class FunctionBinder {
 public:
-    FunctionBinder(Binder& binder, const Expr& expr) : binder_(binder), expr_(expr) {}
+    FunctionBinder(Binding& binding, const Expr& expr) : binding_(binding), expr_(expr) {}
 
     std::optional<Typed> plain() {
         for (const PlainFunction& function : kPlain) {
@@ -150,7 +147,7 @@ public:
     std::optional<Typed> system() {
         for (const SystemFunction& function : systemFunctions()) {
             if (sameName(function.name, expr_.name.last()))
-                return binder_.system(function.value, function.type);
+                return binding_.system(function.value, function.type);
         }
         return std::nullopt;
     }
@@ -205,66 +202,60 @@ private:
             throw wrongCount(expr_, static_cast<int>(least));
     }
 
-    Typed argument(std::size_t index) { return binder_.bindValue(*expr_.args[index]); }
+    Typed argument(std::size_t index) { return bindValue(binding_, *expr_.args[index]); }
+    Typed argument(std::size_t index, TypeKind kind) { return convertTo(argument(index), simpleType(kind)); }
 
-    Typed asText(Typed value) {
-        if (value.type.isText() || value.type.kind == TypeKind::Null)
-            return value;
-        return tsql::convertTo(std::move(value), varcharType(8000));
-    }
-
-    Typed asNumber(Typed value) {
+    Typed numberArgument(std::size_t index) {
+        Typed value = argument(index);
         if (value.type.kind == TypeKind::Null)
-            return tsql::convertTo(std::move(value), simpleType(TypeKind::Int));
+            return convertTo(std::move(value), simpleType(TypeKind::Int));
         if (value.type.isText())
-            return tsql::convertTo(std::move(value), simpleType(TypeKind::Float));
+            return convertTo(std::move(value), simpleType(TypeKind::Float));
         if (!isNumber(value.type))
             throw typeError(
                 8116, "Argument data type " + kindNameOf(value.type) + " is invalid for argument 1 of " + expr_.name.last() + " function.",
                 expr_.line);
         if (value.type.kind == TypeKind::Bit || value.type.kind == TypeKind::TinyInt || value.type.kind == TypeKind::SmallInt)
-            return tsql::convertTo(std::move(value), simpleType(TypeKind::Int));
+            return convertTo(std::move(value), simpleType(TypeKind::Int));
         return value;
     }
 
-    Typed as(Typed value, TypeKind kind) { return tsql::convertTo(std::move(value), simpleType(kind)); }
-
-    static Typed made(std::string sql, const SqlType& type) {
-        Typed result;
-        result.sql = std::move(sql);
-        result.type = type;
-        return result;
+    // The values in the type that all have in common.
+    SqlType commonOf(const std::vector<Typed>& values) const {
+        SqlType type;
+        for (const Typed& value : values)
+            type = commonType(type, value.type, expr_.line);
+        return type;
     }
+    Typed inType(Typed value, const SqlType& type) const { return implicitTo(std::move(value), type, expr_.line); }
 
     Typed call(const PlainFunction& function) {
-        std::string sql;
-        SqlType first;
         const std::size_t optional = function.arguments.find('?');
         const std::size_t most = function.arguments.size() - (optional == std::string_view::npos ? 0 : 1);
-        const std::size_t least = std::min(optional, most);
-        requireCount(least, most);
+        requireCount(std::min(optional, most), most);
         std::string letters(function.arguments);
         std::erase(letters, '?');
+        SqlType first;
+        std::vector<Typed> arguments;
         for (std::size_t i = 0; i < expr_.args.size(); ++i) {
             Typed value = argument(i);
             if (i == 0)
                 first = value.type;
-            sql += i > 0 ? "," : "";
-            sql += adapted(std::move(value), letters[i]).sql;
+            arguments.push_back(adapted(std::move(value), letters[i]));
         }
-        return made(std::string(function.sql) + "(" + sql + ")", resultType(function, first));
+        return called(std::string(function.sql), std::move(arguments), resultType(function, first));
     }
 
-    Typed adapted(Typed value, char letter) {
+    static Typed adapted(Typed value, char letter) {
         switch (letter) {
         case 't':
-            return asText(std::move(value));
+            return value.type.isText() ? value : convertTo(std::move(value), varcharType(8000));
         case 'i':
-            return as(std::move(value), TypeKind::Int);
+            return convertTo(std::move(value), simpleType(TypeKind::Int));
         case 'f':
-            return as(std::move(value), TypeKind::Float);
+            return convertTo(std::move(value), simpleType(TypeKind::Float));
         case 'd':
-            return as(std::move(value), TypeKind::DateTime);
+            return convertTo(std::move(value), simpleType(TypeKind::DateTime));
         default:
             return value;
         }
@@ -299,11 +290,12 @@ private:
         requireCount(2, 2);
         Typed value = argument(0);
         Typed other = argument(1);
-        const SqlType type = value.type.kind == TypeKind::Null ? other.type : value.type;
         if (value.type.kind == TypeKind::Null)
             return other;
-        Typed result = made("ifnull(" + value.sql + "," + tsql::implicitTo(std::move(other), type, expr_.line).sql + ")", type);
-        result.collation = value.collation;
+        const SqlType type = value.type;
+        const Collation collation = value.collation;
+        Typed result = called("ifnull", {std::move(value), inType(std::move(other), type)}, type);
+        result.collation = collation;
         return result;
     }
 
@@ -311,195 +303,235 @@ private:
         if (expr_.args.size() < 2)
             throw wrongCount(expr_, 2);
         std::vector<Typed> values;
-        SqlType type;
-        for (std::size_t i = 0; i < expr_.args.size(); ++i) {
+        for (std::size_t i = 0; i < expr_.args.size(); ++i)
             values.push_back(argument(i));
-            type = commonType(type, values.back().type, expr_.line);
-        }
+        const SqlType type = commonOf(values);
         if (type.kind == TypeKind::Null)
             throw typeError(4127, "At least one of the arguments to COALESCE must be an expression that is not the NULL constant.",
                             expr_.line);
-        std::string sql;
         for (Typed& value : values)
-            sql += (sql.empty() ? "" : ",") + tsql::implicitTo(std::move(value), type, expr_.line).sql;
-        return made("coalesce(" + sql + ")", type);
+            value = inType(std::move(value), type);
+        return called("coalesce", std::move(values), type);
+    }
+
+    static Typed choice(Typed condition, Typed then, Typed otherwise) {
+        const SqlType type = then.type.kind == TypeKind::Null ? otherwise.type : then.type;
+        form::Case result;
+        result.whens.emplace_back(std::move(condition), std::move(then));
+        result.otherwise = std::move(otherwise);
+        return typed(std::move(result), type);
     }
 
     Typed nullIf() {
         requireCount(2, 2);
         Typed value = argument(0);
-        const std::string same = binder_.compare("=", value, argument(1), expr_.line);
-        return made("(CASE WHEN " + same + " THEN NULL ELSE " + value.sql + " END)",
-                    value.type.kind == TypeKind::Null ? simpleType(TypeKind::Int) : value.type);
+        Typed same = bindCompared(binding_, "=", value, argument(1), expr_.line);
+        if (value.type.kind == TypeKind::Null)
+            value.type = simpleType(TypeKind::Int);
+        return choice(std::move(same), nullLiteral(), std::move(value));
     }
 
     Typed iif() {
         requireCount(3, 3);
-        const std::string condition = binder_.bindCondition(*expr_.args[0]);
+        Typed condition = bindCondition(binding_, *expr_.args[0]);
         Typed yes = argument(1);
         Typed no = argument(2);
         const SqlType type = commonType(yes.type, no.type, expr_.line);
-        return made("(CASE WHEN " + condition + " THEN " + tsql::implicitTo(std::move(yes), type, expr_.line).sql + " ELSE " +
-                        tsql::implicitTo(std::move(no), type, expr_.line).sql + " END)",
-                    type);
+        return choice(std::move(condition), inType(std::move(yes), type), inType(std::move(no), type));
     }
 
     Typed choose() {
         requireCount(2, 100);
         std::vector<Typed> values;
-        SqlType type;
-        for (std::size_t i = 1; i < expr_.args.size(); ++i) {
+        for (std::size_t i = 1; i < expr_.args.size(); ++i)
             values.push_back(argument(i));
-            type = commonType(type, values.back().type, expr_.line);
-        }
-        std::string sql = "(CASE " + as(argument(0), TypeKind::Int).sql;
+        const SqlType type = commonOf(values);
+        form::Case result;
+        result.input = argument(0, TypeKind::Int);
         for (std::size_t i = 0; i < values.size(); ++i)
-            sql += " WHEN " + std::to_string(i + 1) + " THEN " + tsql::implicitTo(std::move(values[i]), type, expr_.line).sql;
-        return made(sql + " END)", type);
+            result.whens.emplace_back(wholeNumber(static_cast<std::int64_t>(i) + 1), inType(std::move(values[i]), type));
+        return typed(std::move(result), type);
     }
 
     Typed concat() {
         requireCount(2, 254);
-        std::string sql;
+        form::Infix chain{"||", {}};
         bool wide = false;
         for (std::size_t i = 0; i < expr_.args.size(); ++i) {
             Typed value = argument(i);
             wide = wide || value.type.kind == TypeKind::NVarChar || value.type.kind == TypeKind::NChar;
-            sql += (i > 0 ? "||" : "") + ("ifnull(" + asText(std::move(value)).sql + ",'')");
+            value = adapted(std::move(value), 't');
+            chain.operands.push_back(called("ifnull", {std::move(value), literalOf(Cell::ofText(""), varcharType(1))}, varcharType(8000)));
         }
-        return made("(" + sql + ")", wide ? nvarcharType(4000) : varcharType(8000));
+        return typed(std::move(chain), wide ? nvarcharType(4000) : varcharType(8000));
     }
 
     Typed dataLength() {
         requireCount(1, 1);
-        const Typed value = argument(0);
-        return made("ts_datalength(" + value.sql + "," + code(value.type) + ")", simpleType(TypeKind::Int));
+        Typed value = argument(0);
+        Typed of = typeNumber(value.type);
+        return called("ts_datalength", {std::move(value), std::move(of)}, simpleType(TypeKind::Int));
     }
 
     Typed isNumeric() {
         requireCount(1, 1);
+        const SqlType type = simpleType(TypeKind::Int);
         Typed value = argument(0);
         if (isNumber(value.type))
-            return made("(" + value.sql + " IS NOT NULL)", simpleType(TypeKind::Int));
-        return made("ts_isnumeric(" + asText(std::move(value)).sql + ")", simpleType(TypeKind::Int));
+            return typed(form::IsNull{std::move(value), true}, type);
+        return called("ts_isnumeric", {adapted(std::move(value), 't')}, type);
     }
 
     Typed abs() { return typedCall("ts_abs"); }
     Typed sign() { return typedCall("ts_sign"); }
 
-    Typed typedCall(const std::string& name) {
+    Typed typedCall(const char* function) {
         requireCount(1, 1);
-        const Typed value = asNumber(argument(0));
-        return made(name + "(" + value.sql + "," + code(value.type) + ")", value.type);
+        Typed value = numberArgument(0);
+        const SqlType type = value.type;
+        return called(function, {std::move(value), typeNumber(type)}, type);
     }
 
     Typed floor() {
         requireCount(1, 1);
         const bool up = sameName(expr_.name.last(), "CEILING");
-        const Typed value = asNumber(argument(0));
-        const SqlType type = value.type.kind == TypeKind::Decimal ? decimalType(value.type.precision, 0) : value.type;
-        return made(std::string(up ? "ts_ceiling(" : "ts_floor(") + value.sql + "," + code(value.type) + ")", type);
+        Typed value = numberArgument(0);
+        const SqlType from = value.type;
+        const SqlType type = from.kind == TypeKind::Decimal ? decimalType(from.precision, 0) : from;
+        return called(up ? "ts_ceiling" : "ts_floor", {std::move(value), typeNumber(from)}, type);
     }
 
     Typed round() {
         requireCount(2, 3);
-        const Typed value = asNumber(argument(0));
-        const std::string places = as(argument(1), TypeKind::Int).sql;
-        const std::string cut = expr_.args.size() > 2 ? as(argument(2), TypeKind::Int).sql : "0";
-        return made("ts_round(" + value.sql + "," + places + "," + cut + "," + code(value.type) + ")", value.type);
+        Typed value = numberArgument(0);
+        const SqlType type = value.type;
+        Typed places = argument(1, TypeKind::Int);
+        Typed cut = expr_.args.size() > 2 ? argument(2, TypeKind::Int) : wholeNumber(0);
+        return called("ts_round", {std::move(value), std::move(places), std::move(cut), typeNumber(type)}, type);
     }
 
     Typed power() {
         requireCount(2, 2);
-        const Typed value = asNumber(argument(0));
-        const SqlType type = value.type.kind == TypeKind::Decimal ? decimalType(38, value.type.scale) : value.type;
-        return made("ts_power(" + value.sql + "," + as(argument(1), TypeKind::Float).sql + "," + code(value.type) + "," + code(type) + ")",
-                    type);
+        Typed value = numberArgument(0);
+        const SqlType from = value.type;
+        const SqlType type = from.kind == TypeKind::Decimal ? decimalType(38, from.scale) : from;
+        return called("ts_power", {std::move(value), argument(1, TypeKind::Float), typeNumber(from), typeNumber(type)}, type);
     }
 
     Typed degrees() {
         requireCount(1, 1);
         const bool toDegrees = sameName(expr_.name.last(), "DEGREES");
-        return made(std::string(toDegrees ? "ts_degrees(" : "ts_radians(") + as(argument(0), TypeKind::Float).sql + ")",
-                    simpleType(TypeKind::Float));
+        return called(toDegrees ? "ts_degrees" : "ts_radians", {argument(0, TypeKind::Float)}, simpleType(TypeKind::Float));
     }
 
     // ---- dates
 
-    std::string part() const {
+    DatePart part() const {
         const Expr& part = *expr_.args[0];
         const bool named = part.kind == ExprKind::Column && part.name.parts.size() == 1;
         const int number = named ? datePartOf(part.name.last()) : -1;
         if (number < 0)
             throw syntaxError(155, "'" + (named ? part.name.last() : part.text) + "' is not a recognized " + expr_.name.last() + " option.",
                               expr_.line);
-        return std::to_string(number);
+        return static_cast<DatePart>(number);
     }
+    static Typed partNumber(DatePart part) { return wholeNumber(static_cast<int>(part)); }
 
     Typed date(std::size_t index) {
         Typed value = argument(index);
-        const bool small = value.type.kind == TypeKind::SmallDateTime;
-        return small ? value : as(std::move(value), TypeKind::DateTime);
+        return value.type.kind == TypeKind::SmallDateTime ? value : convertTo(std::move(value), simpleType(TypeKind::DateTime));
     }
 
     // Days since 1900 of a date in milliseconds, in SQLite's own arithmetic, which cuts towards zero.
-    static std::string dayNumber(const std::string& date) {
-        const std::string day = std::to_string(Date::kMsPerDay);
-        return "(CASE WHEN " + date + "<0 THEN (" + date + "-" + std::to_string(Date::kMsPerDay - 1) + ")/" + day + " ELSE " + date + "/" +
-               day + " END)";
+    static Typed dayNumber(const Typed& date) {
+        const SqlType whole = simpleType(TypeKind::BigInt);
+        const Typed day = wholeNumber(Date::kMsPerDay);
+        const Typed below = infix("-", date, wholeNumber(Date::kMsPerDay - 1), whole);
+        return choice(condition(form::Compare{form::Comparison::Less, date, wholeNumber(0)}), infix("/", below, day, whole),
+                      infix("/", date, day, whole));
     }
 
     Typed dateAdd() {
         requireCount(3, 3);
-        const std::string number = as(argument(1), TypeKind::Int).sql;
-        const Typed value = date(2);
-        return made("ts_dateadd(" + part() + "," + number + "," + value.sql + ")", value.type);
+        Typed number = argument(1, TypeKind::Int);
+        Typed value = date(2);
+        const SqlType type = value.type;
+        return called("ts_dateadd", {partNumber(part()), std::move(number), std::move(value)}, type);
     }
 
     Typed dateDiff() {
         requireCount(3, 3);
-        const Typed from = date(1);
-        const Typed to = date(2);
-        const std::string what = part();
-        const auto plain = [](const Typed& value) { return value.isColumn || value.literal.has_value(); };
-        if (what == std::to_string(static_cast<int>(DatePart::Day)) && plain(from) && plain(to)) // the commonest grouping of all
-            return made("(" + dayNumber(to.sql) + "-" + dayNumber(from.sql) + ")", simpleType(TypeKind::Int));
-        return made("ts_datediff(" + what + "," + from.sql + "," + to.sql + ")", simpleType(TypeKind::Int));
+        const SqlType whole = simpleType(TypeKind::Int);
+        Typed from = date(1);
+        Typed to = date(2);
+        const DatePart what = part();
+        const auto plain = [](const Typed& value) { return value.isColumn() || value.literal(); };
+        if (what == DatePart::Day && plain(from) && plain(to)) // the commonest grouping of all
+            return infix("-", dayNumber(to), dayNumber(from), whole);
+        return called("ts_datediff", {partNumber(what), std::move(from), std::move(to)}, whole);
     }
 
     Typed datePart() {
         requireCount(2, 2);
         const bool name = sameName(expr_.name.last(), "DATENAME");
-        const std::string first = binder_.system(SystemValue::DateFirst, simpleType(TypeKind::TinyInt)).sql;
-        return made(std::string(name ? "ts_datename(" : "ts_datepart(") + part() + "," + date(1).sql + "," + first + ")",
-                    name ? nvarcharType(30) : simpleType(TypeKind::Int));
+        Typed first = binding_.system(SystemValue::DateFirst, simpleType(TypeKind::TinyInt));
+        return called(name ? "ts_datename" : "ts_datepart", {partNumber(part()), date(1), std::move(first)},
+                      name ? nvarcharType(30) : simpleType(TypeKind::Int));
     }
 
     Typed identity() {
         requireCount(1, 1);
-        const std::string which = sameName(expr_.name.last(), "IDENT_CURRENT") ? "0"
-                                  : sameName(expr_.name.last(), "IDENT_SEED")  ? "1"
-                                                                               : "2";
-        return made("ts_cv(ts_ident_info(" + asText(argument(0)).sql + "," + which + ")," + code(simpleType(TypeKind::BigInt)) + "," +
-                        code(decimalType(38, 0)) + ")",
-                    decimalType(38, 0));
+        const int which = sameName(expr_.name.last(), "IDENT_CURRENT") ? 0 : sameName(expr_.name.last(), "IDENT_SEED") ? 1 : 2;
+        const SqlType number = simpleType(TypeKind::BigInt);
+        return convertTo(called("ts_ident_info", {adapted(argument(0), 't'), wholeNumber(which)}, number), decimalType(38, 0));
     }
 
     // UPDATE(column) of a trigger.
     Typed updated() {
         requireCount(1, 1);
-        if (!binder_.context_.triggerTable || expr_.args[0]->kind != ExprKind::Column)
+        const TableDef* table = binding_.context.triggerTable;
+        if (!table || expr_.args[0]->kind != ExprKind::Column)
             throw syntaxError(140, "Can only use IF UPDATE within a CREATE TRIGGER statement.", expr_.line);
         const std::string& name = expr_.args[0]->name.last();
-        const int column = binder_.context_.triggerTable->find(name);
+        const int column = table->find(name);
         if (column < 0)
             throw nameError(207, "Invalid column name '" + name + "'.", expr_.line);
-        return made("ts_updated(" + std::to_string(column) + ")", simpleType(TypeKind::Bit));
+        return called("ts_updated", {wholeNumber(column)}, simpleType(TypeKind::Bit));
     }
 
-    Binder& binder_;
+    Binding& binding_;
     const Expr& expr_;
 };
+
+DbError tooFew(const FunctionDef& function, int line) {
+    return syntaxError(313, "An insufficient number of arguments were supplied for the procedure or function " + function.name + ".", line);
+}
+
+// A function of the store.
+Typed ownFunction(Binding& binding, const Expr& expr) {
+    const std::shared_ptr<const FunctionDef> found = binding.context.catalog.function(expr.name);
+    if (!found || found->statement->table)
+        throw nameError(4121,
+                        "Cannot find either column \"" + expr.name.parts[0] + "\" or the user-defined function or aggregate \"" +
+                            expr.name.toText() + "\", or the name is ambiguous.",
+                        expr.line);
+    if (expr.args.size() > found->parameters.size())
+        throw syntaxError(8144, "Procedure or function " + found->name + " has too many arguments specified.", expr.line);
+    if (expr.args.size() < found->parameters.size())
+        throw tooFew(*found, expr.line);
+    std::vector<Typed> arguments = {wholeNumber(found->id)};
+    for (std::size_t i = 0; i < expr.args.size(); ++i) {
+        const FunctionDef::Parameter& parameter = found->parameters[i];
+        const bool isDefault = expr.args[i]->kind == ExprKind::Default;
+        if (isDefault && !parameter.defaultValue)
+            throw tooFew(*found, expr.line);
+        Typed value = bindValue(binding, isDefault ? *parameter.defaultValue : *expr.args[i]);
+        arguments.push_back(implicitTo(std::move(value), parameter.type, expr.line));
+    }
+    return called("ts_udf", std::move(arguments), found->returns);
+}
+
+} // namespace
 
 std::vector<std::string_view> builtInFunctions() {
     std::vector<std::string_view> names = aggregateNames();
@@ -515,15 +547,15 @@ std::vector<std::string_view> builtInFunctions() {
     return names;
 }
 
-Typed Binder::function(const Expr& expr) {
+Typed bindFunction(Binding& binding, const Expr& expr) {
     if (expr.name.parts.size() > 1)
-        return userFunction(expr);
+        return ownFunction(binding, expr);
     const std::string& name = expr.name.last();
     if (isRanking(name) || (expr.window && isAggregate(name)))
-        return windowed(expr, name);
+        return bindWindowed(binding, expr);
     if (isAggregate(name))
-        return aggregate(expr, name);
-    FunctionBinder binder(*this, expr);
+        return bindAggregate(binding, expr);
+    FunctionBinder binder(binding, expr);
     if (std::optional<Typed> found = binder.special())
         return *found;
     if (std::optional<Typed> found = binder.system())
@@ -531,34 +563,6 @@ Typed Binder::function(const Expr& expr) {
     if (std::optional<Typed> found = binder.plain())
         return *found;
     throw nameError(195, "'" + name + "' is not a recognized built-in function name.", expr.line).withSeverity(15, 10);
-}
-
-Typed Binder::userFunction(const Expr& expr) {
-    const std::shared_ptr<const FunctionDef> found = context_.catalog.function(expr.name);
-    if (!found || found->statement->table)
-        throw nameError(4121,
-                        "Cannot find either column \"" + expr.name.parts[0] + "\" or the user-defined function or aggregate \"" +
-                            expr.name.toText() + "\", or the name is ambiguous.",
-                        expr.line);
-    if (expr.args.size() > found->parameters.size())
-        throw syntaxError(8144, "Procedure or function " + found->name + " has too many arguments specified.", expr.line);
-    if (expr.args.size() < found->parameters.size())
-        throw syntaxError(313, "An insufficient number of arguments were supplied for the procedure or function " + found->name + ".",
-                          expr.line);
-    Typed result;
-    result.type = found->returns;
-    result.sql = "ts_udf(" + std::to_string(found->id);
-    for (std::size_t i = 0; i < expr.args.size(); ++i) {
-        const FunctionDef::Parameter& parameter = found->parameters[i];
-        const bool isDefault = expr.args[i]->kind == ExprKind::Default;
-        if (isDefault && !parameter.defaultValue)
-            throw syntaxError(313, "An insufficient number of arguments were supplied for the procedure or function " + found->name + ".",
-                              expr.line);
-        Typed value = bindValue(isDefault ? *parameter.defaultValue : *expr.args[i]);
-        result.sql += "," + implicitTo(std::move(value), parameter.type, expr.line).sql;
-    }
-    result.sql += ")";
-    return result;
 }
 
 } // namespace merchantry::db::tsql

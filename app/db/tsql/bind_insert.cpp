@@ -1,16 +1,29 @@
-#include "app/db/tsql/binder.h"
+#include "app/db/tsql/bind_insert.h"
 
+#include "app/db/tsql/bind_change.h"
+#include "app/db/tsql/bind_expression.h"
+#include "app/db/tsql/bind_from.h"
+#include "app/db/tsql/bind_select.h"
 #include "app/db/tsql/errors.h"
+#include "app/db/tsql/render.h"
 #include "app/db/tsql/token.h"
-#include "base/text.h"
 
 #include <algorithm>
 
 namespace merchantry::db::tsql {
+namespace {
 
-Binder::Target Binder::insertTarget(const ObjectName& name) {
+// Where rows go.
+struct Target {
+    std::shared_ptr<const TableDef> table;
+    std::vector<int> columns; // the table's columns, as far as a view shows them; -1 for what is none
+    std::vector<std::string> names;
+    bool instead = false; // a trigger takes the rows
+};
+
+Target targetOf(Binding& binding, const ObjectName& name) {
     Target target;
-    if (std::shared_ptr<const TableDef> table = findTable(name)) {
+    if (std::shared_ptr<const TableDef> table = binding.findTable(name)) {
         if (table->readOnly)
             throw typeError(286, "The logical tables INSERTED and DELETED and the catalogue cannot be updated.", name.line);
         target.table = std::move(table);
@@ -22,15 +35,14 @@ Binder::Target Binder::insertTarget(const ObjectName& name) {
     }
     if (name.last().front() == '@')
         throw nameError(1087, "Must declare the table variable \"" + name.last() + "\".", name.line).withSeverity(15, 2);
-    const std::shared_ptr<const ViewDef> view = context_.catalog.view(name);
+    const std::shared_ptr<const ViewDef> view = binding.context.catalog.view(name);
     if (!view)
         throw nameError(208, "Invalid object name '" + name.toText() + "'.", name.line);
     Scope scope;
     TableRef ref;
     ref.name = name;
-    bindView(ref, *view, scope);
+    bindView(binding, ref, *view, scope);
     const Source& source = scope.sources[0];
-    target.viewId = view->id;
     if (source.grouped || source.bases.empty())
         throw typeError(4406,
                         "Update or insert of view or function '" + view->name + "' failed because it contains a derived or constant field.",
@@ -49,7 +61,30 @@ Binder::Target Binder::insertTarget(const ObjectName& name) {
     return target;
 }
 
-std::vector<int> Binder::insertColumns(const InsertStatement& statement, const Target& target) {
+// The rows of a view that a trigger takes: whatever it shows.
+Target shapeOf(Binding& binding, const ViewDef& view) {
+    Target target;
+    auto shape = std::make_shared<TableDef>();
+    shape->id = view.id;
+    shape->name = view.name;
+    Scope scope;
+    TableRef ref;
+    ref.name.parts.push_back(view.name);
+    bindView(binding, ref, view, scope);
+    for (const BoundColumn& column : scope.sources[0].columns) {
+        ColumnDef definition;
+        definition.name = column.name;
+        definition.type = column.value.type;
+        target.columns.push_back(static_cast<int>(shape->columns.size()));
+        target.names.push_back(column.name);
+        shape->columns.push_back(std::move(definition));
+    }
+    target.table = std::move(shape);
+    target.instead = true;
+    return target;
+}
+
+std::vector<int> columnsOf(const InsertStatement& statement, const Target& target) {
     std::vector<int> columns;
     if (!statement.hasColumns) {
         for (const int column : target.columns) {
@@ -87,12 +122,12 @@ std::vector<int> Binder::insertColumns(const InsertStatement& statement, const T
     return columns;
 }
 
-void Binder::checkIdentity(const TableDef& table, const std::vector<int>& columns, bool named, int line) {
+void checkIdentity(const Binding& binding, const TableDef& table, const std::vector<int>& columns, bool named, int line) {
     const int identity = table.identityColumn();
     if (identity < 0)
         return;
     const bool given = std::find(columns.begin(), columns.end(), identity) != columns.end();
-    const bool allowed = context_.catalog.identityInsert(table);
+    const bool allowed = binding.context.catalog.identityInsert(table);
     if (named && given && !allowed)
         throw typeError(
             544, "Cannot insert explicit value for identity column in table '" + table.name + "' when IDENTITY_INSERT is set to OFF.",
@@ -110,11 +145,11 @@ void Binder::checkIdentity(const TableDef& table, const std::vector<int>& column
                         line);
 }
 
-void Binder::checkWidth(const InsertStatement& statement, std::size_t wanted, std::size_t given, bool values) const {
+void checkWidth(const Binding& binding, const InsertStatement& statement, std::size_t wanted, std::size_t given, bool values) {
     if (wanted == given)
         return;
     if (!statement.hasColumns) {
-        const std::shared_ptr<const TableDef> table = context_.catalog.table(statement.table);
+        const std::shared_ptr<const TableDef> table = binding.context.catalog.table(statement.table);
         if (table && table->identityColumn() >= 0 && given == wanted + 1)
             throw typeError(8101,
                             "An explicit value for the identity column in table '" + table->name +
@@ -136,175 +171,160 @@ void Binder::checkWidth(const InsertStatement& statement, std::size_t wanted, st
                       statement.line);
 }
 
-Typed Binder::defaultOf(const TableDef& table, int column) {
-    const ColumnDef& definition = table.columns[static_cast<std::size_t>(column)];
-    if (!definition.defaultValue) {
-        Typed null;
-        null.sql = "NULL";
-        null.literal = Cell();
-        return null;
+// Binds the rows of one INSERT.
+class InsertBinder {
+public:
+    InsertBinder(Binding& binding, const InsertStatement& statement, const Target& target)
+        : binding_(binding), statement_(statement), target_(target), table_(*target.table) {
+        insert_.table = target.table;
     }
-    const Restore nowhere(scope_, nullptr);
-    return bindValue(*definition.defaultValue);
-}
 
-std::string Binder::storedValue(Typed value, const TableDef& table, int column, int line) {
-    return implicitTo(std::move(value), table.columns[static_cast<std::size_t>(column)].type, line, ConvertFor::Column).sql;
-}
+    // The rows for these columns, every other one by its default.
+    BoundInsert rows(const std::vector<int>& columns) {
+        columns_ = columns;
+        if (statement_.defaultValues)
+            insert_.rows.push_back(row({}));
+        else if (statement_.query)
+            query();
+        else
+            values();
+        return std::move(insert_);
+    }
 
-// The values of a whole row in the order of the table, computed columns left out.
-std::vector<std::string> Binder::rowValues(const TableDef& table, const std::vector<int>& columns, const std::vector<std::string>& given,
-                                           Numbers numbers) {
-    std::vector<std::string> row;
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        const ColumnDef& column = table.columns[i];
-        if (column.computed)
-            continue;
-        const auto found = std::find(columns.begin(), columns.end(), static_cast<int>(i));
-        if (found != columns.end()) {
-            const std::string& value = given[static_cast<std::size_t>(found - columns.begin())];
-            row.push_back(column.identity ? "ts_identity(" + std::to_string(table.id) + "," + value + ")" : value);
-        } else if (column.identity) {
-            Typed number;
-            number.type = simpleType(TypeKind::BigInt);
-            number.sql = numbers == Numbers::Given ? "ts_identity(" + std::to_string(table.id) + ")" : "0";
-            row.push_back(convertTo(std::move(number), column.type, ConvertFor::Column).sql);
-        } else {
-            row.push_back(storedValue(defaultOf(table, static_cast<int>(i)), table, static_cast<int>(i), 0));
+    // One row whose values come from outside.
+    BoundInsert given(const std::vector<int>& columns, std::vector<Typed> values) {
+        columns_ = columns;
+        for (std::size_t i = 0; i < values.size(); ++i)
+            values[i] = storedIn(column(columns[i]), std::move(values[i]), statement_.line);
+        insert_.rows.push_back(row(values));
+        return std::move(insert_);
+    }
+
+private:
+    const ColumnDef& column(int index) const { return table_.columns[static_cast<std::size_t>(index)]; }
+
+    // A whole row in the order of the table, computed columns left out.
+    std::vector<Typed> row(const std::vector<Typed>& given) {
+        std::vector<Typed> row;
+        for (std::size_t i = 0; i < table_.columns.size(); ++i) {
+            const ColumnDef& column = table_.columns[i];
+            const auto found = std::find(columns_.begin(), columns_.end(), static_cast<int>(i));
+            if (column.computed)
+                continue;
+            if (found != columns_.end())
+                row.push_back(explicitValue(column, given[static_cast<std::size_t>(found - columns_.begin())]));
+            else if (column.identity)
+                row.push_back(convertTo(nextIdentity(), column.type, ConvertFor::Column));
+            else
+                row.push_back(storedIn(column, bindDefault(binding_, column), 0));
+        }
+        return row;
+    }
+
+    Typed explicitValue(const ColumnDef& column, const Typed& value) const {
+        return column.identity ? called("ts_identity", {wholeNumber(table_.id), value}, column.type) : value;
+    }
+
+    // None for a row that a trigger takes.
+    Typed nextIdentity() const {
+        const SqlType type = simpleType(TypeKind::BigInt);
+        return target_.instead ? literalOf(Cell::ofInteger(0), type) : called("ts_identity", {wholeNumber(table_.id)}, type);
+    }
+
+    void values() {
+        for (const std::vector<ExprPtr>& exprs : statement_.rows) {
+            checkWidth(binding_, statement_, columns_.size(), exprs.size(), true);
+            std::vector<Typed> given;
+            for (std::size_t i = 0; i < exprs.size(); ++i) {
+                const ColumnDef& to = column(columns_[i]);
+                const bool isDefault = exprs[i]->kind == ExprKind::Default;
+                given.push_back(storedIn(to, isDefault ? bindDefault(binding_, to) : bindValue(binding_, *exprs[i]), statement_.line));
+            }
+            insert_.rows.push_back(row(given));
         }
     }
-    return row;
-}
 
-std::string Binder::insertHead(const TableDef& table) const {
-    std::string names;
-    for (const ColumnDef& column : table.columns) {
-        if (!column.computed)
-            names += (names.empty() ? "" : ",") + quotedName(column.name);
-    }
-    return "INSERT INTO " + table.storage + "(" + names + ") ";
-}
-
-std::string Binder::insertValues(const InsertStatement& statement, const Target& target, const std::vector<int>& columns, Numbers numbers) {
-    const TableDef& table = *target.table;
-    std::string sql;
-    for (const std::vector<ExprPtr>& row : statement.rows) {
-        checkWidth(statement, columns.size(), row.size(), true);
-        std::vector<std::string> given;
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            const bool isDefault = row[i]->kind == ExprKind::Default;
-            given.push_back(storedValue(isDefault ? defaultOf(table, columns[i]) : bindValue(*row[i]), table, columns[i], statement.line));
+    void query() {
+        std::unique_ptr<BoundQuery> query = bindQuery(binding_, *statement_.query);
+        checkWidth(binding_, statement_, columns_.size(), query->columns.size(), false);
+        const std::string alias = binding_.nextAlias();
+        std::vector<Typed> given;
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            Typed value = query->columns[i].value;
+            if (!value.isNull())
+                value.form = queryColumn(alias, i, value.type).form;
+            given.push_back(storedIn(column(columns_[i]), std::move(value), statement_.line));
         }
-        sql += (sql.empty() ? "VALUES (" : ",(") + joined(rowValues(table, columns, given, numbers), ",") + ")";
+        if (statement_.top)
+            query->limit = bindLimit(binding_, statement_.top);
+        else if (!query->orderBy.empty() && !query->isLimited())
+            query->limit = wholeNumber(-1); // keeps the order for the numbers that are given on the way
+        insert_.rows.push_back(row(given));
+        insert_.from = from::Any{from::Subquery{std::move(query), alias}};
     }
-    return sql;
-}
 
-std::string Binder::insertQuery(const InsertStatement& statement, const Target& target, const std::vector<int>& columns, Numbers numbers) {
-    std::unique_ptr<BoundQuery> query = bindQuery(*statement.query, true);
-    checkWidth(statement, columns.size(), query->columns.size(), false);
-    std::vector<std::string> given;
-    const std::string alias = nextAlias();
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        Typed value = query->columns[i].value;
-        if (!(query->op == SetOperator::None && value.literal))
-            value.literal.reset();
-        value.sql = alias + "._c" + std::to_string(i);
-        if (value.literal && value.literal->isNull())
-            value.sql = "NULL";
-        value.literal.reset();
-        value.isPlace = false;
-        given.push_back(storedValue(std::move(value), *target.table, columns[i], statement.line));
-    }
-    if (statement.top)
-        query->limit = topLimit(statement.top);
-    else if (!query->orderBy.empty() && query->limit.empty())
-        query->limit = " LIMIT -1"; // keeps the order for the numbers that are given on the way
-    return "SELECT " + joined(rowValues(*target.table, columns, given, numbers), ",") + " FROM (" + render(*query) + ") AS " + alias;
-}
+    Binding& binding_;
+    const InsertStatement& statement_;
+    const Target& target_;
+    const TableDef& table_;
+    std::vector<int> columns_;
+    BoundInsert insert_;
+};
 
-std::string Binder::topLimit(const std::optional<TopClause>& top) {
-    if (!top)
-        return "";
-    if (top->percent || top->ties)
-        throw unsupported("TOP ... PERCENT", top->count->line);
-    const Typed count = convertTo(bindValue(*top->count), simpleType(TypeKind::BigInt));
-    return " LIMIT " + (count.literal ? count.sql : "ts_top(" + count.sql + ")");
-}
-
-ChangePlan Binder::insert(const InsertStatement& statement) {
+ChangePlan planOf(const BoundInsert& insert) {
     ChangePlan plan;
-    const CommonTablesScope known(commonTables_, statement.commonTables);
-    const std::shared_ptr<const ViewDef> view = findTable(statement.table) ? nullptr : context_.catalog.view(statement.table);
-    const bool insteadOfView = view && context_.catalog.hasInsteadTrigger(view->id, "insert");
-    Target target;
-    if (insteadOfView) {
-        auto shape = std::make_shared<TableDef>();
-        shape->id = view->id;
-        shape->name = view->name;
-        for (const BoundColumn& column : viewColumns(*view)) {
-            ColumnDef definition;
-            definition.name = column.name;
-            definition.type = column.value.type;
-            target.columns.push_back(static_cast<int>(shape->columns.size()));
-            target.names.push_back(column.name);
-            shape->columns.push_back(std::move(definition));
-        }
-        target.table = shape;
-    } else {
-        target = insertTarget(statement.table);
-    }
     plan.kind = ChangePlan::Kind::Insert;
-    plan.table = target.table;
-    const std::vector<int> columns = statement.defaultValues ? std::vector<int>() : insertColumns(statement, target);
-    const bool instead = insteadOfView || context_.catalog.hasInsteadTrigger(target.table->id, "insert");
-    if (!instead)
-        checkIdentity(*target.table, columns, statement.hasColumns, statement.line);
-    const Numbers numbers = instead ? Numbers::None : Numbers::Given;
-    std::string rows;
-    if (statement.defaultValues)
-        rows = "VALUES (" + joined(rowValues(*target.table, {}, {}, numbers), ",") + ")";
-    else
-        rows = statement.query ? insertQuery(statement, target, columns, numbers) : insertValues(statement, target, columns, numbers);
-    if (instead) {
-        plan.insteadOf = target.table->id;
-        plan.insteadShape = target.table;
-        plan.insteadNew.text = rows;
-        plan.insteadNew.places = places_;
-        return plan;
-    }
-    plan.sql.text = insertHead(*target.table) + rows;
-    plan.sql.places = places_;
-    plan.givesIdentity = target.table->identityColumn() >= 0;
-    plan.updated.assign(target.table->columns.size(), true);
-    if (statement.output)
-        bindOutput(plan, *statement.output);
+    plan.table = insert.table;
+    plan.sql = render(insert);
+    plan.givesIdentity = insert.table->identityColumn() >= 0;
+    plan.updated.assign(insert.table->columns.size(), true);
     return plan;
 }
 
-ChangePlan Binder::insertRow(const InsertStatement& statement, const std::vector<SqlType>& types) {
-    const Target target = insertTarget(statement.table);
-    const std::vector<int> columns = insertColumns(statement, target);
+Target insertTarget(Binding& binding, const ObjectName& name) {
+    const std::shared_ptr<const ViewDef> view = binding.findTable(name) ? nullptr : binding.context.catalog.view(name);
+    if (view && binding.context.catalog.hasInsteadTrigger(view->id, "insert"))
+        return shapeOf(binding, *view);
+    Target target = targetOf(binding, name);
+    target.instead = binding.context.catalog.hasInsteadTrigger(target.table->id, "insert");
+    return target;
+}
+
+} // namespace
+
+ChangePlan bindInsert(Binding& binding, const InsertStatement& statement) {
+    const CommonTablesScope known(binding, statement.commonTables);
+    const Target target = insertTarget(binding, statement.table);
+    const std::vector<int> columns = statement.defaultValues ? std::vector<int>() : columnsOf(statement, target);
+    if (!target.instead)
+        checkIdentity(binding, *target.table, columns, statement.hasColumns, statement.line);
+    const BoundInsert insert = InsertBinder(binding, statement, target).rows(columns);
+    if (target.instead) {
+        ChangePlan plan;
+        plan.kind = ChangePlan::Kind::Insert;
+        plan.table = target.table;
+        plan.insteadOf = target.table->id;
+        plan.insteadShape = target.table;
+        plan.insteadNew = renderRows(insert);
+        return plan;
+    }
+    ChangePlan plan = planOf(insert);
+    if (statement.output)
+        bindOutput(binding, *statement.output, plan);
+    return plan;
+}
+
+ChangePlan bindInsertRow(Binding& binding, const InsertStatement& statement, const std::vector<SqlType>& types) {
+    const Target target = targetOf(binding, statement.table);
+    const std::vector<int> columns = columnsOf(statement, target);
     if (columns.size() != types.size())
         throw syntaxError(213, "Column name or number of supplied values does not match table definition.", statement.line)
             .withSeverity(16, 7);
-    checkIdentity(*target.table, columns, statement.hasColumns, statement.line);
-    std::vector<std::string> given;
-    for (std::size_t i = 0; i < types.size(); ++i) {
-        Typed value;
-        value.type = types[i];
-        value.sql = "?" + std::to_string(i + 1);
-        given.push_back(storedValue(std::move(value), *target.table, columns[i], statement.line));
-        places_.push_back({false, static_cast<int>(i)});
-    }
-    ChangePlan plan;
-    plan.kind = ChangePlan::Kind::Insert;
-    plan.table = target.table;
-    plan.sql.text = insertHead(*target.table) + "VALUES (" + joined(rowValues(*target.table, columns, given), ",") + ")";
-    plan.sql.places = places_;
-    plan.givesIdentity = target.table->identityColumn() >= 0;
-    plan.updated.assign(target.table->columns.size(), true);
-    return plan;
+    checkIdentity(binding, *target.table, columns, statement.hasColumns, statement.line);
+    std::vector<Typed> cells;
+    for (std::size_t i = 0; i < types.size(); ++i)
+        cells.push_back(typed(form::Place{{false, static_cast<int>(i)}}, types[i]));
+    return planOf(InsertBinder(binding, statement, target).given(columns, std::move(cells)));
 }
 
 } // namespace merchantry::db::tsql

@@ -1,10 +1,14 @@
-#include "app/db/tsql/binder.h"
+#include "app/db/tsql/bind_select.h"
 
+#include "app/db/tsql/bind_aggregate.h"
+#include "app/db/tsql/bind_condition.h"
+#include "app/db/tsql/bind_expression.h"
+#include "app/db/tsql/bind_from.h"
 #include "app/db/tsql/errors.h"
+#include "app/db/tsql/render.h"
 #include "app/db/tsql/token.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace merchantry::db::tsql {
 namespace {
@@ -90,40 +94,8 @@ int outputNamed(const Expr& expr, const BoundQuery& result) {
     return found == result.columns.end() ? -1 : static_cast<int>(found - result.columns.begin());
 }
 
-} // namespace
-
-std::string Binder::nextAlias() {
-    return "t" + std::to_string(++aliases_);
-}
-
-QueryPlan Binder::query(const Query& query) {
-    maxRecursion_ = query.maxRecursion;
-    if (query.core) {
-        for (const SelectItem& item : query.core->items) {
-            if (!item.variable.empty())
-                assigned_.insert(variableSlot(item.variable, item.line));
-        }
-    }
-    const std::unique_ptr<BoundQuery> bound = bindQuery(query, true);
-    return plan(*bound, query);
-}
-
-QueryPlan Binder::plan(const BoundQuery& bound, const Query& query) {
-    QueryPlan plan;
-    const SelectCore* core = query.core.get();
-    if (core)
-        noteAssigned(*core, plan);
-    for (const BoundColumn& column : bound.columns)
-        plan.columns.push_back(shownColumn(column, bound));
-    plan.sql.text = render(bound, nullptr, bound.orderBy.empty());
-    plan.sql.places = places_;
-    if (core && !core->into.empty())
-        plan.into = tableToMake(bound, plan.columns, core->into.last(), query.line);
-    return plan;
-}
-
 // The variables that the items of a SELECT are assigned to: all of them, or none.
-void Binder::noteAssigned(const SelectCore& core, QueryPlan& plan) const {
+void noteAssigned(const Binding& binding, const SelectCore& core, QueryPlan& plan) {
     const auto isAssigned = [](const SelectItem& item) { return !item.variable.empty(); };
     if (std::none_of(core.items.begin(), core.items.end(), isAssigned))
         return;
@@ -132,47 +104,211 @@ void Binder::noteAssigned(const SelectCore& core, QueryPlan& plan) const {
             throw syntaxError(141,
                               "A SELECT statement that assigns a value to a variable must not be combined with data-retrieval operations.",
                               item.line);
-        plan.assignTo.push_back(variableSlot(item.variable, item.line));
+        plan.assignTo.push_back(binding.variableSlot(item.variable, item.line));
         plan.assignOps.push_back(item.op);
     }
 }
 
-std::unique_ptr<BoundQuery> Binder::bindSubquery(const Query& query) {
-    return bindQuery(query, false);
+// A number of rows, known or worked out; the engine refuses a negative one.
+Typed rowCount(Binding& binding, const Expr& count) {
+    Typed number = convertTo(bindValue(binding, count), simpleType(TypeKind::BigInt));
+    return number.literal() ? number : called("ts_top", {std::move(number)}, simpleType(TypeKind::BigInt));
 }
 
-// With its own common tables and one level deeper than the query around it.
-std::unique_ptr<BoundQuery> Binder::bindQueryBody(const Query& query) {
-    const Restore depth(depth_, depth_ + 1);
-    if (depth_ > kDeepestQuery)
-        throw syntaxError(191,
-                          "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.",
-                          query.line);
-    const CommonTablesScope known(commonTables_, query.commonTables);
-    return query.core ? bindCore(query, *query.core) : bindSetOperation(query);
-}
+// What ORDER BY names: a column of the result, or an expression of its own.
+struct OrderKey {
+    int output = -1;
+    Origin origin;
+    Typed value;
+};
 
-std::unique_ptr<BoundQuery> Binder::bindQuery(const Query& query, bool topLevel) {
-    std::unique_ptr<BoundQuery> result = bindQueryBody(query);
-    if (!topLevel && !query.orderBy.empty() && !result->hasTop && !query.offset)
-        throw syntaxError(
-            1033,
-            "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common table expressions, "
-            "unless TOP, OFFSET or FOR XML is also specified.",
-            query.line);
-    if (query.offset) {
-        const std::string offset = convertTo(bindValue(*query.offset), simpleType(TypeKind::BigInt)).sql;
-        const std::string fetch = query.fetch ? convertTo(bindValue(*query.fetch), simpleType(TypeKind::BigInt)).sql : "-1";
-        result->limit = " LIMIT " + fetch + " OFFSET " + offset;
+// Binds one SELECT ... FROM ... WHERE ... GROUP BY ... HAVING, with the order of the query around it.
+class SelectBinder {
+public:
+    SelectBinder(Binding& binding, const SelectCore& core) : binding_(binding), core_(core), result_(std::make_unique<BoundQuery>()) {
+        scope_.outer = binding.scope;
+        scope_.alone = core.alone && core.from[0]->kind == TableRef::Kind::Table;
     }
-    return result;
+
+    std::unique_ptr<BoundQuery> bind(const std::vector<OrderItem>& order);
+
+private:
+    void from();
+    void groups();
+    void items();
+    BoundColumn item(const SelectItem& item) const;
+    void having();
+    void top(const TopClause& top);
+
+    Binding& binding_;
+    const SelectCore& core_;
+    Scope scope_;
+    std::unique_ptr<BoundQuery> result_;
+};
+
+OrderKey orderKey(Binding& binding, const Expr& expr, const Scope* scope, const BoundQuery& result) {
+    OrderKey key;
+    key.output = outputNamed(expr, result);
+    if (key.output < 0) {
+        if (!scope && expr.kind == ExprKind::Column)
+            throw nameError(207, "Invalid column name '" + expr.name.last() + "'.", expr.line);
+        if (!scope)
+            throw syntaxError(
+                104, "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT operator.",
+                expr.line);
+        key.value = bindValue(binding, expr);
+        if (key.value.literal())
+            throw syntaxError(408, "A constant expression was encountered in the ORDER BY list, position 1.", expr.line);
+        key.origin = originOf(scope, expr);
+        const auto same = std::find_if(result.columns.begin(), result.columns.end(),
+                                       [&](const BoundColumn& column) { return isSame(scope, column.origin, key.origin); });
+        if (same != result.columns.end())
+            key.output = static_cast<int>(same - result.columns.begin());
+        else if (result.distinct)
+            throw syntaxError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", expr.line);
+    }
+    if (key.output < 0)
+        return key;
+    const auto index = static_cast<std::size_t>(key.output);
+    key.origin = result.columns[index].origin;
+    key.value = result.columns[index].value;
+    key.value.form = queryColumn("", index, key.value.type).form;
+    return key;
 }
 
-std::unique_ptr<BoundQuery> Binder::bindSetOperation(const Query& query) {
+// Scope: of the select; null for one that is joined of several.
+std::vector<form::Ordered> orderBy(Binding& binding, const std::vector<OrderItem>& items, const Scope* scope, const BoundQuery& result) {
+    std::vector<form::Ordered> order;
+    std::vector<OrderKey> keys;
+    for (const OrderItem& item : items) {
+        OrderKey key = orderKey(binding, *item.expr, scope, result);
+        const bool again = std::any_of(keys.begin(), keys.end(), [&](const OrderKey& other) {
+            return (key.output >= 0 && key.output == other.output) || isSame(scope, key.origin, other.origin);
+        });
+        if (again)
+            throw syntaxError(
+                169, "A column has been specified more than once in the order by list. Columns in the order by list must be unique.",
+                item.expr->line);
+        order.push_back({collated(key.value), item.descending});
+        keys.push_back(std::move(key));
+    }
+    return order;
+}
+
+std::unique_ptr<BoundQuery> SelectBinder::bind(const std::vector<OrderItem>& order) {
+    const Restore here(binding_.scope, &scope_);
+    from();
+    if (core_.rollup || core_.cube)
+        throw unsupported(core_.rollup ? "GROUP BY ... WITH ROLLUP" : "GROUP BY ... WITH CUBE", core_.line);
+    groups();
+    const bool aggregates = containsAggregate(core_) || core_.having;
+    scope_.grouped = aggregates || !core_.groupBy.empty();
+    result_->grouped = scope_.grouped;
+    result_->oneRow = (aggregates && core_.groupBy.empty()) || core_.from.empty();
+    result_->distinct = core_.distinct;
+    items();
+    having();
+    {
+        const Restore clause(scope_.clause, &kOrderByClause);
+        result_->orderBy = orderBy(binding_, order, &scope_, *result_);
+    }
+    if (core_.top)
+        top(*core_.top);
+    if (!result_->grouped && !result_->distinct) {
+        for (const Source& source : scope_.sources)
+            result_->bases.insert(result_->bases.end(), source.bases.begin(), source.bases.end());
+    }
+    return std::move(result_);
+}
+
+void SelectBinder::from() {
+    if (!core_.from.empty())
+        result_->rows.from = bindFrom(binding_, core_.from, scope_);
+    if (!core_.where)
+        return;
+    const Restore clause(scope_.clause, &kWhereClause);
+    result_->rows.where = bindCondition(binding_, *core_.where);
+}
+
+void SelectBinder::groups() {
+    const Restore clause(scope_.clause, &kGroupByClause);
+    std::vector<Group> groups;
+    for (const ExprPtr& expr : core_.groupBy) {
+        if (containsAggregate(*expr))
+            throw syntaxError(
+                144, "Cannot use an aggregate or a subquery in an expression used for the group by list of a GROUP BY clause.", expr->line);
+        Typed value = bindValue(binding_, *expr);
+        if (value.literal())
+            throw syntaxError(164, "Each GROUP BY expression must contain at least one column that is not an outer reference.", expr->line);
+        result_->groups.push_back(collated(value));
+        groups.push_back({std::move(value), originOf(&scope_, *expr)});
+    }
+    scope_.groups = std::move(groups);
+}
+
+void SelectBinder::items() {
+    const Restore clause(scope_.clause, &kSelectClause);
+    for (const SelectItem& one : core_.items) {
+        if (!one.star) {
+            result_->columns.push_back(item(one));
+            continue;
+        }
+        const std::size_t first = result_->columns.size();
+        expandStar(binding_, one, scope_, result_->columns);
+        checkGrouped(result_->columns, first, scope_, one.line);
+    }
+}
+
+// One that is assigned to a variable takes its value with each row, where the rows are those of the query.
+BoundColumn SelectBinder::item(const SelectItem& item) const {
+    BoundColumn column;
+    column.value = bindValue(binding_, *item.expr);
+    column.name = item.alias;
+    if (column.name.empty() && item.expr->kind == ExprKind::Column)
+        column.name = item.expr->name.last();
+    if (item.variable.empty()) {
+        column.origin = originOf(&scope_, *item.expr);
+        return column;
+    }
+    const int slot = binding_.variableSlot(item.variable, item.line);
+    if (item.op != "=")
+        column.value = calculated(item.op[0], binding_.variableNow(slot), std::move(column.value), item.line);
+    column.value = implicitTo(std::move(column.value), binding_.typeOfSlot(slot), item.line);
+    if (!scope_.grouped && !core_.distinct)
+        column.value = Binding::assignedTo(slot, std::move(column.value));
+    return column;
+}
+
+void SelectBinder::having() {
+    if (!core_.having)
+        return;
+    const Restore clause(scope_.clause, &kHavingClause);
+    result_->having = bindCondition(binding_, *core_.having);
+}
+
+void SelectBinder::top(const TopClause& top) {
+    result_->hasTop = true;
+    if (top.percent && top.count->kind == ExprKind::Integer && top.count->text == "100") // all rows, as views with an order ask for
+        return;
+    if (top.percent) {
+        result_->percent = convertTo(bindValue(binding_, *top.count), simpleType(TypeKind::Int));
+        return;
+    }
+    if (top.ties)
+        throw unsupported("TOP ... WITH TIES", top.count->line);
+    result_->limit = rowCount(binding_, *top.count);
+    const Cell* count = result_->limit->literal();
+    if (count && count->integer <= 1)
+        result_->oneRow = true;
+}
+
+std::unique_ptr<BoundQuery> bindAny(Binding& binding, const Query& query, bool topLevel);
+
+std::unique_ptr<BoundQuery> bindSetOperation(Binding& binding, const Query& query) {
     auto result = std::make_unique<BoundQuery>();
     result->op = query.op;
-    result->left = bindQuery(*query.left, false);
-    result->right = bindQuery(*query.right, false);
+    result->left = bindAny(binding, *query.left, false);
+    result->right = bindAny(binding, *query.right, false);
     if (result->left->columns.size() != result->right->columns.size())
         throw syntaxError(205,
                           "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of expressions in "
@@ -181,132 +317,75 @@ std::unique_ptr<BoundQuery> Binder::bindSetOperation(const Query& query) {
     for (std::size_t i = 0; i < result->left->columns.size(); ++i) {
         const BoundColumn& left = result->left->columns[i];
         const BoundColumn& right = result->right->columns[i];
+        const SqlType type = commonType(left.value.type, right.value.type, query.line);
+        requireImplicit(left.value.type, type, query.line);
+        requireImplicit(right.value.type, type, query.line);
         BoundColumn column;
         column.name = left.name;
-        column.value.type = commonType(left.value.type, right.value.type, query.line);
-        requireImplicit(left.value.type, column.value.type, query.line);
-        requireImplicit(right.value.type, column.value.type, query.line);
+        column.value = queryColumn("", i, type);
         column.value.nullable = left.value.nullable || right.value.nullable;
-        column.value.sql = "_c" + std::to_string(i);
-        column.value.isColumn = true;
         result->columns.push_back(std::move(column));
     }
+    convertColumns(*result, columnTypes(*result));
     result->grouped = true;
-    if (!query.orderBy.empty())
-        result->orderBy = orderBy(query.orderBy, nullptr, *result);
+    result->orderBy = orderBy(binding, query.orderBy, nullptr, *result);
     return result;
 }
 
-std::unique_ptr<BoundQuery> Binder::bindCore(const Query& query, const SelectCore& core) {
-    auto result = std::make_unique<BoundQuery>();
-    Scope scope;
-    scope.outer = scope_;
-    scope.alone = core.alone && core.from[0]->kind == TableRef::Kind::Table;
-    const Restore here(scope_, &scope);
-    bindSource(core, scope, *result);
-    if (core.rollup || core.cube)
-        throw unsupported(core.rollup ? "GROUP BY ... WITH ROLLUP" : "GROUP BY ... WITH CUBE", core.line);
-    bindGroups(core, scope);
-    const bool aggregates = containsAggregate(core) || core.having;
-    scope.grouped = aggregates || !core.groupBy.empty();
-    result->grouped = scope.grouped;
-    result->oneRow = (aggregates && core.groupBy.empty()) || core.from.empty();
-    result->distinct = core.distinct;
-    bindItems(core, scope, *result);
-    bindHaving(core, scope, *result);
-    if (!query.orderBy.empty())
-        result->orderBy = orderBy(query.orderBy, &scope, *result);
-    if (core.top)
-        bindTop(*core.top, *result);
-    if (!result->grouped && !result->distinct) {
-        for (const Source& source : scope.sources)
-            result->bases.insert(result->bases.end(), source.bases.begin(), source.bases.end());
+// With its own common tables and one level deeper than the query around it.
+std::unique_ptr<BoundQuery> bindBody(Binding& binding, const Query& query) {
+    const Restore depth(binding.depth, binding.depth + 1);
+    if (binding.depth > kDeepestQuery)
+        throw syntaxError(191,
+                          "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.",
+                          query.line);
+    const CommonTablesScope known(binding, query.commonTables);
+    return query.core ? SelectBinder(binding, *query.core).bind(query.orderBy) : bindSetOperation(binding, query);
+}
+
+std::unique_ptr<BoundQuery> bindAny(Binding& binding, const Query& query, bool topLevel) {
+    std::unique_ptr<BoundQuery> result = bindBody(binding, query);
+    if (!topLevel && !query.orderBy.empty() && !result->hasTop && !query.offset)
+        throw syntaxError(
+            1033,
+            "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common table expressions, "
+            "unless TOP, OFFSET or FOR XML is also specified.",
+            query.line);
+    if (query.offset) {
+        result->offset = convertTo(bindValue(binding, *query.offset), simpleType(TypeKind::BigInt));
+        result->limit.reset();
+        if (query.fetch)
+            result->limit = convertTo(bindValue(binding, *query.fetch), simpleType(TypeKind::BigInt));
     }
     return result;
 }
 
-void Binder::bindSource(const SelectCore& core, Scope& scope, BoundQuery& result) {
-    if (!core.from.empty())
-        result.tail = " FROM " + bindFrom(core.from, scope);
-    if (!core.where)
-        return;
-    const Restore clause(scope.clause, &kWhereClause);
-    result.tail += " WHERE " + bindCondition(*core.where);
+} // namespace
+
+std::unique_ptr<BoundQuery> bindQuery(Binding& binding, const Query& query) {
+    return bindAny(binding, query, true);
 }
 
-void Binder::bindGroups(const SelectCore& core, Scope& scope) {
-    const Restore clause(scope.clause, &kGroupByClause);
-    std::vector<Group> groups;
-    for (const ExprPtr& expr : core.groupBy) {
-        if (containsAggregate(*expr))
-            throw syntaxError(
-                144, "Cannot use an aggregate or a subquery in an expression used for the group by list of a GROUP BY clause.", expr->line);
-        Typed value = bindValue(*expr);
-        if (value.literal)
-            throw syntaxError(164, "Each GROUP BY expression must contain at least one column that is not an outer reference.", expr->line);
-        groups.push_back({std::move(value), originOf(scope_, *expr)});
-    }
-    scope.groups = std::move(groups);
+std::unique_ptr<BoundQuery> bindSubquery(Binding& binding, const Query& query) {
+    return bindAny(binding, query, false);
 }
 
-void Binder::bindItems(const SelectCore& core, Scope& scope, BoundQuery& result) {
-    const Restore clause(scope.clause, &kSelectClause);
-    for (const SelectItem& item : core.items) {
-        if (!item.star) {
-            result.columns.push_back(bindItem(item, !scope.grouped && !core.distinct));
-            continue;
-        }
-        const std::size_t first = result.columns.size();
-        expandStar(item, scope, result.columns);
-        checkGrouped(result.columns, first, scope, item.line);
-    }
+std::unique_ptr<BoundQuery> bindOneColumn(Binding& binding, const Expr& expr) {
+    std::unique_ptr<BoundQuery> query = bindSubquery(binding, *expr.query);
+    if (query->columns.size() != 1)
+        throw syntaxError(116, "Only one expression can be specified in the select list when the subquery is not introduced with EXISTS.",
+                          expr.line);
+    return query;
 }
 
-// One that is assigned to a variable takes its value with each row, where the rows are those of the query.
-BoundColumn Binder::bindItem(const SelectItem& item, bool isRow) {
-    BoundColumn column;
-    column.value = bindValue(*item.expr);
-    column.name = item.alias;
-    if (column.name.empty() && item.expr->kind == ExprKind::Column)
-        column.name = item.expr->name.last();
-    if (item.variable.empty()) {
-        column.origin = originOf(scope_, *item.expr);
-        return column;
-    }
-    const int slot = variableSlot(item.variable, item.line);
-    const SqlType& type = context_.variables[static_cast<std::size_t>(slot)].type;
-    if (item.op != "=") {
-        Typed before;
-        before.type = type;
-        before.sql = "ts_var(" + std::to_string(slot) + ")";
-        column.value = calculated(item.op[0], std::move(before), std::move(column.value), item.line);
-    }
-    column.value = implicitTo(std::move(column.value), type, item.line);
-    column.value.isColumn = false;
-    if (isRow)
-        column.value.sql = "ts_setvar(" + std::to_string(slot) + "," + column.value.sql + ")";
-    return column;
-}
-
-// GROUP BY and HAVING, behind what the items needed.
-void Binder::bindHaving(const SelectCore& core, Scope& scope, BoundQuery& result) {
-    const char* before = " GROUP BY ";
-    for (const Group& group : scope.groups)
-        result.tail += std::exchange(before, ",") + collated(group.value);
-    if (!core.having)
-        return;
-    const Restore clause(scope.clause, &kHavingClause);
-    result.tail += " HAVING " + bindCondition(*core.having);
-}
-
-void Binder::expandStar(const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns) {
+void expandStar(Binding& binding, const SelectItem& item, Scope& scope, std::vector<BoundColumn>& columns) {
     bool found = false;
     for (std::size_t i = 0; i < scope.sources.size(); ++i) {
         Source& source = scope.sources[i];
         if (!item.starOf.empty() && !sameName(source.exposed, item.starOf.last()))
             continue;
         found = true;
-        complete(source);
+        complete(binding, source);
         for (std::size_t c = 0; c < source.columns.size(); ++c) {
             columns.push_back(source.columns[c]);
             columns.back().origin.place = ColumnPlace{&scope, i, c};
@@ -318,76 +397,36 @@ void Binder::expandStar(const SelectItem& item, Scope& scope, std::vector<BoundC
         throw syntaxError(263, "Must specify table to select from.", item.line);
 }
 
-// ---- ORDER BY, TOP
-
-std::string Binder::orderBy(const std::vector<OrderItem>& items, Scope* scope, const BoundQuery& result) {
-    std::optional<Restore<const Clause*>> clause;
-    if (scope)
-        clause.emplace(scope->clause, &kOrderByClause);
-    std::string sql;
-    std::vector<OrderKey> keys;
-    for (const OrderItem& item : items) {
-        OrderKey key = orderKey(item, scope, result);
-        const bool again = std::any_of(keys.begin(), keys.end(), [&](const OrderKey& other) {
-            return (key.output >= 0 && key.output == other.output) || isSame(scope_, key.origin, other.origin);
-        });
-        if (again)
-            throw syntaxError(
-                169, "A column has been specified more than once in the order by list. Columns in the order by list must be unique.",
-                item.expr->line);
-        sql += (sql.empty() ? " ORDER BY " : ",") + collated(key.value) + (item.descending ? " DESC" : "");
-        keys.push_back(std::move(key));
-    }
-    return sql;
+QueryPlan planOf(const BoundQuery& query) {
+    QueryPlan plan;
+    for (const BoundColumn& column : query.columns)
+        plan.columns.push_back(shownColumn(column, query));
+    plan.sql = render(query);
+    return plan;
 }
 
-Binder::OrderKey Binder::orderKey(const OrderItem& item, Scope* scope, const BoundQuery& result) {
-    const Expr& expr = *item.expr;
-    OrderKey key;
-    key.output = outputNamed(expr, result);
-    if (key.output < 0) {
-        if (!scope && expr.kind == ExprKind::Column)
-            throw nameError(207, "Invalid column name '" + expr.name.last() + "'.", expr.line);
-        if (!scope)
-            throw syntaxError(
-                104, "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT operator.",
-                expr.line);
-        key.value = bindValue(expr);
-        if (key.value.literal)
-            throw syntaxError(408, "A constant expression was encountered in the ORDER BY list, position 1.", expr.line);
-        key.origin = originOf(scope_, expr);
-        const auto same = std::find_if(result.columns.begin(), result.columns.end(),
-                                       [&](const BoundColumn& column) { return isSame(scope_, column.origin, key.origin); });
-        if (same != result.columns.end())
-            key.output = static_cast<int>(same - result.columns.begin());
-        else if (result.distinct)
-            throw syntaxError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", expr.line);
+QueryPlan bindQueryPlan(Binding& binding, const Query& query) {
+    binding.maxRecursion = query.maxRecursion;
+    const SelectCore* core = query.core.get();
+    for (std::size_t i = 0; core && i < core->items.size(); ++i) {
+        if (const SelectItem& item = core->items[i]; !item.variable.empty())
+            binding.assigned.insert(binding.variableSlot(item.variable, item.line));
     }
-    if (key.output < 0)
-        return key;
-    const BoundColumn& column = result.columns[static_cast<std::size_t>(key.output)];
-    key.origin = column.origin;
-    key.value = column.value;
-    key.value.sql = "_c" + std::to_string(key.output);
-    return key;
+    const std::unique_ptr<BoundQuery> bound = bindQuery(binding, query);
+    QueryPlan plan = planOf(*bound);
+    if (core)
+        noteAssigned(binding, *core, plan);
+    if (core && !core->into.empty())
+        plan.into = tableToMake(*bound, plan.columns, core->into.last(), query.line);
+    return plan;
 }
 
-void Binder::bindTop(const TopClause& top, BoundQuery& result) {
-    result.hasTop = true;
-    if (top.percent && top.count->kind == ExprKind::Integer && top.count->text == "100") // all rows, as views with an order ask for
-        return;
-    if (top.percent) { // so many of a hundred, rounded up
-        const Typed share = convertTo(bindValue(*top.count), simpleType(TypeKind::Int));
-        const Restore unordered(result.orderBy, std::string());
-        result.limit = " LIMIT (SELECT (COUNT(*)*" + share.sql + "+99)/100 FROM (" + render(result) + "))";
-        return;
-    }
-    if (top.ties)
-        throw unsupported("TOP ... WITH TIES", top.count->line);
-    const Typed count = convertTo(bindValue(*top.count), simpleType(TypeKind::BigInt));
-    result.limit = " LIMIT " + (count.literal ? count.sql : "ts_top(" + count.sql + ")");
-    if (count.literal && count.literal->integer <= 1)
-        result.oneRow = true;
+std::optional<Typed> bindLimit(Binding& binding, const std::optional<TopClause>& top) {
+    if (!top)
+        return std::nullopt;
+    if (top->percent || top->ties)
+        throw unsupported("TOP ... PERCENT", top->count->line);
+    return rowCount(binding, *top->count);
 }
 
 } // namespace merchantry::db::tsql

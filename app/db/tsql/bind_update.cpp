@@ -1,6 +1,11 @@
-#include "app/db/tsql/binder.h"
+#include "app/db/tsql/bind_update.h"
 
+#include "app/db/tsql/bind_change.h"
+#include "app/db/tsql/bind_condition.h"
+#include "app/db/tsql/bind_expression.h"
+#include "app/db/tsql/bind_select.h"
 #include "app/db/tsql/errors.h"
+#include "app/db/tsql/render.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
 
@@ -18,141 +23,80 @@ bool isOfKey(const TableDef& table, const std::string& column) {
                        [&](const IndexDef& index) { return index.unique && has(index.columns); });
 }
 
-} // namespace
+// Binds one UPDATE.
+class UpdateBinder {
+public:
+    UpdateBinder(Binding& binding, const UpdateStatement& statement) : binding_(binding), statement_(statement) {}
 
-bool Binder::containsSubquery(const Expr& expr) const {
-    if (expr.query)
-        return true;
-    if (expr.kind == ExprKind::Function && expr.name.parts.size() > 1) // may read tables
-        return true;
-    if (expr.input && containsSubquery(*expr.input))
-        return true;
-    return std::any_of(expr.args.begin(), expr.args.end(), [&](const ExprPtr& arg) { return containsSubquery(*arg); });
-}
+    ChangePlan bind();
 
-// Binds the FROM of a change and finds the source that is changed. Gives the text of FROM and the base row; the source is a copy.
-BaseRow Binder::changeTarget(const ObjectName& name, const std::vector<TableRefPtr>& from, Scope& scope, std::string& tail,
-                             Source& source) {
-    if (!from.empty()) {
-        tail = bindFrom(from, scope);
-        std::vector<std::size_t> byTable;
-        for (std::size_t i = 0; i < scope.sources.size(); ++i) {
-            const Source& one = scope.sources[i];
-            if (name.parts.size() == 1 && sameName(one.exposed, name.last())) {
-                byTable.assign(1, i);
-                break;
-            }
-            const bool same = one.name.empty() ? one.bases.size() == 1 && one.viewId == 0 && sameName(one.bases[0].table->name, name.last())
-                                               : sameName(one.name.last(), name.last());
-            if (same)
-                byTable.push_back(i);
-        }
-        if (byTable.size() > 1)
-            throw nameError(8154, "The table '" + name.last() + "' is ambiguous.", name.line);
-        if (byTable.size() == 1)
-            source = scope.sources[byTable[0]];
-    }
-    if (source.sqlAlias.empty()) {
-        TableRef ref;
-        ref.kind = name.last().front() == '@' ? TableRef::Kind::Variable : TableRef::Kind::Table;
-        ref.name = name;
-        ref.line = name.line;
-        const std::string own = bindTable(ref, scope);
-        tail += (tail.empty() ? "" : ",") + own;
-        source = scope.sources.back();
-    }
-    complete(source);
-    if (source.bases.empty()) {
-        const std::shared_ptr<const TableDef> table = findTable(name);
-        if (table && table->readOnly)
-            throw typeError(286, "The logical tables INSERTED and DELETED and the catalogue cannot be updated.", name.line);
-        throw typeError(4403,
-                        "Cannot update the view or function '" + name.last() +
-                            "' because it contains aggregates, or a DISTINCT or GROUP BY clause, or PIVOT or UNPIVOT operator.",
-                        name.line);
-    }
-    return source.bases[0];
-}
+private:
+    void target();
+    void assign(const Assignment& assignment);
+    void assignVariable(const Assignment& assignment);
+    int assignedColumn(const Assignment& assignment, const BoundColumn& target) const;
+    Typed assignedValue(const Assignment& assignment, int column, const Typed& current);
+    Typed calculatedWith(const Assignment& assignment, Typed before, Typed value) const;
+    void finish();
 
-std::string Binder::assignedValue(const Assignment& assignment, const TableDef& table, int column, const std::string& current) {
-    Typed value = assignment.value->kind == ExprKind::Default ? defaultOf(table, column) : bindValue(*assignment.value);
-    if (assignment.op != "=") {
-        Typed before;
-        before.type = table.columns[static_cast<std::size_t>(column)].type;
-        before.sql = current;
-        value = calculated(assignment.op[0], std::move(before), std::move(value), assignment.line);
-    }
-    std::string sql = storedValue(std::move(value), table, column, assignment.line);
-    if (!assignment.variable.empty()) {
-        const int slot = variableSlot(assignment.variable, assignment.line);
-        sql = "ts_setvar(" + std::to_string(slot) + "," + sql + "," +
-              std::to_string(typeCode(table.columns[static_cast<std::size_t>(column)].type)) + "," +
-              std::to_string(typeCode(context_.variables[static_cast<std::size_t>(slot)].type)) + ")";
-    }
-    return sql;
-}
+    const TableDef& table() const { return *update_.table; }
+    const ColumnDef& column(int index) const { return table().columns[static_cast<std::size_t>(index)]; }
 
-// An UPDATE while it is bound.
-struct Binder::Updating {
-    explicit Updating(const UpdateStatement& of) : statement(of) {}
-
-    const UpdateStatement& statement;
-    Scope scope;
-    std::string from;
-    Source source;                                    // what FROM or the statement names
-    BaseRow base;                                     // the row that changes
-    bool instead = false;                             // a trigger takes the statement's place
-    std::map<int, std::string> values;                // by column of the table
-    std::map<std::string, std::string> insteadValues; // by lower-case name of the shown column
-    std::string variables;                            // what is assigned to variables alone
-    bool subqueries = false;
-    std::string where;
-    std::string limit;
-
-    const TableDef& table() const { return *base.table; }
-    // What the values come from.
-    std::string tail() const { return " FROM " + from + where + limit; }
+    Binding& binding_;
+    const UpdateStatement& statement_;
+    ChangePlan plan_;
+    Scope scope_;
+    Source source_; // what FROM or the statement names
+    BoundUpdate update_;
+    bool instead_ = false;                       // a trigger takes the statement's place
+    std::map<std::string, Typed> insteadValues_; // by lower-case name of the shown column
+    std::vector<Typed> variables_;               // what is assigned to variables alone
+    bool readsMore_ = false;
 };
 
 // Through a view of several tables the assigned columns say which one is meant.
-void Binder::chooseBase(Updating& update) {
-    update.base = changeTarget(update.statement.table, update.statement.from, update.scope, update.from, update.source);
-    const Source& source = update.source;
-    update.instead = context_.catalog.hasInsteadTrigger(source.viewId != 0 ? source.viewId : update.base.table->id, "update");
-    for (const Assignment& assignment : update.statement.assignments) {
-        for (const BoundColumn& column : source.columns) {
+void UpdateBinder::target() {
+    ChangeTarget target = bindChangeTarget(binding_, statement_.table, statement_.from, scope_);
+    source_ = std::move(target.source);
+    update_.rows.from = std::move(target.from);
+    BaseRow base = source_.bases[0];
+    instead_ = binding_.context.catalog.hasInsteadTrigger(source_.viewId != 0 ? source_.viewId : base.table->id, "update");
+    for (const Assignment& assignment : statement_.assignments) {
+        for (const BoundColumn& column : source_.columns) {
             if (assignment.column.empty() || !sameName(column.name, assignment.column) || !column.value.table)
                 continue;
-            for (const BaseRow& one : source.bases) {
+            for (const BaseRow& one : source_.bases) {
                 if (one.table->id == column.value.table->id)
-                    update.base = one;
+                    base = one;
             }
         }
     }
+    update_.table = base.table;
+    update_.rowId = base.rowId;
+    update_.alias = source_.alias;
+    plan_.kind = ChangePlan::Kind::Update;
+    plan_.table = base.table;
+    plan_.updated.assign(base.table->columns.size(), false);
 }
 
-void Binder::assignVariable(Updating& update, const Assignment& assignment) {
-    const int slot = variableSlot(assignment.variable, assignment.line);
-    const SqlType& type = context_.variables[static_cast<std::size_t>(slot)].type;
-    Typed value = bindValue(*assignment.value);
-    if (assignment.op != "=") {
-        Typed old;
-        old.type = type;
-        old.sql = "ts_var(" + std::to_string(slot) + ")";
-        value = calculated(assignment.op[0], std::move(old), std::move(value), assignment.line);
-    }
-    update.variables += "ts_setvar(" + std::to_string(slot) + "," + implicitTo(std::move(value), type, assignment.line).sql + "),";
+Typed UpdateBinder::calculatedWith(const Assignment& assignment, Typed before, Typed value) const {
+    return assignment.op == "=" ? value : calculated(assignment.op[0], std::move(before), std::move(value), assignment.line);
+}
+
+void UpdateBinder::assignVariable(const Assignment& assignment) {
+    const int slot = binding_.variableSlot(assignment.variable, assignment.line);
+    Typed value = calculatedWith(assignment, binding_.variableNow(slot), bindValue(binding_, *assignment.value));
+    variables_.push_back(Binding::assignedTo(slot, implicitTo(std::move(value), binding_.typeOfSlot(slot), assignment.line)));
 }
 
 // The table's column that a shown column stands for; throws for one that cannot be assigned.
-int Binder::assignedColumn(const Updating& update, const Assignment& assignment, const BoundColumn& target) const {
-    const TableDef& table = update.table();
-    if (!target.value.table || target.value.table->id != table.id)
+int UpdateBinder::assignedColumn(const Assignment& assignment, const BoundColumn& target) const {
+    if (!target.value.table || target.value.table->id != table().id)
         throw typeError(4406,
-                        "Update or insert of view or function '" + update.statement.table.last() +
+                        "Update or insert of view or function '" + statement_.table.last() +
                             "' failed because it contains a derived or constant field.",
                         assignment.line);
-    const ColumnDef& definition = table.columns[static_cast<std::size_t>(target.value.column)];
+    const ColumnDef& definition = column(target.value.column);
     if (definition.computed)
         throw typeError(271,
                         "The column \"" + definition.name +
@@ -160,7 +104,7 @@ int Binder::assignedColumn(const Updating& update, const Assignment& assignment,
                         assignment.line);
     if (definition.identity)
         throw typeError(8102, "Cannot update identity column '" + definition.name + "'.", assignment.line);
-    if (update.values.count(target.value.column) != 0)
+    if (update_.values.count(target.value.column) != 0)
         throw syntaxError(264,
                           "The column name '" + definition.name +
                               "' is specified more than once in the SET clause. A column cannot be assigned more than one value in the "
@@ -169,167 +113,87 @@ int Binder::assignedColumn(const Updating& update, const Assignment& assignment,
     return target.value.column;
 }
 
-void Binder::assign(Updating& update, const Assignment& assignment, ChangePlan& plan) {
-    update.subqueries = update.subqueries || containsSubquery(*assignment.value);
+Typed UpdateBinder::assignedValue(const Assignment& assignment, int index, const Typed& current) {
+    const ColumnDef& definition = column(index);
+    Typed value = assignment.value->kind == ExprKind::Default ? bindDefault(binding_, definition) : bindValue(binding_, *assignment.value);
+    Typed before = current;
+    before.type = definition.type;
+    value = storedIn(definition, calculatedWith(assignment, std::move(before), std::move(value)), assignment.line);
+    if (assignment.variable.empty())
+        return value;
+    const int slot = binding_.variableSlot(assignment.variable, assignment.line);
+    const SqlType type = value.type;
+    return called("ts_setvar", {wholeNumber(slot), std::move(value), typeNumber(type), typeNumber(binding_.typeOfSlot(slot))}, type);
+}
+
+void UpdateBinder::assign(const Assignment& assignment) {
+    readsMore_ = readsMore_ || readsMore(*assignment.value);
     if (assignment.column.empty())
-        return assignVariable(update, assignment);
+        return assignVariable(assignment);
     const BoundColumn* target = nullptr;
-    for (const BoundColumn& column : update.source.columns) {
+    for (const BoundColumn& column : source_.columns) {
         if (sameName(column.name, assignment.column))
             target = &column;
     }
     if (!target)
         throw nameError(207, "Invalid column name '" + assignment.column + "'.", assignment.line);
-    if (update.instead) {
-        update.insteadValues[lowerCase(target->name)] = implicitTo(bindValue(*assignment.value), target->value.type, assignment.line).sql;
+    if (instead_) {
+        Typed value = implicitTo(bindValue(binding_, *assignment.value), target->value.type, assignment.line);
+        insteadValues_.insert_or_assign(lowerCase(target->name), std::move(value));
         return;
     }
-    const TableDef& table = update.table();
-    const int column = assignedColumn(update, assignment, *target);
-    update.values[column] = assignedValue(assignment, table, column, target->value.sql);
-    plan.updated[static_cast<std::size_t>(column)] = true;
-    plan.changesKey = plan.changesKey || isOfKey(table, table.columns[static_cast<std::size_t>(column)].name);
+    const int index = assignedColumn(assignment, *target);
+    update_.values.insert_or_assign(index, assignedValue(assignment, index, target->value));
+    plan_.updated[static_cast<std::size_t>(index)] = true;
+    plan_.changesKey = plan_.changesKey || isOfKey(table(), column(index).name);
 }
 
 // One table and nothing looked up elsewhere is updated in place; otherwise the new values are worked out first, by row.
-void Binder::updateText(const Updating& update, ChangePlan& plan) {
-    const TableDef& table = update.table();
-    const bool simple =
-        update.statement.from.empty() && update.limit.empty() && !update.subqueries && update.source.viewId == 0 && update.source.isTable;
-    std::string sets;
-    std::string given;
-    for (const auto& [column, value] : update.values) {
-        const std::string name = quotedName(table.columns[static_cast<std::size_t>(column)].name);
-        const std::string number = std::to_string(column);
-        sets += (sets.empty() ? "" : ",") + name + "=" + (simple ? value : "u._v" + number);
-        given += "," + value + " AS _v" + number;
+void UpdateBinder::finish() {
+    if (update_.values.empty())
+        throw unsupported("UPDATE that sets variables only", statement_.line);
+    if (!variables_.empty()) { // set with the first column, whose value comes last
+        Typed& first = update_.values.begin()->second;
+        const SqlType type = first.type;
+        variables_.push_back(std::move(first));
+        first = called("ts_last", std::move(variables_), type);
     }
-    const std::string rows = "SELECT " + update.base.sql + " AS _rid" + given + update.tail();
-    if (simple)
-        plan.sql.text = "UPDATE " + table.storage + " AS " + update.source.sqlAlias + " SET " + sets + update.where;
-    else
-        plan.sql.text = "UPDATE " + table.storage + " AS tt SET " + sets + " FROM (" + rows + ") AS u WHERE tt._rowid_=u._rid";
-    plan.sql.places = places_;
-    if (!plan.changesKey || table.isTemporary())
-        return;
-    std::string all;
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        if (!table.columns[i].computed)
-            all += "," +
-                   (update.values.count(static_cast<int>(i)) != 0 ? "u._v" + std::to_string(i) : "tt." + quotedName(table.columns[i].name));
-    }
-    plan.newRows = {"SELECT u._rid" + all + " FROM (" + rows + ") AS u JOIN " + table.storage + " AS tt ON tt._rowid_=u._rid", places_};
+    update_.inPlace = statement_.from.empty() && !update_.rows.limit && !readsMore_ && source_.viewId == 0 && source_.isTable;
+    plan_.sql = render(update_);
+    if (plan_.changesKey && !table().isTemporary())
+        plan_.newRows = renderRows(update_);
+    if (statement_.output)
+        bindOutput(binding_, *statement_.output, plan_);
 }
 
-ChangePlan Binder::update(const UpdateStatement& statement) {
+ChangePlan UpdateBinder::bind() {
+    for (const Assignment& assignment : statement_.assignments) {
+        if (!assignment.variable.empty())
+            binding_.assigned.insert(binding_.variableSlot(assignment.variable, assignment.line));
+    }
+    const Restore here(binding_.scope, &scope_);
+    target();
+    for (const Assignment& assignment : statement_.assignments)
+        assign(assignment);
+    if (statement_.where) {
+        const Restore clause(scope_.clause, &kWhereClause);
+        update_.rows.where = bindCondition(binding_, *statement_.where);
+    }
+    update_.rows.limit = bindLimit(binding_, statement_.top);
+    if (instead_)
+        bindInstead(plan_, source_, insteadValues_, update_.rows, InsteadRows::Both);
+    else
+        finish();
+    return std::move(plan_);
+}
+
+} // namespace
+
+ChangePlan bindUpdate(Binding& binding, const UpdateStatement& statement) {
     if (!statement.currentOf.empty())
         throw unsupported("WHERE CURRENT OF", statement.line);
-    const CommonTablesScope known(commonTables_, statement.commonTables);
-    for (const Assignment& assignment : statement.assignments) {
-        if (!assignment.variable.empty())
-            assigned_.insert(variableSlot(assignment.variable, assignment.line));
-    }
-    Updating update(statement);
-    const Restore here(scope_, &update.scope);
-    chooseBase(update);
-    ChangePlan plan;
-    plan.kind = ChangePlan::Kind::Update;
-    plan.table = update.base.table;
-    plan.updated.assign(update.table().columns.size(), false);
-    for (const Assignment& assignment : statement.assignments)
-        assign(update, assignment, plan);
-    if (statement.where) {
-        const Restore clause(update.scope.clause, &kWhereClause);
-        update.where = " WHERE " + bindCondition(*statement.where);
-    }
-    update.limit = topLimit(statement.top);
-    if (update.instead) {
-        bindInstead(plan, update.source, update.insteadValues, update.tail(), true, true);
-        return plan;
-    }
-    if (update.values.empty())
-        throw unsupported("UPDATE that sets variables only", statement.line);
-    if (!update.variables.empty())
-        update.values.begin()->second = "ts_last(" + update.variables + update.values.begin()->second + ")";
-    updateText(update, plan);
-    if (statement.output)
-        bindOutput(plan, *statement.output);
-    return plan;
-}
-
-// The rows of inserted and deleted that an instead-of trigger gets.
-void Binder::bindInstead(ChangePlan& plan, const Source& source, const std::map<std::string, std::string>& values, const std::string& tail,
-                         bool withNew, bool withOld) {
-    auto shape = std::make_shared<TableDef>();
-    shape->id = source.viewId != 0 ? source.viewId : plan.table->id;
-    std::string oldRow;
-    std::string newRow;
-    for (const BoundColumn& column : source.columns) {
-        ColumnDef definition;
-        definition.name = column.name;
-        definition.type = column.value.type;
-        shape->columns.push_back(std::move(definition));
-        const auto found = values.find(lowerCase(column.name));
-        oldRow += (oldRow.empty() ? "" : ",") + column.value.sql;
-        newRow += (newRow.empty() ? "" : ",") + (found == values.end() ? column.value.sql : found->second);
-    }
-    plan.insteadOf = shape->id;
-    plan.insteadShape = shape;
-    if (withNew)
-        plan.insteadNew = {"SELECT " + newRow + tail, places_};
-    if (withOld)
-        plan.insteadOld = {"SELECT " + oldRow + tail, places_};
-    plan.updated.assign(source.columns.size(), true);
-}
-
-// A select over the inserted and deleted rows side by side.
-void Binder::bindOutput(ChangePlan& plan, const OutputClause& output) {
-    Scope scope;
-    const auto pseudo = [&](const char* name) {
-        auto table = std::make_shared<TableDef>(*plan.table);
-        table->name = name;
-        table->readOnly = true;
-        table->storage = "\"ts_" + std::string(name) + "_" + std::to_string(plan.table->id) + "\"";
-        const std::string alias = nextAlias();
-        Source source = tableSourceOf(table, alias);
-        source.exposed = name;
-        scope.sources.push_back(std::move(source));
-        return table->storage + " AS " + alias;
-    };
-    std::string from;
-    if (plan.kind != ChangePlan::Kind::Delete)
-        from = pseudo("inserted");
-    if (plan.kind != ChangePlan::Kind::Insert) {
-        const std::string second = pseudo("deleted");
-        from += from.empty()
-                    ? second
-                    : " JOIN " + second + " ON " + scope.sources[0].sqlAlias + "._rowid_=" + scope.sources[1].sqlAlias + "._rowid_";
-    }
-    const Restore here(scope_, &scope);
-    SelectCore core;
-    BoundQuery query;
-    for (const SelectItem& item : output.items) {
-        if (item.star) {
-            expandStar(item, scope, query.columns);
-            continue;
-        }
-        BoundColumn column;
-        column.value = bindValue(*item.expr);
-        column.name = item.alias.empty() && item.expr->kind == ExprKind::Column ? item.expr->name.last() : item.alias;
-        query.columns.push_back(std::move(column));
-    }
-    query.tail = " FROM " + from;
-    Query plainQuery;
-    plan.output = std::make_shared<QueryPlan>(this->plan(query, plainQuery));
-    if (output.into.empty())
-        return;
-    InsertStatement insert;
-    insert.table = output.into;
-    insert.table.line = 0;
-    insert.columns = output.intoColumns;
-    insert.hasColumns = !output.intoColumns.empty();
-    Binder binder(context_);
-    plan.outputInto = std::make_shared<ChangePlan>(binder.insertRow(insert, columnTypes(query)));
+    const CommonTablesScope known(binding, statement.commonTables);
+    return UpdateBinder(binding, statement).bind();
 }
 
 } // namespace merchantry::db::tsql

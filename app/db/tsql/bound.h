@@ -2,31 +2,18 @@
 
 #include "app/db/tsql/ast.h"
 #include "app/db/tsql/catalog.h"
-#include "app/db/tsql/convert.h"
-#include "app/db/tsql/types.h"
+#include "app/db/tsql/typed.h"
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace merchantry::db::tsql {
 
-// What binding gives: values with their types, the sources and scopes that names mean, queries whose parts are known.
-
-// A bound expression: SQL for SQLite that gives cells of the type.
-struct Typed {
-    std::string sql;
-    SqlType type;
-    bool nullable = true;
-    std::optional<Cell> literal;
-    bool isPlace = false; // it is only a variable or value of the session
-    bool isColumn = false;
-    std::shared_ptr<const TableDef> table; // of a plain column
-    int column = -1;
-    std::string collation; // explicit
-    std::string chain;     // the function or operator whose call it is, when more operands can be put behind
-};
+// What binding gives: the sources and scopes that names mean, and statements as trees of values (typed.h) and sources.
 
 struct Scope;
 
@@ -73,13 +60,13 @@ inline constexpr Clause kOrderByClause{"ORDER BY", true, true};
 // A row of a base table that stands behind a row of a source, by its rowid.
 struct BaseRow {
     std::shared_ptr<const TableDef> table;
-    std::string sql;
+    Typed rowId;
 };
 
 struct Source {
     std::string exposed; // the name by which columns are qualified
     ObjectName name;     // a table's own, when it has no alias
-    std::string sqlAlias;
+    std::string alias;   // in SQLite
     std::vector<BoundColumn> columns;
     std::shared_ptr<const TableDef> table; // the columns are those of the table, and made when they are asked for
     std::vector<BaseRow> bases;
@@ -99,38 +86,110 @@ struct Scope {
     const Clause* clause = &kFromClause; // where the binder is
 };
 
+// ---- sources of rows
+
+namespace from {
+
+struct Any;
+
+struct Table {
+    std::string storage; // its name in SQLite
+    std::string alias;   // empty where nothing asks for it
+};
+
+struct Subquery {
+    std::shared_ptr<const BoundQuery> query;
+    std::string alias;
+};
+
+struct Values {
+    std::vector<std::vector<Typed>> rows; // each with the same types
+    std::string alias;
+};
+
+// What the anchor gives, and what the step finds from it, again and again. Both give their depth.
+struct Recursive {
+    std::string name;
+    std::shared_ptr<const BoundQuery> anchor;
+    std::shared_ptr<const BoundQuery> step;
+    std::string alias;
+};
+
+struct Join {
+    JoinKind kind;
+    std::shared_ptr<const Any> left;
+    std::shared_ptr<const Any> right;
+    std::optional<Typed> on;
+};
+
+struct List { // a, b, c
+    std::vector<Any> members;
+};
+
+struct Any {
+    std::variant<List, Table, Subquery, Values, Recursive, Join> is;
+};
+
+} // namespace from
+
+// FROM, WHERE and TOP: the rows that a query or change reads.
+struct BoundRows {
+    std::optional<from::Any> from;
+    std::optional<Typed> where;
+    std::optional<Typed> limit;
+};
+
 struct BoundQuery {
     std::vector<BoundColumn> columns;
     // one select
     bool distinct = false;
-    std::string tail; // FROM to HAVING
+    BoundRows rows;
+    std::vector<Typed> groups;
+    std::optional<Typed> having;
     // or two with an operator
     SetOperator op = SetOperator::None;
     std::unique_ptr<BoundQuery> left;
     std::unique_ptr<BoundQuery> right;
-    std::string orderBy;
-    std::string limit;
+    std::vector<form::Ordered> orderBy;
+    std::optional<Typed> limit;
+    std::optional<Typed> offset;
+    std::optional<Typed> percent; // so many of a hundred rows, rounded up
     bool hasTop = false;
-    bool ties = false;
     bool oneRow = false;    // never more than one
     bool grouped = false;   // its rows are no rows of tables
     bool hasRowIds = false; // give the rowids of bases as columns _r0, ...
     std::vector<BaseRow> bases;
-    std::string level; // of a recursive part: how deep it is
+    std::optional<Typed> depth; // of a part of a recursion: how deep it is
+
+    bool isLimited() const { return limit || offset || percent; }
 };
 
-// ---- values
+// ---- changes
 
-// The value in another type, as CAST gives it, or as a column takes it; a literal at once where it can be. A style other than -1 is
-// CONVERT's.
-Typed convertTo(Typed value, const SqlType& to, ConvertFor purpose = ConvertFor::Value, int style = -1);
-// The same where nothing asked for it: throws DbError Type where T-SQL does it only when asked.
-Typed implicitTo(Typed value, const SqlType& to, int line, ConvertFor purpose = ConvertFor::Value);
-// left op right in the type that T-SQL gives it; throws DbError Type for operands that have no such operator.
-Typed calculated(char op, Typed left, Typed right, int line);
-// With the collation by which a text is compared.
-std::string collated(const Typed& value);
-std::string collationOf(const Typed& left, const Typed& right);
+// New rows, each a value for every column of the table that is not computed: the given ones, or a single row of expressions over rows read.
+struct BoundInsert {
+    std::shared_ptr<const TableDef> table;
+    std::vector<std::vector<Typed>> rows;
+    std::optional<from::Any> from;
+};
+
+// New values of columns for the rows of the table whose rowids are read.
+struct BoundUpdate {
+    std::shared_ptr<const TableDef> table;
+    Typed rowId;
+    std::map<int, Typed> values; // by column of the table
+    BoundRows rows;
+    std::string alias;    // of the table among the rows
+    bool inPlace = false; // nothing but the table is read
+};
+
+struct BoundDelete {
+    std::shared_ptr<const TableDef> table;
+    Typed rowId;
+    BoundRows rows;
+    std::string alias;
+    bool inPlace = false;
+};
 
 // ---- names
 
@@ -141,10 +200,10 @@ Origin originOf(const Scope* scope, const Expr& expr);
 bool isSame(const Scope* scope, const Origin& one, const Origin& other);
 bool isSame(const Scope* scope, const Expr& one, const Expr& other);
 
-// ---- SQL
+// ---- queries
 
-// The select of a bound query, its columns in the given types or their own; named _c0, _c1, ... unless nobody asks for them by name.
-std::string render(const BoundQuery& query, const std::vector<SqlType>* types = nullptr, bool unnamed = false);
 std::vector<SqlType> columnTypes(const BoundQuery& query);
+// Brings the columns to these types, one each.
+void convertColumns(BoundQuery& query, const std::vector<SqlType>& types);
 
 } // namespace merchantry::db::tsql

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "app/db/tsql/bound.h"
-
 #include <string_view>
+#include <vector>
 
 namespace merchantry::db::tsql {
 
@@ -20,8 +19,5 @@ bool isRanking(std::string_view name);
 std::vector<std::string_view> builtInFunctions();
 std::vector<std::string_view> aggregateNames();
 std::vector<std::string_view> rankingNames();
-
-// The call of an aggregate over a bound value; throws DbError 8117 for a type that it does not take.
-Typed aggregateOf(const std::string& name, Typed value, bool distinct, int line);
 
 } // namespace merchantry::db::tsql

@@ -42,6 +42,15 @@ TEST_F(Binding, TellsAVariableFromAColumnThatShowsIt) {
     EXPECT_EQ(rowsOf("DECLARE @v int SELECT count(*) FROM T, (SELECT @v AS X) AS D WHERE N = X"), "0");
 }
 
+// The rows of a procedure were given nulls where a column takes the time by default.
+TEST_F(Binding, GivesDefaultsOfTheSessionToRowsOfAProcedure) {
+    run("CREATE TABLE T (At datetime DEFAULT GETDATE(), N int, U varchar(128) DEFAULT USER_NAME(), M int)");
+    run("CREATE PROCEDURE p AS SELECT 3, 4 UNION ALL SELECT 5, 6");
+    run("INSERT INTO T (M, N) EXEC p");
+    EXPECT_EQ(rowsOf("SELECT N, M, DATEDIFF(hour, At, GETDATE()), CASE WHEN U = USER_NAME() THEN 'own' END FROM T ORDER BY N"),
+              "4|3|0|own;6|5|0|own");
+}
+
 // Which expressions are one: what GROUP BY groups by may be selected, and what DISTINCT selects may be ordered by.
 TEST_F(Binding, KnowsAnExpressionAgain) {
     run("CREATE TABLE T (A int, N varchar(10), D datetime, C AS A * 2) INSERT INTO T VALUES (1, 'x', '2020-02-01')");
