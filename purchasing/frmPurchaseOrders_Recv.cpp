@@ -382,6 +382,7 @@ void frmPurchaseOrders_Recv::cmdOtherCost_Click() {
 void frmPurchaseOrders_Recv::cmdOK_Click() {
     if (chkPrintLabels.value() && cboPrint.text().empty()) {
         desk().message("Please select label size and printer.", kPostingTitle);
+        cboPrint.setFocus();
         return;
     }
     if (!anything(lines_, &ReceiveLine::RecvQty))

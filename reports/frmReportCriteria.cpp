@@ -78,7 +78,7 @@ frmReportCriteria::frmReportCriteria(Desk& desk) : Form(desk, "frmReportCriteria
                       at(grdSel).high(7).stretched(2),
                       group(fraSort, row({at(lblSort), at(lbxSortBy).wide(34), gap(), at(optAsc), at(optDesc), stretch()})),
                       group(fraLabels, fields({field("&Quantity:", cboQty, {at(lblQtyN), at(txtQty).wide(10)}).wide(22),
-                                               field("&Labels:", cboPrn).wide(44)})),
+                                               field("&Label size and printer:", cboPrn).wide(44)})),
                   }),
                   column({
                       at(lblKept),
@@ -311,27 +311,26 @@ bool frmReportCriteria::orderExists(double number) const {
 
 bool frmReportCriteria::checkLabels() {
     txtQty.setText(std::string(trimmed(txtQty.text())));
-    const auto refuse = [this](const char* why) {
+    const auto refuse = [this](const char* why, Control& missing) {
         say(why);
+        tabCriteria.setCurrent(0);
+        missing.setFocus();
         return false;
     };
     if (cboQty.listIndex() < 0)
-        return refuse("Please select a label quantity option");
+        return refuse("Please select a label quantity option", cboQty);
     const bool specific = cboQty.text() == "Specific Quantity";
     const bool order = cboQty.text() == "PO #";
     if (specific && txtQty.text().empty())
-        return refuse("Please input a static amount");
+        return refuse("Please input a static amount", txtQty);
     if (order && txtQty.text().empty())
-        return refuse("Please input a purchase order number");
-    if (specific && !wholeQuantity()) {
-        say("Please input a whole number greater than zero in the quantity field");
-        txtQty.setFocus();
-        return false;
-    }
+        return refuse("Please input a purchase order number", txtQty);
+    if (specific && !wholeQuantity())
+        return refuse("Please input a whole number greater than zero in the quantity field", txtQty);
     if (order && (!wholeQuantity() || !orderExists(*wholeQuantity())))
-        return refuse("That purchase order number was not found.  Please input a valid purchase order number");
+        return refuse("That purchase order number was not found.  Please input a valid purchase order number", txtQty);
     if (cboPrn.listIndex() < 0)
-        return refuse("Please select a label size and printer type");
+        return refuse("Please select a label size and printer type", cboPrn);
     return true;
 }
 
