@@ -1,6 +1,7 @@
 #include "app/db/schema/content.h"
 
 #include "app/db/eachrow.h"
+#include "app/db/schema/runfile.h"
 #include "app/db/schema/schema.h"
 #include "app/db/tsql/sql.h"
 #include "app/db/work.h"
@@ -74,28 +75,19 @@ Kept keptContent(Session& session) {
     return kept;
 }
 
-void run(Session& session, const std::string& name, std::string_view batch) {
-    try {
-        NoResult none;
-        session.execute(batch, none);
-    } catch (const DbError& error) {
-        throw DbError(error.category(), error.native(), name + ": " + error.what(), error.line());
-    }
-}
-
 // Nothing for rows.
 void dropObject(Session& session, const std::string& name) {
     for (const Kind& kind : kKinds)
         if (name.starts_with(kind.folder)) {
             const std::string object = name.substr(kind.folder.size(), name.rfind('.') - kind.folder.size());
-            run(session, name, "IF OBJECT_ID('" + object + "') IS NOT NULL DROP " + kind.word + " [" + object + "]");
+            runFile(session, name, "IF OBJECT_ID('" + object + "') IS NOT NULL DROP " + kind.word + " [" + object + "]");
         }
 }
 
 void put(Session& session, const SchemaFile& file) {
     const std::string name(file.name);
     dropObject(session, name);
-    run(session, name, file.text);
+    runFile(session, name, file.text);
 }
 
 void forget(Session& session, const std::string& name) {

@@ -1,6 +1,7 @@
 #include "app/db/schema/schema.h"
 
 #include "app/db/schema/content.h"
+#include "app/db/schema/runfile.h"
 #include "app/db/schema/version10.h"
 #include "app/db/schema/version9.h"
 #include "app/db/work.h"
@@ -66,15 +67,6 @@ std::string objectIn(const SchemaFile& file, std::string_view folder) {
     return std::string(name.substr(0, name.find('.')));
 }
 
-// Errors name the file.
-void runFile(Session& session, const SchemaFile& file) {
-    try {
-        run(session, file.text);
-    } catch (const DbError& error) {
-        throw DbError(error.category(), error.native(), std::string(file.name) + ": " + error.what(), error.line());
-    }
-}
-
 void noteVersion(Session& session, int version) {
     run(session, "INSERT INTO SchemaVersion (Version) VALUES (" + std::to_string(version) + ")");
 }
@@ -110,7 +102,7 @@ void createSchema(Session& session, const std::function<void(int percent)>& prog
     Work work(session);
     const auto files = schemaFiles();
     for (std::size_t i = 0; i < files.size(); ++i) {
-        runFile(session, files[i]);
+        runFile(session, files[i].name, files[i].text);
         if (progress)
             progress(static_cast<int>((i + 1) * 100 / files.size()));
     }
@@ -127,7 +119,7 @@ void createSchemaWith(Session& session, const std::function<void()>& fill) {
             continue;
         if (!file.name.starts_with("tables/") && !std::exchange(filled, true))
             fill();
-        runFile(session, file);
+        runFile(session, file.name, file.text);
     }
     work.commit();
 }

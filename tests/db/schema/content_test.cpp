@@ -1,4 +1,5 @@
 #include "app/db/schema/content.h"
+#include "app/db/schema/runfile.h"
 #include "app/db/schema/schema.h"
 #include "base/text.h"
 #include "tests/db/teststore.h"
@@ -78,11 +79,28 @@ TEST_F(Content, ThatCannotBePutLeavesTheStoreAsItWas) {
         renewContent(*session);
         ADD_FAILURE() << "renewed over a table";
     } catch (const DbError& error) {
-        EXPECT_EQ(std::string(error.what()).find("procedures/sp_GetPOID.sql: "), 0U) << error.what();
+        EXPECT_EQ(std::string(error.what()).find("procedures/sp_GetPOID.sql, line "), 0U) << error.what();
     }
     EXPECT_EQ(session->transactionDepth(), 0);
     EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM SchemaContent WHERE Fingerprint = 'old'"), "2");
     EXPECT_EQ(rowsOf("SELECT OBJECT_NAME(OBJECT_ID('bsp_NewItem'))"), "bsp_NewItem");
+}
+
+TEST_F(Content, WithAMistakeIsToldByFileAndLine) {
+    const std::pair<const char*, const char*> mistakes[] = {
+        {"-- Where an order is.\nCREATE PROCEDURE Wrong AS\nSELECT 1\nSELEC 2", "procedures/Wrong.sql, line 4: "},
+        {"CREATE PROCEDURE Wrong AS\nIF 1 = 1\nBEGIN\n  SELECT (1\nEND", "procedures/Wrong.sql, line 5: "},
+        {"IF 1 = 1\n  INSERT INTO TierDefs (Tier)\n  VALUES ('x')", "procedures/Wrong.sql, line 2: "},
+        {"-- Lines of what is called are not this file's.\nEXEC Fails", "procedures/Wrong.sql: "},
+    };
+    run("CREATE PROCEDURE Fails AS\n\n\nRAISERROR('It failed.', 16, 1)");
+    for (const auto& [text, told] : mistakes)
+        try {
+            runFile(*session, "procedures/Wrong.sql", text);
+            ADD_FAILURE() << "ran: " << text;
+        } catch (const DbError& error) {
+            EXPECT_EQ(std::string(error.what()).find(told), 0U) << error.what();
+        }
 }
 
 // Existing stores do not get what a table's file says unless a step brings it: a column without one is missed by its first user.
