@@ -8,6 +8,7 @@
 #include "app/db/server/database.h"
 #include "app/db/server/server.h"
 #include "app/storefile.h"
+#include "base/counted.h"
 #include "base/text.h"
 
 namespace merchantry::app {
@@ -58,6 +59,23 @@ std::size_t renewStore(const std::string& place) {
     const auto session = openStore(place);
     db::checkSchemaVersion(*session);
     return db::renewContent(*session).size();
+}
+
+std::string renewalInWords(const std::string& place) {
+    const auto session = openStore(place);
+    if (db::schemaVersion(*session) != db::kSchemaVersion)
+        return "";
+    const db::OtherContent other = db::otherContent(*session);
+    if (other.files.empty())
+        return "";
+    const auto files = static_cast<std::int64_t>(other.files.size());
+    if (other.isNewer)
+        return counted(files, "procedure, trigger, view or file of first rows is",
+                       "procedures, triggers, views and files of first rows are") +
+               " as a newer program made them.";
+    return counted(files, "procedure, trigger, view or file of first rows waits",
+                   "procedures, triggers, views and files of first rows wait") +
+           " to be renewed: the program does so when it opens the store, \"merchantryctl store upgrade\" at once.";
 }
 
 bool isOlderServerStore(const std::string& place) {

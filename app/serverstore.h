@@ -33,6 +33,9 @@ bool upgradeServerStore(const std::string& place);
 // Renews what a store of this version has otherwise than this program (procedures, first rows); returns how many files of it.
 std::size_t renewStore(const std::string& place);
 
+// What renewing would do to a store of this version, or why it does nothing, in a sentence; empty when all is as this program has it.
+std::string renewalInWords(const std::string& place);
+
 // What is wrong with a store on a server, in a sentence each: changed procedures, triggers, views and tables, and rules of the program that
 // its rows break.
 std::vector<std::string> checkServerStore(const std::string& place);

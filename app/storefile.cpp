@@ -2,6 +2,7 @@
 
 #include "app/db/embedded/filecopy.h"
 #include "app/db/embedded/store.h"
+#include "app/db/schema/content.h"
 #include "app/db/schema/schema.h"
 #include "app/db/schema/tableparts.h"
 #include "base/text.h"
@@ -51,8 +52,8 @@ std::vector<std::string> damagedTexts(const std::vector<db::StoredText>& stored)
     return found;
 }
 
-// What the store has otherwise than this program made it.
-std::vector<std::string> changedTexts(const std::vector<db::StoredText>& stored) {
+// What the store has otherwise than this program made it, but for those files.
+std::vector<std::string> changedTexts(const std::vector<db::StoredText>& stored, const std::set<std::string, std::less<>>& but) {
     std::vector<std::string> found;
     std::set<std::string_view> seen;
     for (const db::StoredText& one : stored) {
@@ -60,12 +61,12 @@ std::vector<std::string> changedTexts(const std::vector<db::StoredText>& stored)
         if (own == nullptr)
             continue;
         seen.insert(own->name);
-        if (withoutComment(own->text) != withoutComment(one.text))
+        if (but.count(own->name) == 0 && withoutComment(own->text) != withoutComment(one.text))
             found.push_back("The " + one.kind + " " + one.name + " is not as this program made it: it was changed or is damaged.");
     }
     for (const db::SchemaFile& file : db::schemaFiles()) {
         const bool module = file.name.starts_with("procedures/") || file.name.starts_with("triggers/") || file.name.starts_with("views/");
-        if (module && seen.count(file.name) == 0)
+        if (module && seen.count(file.name) == 0 && but.count(file.name) == 0)
             found.push_back("The store lacks " +
                             std::string(file.name.substr(file.name.find('/') + 1, file.name.rfind('.') - file.name.find('/') - 1)) + ".");
     }
@@ -115,7 +116,7 @@ std::vector<std::string> checkStoreFile(const std::filesystem::path& file) {
 }
 
 std::vector<std::string> changesOf(db::Session& session, const std::vector<db::StoredText>& texts, bool withIndexes) {
-    std::vector<std::string> found = changedTexts(texts);
+    std::vector<std::string> found = changedTexts(texts, db::otherContent(session).files);
     for (std::string& changed : db::changedTables(db::tableParts(session, withIndexes), ownTableParts(withIndexes)))
         found.push_back(std::move(changed));
     return found;

@@ -26,7 +26,8 @@ std::vector<std::string> checkStoreFile(const std::filesystem::path& file);
 // Damage of the file only, in a sentence each: of its pages, and of the texts of its tables and procedures.
 std::vector<std::string> damageOfStoreFile(const std::filesystem::path& file);
 // What a store of this version has otherwise than this program made it, in a sentence each; `texts` are its procedures, triggers and views.
-// Indexes are left out where a server names them in its own way.
+// Those of another program's files are no fault: they wait to be renewed, or are newer. Indexes are left out where a server names them in
+// its own way.
 std::vector<std::string> changesOf(db::Session& session, const std::vector<db::StoredText>& texts, bool withIndexes = true);
 
 // Whether the file is a store that an earlier version of the program made, so that upgradeStoreFile helps; false for anything else.

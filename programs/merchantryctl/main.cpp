@@ -18,6 +18,9 @@ constexpr const char* kServerHelp = "A store on a server: \"Data Source=HOST[,PO
 void addSql(CLI::App& program, SqlOptions& options, int& exitCode) {
     CLI::App* sql =
         program.add_subcommand("sql", "Run T-SQL batches from standard input, or typed at a prompt, on a store; GO ends a batch");
+    sql->footer(
+        "The store is taken as it is: procedures that wait to be renewed, and a store of an earlier version, stay so. \"store upgrade\" "
+        "renews them.");
     sql->add_flag("--check", options.check, "The files hold recorded answers; run each on an empty store and tell what differs");
     sql->add_flag("--csv", options.csv, "Rows as comma-separated values");
     sql->add_option("--server", options.server, kServerHelp);

@@ -127,6 +127,8 @@ int checkStore(const StoreOptions& options) {
     // What differs in a store on a server may be its server's own way; the figures are looked at all the same.
     const bool proved = (found.empty() || !options.server.empty()) && tellProof(options);
     const bool sound = found.empty() && proved;
+    if (const std::string renewal = found.empty() ? app::renewalInWords(placeOf(options)) : ""; !renewal.empty())
+        std::cout << renewal << "\n";
     if (sound)
         std::cout << app::shownPlace(placeOf(options)) << " is sound.\n";
     return sound ? 0 : 1;

@@ -2,6 +2,7 @@
 
 #include "app/db/embedded/store.h"
 #include "app/db/schema/version9.h"
+#include "app/serverstore.h"
 #include "base/text.h"
 #include "tests/scratchfolder.h"
 
@@ -108,6 +109,29 @@ TEST_F(StoreFiles, AreCheckedForChangedAndDamagedTexts) {
     const auto found = checkStoreFile(file);
     ASSERT_FALSE(found.empty());
     EXPECT_NE(found.front().find("The text of the procedure OfTheShop in the store is damaged: "), std::string::npos) << found.front();
+}
+
+// Another build of the same version made the store, or its backup: what it has otherwise is renewed at the next opening.
+TEST_F(StoreFiles, WhoseProceduresWaitToBeRenewedAreSound) {
+    makeStore();
+    EXPECT_EQ(renewalInWords(file.string()), "");
+    run(file, "ALTER PROCEDURE sp_GetPOID @PONumber int AS SELECT 0 AS POID");
+    run(file, "DROP VIEW PurchaseOrderList");
+    run(file, "UPDATE SchemaContent SET Fingerprint = 'old' WHERE Name IN ('procedures/sp_GetPOID.sql', 'rows/TierDefs.sql')");
+    run(file, "DELETE FROM SchemaContent WHERE Name = 'views/PurchaseOrderList.sql'");
+    EXPECT_EQ(checkStoreFile(file), std::vector<std::string>());
+    EXPECT_EQ(renewalInWords(file.string()),
+              "3 procedures, triggers, views and files of first rows wait to be renewed: the program does so "
+              "when it opens the store, \"merchantryctl store upgrade\" at once.");
+    restoreStoreFile(file, folder / "restored.store");
+    EXPECT_EQ(renewStore((folder / "restored.store").string()), 3U);
+    EXPECT_EQ(renewalInWords((folder / "restored.store").string()), "");
+
+    run(file, "UPDATE SchemaContent SET Program = '99.0.0' WHERE Name = 'procedures/sp_GetPOID.sql'");
+    EXPECT_EQ(checkStoreFile(file), std::vector<std::string>());
+    EXPECT_NE(renewalInWords(file.string()).find("as a newer program made them"), std::string::npos);
+    run(file, "ALTER PROCEDURE sp_GetPO @PONumber int AS SELECT 0");
+    EXPECT_EQ(checkStoreFile(file).size(), 1U) << "what another build did not change";
 }
 
 TEST_F(StoreFiles, AreCheckedForTablesThatWereChanged) {

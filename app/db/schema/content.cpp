@@ -71,7 +71,7 @@ Kept keptContent(Session& session) {
         kept.prints.emplace(row.value(0).toText(), row.value(1).toText());
         kept.isNewer = kept.isNewer || versionOf(row.value(2).toText()) > versionOf(MERCHANTRY_VERSION);
     });
-    session.execute("SELECT Name, Fingerprint, Program FROM SchemaContent", rows);
+    session.execute("IF OBJECT_ID('SchemaContent') IS NOT NULL SELECT Name, Fingerprint, Program FROM SchemaContent", rows);
     return kept;
 }
 
@@ -107,6 +107,19 @@ void note(Session& session, const Fingerprints& prints) {
 }
 
 } // namespace
+
+OtherContent otherContent(Session& session) {
+    const Kept kept = keptContent(session);
+    OtherContent other;
+    other.isNewer = kept.isNewer;
+    for (const auto& [name, print] : ownContent())
+        if (const auto had = kept.prints.find(name); had == kept.prints.end() || had->second != print)
+            other.files.insert(name);
+    for (const auto& [name, print] : kept.prints)
+        if (ownContent().count(name) == 0)
+            other.files.insert(name);
+    return other;
+}
 
 std::vector<std::string> renewContent(Session& session) {
     const Kept before = keptContent(session);
