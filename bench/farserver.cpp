@@ -1,10 +1,9 @@
 // Screens on a store that a server keeps far away: an item, an order and a receipt of 200 lines over a line of 0, 5 and 20 ms there and
 // back, to the server that MERCHANTRY_TEST_SERVER names. A store of its own is made for it and dropped.
 
-#include "app/db/server/database.h"
-#include "app/db/server/server.h"
 #include "app/modMain.h"
 #include "app/serverstore.h"
+#include "bench/benchserver.h"
 #include "bench/ratio.h"
 #include "catalog/frmItems.h"
 #include "programs/screens.h"
@@ -15,9 +14,6 @@
 #include "ui/qt/qtdesk.h"
 
 #include <QApplication>
-
-#include <cstdlib>
-#include <random>
 
 using namespace merchantry;
 using namespace merchantry::bench;
@@ -94,25 +90,13 @@ void measureAll(ui::QtDesk& desk, const db::server::Address& address, int lineMs
 } // namespace
 
 int main(int count, char** arguments) {
-    const char* named = std::getenv("MERCHANTRY_TEST_SERVER");
-    if (named == nullptr) {
-        std::printf("skipped, no server\n");
-        return 0;
-    }
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(count, arguments);
     ui::QtDesk desk(application, ui::Tone::Light);
-    try {
-        db::server::Address address = db::serverOf(named)->address();
-        address.database = "merchantry_bench_" + std::to_string(std::random_device()());
+    return onServer([&](const db::server::Address& address) {
         app::createServerStore(address.connectionText(), [](int) {});
         furnish(address.connectionText());
         for (const int lineMs : {0, 5, 20})
             measureAll(desk, address, lineMs);
-        db::server::dropDatabase(address);
-        return 0;
-    } catch (const std::exception& error) {
-        std::printf("%s\n", error.what());
-        return 1;
-    }
+    });
 }

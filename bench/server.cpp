@@ -1,20 +1,16 @@
 // A store on the server that MERCHANTRY_TEST_SERVER names: a call of one row and a hundred thousand rows, beside the driver alone. A
 // database of its own is made for it and dropped. Then the demo store, copied up to the server and back.
 
-#include "app/db/server/server.h"
 #include "app/db/ado/recordset.h"
-#include "app/db/server/database.h"
-#include "app/db/server/odbc.h"
 #include "app/storecopy.h"
 #include "app/storefile.h"
 #include "base/guard.h"
+#include "bench/benchserver.h"
 #include "bench/ratio.h"
 #include "demo/demostore.h"
 
 #include <array>
-#include <cstdlib>
 #include <optional>
-#include <random>
 
 using namespace merchantry;
 using namespace merchantry::bench;
@@ -29,46 +25,33 @@ constexpr int kLoads = 7;
 constexpr char kSelect[] = "SELECT Id, SKU, Name, Price, Sold FROM Goods";
 
 // The driver alone, as a program would use it that knows its columns.
-class BareLink {
+class BareLink : public BareDriver {
 public:
-    explicit BareLink(const Address& address) : connection_(odbcEnvironment()) {
-        const std::string text = address.driverText();
-        SQLDriverConnect(connection_.get(), nullptr, odbcText(text), static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr,
-                         SQL_DRIVER_NOPROMPT);
-        statement_ = Handle<SQL_HANDLE_STMT>(connection_.get());
-        SQLBindCol(statement_.get(), 1, SQL_C_SLONG, &id_, 0, &lengths_[0]);
-        SQLBindCol(statement_.get(), 2, SQL_C_CHAR, sku_.data(), static_cast<SQLLEN>(sku_.size()), &lengths_[1]);
-        SQLBindCol(statement_.get(), 3, SQL_C_CHAR, name_.data(), static_cast<SQLLEN>(name_.size()), &lengths_[2]);
-        SQLBindCol(statement_.get(), 4, SQL_C_CHAR, price_.data(), static_cast<SQLLEN>(price_.size()), &lengths_[3]);
-        SQLBindCol(statement_.get(), 5, SQL_C_TYPE_TIMESTAMP, &sold_, 0, &lengths_[4]);
+    explicit BareLink(const Address& address) : BareDriver(address) {
+        SQLBindCol(statement(), 1, SQL_C_SLONG, &id_, 0, &lengths_[0]);
+        SQLBindCol(statement(), 2, SQL_C_CHAR, sku_.data(), static_cast<SQLLEN>(sku_.size()), &lengths_[1]);
+        SQLBindCol(statement(), 3, SQL_C_CHAR, name_.data(), static_cast<SQLLEN>(name_.size()), &lengths_[2]);
+        SQLBindCol(statement(), 4, SQL_C_CHAR, price_.data(), static_cast<SQLLEN>(price_.size()), &lengths_[3]);
+        SQLBindCol(statement(), 5, SQL_C_TYPE_TIMESTAMP, &sold_, 0, &lengths_[4]);
     }
-    ~BareLink() {
-        statement_ = {};
-        SQLDisconnect(connection_.get());
-    }
-    BareLink(const BareLink&) = delete;
-    BareLink& operator=(const BareLink&) = delete;
 
     long call(const std::string& sku) {
         auto length = static_cast<SQLLEN>(sku.size());
-        SQLBindParameter(statement_.get(), 1, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 20, 0, const_cast<char*>(sku.data()), length,
-                         &length);
+        SQLBindParameter(statement(), 1, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 20, 0, const_cast<char*>(sku.data()), length, &length);
         const long rows = run("{call OneGood(?)}");
-        SQLFreeStmt(statement_.get(), SQL_RESET_PARAMS);
+        SQLFreeStmt(statement(), SQL_RESET_PARAMS);
         return rows;
     }
     long run(const std::string& text) {
-        SQLExecDirect(statement_.get(), odbcText(text), static_cast<SQLINTEGER>(text.size()));
+        send(text);
         long sum = 0;
-        while (SQL_SUCCEEDED(SQLFetch(statement_.get())))
+        while (SQL_SUCCEEDED(SQLFetch(statement())))
             sum += id_ + lengths_[1] + lengths_[2];
-        SQLFreeStmt(statement_.get(), SQL_CLOSE);
+        SQLFreeStmt(statement(), SQL_CLOSE);
         return sum;
     }
 
 private:
-    Handle<SQL_HANDLE_DBC> connection_;
-    Handle<SQL_HANDLE_STMT> statement_;
     SQLINTEGER id_ = 0;
     std::array<char, 21> sku_{};
     std::array<char, 51> name_{};
@@ -187,15 +170,7 @@ void benchCopy(const Address& server) {
 } // namespace
 
 int main() {
-    const char* named = std::getenv("MERCHANTRY_TEST_SERVER");
-    if (named == nullptr) {
-        std::printf("skipped, no server\n");
-        return 0;
-    }
-    try {
-        Address address = db::serverOf(named)->address();
-        address.database = "merchantry_bench_" + std::to_string(std::random_device()());
-        const NewDatabase database(address);
+    return onServer([](const Address& address) {
         db::Provider provider;
         const auto connection = std::make_shared<db::Connection>(provider);
         connection->Open(address.connectionText());
@@ -205,9 +180,5 @@ int main() {
         benchRows(connection, bare);
         connection->Close();
         benchCopy(address);
-        return 0;
-    } catch (const std::exception& error) {
-        std::printf("%s\n", error.what());
-        return 1;
-    }
+    });
 }

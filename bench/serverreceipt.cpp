@@ -3,15 +3,11 @@
 
 #include "app/db/ado/recordset.h"
 #include "app/db/schema/schema.h"
-#include "app/db/server/database.h"
-#include "app/db/server/odbc.h"
-#include "app/db/server/server.h"
 #include "app/modMain.h"
+#include "base/guard.h"
+#include "bench/benchserver.h"
 #include "bench/ratio.h"
 #include "purchasing/receiveline.h"
-
-#include <cstdlib>
-#include <random>
 
 using namespace merchantry;
 using namespace merchantry::bench;
@@ -62,36 +58,23 @@ void post(std::vector<purchasing::ReceiveLine>& lines) {
         --line.OpenQty;
 }
 
-// The driver alone.
-class Bare {
+// The statements of a receipt, sent over the driver.
+class Bare : public BareDriver {
 public:
-    explicit Bare(const Address& address) : connection_(odbcEnvironment()) {
-        const std::string text = address.driverText();
-        SQLDriverConnect(connection_.get(), nullptr, odbcText(text), static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr,
-                         SQL_DRIVER_NOPROMPT);
-        statement_ = Handle<SQL_HANDLE_STMT>(connection_.get());
-        SQLBindCol(statement_.get(), 1, SQL_C_SLONG, &first_, 0, &length_);
-    }
-    ~Bare() {
-        statement_ = {};
-        SQLDisconnect(connection_.get());
-    }
-    Bare(const Bare&) = delete;
-    Bare& operator=(const Bare&) = delete;
+    explicit Bare(const Address& address) : BareDriver(address) { SQLBindCol(statement(), 1, SQL_C_SLONG, &first_, 0, &length_); }
 
     // The first column of the last row.
     int run(const std::string& text) {
         first_ = 0;
-        const SQLRETURN done = SQLExecDirect(statement_.get(), odbcText(text), static_cast<SQLINTEGER>(text.size()));
-        if (done == SQL_ERROR)
-            std::printf("DIFFERENT: %s\n", diagnosticsOf(SQL_HANDLE_STMT, statement_.get()).front().text.c_str());
+        if (send(text) == SQL_ERROR)
+            std::printf("DIFFERENT: %s\n", diagnosticsOf(SQL_HANDLE_STMT, statement()).front().text.c_str());
         SQLSMALLINT columns = 0;
         do {
-            SQLNumResultCols(statement_.get(), &columns);
-            while (columns > 0 && SQL_SUCCEEDED(SQLFetch(statement_.get()))) {
+            SQLNumResultCols(statement(), &columns);
+            while (columns > 0 && SQL_SUCCEEDED(SQLFetch(statement()))) {
             }
-        } while (SQL_SUCCEEDED(SQLMoreResults(statement_.get())));
-        SQLFreeStmt(statement_.get(), SQL_CLOSE);
+        } while (SQL_SUCCEEDED(SQLMoreResults(statement())));
+        SQLFreeStmt(statement(), SQL_CLOSE);
         return first_;
     }
     void receive() {
@@ -107,8 +90,6 @@ public:
     }
 
 private:
-    Handle<SQL_HANDLE_DBC> connection_;
-    Handle<SQL_HANDLE_STMT> statement_;
     SQLINTEGER first_ = 0;
     SQLLEN length_ = 0;
 };
@@ -128,16 +109,9 @@ int received(int poid) {
 } // namespace
 
 int main() {
-    const char* named = std::getenv("MERCHANTRY_TEST_SERVER");
-    if (named == nullptr) {
-        std::printf("skipped, no server\n");
-        return 0;
-    }
-    try {
-        Address address = db::serverOf(named)->address();
-        address.database = "merchantry_bench_" + std::to_string(std::random_device()());
-        const NewDatabase database(address);
+    return onServer([](const Address& address) {
         Patient waiter;
+        const AtEnd left([] { app::resetModMain(); });
         app::ModMain& session = app::modMain();
         session.provider = std::make_unique<db::Provider>();
         session.provider->waiter = &waiter;
@@ -151,11 +125,5 @@ int main() {
             "a receipt of 200 lines on a server", kRuns, [&] { post(lines); }, [&] { bare.receive(); });
         if (received(1) != received(2))
             std::printf("DIFFERENT: %d and %d received\n", received(1), received(2));
-        app::resetModMain();
-        return 0;
-    } catch (const std::exception& error) {
-        app::resetModMain();
-        std::printf("%s\n", error.what());
-        return 1;
-    }
+    });
 }

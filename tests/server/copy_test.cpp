@@ -17,8 +17,7 @@ protected:
     void SetUp() override {
         if (db::testServer().empty())
             GTEST_SKIP() << "skipped, no server";
-        address = db::serverOf(db::testServer())->address();
-        address.database = "merchantry_copy_" + std::to_string(std::random_device()());
+        address = db::ownDatabase("copy");
     }
     void TearDown() override {
         if (IsSkipped())

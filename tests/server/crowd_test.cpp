@@ -1,7 +1,6 @@
 // A chain's busy hour on one server: eight registers sell while two managers order, receive, change prices and post to accounts.
 
 #include "app/db/ado/recordset.h"
-#include "app/db/schema/schema.h"
 #include "app/db/servererrors.h"
 #include "app/db/work.h"
 #include "app/stockproof.h"
@@ -30,15 +29,7 @@ constexpr const char* kShop =
 
 class CrowdOnAServer : public db::OnAServer {
 protected:
-    static void SetUpTestSuite() {
-        OnAServer::SetUpTestSuite();
-        if (db::testServer().empty())
-            return;
-        const auto session = host->session();
-        db::createSchema(*session, [](int) {});
-        db::NoResult none;
-        session->execute(kShop, none);
-    }
+    static void SetUpTestSuite() { setUpStore(kShop); }
     // A connection as a screen has it.
     db::ConnectionPtr connect() {
         const db::server::Address address = host->address();

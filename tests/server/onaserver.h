@@ -1,23 +1,15 @@
 #pragma once
 
-#include "app/db/ado/provider.h"
+#include "app/db/schema/schema.h"
 #include "app/db/server/database.h"
-#include "app/db/server/server.h"
+#include "tests/server/testserver.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
-#include <random>
 #include <string>
 
 namespace merchantry::db {
-
-// The connection string of a server to test on; empty without one.
-inline std::string testServer() {
-    const char* named = std::getenv("MERCHANTRY_TEST_SERVER");
-    return named == nullptr ? "" : named;
-}
 
 // A test in a database of its own on the server that MERCHANTRY_TEST_SERVER names, one for all tests of a file.
 class OnAServer : public testing::Test {
@@ -25,10 +17,19 @@ protected:
     static void SetUpTestSuite() {
         if (testServer().empty())
             return;
-        server::Address address = serverOf(testServer())->address();
-        address.database = "merchantry_test_" + std::to_string(std::random_device()());
+        const server::Address address = ownDatabase("test");
         database = std::make_unique<server::NewDatabase>(address);
         host = std::make_shared<server::Server>(address);
+    }
+    // The same with a store in the database, and in that what the batch puts there.
+    static void setUpStore(const std::string& goods) {
+        OnAServer::SetUpTestSuite();
+        if (host == nullptr)
+            return;
+        const auto session = host->session();
+        createSchema(*session, [](int) {});
+        NoResult none;
+        session->execute(goods, none);
     }
     static void TearDownTestSuite() {
         host.reset();

@@ -1,7 +1,6 @@
 // Every screen that posts, its line to the server cut at many a request: nothing of the posting is in the store then, or all of it, the
 // screen keeps what was typed, and the next press posts.
 
-#include "app/db/schema/schema.h"
 #include "app/modMain.h"
 #include "app/serverstore.h"
 #include "app/stockproof.h"
@@ -129,15 +128,7 @@ private:
 
 class RoadsOnAServer : public db::OnAServer, public testing::WithParamInterface<Road> {
 protected:
-    static void SetUpTestSuite() {
-        OnAServer::SetUpTestSuite();
-        if (db::testServer().empty())
-            return;
-        const auto session = host->session();
-        db::createSchema(*session, [](int) {});
-        db::NoResult none;
-        session->execute(kGoods, none);
-    }
+    static void SetUpTestSuite() { setUpStore(kGoods); }
     void SetUp() override {
         OnAServer::SetUp();
         if (!IsSkipped())
