@@ -1,6 +1,7 @@
 #include "app/db/server/batchtext.h"
 
 #include "app/db/tsql/parser.h"
+#include "app/db/tsql/token.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,204 +1,208 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
+#include "base/guard.h"
 
 namespace merchantry::db::tsql {
+namespace {
 
-StatementPtr Parser::declare() {
-    auto statement = begin<DeclareStatement>();
-    take();
-    if (peek().kind != TokenKind::Variable)
-        return cursorDeclaration(name());
-    if (isWord("TABLE", 1) || (isWord("AS", 1) && isWord("TABLE", 2))) {
-        auto table = begin<DeclareTableStatement>();
-        table->name = take().text;
-        acceptWord("AS");
-        take();
-        table->body = tableBody();
+StatementPtr tryCatch(TokenReader& in) {
+    auto statement = begun<TryStatement>(in);
+    in.take();
+    in.take();
+    in.state.batchStart = false;
+    statement->body = parseBlock(in, [&] { return in.isWord("END") && in.isWord("TRY", 1); });
+    in.take();
+    in.take();
+    in.acceptSymbol(";");
+    in.expectWord("BEGIN");
+    in.expectWord("CATCH");
+    statement->handler = parseBlock(in, [&] { return in.isWord("END") && in.isWord("CATCH", 1); });
+    in.take();
+    in.take();
+    return statement;
+}
+
+} // namespace
+
+StatementPtr parseDeclare(TokenReader& in) {
+    auto statement = begun<DeclareStatement>(in);
+    in.take();
+    if (in.peek().kind != TokenKind::Variable)
+        return parseCursorDeclaration(in, in.name());
+    if (in.isWord("TABLE", 1) || (in.isWord("AS", 1) && in.isWord("TABLE", 2))) {
+        auto table = begun<DeclareTableStatement>(in);
+        table->name = in.take().text;
+        in.acceptWord("AS");
+        in.take();
+        table->body = parseTableBody(in);
         return table;
     }
     do {
         Declaration variable;
-        variable.line = peek().line;
-        if (peek().kind != TokenKind::Variable)
-            unexpected();
-        variable.name = take().text;
-        acceptWord("AS");
-        if (acceptWord("CURSOR"))
+        variable.line = in.peek().line;
+        if (in.peek().kind != TokenKind::Variable)
+            in.unexpected();
+        variable.name = in.take().text;
+        in.acceptWord("AS");
+        if (in.acceptWord("CURSOR"))
             variable.cursor = true;
         else
-            variable.type = typeName();
-        if (acceptSymbol("="))
-            variable.value = value();
+            variable.type = in.typeName();
+        if (in.acceptSymbol("="))
+            variable.value = parseValue(in);
         statement->variables.push_back(std::move(variable));
-    } while (acceptSymbol(","));
+    } while (in.acceptSymbol(","));
     return statement;
 }
 
-StatementPtr Parser::set() {
-    if (peek(1).kind != TokenKind::Variable)
-        return setOption();
-    auto statement = begin<SetVariableStatement>();
-    take();
-    statement->variable = take().text;
-    statement->op = assignmentOperator();
-    if (isWord("CURSOR")) {
-        take();
-        auto cursor = begin<CursorStatement>();
+StatementPtr parseSet(TokenReader& in) {
+    if (in.peek(1).kind != TokenKind::Variable)
+        return parseSetOption(in);
+    auto statement = begun<SetVariableStatement>(in);
+    in.take();
+    statement->variable = in.take().text;
+    statement->op = parseAssignmentOperator(in);
+    if (in.isWord("CURSOR")) {
+        in.take();
+        auto cursor = begun<CursorStatement>(in);
         cursor->name = statement->variable;
-        cursorOptions(*cursor);
-        expectWord("FOR");
-        cursor->query = query();
-        cursorOptions(*cursor);
+        parseCursorOptions(in, *cursor);
+        in.expectWord("FOR");
+        cursor->query = parseQuery(in);
+        parseCursorOptions(in, *cursor);
         statement->cursor = std::move(cursor);
         return statement;
     }
-    statement->value = value();
+    statement->value = parseValue(in);
     return statement;
 }
 
-StatementPtr Parser::ifStatement() {
-    auto statement = begin<IfStatement>();
-    take();
-    statement->condition = condition();
-    acceptSymbol(";");
-    statement->then = this->statement();
-    if (isSymbol(";") && isWord("ELSE", 1))
-        take();
-    if (acceptWord("ELSE"))
-        statement->otherwise = this->statement();
+StatementPtr parseIf(TokenReader& in) {
+    auto statement = begun<IfStatement>(in);
+    in.take();
+    statement->condition = parseCondition(in);
+    in.acceptSymbol(";");
+    statement->then = parseStatement(in);
+    if (in.isSymbol(";") && in.isWord("ELSE", 1))
+        in.take();
+    if (in.acceptWord("ELSE"))
+        statement->otherwise = parseStatement(in);
     return statement;
 }
 
-StatementPtr Parser::whileStatement() {
-    auto statement = begin<WhileStatement>();
-    take();
-    statement->condition = condition();
-    ++loops_;
-    statement->body = this->statement();
-    --loops_;
+StatementPtr parseWhile(TokenReader& in) {
+    auto statement = begun<WhileStatement>(in);
+    in.take();
+    statement->condition = parseCondition(in);
+    const Restore within(in.state.loops, in.state.loops + 1);
+    statement->body = parseStatement(in);
     return statement;
 }
 
-StatementPtr Parser::beginStatement() {
-    if (isWord("TRAN", 1) || isWord("TRANSACTION", 1))
-        return transaction(StatementKind::Begin);
-    if (isWord("TRY", 1))
-        return tryCatch();
-    auto statement = begin<BlockStatement>();
-    take();
-    batchStart_ = false;
-    statement->body = block([&] { return isWord("END"); });
+StatementPtr parseBegin(TokenReader& in) {
+    if (in.isWord("TRAN", 1) || in.isWord("TRANSACTION", 1))
+        return parseTransaction(in, StatementKind::Begin);
+    if (in.isWord("TRY", 1))
+        return tryCatch(in);
+    auto statement = begun<BlockStatement>(in);
+    in.take();
+    in.state.batchStart = false;
+    statement->body = parseBlock(in, [&] { return in.isWord("END"); });
     if (statement->body.empty())
-        unexpected();
-    take();
+        in.unexpected();
+    in.take();
     return statement;
 }
 
-StatementPtr Parser::tryCatch() {
-    auto statement = begin<TryStatement>();
-    take();
-    take();
-    batchStart_ = false;
-    statement->body = block([&] { return isWord("END") && isWord("TRY", 1); });
-    take();
-    take();
-    acceptSymbol(";");
-    expectWord("BEGIN");
-    expectWord("CATCH");
-    statement->handler = block([&] { return isWord("END") && isWord("CATCH", 1); });
-    take();
-    take();
-    return statement;
-}
-
-StatementPtr Parser::returnStatement() {
-    auto statement = begin<ReturnStatement>();
-    take();
-    const Token& next = peek();
+StatementPtr parseReturn(TokenReader& in) {
+    auto statement = begun<ReturnStatement>(in);
+    in.take();
+    const Token& next = in.peek();
     const bool hasValue = next.kind != TokenKind::End && next.kind != TokenKind::Word &&
                           !(next.kind == TokenKind::Symbol && next.text != "(" && next.text != "-" && next.text != "+" && next.text != "~");
-    const bool startsValue = next.kind == TokenKind::Word && (next.is("CASE") || next.is("CAST") || next.is("CONVERT") || next.is("NULL") ||
-                                                              next.is("LEFT") || next.is("RIGHT") || next.is("COALESCE") ||
-                                                              next.is("NULLIF") || (isName() && (isSymbol("(", 1) || isSymbol(".", 1))));
+    const bool startsValue =
+        next.kind == TokenKind::Word &&
+        (next.is("CASE") || next.is("CAST") || next.is("CONVERT") || next.is("NULL") || next.is("LEFT") || next.is("RIGHT") ||
+         next.is("COALESCE") || next.is("NULLIF") || (in.isName() && (in.isSymbol("(", 1) || in.isSymbol(".", 1))));
     if (hasValue || startsValue) {
-        if (!inModule_)
-            fail(178, "A RETURN statement with a return value cannot be used in this context.");
-        statement->value = value();
+        if (!in.state.inModule)
+            in.fail(178, "A RETURN statement with a return value cannot be used in this context.");
+        statement->value = parseValue(in);
     }
     return statement;
 }
 
-StatementPtr Parser::gotoStatement() {
+StatementPtr parseGoto(TokenReader& in) {
     auto statement = std::make_unique<GotoStatement>(StatementKind::Goto);
-    take();
-    statement->label = name();
+    in.take();
+    statement->label = in.name();
     return statement;
 }
 
-StatementPtr Parser::raise() {
-    auto statement = begin<RaiseStatement>();
-    take();
-    expectSymbol("(");
-    statement->message = value();
-    expectSymbol(",");
-    statement->severity = value();
-    expectSymbol(",");
-    statement->state = value();
-    while (acceptSymbol(","))
-        statement->arguments.push_back(value());
-    expectSymbol(")");
-    if (acceptWord("WITH")) {
+StatementPtr parseRaise(TokenReader& in) {
+    auto statement = begun<RaiseStatement>(in);
+    in.take();
+    in.expectSymbol("(");
+    statement->message = parseValue(in);
+    in.expectSymbol(",");
+    statement->severity = parseValue(in);
+    in.expectSymbol(",");
+    statement->state = parseValue(in);
+    while (in.acceptSymbol(","))
+        statement->arguments.push_back(parseValue(in));
+    in.expectSymbol(")");
+    if (in.acceptWord("WITH")) {
         do {
-            name();
-        } while (acceptSymbol(","));
+            in.name();
+        } while (in.acceptSymbol(","));
     }
     return statement;
 }
 
-StatementPtr Parser::throwStatement() {
-    auto statement = begin<ThrowStatement>();
-    take();
-    if (isSymbol(";") || atEnd() || peek().kind == TokenKind::Word)
+StatementPtr parseThrow(TokenReader& in) {
+    auto statement = begun<ThrowStatement>(in);
+    in.take();
+    if (in.isSymbol(";") || in.atEnd() || in.peek().kind == TokenKind::Word)
         return statement;
-    statement->number = value();
-    expectSymbol(",");
-    statement->message = value();
-    expectSymbol(",");
-    statement->state = value();
+    statement->number = parseValue(in);
+    in.expectSymbol(",");
+    statement->message = parseValue(in);
+    in.expectSymbol(",");
+    statement->state = parseValue(in);
     return statement;
 }
 
-StatementPtr Parser::print() {
-    auto statement = begin<PrintStatement>();
-    take();
-    statement->value = value();
+StatementPtr parsePrint(TokenReader& in) {
+    auto statement = begun<PrintStatement>(in);
+    in.take();
+    statement->value = parseValue(in);
     return statement;
 }
 
-StatementPtr Parser::waitFor() {
-    auto statement = begin<WaitForStatement>();
-    take();
-    if (isWord("TIME"))
-        return unsupported("WAITFOR TIME");
-    expectWord("DELAY");
-    statement->delay = primary();
+StatementPtr parseWaitFor(TokenReader& in) {
+    auto statement = begun<WaitForStatement>(in);
+    in.take();
+    if (in.isWord("TIME"))
+        return parseUnsupported(in, "WAITFOR TIME");
+    in.expectWord("DELAY");
+    statement->delay = parsePrimary(in);
     return statement;
 }
 
-StatementPtr Parser::transaction(StatementKind kind) {
+StatementPtr parseTransaction(TokenReader& in, StatementKind kind) {
     auto statement = std::make_unique<TransactionStatement>(kind);
-    take();
-    const bool named = acceptWord("TRAN") || acceptWord("TRANSACTION");
-    if (kind != StatementKind::Begin && acceptWord("WORK"))
+    in.take();
+    const bool named = in.acceptWord("TRAN") || in.acceptWord("TRANSACTION");
+    if (kind != StatementKind::Begin && in.acceptWord("WORK"))
         return statement;
-    if (named && (isName() || peek().kind == TokenKind::Variable))
-        statement->name = take().value();
+    if (named && (in.isName() || in.peek().kind == TokenKind::Variable))
+        statement->name = in.take().value();
     else if (kind == StatementKind::Save)
-        unexpected();
-    if (kind == StatementKind::Begin && isWord("WITH") && isWord("MARK", 1)) {
-        take();
-        take();
-        if (peek().kind == TokenKind::Text)
-            take();
+        in.unexpected();
+    if (kind == StatementKind::Begin && in.isWord("WITH") && in.isWord("MARK", 1)) {
+        in.take();
+        in.take();
+        if (in.peek().kind == TokenKind::Text)
+            in.take();
     }
     return statement;
 }

@@ -1,65 +1,65 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
 
 #include <array>
 
 namespace merchantry::db::tsql {
 
-std::string Parser::cursorName() {
-    acceptWord("GLOBAL");
-    if (peek().kind == TokenKind::Variable)
-        return std::string(take().text);
-    return name();
+std::string parseCursorName(TokenReader& in) {
+    in.acceptWord("GLOBAL");
+    if (in.peek().kind == TokenKind::Variable)
+        return std::string(in.take().text);
+    return in.name();
 }
 
-void Parser::cursorOptions(CursorStatement& cursor) {
+void parseCursorOptions(TokenReader& in, CursorStatement& cursor) {
     static constexpr std::array<std::string_view, 14> kOptions = {
         "INSENSITIVE", "SCROLL",       "LOCAL",     "GLOBAL",       "FORWARD_ONLY", "STATIC",       "KEYSET",
         "DYNAMIC",     "FAST_FORWARD", "READ_ONLY", "SCROLL_LOCKS", "OPTIMISTIC",   "TYPE_WARNING", "READ"};
-    while (std::any_of(kOptions.begin(), kOptions.end(), [&](std::string_view word) { return isWord(word); })) {
-        cursor.local = cursor.local || isWord("LOCAL");
-        cursor.scroll = cursor.scroll || isWord("SCROLL");
-        if (take().is("READ"))
-            expectWord("ONLY");
+    while (std::any_of(kOptions.begin(), kOptions.end(), [&](std::string_view word) { return in.isWord(word); })) {
+        cursor.local = cursor.local || in.isWord("LOCAL");
+        cursor.scroll = cursor.scroll || in.isWord("SCROLL");
+        if (in.take().is("READ"))
+            in.expectWord("ONLY");
     }
-    if (!cursor.query || !isWord("FOR"))
+    if (!cursor.query || !in.isWord("FOR"))
         return;
-    take();
-    if (acceptWord("READ")) {
-        expectWord("ONLY");
+    in.take();
+    if (in.acceptWord("READ")) {
+        in.expectWord("ONLY");
         return;
     }
-    expectWord("UPDATE");
-    if (acceptWord("OF")) {
+    in.expectWord("UPDATE");
+    if (in.acceptWord("OF")) {
         do {
-            name();
-        } while (acceptSymbol(","));
+            in.name();
+        } while (in.acceptSymbol(","));
     }
 }
 
-StatementPtr Parser::cursorDeclaration(std::string name) {
-    auto statement = begin<CursorStatement>();
+StatementPtr parseCursorDeclaration(TokenReader& in, std::string name) {
+    auto statement = begun<CursorStatement>(in);
     statement->name = std::move(name);
-    cursorOptions(*statement);
-    expectWord("CURSOR");
-    cursorOptions(*statement);
-    expectWord("FOR");
-    statement->query = query();
-    cursorOptions(*statement);
+    parseCursorOptions(in, *statement);
+    in.expectWord("CURSOR");
+    parseCursorOptions(in, *statement);
+    in.expectWord("FOR");
+    statement->query = parseQuery(in);
+    parseCursorOptions(in, *statement);
     return statement;
 }
 
-StatementPtr Parser::cursorAction(CursorStatement::Action action) {
-    auto statement = begin<CursorStatement>();
-    take();
+StatementPtr parseCursorAction(TokenReader& in, CursorStatement::Action action) {
+    auto statement = begun<CursorStatement>(in);
+    in.take();
     statement->action = action;
-    statement->name = cursorName();
+    statement->name = parseCursorName(in);
     return statement;
 }
 
-StatementPtr Parser::fetch() {
+StatementPtr parseFetch(TokenReader& in) {
     using Fetch = CursorStatement::Fetch;
-    auto statement = begin<CursorStatement>();
-    take();
+    auto statement = begun<CursorStatement>(in);
+    in.take();
     statement->action = CursorStatement::Action::Fetch;
     static constexpr std::array<std::pair<std::string_view, Fetch>, 6> kWords = {{{"NEXT", Fetch::Next},
                                                                                   {"PRIOR", Fetch::Prior},
@@ -68,22 +68,22 @@ StatementPtr Parser::fetch() {
                                                                                   {"ABSOLUTE", Fetch::Absolute},
                                                                                   {"RELATIVE", Fetch::Relative}}};
     for (const auto& [word, fetch] : kWords) {
-        if (!isWord(word) || isWord("INTO", 1))
+        if (!in.isWord(word) || in.isWord("INTO", 1))
             continue;
-        take();
+        in.take();
         statement->fetch = fetch;
         if (fetch == Fetch::Absolute || fetch == Fetch::Relative)
-            statement->position = unary();
+            statement->position = parseUnary(in);
         break;
     }
-    acceptWord("FROM");
-    statement->name = cursorName();
-    if (acceptWord("INTO")) {
+    in.acceptWord("FROM");
+    statement->name = parseCursorName(in);
+    if (in.acceptWord("INTO")) {
         do {
-            if (peek().kind != TokenKind::Variable)
-                unexpected();
-            statement->into.emplace_back(take().text);
-        } while (acceptSymbol(","));
+            if (in.peek().kind != TokenKind::Variable)
+                in.unexpected();
+            statement->into.emplace_back(in.take().text);
+        } while (in.acceptSymbol(","));
     }
     return statement;
 }

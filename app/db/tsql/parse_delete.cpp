@@ -1,22 +1,22 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
 
 namespace merchantry::db::tsql {
 
-StatementPtr Parser::deleteFrom() {
-    auto statement = begin<DeleteStatement>();
-    take();
-    statement->top = top();
-    acceptWord("FROM");
-    changedTable(*statement);
-    whichRows(*statement);
+StatementPtr parseDelete(TokenReader& in) {
+    auto statement = begun<DeleteStatement>(in);
+    in.take();
+    statement->top = parseTop(in);
+    in.acceptWord("FROM");
+    parseChangedTable(in, *statement);
+    parseWhichRows(in, *statement);
     return statement;
 }
 
-StatementPtr Parser::truncate() {
-    auto statement = begin<TruncateStatement>();
-    take();
-    expectWord("TABLE");
-    statement->table = objectName();
+StatementPtr parseTruncate(TokenReader& in) {
+    auto statement = begun<TruncateStatement>(in);
+    in.take();
+    in.expectWord("TABLE");
+    statement->table = in.objectName();
     return statement;
 }
 

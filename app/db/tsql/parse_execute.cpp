@@ -1,110 +1,113 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
 
 namespace merchantry::db::tsql {
+namespace {
 
-StatementPtr Parser::execute(bool withWord) {
-    auto statement = begin<ExecuteStatement>();
+// A constant, a variable or DEFAULT.
+ExprPtr argumentValue(TokenReader& in) {
+    const Token& token = in.peek();
+    if (token.kind == TokenKind::Variable || token.kind == TokenKind::SystemVariable) {
+        ExprPtr result = newExpr(in, token.kind == TokenKind::Variable ? ExprKind::Variable : ExprKind::SystemVariable);
+        result->text = in.take().text;
+        return result;
+    }
+    if (token.is("DEFAULT")) {
+        ExprPtr result = newExpr(in, ExprKind::Default);
+        in.take();
+        return result;
+    }
+    return parseConstant(in);
+}
+
+Argument argument(TokenReader& in) {
+    Argument result;
+    result.line = in.peek().line;
+    if (in.peek().kind == TokenKind::Variable && in.isSymbol("=", 1)) {
+        result.name = in.take().text;
+        in.take();
+    }
+    result.value = argumentValue(in);
+    result.output = in.acceptWord("OUTPUT") || in.acceptWord("OUT");
+    if (result.output && result.value->kind != ExprKind::Variable)
+        in.fail(179, "Cannot use the OUTPUT option when passing a constant to a stored procedure.");
+    return result;
+}
+
+} // namespace
+
+StatementPtr parseExecute(TokenReader& in, bool withWord) {
+    auto statement = begun<ExecuteStatement>(in);
     if (withWord)
-        take();
-    if (withWord && isSymbol("(")) {
-        auto text = begin<ExecuteTextStatement>();
-        take();
-        text->text = value();
-        expectSymbol(")");
+        in.take();
+    if (withWord && in.isSymbol("(")) {
+        auto text = begun<ExecuteTextStatement>(in);
+        in.take();
+        text->text = parseValue(in);
+        in.expectSymbol(")");
         return text;
     }
-    if (withWord && peek().kind == TokenKind::Variable) {
-        if (isSymbol("=", 1)) {
-            statement->result = take().text;
-            take();
+    if (withWord && in.peek().kind == TokenKind::Variable) {
+        if (in.isSymbol("=", 1)) {
+            statement->result = in.take().text;
+            in.take();
         } else {
-            statement->procedureVariable = take().text;
+            statement->procedureVariable = in.take().text;
         }
     }
     if (statement->procedureVariable.empty()) {
-        if (peek().kind == TokenKind::Variable)
-            statement->procedureVariable = take().text;
+        if (in.peek().kind == TokenKind::Variable)
+            statement->procedureVariable = in.take().text;
         else
-            statement->procedure = objectName();
+            statement->procedure = in.objectName();
     }
-    if (isSymbol(";") && peek(1).kind == TokenKind::Integer) { // proc;1
-        take();
-        take();
+    if (in.isSymbol(";") && in.peek(1).kind == TokenKind::Integer) { // proc;1
+        in.take();
+        in.take();
     }
-    const Token& next = peek();
-    const bool none = isLabel() || next.kind == TokenKind::End || next.kind == TokenKind::SystemVariable || next.isSymbol(";") ||
+    const Token& next = in.peek();
+    const bool none = in.isLabel() || next.kind == TokenKind::End || next.kind == TokenKind::SystemVariable || next.isSymbol(";") ||
                       (next.kind == TokenKind::Symbol && !next.isSymbol("-") && !next.isSymbol("+")) ||
                       (next.kind == TokenKind::Word && isReservedWord(next.text) && !next.is("NULL") && !next.is("DEFAULT"));
     if (none && next.kind == TokenKind::Symbol && !next.isSymbol(";") && !next.isSymbol(")"))
-        unexpected();
+        in.unexpected();
     if (!none || next.kind == TokenKind::SystemVariable) {
         bool named = false;
         do {
-            statement->arguments.push_back(argument());
+            statement->arguments.push_back(argument(in));
             named = named || !statement->arguments.back().name.empty();
             if (named && statement->arguments.back().name.empty())
-                fail(119, "Must pass parameter number " + std::to_string(statement->arguments.size()) +
-                              " and subsequent parameters as '@name = value'. After the form '@name = value' has been used, all subsequent "
-                              "parameters must be passed in the form '@name = value'.");
-        } while (acceptSymbol(","));
+                in.fail(119,
+                        "Must pass parameter number " + std::to_string(statement->arguments.size()) +
+                            " and subsequent parameters as '@name = value'. After the form '@name = value' has been used, all subsequent "
+                            "parameters must be passed in the form '@name = value'.");
+        } while (in.acceptSymbol(","));
     }
-    if (isWord("WITH") && isWord("RECOMPILE", 1)) {
-        take();
-        take();
+    if (in.isWord("WITH") && in.isWord("RECOMPILE", 1)) {
+        in.take();
+        in.take();
     }
     return statement;
 }
 
-Argument Parser::argument() {
-    Argument result;
-    result.line = peek().line;
-    if (peek().kind == TokenKind::Variable && isSymbol("=", 1)) {
-        result.name = take().text;
-        take();
-    }
-    result.value = argumentValue();
-    result.output = acceptWord("OUTPUT") || acceptWord("OUT");
-    if (result.output && result.value->kind != ExprKind::Variable)
-        fail(179, "Cannot use the OUTPUT option when passing a constant to a stored procedure.");
-    return result;
-}
-
-// A constant, a variable or DEFAULT.
-ExprPtr Parser::argumentValue() {
-    const Token& token = peek();
-    if (token.kind == TokenKind::Variable || token.kind == TokenKind::SystemVariable) {
-        ExprPtr result = make(token.kind == TokenKind::Variable ? ExprKind::Variable : ExprKind::SystemVariable);
-        result->text = take().text;
-        return result;
-    }
-    if (token.is("DEFAULT")) {
-        ExprPtr result = make(ExprKind::Default);
-        take();
-        return result;
-    }
-    return constant();
-}
-
-// A literal with or without sign, NULL, or a bare word, which is a text: what can be passed, and what a parameter can have as its default.
-ExprPtr Parser::constant() {
-    const Token& token = peek();
+ExprPtr parseConstant(TokenReader& in) {
+    const Token& token = in.peek();
     if (token.isSymbol("-") || token.isSymbol("+")) {
-        ExprPtr result = make(ExprKind::Unary);
-        result->text = take().text;
-        const TokenKind kind = peek().kind;
+        ExprPtr result = newExpr(in, ExprKind::Unary);
+        result->text = in.take().text;
+        const TokenKind kind = in.peek().kind;
         if (kind != TokenKind::Integer && kind != TokenKind::Number && kind != TokenKind::Float && kind != TokenKind::Money)
-            unexpected();
-        result->args.push_back(literal());
+            in.unexpected();
+        result->args.push_back(parseLiteral(in));
         return result;
     }
     if (token.is("NULL")) {
-        ExprPtr result = make(ExprKind::Null);
-        take();
+        ExprPtr result = newExpr(in, ExprKind::Null);
+        in.take();
         return result;
     }
-    if (isName()) {
-        ExprPtr result = make(ExprKind::Text);
-        result->text = take().value();
+    if (in.isName()) {
+        ExprPtr result = newExpr(in, ExprKind::Text);
+        result->text = in.take().value();
         return result;
     }
     switch (token.kind) {
@@ -115,9 +118,9 @@ ExprPtr Parser::constant() {
     case TokenKind::Text:
     case TokenKind::WideText:
     case TokenKind::Binary:
-        return literal();
+        return parseLiteral(in);
     default:
-        unexpected();
+        in.unexpected();
     }
 }
 

@@ -1,4 +1,4 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
 
 #include "app/db/nativeerrors.h"
 
@@ -28,176 +28,64 @@ bool isCondition(const Expr& expr) {
     }
 }
 
-} // namespace
-
-ExprPtr Parser::make(ExprKind kind) const {
-    auto expr = std::make_unique<Expr>();
-    expr->kind = kind;
-    expr->line = peek().line;
-    return expr;
-}
-
-void Parser::requireCondition(const Expr& expr) const {
+void requireCondition(const TokenReader& in, const Expr& expr) {
     if (isCondition(expr))
         return;
-    const std::string near = atEnd() && at_ > 0 ? tokens_[at_ - 1].value() : peek().value();
+    const std::string near = in.atEnd() ? in.last().value() : in.peek().value();
     throw serverError(4145, "An expression of non-boolean type specified in a context where a condition is expected, near '" + near + "'.",
-                      peek().line)
+                      in.peek().line)
         .withSeverity(15, 1);
 }
 
-void Parser::requireValue(const Expr& expr) const {
+void requireValue(const TokenReader& in, const Expr& expr) {
     if (isCondition(expr))
-        unexpected();
+        in.unexpected();
 }
 
-ExprPtr Parser::expression() {
-    const Nesting nesting(*this);
-    ExprPtr left = conjunction();
-    int links = 0;
-    while (isWord("OR")) {
-        link(links);
-        requireCondition(*left);
-        ExprPtr both = make(ExprKind::Or);
-        take();
-        ExprPtr right = conjunction();
-        requireCondition(*right);
-        both->args.push_back(std::move(left));
-        both->args.push_back(std::move(right));
-        left = std::move(both);
-    }
-    return left;
-}
-
-ExprPtr Parser::value() {
-    const Nesting nesting(*this);
-    ExprPtr result = sum();
-    requireValue(*result);
-    return result;
-}
-
-ExprPtr Parser::condition() {
-    ExprPtr result = expression();
-    requireCondition(*result);
-    return result;
-}
-
-ExprPtr Parser::conjunction() {
-    ExprPtr left = negation();
-    int links = 0;
-    while (isWord("AND")) {
-        link(links);
-        requireCondition(*left);
-        ExprPtr both = make(ExprKind::And);
-        take();
-        ExprPtr right = negation();
-        requireCondition(*right);
-        both->args.push_back(std::move(left));
-        both->args.push_back(std::move(right));
-        left = std::move(both);
-    }
-    return left;
-}
-
-ExprPtr Parser::negation() {
-    if (!isWord("NOT"))
-        return comparison();
-    const Nesting nesting(*this);
-    ExprPtr result = make(ExprKind::Not);
-    take();
-    result->args.push_back(negation());
-    requireCondition(*result->args[0]);
-    return result;
-}
-
-ExprPtr Parser::comparison() {
-    if (isWord("EXISTS")) {
-        ExprPtr result = make(ExprKind::Exists);
-        take();
-        expectSymbol("(");
-        result->query = query();
-        expectSymbol(")");
-        return result;
-    }
-    return comparisonAfter(sum());
-}
-
-ExprPtr Parser::comparisonAfter(ExprPtr left) {
-    static constexpr std::array<std::string_view, 9> kOperators = {"=", "<>", "!=", "<", "<=", ">", ">=", "!<", "!>"};
-    const int line = peek().line;
-    for (const std::string_view op : kOperators) {
-        if (!isSymbol(op))
-            continue;
-        requireValue(*left);
-        take();
-        const std::string_view meant = op == "!=" ? "<>" : op == "!<" ? ">=" : op == "!>" ? "<=" : op;
-        if (isWord("ALL") || isWord("ANY") || isWord("SOME"))
-            return quantified(std::move(left), std::string(meant), line);
-        ExprPtr result = make(ExprKind::Compare);
-        result->text = meant;
-        result->args.push_back(std::move(left));
-        result->args.push_back(value());
-        return result;
-    }
-    const bool negated = isWord("NOT") && (isWord("LIKE", 1) || isWord("BETWEEN", 1) || isWord("IN", 1));
-    if (isWord("IS")) {
-        requireValue(*left);
-        ExprPtr result = make(ExprKind::IsNull);
-        take();
-        result->negated = acceptWord("NOT");
-        expectWord("NULL");
-        result->args.push_back(std::move(left));
-        return result;
-    }
-    if (negated)
-        take();
-    return membership(std::move(left), negated, line);
-}
-
-ExprPtr Parser::quantified(ExprPtr left, const std::string& op, int line) {
-    ExprPtr result = make(ExprKind::Quantified);
+ExprPtr quantified(TokenReader& in, ExprPtr left, const std::string& op, int line) {
+    ExprPtr result = newExpr(in, ExprKind::Quantified);
     result->line = line;
-    result->all = take().is("ALL");
+    result->all = in.take().is("ALL");
     result->text = op;
     result->args.push_back(std::move(left));
-    expectSymbol("(");
-    result->query = query();
-    expectSymbol(")");
+    in.expectSymbol("(");
+    result->query = parseQuery(in);
+    in.expectSymbol(")");
     return result;
 }
 
-ExprPtr Parser::membership(ExprPtr left, bool negated, int line) {
+ExprPtr membership(TokenReader& in, ExprPtr left, bool negated, int line) {
     ExprPtr result;
-    if (isWord("LIKE")) {
-        take();
-        requireValue(*left);
-        result = make(ExprKind::Like);
+    if (in.isWord("LIKE")) {
+        in.take();
+        requireValue(in, *left);
+        result = newExpr(in, ExprKind::Like);
         result->args.push_back(std::move(left));
-        result->args.push_back(value());
-        if (acceptWord("ESCAPE"))
-            result->args.push_back(value());
-    } else if (isWord("BETWEEN")) {
-        take();
-        requireValue(*left);
-        result = make(ExprKind::Between);
+        result->args.push_back(parseValue(in));
+        if (in.acceptWord("ESCAPE"))
+            result->args.push_back(parseValue(in));
+    } else if (in.isWord("BETWEEN")) {
+        in.take();
+        requireValue(in, *left);
+        result = newExpr(in, ExprKind::Between);
         result->args.push_back(std::move(left));
-        result->args.push_back(value());
-        expectWord("AND");
-        result->args.push_back(value());
-    } else if (isWord("IN")) {
-        take();
-        requireValue(*left);
-        expectSymbol("(");
-        result = make(startsQuery() ? ExprKind::InQuery : ExprKind::InList);
+        result->args.push_back(parseValue(in));
+        in.expectWord("AND");
+        result->args.push_back(parseValue(in));
+    } else if (in.isWord("IN")) {
+        in.take();
+        requireValue(in, *left);
+        in.expectSymbol("(");
+        result = newExpr(in, startsQuery(in) ? ExprKind::InQuery : ExprKind::InList);
         result->args.push_back(std::move(left));
         if (result->kind == ExprKind::InQuery) {
-            result->query = query();
+            result->query = parseQuery(in);
         } else {
             do {
-                result->args.push_back(value());
-            } while (acceptSymbol(","));
+                result->args.push_back(parseValue(in));
+            } while (in.acceptSymbol(","));
         }
-        expectSymbol(")");
+        in.expectSymbol(")");
     } else {
         return left;
     }
@@ -206,16 +94,48 @@ ExprPtr Parser::membership(ExprPtr left, bool negated, int line) {
     return result;
 }
 
-ExprPtr Parser::sum() {
-    ExprPtr left = product();
+ExprPtr comparisonAfter(TokenReader& in, ExprPtr left) {
+    static constexpr std::array<std::string_view, 9> kOperators = {"=", "<>", "!=", "<", "<=", ">", ">=", "!<", "!>"};
+    const int line = in.peek().line;
+    for (const std::string_view op : kOperators) {
+        if (!in.isSymbol(op))
+            continue;
+        requireValue(in, *left);
+        in.take();
+        const std::string_view meant = op == "!=" ? "<>" : op == "!<" ? ">=" : op == "!>" ? "<=" : op;
+        if (in.isWord("ALL") || in.isWord("ANY") || in.isWord("SOME"))
+            return quantified(in, std::move(left), std::string(meant), line);
+        ExprPtr result = newExpr(in, ExprKind::Compare);
+        result->text = meant;
+        result->args.push_back(std::move(left));
+        result->args.push_back(parseValue(in));
+        return result;
+    }
+    const bool negated = in.isWord("NOT") && (in.isWord("LIKE", 1) || in.isWord("BETWEEN", 1) || in.isWord("IN", 1));
+    if (in.isWord("IS")) {
+        requireValue(in, *left);
+        ExprPtr result = newExpr(in, ExprKind::IsNull);
+        in.take();
+        result->negated = in.acceptWord("NOT");
+        in.expectWord("NULL");
+        result->args.push_back(std::move(left));
+        return result;
+    }
+    if (negated)
+        in.take();
+    return membership(in, std::move(left), negated, line);
+}
+
+ExprPtr product(TokenReader& in) {
+    ExprPtr left = parseUnary(in);
     int links = 0;
-    while (isSymbol("+") || isSymbol("-") || isSymbol("&") || isSymbol("|") || isSymbol("^")) {
-        link(links);
-        requireValue(*left);
-        ExprPtr both = make(ExprKind::Arithmetic);
-        both->text = take().text;
-        ExprPtr right = product();
-        requireValue(*right);
+    while (in.isSymbol("*") || in.isSymbol("/") || in.isSymbol("%")) {
+        in.link(links);
+        requireValue(in, *left);
+        ExprPtr both = newExpr(in, ExprKind::Arithmetic);
+        both->text = in.take().text;
+        ExprPtr right = parseUnary(in);
+        requireValue(in, *right);
         both->args.push_back(std::move(left));
         both->args.push_back(std::move(right));
         left = std::move(both);
@@ -223,16 +143,16 @@ ExprPtr Parser::sum() {
     return left;
 }
 
-ExprPtr Parser::product() {
-    ExprPtr left = unary();
+ExprPtr sum(TokenReader& in) {
+    ExprPtr left = product(in);
     int links = 0;
-    while (isSymbol("*") || isSymbol("/") || isSymbol("%")) {
-        link(links);
-        requireValue(*left);
-        ExprPtr both = make(ExprKind::Arithmetic);
-        both->text = take().text;
-        ExprPtr right = unary();
-        requireValue(*right);
+    while (in.isSymbol("+") || in.isSymbol("-") || in.isSymbol("&") || in.isSymbol("|") || in.isSymbol("^")) {
+        in.link(links);
+        requireValue(in, *left);
+        ExprPtr both = newExpr(in, ExprKind::Arithmetic);
+        both->text = in.take().text;
+        ExprPtr right = product(in);
+        requireValue(in, *right);
         both->args.push_back(std::move(left));
         both->args.push_back(std::move(right));
         left = std::move(both);
@@ -240,14 +160,94 @@ ExprPtr Parser::product() {
     return left;
 }
 
-ExprPtr Parser::unary() {
-    if (!isSymbol("-") && !isSymbol("+") && !isSymbol("~"))
-        return primary();
-    const Nesting nesting(*this);
-    ExprPtr result = make(ExprKind::Unary);
-    result->text = take().text;
-    result->args.push_back(unary());
-    requireValue(*result->args[0]);
+ExprPtr comparison(TokenReader& in) {
+    if (in.isWord("EXISTS")) {
+        ExprPtr result = newExpr(in, ExprKind::Exists);
+        in.take();
+        in.expectSymbol("(");
+        result->query = parseQuery(in);
+        in.expectSymbol(")");
+        return result;
+    }
+    return comparisonAfter(in, sum(in));
+}
+
+ExprPtr negation(TokenReader& in) {
+    if (!in.isWord("NOT"))
+        return comparison(in);
+    const Nesting nesting(in);
+    ExprPtr result = newExpr(in, ExprKind::Not);
+    in.take();
+    result->args.push_back(negation(in));
+    requireCondition(in, *result->args[0]);
+    return result;
+}
+
+ExprPtr conjunction(TokenReader& in) {
+    ExprPtr left = negation(in);
+    int links = 0;
+    while (in.isWord("AND")) {
+        in.link(links);
+        requireCondition(in, *left);
+        ExprPtr both = newExpr(in, ExprKind::And);
+        in.take();
+        ExprPtr right = negation(in);
+        requireCondition(in, *right);
+        both->args.push_back(std::move(left));
+        both->args.push_back(std::move(right));
+        left = std::move(both);
+    }
+    return left;
+}
+
+} // namespace
+
+ExprPtr newExpr(const TokenReader& in, ExprKind kind) {
+    auto expr = std::make_unique<Expr>();
+    expr->kind = kind;
+    expr->line = in.peek().line;
+    return expr;
+}
+
+ExprPtr parseExpression(TokenReader& in) {
+    const Nesting nesting(in);
+    ExprPtr left = conjunction(in);
+    int links = 0;
+    while (in.isWord("OR")) {
+        in.link(links);
+        requireCondition(in, *left);
+        ExprPtr both = newExpr(in, ExprKind::Or);
+        in.take();
+        ExprPtr right = conjunction(in);
+        requireCondition(in, *right);
+        both->args.push_back(std::move(left));
+        both->args.push_back(std::move(right));
+        left = std::move(both);
+    }
+    return left;
+}
+
+ExprPtr parseValue(TokenReader& in) {
+    const Nesting nesting(in);
+    ExprPtr result = sum(in);
+    requireValue(in, *result);
+    return result;
+}
+
+ExprPtr parseCondition(TokenReader& in) {
+    ExprPtr result = parseExpression(in);
+    requireCondition(in, *result);
+    return result;
+}
+
+ExprPtr parseUnary(TokenReader& in) {
+    if (!in.isSymbol("-") && !in.isSymbol("+") && !in.isSymbol("~"))
+        return parsePrimary(in);
+    const Nesting nesting(in);
+    ExprPtr result = newExpr(in, ExprKind::Unary);
+    result->text = in.take().text;
+    result->args.push_back(parseUnary(in));
+    requireValue(in, *result->args[0]);
     return result;
 }
 

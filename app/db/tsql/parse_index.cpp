@@ -1,58 +1,57 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
 
 namespace merchantry::db::tsql {
 
-StatementPtr Parser::createIndex() {
-    auto statement = begin<CreateIndexStatement>();
-    statement->unique = acceptWord("UNIQUE");
-    if (acceptWord("CLUSTERED"))
+StatementPtr parseCreateIndex(TokenReader& in) {
+    auto statement = begun<CreateIndexStatement>(in);
+    statement->unique = in.acceptWord("UNIQUE");
+    if (in.acceptWord("CLUSTERED"))
         statement->clustered = true;
     else
-        acceptWord("NONCLUSTERED");
-    expectWord("INDEX");
-    statement->name = name();
-    expectWord("ON");
-    statement->table = objectName();
-    statement->columns = indexColumns();
-    if (acceptWord("INCLUDE"))
-        nameList();
-    if (isWord("WHERE"))
-        return unsupported("an index with WHERE");
-    indexOptions();
-    storageOptions();
+        in.acceptWord("NONCLUSTERED");
+    in.expectWord("INDEX");
+    statement->name = in.name();
+    in.expectWord("ON");
+    statement->table = in.objectName();
+    statement->columns = parseIndexColumns(in);
+    if (in.acceptWord("INCLUDE"))
+        in.nameList();
+    if (in.isWord("WHERE"))
+        return parseUnsupported(in, "an index with WHERE");
+    skipIndexOptions(in);
+    skipStorageOptions(in);
     return statement;
 }
 
-std::vector<IndexColumn> Parser::indexColumns() {
+std::vector<IndexColumn> parseIndexColumns(TokenReader& in) {
     std::vector<IndexColumn> columns;
-    expectSymbol("(");
+    in.expectSymbol("(");
     do {
         IndexColumn column;
-        column.name = name();
-        column.descending = acceptWord("DESC");
+        column.name = in.name();
+        column.descending = in.acceptWord("DESC");
         if (!column.descending)
-            acceptWord("ASC");
+            in.acceptWord("ASC");
         columns.push_back(std::move(column));
-    } while (acceptSymbol(","));
-    expectSymbol(")");
+    } while (in.acceptSymbol(","));
+    in.expectSymbol(")");
     return columns;
 }
 
-// WITH (FILLFACTOR = 80, ...) or WITH FILLFACTOR = 80: read and of no effect.
-void Parser::indexOptions() {
-    if (!acceptWord("WITH"))
+void skipIndexOptions(TokenReader& in) {
+    if (!in.acceptWord("WITH"))
         return;
-    const bool bracketed = acceptSymbol("(");
+    const bool bracketed = in.acceptSymbol("(");
     do {
-        if (isWord("FILLFACTOR") || isName())
-            take();
+        if (in.isWord("FILLFACTOR") || in.isName())
+            in.take();
         else
-            unexpected();
-        if (acceptSymbol("=") && !acceptWord("ON") && !acceptWord("OFF"))
-            wholeNumber();
-    } while (acceptSymbol(","));
+            in.unexpected();
+        if (in.acceptSymbol("=") && !in.acceptWord("ON") && !in.acceptWord("OFF"))
+            in.wholeNumber();
+    } while (in.acceptSymbol(","));
     if (bracketed)
-        expectSymbol(")");
+        in.expectSymbol(")");
 }
 
 } // namespace merchantry::db::tsql

@@ -1,85 +1,88 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
 
 namespace merchantry::db::tsql {
+namespace {
 
-StatementPtr Parser::insert() {
-    auto statement = begin<InsertStatement>();
-    take();
-    statement->top = top();
-    acceptWord("INTO");
-    if (peek().kind == TokenKind::Variable) {
-        statement->table.parts.emplace_back(take().text);
+void insertSource(TokenReader& in, InsertStatement& insert) {
+    if (in.isWord("DEFAULT")) {
+        in.take();
+        in.expectWord("VALUES");
+        insert.defaultValues = true;
+    } else if (in.acceptWord("VALUES")) {
+        do {
+            insert.rows.push_back(parseValuesRow(in));
+        } while (in.acceptSymbol(","));
+    } else if (in.isWord("EXEC") || in.isWord("EXECUTE")) {
+        insert.execute = parseExecute(in, true);
+        insert.execute->line = insert.line;
+        insert.execute->number = in.state.statements++;
+    } else if (in.isWord("WITH")) {
+        insert.commonTables = parseCommonTables(in);
+        insert.query = parseQuery(in);
+    } else if (startsQuery(in)) {
+        insert.query = parseQuery(in);
+    } else {
+        in.unexpected();
+    }
+}
+
+} // namespace
+
+StatementPtr parseInsert(TokenReader& in) {
+    auto statement = begun<InsertStatement>(in);
+    in.take();
+    statement->top = parseTop(in);
+    in.acceptWord("INTO");
+    if (in.peek().kind == TokenKind::Variable) {
+        statement->table.parts.emplace_back(in.take().text);
         statement->table.line = statement->line;
     } else {
-        statement->table = objectName();
+        statement->table = in.objectName();
     }
-    if (isWord("WITH"))
-        tableHints();
-    if (isSymbol("(") && !startsQuery()) {
+    if (in.isWord("WITH"))
+        skipTableHints(in);
+    if (in.isSymbol("(") && !startsQuery(in)) {
         statement->hasColumns = true;
-        take();
+        in.take();
         do {
-            statement->columns.push_back(objectName().last());
-        } while (acceptSymbol(","));
-        expectSymbol(")");
+            statement->columns.push_back(in.objectName().last());
+        } while (in.acceptSymbol(","));
+        in.expectSymbol(")");
     }
-    statement->output = output();
-    insertSource(*statement);
+    statement->output = parseOutput(in);
+    insertSource(in, *statement);
     return statement;
 }
 
-void Parser::insertSource(InsertStatement& insert) {
-    if (isWord("DEFAULT")) {
-        take();
-        expectWord("VALUES");
-        insert.defaultValues = true;
-    } else if (acceptWord("VALUES")) {
-        do {
-            insert.rows.push_back(valuesRow());
-        } while (acceptSymbol(","));
-    } else if (isWord("EXEC") || isWord("EXECUTE")) {
-        insert.execute = execute(true);
-        insert.execute->line = insert.line;
-        insert.execute->number = count_++;
-    } else if (isWord("WITH")) {
-        insert.commonTables = commonTables();
-        insert.query = query();
-    } else if (startsQuery()) {
-        insert.query = query();
-    } else {
-        unexpected();
-    }
-}
-
-std::vector<ExprPtr> Parser::valuesRow() {
+std::vector<ExprPtr> parseValuesRow(TokenReader& in) {
     std::vector<ExprPtr> row;
-    expectSymbol("(");
+    in.expectSymbol("(");
     do {
-        if (isWord("DEFAULT")) {
-            row.push_back(make(ExprKind::Default));
-            take();
+        if (in.isWord("DEFAULT")) {
+            row.push_back(newExpr(in, ExprKind::Default));
+            in.take();
         } else {
-            row.push_back(value());
+            row.push_back(parseValue(in));
         }
-    } while (acceptSymbol(","));
-    expectSymbol(")");
+    } while (in.acceptSymbol(","));
+    in.expectSymbol(")");
     return row;
 }
 
-std::optional<OutputClause> Parser::output() {
-    if (!acceptWord("OUTPUT"))
+std::optional<OutputClause> parseOutput(TokenReader& in) {
+    if (!in.acceptWord("OUTPUT"))
         return std::nullopt;
     OutputClause clause;
     do {
-        clause.items.push_back(selectItem());
-    } while (acceptSymbol(","));
-    if (acceptWord("INTO")) {
-        if (peek().kind == TokenKind::Variable)
-            clause.into.parts.emplace_back(take().text);
+        clause.items.push_back(parseSelectItem(in));
+    } while (in.acceptSymbol(","));
+    if (in.acceptWord("INTO")) {
+        if (in.peek().kind == TokenKind::Variable)
+            clause.into.parts.emplace_back(in.take().text);
         else
-            clause.into = objectName();
-        if (isSymbol("("))
-            clause.intoColumns = nameList();
+            clause.into = in.objectName();
+        if (in.isSymbol("("))
+            clause.intoColumns = in.nameList();
     }
     return clause;
 }

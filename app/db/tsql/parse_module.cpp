@@ -1,191 +1,191 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
+#include "base/guard.h"
 
 namespace merchantry::db::tsql {
-
-StatementPtr Parser::createView(bool alter, std::size_t begin) {
-    auto statement = this->begin<CreateViewStatement>();
-    if (!batchStart_)
-        fail(111, "'CREATE VIEW' must be the first statement in a query batch.");
-    statement->alter = alter;
-    take();
-    statement->name = objectName();
-    if (isSymbol("("))
-        statement->columns = nameList();
-    moduleOptions();
-    expectWord("AS");
-    if (isWord("WITH")) {
-        std::vector<CommonTable> tables = commonTables();
-        statement->query = query();
-        statement->query->commonTables = std::move(tables);
-    } else {
-        statement->query = query();
-    }
-    if (isWord("WITH") && isWord("CHECK", 1)) {
-        take();
-        take();
-        expectWord("OPTION");
-    }
-    acceptSymbol(";");
-    if (!atEnd())
-        unexpected();
-    statement->text = sourceFrom(begin);
-    return statement;
-}
+namespace {
 
 // WITH ENCRYPTION, RECOMPILE, SCHEMABINDING, EXECUTE AS ...: read and of no effect.
-void Parser::moduleOptions() {
-    if (!acceptWord("WITH"))
+void moduleOptions(TokenReader& in) {
+    if (!in.acceptWord("WITH"))
         return;
     do {
-        if (isWord("EXECUTE") || isWord("EXEC")) {
-            take();
-            expectWord("AS");
-            take();
-        } else if (isWord("RETURNS")) {
-            take();
-            expectWord("NULL");
-            expectWord("ON");
-            expectWord("NULL");
-            expectWord("INPUT");
+        if (in.isWord("EXECUTE") || in.isWord("EXEC")) {
+            in.take();
+            in.expectWord("AS");
+            in.take();
+        } else if (in.isWord("RETURNS")) {
+            in.take();
+            in.expectWord("NULL");
+            in.expectWord("ON");
+            in.expectWord("NULL");
+            in.expectWord("INPUT");
         } else {
-            name();
+            in.name();
         }
-    } while (acceptSymbol(","));
+    } while (in.acceptSymbol(","));
 }
 
-std::vector<ParameterClause> Parser::parameterList() {
-    std::vector<ParameterClause> parameters;
-    do {
-        parameters.push_back(parameter());
-    } while (acceptSymbol(","));
-    return parameters;
-}
-
-ParameterClause Parser::parameter() {
+ParameterClause parameter(TokenReader& in) {
     ParameterClause parameter;
-    parameter.line = peek().line;
-    if (peek().kind != TokenKind::Variable)
-        unexpected();
-    parameter.name = take().text;
-    acceptWord("AS");
-    parameter.type = typeName();
-    if (acceptSymbol("="))
-        parameter.defaultValue = constant();
-    parameter.output = acceptWord("OUTPUT") || acceptWord("OUT");
-    if (acceptWord("READONLY"))
-        fail(102, "Incorrect syntax near 'READONLY'.");
+    parameter.line = in.peek().line;
+    if (in.peek().kind != TokenKind::Variable)
+        in.unexpected();
+    parameter.name = in.take().text;
+    in.acceptWord("AS");
+    parameter.type = in.typeName();
+    if (in.acceptSymbol("="))
+        parameter.defaultValue = parseConstant(in);
+    parameter.output = in.acceptWord("OUTPUT") || in.acceptWord("OUT");
+    if (in.acceptWord("READONLY"))
+        in.fail(102, "Incorrect syntax near 'READONLY'.");
     return parameter;
 }
 
-Block Parser::moduleBody() {
-    batchStart_ = false;
-    inModule_ = true;
-    const int outer = count_;
-    count_ = 0;
-    Block body = block([&] { return atEnd(); });
-    count_ = outer;
-    inModule_ = false;
-    return body;
+Block moduleBody(TokenReader& in) {
+    in.state.batchStart = false;
+    const Restore module(in.state.inModule, true);
+    const Restore numbers(in.state.statements, 0);
+    return parseBlock(in, [&] { return in.atEnd(); });
 }
 
-StatementPtr Parser::createProcedure(bool alter, std::size_t begin) {
-    auto statement = this->begin<CreateProcedureStatement>();
-    if (!batchStart_)
-        fail(111, "'CREATE/ALTER PROCEDURE' must be the first statement in a query batch.");
+} // namespace
+
+StatementPtr parseCreateView(TokenReader& in, bool alter, std::size_t begin) {
+    auto statement = begun<CreateViewStatement>(in);
+    if (!in.state.batchStart)
+        in.fail(111, "'CREATE VIEW' must be the first statement in a query batch.");
     statement->alter = alter;
-    take();
-    statement->name = objectName();
-    const bool bracketed = isSymbol("(") && peek(1).kind == TokenKind::Variable;
-    if (bracketed)
-        take();
-    if (peek().kind == TokenKind::Variable)
-        statement->parameters = parameterList();
-    if (bracketed)
-        expectSymbol(")");
-    moduleOptions();
-    if (isWord("FOR") && isWord("REPLICATION", 1)) {
-        take();
-        take();
+    in.take();
+    statement->name = in.objectName();
+    if (in.isSymbol("("))
+        statement->columns = in.nameList();
+    moduleOptions(in);
+    in.expectWord("AS");
+    if (in.isWord("WITH")) {
+        std::vector<CommonTable> tables = parseCommonTables(in);
+        statement->query = parseQuery(in);
+        statement->query->commonTables = std::move(tables);
+    } else {
+        statement->query = parseQuery(in);
     }
-    expectWord("AS");
-    statement->body = moduleBody();
-    statement->text = sourceFrom(begin);
+    if (in.isWord("WITH") && in.isWord("CHECK", 1)) {
+        in.take();
+        in.take();
+        in.expectWord("OPTION");
+    }
+    in.acceptSymbol(";");
+    if (!in.atEnd())
+        in.unexpected();
+    statement->text = in.sourceFrom(begin);
     return statement;
 }
 
-StatementPtr Parser::createFunction(bool alter, std::size_t begin) {
-    auto statement = this->begin<CreateFunctionStatement>();
-    if (!batchStart_)
-        fail(111, "'CREATE FUNCTION' must be the first statement in a query batch.");
+std::vector<ParameterClause> parseParameterList(TokenReader& in) {
+    std::vector<ParameterClause> parameters;
+    do {
+        parameters.push_back(parameter(in));
+    } while (in.acceptSymbol(","));
+    return parameters;
+}
+
+StatementPtr parseCreateProcedure(TokenReader& in, bool alter, std::size_t begin) {
+    auto statement = begun<CreateProcedureStatement>(in);
+    if (!in.state.batchStart)
+        in.fail(111, "'CREATE/ALTER PROCEDURE' must be the first statement in a query batch.");
     statement->alter = alter;
-    take();
-    statement->name = objectName();
-    expectSymbol("(");
-    if (!isSymbol(")"))
-        statement->parameters = parameterList();
-    expectSymbol(")");
-    expectWord("RETURNS");
-    if (peek().kind == TokenKind::Variable)
-        return unsupported("a function of several statements that returns a table");
-    if (acceptWord("TABLE")) {
-        moduleOptions();
-        acceptWord("AS");
-        expectWord("RETURN");
-        const bool bracketed = acceptSymbol("(");
-        statement->table = query();
+    in.take();
+    statement->name = in.objectName();
+    const bool bracketed = in.isSymbol("(") && in.peek(1).kind == TokenKind::Variable;
+    if (bracketed)
+        in.take();
+    if (in.peek().kind == TokenKind::Variable)
+        statement->parameters = parseParameterList(in);
+    if (bracketed)
+        in.expectSymbol(")");
+    moduleOptions(in);
+    if (in.isWord("FOR") && in.isWord("REPLICATION", 1)) {
+        in.take();
+        in.take();
+    }
+    in.expectWord("AS");
+    statement->body = moduleBody(in);
+    statement->text = in.sourceFrom(begin);
+    return statement;
+}
+
+StatementPtr parseCreateFunction(TokenReader& in, bool alter, std::size_t begin) {
+    auto statement = begun<CreateFunctionStatement>(in);
+    if (!in.state.batchStart)
+        in.fail(111, "'CREATE FUNCTION' must be the first statement in a query batch.");
+    statement->alter = alter;
+    in.take();
+    statement->name = in.objectName();
+    in.expectSymbol("(");
+    if (!in.isSymbol(")"))
+        statement->parameters = parseParameterList(in);
+    in.expectSymbol(")");
+    in.expectWord("RETURNS");
+    if (in.peek().kind == TokenKind::Variable)
+        return parseUnsupported(in, "a function of several statements that returns a table");
+    if (in.acceptWord("TABLE")) {
+        moduleOptions(in);
+        in.acceptWord("AS");
+        in.expectWord("RETURN");
+        const bool bracketed = in.acceptSymbol("(");
+        statement->table = parseQuery(in);
         if (bracketed)
-            expectSymbol(")");
-        acceptSymbol(";");
-        if (!atEnd())
-            unexpected();
-        statement->text = sourceFrom(begin);
+            in.expectSymbol(")");
+        in.acceptSymbol(";");
+        if (!in.atEnd())
+            in.unexpected();
+        statement->text = in.sourceFrom(begin);
         return statement;
     }
-    statement->returns = typeName();
-    moduleOptions();
-    acceptWord("AS");
-    if (!isWord("BEGIN"))
-        unexpected();
-    statement->body = moduleBody();
-    statement->text = sourceFrom(begin);
+    statement->returns = in.typeName();
+    moduleOptions(in);
+    in.acceptWord("AS");
+    if (!in.isWord("BEGIN"))
+        in.unexpected();
+    statement->body = moduleBody(in);
+    statement->text = in.sourceFrom(begin);
     return statement;
 }
 
-StatementPtr Parser::createTrigger(bool alter, std::size_t begin) {
-    auto statement = this->begin<CreateTriggerStatement>();
-    if (!batchStart_)
-        fail(111, "'CREATE TRIGGER' must be the first statement in a query batch.");
+StatementPtr parseCreateTrigger(TokenReader& in, bool alter, std::size_t begin) {
+    auto statement = begun<CreateTriggerStatement>(in);
+    if (!in.state.batchStart)
+        in.fail(111, "'CREATE TRIGGER' must be the first statement in a query batch.");
     statement->alter = alter;
-    take();
-    statement->name = objectName();
-    expectWord("ON");
-    statement->table = objectName();
-    moduleOptions();
-    if (isWord("INSTEAD")) {
-        take();
-        expectWord("OF");
+    in.take();
+    statement->name = in.objectName();
+    in.expectWord("ON");
+    statement->table = in.objectName();
+    moduleOptions(in);
+    if (in.isWord("INSTEAD")) {
+        in.take();
+        in.expectWord("OF");
         statement->insteadOf = true;
-    } else if (!acceptWord("FOR")) {
-        expectWord("AFTER");
+    } else if (!in.acceptWord("FOR")) {
+        in.expectWord("AFTER");
     }
     do {
-        if (acceptWord("INSERT"))
+        if (in.acceptWord("INSERT"))
             statement->onInsert = true;
-        else if (acceptWord("UPDATE"))
+        else if (in.acceptWord("UPDATE"))
             statement->onUpdate = true;
-        else if (acceptWord("DELETE"))
+        else if (in.acceptWord("DELETE"))
             statement->onDelete = true;
         else
-            unexpected();
-    } while (acceptSymbol(","));
-    if (isWord("NOT") && isWord("FOR", 1)) {
-        take();
-        take();
-        expectWord("REPLICATION");
+            in.unexpected();
+    } while (in.acceptSymbol(","));
+    if (in.isWord("NOT") && in.isWord("FOR", 1)) {
+        in.take();
+        in.take();
+        in.expectWord("REPLICATION");
     }
-    expectWord("AS");
-    statement->body = moduleBody();
-    statement->text = sourceFrom(begin);
+    in.expectWord("AS");
+    statement->body = moduleBody(in);
+    statement->text = in.sourceFrom(begin);
     return statement;
 }
 

@@ -1,410 +1,409 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
 
 namespace merchantry::db::tsql {
+namespace {
 
-// Whether a query begins here, perhaps behind opening parentheses.
-bool Parser::startsQuery() const {
-    std::size_t ahead = 0;
-    while (isSymbol("(", ahead))
-        ++ahead;
-    return isWord("SELECT", ahead);
+TableRefPtr joined(TokenReader& in);
+
+void groupBy(TokenReader& in, SelectCore& core) {
+    in.take();
+    in.expectWord("BY");
+    in.acceptWord("ALL");
+    core.groupBy = parseExpressionList(in);
+    if (in.isWord("WITH") && (in.isWord("ROLLUP", 1) || in.isWord("CUBE", 1))) {
+        in.take();
+        (in.take().is("ROLLUP") ? core.rollup : core.cube) = true;
+    }
 }
 
-StatementPtr Parser::select() {
-    auto statement = begin<SelectStatement>();
-    const int before = selects_;
-    statement->query = query();
-    SelectCore* const core = statement->query->core.get();
-    if (core != nullptr && selects_ == before + 1)
-        core->alone = core->from.size() == 1 && core->groupBy.empty() && !core->having && statement->query->orderBy.empty();
-    return statement;
-}
-
-StatementPtr Parser::withStatement() {
-    std::vector<CommonTable> tables = commonTables();
-    if (isWord("INSERT")) {
-        StatementPtr statement = insert();
-        static_cast<InsertStatement&>(*statement).commonTables = std::move(tables);
-        return statement;
-    }
-    if (isWord("UPDATE")) {
-        StatementPtr statement = update();
-        static_cast<UpdateStatement&>(*statement).commonTables = std::move(tables);
-        return statement;
-    }
-    if (isWord("DELETE")) {
-        StatementPtr statement = deleteFrom();
-        static_cast<DeleteStatement&>(*statement).commonTables = std::move(tables);
-        return statement;
-    }
-    if (!startsQuery())
-        unexpected();
-    StatementPtr statement = select();
-    static_cast<SelectStatement&>(*statement).query->commonTables = std::move(tables);
-    return statement;
-}
-
-std::vector<CommonTable> Parser::commonTables() {
-    expectWord("WITH");
-    std::vector<CommonTable> tables;
-    do {
-        CommonTable table;
-        table.line = peek().line;
-        table.name = name();
-        if (isSymbol("("))
-            table.columns = nameList();
-        expectWord("AS");
-        expectSymbol("(");
-        table.query = query();
-        expectSymbol(")");
-        tables.push_back(std::move(table));
-    } while (acceptSymbol(","));
-    return tables;
-}
-
-// A query with its ORDER BY.
-QueryPtr Parser::query() {
-    const Nesting nesting(*this);
-    QueryPtr result = queryWithoutOrder();
-    if (isWord("ORDER")) {
-        take();
-        expectWord("BY");
-        result->orderBy = orderItems();
-        if (acceptWord("OFFSET")) {
-            result->offset = value();
-            if (!acceptWord("ROWS"))
-                expectWord("ROW");
-            if (acceptWord("FETCH")) {
-                if (!acceptWord("NEXT"))
-                    expectWord("FIRST");
-                result->fetch = value();
-                if (!acceptWord("ROWS"))
-                    expectWord("ROW");
-                expectWord("ONLY");
-            }
-        }
-    }
-    if (isWord("FOR") && isWord("BROWSE", 1)) {
-        take();
-        take();
-    }
-    queryHints(result.get());
-    return result;
-}
-
-QueryPtr Parser::queryWithoutOrder() {
-    QueryPtr left = intersection();
-    int links = 0;
-    while (isWord("UNION") || isWord("EXCEPT")) {
-        link(links);
-        auto both = std::make_unique<Query>();
-        both->line = peek().line;
-        both->op = SetOperator::Except;
-        if (take().is("UNION"))
-            both->op = acceptWord("ALL") ? SetOperator::UnionAll : SetOperator::Union;
-        both->left = std::move(left);
-        both->right = intersection();
-        left = std::move(both);
-    }
-    return left;
-}
-
-QueryPtr Parser::intersection() {
-    QueryPtr left = queryTerm();
-    int links = 0;
-    while (isWord("INTERSECT")) {
-        link(links);
-        auto both = std::make_unique<Query>();
-        both->line = peek().line;
-        both->op = SetOperator::Intersect;
-        take();
-        both->left = std::move(left);
-        both->right = queryTerm();
-        left = std::move(both);
-    }
-    return left;
-}
-
-QueryPtr Parser::queryTerm() {
-    const Nesting nesting(*this);
-    if (acceptSymbol("(")) {
-        QueryPtr inner = query();
-        expectSymbol(")");
-        return inner;
-    }
-    auto result = std::make_unique<Query>();
-    result->line = peek().line;
-    result->core = selectCore();
-    return result;
-}
-
-std::unique_ptr<SelectCore> Parser::selectCore() {
+std::unique_ptr<SelectCore> selectCore(TokenReader& in) {
     auto core = std::make_unique<SelectCore>();
-    core->line = peek().line;
-    expectWord("SELECT");
-    ++selects_;
-    if (acceptWord("DISTINCT"))
+    core->line = in.peek().line;
+    in.expectWord("SELECT");
+    ++in.state.selects;
+    if (in.acceptWord("DISTINCT"))
         core->distinct = true;
     else
-        acceptWord("ALL");
-    core->top = top();
+        in.acceptWord("ALL");
+    core->top = parseTop(in);
     do {
-        core->items.push_back(selectItem());
-    } while (acceptSymbol(","));
-    if (acceptWord("INTO"))
-        core->into = objectName();
-    if (acceptWord("FROM"))
-        core->from = fromList();
-    if (acceptWord("WHERE"))
-        core->where = condition();
-    if (isWord("GROUP"))
-        groupBy(*core);
-    if (acceptWord("HAVING"))
-        core->having = condition();
+        core->items.push_back(parseSelectItem(in));
+    } while (in.acceptSymbol(","));
+    if (in.acceptWord("INTO"))
+        core->into = in.objectName();
+    if (in.acceptWord("FROM"))
+        core->from = parseFromList(in);
+    if (in.acceptWord("WHERE"))
+        core->where = parseCondition(in);
+    if (in.isWord("GROUP"))
+        groupBy(in, *core);
+    if (in.acceptWord("HAVING"))
+        core->having = parseCondition(in);
     return core;
 }
 
-void Parser::groupBy(SelectCore& core) {
-    take();
-    expectWord("BY");
-    acceptWord("ALL");
-    core.groupBy = expressionList();
-    if (isWord("WITH") && (isWord("ROLLUP", 1) || isWord("CUBE", 1))) {
-        take();
-        (take().is("ROLLUP") ? core.rollup : core.cube) = true;
+QueryPtr queryTerm(TokenReader& in) {
+    const Nesting nesting(in);
+    if (in.acceptSymbol("(")) {
+        QueryPtr inner = parseQuery(in);
+        in.expectSymbol(")");
+        return inner;
     }
+    auto result = std::make_unique<Query>();
+    result->line = in.peek().line;
+    result->core = selectCore(in);
+    return result;
 }
 
-std::optional<TopClause> Parser::top() {
-    if (!acceptWord("TOP"))
-        return std::nullopt;
-    TopClause clause;
-    if (acceptSymbol("(")) {
-        clause.count = value();
-        expectSymbol(")");
-    } else {
-        clause.count = peek().kind == TokenKind::Variable ? primary() : literal();
+QueryPtr intersection(TokenReader& in) {
+    QueryPtr left = queryTerm(in);
+    int links = 0;
+    while (in.isWord("INTERSECT")) {
+        in.link(links);
+        auto both = std::make_unique<Query>();
+        both->line = in.peek().line;
+        both->op = SetOperator::Intersect;
+        in.take();
+        both->left = std::move(left);
+        both->right = queryTerm(in);
+        left = std::move(both);
     }
-    clause.percent = acceptWord("PERCENT");
-    if (isWord("WITH") && isWord("TIES", 1)) {
-        take();
-        take();
-        clause.ties = true;
-    }
-    return clause;
+    return left;
 }
 
-SelectItem Parser::selectItem() {
-    SelectItem item;
-    item.line = peek().line;
-    if (acceptSymbol("*")) {
-        item.star = true;
-        return item;
+QueryPtr queryWithoutOrder(TokenReader& in) {
+    QueryPtr left = intersection(in);
+    int links = 0;
+    while (in.isWord("UNION") || in.isWord("EXCEPT")) {
+        in.link(links);
+        auto both = std::make_unique<Query>();
+        both->line = in.peek().line;
+        both->op = SetOperator::Except;
+        if (in.take().is("UNION"))
+            both->op = in.acceptWord("ALL") ? SetOperator::UnionAll : SetOperator::Union;
+        both->left = std::move(left);
+        both->right = intersection(in);
+        left = std::move(both);
     }
-    if (peek().kind == TokenKind::Variable && peek(1).kind == TokenKind::Symbol && peek(1).text.back() == '=' && peek(1).text != "<=" &&
-        peek(1).text != ">=" && peek(1).text != "!=") {
-        item.variable = take().text;
-        item.op = assignmentOperator();
-        item.expr = value();
-        return item;
-    }
-    if ((isName() || peek().kind == TokenKind::Text) && isSymbol("=", 1)) { // alias = value
-        item.alias = take().value();
-        take();
-        item.expr = value();
-        return item;
-    }
-    for (std::size_t ahead = 0; isName(ahead) && isSymbol(".", ahead + 1); ahead += 2) { // t.*
-        if (!isSymbol("*", ahead + 2))
-            continue;
-        item.star = true;
-        item.starOf.line = item.line;
-        while (!acceptSymbol("*")) {
-            item.starOf.parts.push_back(take().value());
-            take();
+    return left;
+}
+
+void tableAlias(TokenReader& in, TableRef& table) {
+    if (in.acceptWord("AS"))
+        table.alias = in.name();
+    else if (in.isName() && !(in.isWord("OPTION") && in.isSymbol("(", 1)) && !in.isWord("APPLY") && !in.isWord("OFFSET"))
+        table.alias = in.name();
+    if (!table.alias.empty() && in.isSymbol("(") && in.isName(1) && !in.isWord("NOLOCK", 1) && !in.isWord("INDEX", 1))
+        table.columnAliases = in.nameList();
+}
+
+TableRefPtr tablePrimary(TokenReader& in) {
+    auto table = std::make_unique<TableRef>();
+    table->line = in.peek().line;
+    if (in.isSymbol("(")) {
+        if (startsQuery(in)) {
+            in.take();
+            table->kind = TableRef::Kind::Derived;
+            table->query = parseQuery(in);
+            in.expectSymbol(")");
+            tableAlias(in, *table);
+            if (table->alias.empty())
+                in.unexpected();
+            return table;
         }
-        return item;
+        if (in.isWord("VALUES", 1)) {
+            in.take();
+            in.take();
+            table->kind = TableRef::Kind::Values;
+            do {
+                table->rows.push_back(parseValuesRow(in));
+            } while (in.acceptSymbol(","));
+            in.expectSymbol(")");
+            tableAlias(in, *table);
+            if (table->alias.empty())
+                in.unexpected();
+            return table;
+        }
+        in.take();
+        table = joined(in);
+        in.expectSymbol(")");
+        return table;
     }
-    item.expr = value();
-    if (acceptWord("AS")) {
-        if (!isName() && peek().kind != TokenKind::Text && peek().kind != TokenKind::WideText)
-            unexpected();
-        item.alias = take().value();
-    } else if (isName() || peek().kind == TokenKind::Text) {
-        item.alias = take().value();
+    if (in.peek().kind == TokenKind::Variable) {
+        table->kind = TableRef::Kind::Variable;
+        table->name.parts.emplace_back(in.take().text);
+        tableAlias(in, *table);
+        return table;
     }
-    return item;
+    table->name = in.objectName();
+    if (in.isSymbol("(") && !(in.isWord("NOLOCK", 1) || in.isWord("INDEX", 1) || in.isWord("UPDLOCK", 1) || in.isWord("HOLDLOCK", 1) ||
+                              in.isWord("TABLOCK", 1) || in.isWord("TABLOCKX", 1) || in.isWord("ROWLOCK", 1) || in.isWord("READPAST", 1) ||
+                              in.isWord("FASTFIRSTROW", 1))) {
+        in.take();
+        table->kind = TableRef::Kind::Function;
+        if (!in.isSymbol(")"))
+            table->args = parseExpressionList(in);
+        in.expectSymbol(")");
+    }
+    skipTableHints(in);
+    tableAlias(in, *table);
+    skipTableHints(in);
+    return table;
 }
 
-// ---- FROM
-
-std::vector<TableRefPtr> Parser::fromList() {
-    std::vector<TableRefPtr> list;
-    do {
-        list.push_back(joined());
-    } while (acceptSymbol(","));
-    return list;
-}
-
-TableRefPtr Parser::joined() {
-    const Nesting nesting(*this);
-    TableRefPtr left = tablePrimary();
+TableRefPtr joined(TokenReader& in) {
+    const Nesting nesting(in);
+    TableRefPtr left = tablePrimary(in);
     int links = 0;
     while (true) {
-        link(links);
+        in.link(links);
         auto join = std::make_unique<TableRef>();
         join->kind = TableRef::Kind::Join;
-        join->line = peek().line;
+        join->line = in.peek().line;
         bool hasCondition = true;
-        if (isWord("CROSS") || (isWord("OUTER") && isWord("APPLY", 1))) {
-            const bool cross = take().is("CROSS");
-            const bool apply = take().is("APPLY");
+        if (in.isWord("CROSS") || (in.isWord("OUTER") && in.isWord("APPLY", 1))) {
+            const bool cross = in.take().is("CROSS");
+            const bool apply = in.take().is("APPLY");
             join->join = apply ? (cross ? JoinKind::CrossApply : JoinKind::OuterApply) : JoinKind::Cross;
-            if (!apply && !tokens_[at_ - 1].is("JOIN"))
-                unexpected(tokens_[at_ - 1]);
+            if (!apply && !in.last().is("JOIN"))
+                in.unexpected(in.last());
             hasCondition = false;
-        } else if (isWord("INNER") || isWord("JOIN")) {
-            acceptWord("INNER");
-        } else if (isWord("LEFT") || isWord("RIGHT") || isWord("FULL")) {
-            const Token& side = take();
+        } else if (in.isWord("INNER") || in.isWord("JOIN")) {
+            in.acceptWord("INNER");
+        } else if (in.isWord("LEFT") || in.isWord("RIGHT") || in.isWord("FULL")) {
+            const Token& side = in.take();
             join->join = side.is("LEFT") ? JoinKind::Left : side.is("RIGHT") ? JoinKind::Right : JoinKind::Full;
-            acceptWord("OUTER");
+            in.acceptWord("OUTER");
         } else {
             return left;
         }
         if (hasCondition) {
-            if (isWord("LOOP") || isWord("HASH") || isWord("MERGE"))
-                take();
-            expectWord("JOIN");
+            if (in.isWord("LOOP") || in.isWord("HASH") || in.isWord("MERGE"))
+                in.take();
+            in.expectWord("JOIN");
         }
         join->left = std::move(left);
-        join->right = hasCondition ? joined() : tablePrimary();
+        join->right = hasCondition ? joined(in) : tablePrimary(in);
         if (hasCondition) {
-            expectWord("ON");
-            join->on = condition();
+            in.expectWord("ON");
+            join->on = parseCondition(in);
         }
         left = std::move(join);
     }
 }
 
-TableRefPtr Parser::tablePrimary() {
-    auto table = std::make_unique<TableRef>();
-    table->line = peek().line;
-    if (isSymbol("(")) {
-        if (startsQuery()) {
-            take();
-            table->kind = TableRef::Kind::Derived;
-            table->query = query();
-            expectSymbol(")");
-            tableAlias(*table);
-            if (table->alias.empty())
-                unexpected();
-            return table;
-        }
-        if (isWord("VALUES", 1)) {
-            take();
-            take();
-            table->kind = TableRef::Kind::Values;
-            do {
-                table->rows.push_back(valuesRow());
-            } while (acceptSymbol(","));
-            expectSymbol(")");
-            tableAlias(*table);
-            if (table->alias.empty())
-                unexpected();
-            return table;
-        }
-        take();
-        table = joined();
-        expectSymbol(")");
-        return table;
-    }
-    if (peek().kind == TokenKind::Variable) {
-        table->kind = TableRef::Kind::Variable;
-        table->name.parts.emplace_back(take().text);
-        tableAlias(*table);
-        return table;
-    }
-    table->name = objectName();
-    if (isSymbol("(") &&
-        !(isWord("NOLOCK", 1) || isWord("INDEX", 1) || isWord("UPDLOCK", 1) || isWord("HOLDLOCK", 1) || isWord("TABLOCK", 1) ||
-          isWord("TABLOCKX", 1) || isWord("ROWLOCK", 1) || isWord("READPAST", 1) || isWord("FASTFIRSTROW", 1))) {
-        take();
-        table->kind = TableRef::Kind::Function;
-        if (!isSymbol(")"))
-            table->args = expressionList();
-        expectSymbol(")");
-    }
-    tableHints();
-    tableAlias(*table);
-    tableHints();
-    return table;
+} // namespace
+
+bool startsQuery(const TokenReader& in) {
+    std::size_t ahead = 0;
+    while (in.isSymbol("(", ahead))
+        ++ahead;
+    return in.isWord("SELECT", ahead);
 }
 
-void Parser::tableAlias(TableRef& table) {
-    if (acceptWord("AS"))
-        table.alias = name();
-    else if (isName() && !(isWord("OPTION") && isSymbol("(", 1)) && !isWord("APPLY") && !isWord("OFFSET"))
-        table.alias = name();
-    if (!table.alias.empty() && isSymbol("(") && isName(1) && !isWord("NOLOCK", 1) && !isWord("INDEX", 1))
-        table.columnAliases = nameList();
+StatementPtr parseSelect(TokenReader& in) {
+    auto statement = begun<SelectStatement>(in);
+    const int before = in.state.selects;
+    statement->query = parseQuery(in);
+    SelectCore* const core = statement->query->core.get();
+    if (core != nullptr && in.state.selects == before + 1)
+        core->alone = core->from.size() == 1 && core->groupBy.empty() && !core->having && statement->query->orderBy.empty();
+    return statement;
 }
 
-// WITH (NOLOCK) and the like: read and of no effect.
-void Parser::tableHints() {
-    const std::size_t open = isWord("WITH") && isSymbol("(", 1) ? 1 : 0;
+StatementPtr parseWith(TokenReader& in) {
+    std::vector<CommonTable> tables = parseCommonTables(in);
+    if (in.isWord("INSERT")) {
+        StatementPtr statement = parseInsert(in);
+        static_cast<InsertStatement&>(*statement).commonTables = std::move(tables);
+        return statement;
+    }
+    if (in.isWord("UPDATE")) {
+        StatementPtr statement = parseUpdate(in);
+        static_cast<UpdateStatement&>(*statement).commonTables = std::move(tables);
+        return statement;
+    }
+    if (in.isWord("DELETE")) {
+        StatementPtr statement = parseDelete(in);
+        static_cast<DeleteStatement&>(*statement).commonTables = std::move(tables);
+        return statement;
+    }
+    if (!startsQuery(in))
+        in.unexpected();
+    StatementPtr statement = parseSelect(in);
+    static_cast<SelectStatement&>(*statement).query->commonTables = std::move(tables);
+    return statement;
+}
+
+std::vector<CommonTable> parseCommonTables(TokenReader& in) {
+    in.expectWord("WITH");
+    std::vector<CommonTable> tables;
+    do {
+        CommonTable table;
+        table.line = in.peek().line;
+        table.name = in.name();
+        if (in.isSymbol("("))
+            table.columns = in.nameList();
+        in.expectWord("AS");
+        in.expectSymbol("(");
+        table.query = parseQuery(in);
+        in.expectSymbol(")");
+        tables.push_back(std::move(table));
+    } while (in.acceptSymbol(","));
+    return tables;
+}
+
+QueryPtr parseQuery(TokenReader& in) {
+    const Nesting nesting(in);
+    QueryPtr result = queryWithoutOrder(in);
+    if (in.isWord("ORDER")) {
+        in.take();
+        in.expectWord("BY");
+        result->orderBy = parseOrderItems(in);
+        if (in.acceptWord("OFFSET")) {
+            result->offset = parseValue(in);
+            if (!in.acceptWord("ROWS"))
+                in.expectWord("ROW");
+            if (in.acceptWord("FETCH")) {
+                if (!in.acceptWord("NEXT"))
+                    in.expectWord("FIRST");
+                result->fetch = parseValue(in);
+                if (!in.acceptWord("ROWS"))
+                    in.expectWord("ROW");
+                in.expectWord("ONLY");
+            }
+        }
+    }
+    if (in.isWord("FOR") && in.isWord("BROWSE", 1)) {
+        in.take();
+        in.take();
+    }
+    parseQueryHints(in, result.get());
+    return result;
+}
+
+std::optional<TopClause> parseTop(TokenReader& in) {
+    if (!in.acceptWord("TOP"))
+        return std::nullopt;
+    TopClause clause;
+    if (in.acceptSymbol("(")) {
+        clause.count = parseValue(in);
+        in.expectSymbol(")");
+    } else {
+        clause.count = in.peek().kind == TokenKind::Variable ? parsePrimary(in) : parseLiteral(in);
+    }
+    clause.percent = in.acceptWord("PERCENT");
+    if (in.isWord("WITH") && in.isWord("TIES", 1)) {
+        in.take();
+        in.take();
+        clause.ties = true;
+    }
+    return clause;
+}
+
+SelectItem parseSelectItem(TokenReader& in) {
+    SelectItem item;
+    item.line = in.peek().line;
+    if (in.acceptSymbol("*")) {
+        item.star = true;
+        return item;
+    }
+    if (in.peek().kind == TokenKind::Variable && in.peek(1).kind == TokenKind::Symbol && in.peek(1).text.back() == '=' &&
+        in.peek(1).text != "<=" && in.peek(1).text != ">=" && in.peek(1).text != "!=") {
+        item.variable = in.take().text;
+        item.op = parseAssignmentOperator(in);
+        item.expr = parseValue(in);
+        return item;
+    }
+    if ((in.isName() || in.peek().kind == TokenKind::Text) && in.isSymbol("=", 1)) { // alias = value
+        item.alias = in.take().value();
+        in.take();
+        item.expr = parseValue(in);
+        return item;
+    }
+    for (std::size_t ahead = 0; in.isName(ahead) && in.isSymbol(".", ahead + 1); ahead += 2) { // t.*
+        if (!in.isSymbol("*", ahead + 2))
+            continue;
+        item.star = true;
+        item.starOf.line = item.line;
+        while (!in.acceptSymbol("*")) {
+            item.starOf.parts.push_back(in.take().value());
+            in.take();
+        }
+        return item;
+    }
+    item.expr = parseValue(in);
+    if (in.acceptWord("AS")) {
+        if (!in.isName() && in.peek().kind != TokenKind::Text && in.peek().kind != TokenKind::WideText)
+            in.unexpected();
+        item.alias = in.take().value();
+    } else if (in.isName() || in.peek().kind == TokenKind::Text) {
+        item.alias = in.take().value();
+    }
+    return item;
+}
+
+std::vector<TableRefPtr> parseFromList(TokenReader& in) {
+    std::vector<TableRefPtr> list;
+    do {
+        list.push_back(joined(in));
+    } while (in.acceptSymbol(","));
+    return list;
+}
+
+void skipTableHints(TokenReader& in) {
+    const std::size_t open = in.isWord("WITH") && in.isSymbol("(", 1) ? 1 : 0;
     static constexpr std::string_view kHints[] = {
         "NOLOCK",          "UPDLOCK",       "HOLDLOCK",       "TABLOCK",      "TABLOCKX", "ROWLOCK", "PAGLOCK",      "READPAST", "XLOCK",
         "READUNCOMMITTED", "READCOMMITTED", "REPEATABLEREAD", "SERIALIZABLE", "INDEX",    "NOWAIT",  "FASTFIRSTROW", "NOEXPAND"};
-    if (!isSymbol("(", open))
+    if (!in.isSymbol("(", open))
         return;
     const auto known = [&](std::size_t ahead) {
         for (const std::string_view hint : kHints) {
-            if (isWord(hint, ahead))
+            if (in.isWord(hint, ahead))
                 return true;
         }
         return false;
     };
     if (!known(open + 1)) {
         if (open == 1)
-            unexpected(peek(2));
+            in.unexpected(in.peek(2));
         return;
     }
     if (open == 1)
-        take();
-    take();
+        in.take();
+    in.take();
     int depth = 1;
     while (depth > 0) {
-        if (atEnd())
-            unexpected();
-        if (isSymbol("("))
+        if (in.atEnd())
+            in.unexpected();
+        if (in.isSymbol("("))
             ++depth;
-        else if (isSymbol(")"))
+        else if (in.isSymbol(")"))
             --depth;
-        take();
+        in.take();
     }
 }
 
-// OPTION (...): read and, but for MAXRECURSION, of no effect.
-void Parser::queryHints(Query* query) {
-    if (!(isWord("OPTION") && isSymbol("(", 1)))
+void parseQueryHints(TokenReader& in, Query* query) {
+    if (!(in.isWord("OPTION") && in.isSymbol("(", 1)))
         return;
-    take();
-    take();
+    in.take();
+    in.take();
     int depth = 1;
     while (depth > 0) {
-        if (atEnd())
-            unexpected();
-        if (query && isWord("MAXRECURSION") && peek(1).kind == TokenKind::Integer) {
-            take();
-            query->maxRecursion = static_cast<int>(std::min<std::int64_t>(wholeNumber(), 32767));
+        if (in.atEnd())
+            in.unexpected();
+        if (query && in.isWord("MAXRECURSION") && in.peek(1).kind == TokenKind::Integer) {
+            in.take();
+            query->maxRecursion = static_cast<int>(std::min<std::int64_t>(in.wholeNumber(), 32767));
             continue;
         }
-        if (isSymbol("("))
+        if (in.isSymbol("("))
             ++depth;
-        else if (isSymbol(")"))
+        else if (in.isSymbol(")"))
             --depth;
-        take();
+        in.take();
     }
 }
 

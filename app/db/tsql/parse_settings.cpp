@@ -1,4 +1,4 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
 
 #include <algorithm>
 
@@ -14,40 +14,40 @@ std::string upper(std::string_view text) {
 
 } // namespace
 
-StatementPtr Parser::setOption() {
-    auto statement = begin<SetOptionStatement>();
-    take();
-    if (isWord("TRANSACTION") && isWord("ISOLATION", 1)) {
-        take();
-        take();
-        expectWord("LEVEL");
+StatementPtr parseSetOption(TokenReader& in) {
+    auto statement = begun<SetOptionStatement>(in);
+    in.take();
+    if (in.isWord("TRANSACTION") && in.isWord("ISOLATION", 1)) {
+        in.take();
+        in.take();
+        in.expectWord("LEVEL");
         statement->options.emplace_back("TRANSACTION ISOLATION LEVEL");
-        if (isWord("READ")) {
-            take();
+        if (in.isWord("READ")) {
+            in.take();
             statement->value = "READ ";
         }
-        if (isWord("REPEATABLE"))
-            take();
-        statement->value += upper(take().text);
+        if (in.isWord("REPEATABLE"))
+            in.take();
+        statement->value += upper(in.take().text);
         return statement;
     }
     do {
-        const bool known = isName() || isWord("IDENTITY_INSERT") || isWord("ROWCOUNT") || isWord("STATISTICS");
+        const bool known = in.isName() || in.isWord("IDENTITY_INSERT") || in.isWord("ROWCOUNT") || in.isWord("STATISTICS");
         if (!known)
-            unexpected();
-        statement->options.push_back(upper(take().text));
+            in.unexpected();
+        statement->options.push_back(upper(in.take().text));
         if (statement->options.back() == "STATISTICS")
-            name();
-    } while (acceptSymbol(","));
+            in.name();
+    } while (in.acceptSymbol(","));
     if (statement->options[0] == "IDENTITY_INSERT")
-        statement->table = objectName();
-    if (isWord("ON") || isWord("OFF")) {
-        statement->value = upper(take().text);
-    } else if (peek().kind == TokenKind::Word || peek().kind == TokenKind::Text || peek().kind == TokenKind::WideText ||
-               peek().kind == TokenKind::Quoted) {
-        statement->value = upper(take().text);
+        statement->table = in.objectName();
+    if (in.isWord("ON") || in.isWord("OFF")) {
+        statement->value = upper(in.take().text);
+    } else if (in.peek().kind == TokenKind::Word || in.peek().kind == TokenKind::Text || in.peek().kind == TokenKind::WideText ||
+               in.peek().kind == TokenKind::Quoted) {
+        statement->value = upper(in.take().text);
     } else {
-        statement->expr = unary();
+        statement->expr = parseUnary(in);
     }
     return statement;
 }

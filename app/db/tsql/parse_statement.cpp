@@ -1,241 +1,232 @@
-#include "app/db/tsql/parser.h"
+#include "app/db/tsql/parsing.h"
 
 #include <array>
 
 namespace merchantry::db::tsql {
-
-Block Parser::block(const std::function<bool()>& ends) {
-    Block statements;
-    while (true) {
-        while (acceptSymbol(";")) {
-        }
-        if (ends())
-            return statements;
-        if (atEnd())
-            unexpected();
-        statements.push_back(statement());
-        batchStart_ = false;
-    }
-}
-
-StatementPtr Parser::statement() {
-    const Nesting nesting(*this);
-    const int line = peek().line;
-    StatementPtr result = statementOf();
-    result->line = line;
-    result->number = count_++;
-    return result;
-}
-
-// A statement that its first word tells; null for any other.
-StatementPtr Parser::statementByWord() {
-    using Read = StatementPtr (Parser::*)();
-    struct Entry {
-        std::string_view word;
-        Read read;
-    };
-    static constexpr std::array kEntries = std::to_array<Entry>({
-        {"SELECT", &Parser::select},
-        {"WITH", &Parser::withStatement},
-        {"INSERT", &Parser::insert},
-        {"UPDATE", &Parser::update},
-        {"DELETE", &Parser::deleteFrom},
-        {"TRUNCATE", &Parser::truncate},
-        {"CREATE", &Parser::create},
-        {"ALTER", &Parser::alter},
-        {"DROP", &Parser::drop},
-        {"DECLARE", &Parser::declare},
-        {"SET", &Parser::set},
-        {"IF", &Parser::ifStatement},
-        {"WHILE", &Parser::whileStatement},
-        {"BEGIN", &Parser::beginStatement},
-        {"RETURN", &Parser::returnStatement},
-        {"GOTO", &Parser::gotoStatement},
-        {"RAISERROR", &Parser::raise},
-        {"THROW", &Parser::throwStatement},
-        {"PRINT", &Parser::print},
-        {"WAITFOR", &Parser::waitFor},
-        {"USE", &Parser::use},
-        {"FETCH", &Parser::fetch},
-    });
-    for (const Entry& entry : kEntries) {
-        if (isWord(entry.word))
-            return (this->*entry.read)();
-    }
-    return nullptr;
-}
-
-StatementPtr Parser::statementOf() {
-    if (StatementPtr statement = statementByWord())
-        return statement;
-    if (isSymbol("(") && startsQuery())
-        return select();
-    if (isWord("EXEC") || isWord("EXECUTE"))
-        return execute(true);
-    if (isWord("COMMIT"))
-        return transaction(StatementKind::Commit);
-    if (isWord("ROLLBACK"))
-        return transaction(StatementKind::Rollback);
-    if (isWord("SAVE"))
-        return transaction(StatementKind::Save);
-    if (isWord("OPEN"))
-        return cursorAction(CursorStatement::Action::Open);
-    if (isWord("CLOSE"))
-        return cursorAction(CursorStatement::Action::Close);
-    if (isWord("DEALLOCATE"))
-        return cursorAction(CursorStatement::Action::Deallocate);
-    if (isWord("BREAK") || isWord("CONTINUE")) {
-        if (loops_ == 0)
-            fail(isWord("BREAK") ? 135 : 136, "Cannot use a " + peek().value() + " statement outside the scope of a WHILE statement.");
-        return std::make_unique<Statement>(take().is("BREAK") ? StatementKind::Break : StatementKind::Continue);
-    }
-    if (isWord("MERGE"))
-        return unsupported("MERGE");
-    if (isWord("GRANT") || isWord("REVOKE") || isWord("DENY") || isWord("CHECKPOINT") || isWord("RECONFIGURE") || isWord("DBCC") ||
-        isWord("BACKUP"))
-        return nothing();
-    if (isLabel()) {
-        auto label = std::make_unique<GotoStatement>(StatementKind::Label);
-        label->label = take().value();
-        take();
-        return label;
-    }
-    if (batchStart_ && isName())
-        return execute(false);
-    unexpected();
-}
+namespace {
 
 // Reads a statement without effect up to where the next one can begin.
-StatementPtr Parser::nothing() {
+StatementPtr nothing(TokenReader& in) {
     auto statement = std::make_unique<Statement>(StatementKind::Nothing);
-    if (take().is("CHECKPOINT"))
+    if (in.take().is("CHECKPOINT"))
         return statement;
     static constexpr std::array<std::string_view, 23> kStarts = {
         "GRANT",   "SELECT", "UPDATE", "INSERT",     "EXEC", "EXECUTE", "CREATE", "DROP",  "DELETE",    "DENY",   "REVOKE", "SET",
         "DECLARE", "PRINT",  "IF",     "CHECKPOINT", "END",  "ELSE",    "BEGIN",  "WHILE", "RAISERROR", "RETURN", "USE"};
     bool sawTo = false;
-    while (!atEnd() && !isSymbol(";") && !isLabel()) {
-        const bool starts = std::any_of(kStarts.begin(), kStarts.end(), [&](std::string_view word) { return isWord(word); });
+    while (!in.atEnd() && !in.isSymbol(";") && !in.isLabel()) {
+        const bool starts = std::any_of(kStarts.begin(), kStarts.end(), [&](std::string_view word) { return in.isWord(word); });
         // Behind GRANT stand the names of statements; they end at ON or TO.
-        if (starts && (sawTo || (!isSymbol(",", 1) && !isWord("ON", 1) && !isWord("TO", 1) && !isWord("TABLE", 1) && !isWord("FROM", 1))))
+        if (starts && (sawTo || (!in.isSymbol(",", 1) && !in.isWord("ON", 1) && !in.isWord("TO", 1) && !in.isWord("TABLE", 1) &&
+                                 !in.isWord("FROM", 1))))
             break;
-        sawTo = sawTo || isWord("TO") || isWord("FROM");
-        take();
+        sawTo = sawTo || in.isWord("TO") || in.isWord("FROM");
+        in.take();
     }
     return statement;
 }
 
-// Reads to the end of the batch.
-StatementPtr Parser::unsupported(const std::string& feature) {
-    auto statement = begin<UnsupportedStatement>();
-    statement->feature = feature;
-    while (!atEnd())
-        take();
+StatementPtr use(TokenReader& in) {
+    auto statement = begun<UseStatement>(in);
+    in.take();
+    statement->database = in.name();
     return statement;
 }
 
-StatementPtr Parser::use() {
-    auto statement = begin<UseStatement>();
-    take();
-    statement->database = name();
-    return statement;
+StatementPtr create(TokenReader& in) {
+    const std::size_t begin = in.peek().begin;
+    in.take();
+    if (in.isWord("TABLE"))
+        return parseCreateTable(in);
+    if (in.isWord("UNIQUE") || in.isWord("CLUSTERED") || in.isWord("NONCLUSTERED") || in.isWord("INDEX"))
+        return parseCreateIndex(in);
+    if (in.isWord("VIEW"))
+        return parseCreateView(in, false, begin);
+    if (in.isWord("PROC") || in.isWord("PROCEDURE"))
+        return parseCreateProcedure(in, false, begin);
+    if (in.isWord("FUNCTION"))
+        return parseCreateFunction(in, false, begin);
+    if (in.isWord("TRIGGER"))
+        return parseCreateTrigger(in, false, begin);
+    if (in.isWord("TYPE"))
+        return parseCreateType(in);
+    if (in.isWord("DATABASE") || in.isWord("STATISTICS") || in.isWord("LOGIN") || in.isWord("USER") || in.isWord("ROLE") ||
+        in.isWord("SCHEMA"))
+        return nothing(in);
+    if (in.isWord("RULE") || in.isWord("DEFAULT"))
+        return parseUnsupported(in, "CREATE " + std::string(in.isWord("RULE") ? "RULE" : "DEFAULT"));
+    in.unexpected();
 }
 
-StatementPtr Parser::create() {
-    const std::size_t begin = peek().begin;
-    take();
-    if (isWord("TABLE"))
-        return createTable();
-    if (isWord("UNIQUE") || isWord("CLUSTERED") || isWord("NONCLUSTERED") || isWord("INDEX"))
-        return createIndex();
-    if (isWord("VIEW"))
-        return createView(false, begin);
-    if (isWord("PROC") || isWord("PROCEDURE"))
-        return createProcedure(false, begin);
-    if (isWord("FUNCTION"))
-        return createFunction(false, begin);
-    if (isWord("TRIGGER"))
-        return createTrigger(false, begin);
-    if (isWord("TYPE"))
-        return createType();
-    if (isWord("DATABASE") || isWord("STATISTICS") || isWord("LOGIN") || isWord("USER") || isWord("ROLE") || isWord("SCHEMA"))
-        return nothing();
-    if (isWord("RULE") || isWord("DEFAULT"))
-        return unsupported("CREATE " + std::string(isWord("RULE") ? "RULE" : "DEFAULT"));
-    unexpected();
-}
-
-StatementPtr Parser::alter() {
-    const std::size_t begin = peek().begin;
-    take();
-    if (isWord("TABLE"))
-        return alterTable();
-    if (isWord("VIEW"))
-        return createView(true, begin);
-    if (isWord("PROC") || isWord("PROCEDURE"))
-        return createProcedure(true, begin);
-    if (isWord("FUNCTION"))
-        return createFunction(true, begin);
-    if (isWord("TRIGGER"))
-        return createTrigger(true, begin);
-    if (isWord("DATABASE") || isWord("INDEX") || isWord("AUTHORIZATION")) {
+StatementPtr alter(TokenReader& in) {
+    const std::size_t begin = in.peek().begin;
+    in.take();
+    if (in.isWord("TABLE"))
+        return parseAlterTable(in);
+    if (in.isWord("VIEW"))
+        return parseCreateView(in, true, begin);
+    if (in.isWord("PROC") || in.isWord("PROCEDURE"))
+        return parseCreateProcedure(in, true, begin);
+    if (in.isWord("FUNCTION"))
+        return parseCreateFunction(in, true, begin);
+    if (in.isWord("TRIGGER"))
+        return parseCreateTrigger(in, true, begin);
+    if (in.isWord("DATABASE") || in.isWord("INDEX") || in.isWord("AUTHORIZATION")) {
         auto statement = std::make_unique<Statement>(StatementKind::Nothing);
-        while (!atEnd() && !isSymbol(";"))
-            take();
+        while (!in.atEnd() && !in.isSymbol(";"))
+            in.take();
         return statement;
     }
-    unexpected();
+    in.unexpected();
 }
 
-StatementPtr Parser::drop() {
-    auto statement = begin<DropStatement>();
-    take();
-    if (isWord("INDEX"))
-        return dropIndex();
-    static constexpr std::array<std::string_view, 7> kKinds = {"TABLE", "VIEW", "PROCEDURE", "PROC", "FUNCTION", "TRIGGER", "TYPE"};
-    for (const std::string_view kind : kKinds) {
-        if (isWord(kind))
-            statement->what = kind == "PROC" ? "PROCEDURE" : kind;
-    }
-    if (statement->what.empty()) {
-        if (isWord("DATABASE") || isWord("STATISTICS") || isWord("USER") || isWord("LOGIN") || isWord("ROLE"))
-            return nothing();
-        if (isWord("RULE") || isWord("DEFAULT"))
-            return unsupported("DROP " + peek().value());
-        unexpected();
-    }
-    take();
-    if (isWord("IF") && isWord("EXISTS", 1)) {
-        take();
-        take();
-        statement->ifExists = true;
-    }
-    do {
-        statement->names.push_back(objectName());
-    } while (acceptSymbol(","));
-    return statement;
-}
-
-StatementPtr Parser::dropIndex() {
-    auto statement = begin<DropStatement>();
+StatementPtr dropIndex(TokenReader& in) {
+    auto statement = begun<DropStatement>(in);
     statement->what = "INDEX";
-    take();
-    if (isWord("IF") && isWord("EXISTS", 1)) {
-        take();
-        take();
+    in.take();
+    if (in.isWord("IF") && in.isWord("EXISTS", 1)) {
+        in.take();
+        in.take();
         statement->ifExists = true;
     }
-    statement->names.push_back(objectName());
-    if (acceptWord("ON")) {
-        statement->onTable = objectName();
+    statement->names.push_back(in.objectName());
+    if (in.acceptWord("ON")) {
+        statement->onTable = in.objectName();
     } else {
         ObjectName& name = statement->names[0];
         if (name.parts.size() < 2)
-            fail(159, "Must specify the table name and index name for the DROP INDEX statement.");
+            in.fail(159, "Must specify the table name and index name for the DROP INDEX statement.");
         statement->onTable.line = name.line;
         statement->onTable.parts.assign(name.parts.begin(), name.parts.end() - 1);
         name.parts.erase(name.parts.begin(), name.parts.end() - 1);
     }
+    return statement;
+}
+
+StatementPtr drop(TokenReader& in) {
+    auto statement = begun<DropStatement>(in);
+    in.take();
+    if (in.isWord("INDEX"))
+        return dropIndex(in);
+    static constexpr std::array<std::string_view, 7> kKinds = {"TABLE", "VIEW", "PROCEDURE", "PROC", "FUNCTION", "TRIGGER", "TYPE"};
+    for (const std::string_view kind : kKinds) {
+        if (in.isWord(kind))
+            statement->what = kind == "PROC" ? "PROCEDURE" : kind;
+    }
+    if (statement->what.empty()) {
+        if (in.isWord("DATABASE") || in.isWord("STATISTICS") || in.isWord("USER") || in.isWord("LOGIN") || in.isWord("ROLE"))
+            return nothing(in);
+        if (in.isWord("RULE") || in.isWord("DEFAULT"))
+            return parseUnsupported(in, "DROP " + in.peek().value());
+        in.unexpected();
+    }
+    in.take();
+    if (in.isWord("IF") && in.isWord("EXISTS", 1)) {
+        in.take();
+        in.take();
+        statement->ifExists = true;
+    }
+    do {
+        statement->names.push_back(in.objectName());
+    } while (in.acceptSymbol(","));
+    return statement;
+}
+
+// A statement that its first word tells; null for any other.
+StatementPtr statementByWord(TokenReader& in) {
+    using Read = StatementPtr (*)(TokenReader&);
+    struct Entry {
+        std::string_view word;
+        Read read;
+    };
+    static constexpr std::array kEntries = std::to_array<Entry>({
+        {"SELECT", &parseSelect},   {"WITH", &parseWith},       {"INSERT", &parseInsert},
+        {"UPDATE", &parseUpdate},   {"DELETE", &parseDelete},   {"TRUNCATE", &parseTruncate},
+        {"CREATE", &create},        {"ALTER", &alter},          {"DROP", &drop},
+        {"DECLARE", &parseDeclare}, {"SET", &parseSet},         {"IF", &parseIf},
+        {"WHILE", &parseWhile},     {"BEGIN", &parseBegin},     {"RETURN", &parseReturn},
+        {"GOTO", &parseGoto},       {"RAISERROR", &parseRaise}, {"THROW", &parseThrow},
+        {"PRINT", &parsePrint},     {"WAITFOR", &parseWaitFor}, {"USE", &use},
+        {"FETCH", &parseFetch},
+    });
+    for (const Entry& entry : kEntries) {
+        if (in.isWord(entry.word))
+            return entry.read(in);
+    }
+    return nullptr;
+}
+
+StatementPtr statementOf(TokenReader& in) {
+    if (StatementPtr statement = statementByWord(in))
+        return statement;
+    if (in.isSymbol("(") && startsQuery(in))
+        return parseSelect(in);
+    if (in.isWord("EXEC") || in.isWord("EXECUTE"))
+        return parseExecute(in, true);
+    if (in.isWord("COMMIT"))
+        return parseTransaction(in, StatementKind::Commit);
+    if (in.isWord("ROLLBACK"))
+        return parseTransaction(in, StatementKind::Rollback);
+    if (in.isWord("SAVE"))
+        return parseTransaction(in, StatementKind::Save);
+    if (in.isWord("OPEN"))
+        return parseCursorAction(in, CursorStatement::Action::Open);
+    if (in.isWord("CLOSE"))
+        return parseCursorAction(in, CursorStatement::Action::Close);
+    if (in.isWord("DEALLOCATE"))
+        return parseCursorAction(in, CursorStatement::Action::Deallocate);
+    if (in.isWord("BREAK") || in.isWord("CONTINUE")) {
+        if (in.state.loops == 0)
+            in.fail(in.isWord("BREAK") ? 135 : 136,
+                    "Cannot use a " + in.peek().value() + " statement outside the scope of a WHILE statement.");
+        return std::make_unique<Statement>(in.take().is("BREAK") ? StatementKind::Break : StatementKind::Continue);
+    }
+    if (in.isWord("MERGE"))
+        return parseUnsupported(in, "MERGE");
+    if (in.isWord("GRANT") || in.isWord("REVOKE") || in.isWord("DENY") || in.isWord("CHECKPOINT") || in.isWord("RECONFIGURE") ||
+        in.isWord("DBCC") || in.isWord("BACKUP"))
+        return nothing(in);
+    if (in.isLabel()) {
+        auto label = std::make_unique<GotoStatement>(StatementKind::Label);
+        label->label = in.take().value();
+        in.take();
+        return label;
+    }
+    if (in.state.batchStart && in.isName())
+        return parseExecute(in, false);
+    in.unexpected();
+}
+
+} // namespace
+
+Block parseBlock(TokenReader& in, const std::function<bool()>& ends) {
+    Block statements;
+    while (true) {
+        while (in.acceptSymbol(";")) {
+        }
+        if (ends())
+            return statements;
+        if (in.atEnd())
+            in.unexpected();
+        statements.push_back(parseStatement(in));
+        in.state.batchStart = false;
+    }
+}
+
+StatementPtr parseStatement(TokenReader& in) {
+    const Nesting nesting(in);
+    const int line = in.peek().line;
+    StatementPtr result = statementOf(in);
+    result->line = line;
+    result->number = in.state.statements++;
+    return result;
+}
+
+StatementPtr parseUnsupported(TokenReader& in, const std::string& feature) {
+    auto statement = begun<UnsupportedStatement>(in);
+    statement->feature = feature;
+    while (!in.atEnd())
+        in.take();
     return statement;
 }
 
