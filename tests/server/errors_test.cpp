@@ -1,5 +1,5 @@
 #include "app/db/embedded/store.h"
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "tests/server/onaserver.h"
 
 namespace merchantry::db {
@@ -55,14 +55,6 @@ TEST(CategoryTest, IsTheSameForAStoreInAFile) {
         const DbError error = failureOf(*session, batch);
         EXPECT_EQ(error.category(), category) << batch << ": " << error.native() << " " << error.what();
     }
-}
-
-TEST(CategoryTest, KnowsAServersOwnNumbers) {
-    EXPECT_EQ(categoryOf(1205), Category::Busy);
-    EXPECT_EQ(categoryOf(1222), Category::Busy);
-    EXPECT_EQ(categoryOf(kUnnamedError), Category::Syntax);
-    EXPECT_EQ(categoryOf(50001), Category::Raised);
-    EXPECT_EQ(categoryOf(17142), Category::Other);
 }
 
 // What callers tell errors by: the number that ADO gives.

@@ -34,8 +34,7 @@ void checkLabels(const tsql::Block& block) {
         const bool found = std::any_of(known.labels.begin(), known.labels.end(),
                                        [&](const std::string& label) { return tsql::sameName(label, jump->label); });
         if (!found)
-            throw tsql::syntaxError(133, "A GOTO statement references the label '" + jump->label + "' but the label has not been declared.",
-                                    jump->line);
+            throw serverMessage(Message::UnknownLabel, {jump->label}, jump->line);
     }
 }
 

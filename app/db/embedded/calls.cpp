@@ -1,7 +1,7 @@
 #include "app/db/embedded/calls.h"
 #include "app/db/embedded/scopes.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
@@ -25,8 +25,7 @@ Cell toParameter(const Cell& cell, const SqlType& from, const SqlType& to) {
     try {
         return tsql::converted(cell, from, to);
     } catch (const DbError&) {
-        throw serverError(8114, "Error converting data type " + tsql::kindNameOf(from) + " to " + tsql::kindNameOf(to) + ".")
-            .withSeverity(16, 5);
+        throw serverMessage(Message::CannotConvert, {tsql::kindNameOf(from), tsql::kindNameOf(to)}).withSeverity(16, 5);
     }
 }
 
@@ -44,7 +43,7 @@ std::size_t placeOf(const Code& code, const Argument& argument, std::size_t plac
     const auto found = std::find_if(code.parameters.begin(), code.parameters.end(),
                                     [&](const Code::Parameter& parameter) { return tsql::sameName(parameter.name, argument.name); });
     if (found == code.parameters.end())
-        throw tsql::typeError(8145, argument.name + " is not a parameter for procedure " + code.procedure + ".", 0);
+        throw serverMessage(Message::UnknownParameter, {argument.name, code.procedure}, 0);
     return static_cast<std::size_t>(found - code.parameters.begin());
 }
 
@@ -69,7 +68,7 @@ void Calls::runBatch(std::string_view text, std::vector<Parameter>& parameters) 
 void Calls::callProcedure(const std::string& name, std::vector<Parameter>& parameters) {
     const StoredObject* object = store_.find(name);
     if (!object || object->kind != "P")
-        throw tsql::nameError(2812, "Could not find stored procedure '" + name + "'.", 0);
+        throw serverMessage(Message::UnknownProcedure, {name}, 0);
     Arguments arguments;
     for (const Parameter& parameter : parameters) {
         Argument argument;
@@ -145,7 +144,7 @@ bool Calls::execute(const tsql::ExecuteStatement& statement) {
 Cell Calls::executeFunction(const StoredObject& object, const Arguments& arguments, SqlType& type) {
     const std::shared_ptr<const tsql::FunctionDef> function = store_.functionById(object.id);
     if (arguments.size() > function->parameters.size())
-        throw tsql::syntaxError(8144, "Procedure or function " + function->name + " has too many arguments specified.", 0);
+        throw serverMessage(Message::TooManyArguments, {function->name}, 0);
     std::vector<Cell> cells;
     for (std::size_t i = 0; i < arguments.size(); ++i)
         cells.push_back(tsql::converted(arguments[i].cell, arguments[i].type, function->parameters[i].type));
@@ -178,15 +177,15 @@ void Calls::executeText(const std::string& text, std::vector<Parameter>& paramet
 void Calls::bind(const Code& code, const Arguments& arguments, Frame& frame, std::vector<int>& parameterOf) {
     const std::vector<Code::Parameter>& parameters = code.parameters;
     if (parameters.empty() && !arguments.empty())
-        throw tsql::typeError(8146, "Procedure " + code.procedure + " has no parameters and arguments were supplied.", 0);
+        throw serverMessage(Message::NoParameters, {code.procedure}, 0);
     if (arguments.size() > parameters.size())
-        throw tsql::typeError(8144, "Procedure or function " + code.procedure + " has too many arguments specified.", 0);
+        throw serverMessage(Message::TooManyArguments, {code.procedure}, 0);
     std::vector<bool> given(parameters.size(), false);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const Argument& argument = arguments[i];
         const std::size_t place = placeOf(code, argument, i);
         if (given[place] && !argument.name.empty())
-            throw tsql::typeError(8143, "Parameter '" + argument.name + "' was supplied multiple times.", 0);
+            throw serverMessage(Message::ParameterTwice, {argument.name}, 0);
         parameterOf.push_back(parameters[place].output ? static_cast<int>(place) : -1);
         if (argument.isDefault)
             continue;
@@ -203,9 +202,7 @@ void Calls::bindDefaults(const Code& code, const std::vector<bool>& given, Frame
         if (given[i])
             continue;
         if (!parameter.defaultValue)
-            throw tsql::typeError(
-                201, "Procedure or function '" + code.procedure + "' expects parameter '" + parameter.name + "', which was not supplied.",
-                0);
+            throw serverMessage(Message::MissingParameter, {code.procedure, parameter.name}, 0);
         const DefaultScope inside(batch_, frame);
         SqlType type;
         const Cell cell = evaluator_.once(*parameter.defaultValue, type);
@@ -249,10 +246,7 @@ void Calls::checkCount(int before) {
     if (transaction_.count() == before)
         return;
     const DbError error =
-        serverError(266,
-                    "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = " +
-                        std::to_string(before) + ", current count = " + std::to_string(transaction_.count()) + ".")
-            .withSeverity(16, 2);
+        serverMessage(Message::TransactionCount, {std::to_string(before), std::to_string(transaction_.count())}).withSeverity(16, 2);
     if (batch_.tries > 0)
         throw DbError(error);
     batch_.note(error);
@@ -263,7 +257,7 @@ void Calls::checkCount(int before) {
 Cell Calls::callFunction(std::int64_t id, const std::vector<CellView>& arguments) {
     const StoredObject* object = store_.findById(id);
     if (!object)
-        throw tsql::nameError(4121, "Cannot find the user-defined function.", 0);
+        throw serverError(Message::UnknownUserFunction, "Cannot find the user-defined function.", 0);
     const FunctionScope inside(batch_);
     Frame frame = frameOf(code_.module(*object));
     frame.isFunction = true;

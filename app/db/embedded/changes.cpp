@@ -2,7 +2,7 @@
 #include "app/db/embedded/row_view.h"
 #include "app/db/embedded/scopes.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/errors.h"
 #include "base/text.h"
 
@@ -62,7 +62,7 @@ void Changes::run(const PlanPtr& plan) {
 
 // A trigger that rolled back ends the batch.
 void Changes::endedInTrigger() {
-    const DbError ended = serverError(3609, "The transaction ended in the trigger. The batch has been aborted.").withSeverity(16, 1);
+    const DbError ended = serverMessage(Message::EndedInTrigger).withSeverity(16, 1);
     if (batch_.tries > 0)
         throw DbError(ended);
     batch_.note(ended);
@@ -180,7 +180,7 @@ void Changes::insertRows(const tsql::ChangePlan& plan, const Rowset& rows) {
 
 void Changes::insertFromExecute(const tsql::InsertStatement& statement) {
     if (batch_.inInsertExec)
-        throw tsql::typeError(8164, "An INSERT EXEC statement cannot be nested.", statement.line);
+        throw serverMessage(Message::NestedInsertExec, {}, statement.line);
     RowCollector collector(*batch_.sink);
     {
         const InsertExecScope inside(batch_, collector);
@@ -202,13 +202,11 @@ void Changes::insertFromExecute(const tsql::InsertStatement& statement) {
 }
 
 void Changes::truncate(const tsql::TruncateStatement& statement) {
-    const std::shared_ptr<const tsql::TableDef> table = catalog_.requireTable(statement.table, 4701);
+    const std::shared_ptr<const tsql::TableDef> table = catalog_.requireTable(statement.table, Message::TruncateUnknownTable);
     WriteScope scope(transaction_, table->isTemporary());
     for (const auto& [other, key] : store_.referencesTo(table->name)) {
         if (other->id != table->id)
-            throw tsql::typeError(4712,
-                                  "Cannot truncate table '" + table->name + "' because it is being referenced by a FOREIGN KEY constraint.",
-                                  statement.line);
+            throw serverMessage(Message::TruncateReferenced, {table->name}, statement.line);
     }
     connection_.run("DELETE FROM " + table->storage);
     identities_.startOver(table->id);

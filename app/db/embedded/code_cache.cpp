@@ -17,12 +17,7 @@ SqlType typeOf(const Parameter& parameter) {
 void addVariable(Code& code, const std::string& name, const SqlType& type, bool isCursor, int line) {
     for (const tsql::Variable& other : code.variables) {
         if (tsql::sameName(other.name, name))
-            throw tsql::nameError(134,
-                                  "The variable name '" + name +
-                                      "' has already been declared. Variable names must be unique within a query batch or "
-                                      "stored procedure.",
-                                  line)
-                .withSeverity(15, 2);
+            throw serverMessage(Message::VariableDeclaredTwice, {name}, line).withSeverity(15, 2);
     }
     code.variables.push_back({name, type, isCursor});
 }

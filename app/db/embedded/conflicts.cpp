@@ -1,7 +1,7 @@
 #include "app/db/embedded/conflicts.h"
 #include "app/db/embedded/scopes.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
 
@@ -12,13 +12,13 @@ namespace {
 
 using Kind = Conflicts::Kind;
 
+constexpr int kDuplicateSeverity = 14;
+
 // "The INSERT statement conflicted with the FOREIGN KEY constraint ..."
 DbError conflictOf(Kind kind, const std::string& what, const std::string& constraint, const std::string& table, const std::string& column) {
     static constexpr const char* kWords[] = {"INSERT", "UPDATE", "DELETE"};
     const std::string where = column.empty() ? "" : ", column '" + column + "'";
-    return serverError(547, std::string("The ") + kWords[static_cast<int>(kind)] + " statement conflicted with the " + what +
-                                " constraint \"" + constraint + "\". The conflict occurred in database \"" + kDatabase +
-                                "\", table \"dbo." + table + "\"" + where + ".")
+    return serverMessage(Message::ConstraintConflict, {kWords[static_cast<int>(kind)], what, constraint, kDatabase, table, where})
         .withSeverity(16, 0);
 }
 
@@ -30,10 +30,6 @@ DbError checkConflict(const DbError& error, const tsql::TableDef& table, Kind ki
     const auto found =
         std::find_if(table.checks.begin(), table.checks.end(), [&](const tsql::CheckDef& check) { return check.name == parts[1]; });
     return found == table.checks.end() ? error : conflictOf(kind, "CHECK", found->name, table.name, "");
-}
-
-DbError duplicate(int number, const std::string& message) {
-    return serverError(number, message).withSeverity(14, 1);
 }
 
 // Whether SQLite's "t.a, t.b" or "index 'name'" means that key.
@@ -62,15 +58,15 @@ DbError Conflicts::named(const DbError& error, const tsql::TableDef& table, Kind
     const std::string what = error.what();
     for (const tsql::KeyDef& key : table.keys) {
         if (means(what, table, key.name, key.columns))
-            return duplicate(2627, std::string("Violation of ") + (key.primary ? "PRIMARY KEY" : "UNIQUE KEY") + " constraint '" +
-                                       key.name + "'. Cannot insert duplicate key in object 'dbo." + table.name + "'.");
+            return serverMessage(Message::DuplicateKey, {key.primary ? "PRIMARY KEY" : "UNIQUE KEY", key.name, table.name})
+                .withSeverity(kDuplicateSeverity, 1);
     }
     for (const tsql::IndexDef& index : table.indexes) {
         if (index.unique && means(what, table, index.name, index.columns))
-            return duplicate(2601,
-                             "Cannot insert duplicate key row in object 'dbo." + table.name + "' with unique index '" + index.name + "'.");
+            return serverMessage(Message::DuplicateIndexRow, {table.name, index.name}).withSeverity(kDuplicateSeverity, 1);
     }
-    return duplicate(2627, "Cannot insert duplicate key in object 'dbo." + table.name + "'.");
+    return serverError(Message::DuplicateKey, "Cannot insert duplicate key in object 'dbo." + table.name + "'.")
+        .withSeverity(kDuplicateSeverity, 1);
 }
 
 DbError Conflicts::of(StatementPlan& plan, const DbError& error) {

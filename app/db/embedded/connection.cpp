@@ -1,6 +1,6 @@
 #include "app/db/embedded/connection.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/errors.h"
 #include "base/platform/platform.h"
 
@@ -32,9 +32,7 @@ DbError notNull(const std::string& column) {
     const std::size_t point = column.find('.');
     const std::string table = column.substr(0, point);
     const std::string name = point == std::string::npos ? column : column.substr(point + 1);
-    return serverError(515, "Cannot insert the value NULL into column '" + name + "', table 'dbo." + table +
-                                "'; column does not allow nulls. The statement fails.")
-        .withSeverity(16, 2);
+    return serverMessage(Message::NullNotAllowed, {name, table, "The statement"}).withSeverity(16, 2);
 }
 
 std::string behindColon(const std::string& message) {
@@ -48,13 +46,15 @@ DbError constraintError(int extended, const std::string& message) {
     case SQLITE_CONSTRAINT_NOTNULL:
         return notNull(what);
     case SQLITE_CONSTRAINT_CHECK:
-        return serverError(547, "The statement conflicted with the CHECK constraint \"" + what + "\".").withSeverity(16, 0);
+        return serverError(Message::ConstraintConflict, "The statement conflicted with the CHECK constraint \"" + what + "\".")
+            .withSeverity(16, 0);
     case SQLITE_CONSTRAINT_FOREIGNKEY:
     case SQLITE_CONSTRAINT_TRIGGER:
-        return serverError(547, "The statement conflicted with a FOREIGN KEY or REFERENCE constraint.").withSeverity(16, 0);
+        return serverError(Message::ConstraintConflict, "The statement conflicted with a FOREIGN KEY or REFERENCE constraint.")
+            .withSeverity(16, 0);
     default:
         // The session knows which key it was.
-        return serverError(2627, what).withSeverity(14, 1);
+        return serverError(Message::DuplicateKey, what).withSeverity(14, 1);
     }
 }
 
@@ -105,8 +105,7 @@ Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
     const std::string message = sqlite3_errmsg(db);
     if (message.find("parser stack overflow") != std::string::npos || message.find("too large") != std::string::npos ||
         message.find("too many") != std::string::npos)
-        throw tsql::syntaxError(
-            191, "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.", 0);
+        throw serverMessage(Message::NestedTooDeeply, {}, 0);
     throw fileError(message, code);
 }
 
@@ -236,7 +235,7 @@ DbError Connection::errorOf(int code, sqlite3_stmt* statement) {
                             "The disk of the store " + file_.string() + " is full. This change was not saved. Make room and try again.");
     case SQLITE_READONLY:
         if (readOnly_)
-            return serverError(3906, "This session only reads: the change was refused.").withSeverity(16, 1);
+            return serverMessage(Message::SessionOnlyReads).withSeverity(16, 1);
         return storageError(3906, "The store " + file_.string() + " or its folder is read-only for this user. This change was not saved.");
     case SQLITE_CANTOPEN:
         return storageError(5120, "The store " + file_.string() +

@@ -27,14 +27,14 @@ Cursor* Cursors::find(const std::string& name) {
 Cursor& Cursors::require(const tsql::CursorStatement& statement) {
     Cursor* cursor = find(statement.name);
     if (!cursor)
-        throw tsql::typeError(16916, "A cursor with the name '" + statement.name + "' does not exist.", statement.line);
+        throw serverMessage(Message::UnknownCursor, {statement.name}, statement.line);
     return *cursor;
 }
 
 Cursor& Cursors::requireOpen(const tsql::CursorStatement& statement) {
     Cursor& cursor = require(statement);
     if (!cursor.open)
-        throw tsql::typeError(16917, "Cursor is not open.", statement.line);
+        throw serverMessage(Message::CursorClosed, {}, statement.line);
     return cursor;
 }
 
@@ -66,13 +66,13 @@ void Cursors::declare(const tsql::CursorStatement& statement) {
     }
     std::map<std::string, Cursor>& home = statement.local || isVariable ? batch_.frame->cursors : batch_.session.cursors;
     if (home.count(key) != 0)
-        throw tsql::typeError(16915, "A cursor with the name '" + statement.name + "' already exists.", statement.line);
+        throw serverMessage(Message::CursorExists, {statement.name}, statement.line);
     home[key] = std::move(cursor);
 }
 
 void Cursors::open(Cursor& cursor, const tsql::CursorStatement& statement) {
     if (cursor.open)
-        throw tsql::typeError(16905, "The cursor is already open.", statement.line);
+        throw serverMessage(Message::CursorOpen, {}, statement.line);
     transaction_.beforeRead();
     const tsql::QueryPlan plan = plans_.binder().query(*cursor.query);
     cursor.types.clear();
@@ -124,8 +124,7 @@ void Cursors::fetch(Cursor& cursor, const tsql::CursorStatement& statement) {
     const auto count = static_cast<std::int64_t>(cursor.rows.size());
     cursor.at = placeOf(cursor, statement);
     if (!statement.into.empty() && statement.into.size() != cursor.types.size())
-        throw tsql::typeError(16924, "Cursorfetch: The number of variables declared in the INTO list must match that of selected columns.",
-                              statement.line);
+        throw serverMessage(Message::FetchCount, {}, statement.line);
     if (cursor.at < 0 || cursor.at >= count) {
         cursor.at = cursor.at < 0 ? -1 : count;
         batch_.session.fetchStatus = -1;

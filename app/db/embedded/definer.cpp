@@ -49,12 +49,11 @@ bool drops(const std::string& what, const std::string& kind) {
 }
 
 DbError cannotDrop(const std::string& what, const std::string& name, int line) {
-    return tsql::nameError(3701, "Cannot drop the " + what + " '" + name + "', because it does not exist or you do not have permission.",
-                           line);
+    return serverMessage(Message::CannotDrop, {what, name}, line);
 }
 
 DbError taken(const std::string& name, int line) {
-    return tsql::nameError(2714, "There is already an object named '" + name + "' in the database.", line);
+    return serverMessage(Message::ObjectExists, {name}, line);
 }
 
 } // namespace
@@ -99,18 +98,15 @@ void Definer::store(const std::string& name, const char* kind, std::int64_t pare
 // ---- indexes
 
 void Definer::createIndex(const tsql::CreateIndexStatement& statement) {
-    const std::shared_ptr<const TableDef> table = parts_.catalog.requireTable(statement.table, 1088);
+    const std::shared_ptr<const TableDef> table = parts_.catalog.requireTable(statement.table, Message::UnknownTable);
     const auto isTaken = [&](const auto& all) {
         return std::any_of(all.begin(), all.end(), [&](const auto& one) { return tsql::sameName(one.name, statement.name); });
     };
     if (isTaken(table->indexes) || isTaken(table->keys))
-        throw tsql::nameError(1913,
-                              "The operation failed because an index or statistics with name '" + statement.name +
-                                  "' already exists on table '" + table->name + "'.",
-                              statement.line);
+        throw serverMessage(Message::IndexExists, {statement.name, table->name}, statement.line);
     for (const tsql::IndexColumn& column : statement.columns) {
         if (table->find(column.name) < 0)
-            throw tsql::nameError(1911, "Column name '" + column.name + "' does not exist in the target table or view.", statement.line);
+            throw serverMessage(Message::KeyOfUnknownColumn, {column.name}, statement.line);
     }
     TableDef changed = *table;
     changed.indexes.push_back({statement.name, statement.unique, statement.clustered, statement.columns});
@@ -121,13 +117,13 @@ void Definer::createIndex(const tsql::CreateIndexStatement& statement) {
 }
 
 void Definer::dropIndex(const tsql::DropStatement& statement) {
-    const std::shared_ptr<const TableDef> table = parts_.catalog.requireTable(statement.onTable, 3701);
     const std::string& name = statement.names[0].last();
+    const std::shared_ptr<const TableDef> table = parts_.catalog.table(statement.onTable);
+    if (!table || table->readOnly)
+        throw cannotDrop("index", statement.onTable.last() + "." + name, statement.line);
     const auto same = [&](const auto& one) { return tsql::sameName(one.name, name); };
     if (std::any_of(table->keys.begin(), table->keys.end(), same))
-        throw tsql::typeError(3723,
-                              "An explicit DROP INDEX is not allowed on index '" + name + "'. It is being used for constraint enforcement.",
-                              statement.line);
+        throw serverMessage(Message::IndexOfConstraint, {name}, statement.line);
     const auto found = std::find_if(table->indexes.begin(), table->indexes.end(), same);
     if (found == table->indexes.end()) {
         if (statement.ifExists)
@@ -160,7 +156,7 @@ void Definer::createView(const tsql::CreateViewStatement& statement) {
     } catch (const DbError& error) {
         if (error.native() != 8155)
             throw;
-        throw tsql::syntaxError(4511, "Create View or Function failed because no column name was specified for a column.", statement.line);
+        throw serverMessage(Message::ViewColumnNameless, {}, statement.line);
     }
     createModule(statement.name, statement.alter, "V", statement.text, 0, statement.line);
 }
@@ -174,22 +170,18 @@ void Definer::createModule(const tsql::ObjectName& name, bool alter, const char*
         return store(name.last(), kind, parent, text);
     }
     if (!known || known->kind != kind)
-        throw tsql::nameError(208, "Invalid object name '" + name.toText() + "'.", line);
+        throw serverMessage(Message::InvalidObject, {name.toText()}, line);
     parts_.store.setSource(known->id, known->name, text);
 }
 
 void Definer::createTrigger(const tsql::CreateTriggerStatement& statement) {
     const StoredObject* table = parts_.store.find(statement.table.last());
     if (!table || (table->kind != "U" && table->kind != "V") || (table->kind == "V" && !statement.insteadOf))
-        throw tsql::nameError(8197, "The object '" + statement.table.toText() + "' does not exist or is invalid for this operation.",
-                              statement.line);
+        throw serverMessage(Message::TriggerTargetMissing, {statement.table.toText()}, statement.line);
     const auto isTaken = [&](bool wanted, const char* event) { return wanted && parts_.catalog.hasInsteadTrigger(table->id, event); };
     if (statement.insteadOf && !statement.alter &&
         (isTaken(statement.onInsert, "insert") || isTaken(statement.onUpdate, "update") || isTaken(statement.onDelete, "delete")))
-        throw tsql::typeError(2111,
-                              "Cannot create trigger '" + statement.name.last() + "' on '" + table->name +
-                                  "' because an INSTEAD OF trigger already exists on this object.",
-                              statement.line);
+        throw serverMessage(Message::InsteadTriggerExists, {statement.name.last(), table->name}, statement.line);
     createModule(statement.name, statement.alter, "TR", statement.text, table->id, statement.line);
 }
 
@@ -198,7 +190,7 @@ void Definer::createType(const tsql::CreateTypeStatement& statement) {
     SqlType type;
     bool nullable = true;
     if (parts_.catalog.userType(name, type, nullable))
-        throw tsql::nameError(219, "The type '" + name + "' already exists, or you do not have permission to create it.", statement.line);
+        throw serverMessage(Message::TypeExists, {name}, statement.line);
     std::string source = "CREATE TYPE [" + name + "] FROM " + parts_.catalog.declaredType(statement.base).toText();
     if (statement.nullable)
         source += *statement.nullable ? " NULL" : " NOT NULL";

@@ -1,7 +1,7 @@
 #include "app/db/embedded/engine.h"
 #include "app/db/embedded/scopes.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/errors.h"
 
 #include <algorithm>
@@ -102,7 +102,7 @@ TableShape Engine::tableShape(std::string_view name) {
     if (!batch_.frame)
         transaction_.endRead();
     if (!table)
-        throw tsql::nameError(208, "Invalid object name '" + std::string(name) + "'.", 0);
+        throw serverMessage(Message::InvalidObject, {std::string(name)}, 0);
     return shapeOf(*table);
 }
 

@@ -68,7 +68,7 @@ Executor::Flow Executor::run(const tsql::Statement& statement) {
     } catch (const DbError& error) {
         return failed(error, statement);
     } catch (const OverflowError& error) {
-        return failed(tsql::valueError(8115, error.what()), statement);
+        return failed(serverError(Message::ArithmeticOverflow, error.what()), statement);
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include "app/db/dberror.h"
 #include "app/db/embedded/filecopy.h"
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "base/platform/files.h"
 
 #include <utility>
@@ -43,12 +43,7 @@ std::string folderText(const std::string& path) {
 } // namespace
 
 void refuseShell() {
-    throw serverError(
-        15281, "SQL Server blocked access to procedure 'sys.xp_cmdshell' of component 'xp_cmdshell' because this component is turned "
-               "off as part of the security configuration for this server. A system administrator can enable the use of 'xp_cmdshell' "
-               "by using sp_configure. For more information about enabling 'xp_cmdshell', search for 'xp_cmdshell' in SQL Server Books "
-               "Online.")
-        .withSeverity(16, 1);
+    throw serverMessage(Message::CommandShellOff).withSeverity(16, 1);
 }
 
 FileStage::FileStage(std::filesystem::path chosen, const std::filesystem::path& folder)

@@ -28,7 +28,7 @@ void run(sqlite3_context* context, int count, sqlite3_value** values) {
     } catch (const DbError& error) {
         failWith(context, registered.host, error);
     } catch (const std::exception& error) {
-        failWith(context, registered.host, tsql::valueError(8115, error.what()));
+        failWith(context, registered.host, serverError(Message::ArithmeticOverflow, error.what()));
     }
 }
 

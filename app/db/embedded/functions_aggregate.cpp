@@ -1,6 +1,6 @@
 #include "app/db/embedded/functions.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/types.h"
@@ -61,13 +61,7 @@ void step(sqlite3_context* context, int, sqlite3_value** values) {
         return sqlite3_result_error_nomem(context);
     if (aggregate.kind == Kind::One) {
         if (++gathered->count > 1)
-            return failWith(
-                context, aggregate.host,
-                serverError(
-                    512,
-                    "Subquery returned more than 1 value. This is not permitted when the subquery follows =, !=, <, <= , >, >= or when the "
-                    "subquery is used as an expression.")
-                    .withSeverity(16, 1));
+            return failWith(context, aggregate.host, serverMessage(Message::SubqueryOfSeveralRows).withSeverity(16, 1));
         gathered->value = sqlite3_value_dup(values[0]);
         return;
     }

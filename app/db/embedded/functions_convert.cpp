@@ -1,6 +1,6 @@
 #include "app/db/embedded/functions.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/types.h"
@@ -65,9 +65,7 @@ void last(const Call& call) {
 // The number of TOP.
 void top(const Call& call) {
     if (call.isNull(0) || call.integer(0) < 0)
-        throw serverError(
-            call.isNull(0) ? 1060 : 127,
-            "The number of rows provided for a TOP or FETCH clauses row count parameter must be an integer that is not negative.");
+        throw serverMessage(call.isNull(0) ? Message::NullTop : Message::NegativeTop);
     call.give(call.integer(0));
 }
 
@@ -76,9 +74,7 @@ void level(const Call& call) {
     const std::int64_t next = call.integer(0) + 1;
     const std::int64_t most = call.integer(1);
     if (most > 0 && next > most)
-        throw serverError(530, "The statement terminated. The maximum recursion " + std::to_string(most) +
-                                   " has been exhausted before statement completion.")
-            .withSeverity(16, 1);
+        throw serverMessage(Message::RecursionExhausted, {std::to_string(most)}).withSeverity(16, 1);
     call.give(next);
 }
 

@@ -1,6 +1,6 @@
 #include "app/db/embedded/functions.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/datetext.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/functions.h"
@@ -21,7 +21,7 @@ constexpr std::int64_t kMsPerMinute = 60'000;
 constexpr std::int64_t kMsPerSecond = 1000;
 
 DbError dateOverflow() {
-    return serverError(517, "Adding a value to a 'datetime' column caused an overflow.").withSeverity(16, 1);
+    return serverMessage(Message::DateOverflow).withSeverity(16, 1);
 }
 
 void giveDate(const Call& call, Wide ms) {
@@ -101,9 +101,7 @@ void dateDiff(const Call& call) {
     const std::int64_t result =
         borders(static_cast<DatePart>(call.integer(0)), Date::fromMs(call.integer(1)), Date::fromMs(call.integer(2)));
     if (result > INT32_MAX || result < INT32_MIN)
-        throw serverError(
-            535, "The datediff function resulted in an overflow. The number of dateparts separating two date/time instances is too large.")
-            .withSeverity(16, 1);
+        throw serverMessage(Message::DateDiffOverflow).withSeverity(16, 1);
     call.give(result);
 }
 
@@ -185,14 +183,14 @@ void isDate(const Call& call) {
 void addDates(const Call& call) {
     const Wide sum = static_cast<Wide>(call.integer(0)) + call.integer(1);
     if (sum < tsql::kFirstDateTime || sum >= tsql::kEndOfDateTime)
-        throw tsql::valueError(8115, "Arithmetic overflow error converting expression to data type datetime.");
+        throw serverMessage(Message::ArithmeticOverflow, {"expression", "datetime"});
     call.give(static_cast<std::int64_t>(sum));
 }
 
 void subtractDates(const Call& call) {
     const Wide difference = static_cast<Wide>(call.integer(0)) - call.integer(1);
     if (difference < tsql::kFirstDateTime || difference >= tsql::kEndOfDateTime)
-        throw tsql::valueError(8115, "Arithmetic overflow error converting expression to data type datetime.");
+        throw serverMessage(Message::ArithmeticOverflow, {"expression", "datetime"});
     call.give(static_cast<std::int64_t>(difference));
 }
 

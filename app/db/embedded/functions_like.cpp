@@ -179,7 +179,7 @@ void likeWith(const Call& call, bool caseCounts) {
         std::size_t at = 0;
         escape = text.empty() ? 0 : nextCodePoint(text, at);
         if (text.empty() || at != text.size())
-            throw tsql::valueError(506, "The invalid escape character \"" + std::string(text) + "\" was specified in a LIKE predicate.");
+            throw serverMessage(Message::InvalidEscape, {std::string(text)});
     }
     std::unique_ptr<Pattern> own;
     call.give(std::int64_t{patternOf(call, 1, escape, caseCounts, own).matches(call.text(0)) ? 1 : 0});

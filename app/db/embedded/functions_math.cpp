@@ -1,6 +1,6 @@
 #include "app/db/embedded/functions.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/types.h"
@@ -22,7 +22,7 @@ Wide powerOfTen(int exponent) {
 }
 
 DbError divideByZero() {
-    return serverError(8134, "Divide by zero error encountered.").withSeverity(16, 1);
+    return serverMessage(Message::DivideByZero).withSeverity(16, 1);
 }
 
 // ---- whole numbers: one function for each operator and type
@@ -112,7 +112,7 @@ double finite(double number) {
     if (std::isinf(number))
         throw tsql::overflow(tsql::simpleType(TypeKind::Float));
     if (std::isnan(number))
-        throw serverError(3623, "An invalid floating point operation occurred.").withSeverity(16, 1);
+        throw serverMessage(Message::InvalidFloat).withSeverity(16, 1);
     return number;
 }
 

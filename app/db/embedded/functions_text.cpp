@@ -38,7 +38,7 @@ void length(const Call& call) {
 }
 
 DbError badLength(const char* function) {
-    return tsql::valueError(537, std::string("Invalid length parameter passed to the ") + function + " function.");
+    return serverMessage(Message::InvalidLength, {function});
 }
 
 void substring(const Call& call) {

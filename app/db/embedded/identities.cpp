@@ -60,7 +60,7 @@ std::int64_t Identities::next(std::int64_t table) {
     Counter& counter = counterOf(table);
     std::int64_t number = 0;
     if (__builtin_add_overflow(counter.last, counter.increment, &number))
-        throw tsql::valueError(8115, "Arithmetic overflow error converting IDENTITY to data type bigint.");
+        throw serverMessage(Message::ArithmeticOverflow, {"IDENTITY", "bigint"});
     last_ = Cell::ofInteger(number);
     keep(table, counter, number);
     return number;

@@ -1,6 +1,6 @@
 #include "app/db/embedded/key_mover.h"
 #include "app/db/embedded/scopes.h"
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 
 namespace merchantry::db::embedded {
 
@@ -8,7 +8,7 @@ std::int64_t KeyMover::move(const tsql::ChangePlan& change) {
     const tsql::TableDef& table = *change.table;
     for (const auto& [other, key] : store_.referencesTo(table.name)) {
         if (!key.onDelete.empty())
-            throw Conflicts::named(serverError(2627, table.name), table, change.kind);
+            throw Conflicts::named(serverError(Message::DuplicateKey, table.name), table, change.kind);
     }
     capture_.forget();
     const OpenReferencesScope open(connection_);

@@ -49,18 +49,13 @@ void Messages::raise(const tsql::RaiseStatement& statement) {
 DbError Messages::thrown(const tsql::ThrowStatement& statement) {
     if (!statement.number) {
         if (batch_.caught.empty())
-            throw tsql::syntaxError(10704, "To rethrow an error, a THROW statement must be used inside a CATCH block.", statement.line);
+            throw serverMessage(Message::ThrowOutsideCatch, {}, statement.line);
         return batch_.caught.back();
     }
     const PlanPtr plan = plans_.values(statement);
     const std::int64_t number = evaluator_.value(*plan, 0).integer;
     if (number < kFirstFreeNumber)
-        throw tsql::syntaxError(35100,
-                                "Error number " + std::to_string(number) +
-                                    " in the THROW statement is outside the valid range. Specify an error number "
-                                    "in the valid range of 50000 to 2147483647.",
-                                statement.line)
-            .withSeverity(16, 10);
+        throw serverMessage(Message::ThrowNumber, {std::to_string(number)}, statement.line).withSeverity(16, 10);
     return DbError(DbError::Category::Raised, static_cast<int>(number), evaluator_.value(*plan, 1).bytes, statement.line)
         .withSeverity(16, static_cast<int>(evaluator_.value(*plan, 2).integer));
 }

@@ -70,7 +70,7 @@ void Options::set(const tsql::SetOptionStatement& statement) {
     for (const std::string& option : statement.options) {
         const Entry* entry = find(option);
         if (!entry)
-            throw tsql::syntaxError(195, "'" + option + "' is not a recognized SET option.", statement.line);
+            throw serverError(Message::UnknownFunction, "'" + option + "' is not a recognized SET option.", statement.line);
         if (entry->isHarmless && !entry->isHarmless(statement))
             throw tsql::unsupported("SET " + option + " " + statement.value, statement.line);
         if (entry->set)
@@ -81,7 +81,7 @@ void Options::set(const tsql::SetOptionStatement& statement) {
 
 std::int64_t Options::number(const tsql::SetOptionStatement& statement) {
     if (!statement.expr)
-        throw tsql::syntaxError(102, "Incorrect syntax near '" + statement.value + "'.", statement.line);
+        throw serverMessage(Message::IncorrectSyntax, {statement.value}, statement.line);
     return evaluator_.value(*plans_.values(statement, {{statement.expr.get(), tsql::simpleType(TypeKind::Int)}})).integer;
 }
 
@@ -107,14 +107,11 @@ void Options::setDateFirst(const tsql::SetOptionStatement& statement) {
 }
 
 void Options::setIdentityInsert(const tsql::SetOptionStatement& statement) {
-    const std::shared_ptr<const tsql::TableDef> table = catalog_.requireTable(statement.table, 1088);
+    const std::shared_ptr<const tsql::TableDef> table = catalog_.requireTable(statement.table, Message::UnknownTable);
     if (isOn(statement) && catalog_.identityInsertTable != 0 && catalog_.identityInsertTable != table->id)
-        throw tsql::typeError(
-            8107, "IDENTITY_INSERT is already ON for another table. Cannot perform SET operation for table '" + table->name + "'.",
-            statement.line);
+        throw serverMessage(Message::IdentityInsertElsewhere, {table->name}, statement.line);
     if (isOn(statement) && table->identityColumn() < 0)
-        throw tsql::typeError(8106, "Table '" + table->name + "' does not have the identity property. Cannot perform SET operation.",
-                              statement.line);
+        throw serverMessage(Message::NoIdentityProperty, {table->name}, statement.line);
     catalog_.identityInsertTable = isOn(statement) ? table->id : 0;
     schema_.changed();
 }

@@ -60,7 +60,7 @@ void Queries::into(const tsql::QueryPlan& query, int line) {
     const bool temporary = query.into->isTemporary();
     WriteScope scope(transaction_, temporary);
     if (temporary ? parts_.catalog.table({{name}, 1}) != nullptr : parts_.store.find(name) != nullptr)
-        throw tsql::nameError(2714, "There is already an object named '" + name + "' in the database.", line);
+        throw serverMessage(Message::ObjectExists, {name}, line);
     tsql::TableDef table = *query.into;
     for (tsql::ColumnDef& column : table.columns) {
         if (column.type.kind == TypeKind::Null)

@@ -69,7 +69,7 @@ private:
         if (!conversion.isBig && !take("h"))
             take("l");
         if (at_ == format_.size() || std::string_view("diouxXs").find(format_[at_]) == std::string_view::npos)
-            throw tsql::valueError(2787, "Invalid format specification: '" + std::string(format_.substr(from, at_ + 1 - from)) + "'.");
+            throw serverMessage(Message::InvalidFormat, {std::string(format_.substr(from, at_ + 1 - from))});
         conversion.kind = format_[at_++];
         return conversion;
     }
@@ -98,8 +98,7 @@ private:
 
     void require(bool fits) const {
         if (!fits)
-            throw tsql::valueError(2786, "The data type of substitution parameter " + std::to_string(used_) +
-                                             " does not match the expected type of the format specification.");
+            throw serverMessage(Message::SubstitutionType, {std::to_string(used_)});
     }
 
     std::string texts(const RaisedArgument& argument, const Conversion& conversion) const {

@@ -1,6 +1,6 @@
 #include "app/db/embedded/scopes.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 
 namespace merchantry::db::embedded {
 namespace {
@@ -17,8 +17,7 @@ Frame* FrameScope::below(const BatchState& batch, Frame& frame) {
 
 int LevelScope::deeper(int level) {
     if (level >= kDeepestLevel)
-        throw serverError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).")
-            .withSeverity(16, 1);
+        throw serverMessage(Message::NestingLevel).withSeverity(16, 1);
     return level + 1;
 }
 

@@ -41,12 +41,11 @@ std::shared_ptr<const TableDef> SessionCatalog::tableById(std::int64_t id) {
     return id >= 0 ? store_.tableById(id) : temporaries_.byId(id);
 }
 
-std::shared_ptr<const TableDef> SessionCatalog::requireTable(const ObjectName& name, int number) {
+std::shared_ptr<const TableDef> SessionCatalog::requireTable(const ObjectName& name, Message missing) {
     const std::shared_ptr<const TableDef> found = table(name);
     if (found && !found->readOnly)
         return found;
-    throw tsql::nameError(
-        number, "Cannot find the object \"" + name.toText() + "\" because it does not exist or you do not have permissions.", name.line);
+    throw serverMessage(missing, {name.toText()}, name.line);
 }
 
 SqlType SessionCatalog::declaredType(const tsql::TypeName& name, bool* nullable) {

@@ -3,6 +3,7 @@
 #include "app/db/embedded/rowset.h"
 #include "app/db/embedded/store_catalog.h"
 #include "app/db/embedded/temporary_tables.h"
+#include "app/db/messages.h"
 
 #include <map>
 #include <memory>
@@ -27,7 +28,7 @@ public:
     // A table of the file or, under a negative id, a temporary one; null when there is none.
     std::shared_ptr<const tsql::TableDef> tableById(std::int64_t id);
     // The same of a table that statements may change; throws DbError Name with that number.
-    std::shared_ptr<const tsql::TableDef> requireTable(const tsql::ObjectName& name, int number);
+    std::shared_ptr<const tsql::TableDef> requireTable(const tsql::ObjectName& name, Message missing);
 
     // The type of a declared variable, parameter or column; nullable as its own type says.
     SqlType declaredType(const tsql::TypeName& name, bool* nullable = nullptr);

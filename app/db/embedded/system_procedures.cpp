@@ -14,14 +14,13 @@ namespace merchantry::db::embedded {
 namespace {
 
 DbError missing(const char* procedure, const char* parameter, int line) {
-    return tsql::typeError(
-        201, std::string("Procedure or function '") + procedure + "' expects parameter '" + parameter + "', which was not supplied.", line);
+    return serverMessage(Message::MissingParameter, {procedure, parameter}, line);
 }
 
 void requireWide(const Argument& argument, const char* parameter, int line) {
     const TypeKind kind = argument.type.kind;
     if (kind != TypeKind::NVarChar && kind != TypeKind::NChar && kind != TypeKind::NText && !argument.cell.isNull())
-        throw tsql::typeError(214, std::string("Procedure expects parameter '") + parameter + "' of type 'ntext/nchar/nvarchar'.", line);
+        throw serverMessage(Message::ParameterNotNText, {parameter}, line);
 }
 
 std::size_t placeOf(const std::vector<tsql::ParameterClause>& clauses, const Argument& argument, std::size_t place) {
@@ -63,9 +62,8 @@ void SystemProcedures::execute(const tsql::ExecuteStatement& statement) {
     const std::string name = calls_.nameOf(statement);
     const Entry* entry = find(name);
     if (!entry)
-        throw tsql::nameError(
-            2812, "Could not find stored procedure '" + (statement.procedure.empty() ? name : statement.procedure.toText()) + "'.",
-            statement.line);
+        throw serverMessage(Message::UnknownProcedure, {(statement.procedure.empty() ? name : statement.procedure.toText())},
+                            statement.line);
     if (!entry->run)
         throw tsql::unsupported(name, statement.line);
     (this->*entry->run)(statement);
@@ -101,7 +99,7 @@ void SystemProcedures::useIdentity(const tsql::ExecuteStatement& statement) {
     name.parts.push_back(arguments[0].cell.bytes);
     const std::shared_ptr<const tsql::TableDef> table = catalog_.table(name);
     if (!table || table->identityColumn() < 0)
-        throw tsql::nameError(7997, "'" + arguments[0].cell.bytes + "' does not contain an identity column.", statement.line);
+        throw serverMessage(Message::NoIdentityColumn, {arguments[0].cell.bytes}, statement.line);
     WriteScope scope(transaction_);
     identities_.beginStatement();
     identities_.note(table->id, tsql::converted(arguments[1].cell, arguments[1].type, {TypeKind::BigInt}).integer);
@@ -127,7 +125,7 @@ void SystemProcedures::executeSql(const tsql::ExecuteStatement& statement) {
     for (std::size_t i = 2; i < arguments.size(); ++i) {
         const std::size_t place = placeOf(clauses, arguments[i], i - 2);
         if (place >= clauses.size())
-            throw tsql::typeError(8144, "Procedure or function has too many arguments specified.", statement.line);
+            throw serverError(Message::TooManyArguments, "Procedure or function has too many arguments specified.", statement.line);
         given[place] = true;
         const SqlType& type = parameters[place].type;
         parameters[place].value = tsql::valueOf(tsql::converted(arguments[i].cell, arguments[i].type, type), type);
@@ -135,10 +133,8 @@ void SystemProcedures::executeSql(const tsql::ExecuteStatement& statement) {
     }
     const auto lacking = std::find(given.begin(), given.end(), false);
     if (lacking != given.end())
-        throw tsql::typeError(8178,
-                              "The parameterized query expects the parameter '" +
-                                  clauses[static_cast<std::size_t>(lacking - given.begin())].name + "', which was not supplied.",
-                              statement.line);
+        throw serverMessage(Message::ParameterNotSupplied, {clauses[static_cast<std::size_t>(lacking - given.begin())].name},
+                            statement.line);
     calls_.executeText(arguments[0].cell.bytes, parameters);
     for (std::size_t i = 0; i < slots.size(); ++i) {
         if (slots[i] >= 0)

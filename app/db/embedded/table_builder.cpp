@@ -1,6 +1,6 @@
 #include "app/db/embedded/table_builder.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/binder.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/literal.h"
@@ -123,9 +123,7 @@ void TableBuilder::addKey(const TableDef& table, const std::string& name, const 
     } catch (const DbError& error) {
         if (error.native() != 2627)
             throw;
-        throw serverError(1505, "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo." +
-                                    table.name + "' and the index name '" + name + "'.")
-            .withSeverity(16, 1);
+        throw serverMessage(Message::DuplicateForIndex, {table.name, name}).withSeverity(16, 1);
     }
 }
 

@@ -1,7 +1,7 @@
 #include "app/db/embedded/table_changer.h"
 #include "app/db/embedded/table_maker.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/define_table.h"
 #include "app/db/tsql/errors.h"
@@ -49,21 +49,19 @@ bool isNeeded(const TableDef& table, const tsql::ColumnDef& column) {
 }
 
 DbError noSuchColumn(const char* clause, const std::string& column, const TableDef& table, int line) {
-    return tsql::nameError(4924,
-                           std::string("ALTER TABLE ") + clause + " failed because column '" + column + "' does not exist in table '" +
-                               table.name + "'.",
-                           line);
+    return serverMessage(Message::UnknownColumnOfTable, {clause, column, table.name}, line);
 }
 
 DbError conflictWith(const char* what, const std::string& constraint) {
-    return serverError(547, std::string("The ALTER TABLE statement conflicted with the ") + what + " constraint \"" + constraint + "\".")
+    return serverError(Message::ConstraintConflict,
+                       std::string("The ALTER TABLE statement conflicted with the ") + what + " constraint \"" + constraint + "\".")
         .withSeverity(16, 0);
 }
 
 } // namespace
 
 void TableChanger::alter(const tsql::AlterTableStatement& statement) {
-    const std::shared_ptr<const TableDef> table = parts_.catalog.requireTable(statement.table, 4902);
+    const std::shared_ptr<const TableDef> table = parts_.catalog.requireTable(statement.table, Message::AlterUnknownTable);
     switch (statement.action) {
     case Action::Add:
         return add(statement, *table);
@@ -134,11 +132,7 @@ void TableChanger::add(const tsql::AlterTableStatement& statement, TableDef tabl
 
 void TableChanger::addColumn(const TableDef& table, const tsql::ColumnDef& column, bool hasRows, int line) {
     if (!column.nullable && !column.defaultValue && !column.identity && hasRows)
-        throw tsql::typeError(
-            4901,
-            "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition specified. Column '" +
-                column.name + "' cannot be added to non-empty table '" + table.name + "' because it does not satisfy these conditions.",
-            line);
+        throw serverMessage(Message::AddedColumnNeedsDefault, {column.name, table.name}, line);
     if (table.isTemporary() && !column.nullable)
         throw tsql::unsupported("a column that must not be null added to a temporary table", line);
     parts_.connection.run("ALTER TABLE " + table.storage + " ADD COLUMN " + tsql::quotedName(column.name) + " " +
@@ -206,21 +200,19 @@ void TableChanger::changeColumn(const tsql::AlterTableStatement& statement, Tabl
         throw tsql::unsupported("ALTER COLUMN of a temporary table", statement.line);
     tsql::ColumnDef& column = table.columns[static_cast<std::size_t>(found)];
     if (column.computed || clause.computed)
-        throw tsql::typeError(4928, "Cannot alter column '" + column.name + "' because it is computed.", statement.line);
+        throw serverMessage(Message::CannotAlterComputed, {column.name}, statement.line);
     const SqlType from = column.type;
     bool nullable = true;
     column.type = parts_.catalog.declaredType(clause.type, &nullable);
     column.nullable = clause.nullable.value_or(nullable);
     if (!column.nullable && any(table.storage + " WHERE " + tsql::quotedName(column.name) + " IS NULL"))
-        throw serverError(515, "Cannot insert the value NULL into column '" + column.name + "', table 'dbo." + table.name +
-                                   "'; column does not allow nulls. UPDATE fails.")
-            .withSeverity(16, 2);
+        throw serverMessage(Message::NullNotAllowed, {column.name, table.name, "UPDATE"}).withSeverity(16, 2);
     if (from == column.type)
         return rewrite(table);
     const bool used =
         std::any_of(table.keys.begin(), table.keys.end(), [&](const tsql::KeyDef& key) { return usesColumn(key.columns, column.name); });
     if (used && !(from.isText() && column.type.isText()))
-        throw tsql::typeError(5074, "The object is dependent on column '" + column.name + "'.", statement.line);
+        throw serverMessage(Message::ColumnDependedOn, {column.name}, statement.line);
     convertCells(table, column, from);
 }
 
@@ -256,8 +248,9 @@ void TableChanger::dropColumns(const tsql::AlterTableStatement& statement, Table
             throw noSuchColumn("DROP COLUMN", name, table, statement.line);
         const tsql::ColumnDef& column = table.columns[static_cast<std::size_t>(found)];
         if (isNeeded(table, column))
-            throw tsql::typeError(5074, "ALTER TABLE DROP COLUMN " + name + " failed because one or more objects access this column.",
-                                  statement.line);
+            throw serverError(Message::ColumnDependedOn,
+                              "ALTER TABLE DROP COLUMN " + name + " failed because one or more objects access this column.",
+                              statement.line);
         if (!column.computed)
             parts_.connection.run("ALTER TABLE " + table.storage + " DROP COLUMN " + tsql::quotedName(column.name));
         table.columns.erase(table.columns.begin() + found);
@@ -281,7 +274,7 @@ void TableChanger::dropConstraints(const tsql::AlterTableStatement& statement, T
             dropped = true;
         }
         if (!dropKey(table, name, statement.line) && !dropped)
-            throw tsql::nameError(3728, "'" + name + "' is not a constraint.", statement.line);
+            throw serverMessage(Message::NoConstraint, {name}, statement.line);
     }
     rewrite(table);
 }
@@ -295,10 +288,7 @@ bool TableChanger::dropKey(TableDef& table, const std::string& name, int line) {
         const bool refers = std::all_of(reference.refColumns.begin(), reference.refColumns.end(),
                                         [&](const std::string& one) { return usesColumn(key->columns, one); });
         if (refers && reference.refColumns.size() == key->columns.size())
-            throw tsql::typeError(3725,
-                                  "The constraint '" + name + "' is being referenced by table '" + other->name +
-                                      "', foreign key constraint '" + reference.name + "'.",
-                                  line);
+            throw serverMessage(Message::ConstraintReferenced, {name, other->name, reference.name}, line);
     }
     parts_.builder.dropKey(table, key->name);
     table.keys.erase(key);
@@ -318,8 +308,7 @@ void TableChanger::enableTriggers(const tsql::AlterTableStatement& statement, co
             found = true;
         }
         if (!found)
-            throw tsql::nameError(4920, "ALTER TABLE failed because trigger '" + name + "' on table '" + table.name + "' does not exist.",
-                                  statement.line);
+            throw serverMessage(Message::UnknownTriggerOfTable, {name, table.name}, statement.line);
     }
 }
 

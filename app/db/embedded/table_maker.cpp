@@ -41,10 +41,7 @@ bool isKey(const TableDef& table, const std::vector<std::string>& columns) {
 void referToPrimaryKey(tsql::ForeignKeyDef& key, const TableDef& other, int line) {
     const tsql::KeyDef* primary = other.primaryKey();
     if (!primary)
-        throw tsql::typeError(1773,
-                              "Foreign key '" + key.name + "' has implicit reference to object '" + key.table +
-                                  "' which does not have a primary key defined on it.",
-                              line);
+        throw serverMessage(Message::ForeignTableWithoutKey, {key.name, key.table}, line);
     for (const tsql::IndexColumn& column : primary->columns)
         key.refColumns.push_back(column.name);
 }
@@ -52,15 +49,10 @@ void referToPrimaryKey(tsql::ForeignKeyDef& key, const TableDef& other, int line
 void requireColumns(const tsql::ForeignKeyDef& key, const TableDef& other, int line) {
     for (const std::string& column : key.refColumns) {
         if (other.find(column) < 0)
-            throw tsql::nameError(
-                1770, "Foreign key '" + key.name + "' references invalid column '" + column + "' in referenced table '" + key.table + "'.",
-                line);
+            throw serverMessage(Message::ForeignColumnMissing, {key.name, column, key.table}, line);
     }
     if (!isKey(other, key.refColumns) || key.refColumns.size() != key.columns.size())
-        throw tsql::typeError(1776,
-                              "There are no primary or candidate keys in the referenced table '" + key.table +
-                                  "' that match the referencing column list in the foreign key '" + key.name + "'.",
-                              line);
+        throw serverMessage(Message::NoMatchingKey, {key.table, key.name}, line);
 }
 
 } // namespace
@@ -70,7 +62,7 @@ void resolveReferences(tsql::Catalog& catalog, TableDef& table, int line) {
         const bool own = tsql::sameName(key.table, table.name);
         const std::shared_ptr<const TableDef> other = own ? std::make_shared<const TableDef>(table) : catalog.table(plainName(key.table));
         if (!other)
-            throw tsql::nameError(1767, "Foreign key '" + key.name + "' references invalid table '" + key.table + "'.", line);
+            throw serverMessage(Message::ForeignTableMissing, {key.name, key.table}, line);
         key.table = other->name;
         if (key.refColumns.empty())
             referToPrimaryKey(key, *other, line);
@@ -94,7 +86,7 @@ void TableMaker::create(const tsql::ObjectName& name, const tsql::TableBody& bod
     const std::string& last = name.last();
     const bool temporary = last.front() == '#';
     if (temporary ? parts_.catalog.table(name) != nullptr && ownsTemporary(last) : parts_.store.find(last) != nullptr)
-        throw tsql::nameError(2714, "There is already an object named '" + last + "' in the database.", name.line);
+        throw serverMessage(Message::ObjectExists, {last}, name.line);
     make(defined(name, body, temporary ? parts_.temporaries.nextId() : parts_.store.nextId()), temporary);
 }
 
@@ -148,15 +140,13 @@ void TableMaker::drop(const tsql::ObjectName& name, bool ifExists) {
     if (!table || table->readOnly) {
         if (ifExists)
             return;
-        throw tsql::nameError(
-            3701, "Cannot drop the table '" + name.toText() + "', because it does not exist or you do not have permission.", name.line);
+        throw serverMessage(Message::CannotDrop, {"table", name.toText()}, name.line);
     }
     if (table->isTemporary())
         return dropTemporary(table);
     for (const auto& [other, key] : parts_.store.referencesTo(table->name)) {
         if (other->id != table->id)
-            throw tsql::typeError(3726, "Could not drop object '" + table->name + "' because it is referenced by a FOREIGN KEY constraint.",
-                                  name.line);
+            throw serverMessage(Message::TableReferenced, {table->name}, name.line);
     }
     parts_.connection.run("DROP TABLE " + table->storage);
     identities_.forget(table->id);

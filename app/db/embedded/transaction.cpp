@@ -1,18 +1,11 @@
 #include "app/db/embedded/transaction.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/token.h"
 
 #include <algorithm>
 
 namespace merchantry::db::embedded {
-namespace {
-
-DbError transactionError(int number, const std::string& message) {
-    return serverError(number, message).withSeverity(16, 1);
-}
-
-} // namespace
 
 Transaction::Transaction(Connection& connection, BatchState& batch, SchemaVersion& schema, Identities& identities,
                          TemporaryUndo& temporaries)
@@ -67,8 +60,7 @@ void Transaction::endBatch() {
     endRead();
     if (doomed_) {
         rollbackAll();
-        batch_.note(
-            transactionError(3998, "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back."));
+        batch_.note(serverMessage(Message::UncommittableAtEnd));
     }
     if (count_ == 0 && inWrite_)
         rollbackAll();
@@ -89,13 +81,12 @@ void Transaction::begin(const std::string& name) {
 
 void Transaction::requireSound() const {
     if (doomed_)
-        throw transactionError(3930, "The current transaction cannot be committed and cannot support operations that write to the log "
-                                     "file. Roll back the transaction.");
+        throw serverMessage(Message::Uncommittable);
 }
 
 void Transaction::commit() {
     if (count_ == 0)
-        throw transactionError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+        throw serverMessage(Message::CommitWithoutBegin);
     requireSound();
     if (count_ > 1) {
         --count_;
@@ -115,7 +106,7 @@ void Transaction::closed() {
 
 void Transaction::rollback(const std::string& name) {
     if (count_ == 0)
-        throw transactionError(3903, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+        throw serverMessage(Message::RollbackWithoutBegin);
     if (name.empty() || tsql::sameName(name, name_))
         return rollbackAll();
     rollbackTo(name);
@@ -148,7 +139,7 @@ void Transaction::rollbackAll() {
 
 void Transaction::savePoint(const std::string& name) {
     if (count_ == 0)
-        throw transactionError(628, "Cannot issue SAVE TRANSACTION when there is no active transaction.");
+        throw serverMessage(Message::SaveWithoutBegin);
     beforeWrite();
     const std::string sqlName = "ts_p" + std::to_string(++savedPointNumber_);
     connection_.run("SAVEPOINT " + sqlName);
@@ -157,13 +148,11 @@ void Transaction::savePoint(const std::string& name) {
 
 void Transaction::rollbackTo(const std::string& name) {
     if (doomed_)
-        throw transactionError(
-            3931,
-            "The current transaction cannot be committed and cannot be rolled back to a savepoint. Roll back the entire transaction.");
+        throw serverMessage(Message::UncommittableSavePoint);
     const auto found =
         std::find_if(savedPoints_.rbegin(), savedPoints_.rend(), [&](const SavedPoint& point) { return tsql::sameName(point.name, name); });
     if (found == savedPoints_.rend())
-        throw transactionError(6401, "Cannot roll back " + name + ". No transaction or savepoint of that name was found.");
+        throw serverMessage(Message::UnknownSavePoint, {name});
     const TemporaryUndo::Rows rows = temporaries_.rowsOfVariables();
     connection_.run("ROLLBACK TO " + found->sqlName);
     savedPoints_.erase(found.base(), savedPoints_.end());

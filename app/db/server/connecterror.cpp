@@ -1,4 +1,4 @@
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/server/link.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "app/db/server/serversession.h"
 
 #include "app/db/eachrow.h"
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/server/batchtext.h"
 #include "app/db/server/link.h"
 #include "app/db/server/scratchstore.h"

@@ -21,7 +21,7 @@ bool isOneOf(std::string_view name, const auto& names) {
 }
 
 DbError wrongCount(const Expr& expr, int wanted) {
-    return syntaxError(174, "The " + expr.name.last() + " function requires " + std::to_string(wanted) + " argument(s).", expr.line);
+    return serverMessage(Message::ArgumentCount, {expr.name.last(), std::to_string(wanted)}, expr.line);
 }
 
 bool isNumber(const SqlType& type) {
@@ -35,11 +35,11 @@ std::string lowerName(const std::string& name) {
 }
 
 DbError insideAnother(int line) {
-    return syntaxError(130, "Cannot perform an aggregate function on an expression containing an aggregate or a subquery.", line);
+    return serverMessage(Message::AggregateOfAggregate, {}, line);
 }
 
 DbError invalidOperand(const std::string& name, const SqlType& type, int line) {
-    return typeError(8117, "Operand data type " + kindNameOf(type) + " is invalid for " + lowerName(name) + " operator.", line);
+    return serverMessage(Message::OperandType, {kindNameOf(type), lowerName(name)}, line);
 }
 
 Typed over(std::string function, Typed value, bool distinct, const SqlType& type) {
@@ -112,7 +112,7 @@ Typed ranking(Binding& binding, const Expr& expr) {
     if (!arguments.empty() && !sameName(name, "NTILE"))
         type = arguments[0].type;
     if (expr.window->order.empty())
-        throw syntaxError(4112, "The function '" + name + "' must have an OVER clause with ORDER BY.", expr.line);
+        throw serverMessage(Message::OverWithoutOrder, {name}, expr.line);
     return called(name, std::move(arguments), type);
 }
 
@@ -166,11 +166,7 @@ Typed bindAggregate(Binding& binding, const Expr& expr) {
     if (sameName(name, "STRING_AGG") || sameName(name, "CHECKSUM_AGG"))
         throw unsupported(name, expr.line);
     if (!scope || !scope->clause->aggregates)
-        throw syntaxError(
-            147,
-            "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING clause or a select "
-            "list, and the column being aggregated is an outer reference.",
-            expr.line);
+        throw serverMessage(Message::AggregateInWhere, {}, expr.line);
     if (scope->insideAggregate > 0)
         throw insideAnother(expr.line);
     if (sameName(name, "GROUPING"))
@@ -188,9 +184,9 @@ Typed bindAggregate(Binding& binding, const Expr& expr) {
 Typed bindWindowed(Binding& binding, const Expr& expr) {
     const std::string& name = expr.name.last();
     if (!binding.scope || !binding.scope->clause->windows)
-        throw syntaxError(4108, "Windowed functions can only appear in the SELECT or ORDER BY clauses.", expr.line);
+        throw serverMessage(Message::WindowOutsideSelect, {}, expr.line);
     if (!expr.window)
-        throw syntaxError(10753, "The function '" + name + "' must have an OVER clause.", expr.line);
+        throw serverMessage(Message::OverMissing, {name}, expr.line);
     form::Windowed window;
     window.call = isAggregate(name) ? overWindow(binding, expr) : ranking(binding, expr);
     for (const ExprPtr& part : expr.window->partition)

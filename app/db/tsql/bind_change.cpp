@@ -29,7 +29,7 @@ const Source* sourceCalled(const Scope& scope, const ObjectName& name) {
         if (!isCalled(source, name))
             continue;
         if (found)
-            throw nameError(8154, "The table '" + name.last() + "' is ambiguous.", name.line);
+            throw serverMessage(Message::AmbiguousTable, {name.last()}, name.line);
         found = &source;
     }
     return found;
@@ -40,11 +40,8 @@ void requireBases(const Binding& binding, const Source& source, const ObjectName
         return;
     const std::shared_ptr<const TableDef> table = binding.findTable(name);
     if (table && table->readOnly)
-        throw typeError(286, "The logical tables INSERTED and DELETED and the catalogue cannot be updated.", name.line);
-    throw typeError(4403,
-                    "Cannot update the view or function '" + name.last() +
-                        "' because it contains aggregates, or a DISTINCT or GROUP BY clause, or PIVOT or UNPIVOT operator.",
-                    name.line);
+        throw serverMessage(Message::LogicalTableNotModifiable, {}, name.line);
+    throw serverMessage(Message::ViewNotUpdatable, {name.last()}, name.line);
 }
 
 // inserted or deleted as a source of OUTPUT.

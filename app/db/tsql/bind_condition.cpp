@@ -133,7 +133,8 @@ Typed bindCondition(Binding& binding, const Expr& expr) {
     case ExprKind::Function:
         return bindValue(binding, expr);
     default:
-        throw syntaxError(4145, "An expression of non-boolean type specified in a context where a condition is expected.", expr.line);
+        throw serverError(Message::NoCondition, "An expression of non-boolean type specified in a context where a condition is expected.",
+                          expr.line);
     }
 }
 

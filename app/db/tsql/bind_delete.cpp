@@ -32,10 +32,7 @@ ChangePlan bindDelete(Binding& binding, const DeleteStatement& statement) {
         return plan;
     }
     if (source.viewId != 0 && source.bases.size() > 1)
-        throw typeError(4405,
-                        "View or function '" + statement.table.last() +
-                            "' is not updatable because the modification affects multiple base tables.",
-                        statement.line);
+        throw serverMessage(Message::ViewOfSeveralTables, {statement.table.last()}, statement.line);
     const bool inPlace = statement.from.empty() && !rows.limit && source.viewId == 0 && source.isTable;
     plan.sql = render(BoundDelete{base.table, base.rowId, std::move(rows), source.alias, inPlace});
     if (statement.output)

@@ -23,12 +23,10 @@ Typed columnAt(Binding& binding, const ColumnPlace& place, int line) {
         std::any_of(scope.groups.begin(), scope.groups.end(), [&](const Group& group) { return group.origin.place == place; });
     if (!scope.grouped || scope.insideAggregate > 0 || isGroup)
         return std::move(column.value);
-    const int number = scope.clause == &kHavingClause ? 8121 : scope.clause == &kOrderByClause ? 8127 : 8120;
-    throw nameError(number,
-                    "Column '" + scope.sources[place.source].exposed + "." + column.name + "' is invalid in the " +
-                        (number == 8120 ? "select list" : std::string(scope.clause->name) + " clause") +
-                        " because it is not contained in either an aggregate function or the GROUP BY clause.",
-                    line);
+    throw serverMessage(scope.clause == &kHavingClause    ? Message::NotGroupedHaving
+                        : scope.clause == &kOrderByClause ? Message::NotGroupedOrderBy
+                                                          : Message::NotGroupedSelect,
+                        {scope.sources[place.source].exposed + "." + column.name}, line);
 }
 
 Typed columnOf(Binding& binding, const Expr& expr) {
@@ -37,8 +35,8 @@ Typed columnOf(Binding& binding, const Expr& expr) {
     if (const std::optional<ColumnPlace> place = findColumn(binding.scope, name, expr.line, &qualifierKnown))
         return columnAt(binding, *place, expr.line);
     if (!qualifierKnown)
-        throw nameError(4104, "The multi-part identifier \"" + name.toText() + "\" could not be bound.", expr.line);
-    throw nameError(207, "Invalid column name '" + name.last() + "'.", expr.line);
+        throw serverMessage(Message::UnboundIdentifier, {name.toText()}, expr.line);
+    throw serverMessage(Message::InvalidColumn, {name.last()}, expr.line);
 }
 
 Typed variable(const Binding& binding, const Expr& expr) {
@@ -78,14 +76,14 @@ Typed systemVariable(const Binding& binding, const Expr& expr) {
         if (sameName(entry.name, expr.text))
             return binding.system(entry.value, entry.type);
     }
-    throw nameError(137, "Must declare the scalar variable \"" + expr.text + "\".", expr.line).withSeverity(15, 2);
+    throw serverMessage(Message::UndeclaredVariable, {expr.text}, expr.line).withSeverity(15, 2);
 }
 
 // ---- operators
 
 Typed inverted(Typed value, int line) {
     if (!value.type.isWhole())
-        throw typeError(8117, "Operand data type " + kindNameOf(value.type) + " is invalid for '~' operator.", line);
+        throw serverMessage(Message::OperandType, {kindNameOf(value.type), "'~'"}, line);
     const SqlType type = value.type;
     if (type.kind == TypeKind::Bit)
         return infix("-", wholeNumber(1), std::move(value), type);
@@ -107,7 +105,7 @@ Typed minus(Typed value, int line) {
     if (value.type.kind == TypeKind::Null)
         return value;
     if (value.type.isText() || value.type.isBinary() || value.type.isDate() || value.type.kind == TypeKind::UniqueIdentifier)
-        throw typeError(8117, "Operand data type " + kindNameOf(value.type) + " is invalid for minus operator.", line);
+        throw serverMessage(Message::OperandType, {kindNameOf(value.type), "minus"}, line);
     SqlType type = value.type;
     if (value.literal() && !value.isNull())
         return literalOf(opposite(*value.literal(), type), type);
@@ -155,9 +153,7 @@ Typed caseOf(Binding& binding, const Expr& expr) {
     if (result.otherwise)
         type = commonType(type, result.otherwise->type, expr.line);
     if (type.kind == TypeKind::Null)
-        throw typeError(8133,
-                        "At least one of the result expressions in a CASE expression must be an expression other than the NULL constant.",
-                        expr.line);
+        throw serverMessage(Message::CaseOfNulls, {}, expr.line);
     Collation collation = Collation::None;
     for (auto& [when, then] : result.whens) {
         collation = collation == Collation::None ? then.collation : collation;
@@ -201,13 +197,13 @@ Collation collationNamed(const Expr& expr) {
         throw unsupported("a collation without accents", expr.line);
     if (contains("_CI") || sameName(expr.text, "database_default"))
         return Collation::Usual;
-    throw nameError(448, "Invalid collation '" + expr.text + "'.", expr.line);
+    throw serverMessage(Message::InvalidCollation, {expr.text}, expr.line);
 }
 
 Typed collate(Binding& binding, const Expr& expr) {
     Typed value = bindValue(binding, *expr.args[0]);
     if (!value.type.isText())
-        throw typeError(447, "Expression type " + kindNameOf(value.type) + " is invalid for COLLATE clause.", expr.line);
+        throw serverMessage(Message::CollateOfType, {kindNameOf(value.type)}, expr.line);
     value.collation = collationNamed(expr);
     return value;
 }
@@ -284,9 +280,9 @@ Typed bindUngrouped(Binding& binding, const Expr& expr) {
     case ExprKind::Function:
         return bindFunction(binding, expr);
     case ExprKind::Default:
-        throw syntaxError(156, "Incorrect syntax near the keyword 'DEFAULT'.", expr.line);
+        throw serverMessage(Message::IncorrectKeyword, {"DEFAULT"}, expr.line);
     default:
-        throw syntaxError(102, "Incorrect syntax near a condition.", expr.line);
+        throw serverError(Message::IncorrectSyntax, "Incorrect syntax near a condition.", expr.line);
     }
 }
 

@@ -42,7 +42,7 @@ BoundColumn shown(BoundColumn column, const std::string& alias, std::size_t inde
 }
 
 DbError namelessColumn(std::size_t index, const std::string& of, int line) {
-    return syntaxError(8155, "No column name was specified for column " + std::to_string(index + 1) + " of '" + of + "'.", line);
+    return serverMessage(Message::ColumnNameless, {std::to_string(index + 1), of}, line);
 }
 
 // Binds the sources of one FROM clause.
@@ -78,10 +78,10 @@ public:
             return {from::Table{found->storage, alias}};
         }
         if (ref.kind == TableRef::Kind::Variable)
-            throw nameError(1087, "Must declare the table variable \"" + ref.name.last() + "\".", ref.line).withSeverity(15, 2);
+            throw serverMessage(Message::UndeclaredTableVariable, {ref.name.last()}, ref.line).withSeverity(15, 2);
         if (const std::shared_ptr<const ViewDef> found = binding_.context.catalog.view(ref.name))
             return {view(ref, *found)};
-        throw nameError(208, "Invalid object name '" + ref.name.toText() + "'.", ref.line);
+        throw serverMessage(Message::InvalidObject, {ref.name.toText()}, ref.line);
     }
 
     from::Subquery view(const TableRef& ref, const ViewDef& view) {
@@ -116,18 +116,14 @@ private:
         if (!ref.columnAliases.empty()) {
             complete(binding_, source);
             if (ref.columnAliases.size() != source.columns.size())
-                throw syntaxError(8158, "'" + source.exposed + "' has more or fewer columns than were specified in the column list.",
-                                  ref.line);
+                throw serverError(Message::TooManyColumns,
+                                  "'" + source.exposed + "' has more or fewer columns than were specified in the column list.", ref.line);
             for (std::size_t i = 0; i < source.columns.size(); ++i)
                 source.columns[i].name = ref.columnAliases[i];
         }
         for (const Source& other : scope_.sources) {
             if (sameName(other.exposed, source.exposed))
-                throw nameError(1013,
-                                "The objects \"" + other.exposed + "\" and \"" + source.exposed +
-                                    "\" in the FROM clause have the same exposed names. "
-                                    "Use correlation names to distinguish them.",
-                                ref.line);
+                throw serverMessage(Message::SameExposedNames, {other.exposed, source.exposed}, ref.line);
         }
         scope_.sources.push_back(std::move(source));
     }
@@ -169,15 +165,14 @@ private:
                 throw namelessColumn(i, exposed, line);
             for (const BoundColumn& other : source.columns) {
                 if (sameName(other.name, column.name))
-                    throw syntaxError(8156, "The column '" + column.name + "' was specified multiple times for '" + exposed + "'.", line);
+                    throw serverMessage(Message::DerivedColumnTwice, {column.name, exposed}, line);
             }
             if (bound.grouped || bound.distinct)
                 column.value.table.reset();
             source.columns.push_back(std::move(column));
         }
         if (!names.empty() && names.size() != bound.columns.size())
-            throw syntaxError(names.size() < bound.columns.size() ? 8158 : 8159,
-                              "'" + exposed + "' has another number of columns than were specified in the column list.", line);
+            throw serverMessage(names.size() < bound.columns.size() ? Message::TooManyColumns : Message::TooFewColumns, {exposed}, line);
         return source;
     }
 
@@ -232,10 +227,7 @@ private:
     static std::vector<SqlType> stepTypes(const CommonTable& table, const Recursion& recursion, const BoundQuery& anchor,
                                           const BoundQuery& step) {
         if (step.columns.size() != recursion.columns.size())
-            throw syntaxError(205,
-                              "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of expressions "
-                              "in their target lists.",
-                              table.line);
+            throw serverMessage(Message::UnequalColumns, {}, table.line);
         if (step.op != SetOperator::None || anchor.op != SetOperator::None)
             throw unsupported("a recursive common table expression of more than two parts", table.line);
         std::vector<SqlType> types;
@@ -243,10 +235,7 @@ private:
             const SqlType& type = recursion.columns[i].value.type;
             const Typed& given = step.columns[i].value;
             if (!(given.type == type) && given.type.kind != TypeKind::Null && !given.literal())
-                throw typeError(240,
-                                "Types don't match between the anchor and the recursive part in column \"" + recursion.columns[i].name +
-                                    "\" of recursive query \"" + table.name + "\".",
-                                table.line);
+                throw serverMessage(Message::RecursionTypes, {recursion.columns[i].name, table.name}, table.line);
             types.push_back(type);
         }
         return types;
@@ -285,7 +274,7 @@ private:
                 types[i] = commonType(types[i], result.rows.back()[i].type, row[i]->line);
             }
             if (row.size() != types.size() || ref.columnAliases.size() != types.size())
-                throw syntaxError(8158, "'" + ref.alias + "' has more columns than were specified in the column list.", ref.line);
+                throw serverMessage(Message::TooManyColumns, {ref.alias}, ref.line);
         }
         for (std::vector<Typed>& row : result.rows) {
             for (std::size_t i = 0; i < row.size(); ++i)
@@ -308,10 +297,10 @@ private:
     from::Subquery tableFunction(const TableRef& ref) {
         const std::shared_ptr<const FunctionDef> function = binding_.context.catalog.function(ref.name);
         if (!function || !function->statement->table)
-            throw nameError(208, "Invalid object name '" + ref.name.toText() + "'.", ref.line);
+            throw serverMessage(Message::InvalidObject, {ref.name.toText()}, ref.line);
         if (ref.args.size() != function->parameters.size())
-            throw syntaxError(ref.args.size() < function->parameters.size() ? 313 : 8144,
-                              "Procedure or function " + function->name + " has another number of arguments.", ref.line);
+            throw serverMessage(ref.args.size() < function->parameters.size() ? Message::TooFewArguments : Message::TooManyArguments,
+                                {function->name}, ref.line);
         std::vector<std::pair<std::string, Typed>> arguments;
         for (std::size_t i = 0; i < ref.args.size(); ++i) {
             const FunctionDef::Parameter& parameter = function->parameters[i];
@@ -330,10 +319,7 @@ private:
 Typed computedValue(Binding& binding, const Source& source, std::size_t column) {
     const ColumnDef& definition = source.table->columns[column];
     if (binding.inComputed)
-        throw typeError(1759,
-                        "Computed column '" + definition.name + "' in table '" + source.table->name +
-                            "' is not allowed to be used in another computed-column definition.",
-                        definition.computed->line);
+        throw serverMessage(Message::ComputedOfComputed, {definition.name, source.table->name}, definition.computed->line);
     const Restore inside(binding.inComputed, true);
     Scope own;
     own.sources.push_back(source);

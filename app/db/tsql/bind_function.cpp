@@ -124,7 +124,7 @@ const std::vector<SystemFunction>& systemFunctions() {
 }
 
 DbError wrongCount(const Expr& expr, int wanted) {
-    return syntaxError(174, "The " + expr.name.last() + " function requires " + std::to_string(wanted) + " argument(s).", expr.line);
+    return serverMessage(Message::ArgumentCount, {expr.name.last(), std::to_string(wanted)}, expr.line);
 }
 
 bool isNumber(const SqlType& type) {
@@ -212,9 +212,7 @@ private:
         if (value.type.isText())
             return convertTo(std::move(value), simpleType(TypeKind::Float));
         if (!isNumber(value.type))
-            throw typeError(
-                8116, "Argument data type " + kindNameOf(value.type) + " is invalid for argument 1 of " + expr_.name.last() + " function.",
-                expr_.line);
+            throw serverMessage(Message::ArgumentType, {kindNameOf(value.type), expr_.name.last()}, expr_.line);
         if (value.type.kind == TypeKind::Bit || value.type.kind == TypeKind::TinyInt || value.type.kind == TypeKind::SmallInt)
             return convertTo(std::move(value), simpleType(TypeKind::Int));
         return value;
@@ -307,8 +305,7 @@ private:
             values.push_back(argument(i));
         const SqlType type = commonOf(values);
         if (type.kind == TypeKind::Null)
-            throw typeError(4127, "At least one of the arguments to COALESCE must be an expression that is not the NULL constant.",
-                            expr_.line);
+            throw serverMessage(Message::CoalesceOfNulls, {}, expr_.line);
         for (Typed& value : values)
             value = inType(std::move(value), type);
         return called("coalesce", std::move(values), type);
@@ -431,8 +428,7 @@ private:
         const bool named = part.kind == ExprKind::Column && part.name.parts.size() == 1;
         const int number = named ? datePartOf(part.name.last()) : -1;
         if (number < 0)
-            throw syntaxError(155, "'" + (named ? part.name.last() : part.text) + "' is not a recognized " + expr_.name.last() + " option.",
-                              expr_.line);
+            throw serverMessage(Message::UnknownOption, {(named ? part.name.last() : part.text), expr_.name.last()}, expr_.line);
         return static_cast<DatePart>(number);
     }
     static Typed partNumber(DatePart part) { return wholeNumber(static_cast<int>(part)); }
@@ -491,11 +487,11 @@ private:
         requireCount(1, 1);
         const TableDef* table = binding_.context.triggerTable;
         if (!table || expr_.args[0]->kind != ExprKind::Column)
-            throw syntaxError(140, "Can only use IF UPDATE within a CREATE TRIGGER statement.", expr_.line);
+            throw serverMessage(Message::UpdateOutsideTrigger, {}, expr_.line);
         const std::string& name = expr_.args[0]->name.last();
         const int column = table->find(name);
         if (column < 0)
-            throw nameError(207, "Invalid column name '" + name + "'.", expr_.line);
+            throw serverMessage(Message::InvalidColumn, {name}, expr_.line);
         return called("ts_updated", {wholeNumber(column)}, simpleType(TypeKind::Bit));
     }
 
@@ -504,19 +500,16 @@ private:
 };
 
 DbError tooFew(const FunctionDef& function, int line) {
-    return syntaxError(313, "An insufficient number of arguments were supplied for the procedure or function " + function.name + ".", line);
+    return serverMessage(Message::TooFewArguments, {function.name}, line);
 }
 
 // A function of the store.
 Typed ownFunction(Binding& binding, const Expr& expr) {
     const std::shared_ptr<const FunctionDef> found = binding.context.catalog.function(expr.name);
     if (!found || found->statement->table)
-        throw nameError(4121,
-                        "Cannot find either column \"" + expr.name.parts[0] + "\" or the user-defined function or aggregate \"" +
-                            expr.name.toText() + "\", or the name is ambiguous.",
-                        expr.line);
+        throw serverMessage(Message::UnknownUserFunction, {expr.name.parts[0], expr.name.toText()}, expr.line);
     if (expr.args.size() > found->parameters.size())
-        throw syntaxError(8144, "Procedure or function " + found->name + " has too many arguments specified.", expr.line);
+        throw serverMessage(Message::TooManyArguments, {found->name}, expr.line);
     if (expr.args.size() < found->parameters.size())
         throw tooFew(*found, expr.line);
     std::vector<Typed> arguments = {wholeNumber(found->id)};
@@ -562,7 +555,7 @@ Typed bindFunction(Binding& binding, const Expr& expr) {
         return *found;
     if (std::optional<Typed> found = binder.plain())
         return *found;
-    throw nameError(195, "'" + name + "' is not a recognized built-in function name.", expr.line).withSeverity(15, 10);
+    throw serverMessage(Message::UnknownFunction, {name}, expr.line).withSeverity(15, 10);
 }
 
 } // namespace merchantry::db::tsql

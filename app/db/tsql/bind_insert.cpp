@@ -25,7 +25,7 @@ Target targetOf(Binding& binding, const ObjectName& name) {
     Target target;
     if (std::shared_ptr<const TableDef> table = binding.findTable(name)) {
         if (table->readOnly)
-            throw typeError(286, "The logical tables INSERTED and DELETED and the catalogue cannot be updated.", name.line);
+            throw serverMessage(Message::LogicalTableNotModifiable, {}, name.line);
         target.table = std::move(table);
         for (std::size_t i = 0; i < target.table->columns.size(); ++i) {
             target.columns.push_back(static_cast<int>(i));
@@ -34,19 +34,17 @@ Target targetOf(Binding& binding, const ObjectName& name) {
         return target;
     }
     if (name.last().front() == '@')
-        throw nameError(1087, "Must declare the table variable \"" + name.last() + "\".", name.line).withSeverity(15, 2);
+        throw serverMessage(Message::UndeclaredTableVariable, {name.last()}, name.line).withSeverity(15, 2);
     const std::shared_ptr<const ViewDef> view = binding.context.catalog.view(name);
     if (!view)
-        throw nameError(208, "Invalid object name '" + name.toText() + "'.", name.line);
+        throw serverMessage(Message::InvalidObject, {name.toText()}, name.line);
     Scope scope;
     TableRef ref;
     ref.name = name;
     bindView(binding, ref, *view, scope);
     const Source& source = scope.sources[0];
     if (source.grouped || source.bases.empty())
-        throw typeError(4406,
-                        "Update or insert of view or function '" + view->name + "' failed because it contains a derived or constant field.",
-                        name.line);
+        throw serverMessage(Message::DerivedField, {view->name}, name.line);
     for (const BoundColumn& column : source.columns) {
         if (column.value.table && !target.table)
             target.table = column.value.table;
@@ -55,9 +53,7 @@ Target targetOf(Binding& binding, const ObjectName& name) {
         target.names.push_back(column.name);
     }
     if (source.bases.size() > 1)
-        throw typeError(4405,
-                        "View or function '" + view->name + "' is not updatable because the modification affects multiple base tables.",
-                        name.line);
+        throw serverMessage(Message::ViewOfSeveralTables, {view->name}, name.line);
     return target;
 }
 
@@ -89,8 +85,7 @@ std::vector<int> columnsOf(const InsertStatement& statement, const Target& targe
     if (!statement.hasColumns) {
         for (const int column : target.columns) {
             if (column < 0)
-                throw typeError(4406, "Update or insert of view or function failed because it contains a derived or constant field.",
-                                statement.line);
+                throw serverMessage(Message::DerivedField, {statement.table.last()}, statement.line);
             const ColumnDef& definition = target.table->columns[static_cast<std::size_t>(column)];
             if (!definition.identity && !definition.computed)
                 columns.push_back(column);
@@ -104,19 +99,13 @@ std::vector<int> columnsOf(const InsertStatement& statement, const Target& targe
                 found = target.columns[i] < 0 ? -2 : target.columns[i];
         }
         if (found == -2)
-            throw typeError(4406, "Update or insert of view or function failed because it contains a derived or constant field.",
-                            statement.line);
+            throw serverMessage(Message::DerivedField, {statement.table.last()}, statement.line);
         if (found < 0)
-            throw nameError(207, "Invalid column name '" + name + "'.", statement.line);
+            throw serverMessage(Message::InvalidColumn, {name}, statement.line);
         if (target.table->columns[static_cast<std::size_t>(found)].computed)
-            throw typeError(271,
-                            "The column \"" + name +
-                                "\" cannot be modified because it is either a computed column or is the result of a UNION operator.",
-                            statement.line);
+            throw serverMessage(Message::ComputedNotModifiable, {name}, statement.line);
         if (std::find(columns.begin(), columns.end(), found) != columns.end())
-            throw syntaxError(264,
-                              "The column name '" + name + "' is specified more than once in the SET clause or column list of an INSERT.",
-                              statement.line);
+            throw serverMessage(Message::ColumnGivenTwice, {name}, statement.line);
         columns.push_back(found);
     }
     return columns;
@@ -129,20 +118,11 @@ void checkIdentity(const Binding& binding, const TableDef& table, const std::vec
     const bool given = std::find(columns.begin(), columns.end(), identity) != columns.end();
     const bool allowed = binding.context.catalog.identityInsert(table);
     if (named && given && !allowed)
-        throw typeError(
-            544, "Cannot insert explicit value for identity column in table '" + table.name + "' when IDENTITY_INSERT is set to OFF.",
-            line);
+        throw serverMessage(Message::IdentityGiven, {table.name}, line);
     if (allowed && !named)
-        throw typeError(8101,
-                        "An explicit value for the identity column in table '" + table.name +
-                            "' can only be specified when a column list is used and IDENTITY_INSERT is ON.",
-                        line);
+        throw serverMessage(Message::IdentityNeedsColumns, {table.name}, line);
     if (allowed && !given)
-        throw typeError(545,
-                        "Explicit value must be specified for identity column in table '" + table.name +
-                            "' either when IDENTITY_INSERT is set to ON or when a replication user is inserting into a NOT FOR REPLICATION "
-                            "identity column.",
-                        line);
+        throw serverMessage(Message::IdentityNotGiven, {table.name}, line);
 }
 
 void checkWidth(const Binding& binding, const InsertStatement& statement, std::size_t wanted, std::size_t given, bool values) {
@@ -151,24 +131,12 @@ void checkWidth(const Binding& binding, const InsertStatement& statement, std::s
     if (!statement.hasColumns) {
         const std::shared_ptr<const TableDef> table = binding.context.catalog.table(statement.table);
         if (table && table->identityColumn() >= 0 && given == wanted + 1)
-            throw typeError(8101,
-                            "An explicit value for the identity column in table '" + table->name +
-                                "' can only be specified when a column list is used and IDENTITY_INSERT is ON.",
-                            statement.line);
-        throw syntaxError(213, "Column name or number of supplied values does not match table definition.", statement.line)
-            .withSeverity(16, 1);
+            throw serverMessage(Message::IdentityNeedsColumns, {table->name}, statement.line);
+        throw serverMessage(Message::ColumnsDoNotMatch, {}, statement.line).withSeverity(16, 1);
     }
     if (values)
-        throw syntaxError(given < wanted ? 109 : 110,
-                          std::string("There are ") + (given < wanted ? "more" : "fewer") +
-                              " columns in the INSERT statement than values specified in the VALUES clause. The number of values in the "
-                              "VALUES clause must match "
-                              "the number of columns specified in the INSERT statement.",
-                          statement.line);
-    throw syntaxError(given < wanted ? 120 : 121,
-                      std::string("The select list for the INSERT statement contains ") + (given < wanted ? "fewer" : "more") +
-                          " items than the insert list. The number of SELECT values must match the number of INSERT columns.",
-                      statement.line);
+        throw serverMessage(given < wanted ? Message::TooFewValues : Message::TooManyValues, {}, statement.line);
+    throw serverMessage(given < wanted ? Message::TooFewSelected : Message::TooManySelected, {}, statement.line);
 }
 
 // Binds the rows of one INSERT.
@@ -318,8 +286,7 @@ ChangePlan bindInsertRow(Binding& binding, const InsertStatement& statement, con
     const Target target = targetOf(binding, statement.table);
     const std::vector<int> columns = columnsOf(statement, target);
     if (columns.size() != types.size())
-        throw syntaxError(213, "Column name or number of supplied values does not match table definition.", statement.line)
-            .withSeverity(16, 7);
+        throw serverMessage(Message::ColumnsDoNotMatch, {}, statement.line).withSeverity(16, 7);
     checkIdentity(binding, *target.table, columns, statement.hasColumns, statement.line);
     std::vector<Typed> cells;
     for (std::size_t i = 0; i < types.size(); ++i)

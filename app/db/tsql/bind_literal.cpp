@@ -22,16 +22,14 @@ Typed numberLiteral(const Expr& expr) {
     const std::string places = point == std::string::npos ? "" : expr.text.substr(point + 1);
     const int precision = static_cast<int>(whole == "0" && !places.empty() ? places.size() : whole.size() + places.size());
     if (precision > 38)
-        throw syntaxError(1007, "The number '" + expr.text + "' is out of the range for numeric representation (maximum precision 38).",
-                          expr.line);
+        throw serverMessage(Message::NumberTooLong, {expr.text}, expr.line);
     const std::optional<Decimal> number = Decimal::fromText(expr.text.front() == '.'  ? "0" + expr.text
                                                             : expr.text.back() == '.' ? expr.text + "0"
                                                                                       : expr.text);
     const SqlType type = decimalType(std::max(precision, 1), static_cast<int>(places.size()));
     const std::optional<Decimal> scaled = number ? number->rescaled(type.scale) : std::nullopt;
     if (!scaled)
-        throw syntaxError(1007, "The number '" + expr.text + "' is out of the range for numeric representation (maximum precision 38).",
-                          expr.line);
+        throw serverMessage(Message::NumberTooLong, {expr.text}, expr.line);
     return literalOf(decimalCell(scaled->digits, type.precision), type);
 }
 

@@ -41,12 +41,9 @@ std::shared_ptr<const TableDef> tableToMake(const BoundQuery& bound, const std::
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const Column& column = columns[i];
         if (column.name.empty())
-            throw syntaxError(1038, "An object or column name is missing or empty.", line);
+            throw serverMessage(Message::NameMissing, {}, line);
         if (table->find(column.name) >= 0)
-            throw nameError(2705,
-                            "Column names in each table must be unique. Column name '" + column.name + "' in table '" + name +
-                                "' is specified more than once.",
-                            line);
+            throw serverMessage(Message::ColumnTwice, {column.name, name}, line);
         ColumnDef definition;
         definition.name = column.name;
         definition.type = column.type;
@@ -69,11 +66,7 @@ void checkGrouped(const std::vector<BoundColumn>& columns, std::size_t first, co
         const bool isGroup = std::any_of(scope.groups.begin(), scope.groups.end(),
                                          [&](const Group& group) { return isSame(&scope, group.origin, columns[i].origin); });
         if (!isGroup)
-            throw nameError(8120,
-                            "Column '" + columns[i].name +
-                                "' is invalid in the select list because it is not contained in either an "
-                                "aggregate function or the GROUP BY clause.",
-                            line);
+            throw serverMessage(Message::NotGroupedSelect, {columns[i].name}, line);
     }
 }
 
@@ -82,9 +75,7 @@ int outputNamed(const Expr& expr, const BoundQuery& result) {
     if (expr.kind == ExprKind::Integer) {
         const long place = std::stol(expr.text.substr(0, 9));
         if (place < 1 || static_cast<std::size_t>(place) > result.columns.size())
-            throw syntaxError(108,
-                              "The ORDER BY position number " + expr.text + " is out of range of the number of items in the select list.",
-                              expr.line);
+            throw serverMessage(Message::OrderByPosition, {expr.text}, expr.line);
         return static_cast<int>(place) - 1;
     }
     if (expr.kind != ExprKind::Column || expr.name.parts.size() != 1)
@@ -101,9 +92,7 @@ void noteAssigned(const Binding& binding, const SelectCore& core, QueryPlan& pla
         return;
     for (const SelectItem& item : core.items) {
         if (!isAssigned(item))
-            throw syntaxError(141,
-                              "A SELECT statement that assigns a value to a variable must not be combined with data-retrieval operations.",
-                              item.line);
+            throw serverMessage(Message::AssignmentBesideColumns, {}, item.line);
         plan.assignTo.push_back(binding.variableSlot(item.variable, item.line));
         plan.assignOps.push_back(item.op);
     }
@@ -151,21 +140,19 @@ OrderKey orderKey(Binding& binding, const Expr& expr, const Scope* scope, const 
     key.output = outputNamed(expr, result);
     if (key.output < 0) {
         if (!scope && expr.kind == ExprKind::Column)
-            throw nameError(207, "Invalid column name '" + expr.name.last() + "'.", expr.line);
+            throw serverMessage(Message::InvalidColumn, {expr.name.last()}, expr.line);
         if (!scope)
-            throw syntaxError(
-                104, "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT operator.",
-                expr.line);
+            throw serverMessage(Message::OrderByNotSelected, {}, expr.line);
         key.value = bindValue(binding, expr);
         if (key.value.literal())
-            throw syntaxError(408, "A constant expression was encountered in the ORDER BY list, position 1.", expr.line);
+            throw serverMessage(Message::OrderByConstant, {}, expr.line);
         key.origin = originOf(scope, expr);
         const auto same = std::find_if(result.columns.begin(), result.columns.end(),
                                        [&](const BoundColumn& column) { return isSame(scope, column.origin, key.origin); });
         if (same != result.columns.end())
             key.output = static_cast<int>(same - result.columns.begin());
         else if (result.distinct)
-            throw syntaxError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", expr.line);
+            throw serverMessage(Message::OrderByNotDistinct, {}, expr.line);
     }
     if (key.output < 0)
         return key;
@@ -186,9 +173,7 @@ std::vector<form::Ordered> orderBy(Binding& binding, const std::vector<OrderItem
             return (key.output >= 0 && key.output == other.output) || isSame(scope, key.origin, other.origin);
         });
         if (again)
-            throw syntaxError(
-                169, "A column has been specified more than once in the order by list. Columns in the order by list must be unique.",
-                item.expr->line);
+            throw serverMessage(Message::OrderByTwice, {}, item.expr->line);
         order.push_back({collated(key.value), item.descending});
         keys.push_back(std::move(key));
     }
@@ -235,11 +220,10 @@ void SelectBinder::groups() {
     std::vector<Group> groups;
     for (const ExprPtr& expr : core_.groupBy) {
         if (containsAggregate(*expr))
-            throw syntaxError(
-                144, "Cannot use an aggregate or a subquery in an expression used for the group by list of a GROUP BY clause.", expr->line);
+            throw serverMessage(Message::AggregateInGroupBy, {}, expr->line);
         Typed value = bindValue(binding_, *expr);
         if (value.literal())
-            throw syntaxError(164, "Each GROUP BY expression must contain at least one column that is not an outer reference.", expr->line);
+            throw serverMessage(Message::GroupByConstant, {}, expr->line);
         result_->groups.push_back(collated(value));
         groups.push_back({std::move(value), originOf(&scope_, *expr)});
     }
@@ -310,10 +294,7 @@ std::unique_ptr<BoundQuery> bindSetOperation(Binding& binding, const Query& quer
     result->left = bindAny(binding, *query.left, false);
     result->right = bindAny(binding, *query.right, false);
     if (result->left->columns.size() != result->right->columns.size())
-        throw syntaxError(205,
-                          "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of expressions in "
-                          "their target lists.",
-                          query.line);
+        throw serverMessage(Message::UnequalColumns, {}, query.line);
     for (std::size_t i = 0; i < result->left->columns.size(); ++i) {
         const BoundColumn& left = result->left->columns[i];
         const BoundColumn& right = result->right->columns[i];
@@ -336,9 +317,7 @@ std::unique_ptr<BoundQuery> bindSetOperation(Binding& binding, const Query& quer
 std::unique_ptr<BoundQuery> bindBody(Binding& binding, const Query& query) {
     const Restore depth(binding.depth, binding.depth + 1);
     if (binding.depth > kDeepestQuery)
-        throw syntaxError(191,
-                          "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.",
-                          query.line);
+        throw serverMessage(Message::NestedTooDeeply, {}, query.line);
     const CommonTablesScope known(binding, query.commonTables);
     return query.core ? SelectBinder(binding, *query.core).bind(query.orderBy) : bindSetOperation(binding, query);
 }
@@ -346,11 +325,7 @@ std::unique_ptr<BoundQuery> bindBody(Binding& binding, const Query& query) {
 std::unique_ptr<BoundQuery> bindAny(Binding& binding, const Query& query, bool topLevel) {
     std::unique_ptr<BoundQuery> result = bindBody(binding, query);
     if (!topLevel && !query.orderBy.empty() && !result->hasTop && !query.offset)
-        throw syntaxError(
-            1033,
-            "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common table expressions, "
-            "unless TOP, OFFSET or FOR XML is also specified.",
-            query.line);
+        throw serverMessage(Message::OrderByInSubquery, {}, query.line);
     if (query.offset) {
         result->offset = convertTo(bindValue(binding, *query.offset), simpleType(TypeKind::BigInt));
         result->limit.reset();
@@ -373,8 +348,7 @@ std::unique_ptr<BoundQuery> bindSubquery(Binding& binding, const Query& query) {
 std::unique_ptr<BoundQuery> bindOneColumn(Binding& binding, const Expr& expr) {
     std::unique_ptr<BoundQuery> query = bindSubquery(binding, *expr.query);
     if (query->columns.size() != 1)
-        throw syntaxError(116, "Only one expression can be specified in the select list when the subquery is not introduced with EXISTS.",
-                          expr.line);
+        throw serverMessage(Message::SubqueryOfSeveralColumns, {}, expr.line);
     return query;
 }
 
@@ -392,9 +366,9 @@ void expandStar(Binding& binding, const SelectItem& item, Scope& scope, std::vec
         }
     }
     if (!item.starOf.empty() && !found)
-        throw nameError(4104, "The multi-part identifier \"" + item.starOf.toText() + ".*\" could not be bound.", item.line);
+        throw serverMessage(Message::UnboundIdentifier, {item.starOf.toText() + ".*"}, item.line);
     if (!found)
-        throw syntaxError(263, "Must specify table to select from.", item.line);
+        throw serverMessage(Message::NothingToSelectFrom, {}, item.line);
 }
 
 QueryPlan planOf(const BoundQuery& query) {

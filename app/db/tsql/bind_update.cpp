@@ -92,20 +92,14 @@ void UpdateBinder::assignVariable(const Assignment& assignment) {
 // The table's column that a shown column stands for; throws for one that cannot be assigned.
 int UpdateBinder::assignedColumn(const Assignment& assignment, const BoundColumn& target) const {
     if (!target.value.table || target.value.table->id != table().id)
-        throw typeError(4406,
-                        "Update or insert of view or function '" + statement_.table.last() +
-                            "' failed because it contains a derived or constant field.",
-                        assignment.line);
+        throw serverMessage(Message::DerivedField, {statement_.table.last()}, assignment.line);
     const ColumnDef& definition = column(target.value.column);
     if (definition.computed)
-        throw typeError(271,
-                        "The column \"" + definition.name +
-                            "\" cannot be modified because it is either a computed column or is the result of a UNION operator.",
-                        assignment.line);
+        throw serverMessage(Message::ComputedNotModifiable, {definition.name}, assignment.line);
     if (definition.identity)
-        throw typeError(8102, "Cannot update identity column '" + definition.name + "'.", assignment.line);
+        throw serverMessage(Message::IdentityNotUpdatable, {definition.name}, assignment.line);
     if (update_.values.count(target.value.column) != 0)
-        throw syntaxError(264,
+        throw serverError(Message::ColumnGivenTwice,
                           "The column name '" + definition.name +
                               "' is specified more than once in the SET clause. A column cannot be assigned more than one value in the "
                               "same SET clause.",
@@ -136,7 +130,7 @@ void UpdateBinder::assign(const Assignment& assignment) {
             target = &column;
     }
     if (!target)
-        throw nameError(207, "Invalid column name '" + assignment.column + "'.", assignment.line);
+        throw serverMessage(Message::InvalidColumn, {assignment.column}, assignment.line);
     if (instead_) {
         Typed value = implicitTo(bindValue(binding_, *assignment.value), target->value.type, assignment.line);
         insteadValues_.insert_or_assign(lowerCase(target->name), std::move(value));

@@ -10,7 +10,7 @@ int Binding::variableSlot(const std::string& name, int line) const {
         if (sameName(context.variables[i].name, name))
             return static_cast<int>(i);
     }
-    throw nameError(137, "Must declare the scalar variable \"" + name + "\".", line).withSeverity(15, 2);
+    throw serverMessage(Message::UndeclaredVariable, {name}, line).withSeverity(15, 2);
 }
 
 Typed Binding::variableBefore(int slot) const {
@@ -37,7 +37,7 @@ SqlType Binding::declaredType(const TypeName& name, bool* nullable) const {
     SqlType type;
     bool isNullable = true;
     if (!context.catalog.userType(name.name, type, isNullable))
-        throw nameError(2715, "Column, parameter, or variable: Cannot find data type " + name.name + ".", name.line);
+        throw serverMessage(Message::UnknownType, {name.name}, name.line);
     if (nullable)
         *nullable = isNullable;
     return type;

@@ -6,7 +6,7 @@
 namespace merchantry::db::tsql {
 
 DbError overflow(const SqlType& type) {
-    return valueError(8115, "Arithmetic overflow error converting expression to data type " + kindNameOf(type) + ".");
+    return serverMessage(Message::ArithmeticOverflow, {"expression", kindNameOf(type)});
 }
 
 Cell converted(const CellView& cell, const SqlType& from, const SqlType& to, ConvertFor purpose, int style) {

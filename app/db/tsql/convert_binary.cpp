@@ -1,6 +1,6 @@
 #include "app/db/tsql/convert_to.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/errors.h"
 #include "base/text.h"
 
@@ -28,7 +28,7 @@ Cell toBinary(const CellView& cell, const SqlType& from, const SqlType& to, Conv
     std::string bytes = numeric ? bytesOfWhole(cell.integer, from) : std::string(cell.bytes);
     if (to.length != SqlType::kMax && to.length > 0 && bytes.size() > static_cast<std::size_t>(to.length)) {
         if (purpose == ConvertFor::Column && !numeric)
-            throw serverError(8152, "String or binary data would be truncated.").withSeverity(16, 1);
+            throw serverMessage(Message::TextTruncated).withSeverity(16, 1);
         if (numeric)
             bytes.erase(0, bytes.size() - static_cast<std::size_t>(to.length));
         else
@@ -51,7 +51,7 @@ Cell toUniqueIdentifier(const CellView& cell) {
         good = dash ? text[i] == '-' : std::isxdigit(static_cast<unsigned char>(text[i])) != 0;
     }
     if (!good)
-        throw valueError(8169, "Conversion failed when converting from a character string to uniqueidentifier.");
+        throw serverMessage(Message::TextIsNoGuid);
     return Cell::ofText(upperCase(text.substr(0, 36)));
 }
 

@@ -22,11 +22,10 @@ Cell dateFromText(std::string_view text, const SqlType& from, const SqlType& to,
     std::int64_t ms = 0;
     const DateTextResult result = readDate(text, std::max(style, 0), ms);
     if (result == DateTextResult::NoDate)
-        throw valueError(241, "Conversion failed when converting date and/or time from character string.");
+        throw serverMessage(Message::TextIsNoDate);
     const bool small = to.kind == TypeKind::SmallDateTime;
     if (result == DateTextResult::OutOfRange || ms >= kEndOfDateTime || (small && (ms < 0 || ms >= kEndOfSmallDateTime)))
-        throw valueError(242, "The conversion of a " + kindNameOf(from) + " data type to a " + kindNameOf(to) +
-                                  " data type resulted in an out-of-range value.");
+        throw serverMessage(Message::DateOutOfRange, {kindNameOf(from), kindNameOf(to)});
     return dateFromMs(ms, to);
 }
 
@@ -37,7 +36,7 @@ Cell toDate(const CellView& cell, const SqlType& from, const SqlType& to, int st
         return dateFromText(cell.bytes, from, to, style);
     if (from.isDate()) {
         if (to.kind == TypeKind::SmallDateTime && (cell.integer < 0 || cell.integer >= kEndOfSmallDateTime))
-            throw valueError(242, "The conversion of a datetime data type to a smalldatetime data type resulted in an out-of-range value.");
+            throw serverMessage(Message::DateOutOfRange, {"datetime", "smalldatetime"});
         return dateFromMs(cell.integer, to);
     }
     const double days = toFloat(cell, from, {TypeKind::Float, 0, 0, 0}).real;

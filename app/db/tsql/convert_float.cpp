@@ -44,7 +44,7 @@ Cell toFloat(const CellView& cell, const SqlType& from, const SqlType& to) {
         throw overflow(to);
     if (to.kind == TypeKind::Real) {
         if (std::fabs(number) > static_cast<double>(std::numeric_limits<float>::max()))
-            throw valueError(232, "Arithmetic overflow error for type real.");
+            throw serverMessage(Message::TypeOverflow, {"real"});
         number = static_cast<double>(static_cast<float>(number));
     }
     return Cell::ofReal(number);

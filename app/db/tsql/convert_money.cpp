@@ -17,7 +17,7 @@ Cell moneyFrom(Wide units, const SqlType& to) {
 }
 
 DbError noMoney() {
-    return valueError(235, "Cannot convert a char value to money. The char value has incorrect syntax.");
+    return serverMessage(Message::TextIsNoMoney);
 }
 
 bool isCurrencySign(char32_t c) {

@@ -1,6 +1,6 @@
 #include "app/db/tsql/convert_to.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/datetext.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
@@ -49,7 +49,7 @@ Cell fitted(std::string text, const SqlType& from, const SqlType& to, ConvertFor
             throw overflow(to);
         else if (tooLong && purpose == ConvertFor::Column && from.kind != TypeKind::DateTime &&
                  text.find_first_not_of(' ', kept.size()) != std::string::npos)
-            throw serverError(8152, "String or binary data would be truncated.").withSeverity(16, 1);
+            throw serverMessage(Message::TextTruncated).withSeverity(16, 1);
         else
             text.resize(kept.size());
     }
@@ -73,8 +73,7 @@ std::string textOf(const CellView& cell, const SqlType& from, int style) {
     if (from.isDate()) {
         std::string text;
         if (!writeDate(cell.integer, style < 0 ? 0 : style, text))
-            throw valueError(281,
-                             std::to_string(style) + " is not a valid style number when converting from datetime to a character string.");
+            throw serverMessage(Message::InvalidStyle, {std::to_string(style)});
         return text;
     }
     if (cell.kind == Cell::Kind::Real)

@@ -20,11 +20,10 @@ Cell wholeFrom(Wide number, const SqlType& from, const SqlType& to) {
         return Cell::ofInteger(static_cast<std::int64_t>(number));
     const bool small = to.kind == TypeKind::TinyInt || to.kind == TypeKind::SmallInt;
     if (small && from.isWhole())
-        throw valueError(220, "Arithmetic overflow error for data type " + kindNameOf(to) +
-                                  ", value = " + std::to_string(static_cast<std::int64_t>(number)) + ".");
+        throw serverMessage(Message::DataTypeOverflow, {kindNameOf(to), std::to_string(static_cast<std::int64_t>(number))});
     if (from.isFloat())
-        throw valueError(232, "Arithmetic overflow error for type " + kindNameOf(to) +
-                                  ", value = " + shortestDecimal(static_cast<double>(number)) + ".");
+        throw serverError(Message::TypeOverflow, "Arithmetic overflow error for type " + kindNameOf(to) +
+                                                     ", value = " + shortestDecimal(static_cast<double>(number)) + ".");
     throw overflow(to);
 }
 
@@ -32,10 +31,8 @@ DbError textOverflow(std::string_view text, const SqlType& from, const SqlType& 
     if (to.kind == TypeKind::BigInt)
         return overflow(to);
     if (to.kind == TypeKind::Int)
-        return valueError(248,
-                          "The conversion of the " + kindNameOf(from) + " value '" + std::string(text) + "' overflowed an int column.");
-    return valueError(244, "The conversion of the " + kindNameOf(from) + " value '" + std::string(text) + "' overflowed an " +
-                               (to.kind == TypeKind::TinyInt ? "INT1" : "INT2") + " column. Use a larger integer column.");
+        return serverMessage(Message::TextOverflowsInt, {kindNameOf(from), std::string(text)});
+    return serverMessage(Message::TextOverflows, {kindNameOf(from), std::string(text), to.kind == TypeKind::TinyInt ? "INT1" : "INT2"});
 }
 
 Cell wholeFromText(std::string_view text, const SqlType& from, const SqlType& to) {
@@ -89,7 +86,7 @@ Cell wholeFromFloat(double number, const SqlType& from, const SqlType& to) {
     if (to.kind == TypeKind::Bit)
         return Cell::ofInteger(number != 0 ? 1 : 0);
     if (!(std::fabs(number) < 9.3e18))
-        throw valueError(232, "Arithmetic overflow error for type " + kindNameOf(to) + ".");
+        throw serverMessage(Message::TypeOverflow, {kindNameOf(to)});
     return wholeFrom(static_cast<Wide>(number), from, to);
 }
 
@@ -112,9 +109,8 @@ Range rangeOf(TypeKind kind) {
 
 DbError textConversion(std::string_view text, const SqlType& from, const SqlType& to) {
     if (to.kind == TypeKind::BigInt || to.kind == TypeKind::Decimal || to.isFloat())
-        return valueError(8114, "Error converting data type " + kindNameOf(from) + " to " + kindNameOf(to) + ".");
-    return valueError(245, "Conversion failed when converting the " + kindNameOf(from) + " value '" + std::string(text) +
-                               "' to data type " + kindNameOf(to) + ".");
+        return serverMessage(Message::CannotConvert, {kindNameOf(from), kindNameOf(to)});
+    return serverMessage(Message::TextDoesNotConvert, {kindNameOf(from), std::string(text), kindNameOf(to)});
 }
 
 Cell toWhole(const CellView& cell, const SqlType& from, const SqlType& to) {

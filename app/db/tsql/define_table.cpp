@@ -38,10 +38,7 @@ private:
 
     void addColumn(const ColumnClause& clause) {
         if (table_.find(clause.name) >= 0)
-            throw nameError(2705,
-                            "Column names in each table must be unique. Column name '" + clause.name + "' in table '" + table_.name +
-                                "' is specified more than once.",
-                            clause.line);
+            throw serverMessage(Message::ColumnTwice, {clause.name, table_.name}, clause.line);
         ColumnDef column;
         column.name = clause.name;
         if (clause.computed) {
@@ -60,15 +57,9 @@ private:
         const bool fits = (column.type.isWhole() && column.type.kind != TypeKind::Bit) ||
                           (column.type.kind == TypeKind::Decimal && column.type.scale == 0);
         if (!fits)
-            throw typeError(2749,
-                            "Identity column '" + column.name +
-                                "' must be of data type int, bigint, smallint, tinyint, or decimal or numeric with a scale of 0, "
-                                "unencrypted, and constrained to be nonnullable.",
-                            clause.line);
+            throw serverMessage(Message::IdentityType, {column.name}, clause.line);
         if (table_.identityColumn() >= 0)
-            throw typeError(
-                2744, "Multiple identity columns specified for table '" + table_.name + "'. Only one identity column per table is allowed.",
-                clause.line);
+            throw serverMessage(Message::SeveralIdentities, {table_.name}, clause.line);
         if (column.type.kind == TypeKind::Decimal && column.type.precision > 18)
             throw unsupported("an identity of more than 18 digits", clause.line);
         column.identity = true;
@@ -105,13 +96,13 @@ private:
         const bool defaultTaken = std::any_of(table_.columns.begin(), table_.columns.end(),
                                               [&](const ColumnDef& one) { return sameName(one.defaultName, clause.name); });
         if (taken(table_.keys) || taken(table_.checks) || taken(table_.foreignKeys) || defaultTaken)
-            throw nameError(2714, "There is already an object named '" + clause.name + "' in the database.", clause.line);
+            throw serverMessage(Message::ObjectExists, {clause.name}, clause.line);
     }
 
-    ColumnDef& columnOf(const std::string& name, int number, int line) {
+    ColumnDef& columnOf(const std::string& name, Message missing, int line) {
         const int found = table_.find(name);
         if (found < 0)
-            throw nameError(number, "Column name '" + name + "' does not exist in the target table or view.", line);
+            throw serverMessage(missing, {name}, line);
         return table_.columns[static_cast<std::size_t>(found)];
     }
 
@@ -124,18 +115,17 @@ private:
             key.columns.push_back({column->name, false});
         if (key.primary && table_.primaryKey()) {
             if (creating_)
-                throw syntaxError(8110, "Cannot add multiple PRIMARY KEY constraints to table '" + table_.name + "'.", clause.line);
-            throw typeError(1779, "Table '" + table_.name + "' already has a primary key defined on it.", clause.line);
+                throw serverMessage(Message::SeveralPrimaryKeys, {table_.name}, clause.line);
+            throw serverMessage(Message::PrimaryKeyExists, {table_.name}, clause.line);
         }
         for (const IndexColumn& one : key.columns) {
-            ColumnDef& definition = columnOf(one.name, 1911, clause.line);
+            ColumnDef& definition = columnOf(one.name, Message::KeyOfUnknownColumn, clause.line);
             if (definition.computed)
                 throw unsupported("a key of a computed column", clause.line);
             if (key.primary && definition.nullable) {
                 const bool explicitNull = !creating_ || saysNull(one.name);
                 if (explicitNull)
-                    throw typeError(8111, "Cannot define PRIMARY KEY constraint on nullable column in table '" + table_.name + "'.",
-                                    clause.line);
+                    throw serverMessage(Message::PrimaryKeyNullable, {table_.name}, clause.line);
                 definition.nullable = false;
             }
         }
@@ -153,7 +143,7 @@ private:
         if (column && key.columns.empty())
             key.columns.push_back(column->name);
         for (const std::string& one : key.columns)
-            columnOf(one, 1769, clause.line);
+            columnOf(one, Message::ForeignKeyOfUnknownColumn, clause.line);
         key.table = clause.foreignKey.table.last();
         key.refColumns = clause.foreignKey.refColumns;
         key.onDelete = clause.foreignKey.onDelete == "NO ACTION" ? "" : clause.foreignKey.onDelete;
@@ -163,11 +153,11 @@ private:
     }
 
     void addDefault(const ConstraintClause& clause, const ColumnClause* column) {
-        ColumnDef& definition = columnOf(column ? column->name : clause.forColumn, 1752, clause.line);
+        ColumnDef& definition = columnOf(column ? column->name : clause.forColumn, Message::DefaultOfUnknownColumn, clause.line);
         if (definition.defaultValue)
-            throw typeError(1781, "Column already has a DEFAULT bound to it.", clause.line);
+            throw serverMessage(Message::DefaultExists, {}, clause.line);
         if (definition.identity)
-            throw typeError(1754, "Defaults cannot be created on columns with an IDENTITY attribute.", clause.line);
+            throw serverMessage(Message::DefaultOnIdentity, {}, clause.line);
         definition.defaultValue = copyOf(*clause.expr);
         definition.defaultName = clause.name.empty() ? madeName("DF", definition.name) : clause.name;
     }
@@ -196,7 +186,7 @@ TableDef defineTable(const ObjectName& name, const TableBody& body, std::int64_t
     table.id = id;
     table.name = name.last();
     if (body.columns.empty())
-        throw syntaxError(102, "Incorrect syntax near ')'.", name.line);
+        throw serverMessage(Message::IncorrectSyntax, {")"}, name.line);
     addToTable(table, body, types, true);
     return table;
 }

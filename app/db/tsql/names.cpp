@@ -100,7 +100,7 @@ std::optional<ColumnPlace> findColumn(const Scope* innermost, const ObjectName& 
             fits = true;
             eachColumnNamed(source, name.last(), [&](std::size_t column) {
                 if (found)
-                    throw nameError(209, "Ambiguous column name '" + name.last() + "'.", line);
+                    throw serverMessage(Message::AmbiguousColumn, {name.last()}, line);
                 found = ColumnPlace{scope, i, column};
             });
         }

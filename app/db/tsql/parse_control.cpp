@@ -125,7 +125,7 @@ StatementPtr parseReturn(TokenReader& in) {
          next.is("COALESCE") || next.is("NULLIF") || (in.isName() && (in.isSymbol("(", 1) || in.isSymbol(".", 1))));
     if (hasValue || startsValue) {
         if (!in.state.inModule)
-            in.fail(178, "A RETURN statement with a return value cannot be used in this context.");
+            in.fail(Message::ReturnValueOutsideModule);
         statement->value = parseValue(in);
     }
     return statement;

@@ -29,7 +29,7 @@ Argument argument(TokenReader& in) {
     result.value = argumentValue(in);
     result.output = in.acceptWord("OUTPUT") || in.acceptWord("OUT");
     if (result.output && result.value->kind != ExprKind::Variable)
-        in.fail(179, "Cannot use the OUTPUT option when passing a constant to a stored procedure.");
+        in.fail(Message::OutputOfConstant);
     return result;
 }
 
@@ -76,10 +76,7 @@ StatementPtr parseExecute(TokenReader& in, bool withWord) {
             statement->arguments.push_back(argument(in));
             named = named || !statement->arguments.back().name.empty();
             if (named && statement->arguments.back().name.empty())
-                in.fail(119,
-                        "Must pass parameter number " + std::to_string(statement->arguments.size()) +
-                            " and subsequent parameters as '@name = value'. After the form '@name = value' has been used, all subsequent "
-                            "parameters must be passed in the form '@name = value'.");
+                in.fail(Message::NamedParameterFirst, {std::to_string(statement->arguments.size())});
         } while (in.acceptSymbol(","));
     }
     if (in.isWord("WITH") && in.isWord("RECOMPILE", 1)) {

@@ -1,6 +1,6 @@
 #include "app/db/tsql/parsing.h"
 
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 
 #include <array>
 
@@ -32,9 +32,7 @@ void requireCondition(const TokenReader& in, const Expr& expr) {
     if (isCondition(expr))
         return;
     const std::string near = in.atEnd() ? in.last().value() : in.peek().value();
-    throw serverError(4145, "An expression of non-boolean type specified in a context where a condition is expected, near '" + near + "'.",
-                      in.peek().line)
-        .withSeverity(15, 1);
+    throw serverMessage(Message::NoCondition, {near}, in.peek().line).withSeverity(15, 1);
 }
 
 void requireValue(const TokenReader& in, const Expr& expr) {

@@ -37,7 +37,7 @@ ParameterClause parameter(TokenReader& in) {
         parameter.defaultValue = parseConstant(in);
     parameter.output = in.acceptWord("OUTPUT") || in.acceptWord("OUT");
     if (in.acceptWord("READONLY"))
-        in.fail(102, "Incorrect syntax near 'READONLY'.");
+        in.fail(Message::IncorrectSyntax, {"READONLY"});
     return parameter;
 }
 
@@ -53,7 +53,7 @@ Block moduleBody(TokenReader& in) {
 StatementPtr parseCreateView(TokenReader& in, bool alter, std::size_t begin) {
     auto statement = begun<CreateViewStatement>(in);
     if (!in.state.batchStart)
-        in.fail(111, "'CREATE VIEW' must be the first statement in a query batch.");
+        in.fail(Message::NotFirstInBatch, {"CREATE VIEW"});
     statement->alter = alter;
     in.take();
     statement->name = in.objectName();
@@ -91,7 +91,7 @@ std::vector<ParameterClause> parseParameterList(TokenReader& in) {
 StatementPtr parseCreateProcedure(TokenReader& in, bool alter, std::size_t begin) {
     auto statement = begun<CreateProcedureStatement>(in);
     if (!in.state.batchStart)
-        in.fail(111, "'CREATE/ALTER PROCEDURE' must be the first statement in a query batch.");
+        in.fail(Message::NotFirstInBatch, {"CREATE/ALTER PROCEDURE"});
     statement->alter = alter;
     in.take();
     statement->name = in.objectName();
@@ -116,7 +116,7 @@ StatementPtr parseCreateProcedure(TokenReader& in, bool alter, std::size_t begin
 StatementPtr parseCreateFunction(TokenReader& in, bool alter, std::size_t begin) {
     auto statement = begun<CreateFunctionStatement>(in);
     if (!in.state.batchStart)
-        in.fail(111, "'CREATE FUNCTION' must be the first statement in a query batch.");
+        in.fail(Message::NotFirstInBatch, {"CREATE FUNCTION"});
     statement->alter = alter;
     in.take();
     statement->name = in.objectName();
@@ -154,7 +154,7 @@ StatementPtr parseCreateFunction(TokenReader& in, bool alter, std::size_t begin)
 StatementPtr parseCreateTrigger(TokenReader& in, bool alter, std::size_t begin) {
     auto statement = begun<CreateTriggerStatement>(in);
     if (!in.state.batchStart)
-        in.fail(111, "'CREATE TRIGGER' must be the first statement in a query batch.");
+        in.fail(Message::NotFirstInBatch, {"CREATE TRIGGER"});
     statement->alter = alter;
     in.take();
     statement->name = in.objectName();

@@ -228,7 +228,7 @@ ExprPtr parsePrimary(TokenReader& in) {
 ExprPtr parseLiteral(TokenReader& in) {
     ExprPtr result = newExpr(in, ExprKind::Integer);
     if (digitsOf(in.peek()) > kMostDigits)
-        in.fail(1007, "The number '" + in.peek().value() + "' is out of the range for numeric representation (maximum precision 38).");
+        in.fail(Message::NumberTooLong, {in.peek().value()});
     const Token& token = in.take();
     switch (token.kind) {
     case TokenKind::Integer:

@@ -95,7 +95,7 @@ StatementPtr dropIndex(TokenReader& in) {
     } else {
         ObjectName& name = statement->names[0];
         if (name.parts.size() < 2)
-            in.fail(159, "Must specify the table name and index name for the DROP INDEX statement.");
+            in.fail(Message::IndexWithoutTable);
         statement->onTable.line = name.line;
         statement->onTable.parts.assign(name.parts.begin(), name.parts.end() - 1);
         name.parts.erase(name.parts.begin(), name.parts.end() - 1);
@@ -177,8 +177,7 @@ StatementPtr statementOf(TokenReader& in) {
         return parseCursorAction(in, CursorStatement::Action::Deallocate);
     if (in.isWord("BREAK") || in.isWord("CONTINUE")) {
         if (in.state.loops == 0)
-            in.fail(in.isWord("BREAK") ? 135 : 136,
-                    "Cannot use a " + in.peek().value() + " statement outside the scope of a WHILE statement.");
+            in.fail(in.isWord("BREAK") ? Message::BreakOutsideLoop : Message::ContinueOutsideLoop);
         return std::make_unique<Statement>(in.take().is("BREAK") ? StatementKind::Break : StatementKind::Continue);
     }
     if (in.isWord("MERGE"))

@@ -1,7 +1,7 @@
 #include "app/db/tsql/sql.h"
 
 #include "app/db/dberror.h"
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "app/db/tsql/token.h"
 #include "base/text.h"
 #include "base/value.h"
@@ -125,11 +125,11 @@ std::string Sql::shownText() const {
 
 void Sql::check() const {
     if (badNumber_ == 105)
-        throw serverError(105, "Unclosed quotation mark after the character string '" + badNear_ + "'.", 1);
+        throw serverMessage(Message::UnclosedQuote, {badNear_}, 1);
     if (badNumber_ == 102)
-        throw serverError(102, "Incorrect syntax near '" + badNear_ + "'.", 1);
+        throw serverMessage(Message::IncorrectSyntax, {badNear_}, 1);
     if (badNumber_ == 156)
-        throw serverError(156, "Incorrect syntax near the keyword '" + badNear_ + "'.", 1);
+        throw serverMessage(Message::IncorrectKeyword, {badNear_}, 1);
 }
 
 } // namespace merchantry::db

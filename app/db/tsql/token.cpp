@@ -1,7 +1,7 @@
 #include "app/db/tsql/token.h"
 
 #include "app/db/dberror.h"
-#include "app/db/nativeerrors.h"
+#include "app/db/messages.h"
 #include "base/text.h"
 
 #include <algorithm>
@@ -89,7 +89,7 @@ private:
         int depth = 0;
         do {
             if (at_ >= batch_.size())
-                throw serverError(113, "Missing end comment mark '*/'.", begun).withSeverity(15, 1);
+                throw serverMessage(Message::UnclosedComment, {}, begun).withSeverity(15, 1);
             if (peek() == '/' && peek(1) == '*') {
                 ++depth;
                 at_ += 2;

@@ -17,7 +17,7 @@ std::string ObjectName::toText() const {
 
 Nesting::Nesting(TokenReader& in) : state_(in.state) {
     if (state_.depth >= kDeepest)
-        in.fail(191, "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.");
+        in.fail(Message::NestedTooDeeply);
     ++state_.depth;
 }
 
@@ -54,24 +54,23 @@ void TokenReader::expectSymbol(std::string_view symbol) {
 
 void TokenReader::unexpected(const Token& token) const {
     if (token.kind == TokenKind::Unclosed)
-        throw syntaxError(105, "Unclosed quotation mark after the character string '" + std::string(token.text.substr(0, 40)) + "'.",
-                          token.line);
+        throw serverMessage(Message::UnclosedQuote, {std::string(token.text.substr(0, 40))}, token.line);
     if (token.kind == TokenKind::End) {
         const std::string near = at_ > 0 ? last().value() : std::string();
-        throw syntaxError(102, "Incorrect syntax near '" + near + "'.", token.line);
+        throw serverMessage(Message::IncorrectSyntax, {near}, token.line);
     }
     if (token.kind == TokenKind::Word && isReservedWord(token.text))
-        throw syntaxError(156, "Incorrect syntax near the keyword '" + std::string(token.text) + "'.", token.line);
-    throw syntaxError(102, "Incorrect syntax near '" + token.value() + "'.", token.line);
+        throw serverMessage(Message::IncorrectKeyword, {std::string(token.text)}, token.line);
+    throw serverMessage(Message::IncorrectSyntax, {token.value()}, token.line);
 }
 
 void TokenReader::link(int& links) const {
     if (++links > kLongestChain)
-        fail(191, "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.");
+        fail(Message::NestedTooDeeply);
 }
 
-void TokenReader::fail(int number, const std::string& message) const {
-    throw syntaxError(number, message, peek().line);
+void TokenReader::fail(Message message, std::initializer_list<std::string> arguments) const {
+    throw serverMessage(message, arguments, peek().line);
 }
 
 // ---- names
@@ -110,7 +109,7 @@ ObjectName TokenReader::objectName() {
         result.parts.push_back(take().value());
     }
     if (result.parts.size() > 4)
-        fail(117, "The object name '" + result.toText() + "' contains more than the maximum number of prefixes. The maximum is 3.");
+        fail(Message::TooManyPrefixes, {result.toText()});
     return result;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/db/messages.h"
 #include "app/db/tsql/ast.h"
 #include "app/db/tsql/token.h"
 
@@ -54,7 +55,7 @@ public:
 
     [[noreturn]] void unexpected() const { unexpected(peek()); }
     [[noreturn]] void unexpected(const Token& token) const;
-    [[noreturn]] void fail(int number, const std::string& message) const;
+    [[noreturn]] void fail(Message message, std::initializer_list<std::string> arguments = {}) const;
     // Counts the links of a chain like a + b + c; throws at one that is too long to be worked on.
     void link(int& links) const;
 

@@ -55,12 +55,9 @@ void setMeasures(SqlType& type, const TypeName& name, bool inCast) {
         type.precision = name.first.value_or(18);
         type.scale = name.second.value_or(0);
         if (type.precision < 1 || type.precision > 38)
-            throw syntaxError(2750,
-                              "Column or parameter: Specified column precision " + std::to_string(type.precision) +
-                                  " is greater than the maximum precision of 38.",
-                              name.line);
+            throw serverMessage(Message::PrecisionTooHigh, {std::to_string(type.precision)}, name.line);
         if (type.scale < 0 || type.scale > type.precision)
-            throw syntaxError(192, "The scale must be less than or equal to the precision.", name.line);
+            throw serverMessage(Message::ScaleAbovePrecision, {}, name.line);
         return;
     }
     if (type.kind == TypeKind::Float && name.first && *name.first <= 24)
@@ -70,10 +67,7 @@ void setMeasures(SqlType& type, const TypeName& name, bool inCast) {
     type.length = name.max ? SqlType::kMax : name.first.value_or(inCast ? 30 : 1);
     const bool wide = type.kind == TypeKind::NChar || type.kind == TypeKind::NVarChar;
     if (type.length != SqlType::kMax && (type.length < 1 || type.length > (wide ? 4000 : 8000)))
-        throw syntaxError(131,
-                          "The size (" + std::to_string(type.length) + ") given to the type '" + name.name +
-                              "' exceeds the maximum allowed for any data type (8000).",
-                          name.line);
+        throw serverMessage(Message::TypeTooLong, {std::to_string(type.length), name.name}, name.line);
 }
 
 int rank(TypeKind kind) {
@@ -172,13 +166,12 @@ SqlType joinedText(const SqlType& left, const SqlType& right) {
 
 DbError incompatible(char op, const SqlType& left, const SqlType& right, int line) {
     const char* name = op == '+' ? "add" : op == '-' ? "subtract" : op == '*' ? "multiply" : op == '/' ? "divide" : "modulo";
-    return typeError(
-        402, "The data types " + kindNameOf(left) + " and " + kindNameOf(right) + " are incompatible in the " + name + " operator.", line);
+    return serverMessage(Message::IncompatibleTypes, {kindNameOf(left), kindNameOf(right), name}, line);
 }
 
 DbError invalidOperand(char op, const SqlType& type, int line) {
     const char* name = op == '+' ? "add" : op == '-' ? "subtract" : op == '*' ? "multiply" : op == '/' ? "divide" : "modulo";
-    return typeError(8117, "Operand data type " + kindNameOf(type) + " is invalid for " + name + " operator.", line);
+    return serverMessage(Message::OperandType, {kindNameOf(type), name}, line);
 }
 
 bool isBitwise(char op) {
@@ -267,10 +260,7 @@ SqlType arithmeticType(char op, const SqlType& left, const SqlType& right, int l
         throw incompatible(op, left, right, line);
     if (isBitwise(op)) {
         if (!high.isWhole())
-            throw typeError(402,
-                            "The data types " + kindNameOf(left) + " and " + kindNameOf(right) + " are incompatible in the '" +
-                                std::string(1, op) + "' operator.",
-                            line);
+            throw serverMessage(Message::IncompatibleTypes, {kindNameOf(left), kindNameOf(right), "'" + std::string(1, op) + "'"}, line);
         return high;
     }
     if (high.isDate()) {
@@ -318,17 +308,12 @@ SqlType commonType(const SqlType& left, const SqlType& right, int line) {
     if ((high.kind == TypeKind::UniqueIdentifier && !low.isText() && !low.isBinary()) ||
         (high.kind == TypeKind::Image && !low.isBinary()) ||
         ((high.kind == TypeKind::Text || high.kind == TypeKind::NText) && !low.isText()))
-        throw typeError(206, "Operand type clash: " + kindNameOf(low) + " is incompatible with " + kindNameOf(high), line);
+        throw serverMessage(Message::OperandClash, {kindNameOf(low), kindNameOf(high)}, line);
     return high;
 }
 
 void requireImplicit(const SqlType& from, const SqlType& to, int line) {
-    const auto refuse = [&] {
-        throw typeError(257,
-                        "Implicit conversion from data type " + kindNameOf(from) + " to " + kindNameOf(to) +
-                            " is not allowed. Use the CONVERT function to run this query.",
-                        line);
-    };
+    const auto refuse = [&] { throw serverMessage(Message::NotImplicit, {kindNameOf(from), kindNameOf(to)}, line); };
     if (from.kind == TypeKind::Null || from == to)
         return;
     if (from.isDate() && (to.isWhole() || to.kind == TypeKind::Decimal || to.isMoney() || to.isFloat() || to.isBinary()))
@@ -340,7 +325,7 @@ void requireImplicit(const SqlType& from, const SqlType& to, int line) {
     const bool numeric = from.isWhole() || from.isMoney() || from.isFloat() || from.kind == TypeKind::Decimal;
     if ((numeric && to.kind == TypeKind::UniqueIdentifier) || (from.kind == TypeKind::UniqueIdentifier && !to.isText() && !to.isBinary()) ||
         (from.isBinary() && (to.isFloat())))
-        throw typeError(206, "Operand type clash: " + kindNameOf(from) + " is incompatible with " + kindNameOf(to), line);
+        throw serverMessage(Message::OperandClash, {kindNameOf(from), kindNameOf(to)}, line);
 }
 
 int storedLength(const SqlType& type) {
