@@ -2,8 +2,8 @@
 
 #include "app/modMain.h"
 #include "app/posting.h"
+#include "base/characters.h"
 #include "base/platform/platform.h"
-#include "base/text.h"
 #include "ui/desk.h"
 
 namespace merchantry::app {

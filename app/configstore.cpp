@@ -1,7 +1,7 @@
 #include "app/configstore.h"
 
 #include "base/platform/platform.h"
-#include "base/text.h"
+#include "base/textorder.h"
 #include "base/toml.h"
 
 namespace merchantry::app {

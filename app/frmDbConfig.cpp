@@ -8,6 +8,7 @@
 #include "app/modMain.h"
 #include "base/errortext.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "ui/desk.h"
 #include "ui/waiting.h"
 

@@ -6,7 +6,7 @@
 #include "app/itemcodes.h"
 #include "app/modMain.h"
 #include "app/titles.h"
-#include "base/text.h"
+#include "base/textorder.h"
 #include "ui/desk.h"
 
 #include <algorithm>

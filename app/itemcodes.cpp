@@ -1,6 +1,6 @@
 #include "app/itemcodes.h"
 
-#include "base/text.h"
+#include "base/characters.h"
 
 namespace merchantry::app {
 namespace {

@@ -1,6 +1,7 @@
 #include "app/modPhone.h"
 
 #include "app/titles.h"
+#include "base/characters.h"
 #include "base/text.h"
 #include "ui/form.h"
 

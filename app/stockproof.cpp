@@ -4,8 +4,8 @@
 #include "app/db/schema/schema.h"
 #include "app/movingaverage.h"
 #include "base/currency.h"
+#include "base/lettercase.h"
 #include "base/shown.h"
-#include "base/text.h"
 
 #include <unordered_map>
 

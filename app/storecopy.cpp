@@ -10,7 +10,7 @@
 #include "app/storefile.h"
 #include "app/storenumbers.h"
 #include "app/storerows.h"
-#include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -5,7 +5,7 @@
 #include "app/db/schema/content.h"
 #include "app/db/schema/schema.h"
 #include "app/db/schema/tableparts.h"
-#include "base/text.h"
+#include "base/textorder.h"
 
 #include <random>
 #include <set>

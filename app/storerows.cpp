@@ -1,6 +1,7 @@
 #include "app/storerows.h"
 
 #include "base/text.h"
+#include "base/value.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,8 @@
 #include "app/db/ado/transaction.h"
 #include "app/db/again.h"
 #include "app/modMain.h"
-#include "base/text.h"
+#include "base/lettercase.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <set>

@@ -1,3 +1,7 @@
+#include "base/textorder.h"
+
+#include "base/characters.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "base/value.h"
 
 #include "base/numbers.h"
-#include "base/text.h"
+#include "base/textorder.h"
 
 #include <array>
 #include <charconv>
@@ -16,6 +16,16 @@ template <class... Ts> Overloaded(Ts...) -> Overloaded<Ts...>;
 constexpr std::int64_t kDaysFrom1899 = 2; // 1899-12-30 to 1900-01-01
 
 } // namespace
+
+std::string hexText(const Bytes& bytes) {
+    static constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string text = "0x";
+    for (const std::uint8_t byte : bytes) {
+        text += kDigits[byte >> 4U];
+        text += kDigits[byte & 15U];
+    }
+    return text;
+}
 
 std::string shortestDecimal(double number) {
     if (number == 0)

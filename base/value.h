@@ -66,6 +66,8 @@ private:
     std::variant<Null, bool, std::int64_t, double, Currency, Decimal, Date, std::string, Bytes> held_;
 };
 
+std::string hexText(const Bytes& bytes); // "0x0AFF"
+
 // Shortest decimal text that reads back as the same double, without exponent between 1e-7 and 1e15.
 std::string shortestDecimal(double number);
 

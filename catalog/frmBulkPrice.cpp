@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "base/counted.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "catalog/itemscreen.h"

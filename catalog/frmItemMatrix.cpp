@@ -2,7 +2,6 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
-#include "base/text.h"
 #include "ui/calls.h"
 #include "ui/desk.h"
 

@@ -3,6 +3,7 @@
 #include "app/takeback.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "ui/desk.h"
 
 namespace merchantry::catalog {

@@ -2,7 +2,7 @@
 
 #include "app/takeback.h"
 #include "base/counted.h"
-#include "base/text.h"
+#include "base/textorder.h"
 #include "ui/calls.h"
 #include "ui/desk.h"
 

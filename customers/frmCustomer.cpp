@@ -4,6 +4,7 @@
 #include "app/modPhone.h"
 #include "app/states.h"
 #include "app/titles.h"
+#include "base/characters.h"
 #include "base/guard.h"
 #include "base/numbers.h"
 #include "base/text.h"

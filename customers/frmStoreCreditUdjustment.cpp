@@ -5,6 +5,7 @@
 #include "app/posting.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "customers/frmCreditAdjCodes.h"
 #include "ui/calls.h"
 #include "ui/desk.h"

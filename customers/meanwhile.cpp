@@ -1,6 +1,7 @@
 #include "customers/meanwhile.h"
 
 #include "app/titles.h"
+#include "base/characters.h"
 #include "base/text.h"
 #include "ui/choice.h"
 #include "ui/desk.h"

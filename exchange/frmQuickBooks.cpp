@@ -6,6 +6,7 @@
 #include "base/newfile.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "ui/calls.h"
 #include "ui/desk.h"
 

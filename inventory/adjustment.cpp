@@ -2,6 +2,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <cmath>

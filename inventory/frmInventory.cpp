@@ -5,6 +5,7 @@
 #include "base/counted.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "inventory/frmInventory_Adjust.h"
 #include "inventory/frmInventory_Serial.h"
 #include "ui/desk.h"

@@ -6,7 +6,7 @@
 #include "app/frmLogin.h"
 #include "app/frmMain.h"
 #include "app/modMain.h"
-#include "base/text.h"
+#include "base/textorder.h"
 #include "catalog/codedialog.h"
 #include "catalog/dlgMatrixSKU.h"
 #include "catalog/frmBulkPrice.h"

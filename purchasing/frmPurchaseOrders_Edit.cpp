@@ -2,7 +2,9 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/characters.h"
 #include "base/counted.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmPOItemHistory.h"

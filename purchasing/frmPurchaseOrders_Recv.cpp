@@ -6,6 +6,7 @@
 #include "base/numbers.h"
 #include "base/shown.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "purchasing/frmOtherCost.h"
 #include "purchasing/rehearsal.h"
 #include "ui/calls.h"

@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmSuppliers_Info.h"

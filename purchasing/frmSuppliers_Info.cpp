@@ -5,6 +5,7 @@
 #include "app/modPhone.h"
 #include "app/states.h"
 #include "app/titles.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 #include "ui/desk.h"
 

@@ -2,6 +2,7 @@
 
 #include "app/failure.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <string_view>

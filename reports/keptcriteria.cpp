@@ -1,7 +1,7 @@
 #include "reports/keptcriteria.h"
 
+#include "base/lettercase.h"
 #include "base/platform/platform.h"
-#include "base/text.h"
 #include "base/toml.h"
 #include "reports/conditions.h"
 

@@ -1,6 +1,7 @@
 #include "reports/letterfiles.h"
 
 #include "base/errortext.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "ui/longwork.h"

@@ -1,6 +1,7 @@
 #include "reports/reportexport.h"
 
 #include "app/aside.h"
+#include "base/lettercase.h"
 #include "base/newfile.h"
 #include "base/text.h"
 #include "reports/engine/exports.h"

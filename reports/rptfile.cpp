@@ -2,7 +2,7 @@
 
 #include "app/aside.h"
 #include "app/modMain.h"
-#include "base/text.h"
+#include "base/lettercase.h"
 
 namespace merchantry::reports {
 namespace {

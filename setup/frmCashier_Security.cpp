@@ -2,6 +2,7 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 #include "setup/boundrow.h"
 #include "setup/frmCashiers.h"

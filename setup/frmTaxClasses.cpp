@@ -2,7 +2,7 @@
 
 #include "app/titles.h"
 #include "base/numbers.h"
-#include "base/text.h"
+#include "base/textorder.h"
 #include "setup/taxpreview.h"
 #include "ui/desk.h"
 

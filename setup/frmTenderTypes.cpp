@@ -2,7 +2,9 @@
 
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/characters.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "ui/desk.h"
 
 namespace merchantry::setup {

@@ -1,5 +1,6 @@
 #include "setup/receiptpreview.h"
 
+#include "base/characters.h"
 #include "base/text.h"
 
 #include <algorithm>

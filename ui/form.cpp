@@ -1,7 +1,8 @@
 #include "ui/form.h"
 
 #include "base/guard.h"
-#include "base/text.h"
+#include "base/lettercase.h"
+#include "base/textorder.h"
 #include "ui/button.h"
 #include "ui/desk.h"
 

@@ -1,6 +1,6 @@
 #include "ui/gestures.h"
 
-#include "base/text.h"
+#include "base/characters.h"
 #include "ui/desk.h"
 #include "ui/form.h"
 #include "ui/gridcopy.h"

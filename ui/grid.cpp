@@ -1,7 +1,8 @@
 #include "ui/grid.h"
 
+#include "base/lettercase.h"
 #include "base/numbers.h"
-#include "base/text.h"
+#include "base/textorder.h"
 #include "ui/desk.h"
 #include "ui/form.h"
 

@@ -1,6 +1,6 @@
 // The workbook of a grid, through libxlsxwriter. It writes row by row into a file beside the target, which takes its place at the end.
+#include "base/characters.h"
 #include "base/numbers.h"
-#include "base/text.h"
 #include "ui/form.h"
 #include "ui/gridcopy.h"
 #include "ui/gridexport.h"

@@ -1,6 +1,6 @@
 #include "ui/list.h"
 
-#include "base/text.h"
+#include "base/textorder.h"
 
 namespace merchantry::ui {
 namespace {

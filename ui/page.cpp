@@ -1,6 +1,6 @@
 #include "ui/page.h"
 
-#include "base/text.h"
+#include "base/characters.h"
 
 namespace merchantry::ui {
 

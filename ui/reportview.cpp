@@ -1,6 +1,6 @@
 #include "ui/reportview.h"
 
-#include "base/text.h"
+#include "base/lettercase.h"
 #include "ui/desk.h"
 #include "ui/form.h"
 

@@ -1,8 +1,8 @@
 #include "ui/textbox.h"
 
+#include "base/characters.h"
 #include "base/currency.h"
 #include "base/numbers.h"
-#include "base/text.h"
 #include "ui/form.h"
 
 #include <algorithm>

@@ -4,6 +4,7 @@
 #include "app/db/eachrow.h"
 #include "app/db/work.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <iterator>

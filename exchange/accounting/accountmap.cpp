@@ -1,7 +1,9 @@
 #include "exchange/accounting/accountmap.h"
 
 #include "app/db/eachrow.h"
+#include "base/characters.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "exchange/accounting/iif.h"
 
 #include <algorithm>

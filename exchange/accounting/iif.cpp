@@ -1,5 +1,7 @@
 #include "exchange/accounting/iif.h"
 
+#include "base/characters.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 
 #include <iconv.h>

@@ -1,7 +1,9 @@
 #include "exchange/backup/serverlocator.h"
 
+#include "base/lettercase.h"
 #include "base/platform/platform.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "exchange/backup/dmo.h"
 
 #include <arpa/inet.h>

@@ -1,7 +1,10 @@
 #include "exchange/flat/flatfile.h"
 
+#include "base/characters.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "exchange/flat/csv.h"
 
 #include <charconv>

@@ -4,6 +4,7 @@
 #include "app/db/work.h"
 #include "app/modMain.h"
 #include "app/titles.h"
+#include "base/lettercase.h"
 #include "base/newfile.h"
 #include "base/text.h"
 #include "exchange/flat/flatfile.h"

@@ -1,5 +1,7 @@
 #include "exchange/import/cellreader.h"
 
+#include "base/characters.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
 

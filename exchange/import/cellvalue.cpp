@@ -1,7 +1,8 @@
 #include "exchange/import/cellvalue.h"
 
+#include "base/characters.h"
 #include "base/date.h"
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,7 @@
 #include "exchange/import/delimitedfile.h"
 
 #include "base/guard.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 #include "exchange/flat/csv.h"
 

@@ -1,6 +1,6 @@
 #include "exchange/import/fields.h"
 
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,7 @@
 #include "exchange/import/frmExcelImport.h"
 
 #include "app/modMain.h"
+#include "base/characters.h"
 #include "base/counted.h"
 #include "base/guard.h"
 #include "base/numbers.h"

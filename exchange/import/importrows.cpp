@@ -1,5 +1,6 @@
 #include "exchange/import/importrows.h"
 
+#include "base/characters.h"
 #include "base/text.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "exchange/import/importwriting.h"
 
+#include "base/lettercase.h"
 #include "base/numbers.h"
-#include "base/text.h"
 #include "exchange/import/itemsinstore.h"
 #include "exchange/import/itemwriting.h"
 #include "exchange/import/recordplan.h"

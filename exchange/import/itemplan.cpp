@@ -1,10 +1,13 @@
 #include "exchange/import/itemplan.h"
 
 #include "app/itemcodes.h"
+#include "base/characters.h"
 #include "base/counted.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/shown.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "exchange/import/decimals.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "exchange/import/itemsinstore.h"
 
 #include "app/db/eachrow.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 
 #include <algorithm>

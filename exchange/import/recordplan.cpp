@@ -2,6 +2,7 @@
 
 #include "app/modPhone.h"
 #include "app/states.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "exchange/import/itemsinstore.h"

@@ -1,6 +1,6 @@
 #include "exchange/import/recordwriting.h"
 
-#include "base/text.h"
+#include "base/lettercase.h"
 #include "exchange/import/statements.h"
 
 #include <algorithm>

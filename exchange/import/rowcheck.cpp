@@ -1,6 +1,7 @@
 #include "exchange/import/rowcheck.h"
 
 #include "base/counted.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 #include "exchange/import/delimitedfile.h"
 

@@ -3,8 +3,8 @@
 #include "app/db/schema/content.h"
 #include "app/db/schema/schema.h"
 #include "app/serverstore.h"
+#include "base/lettercase.h"
 #include "base/platform/platform.h"
-#include "base/text.h"
 #include "reports/engine/exports.h"
 
 #ifdef MERCHANTRY_PDF

@@ -1,3 +1,4 @@
+#include "base/text.h"
 #include "programs/merchantryctl/commands.h"
 
 #include "app/db/ado/provider.h"
@@ -7,8 +8,9 @@
 #include "app/db/server/database.h"
 #include "app/db/server/server.h"
 #include "app/serverstore.h"
+#include "base/characters.h"
+#include "base/lettercase.h"
 #include "base/platform/platform.h"
-#include "base/text.h"
 
 #include <editline/readline.h>
 #include <unistd.h>

@@ -1,5 +1,6 @@
 #include "reports/engine/definition.h"
 
+#include "base/lettercase.h"
 #include "base/text.h"
 #include "base/tomltable.h"
 #include "reports/engine/figure.h"

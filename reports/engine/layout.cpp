@@ -1,6 +1,5 @@
 #include "reports/engine/layout.h"
 
-#include "base/text.h"
 #include "reports/engine/chart.h"
 #include "reports/engine/textfit.h"
 

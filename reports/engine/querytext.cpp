@@ -1,8 +1,10 @@
 #include "reports/engine/querytext.h"
 
 #include "app/db/tsql/parser.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 

@@ -1,5 +1,6 @@
 #include "reports/engine/textfit.h"
 
+#include "base/characters.h"
 #include "base/text.h"
 
 namespace merchantry::reports {

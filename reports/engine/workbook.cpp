@@ -1,6 +1,5 @@
 #include "base/guard.h"
 #include "base/numbers.h"
-#include "base/text.h"
 #include "reports/engine/exportrows.h"
 #include "reports/engine/exports.h"
 #include "ui/sheetdate.h"

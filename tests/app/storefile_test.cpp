@@ -1,9 +1,9 @@
 #include "app/storefile.h"
+#include "base/text.h"
 
 #include "app/db/embedded/store.h"
 #include "app/db/schema/version9.h"
 #include "app/serverstore.h"
-#include "base/text.h"
 #include "tests/scratchfolder.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,7 @@
+#include "base/characters.h"
+#include "base/lettercase.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 #include <gtest/gtest.h>
 

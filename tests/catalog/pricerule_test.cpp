@@ -1,7 +1,5 @@
 #include "catalog/pricerule.h"
 
-#include "base/text.h"
-
 #include <gtest/gtest.h>
 
 namespace merchantry::catalog {

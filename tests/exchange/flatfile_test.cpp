@@ -1,8 +1,8 @@
+#include "base/text.h"
 #include "exchange/flat/flatfile.h"
 
 #include "app/db/schema/schema.h"
 #include "app/db/work.h"
-#include "base/text.h"
 #include "tests/db/teststore.h"
 
 #include <random>

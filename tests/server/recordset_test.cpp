@@ -1,5 +1,6 @@
 #include "app/db/ado/recordset.h"
 #include "base/text.h"
+#include "base/textorder.h"
 #include "tests/server/onaserver.h"
 
 namespace merchantry::db {

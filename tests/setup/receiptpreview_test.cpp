@@ -1,6 +1,6 @@
 #include "setup/receiptpreview.h"
 
-#include "base/text.h"
+#include "base/characters.h"
 
 #include <gtest/gtest.h>
 

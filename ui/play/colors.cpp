@@ -1,6 +1,6 @@
 #include "ui/play/colors.h"
 
-#include "base/text.h"
+#include "base/textorder.h"
 
 namespace merchantry::ui::play {
 namespace {

@@ -1,3 +1,4 @@
+#include "base/text.h"
 #include "ui/grid.h"
 #include "ui/play/colors.h"
 #include "ui/play/looks.h"
@@ -5,7 +6,7 @@
 #include "ui/tabset.h"
 #include "ui/textbox.h"
 
-#include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 

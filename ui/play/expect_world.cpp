@@ -1,8 +1,9 @@
+#include "base/text.h"
 #include "ui/play/rowtexts.h"
 #include "ui/play/step.h"
 #include "ui/play/verbs.h"
 
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,6 +1,7 @@
 #include "ui/play/step.h"
 
 #include "base/text.h"
+#include "base/textorder.h"
 #include "ui/menu.h"
 
 #include <charconv>

@@ -1,8 +1,9 @@
+#include "base/text.h"
 #include "ui/gestures.h"
 #include "ui/play/looks.h"
 #include "ui/play/verbs.h"
 
-#include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 

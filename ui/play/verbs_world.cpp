@@ -4,7 +4,7 @@
 #include "ui/play/verbs.h"
 #include "ui/textbox.h"
 
-#include "base/text.h"
+#include "base/textorder.h"
 
 namespace merchantry::ui::play {
 namespace {

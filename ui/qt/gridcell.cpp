@@ -1,6 +1,6 @@
 #include "ui/qt/gridcell.h"
 
-#include "base/text.h"
+#include "base/textorder.h"
 #include "ui/grid.h"
 #include "ui/qt/formwindow.h"
 #include "ui/qt/texts.h"

@@ -1,12 +1,11 @@
 #include "ui/textbox.h"
+#include "base/text.h"
 
 #include "ui/gestures.h"
 #include "ui/qt/formwindow.h"
 #include "ui/qt/frame.h"
 #include "ui/qt/roles.h"
 #include "ui/qt/texts.h"
-
-#include "base/text.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -3,6 +3,7 @@
 #include "app/db/dberror.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 namespace merchantry::db {
 namespace {

@@ -1,7 +1,8 @@
 #include "app/db/ado/filter.h"
 
 #include "app/db/ado/needle.h"
-#include "base/text.h"
+#include "base/lettercase.h"
+#include "base/textorder.h"
 
 #include <cctype>
 #include <cstring>

@@ -1,6 +1,6 @@
 #include "app/db/ado/needle.h"
 
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 #include <array>

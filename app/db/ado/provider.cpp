@@ -2,6 +2,7 @@
 
 #include "app/db/embedded/store.h"
 #include "app/db/server/server.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 
 namespace merchantry::db {

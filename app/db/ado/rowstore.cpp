@@ -1,6 +1,6 @@
 #include "app/db/ado/rowstore.h"
 
-#include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <cstring>

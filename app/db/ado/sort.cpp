@@ -1,6 +1,8 @@
 #include "app/db/ado/sort.h"
 
+#include "base/lettercase.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 namespace merchantry::db {
 

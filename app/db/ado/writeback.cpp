@@ -1,6 +1,8 @@
 #include "app/db/ado/writeback.h"
 
+#include "base/characters.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <set>

@@ -2,6 +2,7 @@
 
 #include "app/db/embedded/store.h"
 #include "base/text.h"
+#include "base/value.h"
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,11 @@
 #include "app/db/embedded/calls.h"
 #include "app/db/embedded/scopes.h"
+#include "base/text.h"
 
 #include "app/db/messages.h"
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
-#include "base/text.h"
 
 #include <algorithm>
 

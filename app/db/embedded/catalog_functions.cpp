@@ -1,9 +1,10 @@
 #include "app/db/embedded/catalog_functions.h"
 #include "app/db/embedded/constraint_ids.h"
+#include "base/text.h"
 
 #include "app/db/tsql/token.h"
 #include "app/db/tsql/types.h"
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #define SQLITE_ENABLE_PREUPDATE_HOOK 1
 #include "app/db/embedded/change_capture.h"
 
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 
 #include "app/db/messages.h"
 #include "app/db/tsql/errors.h"
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 

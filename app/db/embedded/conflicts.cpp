@@ -1,9 +1,9 @@
 #include "app/db/embedded/conflicts.h"
 #include "app/db/embedded/scopes.h"
+#include "base/text.h"
 
 #include "app/db/messages.h"
 #include "app/db/tsql/token.h"
-#include "base/text.h"
 
 #include <algorithm>
 

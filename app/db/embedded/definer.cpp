@@ -1,10 +1,11 @@
 #include "app/db/embedded/definer.h"
 #include "app/db/embedded/scopes.h"
+#include "base/text.h"
 
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
 #include "app/db/tsql/visit.h"
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 

@@ -2,7 +2,6 @@
 #include "app/db/embedded/text_order.h"
 
 #include "app/db/tsql/errors.h"
-#include "base/text.h"
 
 #include <algorithm>
 #include <cstring>

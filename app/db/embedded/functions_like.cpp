@@ -1,7 +1,9 @@
 #include "app/db/embedded/functions.h"
 
 #include "app/db/tsql/errors.h"
-#include "base/text.h"
+#include "base/characters.h"
+#include "base/lettercase.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <array>

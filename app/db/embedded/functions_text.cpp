@@ -1,9 +1,11 @@
 #include "app/db/embedded/functions.h"
+#include "base/text.h"
 
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/types.h"
+#include "base/characters.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
-#include "base/text.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
-#include "base/text.h"
+#include "base/characters.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
 #include "app/db/embedded/script.h"
 
+#include "base/characters.h"
 #include "base/text.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "app/db/tsql/binder.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
-#include "base/text.h"
+#include "base/lettercase.h"
 
 namespace merchantry::db::embedded {
 

@@ -1,12 +1,13 @@
 #include "app/db/embedded/system_procedures.h"
 #include "app/db/embedded/filestage.h"
 #include "app/db/embedded/scopes.h"
+#include "base/text.h"
 
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/parser.h"
 #include "app/db/tsql/token.h"
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 

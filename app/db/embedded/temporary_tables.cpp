@@ -1,6 +1,6 @@
 #include "app/db/embedded/temporary_tables.h"
 
-#include "base/text.h"
+#include "base/lettercase.h"
 
 namespace merchantry::db::embedded {
 

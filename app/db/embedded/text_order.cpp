@@ -1,7 +1,10 @@
 #include "app/db/embedded/text_order.h"
 
 #include "app/db/dberror.h"
+#include "base/characters.h"
+#include "base/lettercase.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <string>

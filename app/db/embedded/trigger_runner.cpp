@@ -1,7 +1,7 @@
 #include "app/db/embedded/trigger_runner.h"
 #include "app/db/embedded/scopes.h"
 
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <algorithm>
 

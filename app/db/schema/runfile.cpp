@@ -1,6 +1,6 @@
 #include "app/db/schema/runfile.h"
 
-#include "base/text.h"
+#include "base/textorder.h"
 
 #include <string>
 

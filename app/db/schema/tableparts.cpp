@@ -1,6 +1,6 @@
 #include "app/db/schema/tableparts.h"
 
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <array>
 #include <span>

@@ -1,8 +1,10 @@
 #include "app/db/server/address.h"
 
 #include "app/db/dberror.h"
+#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <cstdlib>

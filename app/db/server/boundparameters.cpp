@@ -2,7 +2,7 @@
 
 #include "app/db/server/resultrows.h"
 #include "app/db/tsql/cell.h"
-#include "base/text.h"
+#include "base/characters.h"
 
 #include <algorithm>
 #include <cstring>

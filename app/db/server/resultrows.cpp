@@ -1,6 +1,6 @@
 #include "app/db/server/resultrows.h"
 
-#include "base/text.h"
+#include "base/textorder.h"
 
 #include <array>
 #include <cstring>

@@ -3,7 +3,9 @@
 #include "app/db/eachrow.h"
 #include "app/db/embedded/store.h"
 #include "base/guard.h"
+#include "base/lettercase.h"
 #include "base/text.h"
+#include "base/textorder.h"
 
 #include <algorithm>
 #include <map>

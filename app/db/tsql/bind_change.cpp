@@ -7,7 +7,7 @@
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/render.h"
 #include "app/db/tsql/token.h"
-#include "base/text.h"
+#include "base/lettercase.h"
 
 namespace merchantry::db::tsql {
 namespace {

@@ -1,8 +1,8 @@
 #include "app/db/tsql/bind_literal.h"
 
 #include "app/db/tsql/errors.h"
+#include "base/characters.h"
 #include "base/decimal.h"
-#include "base/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,9 @@
 #include "app/db/tsql/convert_to.h"
+#include "base/text.h"
 
 #include "app/db/messages.h"
 #include "app/db/tsql/errors.h"
-#include "base/text.h"
+#include "base/lettercase.h"
 
 #include <cctype>
 

@@ -1,7 +1,7 @@
 #include "app/db/tsql/convert_to.h"
+#include "base/text.h"
 
 #include "base/date.h"
-#include "base/text.h"
 
 #include <cmath>
 

@@ -1,8 +1,9 @@
 #include "app/db/tsql/convert_to.h"
+#include "base/text.h"
 
 #include "app/db/tsql/errors.h"
+#include "base/characters.h"
 #include "base/date.h"
-#include "base/text.h"
 
 #include <cmath>
 

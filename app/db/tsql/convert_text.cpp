@@ -4,9 +4,9 @@
 #include "app/db/tsql/datetext.h"
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
+#include "base/characters.h"
 #include "base/currency.h"
 #include "base/decimal.h"
-#include "base/text.h"
 
 #include <array>
 

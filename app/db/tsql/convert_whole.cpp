@@ -1,11 +1,11 @@
 #include "app/db/tsql/convert_to.h"
+#include "base/text.h"
 
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/token.h"
 #include "app/db/tsql/types.h"
 #include "base/date.h"
 #include "base/numbers.h"
-#include "base/text.h"
 
 #include <cmath>
 

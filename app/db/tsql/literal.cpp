@@ -1,7 +1,7 @@
 #include "app/db/tsql/literal.h"
 
 #include "app/db/tsql/catalog.h"
-#include "base/text.h"
+#include "base/value.h"
 
 #include <array>
 #include <cstdint>

@@ -2,6 +2,7 @@
 
 #include "app/db/dberror.h"
 #include "app/db/messages.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
+#include "base/text.h"
 #include "exchange/import/delimitedfile.h"
 
-#include "base/text.h"
 #include "tests/exchange/import/readwhole.h"
 #include "tests/scratchfolder.h"
 

@@ -1,5 +1,6 @@
 // What is written is read back cell for cell: by this program's own writer of delimited text, and by a writer of workbooks.
 
+#include "base/currency.h"
 #include "base/text.h"
 #include "exchange/flat/csv.h"
 #include "tests/exchange/import/readwhole.h"

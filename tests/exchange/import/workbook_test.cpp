@@ -1,6 +1,6 @@
+#include "base/text.h"
 #include "exchange/import/workbook.h"
 
-#include "base/text.h"
 #include "tests/exchange/import/madeworkbook.h"
 #include "tests/exchange/import/readwhole.h"
 #include "tests/scratchfolder.h"

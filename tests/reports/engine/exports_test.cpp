@@ -1,8 +1,8 @@
+#include "base/text.h"
 #include "reports/engine/exports.h"
 
 #include "app/db/embedded/store.h"
 #include "app/db/schema/schema.h"
-#include "base/text.h"
 #include "reports/engine/barcode.h"
 #include "reports/engine/labels.h"
 #include "tests/scratchfolder.h"

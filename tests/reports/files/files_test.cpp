@@ -1,4 +1,5 @@
 #include "app/reportlistings.h"
+#include "base/lettercase.h"
 #include "base/text.h"
 #include "reports/engine/labels.h"
 #include "reports/engine/querytext.h"

@@ -1,4 +1,4 @@
-#include "base/text.h"
+#include "base/lettercase.h"
 #include "tests/ui/qt/sampleforms.h"
 #include "ui/gestures.h"
 #include "ui/qt/formwindow.h"

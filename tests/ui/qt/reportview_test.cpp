@@ -1,6 +1,5 @@
 #include "ui/reportview.h"
 
-#include "base/text.h"
 #include "ui/form.h"
 #include "ui/qt/formwindow.h"
 #include "ui/qt/pagesview.h"
