@@ -57,7 +57,8 @@ void Changes::run(const PlanPtr& plan) {
     if (scope.isOver())
         endedInTrigger();
     scope.finish();
-    batch_.sink->changed(batch_.session.rowCount);
+    if (!batch_.session.settings.noCount)
+        batch_.sink->changed(batch_.session.rowCount);
 }
 
 // A trigger that rolled back ends the batch.

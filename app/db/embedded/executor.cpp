@@ -33,6 +33,11 @@ bool holdsStatements(const tsql::Statement& statement) {
 void Executor::runFrame(Frame& frame) {
     const FrameScope here(batch_, temporaries_, frame);
     const AtEnd leave([&] { parts_.tables.dropTablesOf(frame); });
+    const bool isBatch = frame.caller == nullptr && frame.code->procedure.empty();
+    const AtEnd chosen([&, before = batch_.session.settings] {
+        if (!isBatch)
+            parts_.options.putBack(before);
+    });
     check_.check(*frame.code);
     runBlock(*frame.code->body);
 }

@@ -28,6 +28,7 @@ const Options::Entry* Options::find(const std::string& option) {
         {"ANSI_NULLS", &Options::setAnsiNulls},
         {"QUOTED_IDENTIFIER", &Options::setQuotedIdentifiers},
         {"XACT_ABORT", &Options::setXactAbort},
+        {"NOCOUNT", &Options::setNoCount},
         {"ROWCOUNT", &Options::setRowCount},
         {"DATEFIRST", &Options::setDateFirst},
         {"IDENTITY_INSERT", &Options::setIdentityInsert},
@@ -53,7 +54,6 @@ const Options::Entry* Options::find(const std::string& option) {
         {"DEADLOCK_PRIORITY"},
         {"FORCEPLAN"},
         {"LOCK_TIMEOUT"},
-        {"NOCOUNT"},
         {"NO_BROWSETABLE"},
         {"NUMERIC_ROUNDABORT"},
         {"QUERY_GOVERNOR_COST_LIMIT"},
@@ -79,6 +79,12 @@ void Options::set(const tsql::SetOptionStatement& statement) {
     session_.rowCount = 0;
 }
 
+void Options::putBack(const Settings& before) {
+    if (session_.settings.ansiNulls != before.ansiNulls)
+        schema_.changed();
+    session_.settings = before;
+}
+
 std::int64_t Options::number(const tsql::SetOptionStatement& statement) {
     if (!statement.expr)
         throw serverMessage(Message::IncorrectSyntax, {statement.value}, statement.line);
@@ -96,6 +102,10 @@ void Options::setQuotedIdentifiers(const tsql::SetOptionStatement& statement) {
 
 void Options::setXactAbort(const tsql::SetOptionStatement& statement) {
     session_.settings.xactAbort = isOn(statement);
+}
+
+void Options::setNoCount(const tsql::SetOptionStatement& statement) {
+    session_.settings.noCount = isOn(statement);
 }
 
 void Options::setRowCount(const tsql::SetOptionStatement& statement) {

@@ -13,6 +13,8 @@ public:
         : session_(session), catalog_(catalog), schema_(schema), plans_(plans), evaluator_(evaluator) {}
 
     void set(const tsql::SetOptionStatement& statement);
+    // What a procedure, a trigger or a text that was executed chose ends with it.
+    void putBack(const Settings& before);
 
 private:
     struct Entry;
@@ -20,6 +22,7 @@ private:
     void setAnsiNulls(const tsql::SetOptionStatement& statement);
     void setQuotedIdentifiers(const tsql::SetOptionStatement& statement);
     void setXactAbort(const tsql::SetOptionStatement& statement);
+    void setNoCount(const tsql::SetOptionStatement& statement);
     void setRowCount(const tsql::SetOptionStatement& statement);
     void setDateFirst(const tsql::SetOptionStatement& statement);
     void setIdentityInsert(const tsql::SetOptionStatement& statement);

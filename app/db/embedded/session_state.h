@@ -13,6 +13,7 @@ struct Settings {
     bool ansiNulls = true;
     bool quotedIdentifiers = true;
     bool xactAbort = false;
+    bool noCount = false;
     std::int64_t rowCount = 0; // 0: no limit
     int dateFirst = 7;
 };
