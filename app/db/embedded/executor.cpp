@@ -159,16 +159,22 @@ Executor::Flow Executor::runOne(const tsql::Statement& statement) {
                       }});
 }
 
-Executor::Flow Executor::runIf(const tsql::IfStatement& statement) {
-    const bool holds = evaluator_.condition(statement, *statement.condition);
+// Asking is a statement of its own: what is below it finds neither the error nor the row count of the one before.
+bool Executor::holds(const tsql::Statement& statement, const tsql::Expr& condition) {
+    const bool held = evaluator_.condition(statement, condition);
     batch_.session.error = 0;
-    if (holds)
+    batch_.session.rowCount = 0;
+    return held;
+}
+
+Executor::Flow Executor::runIf(const tsql::IfStatement& statement) {
+    if (holds(statement, *statement.condition))
         return run(*statement.then);
     return statement.otherwise ? run(*statement.otherwise) : Flow::Next;
 }
 
 Executor::Flow Executor::runWhile(const tsql::WhileStatement& statement) {
-    while (evaluator_.condition(statement, *statement.condition)) {
+    while (holds(statement, *statement.condition)) {
         stopIfCancelled();
         const Flow flow = run(*statement.body);
         if (flow == Flow::Break)

@@ -42,6 +42,7 @@ private:
     Flow runBlock(const tsql::Block& block);
     Flow run(const tsql::Statement& statement);
     Flow runOne(const tsql::Statement& statement);
+    bool holds(const tsql::Statement& statement, const tsql::Expr& condition);
     Flow runIf(const tsql::IfStatement& statement);
     Flow runWhile(const tsql::WhileStatement& statement);
     Flow runTry(const tsql::TryStatement& statement);

@@ -68,5 +68,60 @@ TEST_F(Flow, CountsAreToldUnlessTheyAreSwitchedOff) {
     EXPECT_EQ(counts, "");
 }
 
+// IF @@ROWCOUNT = 0 ... ELSE IF @@ROWCOUNT > 1 asked twice for the count of the statement before.
+TEST_F(Flow, AskingIsAStatementOfItsOwn) {
+    run("INSERT INTO T (N) VALUES (1), (2)");
+    EXPECT_EQ(told("UPDATE T SET N = N IF @@ROWCOUNT = 0 SELECT 'none' ELSE IF @@ROWCOUNT > 1 SELECT 'many' ELSE SELECT @@ROWCOUNT"), "0");
+    EXPECT_EQ(told("UPDATE T SET N = N IF @@ROWCOUNT = 2 SELECT @@ROWCOUNT SELECT @@ROWCOUNT"), "0;1");
+    EXPECT_EQ(told("INSERT INTO T (N) VALUES (100) IF @@ERROR <> 0 SELECT @@ERROR"), "547: 0");
+    EXPECT_EQ(told("INSERT INTO T (N) VALUES (100) WHILE @@ERROR <> 0 SELECT @@ERROR, @@ROWCOUNT"), "547: 0|0");
+    EXPECT_EQ(
+        told("DECLARE @runs int SET @runs = 0 DELETE T WHERE N = 1 WHILE @@ROWCOUNT > 0 BEGIN SET @runs = @runs + 1 DELETE T WHERE N = 2 "
+             "END SELECT @runs, @@ROWCOUNT"),
+        "2|0");
+}
+
+TEST_F(Flow, ErrorsInProceduresGoOnOrEndWhatTheyEnd) {
+    run("CREATE PROCEDURE Deep AS RAISERROR('deep', 16, 1) RETURN 3");
+    run("CREATE PROCEDURE Middle AS DECLARE @r int EXEC @r = Deep SELECT @@ERROR, @r RETURN @r + 1");
+    EXPECT_EQ(told("DECLARE @r int EXEC @r = Middle SELECT @r, @@ERROR"), "50000: 0|3;4|0");
+    run("CREATE PROCEDURE Missing AS EXEC NoSuch SELECT 'goes on' SELECT * FROM NoTable SELECT 'not here'");
+    EXPECT_EQ(told("EXEC Missing SELECT 'caller'"), "2812,208: goes on;caller");
+    run("CREATE PROCEDURE Converts AS DECLARE @i int SET @i = 'abc' SELECT 'not here'");
+    EXPECT_EQ(told("BEGIN TRAN EXEC Converts SELECT 'nor here'"), "245");
+    EXPECT_EQ(told("SELECT @@TRANCOUNT"), "0");
+    run("CREATE PROCEDURE Saved @n int AS SAVE TRAN here INSERT INTO T (N) VALUES (10) INSERT INTO T (N) VALUES (@n) IF @@ERROR <> 0 "
+        "BEGIN ROLLBACK TRAN here RETURN 1 END RETURN 0");
+    EXPECT_EQ(told("DECLARE @a int, @b int BEGIN TRAN INSERT INTO T (N) VALUES (9) EXEC @a = Saved 100 EXEC @b = Saved 11 "
+                   "SELECT @a, @b, @@TRANCOUNT COMMIT SELECT N FROM T ORDER BY ID"),
+              "547: 1|0|1;9;10;11");
+}
+
+TEST_F(Flow, ErrorsInFunctionsAreThoseOfTheirStatement) {
+    run("CREATE FUNCTION dbo.Tenth (@a int) RETURNS int AS BEGIN DECLARE @r int SET @r = 10 / @a RETURN @r END");
+    run("INSERT INTO T (N) VALUES (1), (2)");
+    EXPECT_EQ(told("SELECT dbo.Tenth(0) SELECT 'after', @@ERROR"), "8134: after|8134");
+    EXPECT_EQ(told("INSERT INTO T (N) SELECT dbo.Tenth(ID - 1) FROM T SELECT COUNT(*) FROM T"), "8134: 2");
+    EXPECT_EQ(told("BEGIN TRAN UPDATE T SET N = 7 UPDATE T SET N = dbo.Tenth(N - 7) SELECT MIN(N), @@TRANCOUNT FROM T ROLLBACK"),
+              "8134: 7|1");
+    EXPECT_EQ(told("BEGIN TRY SELECT dbo.Tenth(0) END TRY BEGIN CATCH SELECT ERROR_NUMBER(), ERROR_PROCEDURE() END CATCH"), "8134|Tenth");
+}
+
+TEST_F(Flow, CursorsThatWereLeftOpenAreThereAsTheyWere) {
+    run("INSERT INTO T (N) VALUES (1), (2), (3)");
+    run("DECLARE c CURSOR FOR SELECT N FROM T ORDER BY ID OPEN c");
+    EXPECT_EQ(told("DECLARE @n int BEGIN TRAN FETCH NEXT FROM c INTO @n DELETE T WHERE N = 9 ROLLBACK FETCH NEXT FROM c INTO @n SELECT @n, "
+                   "@@FETCH_STATUS, CURSOR_STATUS('global', 'c')"),
+              "2|0|1");
+    EXPECT_EQ(told("DECLARE c CURSOR FOR SELECT 1"), "16915");
+    EXPECT_EQ(told("OPEN c"), "16905");
+    EXPECT_EQ(told("DECLARE @n int FETCH NEXT FROM c INTO @n FETCH NEXT FROM c INTO @n SELECT @n, @@FETCH_STATUS CLOSE c DEALLOCATE c"),
+              "3|-1");
+    EXPECT_EQ(told("CLOSE c"), "16916");
+    run("CREATE PROCEDURE Leaves AS DECLARE c CURSOR LOCAL FOR SELECT N FROM T DECLARE @n int OPEN c FETCH NEXT FROM c INTO @n "
+        "RAISERROR('x', 16, 1)");
+    EXPECT_EQ(told("EXEC Leaves EXEC Leaves SELECT CURSOR_STATUS('global', 'c')"), "50000,50000: -3");
+}
+
 } // namespace
 } // namespace merchantry::db
