@@ -54,19 +54,22 @@ void Changes::run(const PlanPtr& plan) {
     if (!plans_.isOfThisSchema(*plan) && !bound.table->isTemporary())
         throw serverError(1205, "The tables were changed by another user while the statement began. Run it again.").withSeverity(13, 1);
     change(*plan, scope);
-    if (scope.isOver())
-        endedInTrigger();
+    requireUnended(scope);
     scope.finish();
     if (!batch_.session.settings.noCount)
         batch_.sink->changed(batch_.session.rowCount);
 }
 
-// A trigger that rolled back ends the batch.
-void Changes::endedInTrigger() {
-    const DbError ended = serverMessage(Message::EndedInTrigger).withSeverity(16, 1);
+// A trigger that ended the transaction ends the batch, and so does one that caught an error: nothing of its statement may be kept.
+void Changes::requireUnended(const WriteScope& scope) {
+    if (!scope.isOver() && !transaction_.isDoomed())
+        return;
+    const DbError ended = serverMessage(scope.isOver() ? Message::EndedInTrigger : Message::ErrorInTrigger);
     if (batch_.tries > 0)
         throw DbError(ended);
     batch_.note(ended);
+    if (!scope.isOver())
+        transaction_.rollbackAll();
     throw BatchEnd{};
 }
 
@@ -192,11 +195,15 @@ void Changes::insertFromExecute(const tsql::InsertStatement& statement) {
     for (const RowCollector::Set& set : collector.sets) {
         const tsql::ChangePlan plan = plans_.binder().insertRow(statement, set.types);
         const ChangedTables changed = capture_.during(triggers_.watched(plan.table, 'I'), [&] { insertRows(plan, set.rows); });
-        const auto count = static_cast<std::int64_t>(set.rows.size());
-        noteScopeIdentity(*plan.table, count);
-        const TriggersScope firing(batch_);
-        triggers_.fireAfter(plan, changed, 'I');
-        rows += count;
+        const auto inserted = static_cast<std::int64_t>(set.rows.size());
+        noteScopeIdentity(*plan.table, inserted);
+        {
+            const TriggersScope firing(batch_);
+            const TriggerCount count(transaction_, scope.isOwn());
+            triggers_.fireAfter(plan, changed, 'I');
+        }
+        rows += inserted;
+        requireUnended(scope);
     }
     scope.finish();
     batch_.session.rowCount = rows;

@@ -33,7 +33,7 @@ private:
     void output(const tsql::ChangePlan& change);
     void insertRows(const tsql::ChangePlan& plan, const Rowset& rows);
     void insertFromExecute(const tsql::InsertStatement& statement);
-    void endedInTrigger();
+    void requireUnended(const WriteScope& scope);
 
     Connection& connection_;
     BatchState& batch_;

@@ -46,7 +46,7 @@ TrialScope::~TrialScope() {
 }
 
 WriteScope::WriteScope(Transaction& transaction, bool temporaryOnly, bool undoesItself)
-    : transaction_(transaction), rollbacks_(transaction.rollbacks()) {
+    : transaction_(transaction), endings_(transaction.endings()) {
     const bool own = !transaction_.isOpen();
     if (own && temporaryOnly) {
         transaction_.endRead(); // SQLite's own statement is enough; the file is not locked
@@ -78,13 +78,13 @@ WriteScope::~WriteScope() {
 }
 
 TriggerCount::TriggerCount(Transaction& transaction, bool own)
-    : transaction_(transaction), own_(own && transaction.count() == 0), rollbacks_(transaction.rollbacks()) {
+    : transaction_(transaction), own_(own && transaction.count() == 0), endings_(transaction.endings()) {
     if (own_)
         transaction_.begin();
 }
 
 TriggerCount::~TriggerCount() {
-    if (own_ && rollbacks_ == transaction_.rollbacks())
+    if (own_ && endings_ == transaction_.endings())
         transaction_.endCount();
 }
 

@@ -184,10 +184,10 @@ public:
     WriteScope(const WriteScope&) = delete;
     WriteScope& operator=(const WriteScope&) = delete;
 
-    // Keeps what was done. Without effect when the transaction around was rolled back meanwhile.
+    // Keeps what was done. Without effect when the transaction around ended meanwhile.
     void finish();
-    // Whether the transaction was rolled back since.
-    bool isOver() const { return rollbacks_ != transaction_.rollbacks(); }
+    // Whether the transaction ended since.
+    bool isOver() const { return endings_ != transaction_.endings(); }
     // Whether the statement stands in no transaction but its own.
     bool isOwn() const { return mode_ == Mode::Own; }
 
@@ -195,7 +195,7 @@ private:
     enum class Mode { Own, SavePoint, Itself, Done };
     Transaction& transaction_;
     Mode mode_ = Mode::SavePoint;
-    std::uint64_t rollbacks_;
+    std::uint64_t endings_;
 };
 
 // While it lives, the triggers of a statement that is a transaction of its own see that one counted. Without effect within another.
@@ -209,7 +209,7 @@ public:
 private:
     Transaction& transaction_;
     bool own_;
-    std::uint64_t rollbacks_;
+    std::uint64_t endings_;
 };
 
 } // namespace merchantry::db::embedded

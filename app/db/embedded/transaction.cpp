@@ -95,6 +95,7 @@ void Transaction::commit() {
     if (inWrite_)
         commitStatement();
     count_ = 0;
+    ++endings_;
     closed();
 }
 
@@ -107,9 +108,11 @@ void Transaction::closed() {
 void Transaction::rollback(const std::string& name) {
     if (count_ == 0)
         throw serverMessage(Message::RollbackWithoutBegin);
-    if (name.empty() || tsql::sameName(name, name_))
-        return rollbackAll();
-    rollbackTo(name);
+    if (!name.empty() && !tsql::sameName(name, name_))
+        return rollbackTo(name);
+    if (batch_.inInsertExec) // the rows of it would stand alone
+        throw serverMessage(Message::RollbackInInsertExec);
+    rollbackAll();
 }
 
 void Transaction::rollbackAll() {
@@ -126,7 +129,7 @@ void Transaction::rollbackAll() {
     count_ = 0;
     doomed_ = false;
     identities_.rolledBack();
-    ++rollbacks_;
+    ++endings_;
     if (undone)
         batch_.noting([&] { temporaries_.restore(rows); });
     const bool touched = schema_.touched();

@@ -30,8 +30,8 @@ public:
     void savePoint(const std::string& name);
     // Throws nothing: its own errors are noted as more of the batch.
     void rollbackAll();
-    // Changes with every rollback of all: who ran something can tell that the transaction it ran in is over.
-    std::uint64_t rollbacks() const { return rollbacks_; }
+    // Changes when it ends, by a rollback of all or its last commit: who ran something can tell that the transaction it ran in is over.
+    std::uint64_t endings() const { return endings_; }
     // Whether SQLite has a transaction open that a statement's own changes belong to.
     bool isOpen() const { return count_ > 0 || inWrite_; }
     bool isWriting() const { return inWrite_; }
@@ -82,7 +82,7 @@ private:
     bool inWrite_ = false; // SQLite has a write transaction open
     bool inRead_ = false;
     bool doomed_ = false;
-    std::uint64_t rollbacks_ = 0;
+    std::uint64_t endings_ = 0;
     std::string name_;
     std::vector<SavedPoint> savedPoints_;
     int savedPointNumber_ = 0;

@@ -114,14 +114,14 @@ void TriggerRunner::fire(const Firing& firing, char event, bool insteadOf) {
     const Frame* inner = batch_.frame;
     while (inner && !inner->isTrigger)
         inner = inner->caller;
-    const std::uint64_t rollbacks = transaction_.rollbacks();
+    const std::uint64_t endings = transaction_.endings();
     const Ids triggers = triggersOf(firing.table->id, event, insteadOf); // a copy: a trigger may define objects
     for (const std::int64_t id : triggers) {
         const StoredObject* trigger = store_.findById(id);
         if (!trigger || (inner && inner->code->objectId == id))
             continue;
         run(*trigger, firing);
-        if (rollbacks != transaction_.rollbacks())
+        if (endings != transaction_.endings() || transaction_.isDoomed())
             return;
     }
 }

@@ -107,6 +107,73 @@ TEST_F(Flow, ErrorsInFunctionsAreThoseOfTheirStatement) {
     EXPECT_EQ(told("BEGIN TRY SELECT dbo.Tenth(0) END TRY BEGIN CATCH SELECT ERROR_NUMBER(), ERROR_PROCEDURE() END CATCH"), "8134|Tenth");
 }
 
+// An error that a trigger caught left its statement in the store, although the batch said that all was rolled back.
+TEST_F(Flow, ATriggerThatCaughtAnErrorKeepsNothing) {
+    run("CREATE TRIGGER Catches ON T AFTER INSERT AS BEGIN TRY INSERT INTO Log (S) SELECT 'n' + CAST(N AS varchar(9)) FROM inserted "
+        "IF EXISTS (SELECT * FROM inserted WHERE N = 13) SELECT 1 / 0 END TRY BEGIN CATCH DECLARE @x int SET @x = XACT_STATE() END CATCH");
+    run("CREATE TRIGGER Then2 ON T AFTER INSERT AS INSERT INTO Log (S) VALUES ('second')");
+    run("CREATE PROCEDURE Gives AS SELECT 13");
+    EXPECT_EQ(told("INSERT INTO T (N) VALUES (1)"), "");
+    for (const char* insert : {"INSERT INTO T (N) VALUES (13)", "INSERT INTO T (N) EXEC Gives"}) {
+        EXPECT_EQ(told(std::string(insert) + " SELECT 'goes on'"), "3616") << insert;
+        EXPECT_EQ(told(std::string("BEGIN TRAN INSERT INTO T (N) VALUES (2) ") + insert), "3616") << insert;
+        EXPECT_EQ(told("SELECT @@TRANCOUNT, COUNT(*) FROM T"), "0|1") << insert;
+        EXPECT_EQ(logged(), "n1;second") << insert;
+        EXPECT_EQ(told(std::string("BEGIN TRY ") + insert + " END TRY BEGIN CATCH SELECT ERROR_NUMBER(), XACT_STATE() END CATCH"),
+                  "3616|0");
+        EXPECT_EQ(told(std::string("BEGIN TRAN BEGIN TRY ") + insert +
+                       " END TRY BEGIN CATCH SELECT ERROR_NUMBER(), XACT_STATE() END CATCH ROLLBACK"),
+                  "3616|-1");
+        EXPECT_EQ(told("SELECT COUNT(*) FROM T"), "1") << insert;
+    }
+}
+
+// COMMIT in a trigger was told as a failing disk.
+TEST_F(Flow, ATriggerThatEndsTheTransactionEndsTheBatch) {
+    run("CREATE PROCEDURE Gives AS SELECT 5");
+    for (const char* ends : {"COMMIT", "ROLLBACK"}) {
+        const bool kept = std::string(ends) == "COMMIT";
+        run(std::string("CREATE TRIGGER Ends ON T AFTER INSERT AS BEGIN ") + ends + " INSERT INTO Log (S) VALUES ('own') END");
+        for (const char* insert :
+             {"INSERT INTO T (N) VALUES (5)", "BEGIN TRAN INSERT INTO T (N) VALUES (5)", "INSERT INTO T (N) EXEC Gives"}) {
+            run("ALTER TABLE T DISABLE TRIGGER Ends DELETE T DELETE Log ALTER TABLE T ENABLE TRIGGER Ends");
+            EXPECT_EQ(told(std::string(insert) + " SELECT 'goes on'"), "3609") << ends << insert;
+            EXPECT_EQ(told("SELECT @@TRANCOUNT, COUNT(*) FROM T"), kept ? "0|1" : "0|0") << ends << insert;
+            EXPECT_EQ(logged(), "own") << ends << insert;
+        }
+        run("DROP TRIGGER Ends");
+    }
+    run("CREATE TRIGGER Saves ON T AFTER INSERT AS SAVE TRAN here INSERT INTO Log (S) VALUES ('undone') ROLLBACK TRAN here");
+    run("DELETE T DELETE Log");
+    EXPECT_EQ(told("INSERT INTO T (N) VALUES (6) SELECT @@TRANCOUNT, COUNT(*) FROM T"), "0|1");
+    EXPECT_EQ(logged(), "");
+}
+
+// The rows of a procedure that rolled back were put in all the same, outside any transaction.
+TEST_F(Flow, InsertExecRefusesARollback) {
+    run("CREATE PROCEDURE Undoes AS SELECT 5 ROLLBACK");
+    run("CREATE PROCEDURE Own AS BEGIN TRAN INSERT INTO Log (S) VALUES ('own') SAVE TRAN here INSERT INTO Log (S) VALUES ('no') ROLLBACK "
+        "TRAN "
+        "here COMMIT SELECT 6");
+    EXPECT_EQ(told("BEGIN TRAN INSERT INTO T (N) VALUES (1) INSERT INTO T (N) EXEC Undoes SELECT @@TRANCOUNT ROLLBACK"), "3915: 1");
+    EXPECT_EQ(told("INSERT INTO T (N) EXEC Own SELECT N, @@TRANCOUNT FROM T"), "6|0");
+    EXPECT_EQ(logged(), "own");
+}
+
+TEST_F(Flow, InsteadOfTriggersDecideWhatIsWritten) {
+    run("CREATE VIEW V AS SELECT ID, N FROM T");
+    run("CREATE TRIGGER Via ON V INSTEAD OF INSERT AS INSERT INTO Log (S) SELECT 'via' FROM inserted INSERT INTO T (N) SELECT N FROM "
+        "inserted");
+    EXPECT_EQ(told("INSERT INTO V (N) VALUES (1), (2) SELECT @@ROWCOUNT, SCOPE_IDENTITY(), @@IDENTITY"), "2|NULL|2");
+    EXPECT_EQ(told("INSERT INTO V (N) VALUES (3), (100) SELECT 'goes on'"), "547") << "an error in a trigger ends the batch";
+    EXPECT_EQ(told("BEGIN TRAN INSERT INTO T (N) VALUES (4) INSERT INTO V (N) VALUES (100)"), "547");
+    EXPECT_EQ(told("SELECT @@TRANCOUNT, (SELECT COUNT(*) FROM T), (SELECT COUNT(*) FROM Log)"), "0|2|2");
+    run("CREATE TRIGGER Again ON Log INSTEAD OF INSERT AS INSERT INTO Log (S) SELECT S + '!' FROM inserted"); // does not fire itself
+    EXPECT_EQ(told("DELETE FROM Log INSERT INTO Log (S) VALUES ('a') SELECT S FROM Log"), "a!");
+    run("CREATE TRIGGER Keeps ON T INSTEAD OF DELETE AS DELETE T WHERE ID IN (SELECT MIN(ID) FROM deleted)");
+    EXPECT_EQ(told("DELETE T SELECT @@ROWCOUNT, COUNT(*) FROM T"), "2|1");
+}
+
 TEST_F(Flow, CursorsThatWereLeftOpenAreThereAsTheyWere) {
     run("INSERT INTO T (N) VALUES (1), (2), (3)");
     run("DECLARE c CURSOR FOR SELECT N FROM T ORDER BY ID OPEN c");
