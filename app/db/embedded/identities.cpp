@@ -1,6 +1,8 @@
 #include "app/db/embedded/identities.h"
 
+#include "app/db/tsql/convert_to.h"
 #include "app/db/tsql/errors.h"
+#include "app/db/tsql/types.h"
 #include "base/guard.h"
 
 #include <algorithm>
@@ -9,6 +11,19 @@ namespace merchantry::db::embedded {
 
 using tsql::Cell;
 
+namespace {
+
+bool fits(std::int64_t number, const SqlType& type) {
+    if (type.kind == TypeKind::Decimal) {
+        const tsql::Wide limit = tsql::powerOfTen(type.precision);
+        return number < limit && number > -limit;
+    }
+    const tsql::Range range = tsql::rangeOf(type.kind);
+    return number >= range.low && number <= range.high;
+}
+
+} // namespace
+
 // The number that the next row builds on.
 Identities::Counter& Identities::counterOf(std::int64_t table) {
     const auto found = counters_.find(table);
@@ -16,7 +31,7 @@ Identities::Counter& Identities::counterOf(std::int64_t table) {
         return found->second;
     const std::shared_ptr<const tsql::TableDef> definition = catalog_.tableById(table);
     const tsql::ColumnDef& column = definition->columns[static_cast<std::size_t>(definition->identityColumn())];
-    Counter counter{column.seed - column.increment, column.increment, false};
+    Counter counter{column.seed - column.increment, column.increment, column.type, false};
     if (table < 0) {
         if (const auto own = temporary_.find(table); own != temporary_.end())
             counter.last = own->second;
@@ -59,8 +74,8 @@ void Identities::keep(std::int64_t table, Counter& counter, std::int64_t number)
 std::int64_t Identities::next(std::int64_t table) {
     Counter& counter = counterOf(table);
     std::int64_t number = 0;
-    if (__builtin_add_overflow(counter.last, counter.increment, &number))
-        throw serverMessage(Message::ArithmeticOverflow, {"IDENTITY", "bigint"});
+    if (__builtin_add_overflow(counter.last, counter.increment, &number) || !fits(number, counter.type))
+        throw serverMessage(Message::ArithmeticOverflow, {"IDENTITY", tsql::kindNameOf(counter.type)});
     last_ = Cell::ofInteger(number);
     keep(table, counter, number);
     return number;

@@ -48,6 +48,7 @@ private:
     struct Counter {
         std::int64_t last;
         std::int64_t increment;
+        SqlType type;
         bool changed;
     };
     using Counters = std::map<std::int64_t, Counter>;

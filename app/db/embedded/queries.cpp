@@ -78,8 +78,11 @@ void Queries::into(const tsql::QueryPlan& query, int line) {
 // The identity column that it took with its numbers goes on behind the last.
 void Queries::noteNumbers(const tsql::TableDef& made) {
     const int identity = made.identityColumn();
-    if (identity < 0)
+    if (identity < 0) {
+        identities_.forgetLast();
+        batch_.frame->scopeIdentity = {};
         return;
+    }
     const std::string& column = made.columns[static_cast<std::size_t>(identity)].name;
     const tsql::Cell most = parts_.connection.single("SELECT max(" + tsql::quotedName(column) + ") FROM " + made.storage);
     if (!most.isNull())

@@ -174,6 +174,27 @@ TEST_F(Flow, InsteadOfTriggersDecideWhatIsWritten) {
     EXPECT_EQ(told("DELETE T SELECT @@ROWCOUNT, COUNT(*) FROM T"), "2|1");
 }
 
+TEST_F(Flow, NumbersOfIdentityColumnsEndWithTheirType) {
+    run("CREATE TABLE Small (ID tinyint IDENTITY(254, 1), N int) CREATE TABLE Down (ID smallint IDENTITY(-32767, -1), N int) "
+        "CREATE TABLE Digits (ID decimal(3, 0) IDENTITY(998, 1), N int) CREATE TABLE Whole (ID int IDENTITY(2147483646, 1), N int)");
+    for (const std::string table : {"Small", "Down", "Digits", "Whole"}) {
+        const std::string insert = "INSERT INTO " + table + " (N) VALUES (1) ";
+        EXPECT_EQ(told(insert + insert + insert + "SELECT COUNT(*) FROM " + table), "8115: 2") << table;
+        const std::string last = rowsOf("SELECT IDENT_CURRENT('" + table + "')");
+        EXPECT_EQ(told(insert + "SELECT IDENT_CURRENT('" + table + "')"), "8115: " + last) << table;
+    }
+}
+
+TEST_F(Flow, TheLastNumberIsThatOfTheLastStatementThatInserts) {
+    run("CREATE TRIGGER Logs ON T AFTER INSERT AS INSERT INTO Log (S) SELECT 'x' FROM inserted");
+    EXPECT_EQ(told("INSERT INTO T (N) VALUES (1) SELECT SCOPE_IDENTITY(), @@IDENTITY"), "1|100");
+    EXPECT_EQ(told("INSERT INTO T (N) VALUES (2) EXEC ('INSERT INTO T (N) VALUES (3)') SELECT SCOPE_IDENTITY(), @@IDENTITY"), "2|102");
+    EXPECT_EQ(
+        told("BEGIN TRAN INSERT INTO T (N) VALUES (4) ROLLBACK INSERT INTO T (N) VALUES (5) SELECT SCOPE_IDENTITY(), IDENT_CURRENT('T')"),
+        "5|5");
+    EXPECT_EQ(told("INSERT INTO T (N) VALUES (6) SELECT N INTO #n FROM T SELECT SCOPE_IDENTITY(), @@IDENTITY"), "NULL|NULL");
+}
+
 TEST_F(Flow, CursorsThatWereLeftOpenAreThereAsTheyWere) {
     run("INSERT INTO T (N) VALUES (1), (2), (3)");
     run("DECLARE c CURSOR FOR SELECT N FROM T ORDER BY ID OPEN c");
