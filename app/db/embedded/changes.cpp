@@ -185,6 +185,8 @@ void Changes::insertRows(const tsql::ChangePlan& plan, const Rowset& rows) {
 void Changes::insertFromExecute(const tsql::InsertStatement& statement) {
     if (batch_.inInsertExec)
         throw serverMessage(Message::NestedInsertExec, {}, statement.line);
+    if (const StoredObject* object = store_.find(statement.table.last()); object && catalog_.hasInsteadTrigger(object->id, "insert"))
+        throw tsql::unsupported("INSERT EXEC into what has an INSTEAD OF trigger", statement.line);
     RowCollector collector(*batch_.sink);
     {
         const InsertExecScope inside(batch_, collector);

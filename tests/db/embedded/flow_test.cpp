@@ -160,6 +160,16 @@ TEST_F(Flow, InsertExecRefusesARollback) {
     EXPECT_EQ(logged(), "own");
 }
 
+// The rows went into the table past the trigger that was to take them.
+TEST_F(Flow, InsertExecDoesNotPassByAnInsteadOfTrigger) {
+    run("CREATE VIEW V AS SELECT ID, N FROM T");
+    run("CREATE TRIGGER TakesV ON V INSTEAD OF INSERT AS INSERT INTO Log (S) VALUES ('V')");
+    run("CREATE TRIGGER TakesT ON T INSTEAD OF INSERT AS INSERT INTO T (N) EXEC ('SELECT 7')");
+    for (const char* insert : {"INSERT INTO T (N) EXEC ('SELECT 1')", "INSERT INTO V (N) EXEC ('SELECT 1')"})
+        EXPECT_THROW(run(insert), DbError) << insert;
+    EXPECT_EQ(told("INSERT INTO T (N) VALUES (1) SELECT N FROM T"), "7") << "the trigger itself writes";
+}
+
 TEST_F(Flow, InsteadOfTriggersDecideWhatIsWritten) {
     run("CREATE VIEW V AS SELECT ID, N FROM T");
     run("CREATE TRIGGER Via ON V INSTEAD OF INSERT AS INSERT INTO Log (S) SELECT 'via' FROM inserted INSERT INTO T (N) SELECT N FROM "
