@@ -74,7 +74,24 @@ Executor::Flow Executor::run(const tsql::Statement& statement) {
         return failed(error, statement);
     } catch (const OverflowError& error) {
         return failed(serverError(Message::ArithmeticOverflow, error.what()), statement);
+    } catch (const ScopeEnd& end) {
+        endAll(end);
+        throw;
     }
+}
+
+// A name that is missing ends its batch or module alone, unless every error there ends the transaction.
+void Executor::endAll(const ScopeEnd& end) {
+    if (end.frame != batch_.frame || !(batch_.session.settings.xactAbort || batch_.inTrigger()))
+        return;
+    if (batch_.tries > 0)
+        return transaction_.doom();
+    DbError error = end.error;
+    if (!batch_.frame->code->procedure.empty())
+        error.in(batch_.frame->code->procedure);
+    batch_.note(error);
+    transaction_.rollbackAll();
+    throw BatchEnd{};
 }
 
 void Executor::stopIfCancelled() {

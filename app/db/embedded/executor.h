@@ -55,6 +55,7 @@ private:
     void executeText(const tsql::ExecuteTextStatement& statement);
     void control(const tsql::TransactionStatement& statement);
     Flow failed(DbError error, const tsql::Statement& statement);
+    void endAll(const ScopeEnd& end);
     void stopIfCancelled();
 
     StatementParts parts_;

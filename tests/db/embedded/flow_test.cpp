@@ -128,6 +128,26 @@ TEST_F(Flow, ATriggerThatCaughtAnErrorKeepsNothing) {
     }
 }
 
+// It ended the procedure alone: the trigger went on, and its statement was kept without what the procedure had to do.
+TEST_F(Flow, AMissingNameInATriggerOrUnderXactAbortEndsTheTransaction) {
+    run("CREATE PROCEDURE Looks AS INSERT INTO Log (S) VALUES ('before') SELECT * FROM NoTable");
+    EXPECT_EQ(told("BEGIN TRAN EXEC Looks SELECT @@TRANCOUNT, COUNT(*) FROM Log ROLLBACK"), "208: 1|1");
+    EXPECT_EQ(told("SET XACT_ABORT ON BEGIN TRAN EXEC Looks SELECT 'goes on'"), "208");
+    EXPECT_EQ(told("SET XACT_ABORT OFF SELECT @@TRANCOUNT, COUNT(*) FROM Log"), "0|0");
+    for (const char* body : {"EXEC Looks", "SELECT * FROM NoTable", "EXEC ('SELECT * FROM inserted')"}) {
+        run(std::string("CREATE TRIGGER Calls ON T AFTER INSERT AS ") + body);
+        EXPECT_EQ(told("INSERT INTO T (N) VALUES (1) SELECT 'goes on'"), "208") << body;
+        EXPECT_EQ(told("BEGIN TRAN INSERT INTO T (N) VALUES (1) SELECT 'goes on'"), "208") << body;
+        EXPECT_EQ(told("SELECT @@TRANCOUNT, (SELECT COUNT(*) FROM T), (SELECT COUNT(*) FROM Log)"), "0|0|0") << body;
+        EXPECT_EQ(
+            told("BEGIN TRAN BEGIN TRY INSERT INTO T (N) VALUES (1) END TRY BEGIN CATCH SELECT ERROR_NUMBER(), XACT_STATE() END CATCH "
+                 "ROLLBACK"),
+            "208|-1")
+            << body;
+        run("DROP TRIGGER Calls");
+    }
+}
+
 // COMMIT in a trigger was told as a failing disk.
 TEST_F(Flow, ATriggerThatEndsTheTransactionEndsTheBatch) {
     run("CREATE PROCEDURE Gives AS SELECT 5");
