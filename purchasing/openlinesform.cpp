@@ -78,7 +78,7 @@ bool OpenLinesForm::post(const std::function<void()>& posting) {
     } catch (const OrderChanged& changed) {
         guarded({words_.tag, "renewLines"}, [this] { renewLines(); });
         desk().message("Someone else changed this order meanwhile, and nothing was posted:\n\n" + std::string(changed.what()) +
-                           "\nThe lines show what is open now. OK posts what they say.",
+                           "\nThe lines show what is open now. Please look them over and press OK there again.",
                        kPostingTitle);
         return false;
     }
