@@ -156,6 +156,7 @@ void frmPurchaseOrders_Edit::LoadData() {
             line.Qty = row["Qty"].Value().toInt16();
             line.OpenQty = toInt16(line.Qty - row["QtyRecvd"].Value().toNumber() - row["QtyCanceled"].Value().toNumber());
             line.Cost = row["Cost"].Value().toCurrency();
+            line.stored = {line.PartNo, line.Qty, line.Cost};
             line.InDatabase = true;
             lines_.push_back(std::move(line));
         }

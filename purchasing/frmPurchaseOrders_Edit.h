@@ -29,6 +29,12 @@ public:
     bool DialogResult = false; // left by OK
 
 private:
+    // What others can change of a line meanwhile.
+    struct OrderedLine {
+        std::string PartNo;
+        std::int16_t Qty = 0;
+        Currency Cost;
+    };
     struct Line {
         std::string Name;
         std::string SKU;
@@ -36,7 +42,8 @@ private:
         std::string PartNo;
         std::int16_t OpenQty = 0;
         std::int16_t Qty = 0;
-        Currency Cost; // of one piece
+        Currency Cost;      // of one piece
+        OrderedLine stored; // as it was read
         bool InDatabase = false;
         bool Changed = false;
         bool Deleted = false;
@@ -68,6 +75,8 @@ private:
     void SavePO();
     void writeOrder();
     bool saveLine(const Line& line, std::int32_t poid) const;
+    void takeMeanwhile(); // throws OrderChanged
+    static std::string met(Line& line, const OrderedLine& now);
     void closeIfDone(std::int32_t number) const;
     void MemorizePO();
     void cmdPrint_Click();
@@ -88,8 +97,9 @@ private:
     std::vector<Line> lines_;
     std::string supplierName_;
     SupplierPrice price_;
-    std::string oldText_;  // of the cell that is being edited
-    bool gaveUp_ = false;  // the last save met another writer, and the user did not wait for it, or lost the connection: it can be repeated
+    std::string oldText_; // of the cell that is being edited
+    bool gaveUp_ =
+        false; // the last save met another writer or his changes, and the user did not wait, or lost the connection: it can be repeated
     bool unsaved_ = false; // something was changed since the last save
     bool activated_ = false;
 };

@@ -5,8 +5,13 @@
 #include "app/db/again.h"
 #include "app/modMain.h"
 #include "app/posting.h"
+#include "app/titles.h"
+#include "purchasing/openlines.h"
 #include "purchasing/orders.h"
+#include "ui/desk.h"
 #include "ui/waiting.h"
+
+#include <map>
 
 namespace merchantry::purchasing {
 
@@ -33,8 +38,55 @@ void frmPurchaseOrders_Edit::SavePO() {
         } catch (const db::DbError& error) {
             gaveUp_ = isPassing(error);
             throw;
+        } catch (const OrderChanged& changed) {
+            gaveUp_ = true;
+            fillGrid();
+            desk().message("Someone else changed this order meanwhile, and nothing was saved:\n\n" + std::string(changed.what()) +
+                               "\nWhat you typed is kept. OK on the screen saves yours in place of theirs, Cancel there leaves theirs.",
+                           kProduct);
         }
     });
+}
+
+// Lines that both changed are told, once: the next save is the user's word. Of a line that only the screen changed it takes what others
+// changed beside that.
+void frmPurchaseOrders_Edit::takeMeanwhile() {
+    std::map<std::string, OrderedLine> now;
+    const auto rows = openDirect(Sql("sp_GetPOItems ") + PONumber);
+    for (; !rows->Eof(); rows->MoveNext()) {
+        db::Recordset& row = *rows;
+        now[itemKey(row["SKU"].text(), row["MatrixSKU"].text())] = {row["PartNo"].text(), row["Qty"].Value().toInt16(),
+                                                                    row["Cost"].Value().toCurrency()};
+    }
+    std::string told;
+    for (Line& line : lines_) {
+        if (!line.InDatabase || !(line.Changed || line.Deleted))
+            continue;
+        if (const auto found = now.find(itemKey(line.SKU, line.MatrixSKU)); found != now.end()) {
+            told += met(line, found->second);
+            line.stored = found->second;
+        } else {
+            told += line.Deleted ? "" : line.MatrixSKU + " was taken off.\n";
+            line.InDatabase = false;
+        }
+    }
+    if (!told.empty())
+        throw OrderChanged(told);
+}
+
+// What others changed of a line that is changed or deleted here, too; what was left alone here is taken.
+std::string frmPurchaseOrders_Edit::met(Line& line, const OrderedLine& now) {
+    std::string told;
+    const auto compare = [&](const char* name, auto& typed, const auto& before, const auto& theirs, const std::string& shown) {
+        if (typed == before && !line.Deleted)
+            typed = theirs;
+        else if (theirs != before && (line.Deleted || theirs != typed))
+            told += line.MatrixSKU + ": " + name + " is " + shown + " now.\n";
+    };
+    compare("Supplier Part #", line.PartNo, line.stored.PartNo, now.PartNo, now.PartNo.empty() ? "empty" : now.PartNo);
+    compare("Qty", line.Qty, line.stored.Qty, now.Qty, std::to_string(now.Qty));
+    compare("Cost", line.Cost, line.stored.Cost, now.Cost, now.Cost.toDisplay());
+    return told;
 }
 
 void frmPurchaseOrders_Edit::writeOrder() {
@@ -43,6 +95,8 @@ void frmPurchaseOrders_Edit::writeOrder() {
     const bool isNew = PONumber == kNewOrder;
     const std::int32_t poid =
         isNew ? numberFrom(Sql("sp_InsertPOHeader ") + int{SupplierID}, "POID") : numberFrom(Sql("sp_GetPOID ") + PONumber, "POID");
+    if (!isNew)
+        takeMeanwhile();
     std::vector<bool> entered;
     for (const Line& line : lines_)
         entered.push_back(saveLine(line, poid));
@@ -59,6 +113,7 @@ void frmPurchaseOrders_Edit::writeOrder() {
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         lines_[i].InDatabase = !lines_[i].Deleted && entered[i];
         lines_[i].Changed = false;
+        lines_[i].stored = {lines_[i].PartNo, lines_[i].Qty, lines_[i].Cost};
     }
     showTotal();
 }
