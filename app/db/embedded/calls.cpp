@@ -203,7 +203,7 @@ void Calls::bindDefaults(const Code& code, const std::vector<bool>& given, Frame
             continue;
         if (!parameter.defaultValue)
             throw serverMessage(Message::MissingParameter, {code.procedure, parameter.name}, 0);
-        const DefaultScope inside(batch_, frame);
+        const SeenFromScope inside(batch_, frame);
         SqlType type;
         const Cell cell = evaluator_.once(*parameter.defaultValue, type);
         frame.variables[i] = toParameter(cell, type, parameter.type);

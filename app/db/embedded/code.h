@@ -57,7 +57,8 @@ struct Code {
 struct Cursor {
     const tsql::Query* query = nullptr; // lives as long as its code
     std::shared_ptr<Code> code;
-    int number = -1; // of the statement that declared it
+    std::vector<tsql::Cell> variables; // as they were when it was declared
+    int number = -1;                   // of the statement that declared it
     std::vector<SqlType> types;
     Rowset rows;
     std::int64_t at = -1;

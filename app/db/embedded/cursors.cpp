@@ -1,4 +1,5 @@
 #include "app/db/embedded/cursors.h"
+#include "app/db/embedded/scopes.h"
 
 #include "app/db/tsql/convert.h"
 #include "app/db/tsql/errors.h"
@@ -57,6 +58,7 @@ void Cursors::declare(const tsql::CursorStatement& statement) {
     Cursor cursor;
     cursor.query = statement.query.get();
     cursor.code = batch_.frame->code;
+    cursor.variables = batch_.frame->variables;
     cursor.number = statement.number;
     std::string key = lowerCase(statement.name);
     const bool isVariable = statement.name.front() == '@';
@@ -74,6 +76,13 @@ void Cursors::open(Cursor& cursor, const tsql::CursorStatement& statement) {
     if (cursor.open)
         throw serverMessage(Message::CursorOpen, {}, statement.line);
     transaction_.beforeRead();
+    Frame declared;
+    declared.code = cursor.code;
+    declared.variables = cursor.variables;
+    declared.caller = batch_.frame;
+    declared.level = batch_.frame->level;
+    declared.scopeIdentity = batch_.frame->scopeIdentity;
+    const SeenFromScope inside(batch_, declared);
     const tsql::QueryPlan plan = plans_.binder().query(*cursor.query);
     cursor.types.clear();
     for (const Column& column : plan.columns)
@@ -128,6 +137,7 @@ void Cursors::fetch(Cursor& cursor, const tsql::CursorStatement& statement) {
     if (cursor.at < 0 || cursor.at >= count) {
         cursor.at = cursor.at < 0 ? -1 : count;
         batch_.session.fetchStatus = -1;
+        batch_.session.rowCount = 0;
         return;
     }
     batch_.session.fetchStatus = 0;

@@ -6,7 +6,8 @@
 
 namespace merchantry::db::embedded {
 
-// DECLARE CURSOR, OPEN, FETCH, CLOSE and DEALLOCATE. A cursor's rows are read when it is opened, and stand still from then on. One belongs
+// DECLARE CURSOR, OPEN, FETCH, CLOSE and DEALLOCATE. A cursor's rows are read when it is opened, with the variables as they were when
+// it was declared, and stand still from then on. One belongs
 // to the session, or to its batch or module when it is local or held by a variable.
 class Cursors {
 public:

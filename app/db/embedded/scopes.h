@@ -42,10 +42,11 @@ private:
     Restore<std::int64_t> tables_;
 };
 
-// The default of a parameter is worked out as the module sees it that is about to run.
-class DefaultScope {
+// Something is worked out as another frame sees it: the default of a parameter as the module that is about to run, the query of a cursor
+// as where that was declared.
+class SeenFromScope {
 public:
-    DefaultScope(BatchState& batch, Frame& frame) : frame_(batch.frame, &frame) {}
+    SeenFromScope(BatchState& batch, Frame& frame) : frame_(batch.frame, &frame) {}
 
 private:
     Restore<Frame*> frame_;

@@ -225,6 +225,29 @@ TEST_F(Flow, TheLastNumberIsThatOfTheLastStatementThatInserts) {
     EXPECT_EQ(told("INSERT INTO T (N) VALUES (6) SELECT N INTO #n FROM T SELECT SCOPE_IDENTITY(), @@IDENTITY"), "NULL|NULL");
 }
 
+// They were read when it was opened: another batch could not open it, or would have taken its own variables for them.
+TEST_F(Flow, ACursorKeepsTheVariablesThatItWasDeclaredWith) {
+    run("INSERT INTO T (N) VALUES (1), (2), (3)");
+    const std::string fetch = "DECLARE @r int FETCH NEXT FROM c INTO @r SELECT @r, @@FETCH_STATUS, @@ROWCOUNT CLOSE c";
+    EXPECT_EQ(
+        told("DECLARE @n int SET @n = 1 DECLARE c CURSOR FOR SELECT N + @n FROM T WHERE N > @n ORDER BY N SET @n = 100 OPEN c " + fetch),
+        "3|0|1");
+    EXPECT_EQ(told("OPEN c " + fetch), "3|0|1");
+    EXPECT_EQ(told("DECLARE @other varchar(9), @more int SET @other = 'abc' OPEN c " + fetch), "3|0|1");
+    run("CREATE PROCEDURE Opens @n varchar(9) AS OPEN c " + fetch);
+    EXPECT_EQ(told("EXEC Opens 'x' DEALLOCATE c"), "3|0|1");
+    run("CREATE TRIGGER Reads ON T AFTER INSERT AS DECLARE @least int SET @least = 4 DECLARE own CURSOR LOCAL FOR SELECT N FROM inserted "
+        "WHERE N > "
+        "@least ORDER BY N DECLARE @r int OPEN own FETCH NEXT FROM own INTO @r SELECT @r FETCH NEXT FROM own INTO @r SELECT "
+        "@@FETCH_STATUS, "
+        "@@ROWCOUNT");
+    EXPECT_EQ(told("INSERT INTO T (N) VALUES (4), (5)"), "5;-1|0");
+    EXPECT_EQ(told("DECLARE @t TABLE (A int) DECLARE @a int SET @a = 7 INSERT INTO @t VALUES (@a) DECLARE v CURSOR LOCAL FOR SELECT A FROM "
+                   "@t WHERE A = "
+                   "@a SET @a = 0 OPEN v FETCH NEXT FROM v INTO @a SELECT @a"),
+              "7");
+}
+
 TEST_F(Flow, CursorsThatWereLeftOpenAreThereAsTheyWere) {
     run("INSERT INTO T (N) VALUES (1), (2), (3)");
     run("DECLARE c CURSOR FOR SELECT N FROM T ORDER BY ID OPEN c");
