@@ -7,7 +7,6 @@
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/render.h"
 #include "app/db/tsql/token.h"
-#include "base/lettercase.h"
 
 namespace merchantry::db::tsql {
 namespace {
@@ -134,27 +133,29 @@ void bindOutput(Binding& binding, const OutputClause& output, ChangePlan& plan) 
     plan.outputInto = std::make_shared<ChangePlan>(bindInsertRow(own, insert, columnTypes(query)));
 }
 
-void bindInstead(ChangePlan& plan, const Source& source, const std::map<std::string, Typed>& values, const BoundRows& rows,
+void bindInstead(ChangePlan& plan, const Source& source, const std::map<std::size_t, Typed>& values, const BoundRows& rows,
                  InsteadRows which) {
     auto shape = std::make_shared<TableDef>();
     shape->id = source.viewId != 0 ? source.viewId : plan.table->id;
     std::vector<Typed> oldRow;
     std::vector<Typed> newRow;
-    for (const BoundColumn& column : source.columns) {
+    plan.updated.clear();
+    for (std::size_t i = 0; i < source.columns.size(); ++i) {
+        const BoundColumn& column = source.columns[i];
         ColumnDef definition;
         definition.name = column.name;
         definition.type = column.value.type;
         shape->columns.push_back(std::move(definition));
-        const auto found = values.find(lowerCase(column.name));
+        const auto found = values.find(i);
         oldRow.push_back(column.value);
         newRow.push_back(found == values.end() ? column.value : found->second);
+        plan.updated.push_back(found != values.end());
     }
     plan.insteadOf = shape->id;
     plan.insteadShape = shape;
     if (which == InsteadRows::Both)
         plan.insteadNew = renderRows(newRow, rows);
     plan.insteadOld = renderRows(oldRow, rows);
-    plan.updated.assign(source.columns.size(), true);
 }
 
 } // namespace merchantry::db::tsql

@@ -26,9 +26,9 @@ Typed storedIn(const ColumnDef& column, Typed value, int line);
 // OUTPUT: a select over the inserted and deleted rows side by side, and where its rows go.
 void bindOutput(Binding& binding, const OutputClause& output, ChangePlan& plan);
 
-// A trigger stands for the statement: the rows of inserted and of deleted that it gets. values are the new ones by lower-case name.
+// A trigger stands for the statement: the rows of inserted and of deleted that it gets. values are the new ones by column of the source.
 enum class InsteadRows { Old, Both };
-void bindInstead(ChangePlan& plan, const Source& source, const std::map<std::string, Typed>& values, const BoundRows& rows,
+void bindInstead(ChangePlan& plan, const Source& source, const std::map<std::size_t, Typed>& values, const BoundRows& rows,
                  InsteadRows which);
 
 } // namespace merchantry::db::tsql

@@ -28,6 +28,8 @@ ChangePlan bindDelete(Binding& binding, const DeleteStatement& statement) {
     plan.table = base.table;
     plan.updated.assign(base.table->columns.size(), false);
     if (binding.context.catalog.hasInsteadTrigger(source.viewId != 0 ? source.viewId : base.table->id, "delete")) {
+        if (statement.output)
+            throw unsupported("OUTPUT beside an INSTEAD OF trigger", statement.line);
         bindInstead(plan, source, {}, rows, InsteadRows::Old);
         return plan;
     }

@@ -268,12 +268,15 @@ ChangePlan bindInsert(Binding& binding, const InsertStatement& statement) {
         checkIdentity(binding, *target.table, columns, statement.hasColumns, statement.line);
     const BoundInsert insert = InsertBinder(binding, statement, target).rows(columns);
     if (target.instead) {
+        if (statement.output)
+            throw unsupported("OUTPUT beside an INSTEAD OF trigger", statement.line);
         ChangePlan plan;
         plan.kind = ChangePlan::Kind::Insert;
         plan.table = target.table;
         plan.insteadOf = target.table->id;
         plan.insteadShape = target.table;
         plan.insteadNew = renderRows(insert);
+        plan.updated.assign(target.table->columns.size(), true);
         return plan;
     }
     ChangePlan plan = planOf(insert);

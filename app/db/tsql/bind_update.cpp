@@ -7,7 +7,6 @@
 #include "app/db/tsql/errors.h"
 #include "app/db/tsql/render.h"
 #include "app/db/tsql/token.h"
-#include "base/lettercase.h"
 
 #include <algorithm>
 
@@ -23,6 +22,14 @@ bool isOfKey(const TableDef& table, const std::string& column) {
                        [&](const IndexDef& index) { return index.unique && has(index.columns); });
 }
 
+DbError givenTwice(const std::string& column, int line) {
+    return serverError(Message::ColumnGivenTwice,
+                       "The column name '" + column +
+                           "' is specified more than once in the SET clause. A column cannot be assigned more than one value in the same "
+                           "SET clause.",
+                       line);
+}
+
 // Binds one UPDATE.
 class UpdateBinder {
 public:
@@ -34,13 +41,14 @@ private:
     void target();
     void assign(const Assignment& assignment);
     void assignVariable(const Assignment& assignment);
-    int assignedColumn(const Assignment& assignment, const BoundColumn& target) const;
-    Typed assignedValue(const Assignment& assignment, int column, const Typed& current);
+    std::size_t shownColumn(const Assignment& assignment) const;
+    ColumnDef definitionOf(const BoundColumn& shown, int line) const;
+    Typed assignedValue(const Assignment& assignment, const ColumnDef& column, const Typed& current);
     Typed calculatedWith(const Assignment& assignment, Typed before, Typed value) const;
+    void setVariables();
     void finish();
 
     const TableDef& table() const { return *update_.table; }
-    const ColumnDef& column(int index) const { return table().columns[static_cast<std::size_t>(index)]; }
 
     Binding& binding_;
     const UpdateStatement& statement_;
@@ -48,9 +56,9 @@ private:
     Scope scope_;
     Source source_; // what FROM or the statement names
     BoundUpdate update_;
-    bool instead_ = false;                       // a trigger takes the statement's place
-    std::map<std::string, Typed> insteadValues_; // by lower-case name of the shown column
-    std::vector<Typed> variables_;               // what is assigned to variables alone
+    bool instead_ = false;                // a trigger takes the statement's place
+    std::map<std::size_t, Typed> values_; // by shown column
+    std::vector<Typed> variables_;        // what is assigned to variables alone
     bool readsMore_ = false;
 };
 
@@ -89,30 +97,41 @@ void UpdateBinder::assignVariable(const Assignment& assignment) {
     variables_.push_back(Binding::assignedTo(slot, implicitTo(std::move(value), binding_.typeOfSlot(slot), assignment.line)));
 }
 
-// The table's column that a shown column stands for; throws for one that cannot be assigned.
-int UpdateBinder::assignedColumn(const Assignment& assignment, const BoundColumn& target) const {
-    if (!target.value.table || target.value.table->id != table().id)
-        throw serverMessage(Message::DerivedField, {statement_.table.last()}, assignment.line);
-    const ColumnDef& definition = column(target.value.column);
-    if (definition.computed)
-        throw serverMessage(Message::ComputedNotModifiable, {definition.name}, assignment.line);
-    if (definition.identity)
-        throw serverMessage(Message::IdentityNotUpdatable, {definition.name}, assignment.line);
-    if (update_.values.count(target.value.column) != 0)
-        throw serverError(Message::ColumnGivenTwice,
-                          "The column name '" + definition.name +
-                              "' is specified more than once in the SET clause. A column cannot be assigned more than one value in the "
-                              "same SET clause.",
-                          assignment.line);
-    return target.value.column;
+std::size_t UpdateBinder::shownColumn(const Assignment& assignment) const {
+    const auto found = std::find_if(source_.columns.begin(), source_.columns.end(),
+                                    [&](const BoundColumn& column) { return sameName(column.name, assignment.column); });
+    if (found == source_.columns.end())
+        throw serverMessage(Message::InvalidColumn, {assignment.column}, assignment.line);
+    const auto index = static_cast<std::size_t>(found - source_.columns.begin());
+    if (values_.count(index) != 0)
+        throw givenTwice(found->name, assignment.line);
+    return index;
 }
 
-Typed UpdateBinder::assignedValue(const Assignment& assignment, int index, const Typed& current) {
-    const ColumnDef& definition = column(index);
-    Typed value = assignment.value->kind == ExprKind::Default ? bindDefault(binding_, definition) : bindValue(binding_, *assignment.value);
+// What the value must fit: the table's column behind the shown one. A trigger may take what is shown and stands in no table.
+ColumnDef UpdateBinder::definitionOf(const BoundColumn& shown, int line) const {
+    const bool isOfTable = shown.value.table && shown.value.table->id == table().id;
+    if (!isOfTable && !instead_)
+        throw serverMessage(Message::DerivedField, {statement_.table.last()}, line);
+    ColumnDef definition;
+    definition.name = shown.name;
+    definition.type = shown.value.type;
+    if (shown.value.table)
+        definition = shown.value.table->columns[static_cast<std::size_t>(shown.value.column)];
+    if (instead_ && !source_.isTable)
+        return definition;
+    if (definition.computed)
+        throw serverMessage(Message::ComputedNotModifiable, {definition.name}, line);
+    if (definition.identity)
+        throw serverMessage(Message::IdentityNotUpdatable, {definition.name}, line);
+    return definition;
+}
+
+Typed UpdateBinder::assignedValue(const Assignment& assignment, const ColumnDef& column, const Typed& current) {
+    Typed value = assignment.value->kind == ExprKind::Default ? bindDefault(binding_, column) : bindValue(binding_, *assignment.value);
     Typed before = current;
-    before.type = definition.type;
-    value = storedIn(definition, calculatedWith(assignment, std::move(before), std::move(value)), assignment.line);
+    before.type = column.type;
+    value = storedIn(column, calculatedWith(assignment, std::move(before), std::move(value)), assignment.line);
     if (assignment.variable.empty())
         return value;
     const int slot = binding_.variableSlot(assignment.variable, assignment.line);
@@ -124,33 +143,31 @@ void UpdateBinder::assign(const Assignment& assignment) {
     readsMore_ = readsMore_ || readsMore(*assignment.value);
     if (assignment.column.empty())
         return assignVariable(assignment);
-    const BoundColumn* target = nullptr;
-    for (const BoundColumn& column : source_.columns) {
-        if (sameName(column.name, assignment.column))
-            target = &column;
-    }
-    if (!target)
-        throw serverMessage(Message::InvalidColumn, {assignment.column}, assignment.line);
-    if (instead_) {
-        Typed value = implicitTo(bindValue(binding_, *assignment.value), target->value.type, assignment.line);
-        insteadValues_.insert_or_assign(lowerCase(target->name), std::move(value));
+    const std::size_t index = shownColumn(assignment);
+    const BoundColumn& shown = source_.columns[index];
+    values_.emplace(index, assignedValue(assignment, definitionOf(shown, assignment.line), shown.value));
+}
+
+// What is assigned to variables alone is set with the first column, whose value comes last.
+void UpdateBinder::setVariables() {
+    if (values_.empty())
+        throw unsupported("UPDATE that sets variables only", statement_.line);
+    if (variables_.empty())
         return;
-    }
-    const int index = assignedColumn(assignment, *target);
-    update_.values.insert_or_assign(index, assignedValue(assignment, index, target->value));
-    plan_.updated[static_cast<std::size_t>(index)] = true;
-    plan_.changesKey = plan_.changesKey || isOfKey(table(), column(index).name);
+    Typed& first = values_.begin()->second;
+    const SqlType type = first.type;
+    variables_.push_back(std::move(first));
+    first = called("ts_last", std::move(variables_), type);
 }
 
 // One table and nothing looked up elsewhere is updated in place; otherwise the new values are worked out first, by row.
 void UpdateBinder::finish() {
-    if (update_.values.empty())
-        throw unsupported("UPDATE that sets variables only", statement_.line);
-    if (!variables_.empty()) { // set with the first column, whose value comes last
-        Typed& first = update_.values.begin()->second;
-        const SqlType type = first.type;
-        variables_.push_back(std::move(first));
-        first = called("ts_last", std::move(variables_), type);
+    for (auto& [index, value] : values_) {
+        const int column = source_.columns[index].value.column;
+        if (!update_.values.emplace(column, std::move(value)).second) // a view that shows it twice
+            throw givenTwice(source_.columns[index].name, statement_.line);
+        plan_.updated[static_cast<std::size_t>(column)] = true;
+        plan_.changesKey = plan_.changesKey || isOfKey(table(), table().columns[static_cast<std::size_t>(column)].name);
     }
     update_.inPlace = statement_.from.empty() && !update_.rows.limit && !readsMore_ && source_.viewId == 0 && source_.isTable;
     plan_.sql = render(update_);
@@ -174,8 +191,11 @@ ChangePlan UpdateBinder::bind() {
         update_.rows.where = bindCondition(binding_, *statement_.where);
     }
     update_.rows.limit = bindLimit(binding_, statement_.top);
+    setVariables();
+    if (instead_ && statement_.output)
+        throw unsupported("OUTPUT beside an INSTEAD OF trigger", statement_.line);
     if (instead_)
-        bindInstead(plan_, source_, insteadValues_, update_.rows, InsteadRows::Both);
+        bindInstead(plan_, source_, values_, update_.rows, InsteadRows::Both);
     else
         finish();
     return std::move(plan_);

@@ -264,5 +264,20 @@ TEST_F(Flow, CursorsThatWereLeftOpenAreThereAsTheyWere) {
     EXPECT_EQ(told("EXEC Leaves EXEC Leaves SELECT CURSOR_STATUS('global', 'c')"), "50000,50000: -3");
 }
 
+// What an INSTEAD OF UPDATE trigger saw: every column as updated, P += 10 as P = 10, a variable between as null.
+TEST_F(Flow, InsteadOfUpdateTriggersGetWhatWasAssigned) {
+    run("CREATE TABLE P (A int, B int DEFAULT 9, Name varchar(5)) INSERT INTO P VALUES (1, 2, 'x')");
+    run("CREATE TRIGGER TakesP ON P INSTEAD OF UPDATE AS SELECT A, B, Name FROM inserted IF UPDATE(A) SELECT 'A' IF UPDATE(B) SELECT 'B'");
+    EXPECT_EQ(told("UPDATE P SET B += 10"), "1|12|x;B");
+    EXPECT_EQ(told("UPDATE P SET A = 3, B = DEFAULT"), "3|9|x;A;B");
+    EXPECT_EQ(told("DECLARE @v int, @w int UPDATE P SET @v = A = A + 5, @w = B SELECT @v, @w"), "6|2|x;A;6|2");
+    EXPECT_EQ(told("UPDATE P SET A = 1, A = 2"), "264");
+    EXPECT_EQ(told("UPDATE P SET Name = 'too long'"), "8152");
+    EXPECT_EQ(told("UPDATE P SET A = 1 OUTPUT inserted.A"), "0"); // understood, and not carried out
+    run("CREATE VIEW V AS SELECT A, A + B AS S FROM P");
+    run("CREATE TRIGGER TakesV ON V INSTEAD OF UPDATE AS SELECT A, S FROM inserted IF UPDATE(S) SELECT 'S'");
+    EXPECT_EQ(told("UPDATE V SET S = S * 2"), "1|6;S");
+}
+
 } // namespace
 } // namespace merchantry::db
