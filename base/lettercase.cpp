@@ -44,7 +44,12 @@ template <class Change> std::string changed(std::string_view text, Change change
     std::string result;
     result.reserve(text.size());
     for (std::size_t at = 0; at < text.size();)
-        appendCodePoint(result, change(nextCodePoint(text, at)));
+        if (const auto plain = static_cast<unsigned char>(text[at]); plain < 0x80) { // stays plain in the other case
+            result += static_cast<char>(change(plain));
+            ++at;
+        } else {
+            appendCodePoint(result, change(nextCodePoint(text, at)));
+        }
     return result;
 }
 
