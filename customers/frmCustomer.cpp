@@ -2,18 +2,15 @@
 
 #include "app/modMain.h"
 #include "app/modPhone.h"
-#include "app/states.h"
 #include "app/titles.h"
 #include "base/characters.h"
 #include "base/guard.h"
-#include "base/numbers.h"
 #include "base/text.h"
 #include "customers/frmCustomerShip.h"
 #include "customers/meanwhile.h"
 #include "ui/desk.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace merchantry::customers {
 
@@ -25,59 +22,10 @@ using db::Sql;
 
 namespace {
 
-constexpr const char* kTag = "frmCustomer";
-constexpr int kField = 0; // of the store's own fields
-constexpr int kFieldValue = 1;
-
-// The amount of a text as currency; an empty text and what is no amount stay.
-void showAsCurrency(TextBox& box) {
-    if (const auto amount = amountOf(box.text()))
-        box.setText(amount->toDisplay());
-}
-
-// What a term of the account can be, and what is said of anything else.
-struct Term {
-    enum class Kind { Money, Percent, Days };
-    const char* noNumber;
-    const char* outside;
-    Kind kind;
-};
-
-bool isWithin(double number, Term::Kind kind) {
-    constexpr double kMostMoney = 999'999'999.99;
-    constexpr double kMostPercent = 100;
-    constexpr double kMostDays = 9'999;
-    const double most = kind == Term::Kind::Money ? kMostMoney : kind == Term::Kind::Percent ? kMostPercent : kMostDays;
-    return number >= 0 && number <= most && (kind != Term::Kind::Days || number == std::floor(number));
-}
-
 // Of so many digits that the store's column holds it.
 bool isWholeNumber(std::string_view text) {
     const std::string_view digits = trimmed(text);
     return !digits.empty() && std::all_of(digits.begin(), digits.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
-}
-
-// Null for what the term can be.
-const char* refusalOf(const std::string& text, const Term& term) {
-    const auto number = numberOf(text);
-    return !number ? term.noNumber : isWithin(*number, term.kind) ? nullptr : term.outside;
-}
-
-// As the field is left. One that is empty as the store has it can be passed: the store's own terms count then.
-void checkAsLeft(TextBox& box, const Term& term) {
-    const auto before = std::make_shared<std::string>();
-    box.gotFocus = [&box, before] {
-        *before = box.text();
-        box.selectAll();
-    };
-    box.validate = [&box, term, before](bool& cancel) {
-        const char* refusal = box.text().empty() && before->empty() ? nullptr : refusalOf(box.text(), term);
-        cancel = refusal != nullptr;
-        if (cancel)
-            box.form().desk().message(refusal, kProduct);
-        else if (term.kind == Term::Kind::Money)
-            showAsCurrency(box);
-    };
 }
 
 } // namespace
@@ -86,30 +34,21 @@ frmCustomer::frmCustomer(Desk& desk) : Form(desk, "frmCustomer", "Customer Infor
     setIcon("item");
     bindFields();
     Notes.multiline = true;
-    for (TextBox* box : {&LastUpdated, &LastPurchaseDate, &TotalSales, &txtAcctBalance})
+    for (TextBox* box : {&LastUpdated, &LastPurchaseDate, &TotalSales})
         box->setLocked(true);
-    txtGracePeriod.setToolTip("Days after the due day.");
-    txtAPR.setToolTip("Percent a year.");
-    txtAcctBalance.setToolTip("The sum of what is open; Store Credit Adjustment changes it.");
-    for (TextBox* box : {&txtCreditLimit, &txtAcctBalance, &txtAPR, &txtMinFinChg, &txtGracePeriod, &TotalSales})
-        box->alignRight = true;
+    TotalSales.alignRight = true;
     for (Control* control : controls())
-        if (auto* box = dynamic_cast<TextBox*>(control); box != nullptr && box != &Notes)
+        if (auto* box = dynamic_cast<TextBox*>(control); box != nullptr && box != &Notes && !box->gotFocus)
             box->gotFocus = [box] { box->selectAll(); };
-    for (TextBox* box : {&txtPhone, &txtFax}) {
-        takePhones(*box);
-        box->setToolTip("Ten digits are laid out as (555) 123-4567; any other number stays as you type it.");
-    }
-    for (TextBox* box : {&txtPhone, &Email})
+    for (TextBox* box : {&contact_.txtPhone, &Email})
         box->lostFocus = [this, laidOut = box->lostFocus] {
             if (laidOut)
                 laidOut();
             noteDuplicate();
         };
-    checkTerms();
     wire();
 
-    asksBeforeLeaving({&vsfCustomFields});
+    asksBeforeLeaving({&ownFields_.vsfCustomFields});
     onKey("F9", [this] { panel_.toggle(); });
     arrange();
     offer("FetchCustomerData", [this](const auto&) {
@@ -137,16 +76,9 @@ void frmCustomer::bindFields() {
                            {&LastUpdated, "LastUpdated", 0},
                            {&Notes, "Notes", 0},
                            {&cbxActive, "Active", 0},
-                           {&chkCharge, "ChargeAccount", 0},
                            {&LayawayCustomer, "LayawayCustomer", 0},
                            {&TaxExempt, "TaxExempt", 0},
-                           {&Employee, "Employee", 0},
-                           {&chkFinCharge, "AssessFinanceCharges", 0},
-                           {&txtCreditLimit, "AccountLimit", 0},
-                           {&txtAcctBalance, "Balance", 0},
-                           {&txtAPR, "APR", 0},
-                           {&txtMinFinChg, "MinFinChg", 0},
-                           {&txtGracePeriod, "OverdueAfter", 0}};
+                           {&Employee, "Employee", 0}};
     for (const Bound& one : bound) {
         one.control->dataField = one.column;
         if (auto* box = dynamic_cast<TextBox*>(one.control))
@@ -154,27 +86,8 @@ void frmCustomer::bindFields() {
     }
 }
 
-void frmCustomer::checkTerms() {
-    const std::pair<TextBox*, Term> terms[] = {
-        {&txtCreditLimit,
-         {"You must enter a cedit limit amount", "A credit limit is an amount from $0.00 to $999,999,999.99.", Term::Kind::Money}},
-        {&txtAPR, {"You must enter a valid APR", "An APR is a percentage from 0 to 100.", Term::Kind::Percent}},
-        {&txtGracePeriod,
-         {"You must enter a valid Grace Period", "A grace period is a whole number of days, from 0 to 9,999.", Term::Kind::Days}},
-        {&txtMinFinChg,
-         {"You must enter a valid minimum finance charge", "A minimum finance charge is an amount from $0.00 to $999,999,999.99.",
-          Term::Kind::Money}}};
-    for (const auto& [box, term] : terms)
-        checkAsLeft(*box, term);
-}
-
 void frmCustomer::wire() {
-    vsfCustomFields.setColumns({{.heading = "Field", .characters = 12}, {.heading = "Value", .characters = 14}});
-    vsfCustomFields.emptyText = "The store has no fields of its own. Store, General Options makes them.";
-    vsfCustomFields.beforeEdit = [](int, int column, bool& cancel) { cancel = column == kField; };
-    vsfCustomFields.validateEdit = [this](int row, int, const std::string& text, bool& cancel) { cancel = refuseField(row, text); };
-    vsfCustomFields.afterEdit = [this](int row, int) { writeField(row); };
-    chkCharge.click = [this] { chkCharge_Click(); };
+    terms_.chkCharge.click = [this] { chkCharge_Click(); };
     dcxTierID.click = dcxTierID.change = [this] { dcxTierID_Click(); };
     cmdShipTo.click = [this] { this->desk().showModal(this->desk().form<frmCustomerShip>()); };
     cmdSalesHist.click = [this] { cmdSalesHist_Click(); };
@@ -195,8 +108,8 @@ void frmCustomer::arrange() {
                                    field("&Address:", Address), field("Address &2:", Address2), field("Cit&y:", City)})
                                .stretched(),
                            gap(),
-                           fields({field("Stat&e:", cboState), field("&Zip:", Zip), field("&Phone:", txtPhone), field("&Fax:", txtFax),
-                                   field("E&mail:", Email), field("Last updated:", LastUpdated)})
+                           fields({field("Stat&e:", contact_.cboState), field("&Zip:", Zip), field("&Phone:", contact_.txtPhone),
+                                   field("&Fax:", contact_.txtFax), field("E&mail:", Email), field("Last updated:", LastUpdated)})
                                .stretched(),
                            gap(),
                            column({fields({field("Price t&ier:", dcxTierID), field("&Resale no.:", ResaleNo), field("Store:", StoreID),
@@ -204,14 +117,11 @@ void frmCustomer::arrange() {
                                    at(lblDuplicate).wide(20).high(2)})
                                .stretched(),
                        }),
-                       row({at(cbxActive), at(LayawayCustomer), at(TaxExempt), at(Employee), gap(), at(chkCharge)}),
+                       row({at(cbxActive), at(LayawayCustomer), at(TaxExempt), at(Employee), gap(), at(terms_.chkCharge)}),
                        row({
-                               box("Account",
-                                   row({column({fields({field(lblCreditLimitT, txtCreditLimit), field(lblAcctBalanceT, txtAcctBalance)}),
-                                                at(chkFinCharge)}),
-                                        fields({field(lblAPRT, txtAPR), field(lblMinFinChgT, txtMinFinChg),
-                                                field(lblGracePeriodT, txtGracePeriod)})})),
-                               column({at(vsfCustomFields).high(2).wide(20).stretched(), fields({field("No&tes:", Notes).high(1)})})
+                               terms_.item(),
+                               column(
+                                   {at(ownFields_.vsfCustomFields).high(2).wide(20).stretched(), fields({field("No&tes:", Notes).high(1)})})
                                    .stretched(),
                            })
                            .stretched(),
@@ -225,7 +135,7 @@ void frmCustomer::arrange() {
 }
 
 void frmCustomer::Form_Load() {
-    guarded({kTag, "Form_Load"}, [this] {
+    guarded({kCustomerTag, "Form_Load"}, [this] {
         loading_ = true;
         const AtEnd loaded([this] { loading_ = false; });
         load();
@@ -244,26 +154,17 @@ void frmCustomer::load() {
     if (customer_->Eof())
         throw RunTimeError(3021, "The customer is not there any more.");
     dcxTierID.setText(tierName((*customer_)["TierID"].Value()));
-    modMain().Conn->Execute(Sql("bsp_CustomerFields ") + CustomerID);
-    showFields();
+    ownFields_.load(CustomerID);
     data_.setRecordset(customer_);
     BindControls(*this, data_);
-    followUnbound();
+    contact_.follow(data_);
+    data_.follow(dcxTierID, "TierID", [this](const Value& stored) { return tierName(stored); });
     LastPurchaseDate.setText((*customer_)["LastPurchaseDate"].text());
-    showAmounts();
+    terms_.showAmounts(data_);
 }
 
 db::RecordsetPtr frmCustomer::readCustomer() const {
     return openDirect(Sql("Select * from Customer where ID = ") + CustomerID, CursorType::Keyset, LockType::Optimistic);
-}
-
-// What is written beside the row or by its combo, as it is shown.
-void frmCustomer::followUnbound() {
-    const auto phone = [](const Value& stored) { return std::string(trimmed(stored.toText())); };
-    data_.follow(txtPhone, "PhoneNumber", phone);
-    data_.follow(txtFax, "FaxNumber", phone);
-    data_.follow(cboState, "State", [this](const Value& stored) { return stateEntry(cboState, stored.toText()); });
-    data_.follow(dcxTierID, "TierID", [this](const Value& stored) { return tierName(stored); });
 }
 
 // Empty for one that is not among the tiers.
@@ -273,62 +174,8 @@ std::string frmCustomer::tierName(const Value& tier) {
     return tiers_->onRow() ? (*tiers_)["TierName"].text() : std::string();
 }
 
-// An amount that was not changed is shown in whole cents, and stays as it is stored.
-void frmCustomer::showAmounts() {
-    for (TextBox* box : {&txtCreditLimit, &txtAcctBalance, &txtMinFinChg})
-        if (!data_.isChanged(*box)) {
-            showAsCurrency(*box);
-            data_.settle(*box);
-        }
-}
-
-// The statement that lists them lacks half of their key, so a cell is written by rows of its own.
-void frmCustomer::showFields() {
-    const auto listed =
-        openDirect(Sql("Select CustFieldName As Field, FieldValue As [Value] from CustomFieldValues where CustID = ") + CustomerID,
-                   CursorType::Keyset, LockType::Optimistic);
-    dateFields_.clear();
-    for (const auto dates = openDirect("SELECT CustFieldName FROM CustomFields WHERE CustFieldType = 'Date'"); !dates->Eof();
-         dates->MoveNext())
-        dateFields_.insert((*dates)[0].text());
-    closeRows(fields_);
-    fields_ = openDirect(Sql("Select * from CustomFieldValues where CustID = ") + CustomerID, CursorType::Keyset, LockType::Optimistic);
-    vsfCustomFields.setDataRows(0);
-    for (; !listed->Eof(); listed->MoveNext())
-        vsfCustomFields.addRow({(*listed)["Field"].text(), (*listed)["Value"].text()});
-}
-
-// A date must be one, and a text must go into its column; an empty one is no value.
-bool frmCustomer::refuseField(int row, const std::string& text) {
-    constexpr std::size_t kRoom = 255; // of the store's column
-    const std::string name = vsfCustomFields.text(row, kField);
-    std::string refusal;
-    if (dateFields_.contains(name) && !trimmed(text).empty() && !Date::fromText(trimmed(text)))
-        refusal = name + " is a date, as 5/1/1970; \"" + text + "\" is none.";
-    else if (characterCount(text) > kRoom)
-        refusal = "A field has room for " + std::to_string(kRoom) + " characters; these are " + std::to_string(characterCount(text)) +
-                  ". Please shorten it.";
-    if (!refusal.empty())
-        desk().message(refusal, kProduct);
-    return !refusal.empty();
-}
-
-// What the store refuses is reported, and the grid shows what it holds.
-void frmCustomer::writeField(int row) {
-    const bool written = guarded({.tag = kTag, .procedure = "CustomFields_AfterEdit", .plain = "The field was not saved."}, [&] {
-        fields_->MoveFirst();
-        while (!fields_->Eof() && (*fields_)["CustFieldName"].text() != vsfCustomFields.text(row, kField))
-            fields_->MoveNext();
-        const std::string text = vsfCustomFields.text(row, kFieldValue);
-        (*fields_)["FieldValue"] = text.empty() ? Value() : Value(text);
-        fields_->Update();
-    });
-    if (!written)
-        guarded({kTag, "CustomFields_AfterEdit"}, [this] { showFields(); });
-}
-
 void frmCustomer::Form_Activate() {
-    guarded({kTag, "Form_Activate"}, [this] { showSales(); });
+    guarded({kCustomerTag, "Form_Activate"}, [this] { showSales(); });
     FirstName.setFocus();
 }
 
@@ -346,68 +193,29 @@ void frmCustomer::showSales() {
 
 void frmCustomer::Form_Unload(bool& /*cancel*/) {
     data_.setRecordset(nullptr);
-    for (db::RecordsetPtr* rows : {&customer_, &tiers_, &fields_})
+    ownFields_.release();
+    for (db::RecordsetPtr* rows : {&customer_, &tiers_})
         closeRows(*rows);
 }
 
 void frmCustomer::FetchCustomerData() {
-    guarded({kTag, "FetchCustomerData"}, [this] { fetchData(); });
-}
-
-void frmCustomer::fetchData() {
-    fillStates(cboState);
-    SetPhone("", txtPhone);
-    SetPhone("", txtFax);
-    const auto row = openDirect(Sql("sp_GetCustomerData ") + CustomerID);
-    if (row->Eof())
-        return;
-    SetPhone((*row)["PhoneNumber"].text(), txtPhone);
-    SetPhone((*row)["FaxNumber"].text(), txtFax);
-    cboState.setText(stateEntry(cboState, (*row)["State"].text()));
-    for (Control* control : unbound())
-        data_.settle(*control);
-}
-
-void frmCustomer::EnableCreditFields() {
-    Control* const terms[] = {&chkFinCharge, &lblCreditLimitT, &txtCreditLimit, &txtAcctBalance,  &lblAcctBalanceT, &lblAPRT,
-                              &txtAPR,       &lblMinFinChgT,   &txtMinFinChg,   &lblGracePeriodT, &txtGracePeriod};
-    for (Control* control : terms)
-        control->setEnabled(chkCharge.value());
+    guarded({kCustomerTag, "FetchCustomerData"}, [this] { contact_.fetch(CustomerID, data_); });
 }
 
 void frmCustomer::chkCharge_Click() {
     if (loading_)
         return;
     EnableCreditFields();
-    if (chkCharge.value())
+    if (terms_.chkCharge.value())
         LoadCreditDefaults();
 }
 
 void frmCustomer::LoadCreditDefaults() {
-    guarded({kTag, "LoadCreditDefaults"}, [this] {
-        const auto options = openDirect(Sql("bsp_GetStoreCreditOptions 1, ") + CustomerID);
-        const auto given = [&](const char* column) { return !options->Eof() && !(*options)[column].isNull(); };
-        finChargeDefault_ = given("FinChargeDefault") ? (*options)["FinChargeDefault"].Value().toInt16() : std::int16_t{1};
-        aprDefault_ = given("FinAPR") ? (*options)["FinAPR"].Value().toNumber() : 20;
-        overdueDefault_ = given("OverdueAfter") ? (*options)["OverdueAfter"].Value().toInt16() : std::int16_t{15};
-        minFinChgDefault_ = given("MinFinChg") ? (*options)["MinFinChg"].Value().toNumber() : 5;
-        applyDefaults();
-    });
-}
-
-// What the customer has stays.
-void frmCustomer::applyDefaults() {
-    chkFinCharge.setValue(finChargeDefault_ != 0);
-    if (txtAPR.text().empty())
-        txtAPR.setText(Value(aprDefault_).toText());
-    if (txtGracePeriod.text().empty())
-        txtGracePeriod.setText(std::to_string(overdueDefault_));
-    if (txtMinFinChg.text().empty())
-        txtMinFinChg.setText(Currency::fromDouble(minFinChgDefault_).toDisplay());
+    guarded({kCustomerTag, "LoadCreditDefaults"}, [this] { terms_.loadDefaults(CustomerID); });
 }
 
 void frmCustomer::dcxTierID_Click() {
-    if (loading_ || customer_ == nullptr || tiers_ == nullptr || guarded({kTag, "dcxTierID_Change"}, [this] { takeTier(); }))
+    if (loading_ || customer_ == nullptr || tiers_ == nullptr || guarded({kCustomerTag, "dcxTierID_Change"}, [this] { takeTier(); }))
         return;
     loading_ = true;
     const AtEnd shown([this] { loading_ = false; });
@@ -420,10 +228,11 @@ void frmCustomer::takeTier() {
 
 // Only a note: families share numbers.
 void frmCustomer::noteDuplicate() {
-    guarded({kTag, "NoteDuplicate"}, [this] {
-        const auto others = openBroker("bsp_CustomersAlike", db::CommandType::StoredProcedure, db::CursorType::Static, LockType::ReadOnly,
-                                       {intParameter("CustomerID", CustomerID), textParameter("PhoneNumber", 30, GetPhone(txtPhone)),
-                                        textParameter("Email", 100, std::string(trimmed(Email.text())))});
+    guarded({kCustomerTag, "NoteDuplicate"}, [this] {
+        const auto others =
+            openBroker("bsp_CustomersAlike", db::CommandType::StoredProcedure, db::CursorType::Static, LockType::ReadOnly,
+                       {intParameter("CustomerID", CustomerID), textParameter("PhoneNumber", 30, GetPhone(contact_.txtPhone)),
+                        textParameter("Email", 100, std::string(trimmed(Email.text())))});
         lblDuplicate.setCaption(others->Eof() ? ""
                                               : "Also of " + (*others)["Name"].text() + ": the same " + (*others)["What"].text() + ".");
     });
@@ -432,15 +241,14 @@ void frmCustomer::noteDuplicate() {
 void frmCustomer::cmdUpdate_Click() {
     if (customer_ == nullptr)
         return unload();
-    if (phoneRefused(txtPhone, "Invalid phone number. Please reenter.", MessageIcon::Information) ||
-        phoneRefused(txtFax, "Invalid fax number. Please reenter.", MessageIcon::Information))
+    if (contact_.refused())
         return;
     if (!isWholeNumber(StoreID.text())) {
         desk().message("The store is a number; \"" + StoreID.text() + "\" is none.", kProduct);
         StoreID.setFocus();
         return;
     }
-    FailurePlace place{.tag = kTag, .procedure = "cmdUpdate_Click", .plain = "The customer was not saved."};
+    FailurePlace place{.tag = kCustomerTag, .procedure = "cmdUpdate_Click", .plain = "The customer was not saved."};
     bool written = false;
     if (!guarded(place, [&] { written = renewed() && write(place); }) || !written)
         return;
@@ -454,7 +262,7 @@ bool frmCustomer::renewed() {
     const AtEnd shown([this] { loading_ = false; });
     const bool clear = takeMeanwhile(*this, data_, readCustomer(), "customer");
     customer_ = data_.Recordset();
-    showAmounts();
+    terms_.showAmounts(data_);
     EnableCreditFields();
     return clear;
 }
@@ -466,28 +274,16 @@ bool frmCustomer::write(FailurePlace& place) {
         takeTier();
     (*customer_)["LastUpdated"] = Value(desk().clock().now());
     customer_->Update();
-    const auto beside = unbound();
     for (Control* control : controls())
-        if (std::find(beside.begin(), beside.end(), control) == beside.end())
+        if (!contact_.holds(*control))
             data_.settle(*control);
     place.plain = "The customer was not saved in full.";
-    modMain().Conn->Execute(Sql("sp_SetCustomerData ") + CustomerID + ", '" + besideRow(txtPhone, "PhoneNumber", GetPhone(txtPhone)) +
-                            "', '" + besideRow(txtFax, "FaxNumber", GetPhone(txtFax)) + "', '" +
-                            besideRow(cboState, "State", cboState.text()) + "'");
+    contact_.write(CustomerID, data_);
     return true;
 }
 
-std::vector<Control*> frmCustomer::unbound() {
-    return {&txtPhone, &txtFax, &cboState};
-}
-
-// Held by the control, or as the store has it where the user changed nothing.
-std::string frmCustomer::besideRow(const Control& control, const char* column, const std::string& held) {
-    return data_.isChanged(control) ? held : (*customer_)[column].text();
-}
-
 void frmCustomer::cmdSalesHist_Click() {
-    guarded({kTag, "cmdSalesHist_Click"}, [this] {
+    guarded({kCustomerTag, "cmdSalesHist_Click"}, [this] {
         modMain().doors.ReportWindow("CustSalesHist.rpt", {std::to_string(CustomerID), "", ""}, true, true);
     });
 }

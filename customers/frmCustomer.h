@@ -4,25 +4,24 @@
 #include "app/db/ado/recordset.h"
 #include "app/failure.h"
 #include "customers/accountpanel.h"
+#include "customers/accountterms.h"
+#include "customers/contactfields.h"
+#include "customers/ownfields.h"
 #include "ui/button.h"
 #include "ui/choice.h"
 #include "ui/form.h"
 #include "ui/frame.h"
-#include "ui/grid.h"
 #include "ui/label.h"
 #include "ui/list.h"
 #include "ui/textbox.h"
 
-#include <array>
 #include <cstdint>
-#include <set>
 #include <string>
-#include <vector>
 
 namespace merchantry::customers {
 
 // One customer: name and address, the terms of the charge account, the store's own fields. Update saves, Cancel does not; the own fields
-// are saved as each cell is left.
+// are saved as each cell is left. Contact, terms and own fields are parts with procedures of their own.
 class frmCustomer : public ui::Form {
 public:
     explicit frmCustomer(ui::Desk& desk);
@@ -33,13 +32,12 @@ public:
     // Reads phone, fax and state, which are not bound.
     void FetchCustomerData();
     // The terms can be changed while Charge Account is ticked.
-    void EnableCreditFields();
+    void EnableCreditFields() { terms_.enable(); }
     // The store's terms, for those that the customer lacks.
     void LoadCreditDefaults();
 
 private:
     void bindFields();
-    void checkTerms();
     void wire();
     void arrange();
     void Form_Load() override;
@@ -49,24 +47,15 @@ private:
 
     void load();
     db::RecordsetPtr readCustomer() const;
-    void followUnbound();
     std::string tierName(const Value& tier);
     void takeTier();
-    void showAmounts();
-    void showFields();
-    bool refuseField(int row, const std::string& text);
-    void writeField(int row);
     void showSales();
-    void fetchData();
     void chkCharge_Click();
-    void applyDefaults();
     void dcxTierID_Click();
     void noteDuplicate();
     void cmdUpdate_Click();
     bool renewed();
     bool write(app::FailurePlace& place);
-    std::vector<ui::Control*> unbound();
-    std::string besideRow(const ui::Control& control, const char* column, const std::string& held);
     void cmdSalesHist_Click();
 
     ui::Label lblHeading{*this, "lblHeading", "Customer Information"};
@@ -83,9 +72,7 @@ private:
     ui::TextBox LastUpdated{*this, "txtTextBox(10)"};
     ui::TextBox LastPurchaseDate{*this, "txtTextBox(12)"};
     ui::TextBox TotalSales{*this, "txtTextBox(13)"};
-    ui::ComboBox cboState{*this, "cboState"};
-    ui::TextBox txtPhone{*this, "txtPhone"};
-    ui::TextBox txtFax{*this, "txtFax"};
+    ContactFields contact_{*this};
     ui::Label lblDuplicate{*this, "lblDuplicate"};
     ui::TextBox Notes{*this, "Notes"};
     ui::CheckBox cbxActive{*this, "cbxActive", "Active"};
@@ -93,19 +80,8 @@ private:
     ui::CheckBox LayawayCustomer{*this, "chkCheckBox(0)", "Layaway Customer"};
     ui::CheckBox TaxExempt{*this, "chkCheckBox(1)", "Tax Exempt"};
     ui::CheckBox Employee{*this, "chkCheckBox(2)", "Employee"};
-    ui::CheckBox chkCharge{*this, "chkCharge", "Charge Account"};
-    ui::CheckBox chkFinCharge{*this, "chkFinCharge", "Assess Finance Charge"};
-    ui::Label lblCreditLimitT{*this, "lblCreditLimitT", "Credit Limit:"};
-    ui::TextBox txtCreditLimit{*this, "txtCreditLimit"};
-    ui::Label lblAcctBalanceT{*this, "lblAcctBalanceT", "Account Balance:"};
-    ui::TextBox txtAcctBalance{*this, "txtAcctBalance"};
-    ui::Label lblAPRT{*this, "lblAPRT", "APR:"};
-    ui::TextBox txtAPR{*this, "txtAPR"};
-    ui::Label lblMinFinChgT{*this, "lblMinFinChgT", "Min. Finance Charge:"};
-    ui::TextBox txtMinFinChg{*this, "txtMinFinChg"};
-    ui::Label lblGracePeriodT{*this, "lblGracePeriodT", "Grace Period:"};
-    ui::TextBox txtGracePeriod{*this, "txtGracePeriod"};
-    ui::Grid vsfCustomFields{*this, "vsfCustomFields"};
+    AccountTerms terms_{*this};
+    OwnFields ownFields_{*this};
     ui::Button cmdShipTo{*this, "cmdShipTo", "&Ship To..."};
     ui::Button cmdSalesHist{*this, "cmdSalesHist", "Sales &History..."};
     ui::Button cmdCancel{*this, "cmdCancel", "&Cancel"};
@@ -116,14 +92,7 @@ private:
     app::DataControl data_;
     db::RecordsetPtr customer_;
     db::RecordsetPtr tiers_;
-    db::RecordsetPtr fields_;
-    std::set<std::string> dateFields_; // those of fields_ that are dates
     bool loading_ = false;
-    // The store's terms, as LoadCreditDefaults read them.
-    std::int16_t finChargeDefault_ = 1;
-    double aprDefault_ = 20;
-    std::int16_t overdueDefault_ = 15;
-    double minFinChgDefault_ = 5;
 };
 
 } // namespace merchantry::customers
