@@ -1,6 +1,6 @@
 #pragma once
 
-#include "exchange/backup/dmo.h"
+#include "exchange/backup/backuprun.h"
 #include "exchange/backup/filepicker.h"
 #include "exchange/backup/serverlocator.h"
 #include "ui/button.h"
@@ -9,23 +9,14 @@
 #include "ui/frame.h"
 #include "ui/label.h"
 
-#include <memory>
 #include <string>
-
-namespace merchantry::db {
-class FileStage;
-class Sql;
-} // namespace merchantry::db
 
 namespace merchantry::exchange {
 
-class StoreCloser;
-struct RestoreOutlook;
-
-// Backs the store up to a file and proves the backup, or restores the store from one. The data server does the work, with the file on its
-// drive C, between which and the chosen path it is moved; meanwhile the application has no connection of its own. When that fails before
-// the new connection is open, the application has none until Go is pressed anew or the program is started again.
-class frmDatabaseBak : public ui::Form {
+// Backs the store up to a file and proves the backup, or restores the store from one: asks what and which file, shows how a BackupRun goes
+// on and tells what became of it. When that fails before the new connection is open, the application has none until Go is pressed anew or
+// the program is started again.
+class frmDatabaseBak : public ui::Form, private BackupScreen {
 public:
     explicit frmDatabaseBak(ui::Desk& desk);
 
@@ -37,33 +28,18 @@ private:
     void optMode_Click();
     void cmdGo_Click();
 
-    // cmdGo, in its order.
-    struct Work;
-    void run(Work& work);
-    std::unique_ptr<SQLServer> connected();
-    void split(Work& work) const;
-    void requireUsable(const Work& work) const;
-    bool confirmed(const RestoreOutlook& outlook);
-    void stageForRestore(Work& work);
-    void stageOnServer();
-    std::string shell(const db::Sql& command);
-    void closeConn(Work& work);
-    void backUp(Work& work);
-    void restore(Work& work);
-    void openConn(const Work& work);
-    void prove(Work& work);
-    void keepUnproved(Work& work);
-    void unstage(Work& work);
-    void unstageOnServer(Work& work);
-    void tell(const Work& work);
-    void sayFailed(const Work& work);
+    // What the run asks.
+    void stepBegins(const std::string& what) override;
+    void stepEnded() override;
+    BackupProgress progress() override;
+    bool confirmed(const RestoreOutlook& outlook) override;
+
+    void tell(const BackupResult& result);
+    void tellOfBackup(const BackupResult& result);
+    void sayFailed(const BackupResult& result);
 
     bool backsUp() const;
     std::string refusal(const std::string& path) const;
-    std::string server() const;
-    std::string storeFile() const;
-    void watch(const std::string& what);
-    BackupProgress progress();
     void say(const std::string& text, bool bad = false);
     void showLast();
     void setAvailable();
