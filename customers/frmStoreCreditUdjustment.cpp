@@ -6,8 +6,8 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "base/textorder.h"
+#include "customers/accountamounts.h"
 #include "customers/frmCreditAdjCodes.h"
-#include "ui/calls.h"
 #include "ui/desk.h"
 
 namespace merchantry::customers {
@@ -20,12 +20,9 @@ namespace {
 
 constexpr const char* kTag = "MR_frmCreditAdjCodes"; // shared with that screen
 constexpr int kCodeLength = 25;
-constexpr std::int64_t kUnitsInCent = 100;
 constexpr int kApplicationId = 2;
 constexpr int kApplicationCashier = 5;
 constexpr const char* kApplicationCode = "application";
-
-enum Column { kNumber, kType, kDate, kDue, kTotal, kOpen, kApplied };
 
 const db::SqlType kInt{db::TypeKind::Int, 0, 0, 0};
 const db::SqlType kMoney{db::TypeKind::Money, 0, 0, 0};
@@ -43,64 +40,10 @@ void call(const Sql& procedure, const std::vector<db::Parameter>& parameters) {
     openBroker(procedure, db::CommandType::StoredProcedure, db::CursorType::ForwardOnly, db::LockType::ReadOnly, parameters);
 }
 
-Currency amountFrom(const std::string& text) {
-    const auto amount = amountOf(text);
-    if (!amount)
-        throw RunTimeError(13, "Type mismatch");
-    return *amount;
-}
-
-Currency magnitude(Currency amount) {
-    return amount < Currency() ? -amount : amount;
-}
-
-// As much as one posting may come to, so that accounts and their sums never leave what money can hold.
-const Currency kMostAdjusted = Currency::fromUnits(9'999'999'999'900);
-
-// Nothing for what is no amount, or a larger one.
-std::optional<Currency> amountWithin(const std::string& text) {
-    try {
-        const auto amount = amountOf(text);
-        return amount && magnitude(*amount) <= kMostAdjusted ? amount : std::nullopt;
-    } catch (const OverflowError&) {
-        return std::nullopt;
-    }
-}
-
-std::string shortDate(const Value& date) {
-    return date.isNull() ? "" : date.as<Date>().dateOnly().toShortText();
-}
-
-// As stored: in cents, and with all its decimals where it has fractions of one (a register's posting can), so that what is shown is what
-// can be applied.
-std::string asStored(Currency amount) {
-    if (amount.units() % kUnitsInCent == 0)
-        return amount.toDisplay();
-    const std::string digits = magnitude(amount).toText();
-    return amount < Currency() ? "($" + digits + ")" : "$" + digits;
-}
-
-// Whether what is left open after applying would be more than the posting ever was, with the wrong sign that is.
-bool opensMore(Currency total, Currency open, Currency applied) {
-    const Currency left = open - applied;
-    return open > Currency() ? left > open && left > total : left < open && left < total;
-}
-
 } // namespace
 
 frmStoreCreditUdjustment::frmStoreCreditUdjustment(Desk& desk) : Form(desk, "frmStoreCreditUdjustment", "Store Credit Adjustment") {
     setIcon("item");
-    grdTrans.setColumns({{.heading = "Trans#", .format = GridColumn::Format::Number, .characters = 9},
-                         {.heading = "Type", .characters = 18},
-                         {.heading = "Trans Date", .characters = 11},
-                         {.heading = "Due Date", .characters = 11},
-                         {.heading = "Trans Amount", .alignRight = true, .characters = 13},
-                         {.heading = "Balance Amount", .alignRight = true, .characters = 13},
-                         {.heading = "Applied Amount", .alignRight = true, .characters = 13}});
-    grdTrans.emptyText = "Nothing is open on this account.";
-    grdTrans.beforeEdit = [](int, int column, bool& cancel) { cancel = column != kApplied; };
-    grdTrans.afterEdit = calls(this, &frmStoreCreditUdjustment::grdTrans_AfterEdit);
-    grdTrans.setToolTip("What is above zero the customer owes; below zero the store does. Applied amounts take the sign of their row.");
     for (TextBox* box : {&txtOutBalance, &txtDebits, &txtCredits}) {
         box->setLocked(true);
         box->alignRight = true;
@@ -112,7 +55,7 @@ frmStoreCreditUdjustment::frmStoreCreditUdjustment(Desk& desk) : Form(desk, "frm
     cmdPostAdjustment.click = [this] { cmdPostAdjustment_Click(); };
     cmdPostApplAmounts.click = [this] { cmdPostApplAmounts_Click(); };
     cmdAutoApply.click = [this] { cmdAutoApply_Click(); };
-    mdClearAll.click = [this] { mdClearAll_Click(); };
+    mdClearAll.click = [this] { open_.clearApplied(); };
     cmdDetail.click = [this] { cmdDetail_Click(); };
     cmdAddCode.click = [this] { cmdAddCode_Click(); };
     cmdExit.click = [this] { unload(); };
@@ -124,8 +67,8 @@ frmStoreCreditUdjustment::frmStoreCreditUdjustment(Desk& desk) : Form(desk, "frm
         row({fields({field("Custo&mer:", cbCustomers).wide(34)}), stretch()}),
         row({fields({field("Outstanding balance:", txtOutBalance).wide(10)}), fields({field("Debits:", txtDebits).wide(10)}),
              fields({field("Credits:", txtCredits).wide(10)}), stretch()}),
-        at(grdTrans).high(9).wide(70).stretched(),
-        row({stretch(), figure("Transactions", lbTotalTA), figure("Balances", lbTotalBA), figure("Applied", lbTotalAA)}),
+        open_.item(),
+        open_.totals(),
         row({at(cmdDetail), stretch(), at(mdClearAll), at(cmdAutoApply), at(cmdPostApplAmounts)}),
         box("Adjustment", row({fields({field("Amou&nt:", txtAmount).wide(13)}), fields({field("C&ode:", cbCreditCodes).wide(22)}),
                                at(cmdAddCode), stretch(), at(cmdPostAdjustment)})),
@@ -207,76 +150,12 @@ void frmStoreCreditUdjustment::chooseCustomer() {
 
 void frmStoreCreditUdjustment::loadTransactions() {
     guarded({kTag, "LoadTransactions"}, [this] {
-        grdTrans.setDataRows(0);
-        const auto rows =
-            openBroker("sp_GetCustomerCreditStatus", db::CommandType::StoredProcedure, db::CursorType::Static, db::LockType::ReadOnly,
-                       {number("CustomerId", CustomerID), textParameter("TransStatus", kCodeLength, "open")});
-        Currency total;
-        Currency open;
-        Currency debits;
-        Currency credits;
-        for (; !rows->Eof(); rows->MoveNext()) {
-            const Currency amount = (*rows)["Total"].Value().toCurrency();
-            const Currency left = (*rows)["OutstandingBalance"].Value().toCurrency();
-            grdTrans.addRow({(*rows)["TransactionNumber"].text(), (*rows)["CreditCode"].text(), shortDate((*rows)["Time"].Value()),
-                             shortDate((*rows)["PastDueDate"].Value()), asStored(amount), asStored(left), ""});
-            total += amount;
-            open += left;
-            (left > Currency() ? debits : credits) += left;
-        }
-        showTotals(total, open, debits, credits);
+        const auto [debits, credits] = open_.load(CustomerID);
+        txtOutBalance.setText(asStored(GetCustomerBalance(CustomerID)));
+        txtDebits.setText(asStored(debits));
+        txtCredits.setText(asStored(credits));
         nothingUnsaved();
     });
-}
-
-void frmStoreCreditUdjustment::showTotals(Currency total, Currency open, Currency debits, Currency credits) {
-    lbTotalTA.setCaption(asStored(total));
-    lbTotalBA.setCaption(asStored(open));
-    lbTotalAA.setCaption(Currency().toDisplay());
-    txtOutBalance.setText(asStored(GetCustomerBalance(CustomerID)));
-    txtDebits.setText(asStored(debits));
-    txtCredits.setText(asStored(credits));
-}
-
-Currency frmStoreCreditUdjustment::amountAt(int row, int column) const {
-    const std::string text = grdTrans.text(row, column);
-    return text.empty() ? Currency() : amountFrom(text);
-}
-
-Currency frmStoreCreditUdjustment::GetAppliedAmount(int row) const {
-    return amountAt(row, kApplied);
-}
-
-// What is typed becomes currency, in cents, unless something open has fractions of one; what is no amount is taken out again.
-void frmStoreCreditUdjustment::grdTrans_AfterEdit(int row, int column) {
-    const std::string typed = std::string(trimmed(grdTrans.text(row, column)));
-    const auto amount = amountWithin(typed);
-    if (!typed.empty() && !amount)
-        desk().message("\"" + typed + "\" is no amount" + (isNumeric(typed) ? " that an account can have." : "."), caption(),
-                       MessageIcon::Exclamation);
-    grdTrans.setText(row, column, !amount ? "" : hasFractions() ? asStored(*amount) : amount->toDisplay());
-    if (!autoApply_)
-        showApplied();
-}
-
-bool frmStoreCreditUdjustment::hasFractions() const {
-    for (int row = 1; row <= grdTrans.dataRows(); ++row)
-        if (amountAt(row, kOpen).units() % kUnitsInCent != 0)
-            return true;
-    return false;
-}
-
-void frmStoreCreditUdjustment::showApplied() {
-    Currency sum;
-    for (int row = 1; row <= grdTrans.dataRows(); ++row)
-        sum += GetAppliedAmount(row);
-    lbTotalAA.setCaption(asStored(sum));
-}
-
-void frmStoreCreditUdjustment::mdClearAll_Click() {
-    for (int row = 1; row <= grdTrans.dataRows(); ++row)
-        grdTrans.setText(row, kApplied, "");
-    lbTotalAA.setCaption(Currency().toDisplay());
 }
 
 bool frmStoreCreditUdjustment::hasCustomer() {
@@ -320,71 +199,26 @@ void frmStoreCreditUdjustment::postAdjustment(Currency amount) {
         loadTransactions();
 }
 
-// False when it was said what does not fit.
-bool frmStoreCreditUdjustment::appliedFits(Currency& sum) {
-    for (int row = 1; row <= grdTrans.dataRows(); ++row) {
-        if (grdTrans.text(row, kApplied).empty())
-            continue;
-        sum += GetAppliedAmount(row);
-        if (magnitude(GetAppliedAmount(row)) <= magnitude(amountAt(row, kOpen)))
-            continue;
-        desk().message("At least one transaction's applied amount is grettear then the outstanding balance for that transaction. Please "
-                       "correct and post applied amounts again.",
-                       "Wrong Applied Amount");
-        return false;
-    }
-    return true;
-}
-
 void frmStoreCreditUdjustment::cmdPostApplAmounts_Click() {
-    if (!hasCustomer())
-        return;
-    Currency sum;
-    if (!appliedFits(sum))
-        return;
-    if (sum != Currency()) {
-        desk().message(
-            "The total of applied credits do not equal the total of applied debits. Please correct and post applied amounts again.",
-            "Wrong Applied Amounts");
-        return;
-    }
-    if (signsFit())
+    if (hasCustomer() && open_.appliedFits())
         postApplied();
-}
-
-// False when it was said which amount has the wrong sign. The other way round an amount takes back what was applied before, and no more.
-bool frmStoreCreditUdjustment::signsFit() {
-    for (int row = 1; row <= grdTrans.dataRows(); ++row) {
-        if (!opensMore(amountAt(row, kTotal), amountAt(row, kOpen), GetAppliedAmount(row)))
-            continue;
-        const bool debit = amountAt(row, kOpen) > Currency();
-        desk().message("Transaction " + grdTrans.text(row, kNumber) + " is a " +
-                           (debit ? "debit: what is applied to it stands above zero." : "credit: what is applied to it stands below zero."),
-                       "Wrong Applied Amount");
-        return false;
-    }
-    return true;
 }
 
 // Without a handler: a refusal of the store, because somebody else applied it meanwhile, ends the program with nothing applied twice.
 void frmStoreCreditUdjustment::postApplied() {
-    for (int row = 1; row <= grdTrans.dataRows(); ++row)
-        if (!grdTrans.text(row, kApplied).empty() && !PostAppliedRow(row))
+    for (const OpenTransactions::Applied& one : open_.applied())
+        if (!PostAppliedRow(one))
             return;
     loadTransactions();
 }
 
-bool frmStoreCreditUdjustment::PostAppliedRow(int row) {
-    const std::int64_t transactionNumber = std::stoll(grdTrans.text(row, kNumber));
-    const Currency amount = GetAppliedAmount(row);
-    if (amount == Currency())
-        return true;
+bool frmStoreCreditUdjustment::PostAppliedRow(const OpenTransactions::Applied& applied) {
     if (!hasBatch())
         return false;
     return postedWhole([&] {
         call(" sp_PostAppliedAmount",
-             {number("BatchNumber", BatchNumber), number("AppTransNumber", transactionNumber), number("StoreId", StoreId),
-              number("CustomerId", CustomerID), number("CashierId", kApplicationCashier), money("AdjustmentAmount", amount),
+             {number("BatchNumber", BatchNumber), number("AppTransNumber", applied.number), number("StoreId", StoreId),
+              number("CustomerId", CustomerID), number("CashierId", kApplicationCashier), money("AdjustmentAmount", applied.amount),
               number("CreditId", kApplicationId), textParameter("CreditCode", kCodeLength, kApplicationCode)});
     });
 }
@@ -415,35 +249,10 @@ void frmStoreCreditUdjustment::cmdAutoApply_Click() {
             "No Outstanding Credits");
         return;
     }
-    autoApply_ = true; // and stays so: from here on edits by hand no longer add up in lbTotalAA
-    proposePairs();
+    open_.proposePairs();
     desk().yield();
-    if (signsFit())
+    if (open_.signsFit())
         postApplied();
-}
-
-// Each credit, from the top of the list, takes the first debits that are left.
-void frmStoreCreditUdjustment::proposePairs() {
-    for (int i = 1; i <= grdTrans.dataRows(); ++i) {
-        Currency credit = amountAt(i, kOpen) - GetAppliedAmount(i);
-        if (credit >= Currency())
-            continue;
-        for (int j = 1; j <= grdTrans.dataRows() && credit != Currency(); ++j) {
-            const Currency debit = amountAt(j, kOpen) - GetAppliedAmount(j);
-            if (debit <= Currency())
-                continue;
-            const Currency part = std::min(magnitude(credit), debit);
-            ApplyPair(i, j, part);
-            credit += part;
-        }
-        if (credit != Currency())
-            return; // no debit is left
-    }
-}
-
-void frmStoreCreditUdjustment::ApplyPair(int credit, int debit, Currency amount) {
-    grdTrans.setText(credit, kApplied, asStored(GetAppliedAmount(credit) - amount));
-    grdTrans.setText(debit, kApplied, asStored(GetAppliedAmount(debit) + amount));
 }
 
 void frmStoreCreditUdjustment::cmdDetail_Click() {
@@ -451,11 +260,12 @@ void frmStoreCreditUdjustment::cmdDetail_Click() {
 }
 
 void frmStoreCreditUdjustment::showDetail() {
-    if (!grdTrans.selected()) {
+    const std::string number = open_.marked();
+    if (number.empty()) {
         desk().message("An transaction must be selected before viewing details on that transaction", "Transaction Details");
         return;
     }
-    modMain().doors.ReportViewer("CreditViewDetail.rpt", {grdTrans.text(grdTrans.row(), kNumber)}, "Transaction Details");
+    modMain().doors.ReportViewer("CreditViewDetail.rpt", {number}, "Transaction Details");
 }
 
 void frmStoreCreditUdjustment::cmdAddCode_Click() {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/currency.h"
+#include "customers/opentransactions.h"
 #include "ui/button.h"
 #include "ui/form.h"
-#include "ui/grid.h"
 #include "ui/label.h"
 #include "ui/list.h"
 #include "ui/textbox.h"
@@ -13,8 +13,7 @@
 
 namespace merchantry::customers {
 
-// One customer's account: posts an adjustment to it, and applies open credits to open debits. The column of applied amounts is a scratch
-// pad until it is posted.
+// One customer's account: posts an adjustment to it, and applies open credits to open debits.
 class frmStoreCreditUdjustment : public ui::Form {
 public:
     explicit frmStoreCreditUdjustment(ui::Desk& desk);
@@ -34,24 +33,13 @@ private:
     void fillCustomers();
     void chooseCustomer();
     void loadTransactions();
-    void showTotals(Currency total, Currency open, Currency debits, Currency credits);
-    Currency amountAt(int row, int column) const;
-    Currency GetAppliedAmount(int row) const;
-    bool hasFractions() const;
-    void showApplied();
-    void grdTrans_AfterEdit(int row, int column);
-    void mdClearAll_Click();
     bool hasCustomer();
     void cmdPostAdjustment_Click();
     void postAdjustment(Currency amount);
     void cmdPostApplAmounts_Click();
-    bool signsFit();
-    bool appliedFits(Currency& sum);
     void cmdAutoApply_Click();
-    void proposePairs();
-    void ApplyPair(int credit, int debit, Currency amount);
     void postApplied();
-    bool PostAppliedRow(int row); // false when it was said why not
+    bool PostAppliedRow(const OpenTransactions::Applied& applied); // false when it was said why not
     bool hasBatch();
     bool postedWhole(const std::function<void()>& post);
     void cmdDetail_Click();
@@ -63,10 +51,7 @@ private:
     ui::TextBox txtOutBalance{*this, "txtOutBalance"};
     ui::TextBox txtDebits{*this, "txtDebits"};
     ui::TextBox txtCredits{*this, "txtCredits"};
-    ui::Grid grdTrans{*this, "grdTrans"};
-    ui::Label lbTotalTA{*this, "lbTotalTA"};
-    ui::Label lbTotalBA{*this, "lbTotalBA"};
-    ui::Label lbTotalAA{*this, "lbTotalAA"};
+    OpenTransactions open_{*this};
     ui::Button cmdDetail{*this, "cmdDetail", "&Details..."};
     ui::Button mdClearAll{*this, "mdClearAll", "C&lear All"};
     ui::Button cmdAutoApply{*this, "cmdAutoApply", "A&uto Apply"};
@@ -82,7 +67,6 @@ private:
     std::int16_t CashierId = 5;
     int customerCount_ = 0;
     std::int32_t BatchNumber = -1; // none open
-    bool autoApply_ = false;
     bool activated_ = false;
 };
 
