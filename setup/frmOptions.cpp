@@ -9,33 +9,17 @@
 #include "setup/secretbox.h"
 #include "ui/desk.h"
 
-#include <filesystem>
-
 namespace merchantry::setup {
 
 using namespace app;
 using namespace ui;
 
-namespace {
-
-constexpr const char* kTag = "MR_frmOptions";
-constexpr int kNameColumn = 0;
-constexpr int kTypeColumn = 1;
-constexpr int kFieldNameLength = 50;
-constexpr const char* kMerchants[] = {"CES", "FDC", "MAPP", "NDC", "FNBO", "GSAR", "VISA", "NB", "FDCN", "MDI", "NPC", "ECHO"};
-
-} // namespace
-
 frmOptions::frmOptions(Desk& desk) : Form(desk, "frmOptions", "Options") {
     setIcon("options");
     keepSecret(txtMgrOverride, cmdShowOverride);
-    keepSecret(PCChgMerchActNum, cmdShowAccount);
-    txtFieldName.maxLength = kFieldNameLength;
-    for (TextBox* box : {&txtAPR, &txtMinFinChg, &txtPeriod, &txtDeposit, &txtMinDeposit, &PCChgPinPadCom, &txtGVExpiration})
+    for (TextBox* box : {&txtAPR, &txtMinFinChg, &txtPeriod, &txtDeposit, &txtMinDeposit, &txtGVExpiration})
         box->alignRight = true;
     txtMinFinChg.money = txtMinDeposit.money = true;
-    grdFields.setColumns({{.heading = "Field name"}, {.heading = "Data type", .characters = 12}});
-    grdFields.editable = false;
     cmdExit.isCancel = true;
 
     for (const OptionField& field : optionFields())
@@ -48,10 +32,6 @@ frmOptions::frmOptions(Desk& desk) : Form(desk, "frmOptions", "Options") {
         {&txtAddress1, &lblAddress1}, {&txtCity, &lblCity}, {&txtZip, &lblZip}, {&txtPhone, &lblPhone}};
     for (const auto& [box, label] : marks)
         box->change = [this, box = box, label = label] { mark(*label, !trimmed(box->text()).empty()); };
-    cmdBrowse.click = [this] { cmdBrowse_Click(); };
-    cmdAddField.click = [this] { cmdAddField_Click(); };
-    grdFields.click = [this] { grdFields_Click(); };
-    grdFields.dblClick = [this] { grdFields_Click(); }; // and so Enter
     cmdExit.click = [this] { unload(); };
     buildLayout();
 }
@@ -151,7 +131,7 @@ bool frmOptions::write(const OptionField& field, const Value& value) {
     if (std::string_view(field.control) == "lbxState")
         mark(lblState, !lbxState.text().empty());
     if (std::string_view(field.control) == "cbxPCCHG")
-        enableCharge();
+        charge_.enable();
     return written;
 }
 
@@ -159,7 +139,7 @@ bool frmOptions::write(const OptionField& field, const Value& value) {
 // it.
 void frmOptions::readAgain() {
     options_->CancelUpdate();
-    guarded({kTag, "Form_Load"}, [this] {
+    guarded({kOptionsTag, "Form_Load"}, [this] {
         options_->Requery();
         putDefaults();
     });
@@ -182,12 +162,6 @@ void frmOptions::Init_ListBoxes() {
         lbxQB.add(version);
 }
 
-void frmOptions::LoadPCChargeMerch() {
-    PCChgMerch.clear();
-    for (const char* merchant : kMerchants)
-        PCChgMerch.add(merchant);
-}
-
 void frmOptions::fillCycles(ComboBox& combo, const db::Sql& statement) {
     combo.clear();
     const auto rows = openDirect(statement);
@@ -199,7 +173,7 @@ void frmOptions::fillCycles(ComboBox& combo, const db::Sql& statement) {
 void frmOptions::Form_Load() {
     tabOptions.setCurrent(0);
     bool populated = true;
-    const bool loaded = guarded({kTag, "Form_Load", caption() + " - Critical Error"}, [&] {
+    const bool loaded = guarded({kOptionsTag, "Form_Load", caption() + " - Critical Error"}, [&] {
         options_ = openBroker("bsp_StoreOptions", db::CommandType::StoredProcedure, db::CursorType::Dynamic, db::LockType::Optimistic);
         Init_ListBoxes();
         LoadPCChargeMerch();
@@ -207,25 +181,24 @@ void frmOptions::Form_Load() {
         fillCycles(cboBillingCycle, "select Cycle from BillingCycle order by Cycle");
         putDefaults();
         populated = Populate_FormData();
-        for (const char* type : {"Date", "Numeric", "Text"})
-            lbxDataType.add(type);
+        customFields_.fillTypes();
     });
     if (!loaded || !populated)
         unload();
 }
 
 bool frmOptions::Populate_FormData() {
-    return guarded({kTag, "Populate_Form"}, [this] {
+    return guarded({kOptionsTag, "Populate_Form"}, [this] {
         for (const OptionField& field : optionFields())
             showField(field);
         markAll();
-        enableCharge();
-        loadCustomFields();
+        charge_.enable();
+        customFields_.load();
     });
 }
 
 void frmOptions::Form_Unload(bool& /*cancel*/) {
-    guarded({kTag, "Form_Unload"}, [this] { closeRows(options_); });
+    guarded({kOptionsTag, "Form_Unload"}, [this] { closeRows(options_); });
 }
 
 void frmOptions::mark(Label& label, bool filled) {
@@ -237,97 +210,6 @@ void frmOptions::markAll() {
                                      std::pair(&lblZip, &txtZip), std::pair(&lblPhone, &txtPhone)})
         mark(*label, !trimmed(box->text()).empty());
     mark(lblState, !lbxState.text().empty());
-}
-
-void frmOptions::enableCharge() {
-    Control* const controls[] = {&lblPCCHG,       &txtPCCHG,          &PCChgMerch, &lblPCCHGMerch, &PCChgMerchActNum, &lblPCCHGMerchActNum,
-                                 &PCChgPinPadCom, &lblPCCHGPinPadCom, &cmdBrowse,  &cmdShowAccount};
-    for (Control* control : controls)
-        control->setEnabled(cbxPCCHG.value());
-}
-
-// Asks for a file and takes its directory.
-void frmOptions::cmdBrowse_Click() {
-    const auto chosen = desk().file({"PC Charge Location", "All Files (*.*)|*.*", txtPCCHG.text(), false});
-    if (!chosen)
-        return;
-    std::error_code unknown;
-    if (!std::filesystem::exists(*chosen, unknown)) {
-        desk().message("Please select a valid file", kProduct);
-        txtPCCHG.setText("");
-        return;
-    }
-    txtPCCHG.setText(chosen->parent_path().string());
-    txtPCCHG.lostFocus();
-}
-
-// --- the customers' own fields ---
-
-// One empty row stands while there is no field.
-void frmOptions::loadCustomFields() {
-    const auto rows = openBroker("bsp_CustomFields", db::CommandType::StoredProcedure, db::CursorType::ForwardOnly, db::LockType::ReadOnly);
-    grdFields.setDataRows(std::max(1, rows->RecordCount()));
-    for (int row = 1; !rows->Eof(); rows->MoveNext(), ++row) {
-        grdFields.setText(row, kNameColumn, (*rows)["CustFieldName"].text());
-        grdFields.setText(row, kTypeColumn, (*rows)["CustFieldType"].text());
-    }
-    rows->Close();
-    grdFields.setCurrent(1, kNameColumn);
-    colour(0);
-    colour(1);
-}
-
-void frmOptions::colour(int row) {
-    for (const int column : {kNameColumn, kTypeColumn})
-        grdFields.setCellColor(row, column, Color::Blue);
-}
-
-void frmOptions::cmdAddField_Click() {
-    guarded({kTag, "cmdAddCustField"}, [this] { addCustomField(); });
-}
-
-void frmOptions::addCustomField() {
-    auto rows = openBroker("bsp_CustomFields", db::CommandType::StoredProcedure, db::CursorType::Dynamic, db::LockType::Optimistic);
-    const std::string name(trimmed(txtFieldName.text()));
-    const std::string type = lbxDataType.text();
-    if (name.empty() || type.empty())
-        return;
-    for (int row = 1; row <= grdFields.dataRows(); ++row)
-        if (grdFields.text(row, kNameColumn) == name) {
-            desk().message("That Customer Field is already present in the database. Please select another.", kProduct);
-            return;
-        }
-    rows->AddNew();
-    (*rows)["CustFieldName"] = Value(name);
-    (*rows)["CustFieldType"] = Value(type);
-    rows->Update();
-    const bool first = grdFields.text(1, kNameColumn).empty();
-    const int row = first ? 1 : grdFields.dataRows() + 1;
-    grdFields.setDataRows(row);
-    grdFields.setText(row, kNameColumn, name);
-    grdFields.setText(row, kTypeColumn, type);
-    colour(row);
-    closeRows(rows);
-}
-
-void frmOptions::grdFields_Click() {
-    if (grdFields.row() < 1 || grdFields.text(grdFields.row(), kNameColumn).empty())
-        return;
-    if (desk().message("Are you sure you wish to remove this field? Fields containing data will be destroyed.", "Remove Field",
-                       MessageIcon::Question, MessageButtons::YesNo) == Answer::Yes)
-        guarded({kTag, "Form_Unload"}, [this] { removeCustomField(); });
-}
-
-void frmOptions::removeCustomField() {
-    const int row = grdFields.row();
-    modMain().Conn->Execute(db::Sql("DELETE FROM CustomFields WHERE CustFieldName = '") + grdFields.text(row, kNameColumn) +
-                            "' AND CustFieldType = '" + grdFields.text(row, kTypeColumn) + "'");
-    if (grdFields.dataRows() > 1) {
-        grdFields.removeRow(row);
-        return;
-    }
-    grdFields.setText(row, kNameColumn, "");
-    grdFields.setText(row, kTypeColumn, "");
 }
 
 } // namespace merchantry::setup

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "app/db/ado/recordset.h"
+#include "setup/chargepage.h"
+#include "setup/customfieldspage.h"
 #include "setup/optionfields.h"
 #include "ui/button.h"
 #include "ui/choice.h"
 #include "ui/form.h"
 #include "ui/frame.h"
-#include "ui/grid.h"
 #include "ui/label.h"
 #include "ui/list.h"
 #include "ui/tabset.h"
@@ -17,14 +18,14 @@
 namespace merchantry::setup {
 
 // The settings of the store: one row of StoreOptions. Every field is written as it is left or clicked; what it is written to, under which
-// check, stands in the table of optionfields. Keeps the list of the customers' custom fields, too.
+// check, stands in the table of optionfields. The pages with procedures of their own are classes.
 class frmOptions : public ui::Form {
 public:
     explicit frmOptions(ui::Desk& desk);
 
     // The states and the processors, in their order.
     void Init_ListBoxes();
-    void LoadPCChargeMerch();
+    void LoadPCChargeMerch() { charge_.fillMerchants(); }
     // Shows the row in the fields, and the custom fields; false when that failed, which was reported.
     bool Populate_FormData();
 
@@ -34,10 +35,8 @@ private:
     void buildLayout();
     ui::Item generalPage();
     ui::Item storePage();
-    ui::Item customFieldsPage();
     ui::Item creditPage();
     ui::Item layawayPage();
-    ui::Item chargePage();
     ui::Item voucherPage();
 
     // Every field, by the table.
@@ -54,14 +53,6 @@ private:
     void fillCycles(ui::ComboBox& combo, const db::Sql& rows);
     void mark(ui::Label& label, bool filled);
     void markAll();
-    void enableCharge();
-    void cmdBrowse_Click();
-    void loadCustomFields();
-    void colour(int row);
-    void cmdAddField_Click();
-    void addCustomField();
-    void grdFields_Click();
-    void removeCustomField();
 
     ui::Label lblHeading{*this, "lblHeading", "Options"};
     ui::TabSet tabOptions{
@@ -105,11 +96,7 @@ private:
     ui::TextBox txtEmail{*this, "txtEmail"};
     ui::Label lblIncomplete{*this, "lblIncomplete", "NOTE: Incomplete items are marked in red"};
 
-    // Custom Customer Fields
-    ui::Grid grdFields{*this, "grdFields"};
-    ui::TextBox txtFieldName{*this, "txtFieldName"};
-    ui::ListBox lbxDataType{*this, "lbxDataType"};
-    ui::Button cmdAddField{*this, "cmdAddField", "A&dd Field"};
+    CustomFieldsPage customFields_{*this};
 
     // Store Credit
     ui::ComboBox cboBillingCycle{*this, "cboBillingCycle"};
@@ -125,18 +112,7 @@ private:
     ui::CheckBox chkPrintTickets{*this, "chkPrintTickets", "Print &Hold Tickets"};
     ui::CheckBox chkCommitItems{*this, "chkCommitItems", "&Commit Layaway Items"};
 
-    // PC Charge
-    ui::CheckBox cbxPCCHG{*this, "cbxPCCHG", "PC Charge &Enabled"};
-    ui::Label lblPCCHG{*this, "lblPCCHG", "PC Charge &Location:"};
-    ui::TextBox txtPCCHG{*this, "txtPCCHG"}; // a directory
-    ui::Button cmdBrowse{*this, "cmdBrowse", "&Browse"};
-    ui::Label lblPCCHGMerch{*this, "lblPCCHGMerch", "&Merchant:"};
-    ui::ListBox PCChgMerch{*this, "PCChgMerch"}; // the processor
-    ui::Label lblPCCHGMerchActNum{*this, "lblPCCHGMerchActNum", "&Account Number:"};
-    ui::TextBox PCChgMerchActNum{*this, "PCChgMerchActNum"};
-    ui::Button cmdShowAccount{*this, "cmdShowAccount", "Show"};
-    ui::Label lblPCCHGPinPadCom{*this, "lblPCCHGPinPadCom", "&Pin Pad Com Port:"};
-    ui::TextBox PCChgPinPadCom{*this, "PCChgPinPadCom"};
+    ChargePage charge_{*this};
 
     // Gift Vouchers
     ui::TextBox txtGVExpiration{*this, "txtGVExpiration"};

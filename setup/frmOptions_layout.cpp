@@ -1,6 +1,6 @@
 #include "setup/frmOptions.h"
 
-// How the seven pages of the options stand on the window.
+// How the options stand on the window, but for the pages that are classes of their own.
 namespace merchantry::setup {
 
 using namespace ui;
@@ -8,7 +8,7 @@ using namespace ui;
 void frmOptions::buildLayout() {
     setLayout(column({
         title(lblHeading),
-        pages(tabOptions, {generalPage(), storePage(), customFieldsPage(), creditPage(), layawayPage(), chargePage(), voucherPage()}),
+        pages(tabOptions, {generalPage(), storePage(), customFields_.item(), creditPage(), layawayPage(), charge_.item(), voucherPage()}),
         buttons({stretch(), note("Every field is saved as you leave it"), at(cmdExit)}),
     }));
 }
@@ -52,17 +52,6 @@ Item frmOptions::storePage() {
     });
 }
 
-Item frmOptions::customFieldsPage() {
-    return column({
-        at(grdFields).high(5).stretched(),
-        fields({
-            field("Field &name:", txtFieldName).wide(28),
-            field("Data &type:", lbxDataType, {at(cmdAddField)}).wide(12),
-        }),
-        note("A click on a field, or Enter, asks whether to remove it with everything that customers have in it."),
-    });
-}
-
 Item frmOptions::creditPage() {
     return fields({
         field("&Billing Cycle", cboBillingCycle, {note("day of the month")}).wide(10),
@@ -80,18 +69,6 @@ Item frmOptions::layawayPage() {
         field("&Minimum Deposit", txtMinDeposit).wide(10),
         at(chkPrintTickets),
         at(chkCommitItems),
-    });
-}
-
-Item frmOptions::chargePage() {
-    return column({
-        at(cbxPCCHG),
-        fields({
-            field(lblPCCHG, txtPCCHG, {at(cmdBrowse)}).wide(40),
-            field(lblPCCHGMerch, PCChgMerch).wide(12),
-            field(lblPCCHGMerchActNum, PCChgMerchActNum, {at(cmdShowAccount)}).wide(24),
-            field(lblPCCHGPinPadCom, PCChgPinPadCom).wide(6),
-        }),
     });
 }
 

@@ -9,7 +9,7 @@ namespace merchantry::setup {
 namespace {
 
 using Check = OptionCheck;
-constexpr const char* kForm = "MR_frmOptions";
+constexpr const char* kForm = kOptionsTag;
 
 // clang-format off
 constexpr OptionField kFields[] = {

@@ -8,6 +8,9 @@
 
 namespace merchantry::setup {
 
+// Under which the screen of the options reports failures.
+constexpr const char* kOptionsTag = "MR_frmOptions";
+
 // What an entry must be before it is written.
 enum class OptionCheck {
     None,
