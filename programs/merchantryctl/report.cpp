@@ -35,13 +35,9 @@ reports::ParameterTexts textsFor(const reports::Definition& definition, const Re
         else if (kind == reports::ParameterKind::Direction)
             texts[i] = options.descending ? " DESC" : " ASC";
     }
-    const auto takes = [&](reports::ParameterKind kind) {
-        const auto& kinds = definition.query.parameters;
-        return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
-    };
-    if (!options.where.empty() && !takes(reports::ParameterKind::Where))
+    if (!options.where.empty() && !definition.query.takes(reports::ParameterKind::Where))
         throw std::runtime_error("The report takes no conditions: its statement has no place for them.");
-    if (!options.sort.empty() && !takes(reports::ParameterKind::Sort))
+    if (!options.sort.empty() && !definition.query.takes(reports::ParameterKind::Sort))
         throw std::runtime_error("The report takes no order: its statement has no place for one.");
     return texts;
 }

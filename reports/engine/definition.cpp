@@ -223,6 +223,9 @@ QueryDefinition query(CheckedTable& table) {
         query.parameters.clear();
         for (const toml::Value& kind : kinds->array())
             query.parameters.push_back(table.word(kind, "parameters", kParameterKinds));
+        for (const auto& [word, kind] : {std::pair{"where", ParameterKind::Where}, std::pair{"sort", ParameterKind::Sort}})
+            if (std::count(query.parameters.begin(), query.parameters.end(), kind) > 0 && !query.takes(kind))
+                table.fail(*kinds, std::string("The statement has no place for \"") + word + "\" of its parameters.");
     }
     table.read("order", query.order);
     table.read("then", query.then);
@@ -287,6 +290,16 @@ Definition definitionOf(const toml::Value& root, const std::filesystem::path& fi
 }
 
 } // namespace
+
+bool QueryDefinition::takes(ParameterKind kind) const {
+    const auto has = [this](const std::string& place) { return sql.find("{" + place + "}") != std::string::npos; };
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        if (parameters[i] == kind && has(std::to_string(i + 1)))
+            return true;
+    }
+    const bool named = kind == ParameterKind::Where ? has("where") || has("and") : has("order");
+    return named && std::find(parameters.begin(), parameters.end(), kind) != parameters.end();
+}
 
 std::optional<Format> formatNamed(std::string_view name) {
     for (const auto& [word, format] : kFormats)

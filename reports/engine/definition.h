@@ -24,6 +24,9 @@ struct QueryDefinition {
     std::string then;                        // always behind the order, so that rows that are alike there have theirs; may be empty
     std::map<std::string, std::string> sort; // what to order by for a sort column, by its name in lower case
     int line = 0;                            // where the statement begins
+
+    // Whether the statement has a place for a parameter of that kind: conditions or an order that it has not would change nothing.
+    bool takes(ParameterKind kind) const;
 };
 
 enum class Format { Auto, Text, Number, Integer, Quantity, Money, Cost, Percent, Date, Time, DateTime, Flag };

@@ -20,7 +20,7 @@ TEST(Definition, ReadsEveryPart) {
     const Definition read = parseDefinition(R"(title = "Sales by department"
 subtitle = "{Store}"
 [query]
-sql = "SELECT 1"
+sql = "SELECT 1 {where}"
 parameters = ["number", "where"]
 order = "Item.Name"
 sort = { "[Transaction].Time" = "SaleDay" }
@@ -113,6 +113,9 @@ TEST(Definition, AMistakeIsToldWithItsLine) {
         {head + "[[column]]\nfield = 'A'\n[[chart]]\nlabel = 'A'\n", "own.rpt:6: A chart wants its \"label\" and its \"value\"."},
         {head + "[label]\ncolumns = 4\nwidth = 2.625\n", "own.rpt:4: The labels do not fit on the sheet."},
         {head + "[label]\nsheet = 'roll'\ncolumns = 2\n", "own.rpt:4: On a roll every label is a page"},
+        {"title = 'T'\n[query]\nsql = 'EXEC p'\nparameters = ['where']\n", "own.rpt:4: The statement has no place for \"where\""},
+        {"title = 'T'\n[query]\nsql = 'SELECT 1 {where}'\nparameters = ['where', 'sort']\n",
+         "own.rpt:4: The statement has no place for \"sort\""},
         {"title = 'T'\n[query]\nsql = 'SELECT 1'\nparameters = ['who']\n", "own.rpt:4: \"parameters\" must be one of: where, sort,"},
         {"title = 5\n", "own.rpt:1: \"title\" must be a text."},
     };
