@@ -139,10 +139,12 @@ constexpr Row kRows[] = {
     {Category::Syntax, Message::NumberTooLong, "The number '%' is out of the range for numeric representation (maximum precision 38)."},
     {Category::Name, Message::SameExposedNames,
      "The objects \"%\" and \"%\" in the FROM clause have the same exposed names. Use correlation names to distinguish them."},
+    {Category::Type, Message::PercentOutOfRange, "Percent values must be between 0 and 100."},
     {Category::Syntax, Message::OrderByInSubquery,
      "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common table expressions, unless TOP, "
      "OFFSET or FOR XML is also specified."},
     {Category::Syntax, Message::NameMissing, "An object or column name is missing or empty."},
+    {Category::Syntax, Message::SubqueryNotAllowed, "Subqueries are not allowed in this context. Only scalar expressions are allowed."},
     {Category::Type, Message::NullTop,
      "The number of rows provided for a TOP or FETCH clauses row count parameter must be an integer that is not negative."},
     {Category::Name, Message::UndeclaredTableVariable, "Must declare the table variable \"%\"."},
@@ -270,6 +272,9 @@ constexpr Row kRows[] = {
     {Category::Type, Message::ParameterNotSupplied, "The parameterized query expects the parameter '%', which was not supplied."},
     {Category::Name, Message::TriggerTargetMissing, "The object '%' does not exist or is invalid for this operation."},
     {Category::Syntax, Message::ThrowOutsideCatch, "To rethrow an error, a THROW statement must be used inside a CATCH block."},
+    {Category::Syntax, Message::TopBesideOffset, "A TOP can not be used in the same query or sub-query as an OFFSET."},
+    {Category::Syntax, Message::NegativeOffset, "The offset specified in a OFFSET clause may not be negative."},
+    {Category::Syntax, Message::NoRowsToFetch, "The number of rows provided for a FETCH clause must be greater then zero."},
     {Category::Syntax, Message::OverMissing, "The function '%' must have an OVER clause."},
     {Category::Other, Message::CommandShellOff,
      "SQL Server blocked access to procedure 'sys.xp_cmdshell' of component 'xp_cmdshell' because this component is turned off as part of "

@@ -24,6 +24,11 @@ DbError fileError(const std::string& message, int code) {
     return DbError(DbError::Category::Storage, code, message).withSeverity(kStorageSeverity, 1);
 }
 
+// A statement that came through the binder and that SQLite does not take: nothing is wrong with the file.
+DbError notUnderstood(const std::string& message) {
+    return tsql::unsupported("this statement (" + message + ")");
+}
+
 DbError storageError(int native, const std::string& message) {
     return serverError(native, message).withSeverity(kStorageSeverity, 1);
 }
@@ -106,6 +111,8 @@ Statement3::Statement3(sqlite3* db, std::string_view sql, bool lasting) {
     if (message.find("parser stack overflow") != std::string::npos || message.find("too large") != std::string::npos ||
         message.find("too many") != std::string::npos)
         throw serverMessage(Message::NestedTooDeeply, {}, 0);
+    if (code == SQLITE_ERROR)
+        throw notUnderstood(message);
     throw fileError(message, code);
 }
 
@@ -246,6 +253,10 @@ DbError Connection::errorOf(int code, sqlite3_stmt* statement) {
                             "The store " + file_.string() + " is damaged (" + message + "). Keep the file, and restore the newest backup.");
     case SQLITE_NOMEM:
         return storageError(701, "Out of memory.");
+    case SQLITE_ERROR:
+    case SQLITE_MISMATCH:
+    case SQLITE_RANGE:
+        return notUnderstood(message);
     case SQLITE_TOOBIG:
         return fileError("A value or statement is too large: " + message + ".", 0);
     default:

@@ -6,6 +6,7 @@
 #include "app/db/tsql/types.h"
 
 #include <array>
+#include <cmath>
 
 namespace merchantry::db::embedded {
 namespace {
@@ -62,11 +63,21 @@ void last(const Call& call) {
     sqlite3_result_value(call.context, call.values[call.count - 1]);
 }
 
-// The number of TOP.
+// The number of TOP, OFFSET or FETCH. (number, the least one, the message for a lesser one)
 void top(const Call& call) {
-    if (call.isNull(0) || call.integer(0) < 0)
-        throw serverMessage(call.isNull(0) ? Message::NullTop : Message::NegativeTop);
+    if (call.isNull(0))
+        throw serverMessage(Message::NullTop);
+    if (call.integer(0) < call.integer(1))
+        throw serverMessage(static_cast<Message>(call.integer(2)));
     call.give(call.integer(0));
+}
+
+// So many of a hundred rows, rounded up. (rows, percent)
+void percent(const Call& call) {
+    const double share = call.isNull(1) ? 0 : call.real(1);
+    if (call.isNull(1) || share < 0 || share > 100)
+        throw call.isNull(1) ? serverMessage(Message::NullTop) : serverMessage(Message::PercentOutOfRange);
+    call.give(static_cast<std::int64_t>(std::ceil(static_cast<double>(call.integer(0)) * share / 100)));
 }
 
 // How deep a recursive common table expression is. (level, most)
@@ -104,7 +115,8 @@ void registerConvertFunctions(sqlite3* db, FunctionHost& host) {
         {"ts_try", 4, tryConvert, true, false},
         {"ts_bytes", 2, joinBytes},
         {"ts_last", -1, last, false, false},
-        {"ts_top", 1, top, true, false},
+        {"ts_top", 3, top, true, false},
+        {"ts_percent", 2, percent, true, false},
         {"ts_level", 2, level},
         {"ts_newid", 0, newId, false},
     });

@@ -148,7 +148,7 @@ struct SelectCore {
     bool rollup = false;
     bool cube = false;
     ExprPtr having;
-    bool alone = false; // the only SELECT of its statement, from one table, neither grouped nor ordered: a column can be no other's
+    bool alone = false; // the only SELECT of its statement, from one source, neither grouped nor ordered: a column can be no other's
 };
 
 enum class SetOperator { None, Union, UnionAll, Except, Intersect };

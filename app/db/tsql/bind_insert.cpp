@@ -200,6 +200,8 @@ private:
     }
 
     void values() {
+        if (statement_.top)
+            throw unsupported("INSERT TOP ... VALUES", statement_.line);
         for (const std::vector<ExprPtr>& exprs : statement_.rows) {
             checkWidth(binding_, statement_, columns_.size(), exprs.size(), true);
             std::vector<Typed> given;

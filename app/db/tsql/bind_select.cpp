@@ -98,10 +98,13 @@ void noteAssigned(const Binding& binding, const SelectCore& core, QueryPlan& pla
     }
 }
 
-// A number of rows, known or worked out; the engine refuses a negative one.
-Typed rowCount(Binding& binding, const Expr& count) {
-    Typed number = convertTo(bindValue(binding, count), simpleType(TypeKind::BigInt));
-    return number.literal() ? number : called("ts_top", {std::move(number)}, simpleType(TypeKind::BigInt));
+// A number of rows from least on; the engine refuses another one, which refused says, and null.
+Typed rowCount(Binding& binding, const Expr& count, std::int64_t least = 0, Message refused = Message::NegativeTop) {
+    const SqlType type = simpleType(TypeKind::BigInt);
+    Typed number = convertTo(bindValue(binding, count), type);
+    if (const Cell* known = number.literal(); known && !known->isNull() && known->integer >= least)
+        return number;
+    return called("ts_top", {std::move(number), wholeNumber(least), wholeNumber(static_cast<int>(refused))}, type);
 }
 
 // What ORDER BY names: a column of the result, or an expression of its own.
@@ -274,12 +277,12 @@ void SelectBinder::top(const TopClause& top) {
     result_->hasTop = true;
     if (top.percent && top.count->kind == ExprKind::Integer && top.count->text == "100") // all rows, as views with an order ask for
         return;
-    if (top.percent) {
-        result_->percent = convertTo(bindValue(binding_, *top.count), simpleType(TypeKind::Int));
-        return;
-    }
     if (top.ties)
         throw unsupported("TOP ... WITH TIES", top.count->line);
+    if (top.percent) {
+        result_->percent = convertTo(bindValue(binding_, *top.count), simpleType(TypeKind::Float));
+        return;
+    }
     result_->limit = rowCount(binding_, *top.count);
     const Cell* count = result_->limit->literal();
     if (count && count->integer <= 1)
@@ -323,14 +326,17 @@ std::unique_ptr<BoundQuery> bindBody(Binding& binding, const Query& query) {
 }
 
 std::unique_ptr<BoundQuery> bindAny(Binding& binding, const Query& query, bool topLevel) {
+    if (binding.inDefinition || binding.inComputed)
+        throw serverMessage(Message::SubqueryNotAllowed, {}, query.line);
     std::unique_ptr<BoundQuery> result = bindBody(binding, query);
     if (!topLevel && !query.orderBy.empty() && !result->hasTop && !query.offset)
         throw serverMessage(Message::OrderByInSubquery, {}, query.line);
     if (query.offset) {
-        result->offset = convertTo(bindValue(binding, *query.offset), simpleType(TypeKind::BigInt));
-        result->limit.reset();
+        if (result->hasTop)
+            throw serverMessage(Message::TopBesideOffset, {}, query.line);
+        result->offset = rowCount(binding, *query.offset, 0, Message::NegativeOffset);
         if (query.fetch)
-            result->limit = convertTo(bindValue(binding, *query.fetch), simpleType(TypeKind::BigInt));
+            result->limit = rowCount(binding, *query.fetch, 1, Message::NoRowsToFetch);
     }
     return result;
 }
@@ -399,7 +405,7 @@ std::optional<Typed> bindLimit(Binding& binding, const std::optional<TopClause>&
     if (!top)
         return std::nullopt;
     if (top->percent || top->ties)
-        throw unsupported("TOP ... PERCENT", top->count->line);
+        throw unsupported(top->ties ? "TOP ... WITH TIES" : "TOP ... PERCENT of a change", top->count->line);
     return rowCount(binding, *top->count);
 }
 

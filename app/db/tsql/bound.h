@@ -132,11 +132,11 @@ struct Any {
 
 } // namespace from
 
-// FROM, WHERE and TOP: the rows that a query or change reads.
+// FROM and WHERE: the rows that a query or change reads.
 struct BoundRows {
     std::optional<from::Any> from;
     std::optional<Typed> where;
-    std::optional<Typed> limit;
+    std::optional<Typed> limit; // TOP of a change; that of a query is its own
 };
 
 struct BoundQuery {

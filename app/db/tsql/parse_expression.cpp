@@ -244,7 +244,7 @@ ExprPtr parseUnary(TokenReader& in) {
     const Nesting nesting(in);
     ExprPtr result = newExpr(in, ExprKind::Unary);
     result->text = in.take().text;
-    result->args.push_back(parseUnary(in));
+    result->args.push_back(result->text == "~" ? parseUnary(in) : product(in)); // a sign binds less than * and /
     requireValue(in, *result->args[0]);
     return result;
 }

@@ -3,6 +3,13 @@
 namespace merchantry::db::tsql {
 namespace {
 
+bool isHint(const TokenReader& in, std::size_t ahead) {
+    static constexpr std::string_view kHints[] = {
+        "NOLOCK",          "UPDLOCK",       "HOLDLOCK",       "TABLOCK",      "TABLOCKX", "ROWLOCK", "PAGLOCK",      "READPAST", "XLOCK",
+        "READUNCOMMITTED", "READCOMMITTED", "REPEATABLEREAD", "SERIALIZABLE", "INDEX",    "NOWAIT",  "FASTFIRSTROW", "NOEXPAND"};
+    return std::any_of(std::begin(kHints), std::end(kHints), [&](std::string_view hint) { return in.isWord(hint, ahead); });
+}
+
 TableRefPtr joined(TokenReader& in);
 
 void groupBy(TokenReader& in, SelectCore& core) {
@@ -93,7 +100,7 @@ void tableAlias(TokenReader& in, TableRef& table) {
         table.alias = in.name();
     else if (in.isName() && !(in.isWord("OPTION") && in.isSymbol("(", 1)) && !in.isWord("APPLY") && !in.isWord("OFFSET"))
         table.alias = in.name();
-    if (!table.alias.empty() && in.isSymbol("(") && in.isName(1) && !in.isWord("NOLOCK", 1) && !in.isWord("INDEX", 1))
+    if (!table.alias.empty() && in.isSymbol("(") && in.isName(1) && !isHint(in, 1))
         table.columnAliases = in.nameList();
 }
 
@@ -136,9 +143,7 @@ TableRefPtr tablePrimary(TokenReader& in) {
         return table;
     }
     table->name = in.objectName();
-    if (in.isSymbol("(") && !(in.isWord("NOLOCK", 1) || in.isWord("INDEX", 1) || in.isWord("UPDLOCK", 1) || in.isWord("HOLDLOCK", 1) ||
-                              in.isWord("TABLOCK", 1) || in.isWord("TABLOCKX", 1) || in.isWord("ROWLOCK", 1) || in.isWord("READPAST", 1) ||
-                              in.isWord("FASTFIRSTROW", 1))) {
+    if (in.isSymbol("(") && !isHint(in, 1)) {
         in.take();
         table->kind = TableRef::Kind::Function;
         if (!in.isSymbol(")"))
@@ -353,19 +358,9 @@ std::vector<TableRefPtr> parseFromList(TokenReader& in) {
 
 void skipTableHints(TokenReader& in) {
     const std::size_t open = in.isWord("WITH") && in.isSymbol("(", 1) ? 1 : 0;
-    static constexpr std::string_view kHints[] = {
-        "NOLOCK",          "UPDLOCK",       "HOLDLOCK",       "TABLOCK",      "TABLOCKX", "ROWLOCK", "PAGLOCK",      "READPAST", "XLOCK",
-        "READUNCOMMITTED", "READCOMMITTED", "REPEATABLEREAD", "SERIALIZABLE", "INDEX",    "NOWAIT",  "FASTFIRSTROW", "NOEXPAND"};
     if (!in.isSymbol("(", open))
         return;
-    const auto known = [&](std::size_t ahead) {
-        for (const std::string_view hint : kHints) {
-            if (in.isWord(hint, ahead))
-                return true;
-        }
-        return false;
-    };
-    if (!known(open + 1)) {
+    if (!isHint(in, open + 1)) {
         if (open == 1)
             in.unexpected(in.peek(2));
         return;

@@ -180,10 +180,10 @@ StatementPtr statementOf(TokenReader& in) {
             in.fail(in.isWord("BREAK") ? Message::BreakOutsideLoop : Message::ContinueOutsideLoop);
         return std::make_unique<Statement>(in.take().is("BREAK") ? StatementKind::Break : StatementKind::Continue);
     }
-    if (in.isWord("MERGE"))
-        return parseUnsupported(in, "MERGE");
+    if (in.isWord("MERGE") || in.isWord("BACKUP") || in.isWord("RESTORE"))
+        return parseUnsupported(in, in.peek().value());
     if (in.isWord("GRANT") || in.isWord("REVOKE") || in.isWord("DENY") || in.isWord("CHECKPOINT") || in.isWord("RECONFIGURE") ||
-        in.isWord("DBCC") || in.isWord("BACKUP"))
+        in.isWord("DBCC"))
         return nothing(in);
     if (in.isLabel()) {
         auto label = std::make_unique<GotoStatement>(StatementKind::Label);

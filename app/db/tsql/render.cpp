@@ -343,7 +343,7 @@ private:
 
     void limit(const BoundQuery& query) {
         if (query.percent) {
-            text(" LIMIT (SELECT (COUNT(*)*").value(*query.percent, Strength::Whole).text("+99)/100 FROM (");
+            text(" LIMIT (SELECT ts_percent(COUNT(*),").value(*query.percent).text(") FROM (");
             body(query, true);
             text("))");
         } else if (query.limit || query.offset) {

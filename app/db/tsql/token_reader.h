@@ -14,9 +14,9 @@ namespace merchantry::db::tsql {
 // What a parser knows of what it has read.
 struct ParseState {
     int statements = 0; // of the batch or module, which numbers them
-    int selects = 0;
-    int depth = 0; // of what stands within something, see Nesting
-    int loops = 0; // around the place
+    int selects = 0;    // so far, to tell the only one
+    int depth = 0;      // of what stands within something, see Nesting
+    int loops = 0;      // around the place
     bool inModule = false;
     bool batchStart = false; // nothing was read yet
 };

@@ -51,6 +51,57 @@ TEST_F(Binding, GivesDefaultsOfTheSessionToRowsOfAProcedure) {
               "4|3|0|own;6|5|0|own");
 }
 
+// DELETE TOP (-1) emptied the table, and a null was told as a failing disk.
+TEST_F(Binding, RefusesNumbersOfRowsThatAreNone) {
+    run("CREATE TABLE T (N int) INSERT INTO T VALUES (1), (2), (3), (4), (5), (6), (7), (8)");
+    const std::pair<const char*, int> refused[] = {
+        {"DELETE TOP (-1) FROM T", 127},
+        {"UPDATE TOP (-1) T SET N = 0", 127},
+        {"SELECT TOP (NULL) N FROM T", 1060},
+        {"SELECT TOP 101 PERCENT N FROM T", 1031},
+        {"SELECT N FROM T ORDER BY N OFFSET -1 ROWS", 10742},
+        {"DECLARE @n int SELECT N FROM T ORDER BY N OFFSET @n ROWS", 1060},
+        {"SELECT N FROM T ORDER BY N OFFSET 0 ROWS FETCH NEXT 0 ROWS ONLY", 10744},
+        {"DECLARE @n int SET @n = -3 SELECT N FROM T ORDER BY N OFFSET 0 ROWS FETCH NEXT @n ROWS ONLY", 10744},
+        {"SELECT TOP 1 N FROM T ORDER BY N OFFSET 1 ROWS", 10741},
+        {"CREATE TABLE C (A int CHECK (A > (SELECT 1)))", 1046},
+        {"CREATE TABLE C (A AS (SELECT 1))", 1046},
+    };
+    for (const auto& [batch, error] : refused)
+        EXPECT_EQ(errorOf(*session, batch), error) << batch;
+    EXPECT_EQ(rowsOf("SELECT SUM(N) FROM T"), "36");
+    EXPECT_EQ(rowsOf("SELECT TOP 12.5 PERCENT N FROM T ORDER BY N"), "1");
+    EXPECT_EQ(rowsOf("SELECT TOP 12.6 PERCENT N FROM T ORDER BY N"), "1;2");
+}
+
+// A sign binds less than * and /, so that it takes the whole product.
+TEST_F(Binding, GivesASignTheWholeProduct) {
+    EXPECT_EQ(rowsOf("SELECT -100 / -100 * 10, 6 / -2 * 3, -2 + 3, 2 * -3 - 1, ~1 * 2, - - 5, -7 % 4"), "0|-1|1|-7|-4|5|-3");
+    EXPECT_EQ(rowsOf("DECLARE @x int SET @x = 8 SELECT 100 / -@x * 2, -@x * -@x"), "-6|64");
+}
+
+TEST_F(Binding, TakesEveryHintOfATable) {
+    run("CREATE TABLE T (N int) INSERT INTO T VALUES (1)");
+    for (const char* from : {"T (PAGLOCK)", "T WITH (SERIALIZABLE, XLOCK)", "T AS a (UPDLOCK)", "T (READUNCOMMITTED)"})
+        EXPECT_EQ(rowsOf(std::string("SELECT N FROM ") + from), "1") << from;
+}
+
+// What SQLite does not take was told as a failing disk; a backup that is none, not at all.
+TEST_F(Binding, SaysWhatItDoesNotDo) {
+    for (const char* batch :
+         {"SELECT NTILE(0) OVER (ORDER BY N) FROM T", "BACKUP DATABASE a TO DISK = 'b'", "RESTORE DATABASE a FROM DISK = 'b'",
+          "WITH r AS (SELECT 1 AS n UNION ALL SELECT MAX(n) + 1 FROM r) SELECT n FROM r", "INSERT TOP (0) INTO T VALUES (1)"}) {
+        run("IF OBJECT_ID('T') IS NULL CREATE TABLE T (N int) DELETE T INSERT INTO T VALUES (1)");
+        NoResult none;
+        try {
+            session->execute(batch, none);
+            ADD_FAILURE() << batch;
+        } catch (const DbError& error) {
+            EXPECT_EQ(error.category(), DbError::Category::Unsupported) << batch << ": " << error.what();
+        }
+    }
+}
+
 // Which expressions are one: what GROUP BY groups by may be selected, and what DISTINCT selects may be ordered by.
 TEST_F(Binding, KnowsAnExpressionAgain) {
     run("CREATE TABLE T (A int, N varchar(10), D datetime, C AS A * 2) INSERT INTO T VALUES (1, 'x', '2020-02-01')");
