@@ -254,9 +254,10 @@ void frmPurchaseOrders::cmdEdit_Click() {
     }
     auto& edit = desk().form<frmPurchaseOrders_Edit>();
     edit.PONumber = currentNumber();
-    edit.ReadOnly = !currentIs("Open");
+    const bool listedOpen = currentIs("Open");
+    edit.ReadOnly = !listedOpen;
     desk().showModal(edit);
-    const bool changed = !edit.ReadOnly && edit.DialogResult;
+    const bool changed = edit.ReadOnly ? listedOpen : edit.DialogResult; // the store knew better than the list
     edit.unload();
     if (changed)
         reload();

@@ -11,7 +11,8 @@
 #include "ui/desk.h"
 #include "ui/waiting.h"
 
-#include <map>
+#include <set>
+#include <utility>
 
 namespace merchantry::purchasing {
 
@@ -28,82 +29,163 @@ std::int32_t numberFrom(const Sql& statement, const std::string& column) {
     return (*rows)[column].Value().toInt32();
 }
 
+// Others received or cancelled of the order meanwhile: it is not to be edited any more.
+class OrderNotOpen : public OrderChanged {
+public:
+    using OrderChanged::OrderChanged;
+};
+
+// What was not typed over takes theirs. Where both are the same now, the user knows it.
+template <class T> void settle(T& typed, const T& before, const T& theirs, T& known) {
+    if (typed == before)
+        typed = theirs;
+    if (typed == theirs)
+        known = theirs;
+}
+
+// "Nut: 8 received meanwhile."
+std::string booked(const std::string& MatrixSKU, int before, int now, const char* what) {
+    return before == now ? "" : MatrixSKU + ": " + std::to_string(now - before) + " " + what + " meanwhile.\n";
+}
+
 } // namespace
 
 void frmPurchaseOrders_Edit::SavePO() {
     gaveUp_ = false;
     guarded({kTag, "SavePO"}, [this] {
+        const std::string meanwhile = "Someone else changed this order meanwhile, and nothing was saved:\n\n";
         try {
             db::againWhenBusy(modMain().Conn->session(), [this] { writeOrder(); });
         } catch (const db::DbError& error) {
             gaveUp_ = isPassing(error);
             throw;
+        } catch (const OrderNotOpen& changed) {
+            gaveUp_ = true;
+            onlyLookAt();
+            desk().message(meanwhile + changed.what() + "\nIt is not open any more and only looked at: the screen shows it as it is now.",
+                           kProduct);
         } catch (const OrderChanged& changed) {
             gaveUp_ = true;
             fillGrid();
-            desk().message("Someone else changed this order meanwhile, and nothing was saved:\n\n" + std::string(changed.what()) +
+            desk().message(meanwhile + changed.what() +
                                "\nWhat you typed is kept. OK on the screen saves yours in place of theirs, Cancel there leaves theirs.",
                            kProduct);
         }
     });
 }
 
-// Lines that both changed are told, once: the next save is the user's word. Of a line that only the screen changed it takes what others
-// changed beside that.
-void frmPurchaseOrders_Edit::takeMeanwhile() {
-    std::map<std::string, OrderedLine> now;
-    const auto rows = openDirect(Sql("sp_GetPOItems ") + PONumber);
-    for (; !rows->Eof(); rows->MoveNext()) {
-        db::Recordset& row = *rows;
-        now[itemKey(row["SKU"].text(), row["MatrixSKU"].text())] = {row["PartNo"].text(), row["Qty"].Value().toInt16(),
-                                                                    row["Cost"].Value().toCurrency()};
-    }
-    std::string told;
-    for (Line& line : lines_) {
-        if (!line.InDatabase || !(line.Changed || line.Deleted))
-            continue;
-        if (const auto found = now.find(itemKey(line.SKU, line.MatrixSKU)); found != now.end()) {
-            told += met(line, found->second);
-            line.stored = found->second;
-        } else {
-            told += line.Deleted ? "" : line.MatrixSKU + " was taken off.\n";
-            line.InDatabase = false;
-        }
-    }
-    if (!told.empty())
-        throw OrderChanged(told);
+// What was typed is given up: nothing of it can be saved.
+void frmPurchaseOrders_Edit::onlyLookAt() {
+    LoadData();
+    ReadOnly = true;
+    undoLine.dismiss();
+    unsaved_ = false;
+    nothingUnsaved();
+    showOrder();
 }
 
-// What others changed of a line that is changed or deleted here, too; what was left alone here is taken.
-std::string frmPurchaseOrders_Edit::met(Line& line, const OrderedLine& now) {
+// Lines that both changed are told, once: the next save is the user's word. Of a line that only the screen changed it takes what others
+// changed beside that.
+void frmPurchaseOrders_Edit::takeMeanwhile(const StoredLines& now) {
+    std::set<std::string> shown;
+    for (const Line& line : lines_)
+        if (line.InDatabase)
+            shown.insert(itemKey(line.SKU, line.MatrixSKU));
+    ToldChanges told;
+    for (Line& line : lines_) {
+        const std::string key = itemKey(line.SKU, line.MatrixSKU);
+        const auto found = now.find(key);
+        const OrderedLine* const theirs = found == now.end() ? nullptr : &found->second;
+        if (line.InDatabase && (line.Changed || line.Deleted))
+            told.add(metLine(line, theirs));
+        else if (!line.InDatabase && !line.Deleted && line.Qty > 0 && !shown.contains(key)) // one taken off here is no one else's
+            told.add(metAddition(line, theirs));
+    }
+    if (told.any())
+        throw OrderChanged(told.text());
+}
+
+// What others made of a line that is changed or deleted here, too, null for taken off; what was left alone here is taken.
+std::string frmPurchaseOrders_Edit::metLine(Line& line, const OrderedLine* now) {
+    line.InDatabase = now != nullptr;
+    if (now == nullptr)
+        return line.Deleted ? "" : line.MatrixSKU + " was taken off.\n";
+    const OrderedLine before = std::exchange(line.stored, *now);
+    OrderedLine known = before;
+    if (!line.Deleted) {
+        settle(line.PartNo, before.PartNo, now->PartNo, known.PartNo);
+        settle(line.Qty, before.Qty, now->Qty, known.Qty);
+        settle(line.Cost, before.Cost, now->Cost, known.Cost);
+    }
+    return changes(line, known, *now);
+}
+
+// Another desktop's line of an item that is new here, null for none. To add both up would order what nobody asked for.
+std::string frmPurchaseOrders_Edit::metAddition(Line& line, const OrderedLine* now) {
+    const bool known = std::exchange(line.TheirsToo, now != nullptr);
+    if (now == nullptr)
+        return "";
+    const OrderedLine before = std::exchange(line.stored, *now);
+    if (known)
+        return changes(line, before, *now);
+    return line.MatrixSKU + " was added there, too: Qty " + std::to_string(now->Qty) + ", Cost " + now->Cost.toDisplay() + ".\n";
+}
+
+// How a line is now, where that is not what is known of it, a sentence each.
+std::string frmPurchaseOrders_Edit::changes(const Line& line, const OrderedLine& known, const OrderedLine& now) {
     std::string told;
-    const auto compare = [&](const char* name, auto& typed, const auto& before, const auto& theirs, const std::string& shown) {
-        if (typed == before && !line.Deleted)
-            typed = theirs;
-        else if (theirs != before && (line.Deleted || theirs != typed))
-            told += line.MatrixSKU + ": " + name + " is " + shown + " now.\n";
+    const auto tell = [&](const char* name, const std::string& value) {
+        told += line.MatrixSKU + ": " + name + " is " + value + " now.\n";
     };
-    compare("Supplier Part #", line.PartNo, line.stored.PartNo, now.PartNo, now.PartNo.empty() ? "empty" : now.PartNo);
-    compare("Qty", line.Qty, line.stored.Qty, now.Qty, std::to_string(now.Qty));
-    compare("Cost", line.Cost, line.stored.Cost, now.Cost, now.Cost.toDisplay());
-    return told;
+    if (now.PartNo != known.PartNo)
+        tell("Supplier Part #", now.PartNo.empty() ? "empty" : now.PartNo);
+    if (now.Qty != known.Qty)
+        tell("Qty", std::to_string(now.Qty));
+    if (now.Cost != known.Cost)
+        tell("Cost", now.Cost.toDisplay());
+    return told + booked(line.MatrixSKU, known.QtyRecvd, now.QtyRecvd, "received") +
+           booked(line.MatrixSKU, known.QtyCanceled, now.QtyCanceled, "cancelled");
+}
+
+// All that others changed of the lines since they were read.
+std::string frmPurchaseOrders_Edit::changesOf(const StoredLines& now) const {
+    ToldChanges told;
+    for (const Line& line : lines_) {
+        if (!line.InDatabase)
+            continue;
+        const auto found = now.find(itemKey(line.SKU, line.MatrixSKU));
+        told.add(found == now.end() ? line.MatrixSKU + " was taken off.\n" : changes(line, line.stored, found->second));
+    }
+    return told.text();
+}
+
+// The key of the order, with what others changed of it taken in. Throws OrderChanged. Reads the lines first, which locks them: who receives
+// or cancels has then written the status, too.
+std::int32_t frmPurchaseOrders_Edit::requireEditable() {
+    StoredLines now;
+    for (const Line& line : storedLines())
+        now[itemKey(line.SKU, line.MatrixSKU)] = line.stored;
+    const OrderHead order = orderHead(PONumber);
+    if (!order.isOpen() && order.Status != status_)
+        throw OrderNotOpen(changesOf(now) + "Status is " + order.statusWord() + " now.\n");
+    takeMeanwhile(now);
+    return order.POID;
 }
 
 void frmPurchaseOrders_Edit::writeOrder() {
     const ui::Waiting hourglass(desk());
     db::Transaction transaction(modMain().Conn);
     const bool isNew = PONumber == kNewOrder;
-    const std::int32_t poid =
-        isNew ? numberFrom(Sql("sp_InsertPOHeader ") + int{SupplierID}, "POID") : numberFrom(Sql("sp_GetPOID ") + PONumber, "POID");
-    if (!isNew)
-        takeMeanwhile();
+    const std::int32_t poid = isNew ? numberFrom(Sql("sp_InsertPOHeader ") + int{SupplierID}, "POID") : requireEditable();
     std::vector<bool> entered;
     for (const Line& line : lines_)
         entered.push_back(saveLine(line, poid));
     const std::int32_t number = isNew ? numberFrom(Sql("sp_UpdatePONumber ") + poid, "PONumber") : PONumber;
     closeIfDone(number);
+    const std::string status = orderHead(number).Status;
     transaction.commit();
     PONumber = number;
+    status_ = status;
     unsaved_ = false;
     undoLine.dismiss();
     if (isNew)
@@ -113,7 +195,8 @@ void frmPurchaseOrders_Edit::writeOrder() {
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         lines_[i].InDatabase = !lines_[i].Deleted && entered[i];
         lines_[i].Changed = false;
-        lines_[i].stored = {lines_[i].PartNo, lines_[i].Qty, lines_[i].Cost};
+        lines_[i].TheirsToo = false;
+        lines_[i].stored = {lines_[i].PartNo, lines_[i].Qty, lines_[i].Cost, lines_[i].stored.QtyRecvd, lines_[i].stored.QtyCanceled};
     }
     showTotal();
 }
@@ -128,10 +211,12 @@ void frmPurchaseOrders_Edit::closeIfDone(std::int32_t number) const {
 bool frmPurchaseOrders_Edit::saveLine(const Line& line, std::int32_t poid) const {
     const Sql key = Sql(" ") + poid + ", '" + line.SKU + "', '" + line.MatrixSKU + "'";
     const Sql content = Sql(", ") + int{line.Qty} + ", " + line.Cost + ", '" + line.PartNo + "'";
-    if (!line.InDatabase)
+    if (!line.InDatabase && !line.TheirsToo)
         return !line.Deleted && numberFrom(Sql("sp_InsertPOItem") + key + content, "Qty") > 0;
+    if (line.TheirsToo && (line.Deleted || line.Qty == 0)) // theirs is left alone
+        return false;
     Sql statement;
-    if (line.Changed)
+    if (line.Changed || line.TheirsToo)
         statement = Sql("sp_UpdatePOItem") + key + content;
     else if (line.Deleted)
         statement = Sql("sp_DeletePOItem") + key;

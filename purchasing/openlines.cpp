@@ -16,6 +16,8 @@ using app::openDirect;
 
 namespace {
 
+constexpr int kTold = 10; // lines that a box has room for
+
 // "CUP: Open Qty is 4 now.", a line for each difference.
 std::string differences(const OpenLine& shown, const OpenLine& now) {
     std::string lines;
@@ -32,6 +34,15 @@ std::string differences(const OpenLine& shown, const OpenLine& now) {
 }
 
 } // namespace
+
+void ToldChanges::add(const std::string& sentences) {
+    if (!sentences.empty() && ++lines_ <= kTold)
+        sentences_ += sentences;
+}
+
+std::string ToldChanges::text() const {
+    return lines_ > kTold ? sentences_ + "And " + counted(lines_ - kTold, "more line") + ".\n" : sentences_;
+}
 
 void OpenLine::renew(const OpenLine& now) {
     const OpenLine typed = std::exchange(*this, now);
@@ -91,22 +102,16 @@ bool breaksStatement(const std::string& text) {
 }
 
 void requireAsShown(std::int32_t PONumber, const std::vector<OpenLine>& shown) {
-    constexpr int kTold = 10; // as many as a box has room for
     std::map<std::string, OpenLine> now;
     for (OpenLine& line : openLines(PONumber))
         now.emplace(itemKey(line.SKU, line.MatrixSKU), line);
-    std::string told;
-    int changed = 0;
+    ToldChanges told;
     for (const OpenLine& line : shown) {
         const auto found = now.find(itemKey(line.SKU, line.MatrixSKU));
-        const std::string lines = found == now.end() ? line.MatrixSKU + ": nothing is open any more.\n" : differences(line, found->second);
-        if (!lines.empty() && ++changed <= kTold)
-            told += lines;
+        told.add(found == now.end() ? line.MatrixSKU + ": nothing is open any more.\n" : differences(line, found->second));
     }
-    if (changed > kTold)
-        told += "And " + counted(changed - kTold, "more line") + ".\n";
-    if (changed > 0)
-        throw OrderChanged(told);
+    if (told.any())
+        throw OrderChanged(told.text());
 }
 
 std::int32_t postedNumber(const db::Sql& statement, const char* column) {

@@ -48,6 +48,19 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// What others changed of an order, in sentences: of as many of its lines as a box has room for.
+class ToldChanges {
+public:
+    // Takes the sentences on one line, each with its end; none when nothing of it changed.
+    void add(const std::string& sentences);
+    bool any() const { return lines_ > 0; }
+    std::string text() const;
+
+private:
+    int lines_ = 0;
+    std::string sentences_;
+};
+
 // What stands for an item among others, whatever the case of its codes.
 std::string itemKey(const std::string& SKU, const std::string& MatrixSKU);
 
