@@ -15,7 +15,7 @@ struct CancelLine : OpenLine {
 };
 
 // Takes what the lines give up off the order, in one transaction on the shared connection; the number that the cancellation got. Throws
-// DbError and OrderChanged, and then nothing of it is in the store.
+// DbError, and then nothing of it is in the store.
 std::int32_t postCancellation(std::int32_t PONumber, const std::vector<CancelLine>& lines);
 
 } // namespace merchantry::purchasing

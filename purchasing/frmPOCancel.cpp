@@ -1,6 +1,7 @@
 #include "purchasing/frmPOCancel.h"
 
 #include "app/modMain.h"
+#include "app/posting.h"
 #include "app/titles.h"
 #include "ui/calls.h"
 #include "ui/desk.h"
@@ -53,15 +54,6 @@ frmPOCancel::frmPOCancel(Desk& desk)
 void frmPOCancel::loadLines() {
     lines_.clear();
     lines_ = openLinesFor(PONumber, &CancelLine::CancelQty);
-    showLines();
-}
-
-void frmPOCancel::renewLines() {
-    lines_ = renewedLines(PONumber, lines_, &CancelLine::CancelQty);
-    showLines();
-}
-
-void frmPOCancel::showLines() {
     grdPOItems.setDataRows(0);
     for (const CancelLine& line : lines_)
         grdPOItems.addRow({line.MatrixSKU, line.Name, line.PartNo, std::to_string(line.OpenQty), std::to_string(line.CancelQty),
@@ -123,7 +115,7 @@ void frmPOCancel::cmdOK_Click() {
     if (!anything(lines_, &CancelLine::CancelQty))
         return;
     std::int32_t CancelNumber = -1;
-    if (post([&] { CancelNumber = postCancellation(PONumber, lines_); }))
+    if (posted(desk(), kPostingTitle, [&] { CancelNumber = postCancellation(PONumber, lines_); }))
         reportAndLeave(kCancelReport, CancelNumber);
 }
 

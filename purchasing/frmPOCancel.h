@@ -16,8 +16,6 @@ public:
 
 private:
     void loadLines() override;
-    void renewLines() override;
-    void showLines();
     void showTotals() override;
     OpenLine* lineAt(int row) override;
     void clearLine(int row) override;

@@ -254,10 +254,9 @@ void frmPurchaseOrders::cmdEdit_Click() {
     }
     auto& edit = desk().form<frmPurchaseOrders_Edit>();
     edit.PONumber = currentNumber();
-    const bool listedOpen = currentIs("Open");
-    edit.ReadOnly = !listedOpen;
+    edit.ReadOnly = !currentIs("Open");
     desk().showModal(edit);
-    const bool changed = edit.ReadOnly ? listedOpen : edit.DialogResult; // the store knew better than the list
+    const bool changed = !edit.ReadOnly && edit.DialogResult;
     edit.unload();
     if (changed)
         reload();

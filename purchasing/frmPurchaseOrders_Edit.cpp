@@ -106,25 +106,20 @@ void frmPurchaseOrders_Edit::formatGrid() {
 
 void frmPurchaseOrders_Edit::Form_Load() {
     guarded({"MR_frmPurchaseOrders_Edit", "Form_Load"}, [this] {
+        formatGrid();
         ShowSupplierInfo();
         if (PONumber != kNewOrder)
             LoadData();
-        showOrder();
+        fillGrid();
+        if (grdPOItems.dataRows() > 0)
+            grdPOItems.setCurrent(1, kPartNo);
+        setCaption(PONumber == kNewOrder ? "Create Purchase Order" : ReadOnly ? "View Purchase Order" : "Edit Purchase Order");
+        showHeading();
+        cmdAddItem.setEnabled(!ReadOnly);
+        cmdDeleteItem.setEnabled(!ReadOnly);
+        cmdViewHist.setEnabled(ReadOnly);
+        cmdPrint.setToolTip(ReadOnly ? "" : "Saves the order first, as it stands");
     });
-}
-
-// Everything on the screen that depends on what may be done with the order.
-void frmPurchaseOrders_Edit::showOrder() {
-    formatGrid();
-    fillGrid();
-    if (grdPOItems.dataRows() > 0)
-        grdPOItems.setCurrent(1, kPartNo);
-    setCaption(PONumber == kNewOrder ? "Create Purchase Order" : ReadOnly ? "View Purchase Order" : "Edit Purchase Order");
-    showHeading();
-    cmdAddItem.setEnabled(!ReadOnly);
-    cmdDeleteItem.setEnabled(!ReadOnly);
-    cmdViewHist.setEnabled(ReadOnly);
-    cmdPrint.setToolTip(ReadOnly ? "" : "Saves the order first, as it stands");
 }
 
 // A new order begins with picking, once its window stands.
@@ -150,31 +145,21 @@ void frmPurchaseOrders_Edit::ShowSupplierInfo() {
 void frmPurchaseOrders_Edit::LoadData() {
     guarded({kTag, "LoadData"}, [this] {
         const Waiting hourglass(desk());
-        ReadOnly = ReadOnly || !orderHead(PONumber).isOpen(); // the list that it was opened from may be old
-        lines_ = storedLines();
+        const auto rows = openDirect(Sql("sp_GetPOItems ") + PONumber);
+        for (; !rows->Eof(); rows->MoveNext()) {
+            db::Recordset& row = *rows;
+            Line line;
+            line.Name = row["Name"].text();
+            line.SKU = row["SKU"].text();
+            line.MatrixSKU = row["MatrixSKU"].text();
+            line.PartNo = row["PartNo"].text();
+            line.Qty = row["Qty"].Value().toInt16();
+            line.OpenQty = toInt16(line.Qty - row["QtyRecvd"].Value().toNumber() - row["QtyCanceled"].Value().toNumber());
+            line.Cost = row["Cost"].Value().toCurrency();
+            line.InDatabase = true;
+            lines_.push_back(std::move(line));
+        }
     });
-}
-
-// The lines as the store has them now.
-std::vector<frmPurchaseOrders_Edit::Line> frmPurchaseOrders_Edit::storedLines() const {
-    std::vector<Line> lines;
-    const auto rows = openDirect(Sql("sp_GetPOItems ") + PONumber);
-    for (; !rows->Eof(); rows->MoveNext()) {
-        db::Recordset& row = *rows;
-        const auto quantity = [&row](const char* column) { return row[column].Value().toInt16(); };
-        Line line;
-        line.Name = row["Name"].text();
-        line.SKU = row["SKU"].text();
-        line.MatrixSKU = row["MatrixSKU"].text();
-        line.PartNo = row["PartNo"].text();
-        line.Qty = quantity("Qty");
-        line.Cost = row["Cost"].Value().toCurrency();
-        line.stored = {line.PartNo, line.Qty, line.Cost, quantity("QtyRecvd"), quantity("QtyCanceled")};
-        line.OpenQty = toInt16(int{line.Qty} - line.stored.QtyRecvd - line.stored.QtyCanceled);
-        line.InDatabase = true;
-        lines.push_back(std::move(line));
-    }
-    return lines;
 }
 
 void frmPurchaseOrders_Edit::fillGrid() {
@@ -366,11 +351,8 @@ bool frmPurchaseOrders_Edit::takeCell(Line& line, int column, const std::string&
 }
 
 void frmPurchaseOrders_Edit::cmdPrint_Click() {
-    if (!ReadOnly) {
+    if (!ReadOnly)
         SavePO();
-        if (gaveUp_)
-            return;
-    }
     guarded({kTag, "cmdPrint_Click"}, [this] { modMain().doors.OrderReport(0, std::to_string(PONumberToPOID(PONumber)), ""); });
 }
 

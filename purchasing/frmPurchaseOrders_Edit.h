@@ -11,33 +11,24 @@
 #include "ui/undoline.h"
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
 namespace merchantry::purchasing {
 
 // One order with its supplier and lines: made, changed or only looked at. The lines are held in memory, each with what happened to it, and
-// written together by OK and by Print. An order that is not open is only looked at, whatever the caller took it for. Set the members, show
-// it modally, read DialogResult, unload it.
+// written together by OK and by Print. Set the members, show it modally, read DialogResult,
+// unload it.
 class frmPurchaseOrders_Edit : public ui::Form {
 public:
     explicit frmPurchaseOrders_Edit(ui::Desk& desk);
 
     std::int32_t PONumber = -1;  // kNewOrder: the order is made here
     std::int16_t SupplierID = 0; // of a new order; otherwise filled from the order
-    bool ReadOnly = false;       // also on its own account: the order is not open, or not any more
-    bool DialogResult = false;   // left by OK
+    bool ReadOnly = false;
+    bool DialogResult = false; // left by OK
 
 private:
-    // What others can change of a line meanwhile.
-    struct OrderedLine {
-        std::string PartNo;
-        std::int16_t Qty = 0;
-        Currency Cost;
-        std::int16_t QtyRecvd = 0;
-        std::int16_t QtyCanceled = 0;
-    };
     struct Line {
         std::string Name;
         std::string SKU;
@@ -45,10 +36,8 @@ private:
         std::string PartNo;
         std::int16_t OpenQty = 0;
         std::int16_t Qty = 0;
-        Currency Cost;      // of one piece
-        OrderedLine stored; // as it was read
+        Currency Cost; // of one piece
         bool InDatabase = false;
-        bool TheirsToo = false; // new, and another desktop added the item meanwhile: `stored` is that line
         bool Changed = false;
         bool Deleted = false;
         bool Memorize = false; // remember cost and part number for the supplier
@@ -60,8 +49,6 @@ private:
     void formatGrid();
     void ShowSupplierInfo();
     void LoadData();
-    std::vector<Line> storedLines() const;
-    void showOrder();
     void showHeading();
     void fillGrid();
     void showRow(int row, const Line& line);
@@ -81,14 +68,6 @@ private:
     void SavePO();
     void writeOrder();
     bool saveLine(const Line& line, std::int32_t poid) const;
-    using StoredLines = std::map<std::string, OrderedLine>; // by itemKey
-    std::int32_t requireEditable();
-    void takeMeanwhile(const StoredLines& now); // throws OrderChanged
-    std::string changesOf(const StoredLines& now) const;
-    static std::string metLine(Line& line, const OrderedLine* now);
-    static std::string metAddition(Line& line, const OrderedLine* now);
-    static std::string changes(const Line& line, const OrderedLine& known, const OrderedLine& now);
-    void onlyLookAt();
     void closeIfDone(std::int32_t number) const;
     void MemorizePO();
     void cmdPrint_Click();
@@ -109,10 +88,8 @@ private:
     std::vector<Line> lines_;
     std::string supplierName_;
     SupplierPrice price_;
-    std::string status_ = "O"; // as the last save left the order: with nothing but quantities of 0 it closes it
-    std::string oldText_;      // of the cell that is being edited
-    bool gaveUp_ =
-        false; // the last save met another writer or his changes, and the user did not wait, or lost the connection: it can be repeated
+    std::string oldText_;  // of the cell that is being edited
+    bool gaveUp_ = false;  // the last save met another writer, and the user did not wait for it, or lost the connection: it can be repeated
     bool unsaved_ = false; // something was changed since the last save
     bool activated_ = false;
 };

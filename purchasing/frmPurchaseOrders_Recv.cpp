@@ -1,6 +1,7 @@
 #include "purchasing/frmPurchaseOrders_Recv.h"
 
 #include "app/modMain.h"
+#include "app/posting.h"
 #include "app/titles.h"
 #include "base/counted.h"
 #include "base/numbers.h"
@@ -134,14 +135,6 @@ void frmPurchaseOrders_Recv::loadLines() {
     showLines();
     showTotals();
     loadPrinters();
-    setAvailable();
-}
-
-void frmPurchaseOrders_Recv::renewLines() {
-    lines_ = renewedLines(PONumber, lines_, &ReceiveLine::RecvQty);
-    barcodes_.clear();
-    showLines();
-    showTotals();
     setAvailable();
 }
 
@@ -390,7 +383,7 @@ void frmPurchaseOrders_Recv::cmdOK_Click() {
         return;
     spreadOver(lines_, Subtotal_, OtherCost_);
     std::int32_t ReceiptNumber = -1;
-    if (!post([&] { ReceiptNumber = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_); }))
+    if (!posted(desk(), kPostingTitle, [&] { ReceiptNumber = postReceipt(PONumber, lines_, OtherCost_, OtherCostDesc_); }))
         return;
     MemorizePO();
     reportAndLeave(kReceiptReport, ReceiptNumber, [this] {

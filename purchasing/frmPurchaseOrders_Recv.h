@@ -26,7 +26,6 @@ private:
     void Form_Load() override;
 
     void loadLines() override;
-    void renewLines() override;
     void loadPrinters();
     void showLines();
     void showRow(int row, const ReceiveLine& line);

@@ -72,18 +72,6 @@ bool OpenLinesForm::sayNothing() const {
     return false;
 }
 
-bool OpenLinesForm::post(const std::function<void()>& posting) {
-    try {
-        return posted(desk(), kPostingTitle, posting);
-    } catch (const OrderChanged& changed) {
-        guarded({words_.tag, "renewLines"}, [this] { renewLines(); });
-        desk().message("Someone else changed this order meanwhile, and nothing was posted:\n\n" + std::string(changed.what()) +
-                           "\nThe lines show what is open now. Please look them over and press OK there again.",
-                       kPostingTitle);
-        return false;
-    }
-}
-
 void OpenLinesForm::reportAndLeave(std::int16_t report, std::int32_t number, const std::function<void()>& papers) {
     carriedOut(desk(), kPostingTitle, [&] {
         if (papers)

@@ -39,8 +39,6 @@ protected:
     void Form_Load() override;
     // Reads the order's lines and shows them.
     virtual void loadLines() = 0;
-    // Reads them again, over what was typed, and shows them.
-    virtual void renewLines() = 0;
     virtual void showTotals() = 0;
     // The line of a data row; nothing for the heading or no row.
     virtual OpenLine* lineAt(int row) = 0;
@@ -55,9 +53,6 @@ protected:
                 return true;
         return sayNothing();
     }
-    // Runs the posting. False, after a message, when it has to wait, or when somebody else changed these lines meanwhile: they are shown as
-    // they are now, and the next try is the user's word. Other failures pass through.
-    bool post(const std::function<void()>& posting);
     // After the posting: the papers of the screen's own, then the report of that kind on the posting of that number, and the screen is
     // left. What goes wrong with them in passing is told and keeps nobody here, who would post it again.
     void reportAndLeave(std::int16_t report, std::int32_t number, const std::function<void()>& papers = {});

@@ -4,11 +4,6 @@
 
 namespace merchantry::purchasing {
 
-OrderHead orderHead(std::int32_t PONumber) {
-    const auto order = app::openDirect(db::Sql("sp_GetPOID ") + PONumber);
-    return {(*order)["POID"].Value().toInt32(), (*order)["Status"].text()};
-}
-
 std::int32_t PONumberToPOID(std::int32_t PONumber) {
     const auto order = app::openDirect(db::Sql("sp_PONumber2POID ") + PONumber);
     return order->Eof() ? 0 : (*order)["POID"].Value().toInt32();

@@ -27,7 +27,6 @@ std::int32_t postReceipt(std::int32_t PONumber, const std::vector<ReceiveLine>& 
                          const std::string& OtherCostDesc) {
     using db::Sql;
     db::Transaction transaction(app::modMain().Conn);
-    requireAsShown(PONumber, lines, &ReceiveLine::RecvQty);
     int CostID = 0;
     if (OtherCost > Currency()) {
         const auto cost =

@@ -24,7 +24,7 @@ Currency subtotalOf(const std::vector<ReceiveLine>& lines);
 void spreadOver(std::vector<ReceiveLine>& lines, Currency Subtotal, Currency OtherCost);
 
 // Books the lines that bring something, their shares included, in one transaction on the shared connection; the number that the receipt
-// got. Throws DbError, OverflowError and OrderChanged, and then nothing of it is in the store.
+// got. Throws DbError and OverflowError, and then nothing of it is in the store.
 std::int32_t postReceipt(std::int32_t PONumber, const std::vector<ReceiveLine>& lines, Currency OtherCost,
                          const std::string& OtherCostDesc);
 
