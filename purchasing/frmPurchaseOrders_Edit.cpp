@@ -4,10 +4,10 @@
 #include "app/titles.h"
 #include "base/characters.h"
 #include "base/counted.h"
-#include "base/lettercase.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "purchasing/frmPOItemHistory.h"
+#include "purchasing/openlines.h"
 #include "purchasing/orders.h"
 #include "ui/calls.h"
 #include "ui/desk.h"
@@ -32,11 +32,6 @@ enum Column { kMemorize, kSku, kName, kPartNo, kQty, kOpenQty, kCost, kExt, kInd
 
 constexpr std::size_t kPicksAtOnce = 20;
 constexpr std::size_t kLongestPartNo = 50; // that the store holds
-
-// One text for an item's two codes, as the store compares them.
-std::string itemKey(const std::string& SKU, const std::string& MatrixSKU) {
-    return lowerCase(trimmedRight(SKU)) + "|" + lowerCase(trimmedRight(MatrixSKU));
-}
 
 } // namespace
 

@@ -20,14 +20,6 @@ bool isOneOf(std::string_view name, const auto& names) {
     return std::any_of(names.begin(), names.end(), [&](std::string_view one) { return sameName(one, name); });
 }
 
-DbError wrongCount(const Expr& expr, int wanted) {
-    return serverMessage(Message::ArgumentCount, {expr.name.last(), std::to_string(wanted)}, expr.line);
-}
-
-bool isNumber(const SqlType& type) {
-    return type.isWhole() || type.isMoney() || type.isFloat() || type.kind == TypeKind::Decimal;
-}
-
 std::string lowerName(const std::string& name) {
     std::string lower = name;
     std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });

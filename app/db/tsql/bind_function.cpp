@@ -123,14 +123,6 @@ const std::vector<SystemFunction>& systemFunctions() {
     return kFunctions;
 }
 
-DbError wrongCount(const Expr& expr, int wanted) {
-    return serverMessage(Message::ArgumentCount, {expr.name.last(), std::to_string(wanted)}, expr.line);
-}
-
-bool isNumber(const SqlType& type) {
-    return type.isWhole() || type.isMoney() || type.isFloat() || type.kind == TypeKind::Decimal;
-}
-
 // Binds the call of one built-in function.
 class FunctionBinder {
 public:
@@ -525,6 +517,10 @@ Typed ownFunction(Binding& binding, const Expr& expr) {
 }
 
 } // namespace
+
+DbError wrongCount(const Expr& expr, int wanted) {
+    return serverMessage(Message::ArgumentCount, {expr.name.last(), std::to_string(wanted)}, expr.line);
+}
 
 std::vector<std::string_view> builtInFunctions() {
     std::vector<std::string_view> names = aggregateNames();

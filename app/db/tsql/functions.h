@@ -1,5 +1,8 @@
 #pragma once
 
+#include "app/db/dberror.h"
+#include "app/db/tsql/ast.h"
+
 #include <string_view>
 #include <vector>
 
@@ -19,5 +22,8 @@ bool isRanking(std::string_view name);
 std::vector<std::string_view> builtInFunctions();
 std::vector<std::string_view> aggregateNames();
 std::vector<std::string_view> rankingNames();
+
+// The call of a function has another number of arguments than it wants (174).
+DbError wrongCount(const Expr& expr, int wanted);
 
 } // namespace merchantry::db::tsql

@@ -24,8 +24,7 @@ void groupBy(TokenReader& in, SelectCore& core) {
 }
 
 std::unique_ptr<SelectCore> selectCore(TokenReader& in) {
-    auto core = std::make_unique<SelectCore>();
-    core->line = in.peek().line;
+    auto core = begun<SelectCore>(in);
     in.expectWord("SELECT");
     ++in.state.selects;
     if (in.acceptWord("DISTINCT"))
@@ -56,8 +55,7 @@ QueryPtr queryTerm(TokenReader& in) {
         in.expectSymbol(")");
         return inner;
     }
-    auto result = std::make_unique<Query>();
-    result->line = in.peek().line;
+    auto result = begun<Query>(in);
     result->core = selectCore(in);
     return result;
 }
@@ -67,8 +65,7 @@ QueryPtr intersection(TokenReader& in) {
     int links = 0;
     while (in.isWord("INTERSECT")) {
         in.link(links);
-        auto both = std::make_unique<Query>();
-        both->line = in.peek().line;
+        auto both = begun<Query>(in);
         both->op = SetOperator::Intersect;
         in.take();
         both->left = std::move(left);
@@ -83,8 +80,7 @@ QueryPtr queryWithoutOrder(TokenReader& in) {
     int links = 0;
     while (in.isWord("UNION") || in.isWord("EXCEPT")) {
         in.link(links);
-        auto both = std::make_unique<Query>();
-        both->line = in.peek().line;
+        auto both = begun<Query>(in);
         both->op = SetOperator::Except;
         if (in.take().is("UNION"))
             both->op = in.acceptWord("ALL") ? SetOperator::UnionAll : SetOperator::Union;
@@ -105,8 +101,7 @@ void tableAlias(TokenReader& in, TableRef& table) {
 }
 
 TableRefPtr tablePrimary(TokenReader& in) {
-    auto table = std::make_unique<TableRef>();
-    table->line = in.peek().line;
+    auto table = begun<TableRef>(in);
     if (in.isSymbol("(")) {
         if (startsQuery(in)) {
             in.take();
@@ -162,9 +157,8 @@ TableRefPtr joined(TokenReader& in) {
     int links = 0;
     while (true) {
         in.link(links);
-        auto join = std::make_unique<TableRef>();
+        auto join = begun<TableRef>(in);
         join->kind = TableRef::Kind::Join;
-        join->line = in.peek().line;
         bool hasCondition = true;
         if (in.isWord("CROSS") || (in.isWord("OUTER") && in.isWord("APPLY", 1))) {
             const bool cross = in.take().is("CROSS");

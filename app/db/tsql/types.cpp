@@ -219,6 +219,10 @@ std::optional<SqlType> builtInType(const TypeName& name, bool inCast) {
     return type;
 }
 
+bool isNumber(const SqlType& type) {
+    return type.isWhole() || type.isMoney() || type.isFloat() || type.kind == TypeKind::Decimal;
+}
+
 SqlType asDecimal(const SqlType& type) {
     switch (type.kind) {
     case TypeKind::Bit:

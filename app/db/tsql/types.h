@@ -16,6 +16,9 @@ SqlType varcharType(int length);
 SqlType nvarcharType(int length);
 SqlType decimalType(int precision, int scale);
 
+// Whole, exact, money or floating; not a text that reads like a number.
+bool isNumber(const SqlType& type);
+
 // Precision and scale with which a number enters exact arithmetic: int is 10,0, money 19,4.
 SqlType asDecimal(const SqlType& type);
 
